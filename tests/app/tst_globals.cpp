@@ -1,0 +1,50 @@
+#include <cmath>
+#include <limits>
+
+#include "TestMain.h"
+
+class TestGlobals : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void colourLookups_data() {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<int>("grey");
+        QTest::addColumn<QVector<int>>("rgb");
+        const double nan = std::numeric_limits<double>::quiet_NaN();
+        const double inf = std::numeric_limits<double>::infinity();
+        QTest::newRow("one") << 1.0 << 255 << QVector<int>{255, 255, 255};
+        QTest::newRow("just below one") << 0.999 << 255 << QVector<int>{255, 255, 255};
+        QTest::newRow("half") << 0.5 << 128 << QVector<int>{255, 128, 0};
+        QTest::newRow("zero") << 0.0 << 0 << QVector<int>{0, 0, 0};
+        QTest::newRow("negative") << -0.5 << 0 << QVector<int>{0, 0, 0};
+        QTest::newRow("end of red") << 255.5 / 766.0 << 85 << QVector<int>{255, 0, 0};
+        QTest::newRow("end of yellow") << 510.5 / 766.0 << 170 << QVector<int>{255, 255, 0};
+        QTest::newRow("NaN") << nan << 0 << QVector<int>{0, 0, 0};
+        QTest::newRow("inf") << inf << 255 << QVector<int>{255, 255, 255};
+        QTest::newRow("-inf") << -inf << 0 << QVector<int>{0, 0, 0};
+        QTest::newRow("huge") << 1e300 << 255 << QVector<int>{255, 255, 255};
+    }
+
+    void colourLookups() {
+        QFETCH(double, value);
+        QFETCH(int, grey);
+        QFETCH(QVector<int>, rgb);
+        QCOMPARE(int(*greyOf(value)), grey);
+        const unsigned char* c = colorOf(value);
+        QCOMPARE((QVector<int>{c[0], c[1], c[2]}), rgb);
+    }
+
+    void curveColoursRepeat() {
+        QCOMPARE(getColor(9), QColor(255, 0, 0));
+        QCOMPARE(getColor(10), QColor(0, 255, 0));
+        QCOMPARE(getColor(-1), QColor(0, 200, 255));
+        const QList<QColor> kept = Colors;
+        Colors.clear();
+        QCOMPARE(getColor(3), QColor(0, 0, 0, 255));
+        Colors = kept;
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestGlobals)
+#include "tst_globals.moc"

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QtTest>
+
+#include "app/Globals.h"
+
+// QTEST_MAIN and its kin with the process-wide tables built first, as in the programs.
+#define TARNWICK_TEST_MAIN(APPLICATION, TEST)   \
+    int main(int argc, char** argv) {           \
+        initGlobals();                          \
+        APPLICATION app(argc, argv);            \
+        TEST test;                              \
+        return QTest::qExec(&test, argc, argv); \
+    }
