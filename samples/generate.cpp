@@ -120,6 +120,7 @@ void generate(const Options& options) {
     writeReferences(options.dir / "references", model, energies);
     writeStandard(options.dir / "standard", model, options.noisy);
     writeTruth(options.dir / "truth", phantom);
+    fs::create_directories(options.dir / "results");
 
     std::string text = "Simulated imaging XAFS measurement, Fe K edge\n";
     text += "size " + std::to_string(options.width) + " x " + std::to_string(options.height) + "\n";
