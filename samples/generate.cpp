@@ -5,7 +5,6 @@
 #include <exception>
 #include <filesystem>
 #include <iostream>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -66,8 +65,17 @@ bool parse(int argc, char** argv, Options* options) {
            within(options->height, 16, 4096) && within(options->energies, 20, 1000);
 }
 
+// The program takes the first digits or underscores before "eV" in a path for the energy.
+bool looksLikeEnergy(const std::string& path) {
+    for (std::size_t at = path.find("eV"); at != std::string::npos; at = path.find("eV", at + 1)) {
+        if (at > 0 && std::string("0123456789_").find(path[at - 1]) != std::string::npos)
+            return true;
+    }
+    return false;
+}
+
 void warnAboutPath(const fs::path& dir) {
-    if (std::regex_search(fs::absolute(dir).string(), std::regex("[0-9_]+eV"))) {
+    if (looksLikeEnergy(fs::absolute(dir).string())) {
         std::cerr << "warning: the path " << dir.string()
                   << " holds a number followed by \"eV\", which is taken for the energy of every "
                      "file below it\n";
