@@ -1,0 +1,38 @@
+#include "spectra/LiveCounts.h"
+
+#include <QDebug>
+#include <atomic>
+
+namespace {
+std::atomic<qint64> spoints{0};
+std::atomic<qint64> spectra{0};
+std::atomic<qint64> xafsSpectra{0};
+}  // namespace
+
+qint64 liveSpoints() {
+    return spoints.load(std::memory_order_relaxed);
+}
+qint64 liveSpectra() {
+    return spectra.load(std::memory_order_relaxed);
+}
+qint64 liveXafsSpectra() {
+    return xafsSpectra.load(std::memory_order_relaxed);
+}
+
+void logObjectCounts() {
+    qDebug().noquote() << "object count : Spoint : " << liveSpoints();
+    qDebug().noquote() << "object count : Spectrum : " << liveSpectra();
+    qDebug().noquote() << "Count : Xafs Spectrum : " << liveXafsSpectra();
+}
+
+namespace livecounts {
+void addSpoints(qint64 n) {
+    spoints.fetch_add(n, std::memory_order_relaxed);
+}
+void addSpectra(qint64 n) {
+    spectra.fetch_add(n, std::memory_order_relaxed);
+}
+void addXafsSpectra(qint64 n) {
+    xafsSpectra.fetch_add(n, std::memory_order_relaxed);
+}
+}  // namespace livecounts

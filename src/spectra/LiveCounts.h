@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QtGlobal>
+
+// Exact numbers of live spectrum objects, for diagnostics. Points are counted with the vectors
+// that hold them, a whole vector at a time: an atomic operation a point would cost more than the
+// spectrum itself.
+
+qint64 liveSpoints();
+qint64 liveSpectra();
+qint64 liveXafsSpectra();
+
+/// Three debug lines with the counts.
+void logObjectCounts();
+
+namespace livecounts {
+void addSpoints(qint64 n);
+void addSpectra(qint64 n);
+void addXafsSpectra(qint64 n);
+}  // namespace livecounts

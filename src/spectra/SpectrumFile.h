@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+class QTextStream;
+class XafsSpectrum;
+
+// Files of single spectra: the 9809 format of transmission measurements (monochromator angle and
+// two counts a point), plain two-column text (energy in eV, mu-t), and our own spectrum files.
+
+/// Reads a file of either input kind into the spectrum, replacing its points, and notes the kind
+/// (not9809). False when the file cannot be opened (one debug line; the spectrum is then empty and
+/// not valid); a file without any data line counts as read. The caller normalises.
+bool readSpectrumFile(const QString& fileName, XafsSpectrum* spectrum);
+
+/// Whether a file's first line is that of the 9809 format.
+bool isFirstLineOf9809(const QString& line);
+
+/// Appends the points of plain two-column text: lines of at least two items whose first does not
+/// begin with "#". What is no number reads as 0.
+void readPlain(QTextStream& in, XafsSpectrum* spectrum);
+
+/// Appends the points of 9809 text; without a "D=" item the energies are infinite.
+void read9809(QTextStream& in, XafsSpectrum* spectrum);
+
+/// Writes x, the double-normalized-pre-base value, mu-t, pre-edge and post-edge curve of every
+/// point, one tab-separated line each, six digits, below two header lines. x is the point's energy,
+/// less the energy correction if asked for. False when the file cannot be written, which leaves an
+/// existing one as it was.
+bool writeSpectrumFile(const QString& fileName, const XafsSpectrum& spectrum, bool corrected);

@@ -1,0 +1,50 @@
+#include "spectra/XafsFileSelect.h"
+
+#include <QFileDialog>
+
+#include "app/Globals.h"
+#include "ui_XafsFileSelect.h"
+
+XafsFileSelect::XafsFileSelect(QWidget* parent)
+    : QFrame(parent),
+      m_ui(std::make_unique<Ui::XafsFileSelect>()),
+      m_dialog(new QFileDialog(this, tr("XAFS File Select"), DataDir)) {
+    m_ui->setupUi(this);
+    m_dialog->setFileMode(QFileDialog::ExistingFile);
+    m_dialog->setNameFilters({tr("XAFS Data File (*.dat)"), tr("Any Files (* *.*)")});
+    connect(m_ui->Select, &QPushButton::clicked, m_dialog, &QWidget::show);
+    connect(m_dialog, &QFileDialog::fileSelected, this, &XafsFileSelect::fileSelected);
+    connect(m_ui->Clear, &QPushButton::clicked, this, &XafsFileSelect::clear);
+    connect(m_ui->Use, &QCheckBox::toggled, this, &XafsFileSelect::changedUse);
+}
+
+XafsFileSelect::~XafsFileSelect() = default;
+
+QString XafsFileSelect::fileName() const {
+    return m_ui->Selected->text();
+}
+void XafsFileSelect::setFileNameText(const QString& text) {
+    m_ui->Selected->setText(text);
+}
+bool XafsFileSelect::use() const {
+    return m_ui->Use->isChecked();
+}
+
+void XafsFileSelect::fileSelected(const QString& fname) {
+    m_selected = true;
+    m_ui->Selected->setText(fname);
+    emit newFile(fname);
+}
+
+void XafsFileSelect::load(const QString& fname) {
+    fileSelected(fname);
+}
+void XafsFileSelect::clear() {
+    m_ui->Selected->setText(QString());
+}
+void XafsFileSelect::setUse(bool use) {
+    m_ui->Use->setChecked(use);
+}
+void XafsFileSelect::showUse(bool visible) {
+    m_ui->Use->setVisible(visible);
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QFrame>
+#include <memory>
+
+namespace Ui {
+class XafsFileSelect;
+}
+class QFileDialog;
+
+/// Lets the user pick one XAFS data file and says which. Its "Use" box tells, for a reference
+/// spectrum, whether it takes part in the fit.
+class XafsFileSelect : public QFrame {
+    Q_OBJECT
+
+  public:
+    explicit XafsFileSelect(QWidget* parent = nullptr);
+    ~XafsFileSelect() override;
+
+    /// The name shown; empty after clear() or when the file could not be read.
+    QString fileName() const;
+    void setFileNameText(const QString& text);
+
+    /// Whether a file has ever been chosen; clear() does not reset it.
+    bool isSelected() const { return m_selected; }
+    bool use() const;
+
+  signals:
+    void changedUse(bool use);
+    void newFile(const QString& fname);
+
+  public slots:
+    void fileSelected(const QString& fname);
+    void load(const QString& fname);
+    void clear();
+    void setUse(bool use);
+    void showUse(bool visible);
+
+  private:
+    std::unique_ptr<Ui::XafsFileSelect> m_ui;
+    QFileDialog* m_dialog;
+    bool m_selected = false;
+};

@@ -1,0 +1,121 @@
+#include "spectra/XafsSpectrum.h"
+
+#include <QDebug>
+
+#include "spectra/LiveCounts.h"
+
+XafsSpectrum::XafsSpectrum() {
+    livecounts::addXafsSpectra(1);
+}
+
+XafsSpectrum::XafsSpectrum(const Spectrum& measured, int backgroundType, double energyCorrection)
+    : Spectrum(measured), m_backgroundType(backgroundType), m_energyCorrection(energyCorrection) {
+    livecounts::addXafsSpectra(1);
+    normalise(backgroundType);
+}
+
+XafsSpectrum::XafsSpectrum(const XafsSpectrum& other)
+    : Spectrum(other),
+      m_not9809(other.m_not9809),
+      m_preEdge(other.m_preEdge),
+      m_postEdge(other.m_postEdge),
+      m_backgroundType(other.m_backgroundType),
+      m_preStart(other.m_preStart),
+      m_preEnd(other.m_preEnd),
+      m_postStart(other.m_postStart),
+      m_postEnd(other.m_postEnd),
+      m_midE(other.m_midE),
+      m_dMut(other.m_dMut),
+      m_postBased(other.m_postBased),
+      m_postBasedBySpan(other.m_postBasedBySpan),
+      m_normalized(other.m_normalized),
+      m_doubleNormalized(other.m_doubleNormalized),
+      m_energyCorrection(other.m_energyCorrection) {
+    livecounts::addXafsSpectra(1);
+}
+
+XafsSpectrum::~XafsSpectrum() {
+    livecounts::addXafsSpectra(-1);
+}
+
+void XafsSpectrum::setPreRange(double start, double end) {
+    m_preStart = start;
+    m_preEnd = end;
+}
+
+void XafsSpectrum::setPostRange(double start, double end) {
+    m_postStart = start;
+    m_postEnd = end;
+}
+
+void XafsSpectrum::normalise(int backgroundType) {
+    if (isEmpty()) {
+        return;
+    }
+    m_backgroundType = backgroundType;
+    const double e0 = findE(0.5, 0);
+    if (backgroundType == Simple) {
+        m_preEdge.fitLine(*this, e0 + m_preStart, e0 + m_preEnd);
+        m_postEdge.fitLine(*this, e0 + m_postStart, e0 + m_postEnd);
+    } else {
+        m_preEdge.fitVictreen(*this, e0 + m_preStart, e0 + m_preEnd);
+        m_postEdge.fitVictreen(*this, e0 + m_postStart, e0 + m_postEnd);
+    }
+    findMidEandDMut(e0);
+    fillSeries();
+}
+
+namespace {
+
+/// Value of a curve under point i; a curve that could not be fitted counts as 0.
+double under(const BgCurve& curve, int i) {
+    return i < curve.size() ? curve.value(i) : 0.0;
+}
+
+}  // namespace
+
+void XafsSpectrum::findMidEandDMut(double e0) {
+    const double from = e0 + m_preEnd;
+    const double to = e0 + m_postStart;
+    double sum = 0.0;
+    int crossings = 0;
+    for (int i = 0; i + 1 < size(); ++i) {
+        const double e = energy(i);
+        if (!(e > from && e < to)) {
+            continue;
+        }
+        const double pre = under(m_preEdge, i);
+        const double mid = pre + 0.5 * (under(m_postEdge, i) - pre);
+        const double mu0 = value(i);
+        const double mu1 = value(i + 1);
+        if ((mu0 - mid) * (mu1 - mid) <= 0.0) {
+            const double next = energy(i + 1);
+            sum += mu1 == mu0 ? 0.5 * (e + next) : e + (mid - mu0) / (mu1 - mu0) * (next - e);
+            ++crossings;
+        }
+    }
+    m_midE = crossings > 0 ? sum / crossings : 0.0;
+    m_dMut = m_postEdge.valueAt(m_midE) - m_preEdge.valueAt(m_midE);
+    if (m_dMut == 0.0) {
+        qDebug() << "dMut_ is 0 in findMidEandDMut";
+    }
+}
+
+void XafsSpectrum::fillSeries() {
+    const int n = size();
+    const auto fill = [&](Spectrum& series, auto formula) {
+        series.assignWith(n, [&](Spoint* points) {
+            for (int i = 0; i < n; ++i) {
+                points[i] = {energy(i),
+                             formula(value(i), under(m_preEdge, i), under(m_postEdge, i))};
+            }
+        });
+    };
+    const double jump = m_dMut;
+    fill(m_normalized, [jump](double mu, double, double post) { return (mu - post) / jump + 1.0; });
+    fill(m_doubleNormalized,
+         [](double mu, double pre, double post) { return (mu - pre) / (post - pre); });
+    fill(m_postBased, [jump](double mu, double, double post) { return (mu - post) / jump; });
+    fill(m_postBasedBySpan,
+         [](double mu, double pre, double post) { return (mu - post) / (post - pre); });
+}

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <QMetaType>
+
+#include "spectra/BgCurve.h"
+#include "spectra/Spectrum.h"
+
+/// An absorption spectrum (energy in eV, mu-t) that normalises itself: it finds its edge, fits a
+/// pre-edge and a post-edge background, and from them the mid-edge energy, the edge jump and four
+/// normalised series. Curves and series always belong to the last normalisation.
+///
+/// Degenerate data give debug lines and series that are not finite, never an error.
+class XafsSpectrum : public Spectrum {
+  public:
+    enum Background { Simple = 0, Victreen = 1 };  ///< any non-zero type is Victreen
+
+    /// Empty, to be read from a file; Victreen until told otherwise.
+    XafsSpectrum();
+    /// Takes the measured points with their shift and normalises them. The energy correction is
+    /// what the calibration found for the position (eV, taken off when fitting and writing).
+    XafsSpectrum(const Spectrum& measured, int backgroundType, double energyCorrection);
+    XafsSpectrum(const XafsSpectrum& other);
+    XafsSpectrum& operator=(const XafsSpectrum& other) = default;
+    ~XafsSpectrum();
+
+    /// Normalises with this background type; does nothing without points.
+    void normalise(int backgroundType);
+
+    int backgroundType() const { return m_backgroundType; }
+    void setBackgroundType(int type) { m_backgroundType = type; }
+
+    /// 0 when read from a file of the 9809 kind, else 1.
+    int not9809() const { return m_not9809; }
+    void setNot9809(int flag) { m_not9809 = flag; }
+
+    // Ranges of the background fits in eV, relative to the edge.
+    double preStart() const { return m_preStart; }
+    double preEnd() const { return m_preEnd; }
+    double postStart() const { return m_postStart; }
+    double postEnd() const { return m_postEnd; }
+    void setPreRange(double start, double end);
+    void setPostRange(double start, double end);
+
+    const BgCurve& preEdge() const { return m_preEdge; }
+    const BgCurve& postEdge() const { return m_postEdge; }
+
+    /// Mean energy (eV) at which mu-t crosses the middle between the backgrounds; 0.0 for none.
+    double midE() const { return m_midE; }
+    /// Edge jump: post-edge minus pre-edge curve at midE.
+    double dMut() const { return m_dMut; }
+
+    const Spectrum& postBased() const { return m_postBased; }  ///< (mu-post) / dMut
+    const Spectrum& postBasedBySpan() const {
+        return m_postBasedBySpan;
+    }                                                            ///< (mu-post) / (post-pre)
+    const Spectrum& normalized() const { return m_normalized; }  ///< (mu-post) / dMut + 1
+    /// (mu-pre) / (post-pre): what fits compare and spectrum files carry.
+    const Spectrum& doubleNormalizedPreBase() const { return m_doubleNormalized; }
+    double doubleNormalizedPreBase(double e) const { return m_doubleNormalized.valueAt(e); }
+
+    double energyCorrection() const { return m_energyCorrection; }
+    void setEnergyCorrection(double correction) { m_energyCorrection = correction; }
+    /// Energy of point i as fits and corrected files use it.
+    double correctedEnergy(int i) const { return energy(i) - m_energyCorrection; }
+
+  private:
+    void findMidEandDMut(double e0);
+    void fillSeries();
+
+    int m_not9809 = 1;
+    BgCurve m_preEdge;
+    BgCurve m_postEdge;
+    int m_backgroundType = Victreen;
+    double m_preStart = -100.0;
+    double m_preEnd = -10.0;
+    double m_postStart = 10.0;
+    double m_postEnd = 1000.0;
+    double m_midE = 0.0;
+    double m_dMut = 0.0;
+    Spectrum m_postBased;
+    Spectrum m_postBasedBySpan;
+    Spectrum m_normalized;
+    Spectrum m_doubleNormalized;
+    double m_energyCorrection = 0.0;
+};
+
+Q_DECLARE_METATYPE(XafsSpectrum)
+Q_DECLARE_METATYPE(XafsSpectrum*)

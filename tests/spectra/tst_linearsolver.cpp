@@ -1,0 +1,62 @@
+#include <cmath>
+#include <cstring>
+
+#include "TestMain.h"
+#include "spectra/LinearSolver.h"
+
+class TestLinearSolver : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void systems_data() {
+        QTest::addColumn<QVector<double>>("a");
+        QTest::addColumn<QVector<double>>("b");
+        QTest::addColumn<QVector<double>>("x");
+        using V = QVector<double>;
+        QTest::newRow("1") << V{4} << V{8} << V{2};
+        QTest::newRow("needs a row exchange") << V{0, 2, 1, 1} << V{6, 5} << V{2, 3};
+        QTest::newRow("two exchanges") << V{0, 1, 2, 1, 2, 0, 4, 0, 1} << V{8, 5, 7} << V{1, 2, 3};
+        QTest::newRow("zero matrix: pivots become 1") << V{0, 0, 0, 0} << V{0, 0} << V{0, 0};
+        // rows 2 4 | 6 first, then 1 2 | 3 less half of it: 0 0 | 0 with a pivot of 1
+        QTest::newRow("singular: second pivot becomes 1") << V{1, 2, 2, 4} << V{3, 6} << V{3, 0};
+    }
+
+    void systems() {
+        QFETCH(QVector<double>, a);
+        QFETCH(QVector<double>, b);
+        QFETCH(QVector<double>, x);
+        QVector<double> found(b.size());
+        solveLinear(a.constData(), b.constData(), b.size(), found.data());
+        for (int i = 0; i < x.size(); ++i) {
+            QVERIFY2(std::abs(found[i] - x[i]) < 1e-12, qPrintable(QString::number(found[i])));
+        }
+    }
+
+    void aDecompositionServesSeveralRightHandSides() {
+        const double a[] = {0.1, 7, 3, 2, 1, 1, 5, 0.5, 4};
+        LuDecomposition lu;
+        lu.decompose(a, 3);
+        const double right[2][3] = {{1, 2, 3}, {-4, 0.25, 1e6}};
+        for (const auto& b : right) {
+            double once[3];
+            double again[3];
+            solveLinear(a, b, 3, once);
+            lu.solve(b, again);
+            for (int i = 0; i < 3; ++i) {
+                QCOMPARE(std::memcmp(&once[i], &again[i], sizeof(double)), 0);
+            }
+        }
+    }
+
+    void notANumberRunsThrough() {
+        const double nan = std::nan("");
+        const double a[] = {nan, 1, nan, 2};
+        const double b[] = {1, 2};
+        double x[2];
+        solveLinear(a, b, 2, x);
+        QVERIFY(std::isnan(x[0]));
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestLinearSolver)
+#include "tst_linearsolver.moc"

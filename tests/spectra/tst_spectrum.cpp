@@ -1,0 +1,132 @@
+#include <cmath>
+
+#include "TestMain.h"
+#include "spectra/LiveCounts.h"
+#include "spectra/Spectrum.h"
+#include "spectra/XafsSpectrum.h"
+
+namespace {
+
+Spectrum make(const QVector<QPair<double, double>>& points) {
+    Spectrum s;
+    for (const auto& p : points) {
+        s.append(p.first, p.second);
+    }
+    return s;
+}
+
+}  // namespace
+
+class TestSpectrum : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void extremesKeepTheirFirstHolder() {
+        Spectrum s;
+        QCOMPARE(s.minIndex(), qint32(0x8FFFFFFF));
+        QCOMPARE(s.maxIndex(), qint32(0x70000001));
+        s = make({{3, 5}, {1, 2}, {2, 5}, {4, 2}});
+        QCOMPARE(s.minimum().x, 1.0);
+        QCOMPARE(s.minimum().y, 2.0);
+        QCOMPARE(s.maximum().x, 4.0);
+        QCOMPARE(s.maximum().y, 5.0);
+        QCOMPARE(s.minIndex(), 1);
+        QCOMPARE(s.maxIndex(), 0);
+        Spectrum bulk;
+        const double x[] = {3, 1, 2, 4};
+        const double y[] = {5, 2, 5, 2};
+        bulk.assign(x, y, 4);
+        QCOMPARE(bulk.minIndex(), 1);
+        QCOMPARE(bulk.maxIndex(), 0);
+        QCOMPARE(bulk.maximum().x, 4.0);
+        s.clear();
+        QCOMPARE(s.minIndex(), qint32(0x8FFFFFFF));
+        QCOMPARE(s.maximum().y, -1e300);
+    }
+
+    void crossings_data() {
+        QTest::addColumn<Spectrum>("spectrum");
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<double>("fraction");
+        QTest::addColumn<double>("energy");
+        QTest::addColumn<int>("index");
+        const Spectrum peak = make({{10, 0}, {11, 1}, {12, 4}, {13, 2}, {14, 0}});
+        QTest::newRow("rising") << peak << 0 << 0.5 << 11.0 + 1.0 / 3.0 << 1;
+        QTest::newRow("falling") << peak << 1 << 0.5 << 13.0 << 2;
+        QTest::newRow("any") << peak << 2 << 0.25 << 11.0 << 0;
+        const Spectrum fall = make({{10, 3}, {11, 1}, {12, 0}});
+        QTest::newRow("no rising edge: first point") << fall << 0 << 0.5 << 10.0 << -1;
+        const Spectrum flat = make({{10, 2}, {12, 2}, {13, 2}});
+        QTest::newRow("flat, any: mean of the first pair") << flat << 2 << 0.5 << 11.0 << 0;
+        QTest::newRow("flat, rising: first point") << flat << 0 << 0.5 << 10.0 << -1;
+        QTest::newRow("one point") << make({{7, 1}}) << 0 << 0.5 << 7.0 << -1;
+        QTest::newRow("none") << Spectrum() << 0 << 0.5 << 0.0 << -1;
+        Spectrum shifted = peak;
+        shifted.setShift(2.0);
+        shifted.setShiftOn(true);
+        QTest::newRow("shifted") << shifted << 0 << 0.5 << 9.0 + 1.0 / 3.0 << 1;
+    }
+
+    void crossings() {
+        QFETCH(Spectrum, spectrum);
+        QFETCH(int, mode);
+        QFETCH(double, fraction);
+        QTEST(spectrum.findE(fraction, mode), "energy");
+        QTEST(spectrum.findIndex(fraction, mode), "index");
+    }
+
+    void valuesAreInterpolatedAndExtrapolated() {
+        Spectrum s = make({{1, 10}, {2, 20}, {4, 0}});
+        QCOMPARE(s.valueAt(1.5), 15.0);
+        QCOMPARE(s.valueAt(3.0), 10.0);
+        QCOMPARE(s.valueAt(0.0), 0.0);
+        QCOMPARE(s.valueAt(5.0), -10.0);
+        QCOMPARE(s.valueAt(4.0), 0.0);
+        s.setShift(1.0);
+        s.setShiftOn(true);
+        QCOMPARE(s.valueAt(0.5), 15.0);
+        QCOMPARE(s.point(0).x, 1.0);
+        QCOMPARE(make({{5, 3}}).valueAt(99.0), 3.0);
+        QCOMPARE(make({{5, 3}, {5, 7}}).valueAt(5.0), 5.0);
+        QVERIFY(std::isnan(s.valueAt(std::nan(""))));
+    }
+
+    /// A copy must not change with the original, and the counts must come out even.
+    void copiesAreIndependentAndCounted() {
+        const qint64 points = liveSpoints();
+        const qint64 spectra = liveSpectra();
+        const qint64 xafs = liveXafsSpectra();
+        {
+            Spectrum a;
+            QCOMPARE(liveSpoints(), points + 2);
+            a.append(1, 1);
+            a.append(2, 4);
+            Spectrum b = a;
+            QCOMPARE(liveSpectra(), spectra + 2);
+            QCOMPARE(liveSpoints(), points + 4 + 2);  // shared points count once
+            b.append(3, 9);
+            QCOMPARE(a.size(), 2);
+            QCOMPARE(liveSpoints(), points + 4 + 2 + 3);
+            b.clear();
+            QCOMPARE(liveSpoints(), points + 4 + 2);
+            const double x[] = {1, 2, 3, 4};
+            b.assign(x, x, 4);
+            const Spectrum c = b;
+            b.assign(x, x, 1);
+            QCOMPARE(c.size(), 4);
+            QCOMPARE(liveSpoints(), points + 6 + 2 + 1 + 4);
+            const XafsSpectrum xs(c, XafsSpectrum::Simple, 0.0);
+            QCOMPARE(liveXafsSpectra(), xafs + 1);
+            QCOMPARE(liveSpectra(), spectra + 3 + 7);
+            QCOMPARE(liveSpoints(), points + 13 + 7 * 2 + 6 * 4);
+        }
+        QCOMPARE(liveSpoints(), points);
+        QCOMPARE(liveSpectra(), spectra);
+        QCOMPARE(liveXafsSpectra(), xafs);
+    }
+};
+
+Q_DECLARE_METATYPE(Spectrum)
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestSpectrum)
+#include "tst_spectrum.moc"

@@ -1,0 +1,157 @@
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <cmath>
+#include <limits>
+
+#include "TestMain.h"
+#include "spectra/SpectrumFile.h"
+#include "spectra/XafsSpectrum.h"
+
+namespace {
+using Points = QVector<QPair<double, double>>;
+
+const char Header[] =
+    "  9809     SITE   BL1\n Mono :   SI(111)       D=  3.13551 A    Initial angle=  9.2 deg\n"
+    "    Offset         0         0   826.150   652.975\n";
+}  // namespace
+
+class TestSpectrumFile : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void files_data() {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<int>("not9809");
+        QTest::addColumn<Points>("points");
+        const double inf = std::numeric_limits<double>::infinity();
+        QTest::newRow("two columns")
+            << QByteArray("# energy mu\n7000 0.5\n7001\t0.75 9 9\n\n7002\n") << 1
+            << Points{{7000, 0.5}, {7001, 0.75}};
+        QTest::newRow("comments and words")
+            << QByteArray("#1 2\n1 #2\nenergy mu\nx\n") << 1 << Points{{1, 0}, {0, 0}};
+        QTest::newRow("carriage returns and no last line feed")
+            << QByteArray("7000 1\r\n7001 2") << 1 << Points{{7000, 1}, {7001, 2}};
+        QTest::newRow("empty") << QByteArray() << 1 << Points{};
+        // 12398.424360387684 / (2 * 3.13551 * sin(10 deg))
+        QTest::newRow("9809") << QByteArray(Header) +
+                                     "  10.0 10.0 1.0 200 100\n 10.0 10.0 1.0 200 0\n"
+                              << 0 << Points{{11385.6566, std::log(2.0)}, {11385.6566, 1.0}};
+        QTest::newRow("9809 with four columns, end mark and header junk")
+            << QByteArray("9809 1 2 3 4 5\n") + Header + " 10 10 1 200\n\x1a\n"
+            << 0 << Points{};
+        QTest::newRow("9809 without spacing")
+            << QByteArray("9809\nOffset\n10 10 1 200 100\n") << 0 << Points{{inf, std::log(2.0)}};
+        QTest::newRow("9809 without Offset") << QByteArray("9809\n1 1 1 2 1\n") << 0 << Points{};
+        QTest::newRow("98091 is plain only in its fifth sign")
+            << QByteArray("98091\n") << 0 << Points{};
+    }
+
+    void files() {
+        QFETCH(QByteArray, content);
+        QFETCH(Points, points);
+        QTemporaryDir dir;
+        const QString name = dir.filePath("s.dat");
+        QFile file(name);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        file.close();
+        XafsSpectrum s;
+        s.append(1, 1);  // whatever was there goes
+        QVERIFY(readSpectrumFile(name, &s));
+        QTEST(s.not9809(), "not9809");
+        QCOMPARE(s.size(), points.size());
+        for (int i = 0; i < points.size(); ++i) {
+            QVERIFY(s.energy(i) == points[i].first ||
+                    std::abs(s.energy(i) - points[i].first) < 1e-4);
+            QCOMPARE(s.value(i), points[i].second);
+        }
+    }
+
+    void aMissingFileIsSaidOnce() {
+        XafsSpectrum s;
+        QTest::ignoreMessage(QtDebugMsg, "Can not open /no/such/file.dat");
+        QVERIFY(!readSpectrumFile("/no/such/file.dat", &s));
+        QVERIFY(!s.valid());
+    }
+
+    void aSpectrumIsWrittenLineByLine() {
+        Spectrum data;
+        for (int i = 0; i < 200; ++i) {
+            const double e = 7000.0 + i + 0.0374;
+            data.append(e, e < 7100 ? 0.25 : 1.25);
+        }
+        const XafsSpectrum s(data, XafsSpectrum::Simple, 1.5);
+        QTemporaryDir dir;
+        const QString name = dir.filePath("out.dat");
+        QVERIFY(writeSpectrumFile(name, s, true));
+        QFile file(name);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QList<QByteArray> lines = file.readAll().split('\n');
+        QCOMPARE(lines.size(), 2 + 200 + 1);
+        QCOMPARE(lines[0], QByteArray("###Tarnwick::XafsSpectrum"));
+        QCOMPARE(lines[1], QByteArray("# x  double-normalized-pre-base y pre post"));
+        QList<QByteArray> items = lines[2].split('\t');
+        QCOMPARE(items.size(), 5);
+        QCOMPARE(items[0], QByteArray("6998.54"));  // six digits
+        QCOMPARE(items[2], QByteArray("0.25"));
+        QCOMPARE(items[3], QByteArray("0.25"));
+        QVERIFY(std::abs(items[4].toDouble() - 1.25) < 1e-6);
+        QVERIFY(writeSpectrumFile(name, s, false));
+        file.close();
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll().contains("\n7000.04\t"));
+        // A name below a file cannot be written; what is there stays whole.
+        QVERIFY(!writeSpectrumFile(name + "/x.dat", s, true));
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 1);
+    }
+
+    void missingCurvesAreWrittenAsZero() {
+        Spectrum data;
+        data.append(1.0, 2.0);
+        QTemporaryDir dir;
+        QVERIFY(writeSpectrumFile(dir.filePath("p"), XafsSpectrum(data, 0, 0.0), false));
+        QFile file(dir.filePath("p"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll().endsWith("\n1\tinf\t2\t0\t0\n"));
+    }
+
+    void publicMeasurements_data() {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<int>("not9809");
+        QTest::addColumn<double>("half");
+        QTest::addColumn<double>("seventy");
+        QTest::addColumn<double>("midE");
+        QTest::addColumn<double>("jump");
+        QTest::newRow("iron foil")
+            << "spectra/fe_metal_rt.xdi" << 1 << 7119.136 << 7122.251 << 7118.528 << 2.90115;
+        QTest::newRow("mercury") << "spectra/pf_bl12c_hg_l3_transmission.9809.dat" << 0 << 12283.038
+                                 << 12288.323 << 12282.540 << 1.29791;
+    }
+
+    void publicMeasurements() {
+        QFETCH(QString, file);
+        QFETCH(double, half);
+        QFETCH(double, seventy);
+        QFETCH(double, midE);
+        QFETCH(double, jump);
+        const QString name = QStringLiteral(PUBLIC_DATA "/") + file;
+        if (!QFile::exists(name)) {
+            QSKIP("the public measurements are not here");
+        }
+        XafsSpectrum s;
+        QVERIFY(readSpectrumFile(name, &s));
+        QTEST(s.not9809(), "not9809");
+        s.normalise(XafsSpectrum::Simple);
+        QVERIFY(std::abs(s.findE(0.5, 0) - half) < 6e-4);
+        QVERIFY(std::abs(s.findE(0.7, 0) - seventy) < 6e-4);
+        QVERIFY(std::abs(s.midE() - midE) < 6e-4);
+        QVERIFY(std::abs(s.dMut() - jump) < 6e-6);
+    }
+};
+
+Q_DECLARE_METATYPE(Points)
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestSpectrumFile)
+#include "tst_spectrumfile.moc"

@@ -1,0 +1,136 @@
+#include <cmath>
+
+#include "TestMain.h"
+#include "spectra/Constants.h"
+#include "spectra/XafsSpectrum.h"
+
+namespace {
+
+/// Step of the given height between straight lines: 0 below e0 - 5, full above e0 + 5.
+Spectrum straightEdge(double e0, double jump, double preSlope, double postSlope) {
+    Spectrum s;
+    // The middle of the step lies between two points: on a point, rounding would decide.
+    for (double e = e0 - 150.3; e <= e0 + 200; e += 1.0) {
+        const double t = std::min(1.0, std::max(0.0, (e - e0 + 5.0) / 10.0));
+        s.append(e, 0.2 + preSlope * (e - e0) + t * (jump + postSlope * (e - e0)));
+    }
+    return s;
+}
+
+}  // namespace
+
+class TestXafsSpectrum : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void straightBackgroundsAreFound() {
+        const Spectrum data = straightEdge(7000.0, 1.5, 1e-3, 5e-4);
+        const XafsSpectrum xs(data, XafsSpectrum::Simple, 0.25);
+        QVERIFY(std::abs(xs.preEdge().c3() - 1e-3) < 1e-9);
+        QVERIFY(std::abs(xs.postEdge().c3() - 1.5e-3) < 1e-9);
+        // the middle is that of the point before the crossing, where it lies a slope lower
+        QVERIFY(std::abs(xs.midE() - 7000.0) < 0.01);
+        QVERIFY(std::abs(xs.dMut() - 1.5) < 1e-5);
+        QCOMPARE(xs.energyCorrection(), 0.25);
+        QCOMPARE(xs.correctedEnergy(0), data.energy(0) - 0.25);
+        const int above = 300;  // 7149.7 eV
+        const int below = 50;   // 6899.7 eV
+        QVERIFY(std::abs(xs.doubleNormalizedPreBase().value(above) - 1.0) < 1e-9);
+        QVERIFY(std::abs(xs.doubleNormalizedPreBase().value(below)) < 1e-9);
+        QVERIFY(std::abs(xs.postBasedBySpan().value(below) + 1.0) < 1e-9);
+        QVERIFY(std::abs(xs.normalized().value(above) - 1.0) < 1e-9);
+        // the post-edge line lies 1.5 - 5e-4 * 100.3 above the data there
+        QVERIFY(std::abs(xs.postBased().value(below) + (1.5 - 0.05015) / 1.5) < 1e-5);
+        QCOMPARE(xs.normalized().value(below), xs.postBased().value(below) + 1.0);
+        QCOMPARE(xs.preEdge().size(), data.size());
+    }
+
+    void victreenBackgroundsAreFound() {
+        const double c0 = 0.02, c1 = 0.4, c2 = -0.05;
+        Spectrum data;
+        for (double e = 6899.7; e <= 7300; e += 1.0) {
+            const double l = Hc / e;
+            const double t = std::min(1.0, std::max(0.0, (e - 6995.0) / 10.0));
+            data.append(e, c0 + c1 * l * l * l + c2 * l * l * l * l + t);
+        }
+        const XafsSpectrum xs(data, XafsSpectrum::Victreen, 0.0);
+        QVERIFY(xs.preEdge().isVictreen());
+        for (int i : {20, 80, 150, 350}) {
+            const double l = Hc / data.energy(i);
+            const double pre = c0 + c1 * l * l * l + c2 * l * l * l * l;
+            QVERIFY(std::abs(xs.preEdge().value(i) - pre) < 1e-3);
+        }
+        QVERIFY(std::abs(xs.dMut() - 1.0) < 1e-2);
+        QVERIFY(std::abs(xs.midE() - 7000.0) < 0.2);
+    }
+
+    /// Shifting the data must move edge and ranges alike and leave the stored points alone.
+    void aShiftMovesEverything() {
+        Spectrum data = straightEdge(7000.0, 1.5, 1e-3, 5e-4);
+        const XafsSpectrum plain(data, XafsSpectrum::Simple, 0.0);
+        data.setShift(3.0);
+        data.setShiftOn(true);
+        XafsSpectrum shifted(data, XafsSpectrum::Simple, 0.0);
+        QVERIFY(std::abs(shifted.midE() - (plain.midE() - 3.0)) < 1e-6);
+        QVERIFY(std::abs(shifted.dMut() - plain.dMut()) < 1e-9);
+        QCOMPARE(shifted.normalized().point(0).x, data.point(0).x - 3.0);
+        QCOMPARE(shifted.point(0).x, data.point(0).x);
+        shifted.setShiftOn(false);
+        shifted.normalise(XafsSpectrum::Simple);
+        for (int i = 0; i < data.size(); ++i) {
+            QCOMPARE(shifted.doubleNormalizedPreBase().value(i),
+                     plain.doubleNormalizedPreBase().value(i));
+        }
+    }
+
+    void degenerateDataAreSurvived_data() {
+        QTest::addColumn<QVector<double>>("values");
+        const double nan = std::nan("");
+        QTest::newRow("one point") << QVector<double>{1};
+        QTest::newRow("two points") << QVector<double>{1, 2};
+        QTest::newRow("three points") << QVector<double>{0, 1, 2};
+        QTest::newRow("flat") << QVector<double>(50, 1.0);
+        QTest::newRow("NaN") << QVector<double>{nan, nan, nan, nan, nan};
+        QTest::newRow("NaN inside") << QVector<double>{0, 0, nan, 1, 1, 1};
+        QTest::newRow("falling") << QVector<double>{5, 4, 3, 2, 1, 0};
+    }
+
+    void degenerateDataAreSurvived() {
+        QFETCH(QVector<double>, values);
+        for (int type : {XafsSpectrum::Simple, XafsSpectrum::Victreen}) {
+            Spectrum data;
+            for (int i = 0; i < values.size(); ++i) {
+                data.append(7000.0 + 5.0 * i, values[i]);
+            }
+            const XafsSpectrum xs(data, type, 0.0);
+            QCOMPARE(xs.normalized().size(), values.size());
+            QCOMPARE(xs.doubleNormalizedPreBase().size(), values.size());
+            if (values.size() < 3) {
+                QVERIFY(xs.preEdge().isEmpty());
+            }
+        }
+        XafsSpectrum empty;
+        QCOMPARE(empty.backgroundType(), int(XafsSpectrum::Victreen));
+        empty.normalise(XafsSpectrum::Simple);
+        QCOMPARE(empty.backgroundType(), int(XafsSpectrum::Victreen));
+        QCOMPARE(empty.doubleNormalizedPreBase(7000.0), 0.0);
+    }
+
+    /// Too few points before the edge: the straight line through one point, or none, is a constant.
+    void aRangeOfFewPointsGivesAConstant() {
+        BgCurve curve;
+        Spectrum s;
+        for (int i = 0; i < 5; ++i) {
+            s.append(i, 10.0 * i);
+        }
+        curve.fitLine(s, 2.0, 3.0);
+        QCOMPARE(curve.c0(), 20.0);
+        QCOMPARE(curve.c3(), 0.0);
+        curve.fitLine(s, 7.0, 9.0);
+        QCOMPARE(curve.c0(), 0.0);
+        QCOMPARE(curve.value(4), 0.0);
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestXafsSpectrum)
+#include "tst_xafsspectrum.moc"
