@@ -38,13 +38,17 @@ BatchCtrl::BatchCtrl(QWidget* parent)
 
 BatchCtrl::~BatchCtrl() = default;
 
+QStringList BatchCtrl::editorLines(Qt::SplitBehavior behaviour) const {
+    return m_ui->BatchCmds->toPlainText().split(QLatin1Char('\n'), behaviour);
+}
+
 void BatchCtrl::dispatchLines(const QStringList& lines) {
     m_cmdLines = lines;
     emit doDispatchCmds(m_cmdLines);
 }
 
 void BatchCtrl::execCmds() {
-    dispatchLines(m_ui->BatchCmds->toPlainText().split(QLatin1Char('\n')));
+    dispatchLines(editorLines());
 }
 
 void BatchCtrl::execBatch() {

@@ -21,6 +21,9 @@ class BatchCtrl : public QMainWindow {
     explicit BatchCtrl(QWidget* parent = nullptr);
     ~BatchCtrl() override;
 
+    /// The lines of the editor's text.
+    QStringList editorLines(Qt::SplitBehavior behaviour = Qt::KeepEmptyParts) const;
+
     /// Starts a batch of these lines instead of the editor's text.
     void dispatchLines(const QStringList& lines);
 

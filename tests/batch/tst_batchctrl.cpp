@@ -47,6 +47,7 @@ class TestBatchCtrl : public QObject {
         QCOMPARE(spy.takeFirst().at(0).toStringList(), (QStringList{"a", "", "b", ""}));
         m_window->execBatch();
         QCOMPARE(spy.takeFirst().at(0).toStringList(), (QStringList{"a", "", "b", ""}));
+        QCOMPARE(m_window->editorLines(Qt::SkipEmptyParts), (QStringList{"a", "b"}));
         m_window->dispatchLines({"a", "b"});
         QCOMPARE(spy.takeFirst().at(0).toStringList(), (QStringList{"a", "b"}));
         QCOMPARE(cmds()->toPlainText(), QString("a\n\nb\n"));
