@@ -1,0 +1,105 @@
+#include "batch/BatchCtrl.h"
+
+#include <QFileDialog>
+#include <QFontDatabase>
+#include <QPushButton>
+#include <QSaveFile>
+#include <QTextStream>
+
+#include "app/Globals.h"
+#include "batch/BatchText.h"
+#include "ui_BatchCtrl.h"
+
+BatchCtrl::BatchCtrl(QWidget* parent)
+    : QMainWindow(parent), m_ui(std::make_unique<Ui::BatchCtrl>()) {
+    m_ui->setupUi(this);
+    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    m_ui->BatchCmds->setFont(fixed);
+    m_ui->BatchLogs->setFont(fixed);
+
+    const QStringList filters{tr("Batch File (*.bat)"), tr("Any Files (* *.*)")};
+    m_loadDialog = new QFileDialog(this, tr("Load Batch File"), DataDir);
+    m_loadDialog->setAcceptMode(QFileDialog::AcceptOpen);
+    m_loadDialog->setNameFilters(filters);
+    m_saveDialog = new QFileDialog(this, tr("Save Batch File"), DataDir);
+    m_saveDialog->setAcceptMode(QFileDialog::AcceptSave);
+    m_saveDialog->setFileMode(QFileDialog::AnyFile);
+    m_saveDialog->setNameFilters(filters);
+
+    connect(m_ui->Exec, &QPushButton::clicked, this, &BatchCtrl::execCmds);
+    connect(m_ui->Stop, &QPushButton::clicked, this, &BatchCtrl::batchStop);
+    connect(m_ui->Clear, &QPushButton::clicked, this, &BatchCtrl::clear);
+    connect(m_ui->ClearLog, &QPushButton::clicked, this, &BatchCtrl::clearLog);
+    connect(m_ui->Load, &QPushButton::clicked, m_loadDialog, &QFileDialog::show);
+    connect(m_ui->Save, &QPushButton::clicked, m_saveDialog, &QFileDialog::show);
+    connect(m_loadDialog, &QFileDialog::fileSelected, this, &BatchCtrl::load);
+    connect(m_saveDialog, &QFileDialog::fileSelected, this, &BatchCtrl::save);
+}
+
+BatchCtrl::~BatchCtrl() = default;
+
+QStringList BatchCtrl::editorLines(Qt::SplitBehavior behaviour) const {
+    return m_ui->BatchCmds->toPlainText().split(QLatin1Char('\n'), behaviour);
+}
+
+void BatchCtrl::dispatchLines(const QStringList& lines) {
+    m_cmdLines = lines;
+    emit doDispatchCmds(m_cmdLines);
+}
+
+void BatchCtrl::execCmds() {
+    dispatchLines(editorLines());
+}
+
+void BatchCtrl::execBatch() {
+    execCmds();
+}
+
+void BatchCtrl::clear() {
+    m_ui->BatchCmds->clear();
+}
+
+void BatchCtrl::clearLog() {
+    m_ui->BatchLogs->clear();
+}
+
+void BatchCtrl::save(QString fname) {
+    QSaveFile file(fname);
+    file.setDirectWriteFallback(true);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+        return;
+    }
+    QTextStream out(&file);
+    out.setCodec("UTF-8");
+    out << m_ui->BatchCmds->toPlainText();
+    out.flush();
+    file.commit();
+}
+
+void BatchCtrl::load(QString fname) {
+    QStringList lines;
+    if (!readBatchFile(fname, &lines)) {
+        return;
+    }
+    m_ui->BatchCmds->clear();
+    QString text;
+    for (const QString& line : qAsConst(lines)) {
+        text += line + QLatin1Char('\n');
+    }
+    m_ui->BatchCmds->insertPlainText(text);
+    m_ui->BatchCmds->moveCursor(QTextCursor::Start);
+}
+
+void BatchCtrl::setBatchFile(QString fname) {
+    load(fname);
+}
+
+void BatchCtrl::logmsg(QString log) {
+    m_ui->BatchLogs->insertPlainText(log);
+    m_ui->BatchLogs->moveCursor(QTextCursor::End);
+    emit logged(log);
+}
+
+void BatchCtrl::showCmdErr(CmdLine cmd) {
+    logmsg(QStringLiteral("Err: %1").arg(cmd.text));
+}

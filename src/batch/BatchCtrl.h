@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QStringList>
+#include <memory>
+
+#include "batch/CmdLine.h"
+
+class QFileDialog;
+
+namespace Ui {
+class BatchCtrl;
+}
+
+/// The window in which a batch is written, loaded, saved, started and stopped, and in which its
+/// progress is logged. Knows nothing of the language: it turns the editor's text into lines.
+class BatchCtrl : public QMainWindow {
+    Q_OBJECT
+
+  public:
+    explicit BatchCtrl(QWidget* parent = nullptr);
+    ~BatchCtrl() override;
+
+    /// The lines of the editor's text.
+    QStringList editorLines(Qt::SplitBehavior behaviour = Qt::KeepEmptyParts) const;
+
+    /// Starts a batch of these lines instead of the editor's text.
+    void dispatchLines(const QStringList& lines);
+
+  signals:
+    void doDispatchCmds(QStringList cmdLines);
+    void batchStop();
+    /// A text has been added to the log, as it stands there.
+    void logged(QString text);
+
+  public slots:
+    void execCmds();
+    void clear();
+    void clearLog();
+    /// Writes the editor's text; an old file stays whole if that fails. Nothing is said then.
+    void save(QString fname);
+    /// Replaces the editor's text by the file's lines. Does nothing if it cannot be opened.
+    void load(QString fname);
+    /// Adds a text to the end of the log. No line feed is added: the texts carry their own.
+    void logmsg(QString log);
+    void setBatchFile(QString fname);
+    void execBatch();
+    void showCmdErr(CmdLine cmd);
+
+  private:
+    std::unique_ptr<Ui::BatchCtrl> m_ui;
+    QStringList m_cmdLines;  // of the batch started last, shared with the dispatcher
+    QFileDialog* m_loadDialog = nullptr;
+    QFileDialog* m_saveDialog = nullptr;
+};

@@ -1,0 +1,90 @@
+#include "batch/BatchDispatcher.h"
+
+#include <QDebug>
+
+#include "batch/BatchText.h"
+#include "batch/CommandTables.h"
+
+BatchDispatcher::BatchDispatcher(QObject* parent) : QObject(parent) {
+    qRegisterMetaType<CmdLine>("CmdLine");
+}
+
+void BatchDispatcher::doDispatchCmds(QStringList cmdList) {
+    m_running = true;
+    if (cmdList != m_lines) {
+        m_lines = cmdList;
+    }
+    m_current = 0;
+    m_loops.clear();
+    emit started();
+    execNextLine();
+}
+
+void BatchDispatcher::batchStop() {
+    m_running = false;
+    m_inRem = false;
+}
+
+void BatchDispatcher::finishBatchExec() {
+    execNextLine();
+}
+
+void BatchDispatcher::execNextLine() {
+    if (!m_running || m_current < 0 || m_current >= m_lines.size()) {
+        emit ended();
+        return;
+    }
+    CmdLine cmd = CmdLine::parse(readLogicalLine(m_lines, &m_current));
+    m_lineInWork = m_current;
+    const int control = controlId(cmd.command);
+    if (control == RemEndControl) {
+        m_inRem = false;
+    } else if (control == RemStartControl) {
+        m_inRem = true;
+    }
+    if (!m_inRem) {
+        switch (control) {
+            case ForControl:
+                doFor(cmd);
+                break;
+            case NextControl:
+                doNext(cmd);
+                break;
+            case EchoControl:
+                doEcho(cmd);
+                break;
+            default:
+                break;
+        }
+        if (commandId(cmd.command) != NoCommand) {
+            m_loops.substitute(&cmd.args);
+            emit log(QStringLiteral("%1 : %2\n").arg(cmd.command, cmd.args.join(QLatin1Char(' '))));
+        }
+    }
+    // Before the line is handed out: a direct answer must find the next line.
+    ++m_current;
+    emit execCmd(cmd, m_inRem);
+}
+
+void BatchDispatcher::doFor(const CmdLine& cmd) {
+    const ForLoop& loop = m_loops.begin(cmd.args, m_current);
+    emit log(QStringLiteral("for %1 : %2 = %3\n").arg(loop.name, loop.placeholder, loop.value));
+}
+
+void BatchDispatcher::doNext(const CmdLine& cmd) {
+    const QString name = cmd.arg(0);
+    ForLoop loop;
+    if (m_loops.step(name)) {
+        m_current = m_loops.find(name)->forLine;
+    }
+    if (const ForLoop* found = m_loops.find(name)) {
+        loop = *found;
+    }
+    emit log(QStringLiteral("next %1 : %2 = %3\n").arg(loop.name, loop.placeholder, loop.value));
+}
+
+void BatchDispatcher::doEcho(const CmdLine& cmd) {
+    const QString text = QStringLiteral("echo %1").arg(cmd.arg(0));
+    qDebug().noquote() << text;
+    emit log(text);
+}

@@ -1,0 +1,107 @@
+#include <QSet>
+#include <QTemporaryDir>
+
+#include "TestMain.h"
+#include "batch/BatchText.h"
+#include "batch/CmdLine.h"
+#include "batch/CommandTables.h"
+
+class TestCmdLine : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void parse_data() {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<bool>("control");
+        const QStringList none;
+        QTest::newRow("empty") << ""
+                               << "" << none << false;
+        QTest::newRow("blanks") << "  \t "
+                                << "" << none << false;
+        QTest::newRow("trailing blanks") << "set_band_w 3  "
+                                         << "set_band_w" << QStringList{"3"} << false;
+        QTest::newRow("quoted, holding a blank")
+            << "save_image \"a b.png\" c"
+            << "save_image" << QStringList{"a b.png", "c"} << false;
+        QTest::newRow("empty item dropped") << "x \"\" y"
+                                            << "x" << QStringList{"y"} << false;
+        QTest::newRow("quoted control word") << "\":for\" i"
+                                             << ":for" << QStringList{"i"} << true;
+        QTest::newRow("comment sign is an item")
+            << "save_image a.png # note"
+            << "save_image" << QStringList{"a.png", "#", "note"} << false;
+        QTest::newRow("open quote") << "save_image \"a b"
+                                    << "save_image" << QStringList{"a b"} << false;
+        QTest::newRow("quote at the end only") << "save_image a\""
+                                               << "save_image" << QStringList{"a\""} << false;
+        QTest::newRow("quotes without blank between") << "x \"a\"\"b\"c"
+                                                      << "x" << QStringList{"a", "b", "c"} << false;
+    }
+
+    void parse() {
+        QFETCH(QString, line);
+        const CmdLine cmd = CmdLine::parse(line);
+        QCOMPARE(cmd.text, line);
+        QTEST(cmd.command, "command");
+        QTEST(cmd.args, "args");
+        QTEST(cmd.isControl, "control");
+        QCOMPARE(cmd.arg(99), QString());
+    }
+
+    void namesIgnoreCase() {
+        QCOMPARE(commandId("LOAD_i1_FILES"), int(LoadI1Files));
+        QCOMPARE(commandId("analyzer_set_lcf_STD"), 16);
+        QCOMPARE(commandId("calib_exec"), 34);
+        QCOMPARE(commandId("calib_load_map"), 35);
+        QCOMPARE(commandId("saveDataCfg_text_as_vals"), 48);
+        QCOMPARE(commandId(""), 49);
+        QCOMPARE(commandId(":for"), 49);
+        QCOMPARE(controlId(":FOR"), 0);
+        QCOMPARE(controlId(":Rem_End"), 4);
+        QCOMPARE(controlId("for"), 5);
+        QCOMPARE(controlId("set_band_w"), 5);
+    }
+
+    void rowsAreConsistent() {
+        QCOMPARE(int(commandTable().size()), int(NoCommand));
+        QSet<QString> names;
+        for (int i = 0; i < NoCommand; ++i) {
+            const CommandRow& row = commandTable().at(std::size_t(i));
+            QCOMPARE(row.id, i);
+            QCOMPARE(commandId(row.name), i);
+            names.insert(QString(row.name).toUpper());
+            QVERIFY(row.required <= int(row.args.size()));
+        }
+        QCOMPARE(names.size(), int(NoCommand));
+    }
+
+    void blankLinesAreDropped() {
+        const BatchText text = BatchText::fromLines({"", "a \\", "", "b", "   ", "c \\", " ", "d"});
+        QCOMPARE(text.lines, (QStringList{"a \\", "b", "c \\", " ", "d"}));
+        QCOMPARE(text.lineNumber(0), 2);
+        QCOMPARE(text.lineNumber(1), 2);  // continued from line 2
+        QCOMPARE(text.lineNumber(3), 6);
+        QCOMPARE(text.lineNumber(4), 8);
+        QCOMPARE(text.lineNumber(5), 0);
+        QCOMPARE(text.lineNumber(-1), 0);
+    }
+
+    void filesAreReadAsUtf8() {
+        QTemporaryDir dir;
+        QFile file(dir.filePath("b.bat"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("\xEF\xBB\xBFsave_image \xE9\x89\x84.png\r\n\r\nlast");
+        file.close();
+        QStringList lines;
+        QVERIFY(readBatchFile(file.fileName(), &lines));
+        QCOMPARE(lines,
+                 (QStringList{QString::fromUtf8("save_image \xE9\x89\x84.png"), "", "last"}));
+        QVERIFY(!readBatchFile(dir.filePath("missing"), &lines));
+        QVERIFY(!readBatchFile(dir.path(), &lines));
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestCmdLine)
+#include "tst_cmdline.moc"

@@ -1,0 +1,247 @@
+#include <QEventLoop>
+#include <QThread>
+#include <QTimer>
+
+#include "TestMain.h"
+#include "batch/BatchDispatcher.h"
+
+/// Stands for the main window: notes what it is told to execute and answers at once.
+class Executor : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit Executor(BatchDispatcher* dispatcher) {
+        connect(dispatcher, &BatchDispatcher::execCmd, this, &Executor::execCmd);
+        connect(dispatcher, &BatchDispatcher::log, this,
+                [this](const QString& text) { log += text; });
+        connect(dispatcher, &BatchDispatcher::started, this, [this] { ++starts; });
+        connect(dispatcher, &BatchDispatcher::ended, this, [this] { ++ends; });
+        connect(this, &Executor::finishBatchExec, dispatcher, &BatchDispatcher::finishBatchExec);
+        connect(this, &Executor::dispatch, dispatcher, &BatchDispatcher::doDispatchCmds);
+        connect(this, &Executor::stop, dispatcher, &BatchDispatcher::batchStop);
+    }
+
+    QStringList seen;  // "command arg arg", remarks with "(rem) " in front
+    QList<CmdLine> cmds;
+    QString log;
+    int starts = 0;
+    int ends = 0;
+    bool answering = true;
+
+  signals:
+    void finishBatchExec();
+    void dispatch(QStringList lines);
+    void stop();
+
+  public slots:
+    void execCmd(CmdLine cmd, bool inRem) {
+        cmds.append(cmd);
+        seen.append((inRem ? "(rem) " : "") + (QStringList{cmd.command} + cmd.args).join(' '));
+        if (answering) {
+            emit finishBatchExec();
+        }
+    }
+};
+
+class TestDispatcher : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void run_data() {
+        QTest::addColumn<QStringList>("lines");
+        QTest::addColumn<QStringList>("seen");
+        QTest::addColumn<QString>("log");
+        using L = QStringList;
+        QTest::newRow("empty batch") << L{} << L{} << "";
+        QTest::newRow("one empty line") << L{""} << L{""} << "";
+        QTest::newRow("counting up")
+            << L{":for i %i 1 3", "set_band_w %i", ":next i"}
+            << L{":for i %i 1 3", "set_band_w 1", ":next i", "set_band_w 2",
+                 ":next i",       "set_band_w 3", ":next i"}
+            << "for i : %i = 1\nset_band_w : 1\nnext i : %i = 2\nset_band_w : 2\n"
+               "next i : %i = 3\nset_band_w : 3\nnext i : %i = 3\n";
+        QTest::newRow("counting down")
+            << L{":FOR i %i 5 3", "set_band_w %i", ":NEXT i"}
+            << L{":FOR i %i 5 3", "set_band_w 5", ":NEXT i", "set_band_w 4",
+                 ":NEXT i",       "set_band_w 3", ":NEXT i"}
+            << "for i : %i = 5\nset_band_w : 5\nnext i : %i = 4\nset_band_w : 4\n"
+               "next i : %i = 3\nset_band_w : 3\nnext i : %i = 3\n";
+        QTest::newRow("equal bounds run once")
+            << L{":for i %i 2 2", "set_band_w %i", ":next i"}
+            << L{":for i %i 2 2", "set_band_w 2", ":next i"}
+            << "for i : %i = 2\nset_band_w : 2\nnext i : %i = 2\n";
+        QTest::newRow("bounds that are no numbers count as 0")
+            << L{":for i %i a 1", "set_band_w %i", ":next i"}
+            << L{":for i %i a 1", "set_band_w a", ":next i", "set_band_w 1", ":next i"}
+            << "for i : %i = a\nset_band_w : a\nnext i : %i = 1\nset_band_w : 1\nnext i : %i = 1\n";
+        QTest::newRow("a finished loop still fills in")
+            << L{":for i %i 1 1", ":next i", "set_band_w %i"}
+            << L{":for i %i 1 1", ":next i", "set_band_w 1"}
+            << "for i : %i = 1\nnext i : %i = 1\nset_band_w : 1\n";
+        QTest::newRow("names are exact")
+            << L{":for i %i 1 2", ":next I"} << L{":for i %i 1 2", ":next I"}
+            << "for i : %i = 1\nnext  :  = \n";
+        QTest::newRow("a second :for replaces the first and goes to the end")
+            << L{":for a X 1 1", ":for b XY 2 2", ":for a X 7 7", "set_band_w XY"}
+            << L{":for a X 1 1", ":for b XY 2 2", ":for a X 7 7", "set_band_w 2"}
+            << "for a : X = 1\nfor b : XY = 2\nfor a : X = 7\nset_band_w : 2\n";
+        QTest::newRow("nested")
+            << L{":for i %i 1 2", ":for j %j 1 2", "move_position %i %j", ":next j", ":next i"}
+            << L{":for i %i 1 2", ":for j %j 1 2",     "move_position 1 1",
+                 ":next j",       "move_position 1 2", ":next j",
+                 ":next i",       ":for j %j 1 2",     "move_position 2 1",
+                 ":next j",       "move_position 2 2", ":next j",
+                 ":next i"}
+            << "for i : %i = 1\nfor j : %j = 1\nmove_position : 1 1\nnext j : %j = 2\n"
+               "move_position : 1 2\nnext j : %j = 2\nnext i : %i = 2\nfor j : %j = 1\n"
+               "move_position : 2 1\nnext j : %j = 2\nmove_position : 2 2\nnext j : %j = 2\n"
+               "next i : %i = 2\n";
+        QTest::newRow("continued :for: the body starts after its last line")
+            << L{":for i \\", "%i 1 2", "set_band_w %i", ":next i"}
+            << L{":for i %i 1 2", "set_band_w 1", ":next i", "set_band_w 2", ":next i"}
+            << "for i : %i = 1\nset_band_w : 1\nnext i : %i = 2\nset_band_w : 2\n"
+               "next i : %i = 2\n";
+        QTest::newRow("quoted items of :for are split again")
+            << L{":for i \"%i 4\" 5", "set_band_w %i", ":next i"}
+            << L{":for i %i 4 5", "set_band_w 4", ":next i", "set_band_w 5", ":next i"}
+            << "for i : %i = 4\nset_band_w : 4\nnext i : %i = 5\nset_band_w : 5\n"
+               "next i : %i = 5\n";
+        QTest::newRow("neither command words nor control lines are filled in")
+            << L{":for i band 1 1", "set_band_w band", ":echo band"}
+            << L{":for i band 1 1", "set_band_w 1", ":echo band"}
+            << "for i : band = 1\nset_band_w : 1\necho band";
+        QTest::newRow("unknown words are passed on without filling in and log")
+            << L{":for i %i 1 1", "frobnicate %i"} << L{":for i %i 1 1", "frobnicate %i"}
+            << "for i : %i = 1\n";
+        QTest::newRow("a placeholder like %1 leaves the log right")
+            << L{":for i %1 5 5", "move_position %1 %2"} << L{":for i %1 5 5", "move_position 5 %2"}
+            << "for i : %1 = 5\nmove_position : 5 %2\n";
+        QTest::newRow("echo runs on")
+            << L{":echo \"a b\" c", ":echo", "clear_I1_files"}
+            << L{":echo a b c", ":echo", "clear_I1_files"} << "echo a becho clear_I1_files : \n";
+        QTest::newRow("remark") << L{":rem_start", "frobnicate", ":for i %i 1 2",
+                                     ":REM_START", ":rem_end",   "set_band_w 1"}
+                                << L{"(rem) :rem_start", "(rem) frobnicate", "(rem) :for i %i 1 2",
+                                     "(rem) :REM_START", ":rem_end",         "set_band_w 1"}
+                                << "set_band_w : 1\n";
+        QTest::newRow("a backslash in a remark swallows its end")
+            << L{":rem_start", "note \\", ":rem_end", "set_band_w 1"}
+            << L{"(rem) :rem_start", "(rem) note :rem_end", "(rem) set_band_w 1"} << "";
+        QTest::newRow("continuation")
+            << L{"load_I1_files NEW a.img \\", "b.img"} << L{"load_I1_files NEW a.img b.img"}
+            << "load_I1_files : NEW a.img b.img\n";
+        QTest::newRow("continuation joins without a blank, over white space after the backslash")
+            << L{"load_I1_files NEW a\\ \t", ".img \\", "\\", "b.img"}
+            << L{"load_I1_files NEW a.img b.img"} << "load_I1_files : NEW a.img b.img\n";
+        QTest::newRow("continuation into nothing")
+            << L{"set_band_w 1 \\"} << L{"set_band_w 1"} << "set_band_w : 1\n";
+        QTest::newRow("empty placeholder replaces nothing")
+            << L{":for i", "set_band_w x", ":next i"} << L{":for i", "set_band_w x", ":next i"}
+            << "for i :  = \nset_band_w : x\nnext i :  = \n";
+        QTest::newRow("value holding its placeholder: one pass")
+            << L{":for i 1 11 12", "move_position 1 101"}
+            << L{":for i 1 11 12", "move_position 11 11011"}
+            << "for i : 1 = 11\nmove_position : 11 11011\n";
+        QTest::newRow("filled in from the start again")
+            << L{":for i ab a 2", "set_band_w abbb"} << L{":for i ab a 2", "set_band_w a"}
+            << "for i : ab = a\nset_band_w : a\n";
+    }
+
+    void run() {
+        QFETCH(QStringList, lines);
+        BatchDispatcher dispatcher;
+        Executor body(&dispatcher);
+        emit body.dispatch(lines);
+        QTEST(body.seen, "seen");
+        QTEST(body.log, "log");
+        QCOMPARE(body.starts, 1);
+        QVERIFY(body.ends >= 1);
+    }
+
+    void growingSubstitutionIsBounded() {
+        BatchDispatcher dispatcher;
+        Executor body(&dispatcher);
+        emit body.dispatch({":for i ab bbaa 3", "save_image abb"});
+        QCOMPARE(body.cmds.size(), 2);
+        QVERIFY(body.cmds.at(1).arg(0).size() <= 3 + 2 * ForLoops::MaxReplacements);
+    }
+
+    void handsOutOneLineAtATime() {
+        BatchDispatcher dispatcher;
+        Executor body(&dispatcher);
+        body.answering = false;
+        QCOMPARE(dispatcher.lineInWork(), -1);
+        emit body.dispatch({"set_band_w 1 \\", "", "set_band_h 2"});
+        QCOMPARE(body.seen, QStringList{"set_band_w 1"});
+        QCOMPARE(body.cmds.at(0).text, QString("set_band_w 1 "));
+        QCOMPARE(dispatcher.lineInWork(), 1);
+        QCOMPARE(body.ends, 0);
+        emit body.finishBatchExec();
+        QCOMPARE(body.seen.last(), QString("set_band_h 2"));
+        QCOMPARE(dispatcher.lineInWork(), 2);
+        QCOMPARE(body.ends, 0);
+        emit body.finishBatchExec();
+        QCOMPARE(body.ends, 1);
+        QCOMPARE(body.seen.size(), 2);
+    }
+
+    void stopLetsNoFurtherLineOut() {
+        BatchDispatcher dispatcher;
+        Executor body(&dispatcher);
+        body.answering = false;
+        emit body.dispatch({":rem_start", "set_band_w 1", "set_band_w 2"});
+        emit body.stop();
+        emit body.finishBatchExec();
+        QCOMPARE(body.seen, QStringList{"(rem) :rem_start"});
+        QCOMPARE(body.ends, 1);
+        // The remark ended with the stop.
+        emit body.dispatch({"set_band_w 3"});
+        QCOMPARE(body.seen.last(), QString("set_band_w 3"));
+    }
+
+    void restartsFromTheFirstLineWithoutLoops() {
+        BatchDispatcher dispatcher;
+        Executor body(&dispatcher);
+        body.answering = false;
+        emit body.dispatch({":for i %i 4 5", "set_band_w %i"});
+        emit body.dispatch({"set_band_w %i", "set_band_h 1"});
+        QCOMPARE(body.seen.last(), QString("set_band_w %i"));
+        emit body.finishBatchExec();
+        QCOMPARE(body.seen.last(), QString("set_band_h 1"));
+        QCOMPARE(body.starts, 2);
+    }
+
+    void aRemarkOutlivesTheBatch() {
+        BatchDispatcher dispatcher;
+        Executor body(&dispatcher);
+        emit body.dispatch({":rem_start"});
+        emit body.dispatch({"set_band_w 1"});
+        QCOMPARE(body.seen.last(), QString("(rem) set_band_w 1"));
+    }
+
+    void inAThreadOfItsOwn() {
+        struct Thread : QThread {
+            ~Thread() override {
+                quit();
+                wait();
+            }
+        } thread;
+        auto* dispatcher = new BatchDispatcher;
+        dispatcher->moveToThread(&thread);
+        connect(&thread, &QThread::finished, dispatcher, &QObject::deleteLater);
+        Executor body(dispatcher);
+        thread.start(QThread::InheritPriority);
+        emit body.dispatch({":for i %i 1 500", "set_band_w %i", ":next i"});
+        QEventLoop loop;
+        connect(dispatcher, &BatchDispatcher::ended, &loop, &QEventLoop::quit);
+        QTimer::singleShot(60000, &loop, &QEventLoop::quit);
+        loop.exec();
+        QCOMPARE(body.ends, 1);
+        QCOMPARE(body.seen.size(), 1001);
+        QCOMPARE(body.seen.at(999), QString("set_band_w 500"));
+        QVERIFY(body.log.endsWith("set_band_w : 500\nnext i : %i = 500\n"));
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestDispatcher)
+#include "tst_dispatcher.moc"
