@@ -19,8 +19,6 @@ SaveDataCfg::SaveDataCfg(QWidget* parent)
     connect(m_ui->TiffFixScale, &QAbstractButton::toggled, this, &SaveDataCfg::updateControls);
     connect(m_ui->CloseButton, &QAbstractButton::clicked, this, &QWidget::hide);
     updateControls();
-    // The form is as small as its texts allow in either language.
-    layout()->setSizeConstraint(QLayout::SetFixedSize);
 }
 
 SaveDataCfg::~SaveDataCfg() = default;
@@ -106,7 +104,9 @@ void SaveDataCfg::updateControls() {
 
     const TiffOptions options = tiffOptions();
     const bool reversed = fixed && !(options.scaleMax > options.scaleMin);
-    m_ui->ScaleHint->setText(reversed ? tr("The maximum must be above the minimum.")
-                                      : tr("Minimum and maximum become counts 0 and 65535."));
+    m_ui->ScaleHint->setText(
+        !fixed     ? tr("The lowest and highest value of each map become 0 and 65535.")
+        : reversed ? tr("The maximum must be above the minimum.")
+                   : tr("Minimum and maximum become 0 and 65535."));
     m_ui->ScaleHint->setStyleSheet(reversed ? QStringLiteral("color: #b00020") : QString());
 }
