@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QSize>
+#include <QString>
+
+class Analyzed2DRes;
+class QTextStream;
+class Spectrum;
+
+// The energy map file (".emp"): text that keeps an energy-shift map as the changes of Bragg angle,
+// in degrees, for the crystal and edge energy in its header. Failures are said in one debug line.
+
+/// What the header of an energy map file says.
+struct EMPHeader {
+    bool ok = false;    ///< recognised: tag, width, edge energy and d-spacing were there
+    qint32 width = 0;   ///< pixels
+    qint32 height = 0;  ///< pixels; always the width, whose line stands for both
+    qint32 binHalfWidth = 0;
+    qint32 binHalfHeight = 0;
+    qint32 areaX0 = 0;  ///< the calibrated area
+    qint32 areaX1 = 0;
+    qint32 areaY0 = 0;
+    qint32 areaY1 = 0;
+    double stdEdgeEnergy = 0.0;  ///< eV
+    double spacing = 0.0;        ///< d-spacing in angstrom, whatever its label in the file says
+};
+
+/// What belongs into a map file beside the map.
+struct EMapInfo {
+    QSize imageSize;          ///< of the loaded images; negative before any
+    double edgeEnergy = 0.0;  ///< eV, see edgeEnergyForMap()
+    double spacing = 0.0;     ///< d-spacing in angstrom
+    QString standardFileName;
+};
+
+/// Reads @p stream up to and including the line before the data.
+EMPHeader readEMapHeader(QTextStream& stream);
+
+/// Replaces @p map by the one in the file. The angles become shifts with @p edgeEnergy (eV) when it
+/// is above 0, else with the file's own edge energy, and with the file's d-spacing.
+///
+/// The map must have the size of the images, @p imageSize; negative means that none is loaded, then
+/// the map's size is stored there. Only square images have maps that load, see EMPHeader::height.
+///
+/// Returns whether a whole map was read. A file that is no map or does not fit leaves the map as it
+/// was; values that are missing at the end, "run out!" each, are shifts of 0.
+bool readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize, Analyzed2DRes* map);
+
+/// Writes @p map, which may be empty (all shifts 0), for the pixels of the image. Nothing is
+/// written without an image; on failure an existing file stays whole.
+bool writeEMap(const QString& fileName, const Analyzed2DRes& map, const EMapInfo& info);
+
+/// The edge energy to write, in eV: that of the standard at half height, else, without a standard,
+/// the one typed into the calibration panel.
+double edgeEnergyForMap(const Spectrum* standard, double panelEdgeEnergy);

@@ -1,0 +1,77 @@
+#include "calibration/EnergyShift.h"
+
+#include <QDebug>
+
+#include "analysis/Analyzed2DRes.h"
+#include "app/DebugLog.h"
+#include "spectra/Spectrum.h"
+
+namespace {
+
+constexpr int kRisingEdge = 0;
+constexpr double kLargestShift = 40.0;  // eV; farther from the mean it is a glitch
+
+void refreshPicture(Analyzed2DRes* map) {
+    map->updateExtremes();
+    map->genImg();
+}
+
+}  // namespace
+
+double calibrationEdge(const Spectrum* spectrum) {
+    return spectrum ? spectrum->findE(kCalibrationLevel, kRisingEdge) : 0.0;
+}
+
+void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid,
+               const std::function<Spectrum(int x, int y)>& spectrumAt, double standardEdge,
+               const std::function<void(double percent)>& progress) {
+    if (grid.width <= 0 || grid.height <= 0) {
+        return;
+    }
+    debugTimed(QStringLiteral("Start Calibration"));
+    map->setGrid(grid);
+    map->clear();
+
+    AnalysisGrid at = grid;
+    at.start();
+    bool newRow = true;
+    do {
+        if (newRow) {
+            const double span = double(at.y1) - at.y0;
+            const double percent = span > 0.0 ? (double(at.y) - at.y0) / span * 100.0 : 0.0;
+            qDebug() << "progress" << percent;
+            if (progress) {
+                progress(percent);
+            }
+        }
+        // An area narrower than its bin can put the centre beside the image, where there is no
+        // spectrum; writing its block would spread nonsense over the border.
+        if (at.x >= 0 && at.x < at.width && at.y >= 0 && at.y < at.height) {
+            const Spectrum spectrum = spectrumAt(at.x, at.y);
+            map->setData(at.x, at.y, at.halfW, at.halfH, calibrationEdge(&spectrum) - standardEdge);
+        }
+    } while (at.step(&newRow));
+
+    refreshPicture(map);
+    debugTimed(QStringLiteral("End Calibration   "));
+}
+
+void clearShiftMap(Analyzed2DRes* map) {
+    map->setGrid(AnalysisGrid());
+    map->clear();
+}
+
+void smoothShiftMap(Analyzed2DRes* map) {
+    if (!map || !map->data()) {
+        return;
+    }
+    debugTimed(QStringLiteral("Start Normalize E Shift"));
+    map->deglitch2(kLargestShift);
+    map->copyProc2Data();
+    refreshPicture(map);
+    debugTimed(QStringLiteral("End Normalize E Shift  "));
+}
+
+double shiftAt(const Analyzed2DRes* map, int x, int y) {
+    return map ? map->valueAt(x, y) : 0.0;
+}

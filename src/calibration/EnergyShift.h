@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+
+#include "analysis/AnalysisGrid.h"
+
+class Analyzed2DRes;
+class Spectrum;
+
+// The energy-shift map: for every pixel how far, in eV, the edge of its block lies above the edge
+// of the standard. 0.0 outside the map and where nothing was calibrated.
+
+/// Where on its way from minimum to maximum a spectrum's edge is taken for calibration, see
+/// Spectrum::findE().
+constexpr double kCalibrationLevel = 0.7;
+
+/// Edge energy of @p spectrum as calibration compares it, in eV; 0.0 without a spectrum or points.
+double calibrationEdge(const Spectrum* spectrum);
+
+/// Replaces @p map by the shifts of the blocks of @p grid against @p standardEdge (eV).
+/// @p spectrumAt gives the binned spectrum at a position and is asked block by block, row by row; a
+/// block without a rising edge takes its first energy. @p progress, which may be empty, is told the
+/// percentage done as each row of blocks begins. Nothing happens when the grid has no size.
+void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid,
+               const std::function<Spectrum(int x, int y)>& spectrumAt, double standardEdge,
+               const std::function<void(double percent)>& progress);
+
+/// Back to a map without size: the shift is 0.0 everywhere.
+void clearShiftMap(Analyzed2DRes* map);
+
+/// Replaces blocks more than 40 eV off the mean by the mean of their neighbours, see
+/// Analyzed2DRes::deglitch2(). Nothing happens without a map.
+void smoothShiftMap(Analyzed2DRes* map);
+
+/// The shift at a pixel in eV; 0.0 outside the map or without one.
+double shiftAt(const Analyzed2DRes* map, int x, int y);

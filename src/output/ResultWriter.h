@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QString>
+#include <QVector>
+
+class Analyzed2DRes;
+class QImage;
+
+// Writers of pictures and result images. Each returns whether the file was written, and says so in
+// one debug line with its name. A writer that fails stays silent and leaves an existing file of
+// that name as it was.
+
+/// How a result becomes 16-bit counts, see Analyzed2DRes::tiffDataForSave().
+struct TiffOptions {
+    bool fixedScale = false;  ///< scaleMin..scaleMax become 0..65535, not the result's own range
+    double scaleMin = 0.0;
+    double scaleMax = 1.0;
+    bool asAnalyzed = false;  ///< one pixel per analysed point instead of one per image pixel
+};
+
+/// How a result becomes text.
+struct TableOptions {
+    enum class Separator { Comma, Blank };
+    enum class Layout {
+        Points,  ///< "x y value", one point a line
+        Rows     ///< the values of one image row a line
+    };
+    Separator separator = Separator::Comma;
+    Layout layout = Layout::Points;
+    bool asAnalyzed = false;  ///< the analysed points (bin centres) instead of every image pixel
+};
+
+/// "# name = value" above a table.
+struct HeaderLine {
+    QString name;
+    QString value;
+};
+
+/// Writes @p picture in the format that the suffix names, with default quality. Nothing is written
+/// for an empty picture, without a suffix or with a suffix that no picture format has.
+bool writePicture(const QString& fileName, const QImage& picture);
+
+/// Writes the shown values of @p result (processed ones while it shows them) as a 16-bit TIFF of
+/// the image's size, or of grid columns x grid rows when as analysed. A result without values
+/// writes nothing.
+bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffOptions& options);
+
+/// Writes the shown values of @p result as a text table in UTF-8: the @p header lines, then the
+/// geometry and the range of the values, also as "# name = value", then the data with nine
+/// significant digits, a dot as decimal sign and "nan" where there is no number. Whatever the fixed
+/// scale, the values are written as they are. A result without values writes nothing.
+bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
+                      const TableOptions& options, const QVector<HeaderLine>& header);

@@ -1,0 +1,397 @@
+#include <sys/resource.h>
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <cmath>
+#include <csignal>
+
+#include "DebugLines.h"
+#include "TestMain.h"
+#include "analysis/AnalysisGrid.h"
+#include "analysis/Analyzed2DRes.h"
+#include "calibration/EnergyMapFile.h"
+#include "spectra/Spectrum.h"
+
+namespace {
+
+constexpr double kHc = 12398.424360387684;
+constexpr double kPi = 3.1415926535;
+
+double angleOf(double energy, double d) {
+    const double x = kHc / energy / (2.0 * d);
+    return std::abs(x) > 1.0 ? -1.0 : 180.0 * std::asin(x) / kPi;
+}
+
+double shiftOf(double value, double edge, double d) {
+    return edge - kHc / (2.0 * d * std::sin((value + angleOf(edge, d)) / 180.0 * kPi));
+}
+
+// The lines of a map file one by one, so that a test can leave one out or spoil it.
+QStringList goodHeader(int size) {
+    return {QStringLiteral("###Tarnwick::TWEM"),
+            QStringLiteral("Record Date             : 26/11/21 05:00:00.000"),
+            QStringLiteral("Std Edge Energy [eV]    : 7112.5"),
+            QStringLiteral("Spacing [nm]            : 3.13553"),
+            QStringLiteral("Width [pix]             : %1").arg(size),
+            QStringLiteral("Height [pix]            : 77"),
+            QStringLiteral("Bin Half Width [pix]    : 1"),
+            QStringLiteral("Bin Half Height [pix]   : 0"),
+            QStringLiteral("Area X0                 : 0"),
+            QStringLiteral("Area X1                 : 3"),
+            QStringLiteral("Area Y0                 : 1"),
+            QStringLiteral("Area Y1                 : 2"),
+            QStringLiteral("##-----------------")};
+}
+
+void fill(Analyzed2DRes* map, int width, int height) {
+    map->setGrid(AnalysisGrid::ofArea(width, height, 0, 0, QRectF(0, 0, width, height)));
+    map->clear();
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            map->setData(x, y, 0, 0, -6.0 + 0.37 * x + 1.003 * y);
+        }
+    }
+}
+
+}  // namespace
+
+class TestEnergyMapFile : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+
+    QString path(const char* name) const { return m_dir.filePath(QLatin1String(name)); }
+
+    QString written(const QStringList& lines, const QString& data) const {
+        QFile file(path("in.emp"));
+        if (!file.open(QIODevice::WriteOnly)) {
+            qFatal("no temporary file");
+        }
+        file.write((lines.join(QLatin1Char('\n')) + QLatin1Char('\n') + data).toUtf8());
+        return file.fileName();
+    }
+
+    static QByteArray content(const QString& fileName) {
+        QFile file(fileName);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+  private slots:
+    void headerToTheLetter() {
+        QStringList lines = goodHeader(3);
+        lines.insert(4, QStringLiteral("Shift Map Width         : 0 99"));
+        lines << QStringLiteral("Width [pix]             : 5");  // data follows, no header any more
+        QString text = lines.join(QStringLiteral("\r\n"));
+        QTextStream stream(&text);
+        const EMPHeader header = readEMapHeader(stream);
+        QVERIFY(header.ok);
+        QCOMPARE(header.width, 3);
+        QCOMPARE(header.height, 3);  // from the width line; the height line counts for nothing
+        QCOMPARE(header.binHalfWidth, 1);
+        QCOMPARE(header.binHalfHeight, 0);
+        QCOMPARE(header.areaX0, 0);
+        QCOMPARE(header.areaX1, 3);
+        QCOMPARE(header.areaY0, 1);
+        QCOMPARE(header.areaY1, 2);
+        QCOMPARE(header.stdEdgeEnergy, 7112.5);
+        QCOMPARE(header.spacing, 3.13553);
+    }
+
+    void headerNeedsItsLines_data() {
+        QTest::addColumn<int>("line");
+        QTest::addColumn<QString>("instead");
+        QTest::addColumn<bool>("ok");
+        const QString none;
+        QTest::newRow("whole") << 1 << none << true;
+        QTest::newRow("short tag") << 0 << "###TWEM" << true;
+        QTest::newRow("tag with more behind it") << 0 << "###TWEM 2" << true;
+        QTest::newRow("tag in small letters") << 0 << "###twem" << false;
+        QTest::newRow("other tag") << 0 << "###Tarnwick::XafsSpectrum" << false;
+        QTest::newRow("tag after a blank") << 0 << " ###TWEM" << false;
+        QTest::newRow("no edge energy") << 2 << none << false;
+        QTest::newRow("no spacing") << 3 << none << false;
+        QTest::newRow("no width") << 4 << none << false;
+        QTest::newRow("label cut short") << 4 << "Width [pix] : 3" << false;
+        QTest::newRow("no height") << 5 << none << true;
+        QTest::newRow("no area") << 8 << none << true;
+        QTest::newRow("no end") << 12 << none << true;
+    }
+
+    void headerNeedsItsLines() {
+        QFETCH(int, line);
+        QFETCH(QString, instead);
+        QFETCH(bool, ok);
+        QStringList lines = goodHeader(3);
+        lines[line] = instead;
+        QString text = lines.join(QLatin1Char('\n'));
+        QTextStream stream(&text);
+        const DebugLines debug;
+        QCOMPARE(readEMapHeader(stream).ok, ok);
+        QCOMPARE(debug.countOf(QStringLiteral("Not a emp file.")), !ok && line == 0 ? 1 : 0);
+    }
+
+    void anEmptyStreamIsNoMap() {
+        QString text;
+        QTextStream stream(&text);
+        const DebugLines debug;
+        QVERIFY(!readEMapHeader(stream).ok);
+        QVERIFY(debug.all().isEmpty());
+    }
+
+    void damagedFilesLeaveTheMap_data() {
+        QTest::addColumn<QStringList>("lines");
+        QTest::addColumn<QString>("said");
+        const QString invalid = QStringLiteral("Invalid Energy Map Data File : ");
+        const QString mismatch = QStringLiteral(
+            "Loading Energy Map size : %1 x %1 : is not matched to the current image size : 3 x 3");
+        const auto sized = [](const QString& width) {
+            QStringList lines = goodHeader(3);
+            lines[4] = QStringLiteral("Width [pix]             : ") + width;
+            return lines;
+        };
+        QTest::newRow("empty") << QStringList() << invalid;
+        QTest::newRow("foreign") << QStringList{QStringLiteral("II*"), QStringLiteral("xyz")}
+                                 << invalid;
+        QTest::newRow("cut in the header") << QStringList(goodHeader(3).mid(0, 3)) << invalid;
+        QTest::newRow("negative") << sized(QStringLiteral("-3")) << invalid;
+        QTest::newRow("huge") << sized(QStringLiteral("2147483647")) << invalid;
+        QTest::newRow("just too large") << sized(QStringLiteral("16385")) << invalid;
+        QTest::newRow("larger than the image") << goodHeader(4) << mismatch.arg(4);
+        QTest::newRow("no number") << sized(QStringLiteral("3.0")) << mismatch.arg(0);
+    }
+
+    void damagedFilesLeaveTheMap() {
+        QFETCH(QStringList, lines);
+        QFETCH(QString, said);
+        const QString name = written(lines, QStringLiteral("0 0 0 \n"));
+        Analyzed2DRes map;
+        fill(&map, 3, 3);
+        const double before = map.valueAt(2, 1);
+        QSize imageSize(3, 3);
+        const DebugLines debug;
+        QVERIFY(!readEMap(name, 0.0, &imageSize, &map));
+        QCOMPARE(debug.countOf(said), 1);
+        QCOMPARE(map.valueAt(2, 1), before);
+        QCOMPARE(map.grid().width, 3);
+        QCOMPARE(imageSize, QSize(3, 3));
+    }
+
+    void aMissingFileIsSaidOnce() {
+        Analyzed2DRes map;
+        QSize imageSize(-1, -1);
+        const DebugLines debug;
+        QVERIFY(!readEMap(path("none.emp"), 0.0, &imageSize, &map));
+        QCOMPARE(debug.all(), QStringList(QStringLiteral("Can not open ") + path("none.emp")));
+    }
+
+    void onlySquareImagesTakeAMap() {
+        const QString name = written(goodHeader(3), QStringLiteral("0 0 0\n0 0 0\n"));
+        Analyzed2DRes map;
+        const DebugLines debug;
+        QSize wide(3, 2);
+        QVERIFY(!readEMap(name, 0.0, &wide, &map));
+        QCOMPARE(debug.countOf(QStringLiteral("Loading Energy Map size : 3 x 3")), 1);
+        // Without an image the map brings its size along.
+        QSize none(-1, -1);
+        readEMap(name, 0.0, &none, &map);
+        QCOMPARE(none, QSize(3, 3));
+        QCOMPARE(map.grid().width, 3);
+    }
+
+    void anglesBecomeShifts_data() {
+        QTest::addColumn<double>("panelEdge");
+        QTest::addColumn<double>("usedEdge");
+        QTest::newRow("edge of the file") << 0.0 << 7112.5;
+        QTest::newRow("edge of the panel") << 8979.0 << 8979.0;
+        QTest::newRow("negative panel edge") << -1.0 << 7112.5;
+    }
+
+    void anglesBecomeShifts() {
+        QFETCH(double, panelEdge);
+        QFETCH(double, usedEdge);
+        // The rest of a row may stand anywhere, only blanks and line ends count.
+        const QString name =
+            written(goodHeader(3), QStringLiteral("0.001 -0.002 0 \n1e-3 x\n nan 0 0 0.005"));
+        Analyzed2DRes map;
+        QSize imageSize(3, 3);
+        QVERIFY(readEMap(name, panelEdge, &imageSize, &map));
+        const double d = 3.13553;
+        QCOMPARE(map.valueAt(0, 0), shiftOf(0.001, usedEdge, d));
+        QCOMPARE(map.valueAt(1, 0), shiftOf(-0.002, usedEdge, d));
+        QCOMPARE(map.valueAt(0, 1), shiftOf(0.001, usedEdge, d));
+        QCOMPARE(map.valueAt(1, 1), shiftOf(0.0, usedEdge, d));  // "x" is no number
+        QVERIFY(std::isnan(map.valueAt(2, 1)));
+        QCOMPARE(map.valueAt(2, 2), shiftOf(0.005, usedEdge, d));
+        QCOMPARE(map.grid().halfW, 1);
+        QCOMPARE(map.grid().y0, 1);
+        QCOMPARE(map.dataMin(), shiftOf(-0.002, usedEdge, d));
+        QCOMPARE(map.dataMax(), shiftOf(0.005, usedEdge, d));
+    }
+
+    void missingValuesRunOut_data() {
+        QTest::addColumn<QString>("data");
+        QTest::addColumn<int>("missing");
+        QTest::newRow("none") << "1 2 3 \n4 5 6 \n7 8 9 \n" << 0;
+        QTest::newRow("no end of line") << "1 2 3 4 5 6 7 8 9" << 0;
+        QTest::newRow("last") << "1 2 3 \n4 5 6 \n7 8 \n" << 1;
+        QTest::newRow("last without end of line") << "1 2 3 \n4 5 6 \n7 8" << 1;
+        QTest::newRow("last row") << "1 2 3 \n4 5 6 \n" << 3;
+        QTest::newRow("all") << "" << 9;
+    }
+
+    void missingValuesRunOut() {
+        QFETCH(QString, data);
+        QFETCH(int, missing);
+        Analyzed2DRes map;
+        QSize imageSize(3, 3);
+        const DebugLines debug;
+        QCOMPARE(readEMap(written(goodHeader(3), data), 0.0, &imageSize, &map), missing == 0);
+        QCOMPARE(debug.countOf(QStringLiteral("run out!")), missing);
+        if (missing > 0) {
+            QVERIFY(std::abs(map.valueAt(2, 2)) < 1e-9);
+        } else {
+            QCOMPARE(map.valueAt(2, 2), shiftOf(9.0, 7112.5, 3.13553));
+        }
+    }
+
+    void hostileAreasAreHarmless() {
+        QStringList lines = goodHeader(3);
+        lines[6] = QStringLiteral("Bin Half Width [pix]    : -2147483648");
+        lines[8] = QStringLiteral("Area X0                 : -2147483648");
+        lines[9] = QStringLiteral("Area X1                 : 2147483647");
+        Analyzed2DRes map;
+        QSize imageSize(3, 3);
+        QVERIFY(
+            readEMap(written(lines, QStringLiteral("1 1 1 1 1 1 1 1 1")), 0.0, &imageSize, &map));
+        QVERIFY(map.grid().halfW >= 0 && map.grid().stepX >= 1);
+        QVERIFY(map.grid().x0 >= 0 && map.grid().x1 <= 3);
+        map.deglitch2(40.0);
+    }
+
+    void fileToTheLetter() {
+        Analyzed2DRes map;
+        map.setGrid(AnalysisGrid::ofArea(2, 1, 0, 0, QRectF(1, 0, 1, 1)));
+        map.clear();
+        map.setData(0, 0, 0, 0, 7112.5 - 1000.0);  // below any reflection: -1 stands for its angle
+        map.setData(1, 0, 0, 0, 2.5);
+        EMapInfo info;
+        info.imageSize = QSize(3, 2);  // larger than the map
+        info.edgeEnergy = 7112.537;
+        info.spacing = 3.1355316;
+        info.standardFileName = QStringLiteral("標準 foil.dat");
+        const QString name = path("out.emp");
+        QVERIFY(writeEMap(name, map, info));
+
+        const QString text = QString::fromUtf8(content(name));
+        QStringList lines = text.split(QLatin1Char('\n'));
+        QVERIFY(QRegularExpression(QStringLiteral("^Record Date             : "
+                                                  "\\d\\d/\\d\\d/\\d\\d "
+                                                  "\\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d$"))
+                    .match(lines.value(1))
+                    .hasMatch());
+        lines.removeAt(1);
+        const double a0 = angleOf(7112.537, 3.1355316);
+        const QString none = QString::number(-1.0 - a0);
+        const QString some = QString::number(angleOf(7112.537 - 2.5, 3.1355316) - a0);
+        QCOMPARE(lines, (QStringList{QStringLiteral("###Tarnwick::TWEM"),
+                                     QStringLiteral("Std Edge Energy [eV]    : 7112.54"),
+                                     QStringLiteral("Spacing [nm]            : 3.13553"),
+                                     QStringLiteral("Width [pix]             : 3"),
+                                     QStringLiteral("Height [pix]            : 2"),
+                                     QStringLiteral("Bin Half Width [pix]    : 0"),
+                                     QStringLiteral("Bin Half Height [pix]   : 0"),
+                                     QStringLiteral("Area X0                 : 1"),
+                                     QStringLiteral("Area X1                 : 2"),
+                                     QStringLiteral("Area Y0                 : 0"),
+                                     QStringLiteral("Area Y1                 : 1"),
+                                     QStringLiteral("Std File Name           : 標準 foil.dat"),
+                                     QStringLiteral("Shift Map Height        : 1"),
+                                     QStringLiteral("Shift Map Width         : 0 2"),
+                                     QStringLiteral("##-----------------"),
+                                     none + QLatin1Char(' ') + some + QStringLiteral(" 0 "),
+                                     QStringLiteral("0 0 0 "), QString()}));
+    }
+
+    void aRoundTripKeepsSixDigits() {
+        const int size = 24;
+        Analyzed2DRes map;
+        fill(&map, size, size);
+        EMapInfo info;
+        info.imageSize = QSize(size, size);
+        info.edgeEnergy = 7112.537;
+        info.spacing = 3.1355316;
+        const QString name = path("round.emp");
+        QVERIFY(writeEMap(name, map, info));
+        Analyzed2DRes back;
+        QSize imageSize(size, size);
+        QVERIFY(readEMap(name, 0.0, &imageSize, &back));
+        QCOMPARE(back.grid().x1, size);
+
+        // A shift is s = E (1 - sin t / sin (t + dt)), about E cot(t) dt, with sin t = hc / (2 d
+        // E). Angle dt, edge E and spacing d are each printed with six digits, an error of at most
+        // half a unit of the sixth: 5e-6 of the value. It enters s as 1 times that of dt, 1 + sec^2
+        // t times that of E and sec^2 t times that of d; a tenth on top covers the higher orders.
+        const double sine = kHc / (2.0 * info.spacing * info.edgeEnergy);
+        const double secSquared = 1.0 / (1.0 - sine * sine);
+        const double relative = 1.1 * 5e-6 * (1.0 + (1.0 + secSquared) + secSquared);
+        for (int y = 0; y < size; ++y) {
+            for (int x = 0; x < size; ++x) {
+                const double shift = map.valueAt(x, y);
+                const double error = std::abs(back.valueAt(x, y) - shift);
+                QVERIFY2(error <= relative * std::abs(shift) + 1e-9,
+                         qPrintable(QStringLiteral("%1 of %2").arg(error).arg(shift)));
+            }
+        }
+    }
+
+    void theEdgeOfTheStandardComesFirst() {
+        Spectrum standard;
+        standard.append(7100.0, 0.0);
+        standard.append(7110.0, 1.0);
+        QCOMPARE(edgeEnergyForMap(&standard, 9000.0), 7105.0);
+        QCOMPARE(edgeEnergyForMap(nullptr, 9000.0), 9000.0);
+        QCOMPARE(edgeEnergyForMap(nullptr, 0.0), 0.0);
+        const Spectrum empty;
+        QCOMPARE(edgeEnergyForMap(&empty, 9000.0), 9000.0);
+        QCOMPARE(edgeEnergyForMap(&empty, -5.0), 0.0);
+    }
+
+    void failedSavesLeaveTheOldFile() {
+        Analyzed2DRes map;
+        fill(&map, 40, 40);
+        EMapInfo info;
+        info.edgeEnergy = 7112.5;
+        info.spacing = 3.1355316;
+        const QString name = path("old.emp");
+        QFile old(name);
+        QVERIFY(old.open(QIODevice::WriteOnly));
+        old.write("the old map");
+        old.close();
+        QVERIFY(!writeEMap(name, map, info));  // no image, nothing to write
+        QCOMPARE(content(name), QByteArray("the old map"));
+
+        info.imageSize = QSize(40, 40);
+        const DebugLines debug;
+        const QString impossible = name + QStringLiteral("/below.emp");
+        QVERIFY(!writeEMap(impossible, map, info));
+        QCOMPARE(debug.all(), QStringList(QStringLiteral("Can not open ") + impossible));
+
+        // A disk that fills up half way.
+        rlimit before{};
+        getrlimit(RLIMIT_FSIZE, &before);
+        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit small{1000, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+        const bool ok = writeEMap(name, map, info);
+        setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, handler);
+        QVERIFY(!ok);
+        QCOMPARE(debug.countOf(QStringLiteral("Error on writing")), 1);
+        QCOMPARE(content(name), QByteArray("the old map"));
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestEnergyMapFile)
+#include "tst_energymapfile.moc"

@@ -1,0 +1,44 @@
+#include <QDir>
+
+#include "TestMain.h"
+#include "output/FileNames.h"
+
+class TestFileNames : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void names_data() {
+        QTest::addColumn<QString>("base");
+        QTest::addColumn<QString>("tagged");
+        QTest::addColumn<QString>("suffixed");
+        const QString here = QDir::currentPath();
+        QTest::newRow("plain") << "/d/res.png"
+                               << "/d/res-1-0.png"
+                               << "/d/res.png";
+        QTest::newRow("last suffix only") << "/d/a.b.png"
+                                          << "/d/a.b-1-0.png"
+                                          << "/d/a.b.png";
+        QTest::newRow("no suffix") << "/d/res"
+                                   << "/d/res-1-0."
+                                   << "/d/res.tif";
+        QTest::newRow("ends in a dot") << "/d/res."
+                                       << "/d/res-1-0."
+                                       << "/d/res.tif";
+        QTest::newRow("dot in the directory") << "/d.x/res"
+                                              << "/d.x/res-1-0."
+                                              << "/d.x/res.tif";
+        QTest::newRow("root") << "/res.png"
+                              << "/res-1-0.png"
+                              << "/res.png";
+        QTest::newRow("relative") << "res.png" << here + "/res-1-0.png" << here + "/res.png";
+    }
+
+    void names() {
+        QFETCH(QString, base);
+        QTEST(taggedName(base, QStringLiteral("1-0")), "tagged");
+        QTEST(withSuffix(base, QStringLiteral("tif")), "suffixed");
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestFileNames)
+#include "tst_filenames.moc"

@@ -1,0 +1,330 @@
+#include <sys/resource.h>
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+#include <cmath>
+#include <csignal>
+#include <limits>
+
+#include "TestMain.h"
+#include "analysis/AnalysisGrid.h"
+#include "analysis/Analyzed2DRes.h"
+#include "imagedata/TiffData.h"
+#include "output/FlatDark.h"
+#include "output/ResultWriter.h"
+
+namespace {
+
+using Separator = TableOptions::Separator;
+using Layout = TableOptions::Layout;
+
+const double kNan = std::numeric_limits<double>::quiet_NaN();
+
+// 6 x 4 pixels, analysed in bins of 3 x 1 over columns 0..5 and rows 1..2: centres at x = 1 and 4.
+void fill(Analyzed2DRes* result) {
+    result->setGrid(AnalysisGrid::ofArea(6, 4, 1, 0, QRectF(0, 1, 6, 2)));
+    result->clear();
+    result->setData(1, 1, 1, 0, 0.0);
+    result->setData(4, 1, 1, 0, 1.0 / 3.0);
+    result->setData(1, 2, 1, 0, 1.0);
+    result->setData(4, 2, 1, 0, -50.0);
+}
+
+QByteArray content(const QString& name) {
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+}
+
+void put(const QString& name, const QByteArray& text) {
+    QFile file(name);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
+        qFatal("no temporary file");
+    }
+}
+
+// What a table reader makes of a file: comments apart, fields split at the separator.
+struct Table {
+    QStringList header;
+    QVector<QVector<double>> rows;
+};
+
+Table readTable(const QString& name, char separator) {
+    Table table;
+    for (const QByteArray& line : content(name).split('\n')) {
+        if (line.startsWith('#')) {
+            table.header << QString::fromUtf8(line);
+        } else if (!line.isEmpty()) {
+            QVector<double> row;
+            for (const QByteArray& field : line.split(separator)) {
+                bool ok = false;
+                row << field.toDouble(&ok);
+                if (!ok) {
+                    row << kNan << kNan;  // no number: a row of the wrong length
+                }
+            }
+            table.rows << row;
+        }
+    }
+    return table;
+}
+
+QVector<QVector<int>> countsOf(const QString& name) {
+    QVector<QVector<int>> counts;
+    TiffData frame;
+    if (frame.load(name)) {
+        for (const quint16* row : frame.rows) {
+            QVector<int> line;
+            for (quint32 x = 0; x < quint32(frame.width); ++x) {
+                line << row[x];
+            }
+            counts << line;
+        }
+    }
+    return counts;
+}
+
+}  // namespace
+
+class TestResultWriter : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+
+    QString path(const char* name) const { return m_dir.filePath(QLatin1String(name)); }
+
+  private slots:
+    void pictures_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("written");
+        QTest::newRow("png") << "a.png" << true;
+        QTest::newRow("capitals") << "a.PNG" << true;
+        QTest::newRow("bmp") << "a.bmp" << true;
+        QTest::newRow("last suffix") << "a.txt.png" << true;
+        QTest::newRow("no suffix") << "a" << false;
+        QTest::newRow("no picture") << "a.xyz" << false;
+        QTest::newRow("no directory") << "none/a.png" << false;
+    }
+
+    void pictures() {
+        QFETCH(QString, name);
+        QFETCH(bool, written);
+        QImage picture(3, 2, QImage::Format_RGB888);
+        picture.fill(QColor(10, 200, 30));
+        picture.setPixelColor(2, 1, QColor(255, 0, 1));
+        const QString file = m_dir.filePath(name);
+        QCOMPARE(writePicture(file, picture), written);
+        QCOMPARE(QFile::exists(file), written);
+        if (written) {
+            QCOMPARE(QImage(file).convertToFormat(QImage::Format_RGB888), picture);
+            QVERIFY(!writePicture(file, QImage()));
+            QCOMPARE(QImage(file).size(), picture.size());
+        }
+    }
+
+    void tiffOfTheWholeImage() {
+        Analyzed2DRes result;
+        fill(&result);
+        const QString name = path("whole.tif");
+        QVERIFY(writeResultTiff(name, result, TiffOptions()));
+        // -50..1 become 0..65535; pixels that were not analysed hold 0.0.
+        const int zero = int(50.0 / 51.0 * 65535.0);
+        const int third = int((50.0 + 1.0 / 3.0) / 51.0 * 65535.0);
+        const QVector<int> empty(6, zero);
+        QCOMPARE(countsOf(name), (QVector<QVector<int>>{empty,
+                                                        {zero, zero, zero, third, third, third},
+                                                        {65535, 65535, 65535, 0, 0, 0},
+                                                        empty}));
+        TiffOptions fixed;
+        fixed.fixedScale = true;
+        fixed.scaleMin = -50.0;
+        fixed.scaleMax = 50.0;
+        QVERIFY(writeResultTiff(name, result, fixed));
+        QCOMPARE(countsOf(name).value(0), QVector<int>(6, 32767));
+    }
+
+    void tiffAsAnalyzed() {
+        Analyzed2DRes result;
+        fill(&result);
+        TiffOptions options;
+        options.asAnalyzed = true;
+        options.fixedScale = true;
+        const QString name = path("points.tif");
+        QVERIFY(writeResultTiff(name, result, options));
+        // 0..1 with the value far below cut off, not wrapped.
+        QCOMPARE(countsOf(name), (QVector<QVector<int>>{{0, 21845}, {65535, 0}}));
+    }
+
+    void tables_data() {
+        QTest::addColumn<bool>("comma");
+        QTest::addColumn<bool>("points");
+        QTest::addColumn<bool>("asAnalyzed");
+        for (int i = 0; i < 8; ++i) {
+            QTest::addRow("%s %s %s", i & 1 ? "comma" : "blank", i & 2 ? "points" : "rows",
+                          i & 4 ? "as analyzed" : "whole image")
+                << bool(i & 1) << bool(i & 2) << bool(i & 4);
+        }
+    }
+
+    void tables() {
+        QFETCH(bool, comma);
+        QFETCH(bool, points);
+        QFETCH(bool, asAnalyzed);
+        Analyzed2DRes result;
+        fill(&result);
+        TableOptions options;
+        options.separator = comma ? Separator::Comma : Separator::Blank;
+        options.layout = points ? Layout::Points : Layout::Rows;
+        options.asAnalyzed = asAnalyzed;
+        const QString name = path("table.dat");
+        QVERIFY(writeResultTable(
+            name, result, options,
+            {{QStringLiteral("source"), QStringLiteral("Ratio")},
+             {QStringLiteral("reference file"), QStringLiteral("/d/標準\nfoil.dat")}}));
+        const Table table = readTable(name, comma ? ',' : ' ');
+        QCOMPARE(
+            table.header,
+            (QStringList{QStringLiteral("# source = Ratio"),
+                         QStringLiteral("# reference file = /d/標準 foil.dat"),
+                         QStringLiteral("# width = 6"), QStringLiteral("# height = 4"),
+                         QStringLiteral("# bin half width = 1"),
+                         QStringLiteral("# bin half height = 0"), QStringLiteral("# x0 = 0"),
+                         QStringLiteral("# x1 = 6"), QStringLiteral("# y0 = 1"),
+                         QStringLiteral("# y1 = 3"), QStringLiteral("# value range = -50 1")}));
+
+        QVector<QVector<double>> expected;
+        const QVector<int> columns =
+            asAnalyzed ? QVector<int>{1, 4} : QVector<int>{0, 1, 2, 3, 4, 5};
+        const QVector<int> rows = asAnalyzed ? QVector<int>{1, 2} : QVector<int>{0, 1, 2, 3};
+        for (const int y : rows) {
+            QVector<double> line;
+            for (const int x : columns) {
+                const double value = x == 4 && y == 1  ? 0.333333333
+                                     : y == 1 && x > 2 ? 0.333333333
+                                                       : result.valueAt(x, y);
+                if (points) {
+                    expected << QVector<double>{double(x), double(y), value};
+                }
+                line << value;
+            }
+            if (!points) {
+                expected << line;
+            }
+        }
+        QCOMPARE(table.rows, expected);
+    }
+
+    void noNumbersAreNan() {
+        Analyzed2DRes result;
+        result.setGrid(AnalysisGrid::ofArea(3, 1, 0, 0, QRectF(0, 0, 3, 1)));
+        result.clear();
+        result.setData(0, 0, 0, 0, kNan);
+        result.setData(1, 0, 0, 0, -std::numeric_limits<double>::infinity());
+        result.setData(2, 0, 0, 0, 1.5e-7);
+        TableOptions options;
+        options.layout = Layout::Rows;
+        const QString name = path("nan.dat");
+        QVERIFY(writeResultTable(name, result, options, {}));
+        QVERIFY(content(name).endsWith("\n# value range = 1.5e-07 1.5e-07\nnan,-inf,1.5e-07\n"));
+        // Nothing but NaN has no range.
+        result.clear();
+        result.setData(0, 0, 0, 0, kNan);
+        QVERIFY(writeResultTable(name, result, options, {}));
+        QVERIFY(content(name).endsWith("\n# value range = nan nan\nnan,0,0\n"));
+    }
+
+    void processedValuesAreSavedWhileTheyShow() {
+        Analyzed2DRes result;
+        result.setGrid(AnalysisGrid::ofArea(3, 3, 0, 0, QRectF(0, 0, 3, 3)));
+        result.clear();
+        for (int y = 0; y < 3; ++y) {
+            for (int x = 0; x < 3; ++x) {
+                result.setData(x, y, 0, 0, x == 1 && y == 1 ? 900.0 : double(y));
+            }
+        }
+        result.deglitch2(40.0);  // the middle becomes the mean of its neighbours, 1
+        TableOptions options;
+        options.layout = Layout::Rows;
+        const QString name = path("proc.dat");
+        const QString tiff = path("proc.tif");
+        QVERIFY(writeResultTable(name, result, options, {}));
+        QVERIFY(content(name).endsWith("# value range = 0 900\n0,0,0\n1,900,1\n2,2,2\n"));
+        result.selectProcImg(true);
+        QVERIFY(writeResultTable(name, result, options, {}));
+        QVERIFY(content(name).endsWith("# value range = 0 2\n0,0,0\n1,1,1\n2,2,2\n"));
+        QVERIFY(writeResultTiff(tiff, result, TiffOptions()));
+        QCOMPARE(countsOf(tiff).value(1), QVector<int>(3, 32767));
+    }
+
+    void failedSavesLeaveTheOldFile() {
+        const QString name = path("old.dat");
+        put(name, "the old one");
+        Analyzed2DRes nothing;
+        QVERIFY(!writeResultTable(name, nothing, TableOptions(), {}));
+        QVERIFY(!writeResultTiff(name, nothing, TiffOptions()));
+        QCOMPARE(content(name), QByteArray("the old one"));
+
+        Analyzed2DRes result;
+        fill(&result);
+        const QString below = name + QStringLiteral("/below");
+        QVERIFY(!writeResultTable(below + QStringLiteral(".dat"), result, TableOptions(), {}));
+        QVERIFY(!writeResultTiff(below + QStringLiteral(".tif"), result, TiffOptions()));
+        QVERIFY(!writePicture(below + QStringLiteral(".png"), QImage(2, 2, QImage::Format_RGB32)));
+        QCOMPARE(content(name), QByteArray("the old one"));
+
+        // A disk that fills up half way.
+        const QString tiff = path("old.tif");
+        const QString picture = path("old.bmp");
+        put(tiff, "the old one");
+        put(picture, "the old one");
+        rlimit before{};
+        getrlimit(RLIMIT_FSIZE, &before);
+        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit small{40, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+        const bool any = writeResultTable(name, result, TableOptions(), {}) ||
+                         writeResultTiff(tiff, result, TiffOptions()) ||
+                         writePicture(picture, QImage(50, 50, QImage::Format_RGB32));
+        setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, handler);
+        QVERIFY(!any);
+        for (const QString& file : {name, tiff, picture}) {
+            QCOMPARE(content(file), QByteArray("the old one"));
+        }
+    }
+
+    void flatAndDark_data() {
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("height");
+        QTest::newRow("wide") << 5 << 3;
+        QTest::newRow("tall") << 2 << 7;
+    }
+
+    void flatAndDark() {
+        QFETCH(int, width);
+        QFETCH(int, height);
+        QVERIFY(QDir::setCurrent(m_dir.path()));
+        QVERIFY(writeFlatDark(width, height));
+        QCOMPARE(countsOf(path("flat.dat")), QVector<QVector<int>>(height, QVector<int>(width, 1)));
+        QCOMPARE(countsOf(path("dark.dat")), QVector<QVector<int>>(height, QVector<int>(width, 0)));
+    }
+
+    void flatAndDarkWithoutPixels() {
+        QVERIFY(QDir::setCurrent(m_dir.path()));
+        for (const int size : {0, -1}) {
+            for (const char* name : {"flat.dat", "dark.dat"}) {
+                put(path(name), QByteArray(300, 'x'));
+            }
+            writeFlatDark(size, size);
+            for (const char* name : {"flat.dat", "dark.dat"}) {
+                QVERIFY(QFile::exists(path(name)));
+                QVERIFY(!content(path(name)).contains('x'));
+                QVERIFY(countsOf(path(name)).isEmpty());
+            }
+        }
+    }
+};
+
+TARNWICK_TEST_MAIN(QGuiApplication, TestResultWriter)
+#include "tst_resultwriter.moc"
