@@ -1,0 +1,191 @@
+#include "analysis/Analyzed2DRes.h"
+
+#include <QImage>
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "app/Globals.h"
+
+namespace {
+
+std::size_t sizeOf(const AnalysisGrid& grid) {
+    return grid.width > 0 && grid.height > 0
+               ? static_cast<std::size_t>(grid.width) * static_cast<std::size_t>(grid.height)
+               : 0;
+}
+
+void widen(double value, double* min, double* max) {
+    if (std::isfinite(value)) {
+        *max = std::max(*max, value);
+        *min = std::min(*min, value);
+    }
+}
+
+/// The low 16 bits of the value cut to an integer; 0 for what has none.
+quint16 lowBits(double value) {
+    constexpr double Limit = 9223372036854775808.0;  // 2^63
+    if (!(value > -Limit && value < Limit)) {
+        return 0;
+    }
+    return static_cast<quint16>(static_cast<qint64>(value) & 0xFFFF);
+}
+
+}  // namespace
+
+Analyzed2DRes::Analyzed2DRes(QObject* parent) : QObject(parent) {}
+
+Analyzed2DRes::~Analyzed2DRes() = default;
+
+double Analyzed2DRes::at(const Array& array, qint64 x, qint64 y) const {
+    if (array.empty() || !m_grid.isInsideImage(x, y)) {
+        return 0.0;
+    }
+    return array[static_cast<std::size_t>(y * m_grid.width + x)];
+}
+
+double Analyzed2DRes::rangeMin() const {
+    return m_fixedScale ? m_scaleMin : (m_showProc ? m_procMin : m_dataMin);
+}
+
+double Analyzed2DRes::rangeMax() const {
+    return m_fixedScale ? m_scaleMax : (m_showProc ? m_procMax : m_dataMax);
+}
+
+void Analyzed2DRes::setProcRange(double min, double max) {
+    m_procMin = min;
+    m_procMax = max;
+}
+
+void Analyzed2DRes::updateExtremes() {
+    m_dataMin = 1e300;
+    m_dataMax = -1e300;
+    for (double value : m_data) {
+        widen(value, &m_dataMin, &m_dataMax);
+    }
+}
+
+void Analyzed2DRes::dropPicture() {
+    m_image.reset();
+    m_pixels.clear();
+    m_valid = false;
+}
+
+void Analyzed2DRes::clear() {
+    m_grid.start();
+    setProcRange(0.0, 1.0);
+    m_dataMin = 1e300;
+    m_dataMax = -1e300;
+    dropPicture();
+    m_data.assign(sizeOf(m_grid), 0.0);
+    m_proc.assign(sizeOf(m_grid), 0.0);
+}
+
+void Analyzed2DRes::setNo(int no) {
+    m_no = no;
+}
+int Analyzed2DRes::no() const {
+    return m_no;
+}
+
+void Analyzed2DRes::fillBin(Array* array, int ix, int iy, int xw, int yw, double t) const {
+    const qint64 left = std::max<qint64>(0, static_cast<qint64>(ix) - xw);
+    const qint64 right = std::min<qint64>(m_grid.width - 1, static_cast<qint64>(ix) + xw);
+    const qint64 top = std::max<qint64>(0, static_cast<qint64>(iy) - yw);
+    const qint64 bottom = std::min<qint64>(m_grid.height - 1, static_cast<qint64>(iy) + yw);
+    if (array->empty() || left > right) {
+        return;
+    }
+    for (qint64 row = top; row <= bottom; ++row) {
+        const auto first = array->begin() + static_cast<std::ptrdiff_t>(row * m_grid.width);
+        std::fill(first + static_cast<std::ptrdiff_t>(left),
+                  first + static_cast<std::ptrdiff_t>(right + 1), t);
+    }
+}
+
+void Analyzed2DRes::setData(int ix, int iy, int xw, int yw, double t) {
+    widen(t, &m_dataMin, &m_dataMax);
+    fillBin(&m_data, ix, iy, xw, yw, t);
+}
+
+void Analyzed2DRes::genImg() {
+    dropPicture();
+    const Array& source = shownArray();
+    if (source.empty()) {
+        return;
+    }
+    const double min = rangeMin();
+    const double max = rangeMax();
+    m_pixels.resize(3 * source.size());
+    uchar* pixel = m_pixels.data();
+    for (double value : source) {
+        std::memcpy(pixel, colorOf((value - min) / (max - min)), 3);
+        pixel += 3;
+    }
+    m_image = std::make_unique<QImage>(m_pixels.data(), m_grid.width, m_grid.height,
+                                       3 * m_grid.width, QImage::Format_RGB888);
+    m_valid = true;
+}
+
+QImage* Analyzed2DRes::img() const {
+    return m_image.get();
+}
+
+quint16* Analyzed2DRes::tiffDataForSave(bool fixedScale, double scaleMin, double scaleMax,
+                                        bool asAnalyzed) {
+    const Array& source = shownArray();
+    if (source.empty()) {
+        m_count = 0;
+        return nullptr;
+    }
+    const double min = fixedScale ? scaleMin : (m_showProc ? m_procMin : m_dataMin);
+    const double max = fixedScale ? scaleMax : (m_showProc ? m_procMax : m_dataMax);
+    const std::size_t points =
+        asAnalyzed ? static_cast<std::size_t>(m_grid.pointCount()) : source.size();
+    auto* values = new quint16[std::max(source.size(), points)]();
+    std::size_t n = 0;
+    if (asAnalyzed) {
+        forEachPoint(m_grid, [&](int x, int y) {
+            const double value = at(source, x, y);
+            const double clamped = value < min ? min : (value > max ? max : value);
+            values[n++] = lowBits((clamped - min) / (max - min) * 65535);
+        });
+    } else {
+        for (double value : source) {
+            values[n++] = lowBits((value - min) / (max - min) * 65535);
+        }
+    }
+    m_count = static_cast<int>(n);
+    return values;
+}
+
+void Analyzed2DRes::setDeglitchConds(double f, double r) {
+    m_deglitchFactor = f;
+    m_deglitchRatio = r;
+}
+
+void Analyzed2DRes::selectProcImg(bool on) {
+    m_showProc = on;
+    genImg();
+}
+
+void Analyzed2DRes::copyProc2Data() {
+    if (m_data.empty() || m_proc.empty()) {
+        return;
+    }
+    qDebug("copy");
+    m_data = m_proc;
+    m_dataMin = m_procMin;
+    m_dataMax = m_procMax;
+}
+
+void Analyzed2DRes::setFixedScale(bool on) {
+    m_fixedScale = on;
+    genImg();
+}
+
+void Analyzed2DRes::setScale(double min, double max) {
+    m_scaleMin = min;
+    m_scaleMax = max;
+    genImg();
+}
