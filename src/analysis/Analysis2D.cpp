@@ -1,0 +1,201 @@
+#include "analysis/Analysis2D.h"
+
+#include <QDebug>
+#include <QString>
+#include <algorithm>
+#include <utility>
+
+#include "analysis/AnalyzeProc.h"
+#include "analysis/Analyzed2DRes.h"
+#include "analysis/Analyzer.h"
+#include "analysis/LCFReference.h"
+#include "app/DebugLog.h"
+#include "spectra/LiveCounts.h"
+
+namespace {
+
+void prepare(Analyzed2DRes* result, const AnalysisGrid& grid, int no) {
+    result->selectProcImg(false);
+    result->setGrid(grid);
+    result->clear();
+    result->setNo(no);
+}
+
+}  // namespace
+
+bool Analysis2D::startLcf(const AnalysisGrid& grid, SpectrumAt spectrumAt, QString* whyNot) {
+    m_panels = m_analyzer->references().size();
+    if (m_panels < 2) {
+        *whyNot = QStringLiteral("fewer than two reference panels");
+        return false;
+    }
+    m_spectrumAt = std::move(spectrumAt);
+    m_grid = grid;
+    m_grid.start();
+    const std::optional<Point> first = nextPoint(m_grid, true);
+    if (!first) {
+        *whyNot = QStringLiteral("no point of the area lies inside the image");
+        return false;
+    }
+
+    m_running = true;
+    m_analyzer->setContAccess(true);
+    m_reportsToIgnore = m_analyzer->fitsOut();
+    m_analyzer->setProgress(0.0);
+    logObjectCounts();
+    debugTimed(QStringLiteral("2da 1:"));
+    m_analyzer->applyScales();
+    m_results.clear();
+    for (int kind = 0; kind < m_analyzer->imageKinds(); ++kind) {
+        for (int r = 0; r < m_panels; ++r) {
+            Analyzed2DRes* result = m_analyzer->references().at(r)->result(kind);
+            prepare(result, grid, m_panels * kind + r);
+            m_results.append(result);
+        }
+    }
+    debugTimed(QStringLiteral("2da 2:"));
+    handOver(*first);
+    return true;
+}
+
+std::optional<Analysis2D::Point> Analysis2D::nextPoint(AnalysisGrid grid, bool atFirst) const {
+    bool newRow = false;
+    for (;;) {
+        if (!atFirst) {
+            bool begun = false;
+            if (!grid.step(&begun)) {
+                return std::nullopt;
+            }
+            newRow = newRow || begun;
+        }
+        atFirst = false;
+        XafsSpectrum spectrum = m_spectrumAt(grid.x, grid.y);
+        if (!spectrum.isEmpty()) {
+            return Point{grid, spectrum, newRow};
+        }
+    }
+}
+
+void Analysis2D::handOver(const Point& point) {
+    m_grid = point.grid;
+    m_analyzer->analyzeSpectrum(point.spectrum);
+    // While the fitter works on this one.
+    m_next = nextPoint(m_grid, false);
+}
+
+Analysis2D::Report Analysis2D::lcfPointReported() {
+    if (!m_running) {
+        return Report::Ignored;
+    }
+    if (m_reportsToIgnore > 0) {  // of a fit that was under way when the analysis started
+        --m_reportsToIgnore;
+        return Report::Ignored;
+    }
+    recordPoint();
+    if (!m_next) {
+        return Report::LastPoint;
+    }
+    const Point point = *m_next;
+    handOver(point);
+    if (!point.newRow) {
+        return Report::NextPoint;
+    }
+    m_analyzer->setProgress(m_grid.percent());
+    return Report::NewRow;
+}
+
+void Analysis2D::recordPoint() {
+    const AnalyzeProc* worker = m_analyzer->worker();
+    const std::vector<int>& used = worker->usedPanels();
+    const std::size_t n = std::min({used.size(), worker->ratios().size(), worker->dMuts().size()});
+    for (std::size_t u = 0; u < n; ++u) {
+        const int r = used[u];
+        if (r < m_panels && r + m_panels < m_results.size()) {
+            m_results[r]->setData(m_grid.x, m_grid.y, m_grid.halfW, m_grid.halfH,
+                                  worker->dMuts()[u]);
+            m_results[r + m_panels]->setData(m_grid.x, m_grid.y, m_grid.halfW, m_grid.halfH,
+                                             worker->ratios()[u]);
+        }
+    }
+}
+
+void Analysis2D::generateLcfImages() {
+    qDebug() << "generate res images" << m_results.size();
+    for (Analyzed2DRes* result : qAsConst(m_results)) {
+        result->genImg();
+    }
+}
+
+void Analysis2D::idle() {
+    m_running = false;
+    m_next.reset();
+    m_spectrumAt = nullptr;
+    m_analyzer->setContAccess(false);
+}
+
+void Analysis2D::endLcf() {
+    idle();
+    m_analyzer->setProgress(100.0);
+    debugTimed(QStringLiteral("2da 3:"));
+    logObjectCounts();
+}
+
+void Analysis2D::stopLcf() {
+    if (m_running) {
+        idle();
+        debugTimed(QStringLiteral("2da 4:"));
+    }
+}
+
+void Analysis2D::runRa(const AnalysisGrid& grid, const SpectrumAt& spectrumAt,
+                       const std::function<void(double)>& progress) {
+    const double factor = m_analyzer->raFactor();
+    const double energy = m_analyzer->raEnergy();
+    Analyzed2DRes* dmutImage = m_analyzer->raDmut();
+    Analyzed2DRes* restImage = m_analyzer->raRest();
+    m_analyzer->applyScales();
+    for (Analyzed2DRes* result : {dmutImage, restImage, m_analyzer->raRatio()}) {
+        prepare(result, grid, -1);
+    }
+    AnalysisGrid current = grid;
+    forEachPoint(
+        grid,
+        [&](int x, int y) {
+            const XafsSpectrum spectrum = spectrumAt(x, y);
+            const double e = spectrum.shiftOn() ? energy - spectrum.shift() : energy;
+            const double pre = spectrum.preEdge().valueAt(e);
+            const double post = spectrum.postEdge().valueAt(e);
+            const double dmut = post - pre;
+            dmutImage->setData(x, y, grid.halfW, grid.halfH, dmut);
+            restImage->setData(x, y, grid.halfW, grid.halfH, pre - factor * dmut);
+        },
+        [&](int row) {
+            qDebug() << row;
+            current.y = row;
+            progress(current.percent());
+        });
+}
+
+void Analysis2D::generateRaImages() {
+    Analyzed2DRes* dmut = m_analyzer->raDmut();
+    Analyzed2DRes* rest = m_analyzer->raRest();
+    Analyzed2DRes* ratio = m_analyzer->raRatio();
+    const int width = rest->grid().width;
+    const int height = rest->hasData() ? rest->grid().height : 0;
+    double lowest = 1e300;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const double value = rest->valueAt(x, y);
+            lowest = value < lowest ? value : lowest;
+        }
+    }
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const double b = rest->valueAt(x, y) - lowest;
+            ratio->setData(x, y, 0, 0, b / (dmut->valueAt(x, y) + b));
+        }
+    }
+    for (Analyzed2DRes* result : {dmut, rest, ratio}) {
+        result->genImg();
+    }
+}

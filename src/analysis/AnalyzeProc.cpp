@@ -1,0 +1,85 @@
+#include "analysis/AnalyzeProc.h"
+
+#include "analysis/LCFReference.h"
+
+AnalyzeProc::AnalyzeProc(QObject* parent) : QObject(parent) {}
+AnalyzeProc::~AnalyzeProc() = default;
+
+void AnalyzeProc::setContAccess(bool on) {
+    m_contAccess = on;
+}
+
+void AnalyzeProc::analyzeSpectrum0(XafsSpectrum sample, QVector<LCFReference*> lcfrs0,
+                                   XafsSpectrum* fitted, bool isMLCF) {
+    analyze(sample, lcfrs0, fitted, isMLCF ? LinearFit::Mlcf : LinearFit::Lcf);
+}
+
+void AnalyzeProc::analyzeSpectrumByLCF(XafsSpectrum sample, QVector<LCFReference*> lcfrs0,
+                                       XafsSpectrum* fitted) {
+    analyze(sample, lcfrs0, fitted, LinearFit::Lcf);
+}
+
+void AnalyzeProc::analyzeSpectrumByMLCF(XafsSpectrum sample, QVector<LCFReference*> lcfrs0,
+                                        XafsSpectrum* fitted) {
+    analyze(sample, lcfrs0, fitted, LinearFit::Mlcf);
+}
+
+bool AnalyzeProc::isPreparedFor(const QVector<LCFReference*>& panels,
+                                LinearFit::Method method) const {
+    if (!m_fit || m_method != method ||
+        m_revisions.size() != static_cast<std::size_t>(panels.size())) {
+        return false;
+    }
+    for (int r = 0; r < panels.size(); ++r) {
+        if (panels.at(r)->fitInput().revision != m_revisions[static_cast<std::size_t>(r)]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void AnalyzeProc::prepareFor(const QVector<LCFReference*>& panels, LinearFit::Method method) {
+    QVector<XafsSpectrum> references;
+    m_usedPanels.clear();
+    m_revisions.clear();
+    for (int r = 0; r < panels.size(); ++r) {
+        const LCFReference::FitInput& input = panels.at(r)->fitInput();
+        m_revisions.push_back(input.revision);
+        if (input.used) {
+            references.append(input.spectrum);
+            m_usedPanels.push_back(r);
+        }
+    }
+    m_method = method;
+    m_fit = std::make_unique<LinearFit>(references, method);
+}
+
+void AnalyzeProc::analyze(const XafsSpectrum& sample, const QVector<LCFReference*>& panels,
+                          XafsSpectrum* fitted, LinearFit::Method method) {
+    m_ratios.clear();
+    m_dMuts.clear();
+    if (sample.isEmpty() || panels.size() < 2) {
+        return;
+    }
+    if (!isPreparedFor(panels, method)) {
+        prepareFor(panels, method);
+    }
+    m_fit->fit(sample);
+    m_ratios = m_fit->ratios();
+    m_dMuts = m_fit->dMuts();
+
+    // Drawn from the shares that the panels hold: the new ones, or with contAccess the old.
+    std::vector<double> shares;
+    for (std::size_t u = 0; u < m_usedPanels.size(); ++u) {
+        LCFReference* panel = panels.at(m_usedPanels[u]);
+        if (m_contAccess) {
+            shares.push_back(panel->fitInput().storedRatio);
+        } else {
+            panel->setRatio(m_ratios[u]);
+            panel->setDMut(m_dMuts[u]);
+            shares.push_back(m_ratios[u]);
+        }
+    }
+    *fitted = m_fit->fittedCurve(shares);
+    emit finished();
+}

@@ -1,0 +1,315 @@
+#include "analysis/Analyzer.h"
+
+#include <QButtonGroup>
+#include <QFileInfo>
+#include <QRadioButton>
+
+#include "analysis/AnalyzeProc.h"
+#include "analysis/Analyzed2DRes.h"
+#include "analysis/LCFReference.h"
+#include "app/Globals.h"
+#include "display/XafsView.h"
+#include "ui_Analyzer.h"
+
+namespace {
+
+constexpr int UsedFromTheStart = 2;
+
+void setField(QLineEdit* field, double value) {
+    field->setText(QString::number(value, 'g', 6));
+}
+
+}  // namespace
+
+Analyzer::Analyzer(QWidget* parent)
+    : QFrame(parent),
+      m_ui(std::make_unique<Ui::Analyzer>()),
+      m_choice(new QButtonGroup(this)),
+      m_view(std::make_unique<XafsView>()),
+      m_worker(std::make_unique<AnalyzeProc>()),
+      m_raDmut(std::make_unique<Analyzed2DRes>()),
+      m_raRest(std::make_unique<Analyzed2DRes>()),
+      m_raRatio(std::make_unique<Analyzed2DRes>()) {
+    m_ui->setupUi(this);
+    m_view->setWindowTitle(tr("Analyzing Spectrum"));
+    m_choice->addButton(m_ui->ShowDMuT, 0);
+    m_choice->addButton(m_ui->ShowRest, 1);
+    m_choice->addButton(m_ui->ShowRatio, 2);
+    m_view->setRaEnergy(raEnergy());
+    connectControls();
+    startWorker();
+    applyScales();
+}
+
+Analyzer::~Analyzer() {
+    disconnect(m_worker.get(), nullptr, this, nullptr);
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void Analyzer::connectControls() {
+    connect(m_ui->ShowView, &QPushButton::clicked, m_view.get(), &QWidget::show);
+    connect(m_ui->AddRef, &QPushButton::clicked, this, &Analyzer::addNewRef);
+    connect(m_ui->AskAnalyze, &QPushButton::clicked, this, &Analyzer::askAnalyze);
+    connect(m_ui->AskRAAnalyze, &QPushButton::clicked, this, &Analyzer::askRAAnalyze);
+    connect(m_choice, &QButtonGroup::idClicked, this, &Analyzer::selectedNewRef);
+    connect(m_ui->SelDMut, &QRadioButton::toggled, this, &Analyzer::selectedImgChanged);
+    connect(m_ui->FixedScale, &QCheckBox::toggled, this, &Analyzer::scalePolicyChanged);
+    for (QLineEdit* field :
+         {m_ui->DMutScaleMin, m_ui->DMutScaleMax, m_ui->RatioScaleMin, m_ui->RatioScaleMax}) {
+        connect(field, &QLineEdit::editingFinished, this, &Analyzer::scaleChanged);
+    }
+    connect(m_ui->MLCF, &QCheckBox::toggled, this, &Analyzer::reAnalyzeSpectrum);
+    connect(m_ui->RAAtEV, &QLineEdit::textChanged, this,
+            [this] { m_view->setRaEnergy(raEnergy()); });
+}
+
+void Analyzer::startWorker() {
+    qRegisterMetaType<QVector<LCFReference*>>("QVector<LCFReference*>");
+    m_worker->moveToThread(&m_thread);
+    connect(this, &Analyzer::analyzeSpectrum0, m_worker.get(), &AnalyzeProc::analyzeSpectrum0);
+    connect(m_worker.get(), &AnalyzeProc::finished, this, &Analyzer::analyzeSpectrumFinished);
+    m_thread.start(QThread::InheritPriority);
+}
+
+bool Analyzer::dispOnTime() const {
+    return m_ui->DispOnTime->isChecked();
+}
+double Analyzer::raEnergy() const {
+    return m_ui->RAAtEV->text().toDouble();
+}
+double Analyzer::raFactor() const {
+    return m_ui->RAFactor->text().toDouble();
+}
+int Analyzer::imageKinds() const {
+    return LCFReference::KindCount;
+}
+
+int Analyzer::imageType() const {
+    return !m_ui->SelDMut->isChecked() && m_ui->SelRatio->isChecked() ? LCFReference::Ratio
+                                                                      : LCFReference::DMut;
+}
+
+void Analyzer::setImageType(int type) {
+    if (type == LCFReference::DMut) {
+        m_ui->SelDMut->setChecked(true);
+    } else if (type == LCFReference::Ratio) {
+        m_ui->SelRatio->setChecked(true);
+    }
+}
+
+Analyzed2DRes* Analyzer::selectedResult() const {
+    const int id = m_choice->checkedId();
+    const int n = m_references.size();
+    if (id < 0) {
+        return nullptr;
+    }
+    if (id < n) {
+        return m_references.at(id)->result(imageType());
+    }
+    Analyzed2DRes* const made[] = {m_raDmut.get(), m_raRest.get(), m_raRatio.get()};
+    Analyzed2DRes* result = id - n < 3 ? made[id - n] : nullptr;
+    return result != nullptr && result->isValid() ? result : nullptr;
+}
+
+void Analyzer::addNewRef() {
+    const int index = m_references.size();
+    // The numbers of the residual-absorption buttons follow those of the references: they move up
+    // before the new button takes the first of them.
+    m_choice->setId(m_ui->ShowRatio, index + 3);
+    m_choice->setId(m_ui->ShowRest, index + 2);
+    m_choice->setId(m_ui->ShowDMuT, index + 1);
+
+    auto* reference = new LCFReference(m_ui->RefBase);
+    auto* button = new QRadioButton(tr("Select Ref%1").arg(index + 1), m_ui->RefBase);
+    button->setToolTip(tr("Show this reference's result image in the main window"));
+    button->setObjectName(QStringLiteral("SelectRef%1").arg(index + 1));
+    m_references.append(reference);
+    m_choice->addButton(button, index);
+    m_ui->refGrid->addWidget(button, index, 0);
+    m_ui->refGrid->addWidget(reference, index, 1);
+    reference->setUse(m_references.size() <= UsedFromTheStart);
+    reference->show();
+    button->show();
+
+    for (auto signal :
+         {&LCFReference::newFileSelected, &LCFReference::newDeltaE, &LCFReference::changed}) {
+        connect(reference, signal, this, [this] {
+            showReferences();
+            reAnalyzeSpectrum();
+        });
+    }
+    applyScales();
+    adjustSize();
+}
+
+void Analyzer::showReferences() {
+    QVector<XafsView::Reference> shown;
+    for (int i = 0; i < m_references.size(); ++i) {
+        const LCFReference* reference = m_references.at(i);
+        if (reference->hasSpectrum()) {
+            shown.append({reference->spectrum(), QFileInfo(reference->fileName()).fileName(),
+                          reference->isShown(), getColor(i + 2)});
+        }
+    }
+    m_view->setReferences(shown);
+}
+
+void Analyzer::handOver(const XafsSpectrum& spectrum) {
+    // The fitter reads what is frozen here; a fit that it will not report is not waited for.
+    for (LCFReference* reference : qAsConst(m_references)) {
+        reference->freezeFitInput();
+    }
+    if (!spectrum.isEmpty() && m_references.size() >= 2) {
+        ++m_fitsOut;
+    }
+    emit analyzeSpectrum0(spectrum, m_references, &m_fitted, m_ui->MLCF->isChecked());
+}
+
+void Analyzer::analyzeSpectrum(XafsSpectrum spectrum) {
+    if (m_fitsOut > 0) {
+        m_waiting = spectrum;
+    } else {
+        handOver(spectrum);
+    }
+}
+
+void Analyzer::analyzeSpectrumFinished() {
+    --m_fitsOut;
+    if (!m_busy) {
+        m_view->setFit(m_fitted);
+        m_view->show();
+    }
+    emit finished();
+    if (m_fitsOut == 0 && m_waiting) {
+        const XafsSpectrum next = *m_waiting;
+        m_waiting.reset();
+        handOver(next);
+    }
+}
+
+void Analyzer::analyzeAndShowSpectrum(XafsSpectrum spectrum) {
+    m_sample = spectrum;
+    m_view->setSample(spectrum, tr("Sample"));
+    reAnalyzeSpectrum();
+}
+
+void Analyzer::reAnalyzeSpectrum() {
+    // A fit of the cursor's spectrum must not be taken for one of the image's points.
+    if (!m_busy && !m_sample.isEmpty()) {
+        analyzeSpectrum(m_sample);
+    }
+}
+
+void Analyzer::selectedNewRef(int) {
+    emit changedSelection();
+}
+
+void Analyzer::selectedImgChanged(bool) {
+    emit changedSelection();
+}
+
+void Analyzer::selectImage(int id) {
+    if (QAbstractButton* button = m_choice->button(id)) {
+        button->setChecked(true);
+    }
+    emit changedSelection();
+}
+
+void Analyzer::applyScales() {
+    const bool fixed = m_ui->FixedScale->isChecked();
+    const auto apply = [fixed](Analyzed2DRes* result, const QLineEdit* min, const QLineEdit* max) {
+        result->setScale(min->text().toDouble(), max->text().toDouble());
+        result->setFixedScale(fixed);
+    };
+    for (LCFReference* reference : qAsConst(m_references)) {
+        apply(reference->result(LCFReference::DMut), m_ui->DMutScaleMin, m_ui->DMutScaleMax);
+        apply(reference->result(LCFReference::Ratio), m_ui->RatioScaleMin, m_ui->RatioScaleMax);
+    }
+    apply(m_raDmut.get(), m_ui->DMutScaleMin, m_ui->DMutScaleMax);
+    apply(m_raRatio.get(), m_ui->RatioScaleMin, m_ui->RatioScaleMax);
+}
+
+void Analyzer::scaleChanged() {
+    applyScales();
+    emit changedSelection();
+}
+
+void Analyzer::scalePolicyChanged(bool) {
+    scaleChanged();
+}
+
+void Analyzer::show() {
+    QFrame::show();
+    m_view->show();
+}
+
+void Analyzer::setContAccess(bool on) {
+    m_busy = on;
+    m_worker->setContAccess(on);
+    m_ui->AddRef->setEnabled(!on);
+    m_ui->AddRef->setToolTip(on ? tr("Not while an analysis of the image runs") : QString());
+    if (on) {
+        m_waiting.reset();
+    }
+}
+
+void Analyzer::setLCFMode(int mode) {
+    m_ui->MLCF->setChecked(mode == 1);
+}
+
+void Analyzer::setProgress(double perCent) {
+    m_ui->Progress->setText(QString::asprintf("%5.2f", perCent));
+}
+
+void Analyzer::setLCFStd(int index, const QString& file, double deltaE, const QString& isVic) {
+    setLCFStd(index, true, file, deltaE, isVic);
+}
+
+void Analyzer::setLCFStd(int index, bool use, const QString& file, double deltaE,
+                         const QString& isVic) {
+    if (index >= 0 && index < m_references.size()) {
+        m_references.at(index)->setStd(file, use, deltaE, isVic);
+    }
+}
+
+void Analyzer::setRaEnergy(double energy) {
+    setField(m_ui->RAAtEV, energy);
+}
+void Analyzer::setRaFactor(double factor) {
+    setField(m_ui->RAFactor, factor);
+}
+
+void Analyzer::setFixedScale(bool on) {
+    const QSignalBlocker blocked(m_ui->FixedScale);
+    m_ui->FixedScale->setChecked(on);
+    scaleChanged();
+}
+
+void Analyzer::setScaleMax(double value) {
+    imageType() == LCFReference::Ratio ? setRatioScaleMax(value) : setDMutScaleMax(value);
+}
+
+void Analyzer::setScaleMin(double value) {
+    imageType() == LCFReference::Ratio ? setRatioScaleMin(value) : setDMutScaleMin(value);
+}
+
+void Analyzer::setDMutScaleMax(double value) {
+    setField(m_ui->DMutScaleMax, value);
+    scaleChanged();
+}
+
+void Analyzer::setDMutScaleMin(double value) {
+    setField(m_ui->DMutScaleMin, value);
+    scaleChanged();
+}
+
+void Analyzer::setRatioScaleMax(double value) {
+    setField(m_ui->RatioScaleMax, value);
+    scaleChanged();
+}
+
+void Analyzer::setRatioScaleMin(double value) {
+    setField(m_ui->RatioScaleMin, value);
+    scaleChanged();
+}

@@ -1,0 +1,121 @@
+#pragma once
+
+#include <QFrame>
+#include <QThread>
+#include <QVector>
+#include <memory>
+#include <optional>
+
+#include "spectra/XafsSpectrum.h"
+
+namespace Ui {
+class Analyzer;
+}
+class AnalyzeProc;
+class Analyzed2DRes;
+class LCFReference;
+class QButtonGroup;
+class XafsView;
+
+/// The analysis window: the reference panels, the choice of method, the result image on display
+/// with its scale, and the residual-absorption controls. Owns the fitter and its thread and the
+/// three result images of the residual-absorption analysis.
+///
+/// One spectrum is with the fitter at a time; of those that come meanwhile only the newest is kept.
+class Analyzer : public QFrame {
+    Q_OBJECT
+
+  public:
+    explicit Analyzer(QWidget* parent = nullptr);
+    ~Analyzer() override;
+
+    const QVector<LCFReference*>& references() const { return m_references; }
+    const AnalyzeProc* worker() const { return m_worker.get(); }
+    XafsView* view() const { return m_view.get(); }
+
+    /// A two-dimensional analysis runs.
+    bool isBusy() const { return m_busy; }
+    /// Number of fits that have been handed over and not reported yet.
+    int fitsOut() const { return m_fitsOut; }
+
+    bool dispOnTime() const;
+    double raEnergy() const;
+    double raFactor() const;
+
+    /// Kinds of result image a reference has: DMut (0) and Ratio (1).
+    int imageKinds() const;
+    /// The kind shown: 1 when "Ratio" is checked, else 0.
+    int imageType() const;
+    /// 0 or 1; other values change nothing.
+    void setImageType(int type);
+
+    /// The image that the choice buttons name; null without a choice, or for a residual-absorption
+    /// image that has not been made yet.
+    Analyzed2DRes* selectedResult() const;
+    Analyzed2DRes* raDmut() const { return m_raDmut.get(); }
+    Analyzed2DRes* raRest() const { return m_raRest.get(); }
+    Analyzed2DRes* raRatio() const { return m_raRatio.get(); }
+
+    /// Puts the scale fields and the choice of a fixed scale into the images.
+    void applyScales();
+    /// The scale field of the image type shown.
+    void setScaleMax(double value);
+    void setScaleMin(double value);
+
+  signals:
+    void askAnalyze();
+    void askRAAnalyze();
+    void analyzeSpectrum0(XafsSpectrum sample, QVector<LCFReference*> lcfrs0, XafsSpectrum* fitted,
+                          bool isMLCF);
+    void changedSelection();
+    void finished();
+
+  public slots:
+    void addNewRef();
+    void analyzeSpectrumFinished();
+    void selectedNewRef(int id);
+    void scalePolicyChanged(bool on);
+    void scaleChanged();
+    void selectedImgChanged(bool on);
+    void show();
+    void setContAccess(bool on);
+    void setLCFMode(int mode);
+    void analyzeAndShowSpectrum(XafsSpectrum spectrum);
+    void analyzeSpectrum(XafsSpectrum spectrum);
+    void reAnalyzeSpectrum();
+    void setProgress(double perCent);
+    /// An index outside the list does nothing.
+    void setLCFStd(int index, const QString& file, double deltaE, const QString& isVic);
+    void setLCFStd(int index, bool use, const QString& file, double deltaE, const QString& isVic);
+    void selectImage(int id);
+    void setRaEnergy(double energy);
+    void setRaFactor(double factor);
+    void setFixedScale(bool on);
+    void setDMutScaleMax(double value);
+    void setDMutScaleMin(double value);
+    void setRatioScaleMax(double value);
+    void setRatioScaleMin(double value);
+
+  private:
+    void connectControls();
+    void startWorker();
+    void handOver(const XafsSpectrum& spectrum);
+    void showReferences();
+
+    std::unique_ptr<Ui::Analyzer> m_ui;
+    QVector<LCFReference*> m_references;
+    QButtonGroup* m_choice;
+    std::unique_ptr<XafsView> m_view;
+    std::unique_ptr<AnalyzeProc> m_worker;
+    QThread m_thread;
+
+    bool m_busy = false;
+    int m_fitsOut = 0;
+    XafsSpectrum m_sample;
+    XafsSpectrum m_fitted;  // written by the fitter; copied when it reports
+    std::optional<XafsSpectrum> m_waiting;
+
+    std::unique_ptr<Analyzed2DRes> m_raDmut;
+    std::unique_ptr<Analyzed2DRes> m_raRest;
+    std::unique_ptr<Analyzed2DRes> m_raRatio;
+};

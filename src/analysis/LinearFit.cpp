@@ -1,0 +1,136 @@
+#include "analysis/LinearFit.h"
+
+#include <QDebug>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+LinearFit::LinearFit(QVector<XafsSpectrum> references, Method method)
+    : m_references(std::move(references)), m_method(method) {}
+
+double LinearFit::seriesAt(const XafsSpectrum& reference, const Spectrum& series, double e) const {
+    const double shifted = reference.shiftOn() ? e + reference.shift() : e;
+    if (std::isnan(shifted)) {
+        qDebug() << "nan EeV in XafsSpectrum::doubleNormalizedPreBase";
+    }
+    return series.valueAt(series.shiftOn() ? shifted + series.shift() : shifted);
+}
+
+void LinearFit::prepare(const XafsSpectrum& sample) {
+    const std::size_t size = static_cast<std::size_t>(sample.size());
+    bool same = m_allEnergies.size() == size && !m_allEnergies.empty();
+    m_allEnergies.resize(size);
+    for (std::size_t k = 0; k < size; ++k) {
+        const double e = sample.correctedEnergy(static_cast<int>(k));
+        same = same && e == m_allEnergies[k];
+        m_allEnergies[k] = e;
+    }
+    if (same) {
+        return;
+    }
+
+    m_curveValid = false;
+    double from = 0.0;
+    double to = 1e100;
+    for (const XafsSpectrum& s : std::as_const(m_references)) {
+        from = std::max(from, s.energy(0));
+        to = std::min(to, s.energy(s.size() - 1));
+    }
+    m_energies.clear();
+    m_points.clear();
+    m_preBase.clear();
+    m_basis.clear();
+    for (std::size_t k = 0; k < size; ++k) {
+        const double e = m_allEnergies[k];
+        if (e < from || e > to) {
+            continue;
+        }
+        m_energies.push_back(e);
+        m_points.push_back(static_cast<int>(k));
+        if (m_method == Mlcf) {
+            m_basis.push_back(1.0);
+            m_basis.push_back(e);
+        }
+        for (const XafsSpectrum& s : std::as_const(m_references)) {
+            const double preBase = seriesAt(s, s.doubleNormalizedPreBase(), e);
+            m_preBase.push_back(preBase);
+            m_basis.push_back(m_method == Mlcf ? seriesAt(s, s.normalized(), e) : preBase);
+        }
+    }
+
+    const std::size_t n =
+        static_cast<std::size_t>(m_references.size()) + (m_method == Mlcf ? 2 : 0);
+    std::vector<double> normal(n * n, 0.0);
+    for (const double* f = m_basis.data(); f != m_basis.data() + m_energies.size() * n; f += n) {
+        for (std::size_t i = 0; i < n; ++i) {
+            for (std::size_t j = 0; j < n; ++j) {
+                normal[i * n + j] += f[i] * f[j];
+            }
+        }
+    }
+    m_decomposition.decompose(normal.data(), static_cast<int>(n));
+}
+
+void LinearFit::fit(const XafsSpectrum& sample) {
+    m_ratios.clear();
+    m_dMuts.clear();
+    if (m_curveType != sample.backgroundType()) {
+        m_curveType = sample.backgroundType();
+        m_curveValid = false;
+    }
+    prepare(sample);
+
+    const std::size_t n = static_cast<std::size_t>(m_decomposition.size());
+    std::vector<double> right(n, 0.0);
+    const Spectrum& normalised = sample.doubleNormalizedPreBase();
+    const double* f = m_basis.data();
+    for (int k : m_points) {
+        const double y = m_method == Mlcf        ? sample.value(k)
+                         : k < normalised.size() ? normalised.value(k)
+                                                 : 0.0;
+        for (std::size_t i = 0; i < n; ++i) {
+            right[i] += f[i] * y;
+        }
+        f += n;
+    }
+    m_decomposition.solve(right.data(), right.data());
+
+    if (m_method == Lcf) {
+        const double jump = std::fmax(0.0, sample.dMut());
+        for (double c : right) {
+            m_ratios.push_back(c);
+            m_dMuts.push_back(c * jump);
+        }
+        return;
+    }
+    double sum = 0.0;
+    for (std::size_t i = 2; i < n; ++i) {
+        sum += right[i];
+        m_dMuts.push_back(right[i] < 0.0 ? 0.0 : right[i]);
+    }
+    const double divisor = std::fmax(0.0, sum);
+    for (double c : m_dMuts) {
+        m_ratios.push_back(c / divisor);
+    }
+}
+
+const XafsSpectrum& LinearFit::fittedCurve(const std::vector<double>& shares) {
+    if (m_curveValid && shares == m_curveShares) {
+        return m_curve;
+    }
+    Spectrum points;
+    points.assignWith(static_cast<int>(m_energies.size()), [&](Spoint* out) {
+        for (std::size_t k = 0; k < m_energies.size(); ++k) {
+            const double* f = row(m_preBase, k);
+            double value = 0.0;
+            for (std::size_t i = 0; i < shares.size(); ++i) {
+                value += f[i] * shares[i];
+            }
+            out[k] = {m_energies[k], value};
+        }
+    });
+    m_curve = XafsSpectrum(points, m_curveType, 0.0);
+    m_curveShares = shares;
+    m_curveValid = true;
+    return m_curve;
+}

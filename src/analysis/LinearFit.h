@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QVector>
+#include <vector>
+
+#include "spectra/LinearSolver.h"
+#include "spectra/XafsSpectrum.h"
+
+/// Fits spectra as linear combinations of references, by least squares over the energies that all
+/// references cover (both ends included).
+///
+/// LCF: double-normalized-pre-base of the sample = sum of c_i times that of reference i.
+/// MLCF: mu-t of the sample = c + d E + sum of c_i times the normalized series of reference i.
+///
+/// What depends on the references and the energies alone (the reference values at the sample's
+/// energies, the normal matrix, its decomposition) is kept from fit to fit while these stay the
+/// same; the results are the same to the last bit as without.
+class LinearFit {
+  public:
+    enum Method { Lcf, Mlcf };
+
+    /// The references; the shift of each, when on, is its energy offset (eV).
+    LinearFit(QVector<XafsSpectrum> references, Method method);
+
+    /// Fits the sample; its energies count less its shift (when on) and energy correction. A
+    /// sample wholly outside the common range gives coefficients of 0.
+    void fit(const XafsSpectrum& sample);
+
+    /// Share of each reference. LCF: its coefficient; MLCF: its coefficient, negative ones taken
+    /// as 0, over the sum of all as solved (no number where that sum is not above 0).
+    const std::vector<double>& ratios() const { return m_ratios; }
+    /// Edge jump due to each reference. LCF: coefficient times the sample's edge jump (at least
+    /// 0); MLCF: the coefficient, negative ones taken as 0.
+    const std::vector<double>& dMuts() const { return m_dMuts; }
+
+    /// Sum of the references' double-normalized-pre-base values times the given shares, at the
+    /// energies of the last fit, normalised with the sample's background type.
+    const XafsSpectrum& fittedCurve(const std::vector<double>& shares);
+
+  private:
+    void prepare(const XafsSpectrum& sample);
+    double seriesAt(const XafsSpectrum& reference, const Spectrum& series, double e) const;
+    const double* row(const std::vector<double>& table, std::size_t point) const {
+        return table.data() + point * static_cast<std::size_t>(m_references.size());
+    }
+
+    QVector<XafsSpectrum> m_references;
+    Method m_method;
+
+    // Of the energies of the last sample.
+    std::vector<double> m_allEnergies;  // of every point
+    std::vector<double> m_energies;     // of the points in range
+    std::vector<int> m_points;          // their indices
+    std::vector<double> m_preBase;      // double-normalized-pre-base, point by point
+    std::vector<double> m_basis;        // the rows of the fit, point by point
+    LuDecomposition m_decomposition;
+
+    std::vector<double> m_ratios;
+    std::vector<double> m_dMuts;
+
+    std::vector<double> m_curveShares;
+    int m_curveType = -1;
+    bool m_curveValid = false;
+    XafsSpectrum m_curve;
+};
