@@ -1,0 +1,152 @@
+#include "imagedata/AbsorptionSource.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+#include "imagedata/FrameSet.h"
+
+namespace {
+
+int clipped(int half, int size) {
+    return static_cast<int>(std::min<qint64>(std::abs(static_cast<qint64>(half)), size));
+}
+
+double muT(double s0, double s1) {
+    return s0 * s1 > 0.0 ? std::log(s0 / s1) : 1.0;
+}
+
+}  // namespace
+
+AbsorptionSource::AbsorptionSource(const FrameSet& i1, const FrameSet& i0, int width, int height)
+    : m_i1(i1), m_i0(i0), m_width(width), m_height(height) {
+    for (int i = 0; i < i1.size(); ++i) {
+        const double e = i1.at(i)->energy;
+        m_energies.push_back(e);
+        if (i0.size() >= 2) {
+            const int first = bracketOf(i0, e);
+            const double e0 = i0.at(first)->energy;
+            m_brackets.push_back({first, e - e0, i0.at(first + 1)->energy - e0});
+        }
+    }
+}
+
+double AbsorptionSource::interpolated(const Bracket& bracket, double y0, double y1) const {
+    // lerp() with the differences taken beforehand; e1 - e0 is 0 exactly when they are equal.
+    return bracket.span == 0.0 ? 0.5 * (y0 + y1)
+                               : bracket.fromFirst * ((y1 - y0) / bracket.span) + y0;
+}
+
+Spectrum AbsorptionSource::spectrumAt(int x, int y, int halfWidth, int halfHeight) const {
+    Spectrum spectrum;
+    if (!isInside(x, y)) {
+        return spectrum;
+    }
+    const auto boxSum = [&](const FrameSet& set, int frame) {
+        return set.at(frame)->boxSum(x, y, halfWidth, halfHeight);
+    };
+    // Neighbouring I1 energies share their I0 frames: each is summed once.
+    std::vector<double> i0Sums(static_cast<std::size_t>(m_i0.size()));
+    for (int i = 0; i < m_i0.size(); ++i) {
+        i0Sums[static_cast<std::size_t>(i)] = boxSum(m_i0, i);
+    }
+    spectrum.assignWith(energyCount(), [&](Spoint* points) {
+        for (std::size_t i = 0; i < m_energies.size(); ++i) {
+            const double s1 = boxSum(m_i1, static_cast<int>(i));
+            double s0 = 1.0;
+            if (!m_brackets.empty()) {
+                const std::size_t first = static_cast<std::size_t>(m_brackets[i].first);
+                s0 = interpolated(m_brackets[i], i0Sums[first], i0Sums[first + 1]);
+            } else if (!i0Sums.empty()) {
+                s0 = i0Sums[0];
+            }
+            points[i] = {m_energies[i], muT(s0, s1)};
+        }
+    });
+    return spectrum;
+}
+
+BlockRowSpectra::BlockRowSpectra(const AbsorptionSource& source, int firstX, int stepX, int endX,
+                                 int halfWidth, int halfHeight)
+    : m_source(source),
+      m_firstX(firstX),
+      m_stepX(std::max(1, stepX)),
+      m_count(0),
+      m_halfWidth(clipped(halfWidth, source.m_width)),
+      m_halfHeight(clipped(halfHeight, source.m_height)) {
+    const int end = std::min(endX, source.m_width);
+    if (firstX >= 0 && firstX < end) {
+        m_count = (end - 1 - firstX) / m_stepX + 1;
+    }
+}
+
+Spectrum BlockRowSpectra::at(int x, int y) {
+    const int block = x >= m_firstX ? (x - m_firstX) / m_stepX : m_count;
+    if (block >= m_count || (x - m_firstX) % m_stepX != 0 || !m_source.isInside(x, y)) {
+        return m_source.spectrumAt(x, y, m_halfWidth, m_halfHeight);
+    }
+    if (y != m_row) {
+        formRow(y);
+    }
+    Spectrum spectrum;
+    const std::size_t n = m_source.m_energies.size();
+    spectrum.assign(m_source.m_energies.data(),
+                    m_values.data() + static_cast<std::size_t>(block) * n, static_cast<int>(n));
+    return spectrum;
+}
+
+void BlockRowSpectra::sumBlocks(const TiffData& frame, int y, double* sums) {
+    const qint64 top = std::max<qint64>(0, static_cast<qint64>(y) - m_halfHeight);
+    const qint64 bottom = std::min<qint64>(static_cast<qint64>(frame.rows.size()) - 1,
+                                           static_cast<qint64>(y) + m_halfHeight);
+    const std::size_t width = frame.width;
+    // Whole numbers: the order of summing does not change the result.
+    m_columns.assign(width, 0);
+    for (qint64 r = top; r <= bottom; ++r) {
+        const quint16* row = frame.rows[static_cast<std::size_t>(r)];
+        for (std::size_t c = 0; c < width; ++c) {
+            m_columns[c] += row[c];
+        }
+    }
+    for (int block = 0; block < m_count; ++block) {
+        const qint64 x = m_firstX + static_cast<qint64>(block) * m_stepX;
+        const qint64 left = std::max<qint64>(0, x - m_halfWidth);
+        const qint64 right = std::min<qint64>(static_cast<qint64>(width) - 1, x + m_halfWidth);
+        quint64 sum = 0;
+        for (qint64 c = left; c <= right; ++c) {
+            sum += m_columns[static_cast<std::size_t>(c)];
+        }
+        sums[block] = static_cast<double>(sum);
+    }
+}
+
+void BlockRowSpectra::formRow(int y) {
+    m_row = y;
+    const std::size_t blocks = static_cast<std::size_t>(m_count);
+    const std::size_t energies = m_source.m_energies.size();
+    const std::size_t i0Frames = static_cast<std::size_t>(m_source.m_i0.size());
+    m_i0Sums.resize(blocks * i0Frames);
+    m_i1Sums.resize(blocks);
+    m_values.resize(blocks * energies);
+    for (std::size_t i = 0; i < i0Frames; ++i) {
+        sumBlocks(*m_source.m_i0.at(static_cast<int>(i)), y, &m_i0Sums[i * blocks]);
+    }
+    for (std::size_t e = 0; e < energies; ++e) {
+        sumBlocks(*m_source.m_i1.at(static_cast<int>(e)), y, m_i1Sums.data());
+        const double* before = nullptr;
+        const double* after = nullptr;
+        if (!m_source.m_brackets.empty()) {
+            before = &m_i0Sums[static_cast<std::size_t>(m_source.m_brackets[e].first) * blocks];
+            after = before + blocks;
+        }
+        for (std::size_t block = 0; block < blocks; ++block) {
+            double s0 = 1.0;
+            if (before != nullptr) {
+                s0 = m_source.interpolated(m_source.m_brackets[e], before[block], after[block]);
+            } else if (i0Frames == 1) {
+                s0 = m_i0Sums[block];
+            }
+            m_values[block * energies + e] = muT(s0, m_i1Sums[block]);
+        }
+    }
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <vector>
+
+#include "spectra/Spectrum.h"
+
+class FrameSet;
+struct TiffData;
+
+/// Turns the I1 and I0 stacks into absorption spectra: at every I1 energy the value
+/// mu-t = ln(s0 / s1) of the box sums at a position, I0 interpolated to the energy; 1.0 where the
+/// product of the sums is not above 0.
+///
+/// Holds which I0 frames lie around each I1 energy: valid until either stack changes.
+class AbsorptionSource {
+  public:
+    /// Frames count as images of width x height pixels (those of the first I1 frame).
+    AbsorptionSource(const FrameSet& i1, const FrameSet& i0, int width, int height);
+
+    int energyCount() const { return static_cast<int>(m_energies.size()); }
+    const std::vector<double>& energies() const { return m_energies; }
+
+    /// One point an I1 frame, in their order; empty outside the image or without frames.
+    Spectrum spectrumAt(int x, int y, int halfWidth, int halfHeight) const;
+
+  private:
+    friend class BlockRowSpectra;
+
+    /// Where an I1 energy lies among the I0 frames.
+    struct Bracket {
+        int first = 0;
+        double fromFirst = 0.0;  // energy less that of the first frame
+        double span = 0.0;       // energy between both frames
+    };
+
+    bool isInside(int x, int y) const { return x >= 0 && y >= 0 && x < m_width && y < m_height; }
+    double interpolated(const Bracket& bracket, double y0, double y1) const;
+
+    const FrameSet& m_i1;
+    const FrameSet& m_i0;
+    int m_width;
+    int m_height;
+    std::vector<double> m_energies;
+    std::vector<Bracket> m_brackets;  // one an I1 frame, when there are two or more I0 frames
+};
+
+/// The spectra of a raster of positions, formed a whole row of blocks at a time: every frame's rows
+/// are read once, in order, instead of once a position. The same numbers as spectrumAt().
+class BlockRowSpectra {
+  public:
+    /// Positions firstX, firstX + stepX, ... below endX.
+    BlockRowSpectra(const AbsorptionSource& source, int firstX, int stepX, int endX, int halfWidth,
+                    int halfHeight);
+
+    /// Spectrum at a position. Forms its row when that is not the one held; a position off the
+    /// raster is formed on its own.
+    Spectrum at(int x, int y);
+
+  private:
+    void formRow(int y);
+    void sumBlocks(const TiffData& frame, int y, double* sums);
+
+    const AbsorptionSource& m_source;
+    int m_firstX;
+    int m_stepX;
+    int m_count;
+    int m_halfWidth;
+    int m_halfHeight;
+    int m_row = -1;
+    std::vector<double> m_values;    // energies of block 0, of block 1, ...
+    std::vector<quint64> m_columns;  // column sums of the frame being summed
+    std::vector<double> m_i0Sums;    // block sums of every I0 frame
+    std::vector<double> m_i1Sums;
+};

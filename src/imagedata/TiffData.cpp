@@ -1,0 +1,137 @@
+#include "imagedata/TiffData.h"
+
+#include <QFile>
+#include <QImage>
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "app/DebugLog.h"
+#include "app/Globals.h"
+#include "imagedata/RowMemory.h"
+
+TiffData::TiffData(int pictureFormat) : format(pictureFormat) {}
+
+TiffData::~TiffData() {
+    clearRows();
+    dropPicture();
+}
+
+bool TiffData::load(const QString& name) {
+    loaded = false;
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly)) {
+        debugFile("Can not open (1)", name);
+        return false;
+    }
+    char mark[2];
+    if (file.read(mark, 2) < 2) {
+        debugFile("Error on reading file (1)", name);
+        return false;
+    }
+    file.close();
+    const QByteArray kind(mark, 2);
+    if (kind == "II" || kind == "MM") {
+        loaded = readTiff(name);
+    } else if (kind == "IM") {
+        loaded = readImg(name);
+    }
+    return loaded;
+}
+
+void TiffData::clearRows() {
+    for (quint16* row : rows) {
+        freeRow(row);
+    }
+    rows.clear();
+}
+
+quint16* TiffData::appendRow(std::size_t bytes) {
+    auto* row = static_cast<quint16*>(allocateRow(bytes));
+    if (row != nullptr) {
+        std::memset(row, 0, bytes);
+        rows.push_back(row);
+    }
+    return row;
+}
+
+void TiffData::foldIn(const quint16* row) {
+    quint16 low = 0xFFFF;
+    quint16 high = 0;
+    for (quint32 x = 0; x < width; ++x) {
+        low = std::min(low, row[x]);
+        high = std::max(high, row[x]);
+    }
+    if (width > 0) {
+        min = std::min<quint32>(min, low);
+        max = std::max<quint32>(max, high);
+    }
+}
+
+void TiffData::dropPicture() {
+    delete image;
+    image = nullptr;
+    delete[] pixels;
+    pixels = nullptr;
+}
+
+void TiffData::makeImage() {
+    dropPicture();
+    const std::size_t bytesPerPixel = format == QImage::Format_RGB888 ? 3 : 1;
+    const std::size_t count = static_cast<std::size_t>(width) * height;
+    if (count == 0) {
+        return;
+    }
+    pixels = new (std::nothrow) uchar[count * bytesPerPixel]();
+    if (pixels == nullptr) {
+        return;
+    }
+    // One entry a count value that occurs, looked up once: the same pixels as one look-up each.
+    const double low = static_cast<double>(min);
+    const double span = static_cast<double>(max) - low;
+    const auto pictureOf = [&](quint32 c) {
+        const double v = (static_cast<double>(c) - low) / span;
+        return bytesPerPixel == 3 ? colorOf(v) : greyOf(v);
+    };
+    std::vector<uchar> table;
+    if (max >= min && count > max - min) {
+        table.resize((static_cast<std::size_t>(max - min) + 1) * bytesPerPixel);
+        for (quint32 c = min; c <= max; ++c) {
+            std::memcpy(&table[(c - min) * bytesPerPixel], pictureOf(c), bytesPerPixel);
+        }
+    }
+    uchar* out = pixels;
+    for (const quint16* row : rows) {
+        for (quint32 x = 0; x < width; ++x, out += bytesPerPixel) {
+            const uchar* in =
+                table.empty() ? pictureOf(row[x]) : &table[(row[x] - min) * bytesPerPixel];
+            if (bytesPerPixel == 1) {
+                *out = *in;
+            } else {
+                std::memcpy(out, in, 3);
+            }
+        }
+    }
+    image =
+        new QImage(pixels, static_cast<int>(width), static_cast<int>(height),
+                   static_cast<int>(width * bytesPerPixel), static_cast<QImage::Format>(format));
+}
+
+double TiffData::boxSum(int x, int y, int halfWidth, int halfHeight) const {
+    const qint64 hw = std::abs(static_cast<qint64>(halfWidth));
+    const qint64 hh = std::abs(static_cast<qint64>(halfHeight));
+    const qint64 left = std::max<qint64>(0, x - hw);
+    const qint64 right = std::min<qint64>(static_cast<qint64>(width) - 1, x + hw);
+    const qint64 top = std::max<qint64>(0, y - hh);
+    const qint64 bottom = std::min<qint64>(static_cast<qint64>(rows.size()) - 1, y + hh);
+    // Whole numbers below 2^53: the sum is the same in any order, and in a double.
+    quint64 sum = 0;
+    for (qint64 r = top; r <= bottom; ++r) {
+        const quint16* row = rows[static_cast<std::size_t>(r)];
+        for (qint64 c = left; c <= right; ++c) {
+            sum += row[c];
+        }
+    }
+    return static_cast<double>(sum);
+}

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QMetaType>
+#include <QString>
+#include <vector>
+
+class QImage;
+
+/// One detector frame: unsigned 16-bit counts, where they came from, and a ready-made picture.
+///
+/// Created empty, filled once by one reader, then only read. Counts are rows[y][x] with x = 0 ..
+/// width - 1; `rows` may be shorter than `height` when reading failed half-way.
+struct TiffData {
+    explicit TiffData(int pictureFormat = 24);
+    ~TiffData();
+    TiffData(const TiffData&) = delete;
+    TiffData& operator=(const TiffData&) = delete;
+
+    int format;               ///< QImage format of the picture: 13 = RGB888, 24 = Grayscale8
+    QString fileName;         ///< set after a successful open
+    quint32 width = 0;        ///< pixels a row
+    quint32 height = 0;       ///< rows
+    qint32 scanlineSize = 0;  ///< bytes a row as the TIFF library reports it
+    quint32 min = 0xFFFFFFFFu;
+    quint32 max = 0;
+    std::vector<quint16*> rows;  ///< owned
+    double energy = 0.0;         ///< eV, from the file's name
+    uchar* pixels = nullptr;     ///< the picture's memory, owned
+    QImage* image = nullptr;     ///< over `pixels`, owned
+    bool loaded = false;         ///< the last load() succeeded
+
+    /// Reads any supported image file, told by its first two bytes. A failure gives one debug line
+    /// (none for a kind that is not known) and false.
+    bool load(const QString& name);
+
+    /// Reads the header of an IMG file: fills width and height, returns the offset of the pixels
+    /// or 0. Refuses every file at present: see ImgFile.cpp.
+    int readImgHeader(const QString& name);
+    bool readImg(const QString& name);
+
+    /// Reads a TIFF file as one sample of 16 bits a pixel, whatever its tags say. What a damaged
+    /// file does not hold reads as 0; frames above maxPixels are refused.
+    bool readTiff(const QString& name);
+
+    /// Rebuilds the picture: (count - min) / (max - min) through the grey table or the colour map.
+    void makeImage();
+
+    /// Frees every row.
+    void clearRows();
+
+    /// Plain sum of the counts over (2|halfWidth| + 1) x (2|halfHeight| + 1) pixels around (x, y);
+    /// pixels outside the frame count 0.
+    double boxSum(int x, int y, int halfWidth, int halfHeight) const;
+
+    /// A row of `bytes` bytes set to 0, appended to rows; null when memory runs out.
+    quint16* appendRow(std::size_t bytes);
+    /// Widens min and max with the first `width` counts of a row.
+    void foldIn(const quint16* row);
+
+    /// Frames larger than this are taken for damaged headers.
+    static constexpr quint64 maxPixels = quint64(1) << 28;
+
+  private:
+    void dropPicture();
+};
+
+Q_DECLARE_METATYPE(TiffData*)

@@ -1,0 +1,168 @@
+#include "imagedata/TiffFile.h"
+
+#include <tiffio.h>
+
+#include <QFile>
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "imagedata/RowMemory.h"
+#include "imagedata/TiffData.h"
+
+namespace {
+
+struct CloseTiff {
+    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+};
+using TiffHandle = std::unique_ptr<TIFF, CloseTiff>;
+
+/// Names are handed over as Latin-1; one that Latin-1 cannot hold, in the system's own encoding.
+QByteArray pathOf(const QString& name) {
+    const QByteArray latin = name.toLatin1();
+    return QString::fromLatin1(latin) == name ? latin : QFile::encodeName(name);
+}
+
+TiffHandle openTiff(const QString& name, const char* mode) {
+    return TiffHandle(TIFFOpen(pathOf(name).constData(), mode));
+}
+
+bool setTags(TIFF* tiff, quint32 width, int height) {
+    return TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, width) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 16) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) == 1;
+}
+
+bool writeStrips(TIFF* tiff, int height, const quint16* data, quint64 dataCount) {
+    uint32_t rowsPerStrip = 0;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
+    if (rowsPerStrip == 0) {
+        return false;
+    }
+    const quint64 rowCount = static_cast<quint64>(height);
+    const quint64 dataBytes = dataCount * sizeof(quint16);
+    const auto* bytes = reinterpret_cast<const char*>(data);
+    std::vector<char> strip;
+    quint64 place = 0;
+    uint32_t s = 0;
+    for (quint64 r = 0; r < rowCount; r += rowsPerStrip, ++s) {
+        const quint64 n = std::min<quint64>(rowsPerStrip, rowCount - r);
+        const tmsize_t size = TIFFVStripSize(tiff, static_cast<uint32_t>(n));
+        strip.assign(static_cast<std::size_t>(size), 0);
+        if (place < dataBytes) {
+            std::memcpy(strip.data(), bytes + place,
+                        std::min<quint64>(static_cast<quint64>(size), dataBytes - place));
+        }
+        if (TIFFWriteEncodedStrip(tiff, s, strip.data(), size) < 0) {
+            return false;
+        }
+        place += 2 * static_cast<quint64>(size);
+    }
+    return true;
+}
+
+/// Puts the finished file in the place of the old one.
+bool replace(const QString& part, const QString& name) {
+    // Over an existing file in one step, which QFile::rename would refuse.
+    return std::rename(pathOf(part).constData(), pathOf(name).constData()) == 0;
+}
+
+/// Writes beside the file and then takes its place, so that a failure leaves the old one whole.
+bool writeFile(const QString& name, quint32 width, int height, const quint16* data,
+               quint64 dataCount) {
+    const QString part = name + QStringLiteral(".part");
+    TiffHandle tiff = openTiff(part, "w");
+    if (!tiff) {
+        return false;
+    }
+    const bool written =
+        setTags(tiff.get(), width, height) && writeStrips(tiff.get(), height, data, dataCount);
+    tiff.reset();
+    const bool withoutPixels = width == 0 || height <= 0;
+    if ((written || withoutPixels) && replace(part, name)) {
+        return written;
+    }
+    std::remove(pathOf(part).constData());
+    return false;
+}
+
+}  // namespace
+
+void* allocateRow(std::size_t bytes) {
+    return _TIFFmalloc(static_cast<tmsize_t>(bytes));
+}
+
+void freeRow(void* row) {
+    _TIFFfree(row);
+}
+
+void silenceTiffMessages() {
+    TIFFSetWarningHandler(nullptr);
+    TIFFSetErrorHandler(nullptr);
+}
+
+bool TiffData::readTiff(const QString& name) {
+    const TiffHandle tiff = openTiff(name, "r");
+    if (!tiff) {
+        return false;
+    }
+    clearRows();
+    fileName = name;
+    min = 0xFFFFFFFFu;
+    max = 0;
+    width = 0;
+    height = 0;
+    TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height);
+    TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width);
+    const tmsize_t lineBytes = TIFFScanlineSize(tiff.get());
+    if (height > 0 && (lineBytes <= 0 || lineBytes > 0x7FFFFFFF ||
+                       static_cast<quint64>(width) * height > maxPixels ||
+                       static_cast<quint64>(lineBytes) * height > 8 * maxPixels)) {
+        return false;
+    }
+    scanlineSize = static_cast<qint32>(lineBytes);
+    const std::size_t rowBytes =
+        std::max(static_cast<std::size_t>(lineBytes), static_cast<std::size_t>(width) * 2);
+    rows.reserve(height);
+    for (quint32 y = 0; y < height; ++y) {
+        quint16* row = appendRow(rowBytes);
+        if (row == nullptr) {
+            clearRows();
+            return false;
+        }
+        TIFFReadScanline(tiff.get(), row, y, 0);
+        foldIn(row);
+    }
+    makeImage();
+    return true;
+}
+
+bool writeTiff(const QString& name, quint32 width, int height, const quint16* data) {
+    return writeFile(name, width, height, data, static_cast<quint64>(std::max(0, height)) * width);
+}
+
+bool writeConstTiff(const QString& name, quint32 width, quint32 height, quint16 value) {
+    // Long enough for the doubled step between strips, so that tall frames are right as well.
+    const quint64 count = 2 * static_cast<quint64>(width) * height;
+    if (count > 2 * TiffData::maxPixels) {
+        return false;
+    }
+    const std::vector<quint16> values(static_cast<std::size_t>(count), value);
+    return writeFile(name, width, static_cast<int>(height), values.data(), count);
+}
+
+bool writeOnesTiff(const QString& name, quint32 width, quint32 height) {
+    return writeConstTiff(name, width, height, 1);
+}
+
+bool writeZerosTiff(const QString& name, quint32 width, quint32 height) {
+    return writeConstTiff(name, width, height, 0);
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+/// Writes width x height 16-bit values, row after row, as an uncompressed single-channel TIFF.
+///
+/// Rows per strip is the image's width, and after each strip the place in the data moves on by
+/// twice the strip's bytes. Both are kept as they are: an image at least as wide as it is high is
+/// one strip and comes out right; the strips of a taller one are taken from twice as far apart,
+/// with zeros for what lies beyond the data.
+///
+/// The file appears whole or not at all; false on failure. A width or height of 0 is a failure
+/// after which the file exists all the same, without pixels.
+bool writeTiff(const QString& name, quint32 width, int height, const quint16* data);
+
+/// A frame whose every pixel holds the value, also when taller than wide.
+bool writeConstTiff(const QString& name, quint32 width, quint32 height, quint16 value);
+bool writeOnesTiff(const QString& name, quint32 width, quint32 height);
+bool writeZerosTiff(const QString& name, quint32 width, quint32 height);
+
+/// Keeps libtiff from printing to standard error. The handlers are global: call it once, early.
+void silenceTiffMessages();
