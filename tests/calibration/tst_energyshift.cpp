@@ -157,7 +157,7 @@ class TestEnergyShift : public QObject {
         smoothShiftMap(&map);
         smoothShiftMap(nullptr);
         QVERIFY(debug.all().isEmpty());
-        QVERIFY(!map.data());
+        QVERIFY(!map.hasData());
     }
 
     void smoothingReplacesGlitchesForGood() {
@@ -186,7 +186,7 @@ class TestEnergyShift : public QObject {
         QCOMPARE(shiftAt(&map, 1, 1), 0.0);
         QCOMPARE(map.grid().width, 0);
         QCOMPARE(map.grid().stepX, 1);
-        QVERIFY(!map.data());
+        QVERIFY(!map.hasData());
         QVERIFY(map.dataMin() > map.dataMax());
     }
 };
