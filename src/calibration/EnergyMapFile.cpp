@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QDebug>
 #include <QFile>
+#include <QRectF>
 #include <QSaveFile>
 #include <QTextStream>
 #include <cmath>

@@ -37,16 +37,14 @@ void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid,
     bool newRow = true;
     do {
         if (newRow) {
-            const double span = double(at.y1) - at.y0;
-            const double percent = span > 0.0 ? (double(at.y) - at.y0) / span * 100.0 : 0.0;
-            qDebug() << "progress" << percent;
+            qDebug() << "progress" << at.percent();
             if (progress) {
-                progress(percent);
+                progress(at.percent());
             }
         }
         // An area narrower than its bin can put the centre beside the image, where there is no
         // spectrum; writing its block would spread nonsense over the border.
-        if (at.x >= 0 && at.x < at.width && at.y >= 0 && at.y < at.height) {
+        if (at.isInsideImage(at.x, at.y)) {
             const Spectrum spectrum = spectrumAt(at.x, at.y);
             map->setData(at.x, at.y, at.halfW, at.halfH, calibrationEdge(&spectrum) - standardEdge);
         }
@@ -62,7 +60,7 @@ void clearShiftMap(Analyzed2DRes* map) {
 }
 
 void smoothShiftMap(Analyzed2DRes* map) {
-    if (!map || !map->data()) {
+    if (!map || !map->hasData()) {
         return;
     }
     debugTimed(QStringLiteral("Start Normalize E Shift"));

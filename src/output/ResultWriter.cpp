@@ -26,7 +26,9 @@ bool saved(const QString& fileName) {
 
 /// Puts the new file in the place of the old one, unless any of it could not be written. commit()
 /// alone does not notice when what was left in the buffer fails.
-bool finish(QSaveFile& file) { return file.flush() && file.commit() && saved(file.fileName()); }
+bool finish(QSaveFile& file) {
+    return file.flush() && file.commit() && saved(file.fileName());
+}
 
 QByteArray headerText(QVector<HeaderLine> lines, const Analyzed2DRes& result) {
     const AnalysisGrid& grid = result.grid();
@@ -69,19 +71,18 @@ QByteArray headerText(QVector<HeaderLine> lines, const Analyzed2DRes& result) {
 struct Raster {
     qint64 first = 0;
     qint64 step = 1;
-    int count = 0;
+    qint64 count = 0;
 
-    int position(int i) const { return int(first + step * i); }
+    qint64 position(qint64 i) const { return first + step * i; }
 };
 
-QByteArray rowText(const Analyzed2DRes& result, int y, const Raster& columns,
+QByteArray rowText(const Analyzed2DRes& result, qint64 y, const Raster& columns,
                    const TableOptions& options) {
     const char separator = options.separator == TableOptions::Separator::Comma ? ',' : ' ';
     const bool points = options.layout == TableOptions::Layout::Points;
     QByteArray text;
-    text.reserve(columns.count * (points ? 24 : 14));
-    for (int i = 0; i < columns.count; ++i) {
-        const int x = columns.position(i);
+    for (qint64 i = 0; i < columns.count; ++i) {
+        const qint64 x = columns.position(i);
         if (points) {
             text += QByteArray::number(x) + separator + QByteArray::number(y) + separator;
         }
@@ -114,17 +115,14 @@ bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffO
         return false;
     }
     const AnalysisGrid& grid = result.grid();
-    const int width = options.asAnalyzed ? grid.columns() : grid.width;
-    const int height = options.asAnalyzed ? grid.rows() : grid.height;
-    if (width <= 0 || height <= 0 || qint64(width) * height != result.count()) {
-        return false;
-    }
-    return writeTiff(fileName, quint32(width), height, counts.get()) && saved(fileName);
+    const qint64 width = options.asAnalyzed ? grid.columns() : grid.width;
+    const qint64 height = options.asAnalyzed ? grid.rows() : grid.height;
+    return writeTiff(fileName, quint32(width), int(height), counts.get()) && saved(fileName);
 }
 
 bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
                       const TableOptions& options, const QVector<HeaderLine>& header) {
-    if (!(result.showsProc() ? result.proc() : result.data())) {
+    if (!result.hasData()) {
         return false;
     }
     const AnalysisGrid& grid = result.grid();
@@ -140,7 +138,7 @@ bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
         return false;
     }
     file.write(headerText(header, result));
-    for (int i = 0; i < rows.count; ++i) {
+    for (qint64 i = 0; i < rows.count; ++i) {
         file.write(rowText(result, rows.position(i), columns, options));
     }
     return finish(file);
