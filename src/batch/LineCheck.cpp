@@ -51,14 +51,6 @@ QString suggestion(const QString& word) {
     return best.isEmpty() ? QString() : QStringLiteral(" (did you mean %1?)").arg(best);
 }
 
-QString argNames(const CommandRow& row) {
-    QStringList names;
-    for (const ArgKind kind : row.args) {
-        names.append(argKindName(kind));
-    }
-    return names.join(QLatin1Char(' ')) + (row.repeats ? QStringLiteral(" ...") : QString());
-}
-
 /// What is wrong with the quotes of a line; empty if nothing.
 QString quoteProblem(const QString& line) {
     int i = 0;
@@ -169,8 +161,7 @@ class LineChecker {
         const CommandRow& row = commandTable()[static_cast<std::size_t>(line.command)];
         const int count = line.cmd.args.size();
         if (count < row.required) {
-            error(line.number, QStringLiteral("%1 needs more arguments: %2")
-                                   .arg(QString::fromLatin1(row.name), argNames(row)));
+            error(line.number, QStringLiteral("too few arguments: ") + commandSyntax(row));
         }
         checkSurplus(line, row.repeats ? count : static_cast<int>(row.args.size()));
     }

@@ -60,8 +60,8 @@ class TestBatchCheck : public QObject {
                  "E5 unknown command 'qwertyuiop'"};
         QTest::newRow("number of arguments")
             << L{"set_band_w", "move_position 3", "clear_I1_files now", "load_I1_files NEW"}
-            << L{"E1 set_band_w needs more arguments: n", "E2 move_position needs more",
-                 "W3 'now' is ignored", "E4 load_I1_files needs more arguments: mode file ..."};
+            << L{"E1 too few arguments: set_band_w n", "E2 too few arguments: move_position n n",
+                 "W3 'now' is ignored", "E4 too few arguments: load_I1_files mode file ..."};
         QTest::newRow("kinds of arguments") << L{"set_band_w 3.0",
                                                  "analyzer_set_ra_energy 7,1",
                                                  "analyzer_set_ra_factor nan",
