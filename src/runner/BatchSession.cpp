@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "app/Globals.h"
+#include "batch/CommandTables.h"
 #include "runner/Console.h"
 
 BatchSession::BatchSession(Console* console, BatchText text, std::function<int()> lineInWork,
@@ -23,6 +24,14 @@ void BatchSession::commandDone(const CmdLine& cmd, const QStringList& problems) 
         return;
     }
     m_console->clearBar();
+    const int control = controlId(cmd.command);
+    if (control == RemStartControl || control == RemEndControl) {
+        m_inRemark = control == RemStartControl;
+        return;
+    }
+    if (m_inRemark) {
+        return;
+    }
     if (problems.isEmpty()) {
         ++m_done;
         return;

@@ -11,8 +11,8 @@
 class Console;
 
 /// The record of one unattended batch: passes its log on, shows how far loads and analyses are,
-/// counts the lines that did their work and those that failed, and says the verdict at the end.
-/// It is fed by signals and knows neither the main window nor the interpreter.
+/// counts the lines, remarks aside, that did their work and those that failed, and says the verdict
+/// at the end. It is fed by signals and knows neither the main window nor the interpreter.
 class BatchSession : public QObject {
     Q_OBJECT
 
@@ -56,5 +56,6 @@ class BatchSession : public QObject {
     qint64 m_done = 0;
     qint64 m_failed = 0;
     QMap<int, Failure> m_failures;  // by line number
+    bool m_inRemark = false;
     bool m_finished = false;
 };

@@ -24,8 +24,10 @@ namespace {
 Console* debugConsole = nullptr;  // where debug lines go; null: nowhere
 
 void writeMessage(QtMsgType, const QMessageLogContext&, const QString& message) {
-    // Without a display no window can be sized or raised; that is no news.
-    if (debugConsole && !message.startsWith(QLatin1String("This plugin does not support"))) {
+    // What Qt says about a missing display or session is no news to an unattended program.
+    const bool isNews = !message.startsWith(QLatin1String("This plugin does not support")) &&
+                        !message.startsWith(QLatin1String("QStandardPaths: "));
+    if (debugConsole && isNews) {
         debugConsole->note(message);
     }
 }
@@ -41,6 +43,11 @@ void prepareEnvironment() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
+QString counted(int n, const QString& what) {
+    return QStringLiteral("%1 %2%3").arg(QString::number(n), what,
+                                         n == 1 ? QString() : QStringLiteral("s"));
+}
+
 int check(const QStringList& lines, const QString& file, Console& console) {
     debugConsole = nullptr;
     int errors = 0;
@@ -53,9 +60,9 @@ int check(const QStringList& lines, const QString& file, Console& console) {
                      finding.warning ? QStringLiteral("warning") : QStringLiteral("error"),
                      finding.text));
     }
-    console.logLine(
-        QStringLiteral("%1: %2 errors, %3 warnings")
-            .arg(file, QString::number(errors), QString::number(findings.size() - errors)));
+    console.logLine(QStringLiteral("%1: %2, %3")
+                        .arg(file, counted(errors, QStringLiteral("error")),
+                             counted(findings.size() - errors, QStringLiteral("warning"))));
     return errors == 0 ? BatchSession::AllDone : BatchSession::SomeFailed;
 }
 
@@ -110,10 +117,6 @@ int perform(const RunnerOptions& options, Console& console) {
 int main(int argc, char** argv) {
     prepareEnvironment();
     initGlobals();
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("tarnwick-batch"));
-    QApplication::setApplicationVersion(QStringLiteral(TARNWICK_VERSION));
-
     QFile out;
     QFile err;
     out.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered);
@@ -123,6 +126,10 @@ int main(int argc, char** argv) {
                     !plain && isatty(STDERR_FILENO) == 1);
     debugConsole = &console;
     qInstallMessageHandler(writeMessage);
+
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("tarnwick-batch"));
+    QApplication::setApplicationVersion(QStringLiteral(TARNWICK_VERSION));
     const int code = perform(RunnerOptions::parse(QApplication::arguments()), console);
     qInstallMessageHandler(nullptr);
     return code;

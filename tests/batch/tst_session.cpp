@@ -39,6 +39,8 @@ class TestSession : public QObject {
         QTest::newRow("all done") << L{"0 a", "2 b"} << "2 lines done, 0 failed" << 0;
         QTest::newRow("named by the line in the file where they start")
             << L{"0 a", "!2 b", "!3 c"} << "1 line done, 2 failed: line 3 (b), line 6 (c)" << 1;
+        QTest::newRow("remarks do not count")
+            << L{"0 :rem_start", "0 a", "0 :rem_end", "0 b"} << "1 line done, 0 failed" << 0;
         QTest::newRow("repeated in a loop") << L{"!0 a", "!0 a", "3 c", "!0 a"}
                                             << "1 line done, 3 failed: line 2 (a, 3 times)" << 1;
     }
