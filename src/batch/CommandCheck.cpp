@@ -2,50 +2,15 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QImageWriter>
 #include <algorithm>
 #include <cmath>
+
+#include "batch/FileProblems.h"
 
 namespace {
 
 QString absolute(const QString& name) {
     return QDir::cleanPath(QFileInfo(name).absoluteFilePath());
-}
-
-QString inputProblem(const QString& name) {
-    const QFileInfo info(name);
-    if (!info.exists()) {
-        return QStringLiteral("no such file: ") + name;
-    }
-    if (info.isDir()) {
-        return QStringLiteral("is a directory, not a file: ") + name;
-    }
-    return info.isReadable() ? QString() : QStringLiteral("file is not readable: ") + name;
-}
-
-QString outputProblem(const QString& name) {
-    const QFileInfo info(name);
-    if (info.isDir()) {
-        return QStringLiteral("is a directory, not a file: ") + name;
-    }
-    const QFileInfo dir(info.absolutePath());
-    if (!dir.isDir()) {
-        return QStringLiteral("no such directory to write to: ") + dir.filePath();
-    }
-    return dir.isWritable() ? QString()
-                            : QStringLiteral("directory is not writable: ") + dir.filePath();
-}
-
-QString listingProblem(const QString& dir, const QStringList& patterns) {
-    if (!QFileInfo(dir).isDir()) {
-        return QStringLiteral("no such directory: ") + dir;
-    }
-    if (!QDir(dir).entryList(patterns, QDir::Files).isEmpty()) {
-        return QString();
-    }
-    return patterns.isEmpty() ? QStringLiteral("no file in %1").arg(dir)
-                              : QStringLiteral("no file matches %1 in %2")
-                                    .arg(patterns.join(QLatin1Char(' ')), dir);
 }
 
 }  // namespace
@@ -67,18 +32,19 @@ void CommandCheck::check(int commandId, const CmdLine& cmd) {
         case LoadI1FilesOfPattern:
         case LoadI0FilesOfPattern:
             checkListing(cmd);
-            Q_FALLTHROUGH();
+            (commandId == LoadI1FilesOfPattern ? m_hasI1 : m_hasI0) = true;
+            break;
         case LoadI1Files:
         case LoadI0Files:
-            (commandId == LoadI1Files || commandId == LoadI1FilesOfPattern ? m_hasI1 : m_hasI0) =
-                true;
+            checkFrameNames(cmd.args.mid(1));
+            (commandId == LoadI1Files ? m_hasI1 : m_hasI0) = true;
             break;
         case SelectDispImage:
             checkRange(cmd, 0, 3);
             break;
         case SaveImage:
         case SaveAllImages:
-            checkPicture(cmd.arg(0));
+            error(pictureProblem(cmd.arg(0)));
             break;
         case SaveDataAsTiff:
             for (const char* suffix : {".tif", ".dat"}) {  // added where there is none
@@ -115,6 +81,18 @@ void CommandCheck::check(int commandId, const CmdLine& cmd) {
             break;
         default:
             break;
+    }
+}
+
+void CommandCheck::error(const QString& text) {
+    if (!text.isEmpty()) {
+        m_report(false, text);
+    }
+}
+
+void CommandCheck::warn(const QString& text) {
+    if (!text.isEmpty()) {
+        m_report(true, text);
     }
 }
 
@@ -176,29 +154,14 @@ void CommandCheck::checkInput(const QString& name) {
     if (known == m_known.end()) {
         known = m_known.insert(name, inputProblem(name));
     }
-    if (!known->isEmpty()) {
-        error(*known);
-    }
+    error(*known);
 }
 
 void CommandCheck::checkOutput(const QString& name) {
-    const QString problem = outputProblem(name);
-    if (!problem.isEmpty()) {
-        error(problem);
-        return;
-    }
+    error(outputProblem(name));
     const QString file = absolute(name);
     m_written.insert(file);
     m_writtenTo.insert(QFileInfo(file).path());
-}
-
-void CommandCheck::checkPicture(const QString& name) {
-    const QByteArray suffix = QFileInfo(name).suffix().toLower().toLatin1();
-    if (!name.isEmpty() && !QImageWriter::supportedImageFormats().contains(suffix)) {
-        error(QStringLiteral("no picture format has this suffix, nothing is written "
-                             "(use .png): ") +
-              name);
-    }
 }
 
 void CommandCheck::checkListing(const CmdLine& cmd) {
@@ -211,9 +174,14 @@ void CommandCheck::checkListing(const CmdLine& cmd) {
     auto known = m_known.find(key);
     if (known == m_known.end()) {
         known = m_known.insert(key, listingProblem(dir, patterns));
+        warn(energyProblem(dir, patterns));
     }
-    if (!known->isEmpty()) {
-        error(*known);
+    error(*known);
+}
+
+void CommandCheck::checkFrameNames(const QStringList& files) {
+    for (const QString& file : files) {
+        warn(energyProblem(file));
     }
 }
 

@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QSet>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 #include <functional>
 #include <utility>
@@ -23,15 +24,16 @@ class CommandCheck {
     void check(int commandId, const CmdLine& cmd);
 
   private:
-    void error(const QString& text) { m_report(false, text); }
-    void warn(const QString& text) { m_report(true, text); }
+    // An empty text is no finding.
+    void error(const QString& text);
+    void warn(const QString& text);
 
     void checkArgument(ArgKind kind, const QString& text);
     void checkMode(const QString& word);
     void checkInput(const QString& name);
     void checkOutput(const QString& name);
-    void checkPicture(const QString& name);
     void checkListing(const CmdLine& cmd);
+    void checkFrameNames(const QStringList& files);
     void checkReference(const CmdLine& cmd);
     void checkRange(const CmdLine& cmd, int low, int high);
     void checkAnalysis(int commandId);

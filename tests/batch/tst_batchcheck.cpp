@@ -22,7 +22,9 @@ class TestBatchCheck : public QObject {
         QVERIFY(QDir::setCurrent(m_dir.path()));
         QDir().mkdir("in");
         QDir().mkdir("out");
-        for (const char* name : {"in/a_7100eV.tif", "in/b_7200eV.tif", "ref.dat", "std.dat"}) {
+        QDir().mkdir("bad_7100eV");
+        for (const char* name : {"in/a-7100eV.tif", "in/b-7200eV.tif", "ref.dat", "std.dat",
+                                 "bad_7100eV/a.tif", "bad_7100eV/a-7100eV.tif", "a_7100eV.dat"}) {
             QFile file(name);
             QVERIFY(file.open(QIODevice::WriteOnly));
         }
@@ -33,7 +35,7 @@ class TestBatchCheck : public QObject {
         QTest::addColumn<QStringList>("found");  // beginnings
         using L = QStringList;
         const QString i1 = "load_I1_files_of_pattern NEW in *.tif";
-        const QString i0 = "load_I0_files NEW in/a_7100eV.tif in/b_7200eV.tif";
+        const QString i0 = "load_I0_files NEW in/a-7100eV.tif in/b-7200eV.tif";
         QTest::newRow("empty") << L{} << L{};
         QTest::newRow("a good batch") << L{i1,
                                            i0,
@@ -53,7 +55,7 @@ class TestBatchCheck : public QObject {
                                            ":echo \"all done\""}
                                       << L{};
         QTest::newRow("words")
-            << L{"load_I1_file NEW in/a_7100eV.tif", "# note", "", ":fro i %i 1 2", "qwertyuiop"}
+            << L{"load_I1_file NEW in/a-7100eV.tif", "# note", "", ":fro i %i 1 2", "qwertyuiop"}
             << L{"E1 unknown command 'load_I1_file' (did you mean load_I1_files?)",
                  "E2 '#' does not start a comment",
                  "E4 unknown command ':fro' (did you mean :for?)",
@@ -75,9 +77,10 @@ class TestBatchCheck : public QObject {
                                                  "W4 4 is out of range",
                                                  "W5 2 is out of range",
                                                  "W6 the region is empty"};
-        QTest::newRow("the mode") << L{"load_I1_files in/a_7100eV.tif in/b_7200eV.tif",
-                                       "load_I1_files NWE ref.dat", "load_I1_files add ref.dat"}
-                                  << L{"E1 'in/a_7100eV.tif' is taken as the mode",
+        QTest::newRow("the mode") << L{"load_I1_files in/a-7100eV.tif in/b-7200eV.tif",
+                                       "load_I1_files NWE in/a-7100eV.tif",
+                                       "load_I1_files add in/a-7100eV.tif"}
+                                  << L{"E1 'in/a-7100eV.tif' is taken as the mode",
                                        "W2 mode 'NWE' is not NEW"};
         QTest::newRow("files")
             << L{"calib_load_std none.dat",
@@ -93,6 +96,14 @@ class TestBatchCheck : public QObject {
             << L{"calib_save_map out/m.emp", "calib_load_map out/../out/m.emp",
                  "calib_load_map out/n.emp"}
             << L{"E3 no such file: out/n.emp"};
+        QTest::newRow("energies in frame names")
+            << L{"load_I1_files NEW bad_7100eV/a.tif bad_7100eV/a-7100eV.tif in/b-7200eV.tif",
+                 "load_I0_files_of_pattern NEW bad_7100eV",
+                 "load_I0_files ADD ref.dat a_7100eV.dat"}
+            << L{"W1 the energy is read from '_7100eV' in the directory's name: bad_7100eV/a.tif",
+                 "W1 the energy is read from '_7100eV' in the directory's name: bad_7100eV/a-",
+                 "W2 the energy is read from '_7100eV' in the directory's name",
+                 "W3 no energy such as 7112_5eV in the name", "W3 the energy reads as 0.71: "};
         QTest::newRow("a file in a loop")
             << L{":for i %i 1 20", "calib_load_std s%i.dat", ":next i"}
             << L{"E2 no such file: s1.dat", "E2 no such file: s2.dat", "E2 no such file: s3.dat",
