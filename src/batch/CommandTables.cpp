@@ -158,6 +158,19 @@ QString argKindName(ArgKind kind) {
     return QString();
 }
 
+QString commandSyntax(const CommandRow& row) {
+    QString syntax = QString::fromLatin1(row.name);
+    const int count = static_cast<int>(row.args.size());
+    for (int i = 0; i < count; ++i) {
+        QString arg = argKindName(row.args[static_cast<std::size_t>(i)]);
+        if (row.repeats && i + 1 == count) {
+            arg += QStringLiteral(" ...");
+        }
+        syntax += i < row.required ? QLatin1Char(' ') + arg : QStringLiteral(" [%1]").arg(arg);
+    }
+    return syntax;
+}
+
 QString finishName(Finish finish) {
     switch (finish) {
         case Finish::AtOnce:

@@ -103,6 +103,10 @@ struct CommandRow {
     Finish finish;
 };
 
+/// A command with its arguments as the reference writes it, optional ones in brackets:
+/// "load_I1_files_of_pattern mode dir [pattern ...]".
+QString commandSyntax(const CommandRow& row);
+
 /// Builds the tables. Called at start-up, before any thread looks a name up.
 void initCommandTables();
 

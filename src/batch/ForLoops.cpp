@@ -53,13 +53,12 @@ bool ForLoops::substitute(QStringList* args) const {
         for (const ForLoop& loop : m_loops) {
             const QString& placeholder = loop.placeholder;
             if (placeholder.isEmpty()) {
-                plain = false;
                 continue;
             }
             const bool holdsItself = loop.value.contains(placeholder);
             int at = arg.indexOf(placeholder);
             plain = plain && !(holdsItself && at >= 0);
-            while (at >= 0 && left > 0) {
+            while (at >= 0 && left > 0 && arg.size() < MaxLength) {
                 arg.replace(at, placeholder.size(), loop.value);
                 --left;
                 at = arg.indexOf(placeholder, holdsItself ? at + loop.value.size() : 0);

@@ -1,3 +1,4 @@
+#include <QMap>
 #include <QSet>
 #include <QTemporaryDir>
 
@@ -75,6 +76,35 @@ class TestCmdLine : public QObject {
             QVERIFY(row.required <= int(row.args.size()));
         }
         QCOMPARE(names.size(), int(NoCommand));
+    }
+
+    // The batch reference says of every command what the table says, and its examples work.
+    void referenceIsInStep() {
+        QFile file(QStringLiteral(TARNWICK_SOURCE_DIR "/docs/batch.md"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(file.readAll());
+        const QStringList sections = text.split("\n### ");
+        QMap<int, QString> byId;
+        for (const QString& section : sections) {
+            bool isCommand = false;
+            const int id = section.section(' ', 0, 0).toInt(&isCommand);
+            if (isCommand) {
+                QVERIFY2(!byId.contains(id), qPrintable(section));
+                byId.insert(id, section);
+            }
+        }
+        QCOMPARE(byId.size(), int(NoCommand));
+        for (const CommandRow& row : commandTable()) {
+            const QString section = byId.value(row.id);
+            QCOMPARE(section.section('`', 1, 1), commandSyntax(row));
+            const QString prose = section.simplified();
+            QVERIFY2(prose.contains("Finishes " + finishName(row.finish) + "."), row.name);
+            const QString example = section.section("```", 1, 1).trimmed();
+            const CmdLine cmd = CmdLine::parse(example);
+            QCOMPARE(cmd.command, QString(row.name));
+            QVERIFY2(cmd.args.size() >= row.required, row.name);
+            QVERIFY2(row.repeats || cmd.args.size() <= int(row.args.size()), row.name);
+        }
     }
 
     void blankLinesAreDropped() {

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+#include <mutex>
+
+class QIODevice;
+
+/// Where an unattended batch speaks: the log on one stream, remarks on the other, and a progress
+/// bar that never mixes with either. All texts are written as UTF-8 and at once. Any thread may
+/// write.
+class Console {
+  public:
+    /// The bar needs a terminal; it is drawn on err if that is one, otherwise on out.
+    Console(QIODevice* out, QIODevice* err, bool outIsTerminal, bool errIsTerminal);
+
+    /// Adds to the log as it stands; a text need not end a line.
+    void log(const QString& text);
+    /// Adds a line of its own to the log.
+    void logLine(const QString& line);
+    /// Writes a line of its own to err.
+    void note(const QString& line);
+
+    /// Shows how far a piece of work is, fraction 0 to 1. Nothing without a terminal.
+    void showBar(const QString& what, double fraction, const QString& count);
+    void clearBar();
+
+  private:
+    void eraseBar();
+    void endLogLineOnTerminal();
+    void writeOut(const QString& text);
+
+    std::mutex m_mutex;
+    QIODevice* m_out;
+    QIODevice* m_err;
+    bool m_outIsTerminal;
+    bool m_errIsTerminal;
+    bool m_logInLine = false;     // the log's last text did not end its line
+    bool m_cursorInLine = false;  // nor has anything else on the terminal ended it
+    QString m_bar;                // as drawn
+};

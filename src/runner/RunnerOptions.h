@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// What the command line of tarnwick-batch asks for.
+struct RunnerOptions {
+    enum class Action { Run, Check, Help, Version, BadUsage };
+
+    Action action = Action::BadUsage;
+    QString file;  ///< Run, Check: the batch file
+    QString text;  ///< Help: what to print; BadUsage: what is wrong, one line
+
+    /// args[0] is the program, as in main.
+    static RunnerOptions parse(const QStringList& args);
+};
