@@ -24,7 +24,7 @@ const QHash<QString, Rooms>& table() {
     static const Rooms panels = data + Rooms{"display"};
     static const QHash<QString, Rooms> rows = {
         {"imagedata", {"spectra"}},
-        {"spectra", {"imagedata/Units.h"}},
+        {"spectra", {}},
         {"display", data},
         {"calibration", panels + values},
         {"analysis", panels},
