@@ -1,9 +1,11 @@
 #include "batch/FileProblems.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QImageWriter>
-#include <QRegularExpression>
+#include <optional>
+
+#include "imagedata/EnergyFromName.h"
+#include "imagedata/FileListing.h"
 
 QString inputProblem(const QString& name) {
     const QFileInfo info(name);
@@ -33,7 +35,7 @@ QString listingProblem(const QString& dir, const QStringList& patterns) {
     if (!QFileInfo(dir).isDir()) {
         return QStringLiteral("no such directory: ") + dir;
     }
-    if (!QDir(dir).entryList(patterns, QDir::Files).isEmpty()) {
+    if (!listImageFiles(dir, patterns).isEmpty()) {
         return QString();
     }
     return patterns.isEmpty() ? QStringLiteral("no file in %1").arg(dir)
@@ -52,33 +54,29 @@ QString pictureProblem(const QString& name) {
 }
 
 QString energyProblem(const QString& path) {
-    static const QRegularExpression pattern(QStringLiteral("[\\d_]+eV"));
-    const QRegularExpressionMatch match = pattern.match(path);
-    if (!match.hasMatch()) {
+    const QString pattern = QStringLiteral("[\\d_]+eV");  // what the data-file panels start with
+    const std::optional<double> energy = numberFromName(path, pattern);
+    if (!energy) {
         return QStringLiteral(
                    "no energy such as 7112_5eV in the name, so a running number is "
                    "taken: ") +
                path;
     }
-    if (match.capturedEnd() <= path.lastIndexOf(QLatin1Char('/'))) {
-        return QStringLiteral("the energy is read from '%1' in the directory's name: %2")
-            .arg(match.captured(), path);
+    const QString directory = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
+    if (numberFromName(directory, pattern)) {
+        return QStringLiteral("the energy is read from the directory's name: ") + path;
     }
-    QString number = match.captured();
-    number.chop(2);
-    number.replace(QLatin1Char('_'), QLatin1Char('.'));
-    const double energy = number.toDouble();
-    return energy >= 1.0 ? QString()
-                         : QStringLiteral(
-                               "the energy reads as %1: an underscore before the number "
-                               "is taken for its decimal point: %2")
-                               .arg(QString::number(energy), path);
+    return *energy >= 1.0 ? QString()
+                          : QStringLiteral(
+                                "the energy reads as %1: an underscore before the "
+                                "number is taken for its decimal point: %2")
+                                .arg(QString::number(*energy), path);
 }
 
 QString energyProblem(const QString& dir, const QStringList& patterns) {
-    const QStringList names = QDir(dir).entryList(patterns, QDir::Files);
-    for (const QString& name : names) {
-        const QString problem = energyProblem(dir + QLatin1Char('/') + name);
+    const QStringList paths = listImageFiles(dir, patterns);
+    for (const QString& path : paths) {
+        const QString problem = energyProblem(path);
         if (!problem.isEmpty()) {
             return problem;
         }

@@ -100,9 +100,9 @@ class TestBatchCheck : public QObject {
             << L{"load_I1_files NEW bad_7100eV/a.tif bad_7100eV/a-7100eV.tif in/b-7200eV.tif",
                  "load_I0_files_of_pattern NEW bad_7100eV",
                  "load_I0_files ADD ref.dat a_7100eV.dat"}
-            << L{"W1 the energy is read from '_7100eV' in the directory's name: bad_7100eV/a.tif",
-                 "W1 the energy is read from '_7100eV' in the directory's name: bad_7100eV/a-",
-                 "W2 the energy is read from '_7100eV' in the directory's name",
+            << L{"W1 the energy is read from the directory's name: bad_7100eV/a.tif",
+                 "W1 the energy is read from the directory's name: bad_7100eV/a-",
+                 "W2 the energy is read from the directory's name",
                  "W3 no energy such as 7112_5eV in the name", "W3 the energy reads as 0.71: "};
         QTest::newRow("a file in a loop")
             << L{":for i %i 1 20", "calib_load_std s%i.dat", ":next i"}
