@@ -1,0 +1,57 @@
+#include "display/DrawText.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+#include "app/Globals.h"
+
+QRectF drawText(QPainter& painter, const QPointF& anchor, const QString& text,
+                Qt::Alignment alignment, const QRectF& inside, bool upright) {
+    const QFontMetricsF metrics(painter.font());
+    QSizeF size(metrics.horizontalAdvance(text), metrics.height());
+    if (upright) {
+        size.transpose();
+    }
+    QRectF place(anchor, size);
+    if (alignment & Qt::AlignRight) {
+        place.moveRight(anchor.x());
+    } else if (alignment & Qt::AlignHCenter) {
+        place.moveLeft(anchor.x() - size.width() / 2);
+    }
+    if (alignment & Qt::AlignBottom) {
+        place.moveBottom(anchor.y());
+    } else if (alignment & Qt::AlignVCenter) {
+        place.moveTop(anchor.y() - size.height() / 2);
+    }
+    if (!inside.isNull()) {
+        place.moveLeft(
+            std::max(inside.left(), std::min(place.left(), inside.right() - size.width())));
+        place.moveTop(
+            std::max(inside.top(), std::min(place.top(), inside.bottom() - size.height())));
+    }
+    if (upright) {
+        painter.save();
+        painter.translate(place.left(), place.bottom());
+        painter.rotate(-90);
+        painter.drawText(QPointF(0, metrics.ascent()), text);
+        painter.restore();
+    } else {
+        painter.drawText(QPointF(place.left(), place.top() + metrics.ascent()), text);
+    }
+    return place;
+}
+
+QString tickText(double value, double step) {
+    const double magnitude = std::abs(step);
+    if (magnitude == 0.0 || !std::isfinite(value) || !std::isfinite(magnitude) ||
+        std::abs(value) >= 1e7 || magnitude < 1e-6) {
+        return QString::number(value, 'g', 6);
+    }
+    const int decimals = toClampedInt(std::ceil(-std::log10(magnitude) - 1e-9), 0, 8);
+    if (std::abs(value) < magnitude / 2) {
+        value = 0.0;
+    }
+    return QString::number(value, 'f', decimals);
+}

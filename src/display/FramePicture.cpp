@@ -1,0 +1,30 @@
+#include "display/FramePicture.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "app/Globals.h"
+#include "imagedata/TiffData.h"
+
+QImage framePicture(const TiffData& frame, double low, double high) {
+    const int width = static_cast<int>(frame.width);
+    const int height = static_cast<int>(frame.height);
+    QImage picture(width, height, QImage::Format_Grayscale8);
+    picture.fill(Qt::black);
+    if (!(high > low)) {
+        return picture;
+    }
+    std::vector<uchar> greys(65536);
+    for (std::size_t count = 0; count < greys.size(); ++count) {
+        greys[count] = *greyOf((static_cast<double>(count) - low) / (high - low));
+    }
+    const int rows = std::min(height, static_cast<int>(frame.rows.size()));
+    for (int y = 0; y < rows; ++y) {
+        const quint16* counts = frame.rows[static_cast<std::size_t>(y)];
+        uchar* line = picture.scanLine(y);
+        for (int x = 0; x < width; ++x) {
+            line[x] = greys[counts[x]];
+        }
+    }
+    return picture;
+}

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <QPointF>
+#include <QRectF>
+
+#include "display/DispA.h"
+
+class QImage;
+
+/// The image view: shows an image letter-boxed with square pixels, zoomed and panned by the mouse,
+/// with a position mark and a selected area.
+///
+/// One real unit is one image pixel; pixel n covers n to n + 1, x to the right, y down. The view
+/// keeps no picture: who owns it paints it on the second layer through paintImage().
+class ImageView : public DispA {
+    Q_OBJECT
+
+  public:
+    explicit ImageView(QWidget* parent = nullptr);
+
+    /// 0 x 0: nothing to show. Another size shows the whole image and clips the selection.
+    void setImageSize(int width, int height);
+
+    bool hasSelection() const { return !m_selection.isEmpty(); }
+    QRectF selection() const { return m_selection; }
+    /// The selection, else the whole image, whatever the zoom.
+    QRectF area() const;
+    /// Two corners in pixels, the larger ones not included, in any order; clipped to the image.
+    /// An area of no pixel is no selection.
+    void setSelection(int x0, int y0, int x1, int y1);
+    void clearSelection();
+
+    /// Whether a result, not a frame, is on display.
+    void setResultDisplayed(bool on) { m_resultDisplayed = on; }
+    bool resultDisplayed() const { return m_resultDisplayed; }
+
+    /// Half widths of the bin that is drawn around the position.
+    void setBinBox(int halfWidth, int halfHeight);
+
+    /// The position mark, exactly as it was set or as the mouse was last.
+    QPointF realPosition() const { return m_position; }
+    /// A click pins the position; the next one frees it.
+    bool isPinned() const { return m_pinned; }
+
+    /// The part of the image that is seen, in pixels.
+    QRectF visibleRect() const { return m_visible; }
+
+    /// Paints the picture of the image in its place: crisp when magnified, smooth when reduced.
+    void paintImage(QPainter* p, const QImage& picture) const;
+
+    /// Screen pixels are whole numbers: the exact real position is kept beside them until the
+    /// next real mouse event.
+    void setRealMousePos(double x, double y) override;
+
+  signals:
+    void mouseMoved(double x, double y);
+    void selectionChanged();
+    /// Zoom or pan: what is seen has changed.
+    void viewChanged();
+
+  public slots:
+    /// Shows the whole image.
+    void resetImageViewWindow();
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void paintBelow(QPainter& painter) override;
+    void paintAbove(QPainter& painter) override;
+
+  private:
+    enum class Drag { None, Pan, Select };
+
+    QRectF imageRect() const { return QRectF(0, 0, m_width, m_height); }
+    QPointF toReal(const QPointF& screen) const;
+    void showArea(QRectF area);
+    void updateCoord();
+    void setPosition(const QPointF& real);
+    void applySelection(const QRectF& area);
+    void paintMarks(QPainter& painter) const;
+
+    int m_width = 0;
+    int m_height = 0;
+    QRectF m_visible;
+    QRectF m_selection;
+    bool m_resultDisplayed = false;
+    int m_halfWidth = 0;
+    int m_halfHeight = 0;
+    QPointF m_position{-1.0, -1.0};
+    bool m_pinned = false;
+    Drag m_drag = Drag::None;
+    bool m_dragged = false;
+    QPoint m_dragStart;
+    QPointF m_dragStartReal;
+};

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <QColor>
+#include <QFrame>
+#include <QPolygonF>
+#include <QVector>
+#include <memory>
+#include <optional>
+
+#include "display/ChCoord.h"
+#include "spectra/XafsSpectrum.h"
+
+namespace Ui {
+class XafsView;
+}
+class Units;
+
+/// The spectrum plot: a position's spectrum or a sample, with the standard, the references and the
+/// fitted curve. It keeps copies of what it shows.
+///
+/// Energies are those that fits use: less the energy correction, with the references' offsets. The
+/// fitted curve is drawn as it stands, and only over the double normalized spectra.
+class XafsView : public QFrame {
+    Q_OBJECT
+
+  public:
+    struct Reference {
+        XafsSpectrum spectrum;
+        QString name;
+        bool shown;
+        QColor color;
+    };
+
+    explicit XafsView(QWidget* parent = nullptr);
+    ~XafsView() override;
+
+    void setSample(const XafsSpectrum& spectrum, const QString& name);
+    void clearSample();
+    void setStandard(const XafsSpectrum& spectrum, const QString& name);
+    void clearStandard();
+    void setFit(const XafsSpectrum& spectrum);
+    void clearFit();
+    void setReferences(const QVector<Reference>& references);
+
+    /// Spacing in angstrom for the abscissa in degrees.
+    void setCrystalSpacing(double d);
+    /// Energy (eV) marked by a line; none when not above 0.
+    void setRaEnergy(double energy);
+
+    /// Whether there is a spectrum that saveData() would write.
+    bool hasCurves() const;
+
+  signals:
+    /// The data have been taken over and will be drawn.
+    void updated();
+
+  public slots:
+    void draw(QPainter* painter);
+    void onMouseMoved();
+    void update();
+    /// Writes the sample (else the first shown spectrum) to the file and every further shown
+    /// spectrum to the name with "-1", "-2", ... before the suffix. True when all were written.
+    bool saveData(const QString& fname);
+
+  private:
+    enum Ordinate { MuT, Normalized, DoubleNormalized, PostBased, PostBasedBySpan };
+
+    struct Curve {
+        QPolygonF points;
+        QColor color;
+        Qt::PenStyle style;
+        QString name;  // empty: not in the legend
+    };
+    struct Shown {
+        const XafsSpectrum* spectrum;
+        QString name;
+        QColor color;
+    };
+
+    QVector<Shown> shownSpectra() const;
+    QVector<Curve> curves() const;
+    void addCurve(QVector<Curve>* list, const XafsSpectrum& spectrum, const Spectrum& series,
+                  const QColor& color, Qt::PenStyle style, const QString& name) const;
+    const Spectrum& seriesOf(const XafsSpectrum& spectrum) const;
+    double abscissa(double energy) const;
+    QRectF extent(const QVector<Curve>& list) const;
+    void paintAxes(QPainter& painter, const QRectF& plot) const;
+    void paintLegend(QPainter& painter, const QRectF& plot, const QVector<Curve>& list) const;
+    void paintMarks(QPainter& painter, const QRectF& plot) const;
+    void startZoom();
+    void endZoom();
+    void resetZoom();
+
+    std::unique_ptr<Ui::XafsView> m_ui;
+    std::unique_ptr<Units> m_units;
+    ChCoord m_coord;
+    std::optional<XafsSpectrum> m_sample;
+    QString m_sampleName;
+    std::optional<XafsSpectrum> m_standard;
+    QString m_standardName;
+    std::optional<XafsSpectrum> m_fit;
+    QVector<Reference> m_references;
+    double m_raEnergy = 0.0;
+    std::optional<QRectF> m_zoom;  // real coordinates
+    std::optional<QPoint> m_zoomStart;
+};
