@@ -29,7 +29,7 @@ QString withMapSuffix(const QString& fileName) {
 CalibCtrl::CalibCtrl(QWidget* parent)
     : QWidget(parent, Qt::Window), m_ui(std::make_unique<Ui::CalibCtrl>()) {
     m_ui->setupUi(this);
-    for (const Crystal& crystal : crystalTable()) {
+    for (const Crystal& crystal : CrystalTable) {
         m_ui->SelCrystal->addItem(QString::fromLatin1(crystal.name), crystal.spacing);
     }
     m_ui->StdSelector->showUse(false);

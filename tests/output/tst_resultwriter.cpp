@@ -324,5 +324,5 @@ class TestResultWriter : public QObject {
     }
 };
 
-TARNWICK_TEST_MAIN(QGuiApplication, TestResultWriter)
+TARNWICK_TEST_MAIN(QCoreApplication, TestResultWriter)
 #include "tst_resultwriter.moc"
