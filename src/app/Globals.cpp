@@ -32,14 +32,12 @@ void buildColorMap() {
 
 }  // namespace
 
-void initGlobals() {
-    DataDir = QStringLiteral("/home/labuser/Data");
+void buildColourTables() {
     buildColors();
     for (std::size_t i = 0; i < GreyTable.size(); ++i) {
         GreyTable[i] = static_cast<unsigned char>(i);
     }
     buildColorMap();
-    DebugFlag = false;
 }
 
 int toClampedInt(double v, int low, int high) {

@@ -29,6 +29,9 @@ extern bool DebugFlag;
 /// threads and silences libtiff's own messages. The first action of every program and test.
 void initGlobals();
 
+/// The part of initGlobals() that fills the three tables above.
+void buildColourTables();
+
 /// Colour i modulo the number of colours (also for negative i); opaque black if there are none.
 QColor getColor(int i);
 

@@ -1,0 +1,207 @@
+#pragma once
+
+#include <QImage>
+#include <QMainWindow>
+#include <QStringList>
+#include <QThread>
+#include <memory>
+
+#include "app/BatchPacing.h"
+#include "app/StackLoader.h"
+#include "calibration/EnergyMapFile.h"
+
+namespace Ui {
+class Body;
+}
+class AbsorptionSource;
+class Analysis2D;
+struct AnalysisGrid;
+class Analyzed2DRes;
+class Analyzer;
+class BatchCtrl;
+class BatchDispatcher;
+class BlockRowSpectra;
+class CalibCtrl;
+class CommandHandlers;
+class CrossSection;
+class LoadTiff;
+class QButtonGroup;
+class QFileDialog;
+class QPainter;
+class QProgressBar;
+class SaveDataCfg;
+class SelectDataFiles;
+class Spectrum;
+class XafsSpectrum;
+class XafsView;
+
+/// The main window: owns the two image stacks, the energy-shift map, the results and every tool
+/// window, and is the one object that they and the batch talk to. It only wires: each slot says
+/// what happens and calls the room that does it.
+class Body : public QMainWindow {
+    Q_OBJECT
+
+  public:
+    explicit Body(QWidget* parent = nullptr);
+    ~Body() override;
+
+    /// What the image view shows; the ids of the buttons that choose it.
+    enum Shown { ShownData = 0, ShownI0 = 1, ShownShift = 2, ShownResult = 3 };
+
+    BatchCtrl* batchCtrl() const { return m_batchCtrl.get(); }
+    BatchDispatcher* dispatcher() const { return m_dispatcher.get(); }
+
+    /// Size of the images, from the first I1 frame; -1 before there is one.
+    int imageWidth() const { return m_imageWidth; }
+    int imageHeight() const { return m_imageHeight; }
+
+  signals:
+    void loadI1(QString fname, TiffData* data);
+    void loadI0(QString fname, TiffData* data);
+    void finishing();
+    void finishBatchExec();
+    /// A line of the batch has been dealt with; no problems: it did its work. Emitted just before
+    /// finishBatchExec().
+    void commandDone(CmdLine cmd, QStringList problems);
+    /// Stack 1 is I1, 0 is I0; counts of files of the present load.
+    void loadProgress(int stack, int done, int total);
+    /// Per cent of the calibration or two-dimensional analysis under way.
+    void analysisProgress(double percent);
+
+  public slots:
+    void clearI1Files();
+    void clearI0Files();
+    void readI1Files(const QStringList& files, bool newFile);
+    void readI0Files(const QStringList& files, bool newFile);
+    void selectedDataI0(bool on);
+    void showData(int n);
+    void prev();
+    void next();
+    void sliderMoved(int n);
+    void draw(QPainter* p);
+    void showXafsSpectrum(double x, double y);
+    void newStdFile();
+    void execCalibration();
+    void saveEMap(const QString& fname);
+    void loadEMap(const QString& fname);
+    EMPHeader loadEMapHeader(EMPHeader header, QTextStream& in);
+    void newCBar();
+    void onMouseMovedInDispA();
+    void loadNextI1();
+    void loadedI1(TiffData* data);
+    void loadNextI0();
+    void loadedI0(TiffData* data);
+    void startLCF2DAnalysis();
+    void stop2DAnalysis();
+    void analyzeASpectrumFinished();
+    void recordResForAPoint();
+    void generateResImages();
+    void startRA2DAnalysis();
+    void generateRAResImage();
+    void showResAnalysis(bool on);
+    void selectedNewRef();
+    void setupResAnalysisImage();
+    void showShiftMap();
+    void clearShiftMap();
+    void normalizeEShift();
+    void deglitch();
+    void showProcImg(bool on);
+    void saveImage(const QString& fname);
+    void saveAllImages(const QString& fname);
+    void showSaveDataDialog();
+    void saveData(const QString& fname);
+    void saveDataAsTiff(const QString& fname);
+    void saveFlatDark();
+    void saveXafsSpectra(const QString& fname);
+    void execCmd(CmdLine cmd, bool inRem);
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    friend class CommandHandlers;
+    struct Stack;
+
+    // construction (Body.cpp)
+    void startReaders();
+    void connectBatch();
+    void connectImageControls();
+    void connectCalibration();
+    void connectAnalyzer();
+    void connectSaving();
+    void makeDialogs();
+
+    // stacks
+    void read(Stack& stack, const QStringList& files);
+    void loadNext(Stack& stack);
+    TiffData* arrived(Stack& stack, TiffData* data);
+    void clear(Stack& stack);
+    void stacksChanged();
+    Stack& shownStack();
+    const AbsorptionSource& source();
+
+    // what is shown
+    int shown() const;
+    const TiffData* shownFrame() const;
+    Analyzed2DRes* shownResult() const;  // the shift map or the selected result, if on display
+    QImage shownPicture() const;
+    void redisplay();
+    void updateStatus();
+    void updateValueAndCrossSections();
+
+    // spectra and analyses
+    int halfWidth() const;
+    int halfHeight() const;
+    AnalysisGrid gridOfArea() const;
+    XafsSpectrum corrected(const Spectrum& spectrum, int x, int y) const;
+    Spectrum spectrumOnGrid(const AnalysisGrid& grid, int x, int y);
+    void showSpectrumAgain();
+    void showProgress(double percent);
+    QString startLcf();
+    Analyzed2DRes* deglitchTarget() const;
+
+    // batch
+    void answer(const CmdLine& cmd, const QStringList& problems);
+    void answerWaiting(BatchPacing::Work work, const QStringList& problems);
+    void note(const QString& problem);
+
+    std::unique_ptr<Ui::Body> m_ui;
+    std::unique_ptr<Stack> m_i1;
+    std::unique_ptr<Stack> m_i0;
+    int m_imageWidth = -1;
+    int m_imageHeight = -1;
+    int m_frame = 0;
+    double m_x = -1.0;
+    double m_y = -1.0;
+
+    std::unique_ptr<AbsorptionSource> m_source;
+    std::unique_ptr<BlockRowSpectra> m_rows;
+    std::unique_ptr<Analyzed2DRes> m_shiftMap;
+
+    std::unique_ptr<CalibCtrl> m_calib;
+    std::unique_ptr<Analyzer> m_analyzer;
+    std::unique_ptr<Analysis2D> m_analysis;
+    std::unique_ptr<XafsView> m_xafsView;
+    std::unique_ptr<SaveDataCfg> m_saveDataCfg;
+    std::unique_ptr<BatchCtrl> m_batchCtrl;
+
+    QThread m_readerI1Thread;
+    QThread m_readerI0Thread;
+    QThread m_batchThread;
+    std::unique_ptr<LoadTiff> m_readerI1;
+    std::unique_ptr<LoadTiff> m_readerI0;
+    std::unique_ptr<BatchDispatcher> m_dispatcher;
+
+    std::unique_ptr<CommandHandlers> m_handlers;
+    BatchPacing m_pacing;
+    QStringList m_problems;  // of the line being carried out
+
+    QButtonGroup* m_showGroup = nullptr;
+    CrossSection* m_hCross = nullptr;
+    CrossSection* m_vCross = nullptr;
+    QProgressBar* m_progressBar = nullptr;
+    QFileDialog* m_imageDialog = nullptr;
+    QFileDialog* m_allImagesDialog = nullptr;
+    QFileDialog* m_spectraDialog = nullptr;
+    QFileDialog* m_dataDialog = nullptr;
+};

@@ -1,0 +1,238 @@
+// Spectra of positions, calibration and the two-dimensional analyses, as the main window drives
+// them.
+
+#include <QGuiApplication>
+#include <cmath>
+
+#include "analysis/Analysis2D.h"
+#include "analysis/Analyzed2DRes.h"
+#include "analysis/Analyzer.h"
+#include "app/Body.h"
+#include "app/BodyStack.h"
+#include "app/DebugLog.h"
+#include "app/Globals.h"
+#include "calibration/CalibCtrl.h"
+#include "calibration/EnergyShift.h"
+#include "display/ImageView.h"
+#include "display/XafsView.h"
+#include "imagedata/AbsorptionSource.h"
+#include "ui_Body.h"
+
+namespace {
+
+/// The wait cursor while something blocks the window.
+class WaitCursor {
+  public:
+    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+const QString NoImages = QStringLiteral("no images are loaded");
+
+}  // namespace
+
+int Body::halfWidth() const {
+    return m_ui->HWidth->text().toInt();
+}
+int Body::halfHeight() const {
+    return m_ui->VWidth->text().toInt();
+}
+
+AnalysisGrid Body::gridOfArea() const {
+    return AnalysisGrid::ofArea(m_imageWidth, m_imageHeight, halfWidth(), halfHeight(),
+                                m_ui->dispA->area());
+}
+
+XafsSpectrum Body::corrected(const Spectrum& spectrum, int x, int y) const {
+    return XafsSpectrum(spectrum,
+                        m_calib->targetIsVictreen() ? XafsSpectrum::Victreen : XafsSpectrum::Simple,
+                        shiftAt(m_shiftMap.get(), x, y));
+}
+
+Spectrum Body::spectrumOnGrid(const AnalysisGrid& grid, int x, int y) {
+    if (!m_rows) {
+        m_rows = std::make_unique<BlockRowSpectra>(source(), grid.x0 + grid.halfW, grid.stepX,
+                                                   grid.x1, grid.halfW, grid.halfH);
+    }
+    return m_rows->at(x, y);
+}
+
+void Body::showXafsSpectrum(double x, double y) {
+    m_x = x;
+    m_y = y;
+    const int column = toClampedInt(std::floor(x), -1, 1 << 30);
+    const int row = toClampedInt(std::floor(y), -1, 1 << 30);
+    const Spectrum raw = source().spectrumAt(column, row, halfWidth(), halfHeight());
+    const XafsSpectrum spectrum = corrected(raw, column, row);
+    const XafsSpectrum* standard = m_calib->standard();
+
+    if (raw.isEmpty()) {
+        m_xafsView->clearSample();
+    } else {
+        m_xafsView->setSample(spectrum, tr("Position (%1, %2)").arg(column).arg(row));
+        if (m_analyzer->isVisible()) {
+            m_analyzer->analyzeAndShowSpectrum(spectrum);
+        }
+    }
+    const bool comparable = standard != nullptr && !standard->isEmpty() && !raw.isEmpty();
+    const double fromStd = comparable ? calibrationEdge(&raw) - calibrationEdge(standard) : 0.0;
+    m_ui->Position->setText(QString::asprintf("(% 4d, % 4d)", column, row));
+    m_ui->EShiftOnTbl->setText(QString::asprintf("%5.2f", spectrum.energyCorrection()));
+    m_ui->EShiftFromStd->setText(QString::asprintf("%5.2f", fromStd));
+}
+
+void Body::newStdFile() {
+    if (const XafsSpectrum* standard = m_calib->standard()) {
+        m_xafsView->setStandard(*standard, m_calib->standardFileName());
+    } else {
+        m_xafsView->clearStandard();
+    }
+    showSpectrumAgain();
+}
+
+void Body::showSpectrumAgain() {
+    if (m_x >= 0.0 && m_y >= 0.0) {
+        showXafsSpectrum(m_x, m_y);
+    }
+}
+
+void Body::execCalibration() {
+    if (m_i1->loader.frames().isEmpty()) {
+        note(NoImages);
+        return;
+    }
+    const WaitCursor waiting;
+    const AnalysisGrid grid = gridOfArea();
+    m_rows.reset();
+    calibrate(
+        m_shiftMap.get(), grid, [&](int x, int y) { return spectrumOnGrid(grid, x, y); },
+        calibrationEdge(m_calib->standard()), [this](double percent) { showProgress(percent); });
+    m_rows.reset();
+    showProgress(100.0);
+    redisplay();
+    showSpectrumAgain();
+}
+
+void Body::clearShiftMap() {
+    ::clearShiftMap(m_shiftMap.get());
+    redisplay();
+    showSpectrumAgain();
+}
+
+void Body::normalizeEShift() {
+    if (m_shiftMap->grid().width > 0) {
+        smoothShiftMap(m_shiftMap.get());
+        redisplay();
+        showSpectrumAgain();
+    }
+}
+
+QString Body::startLcf() {
+    if (m_analysis->lcfRunning()) {
+        stop2DAnalysis();
+        return QStringLiteral("an analysis was running and has been stopped");
+    }
+    if (m_i1->loader.frames().isEmpty()) {
+        return NoImages;
+    }
+    const AnalysisGrid grid = gridOfArea();
+    QString whyNot;
+    m_rows.reset();
+    const bool started = m_analysis->startLcf(
+        grid, [this, grid](int x, int y) { return corrected(spectrumOnGrid(grid, x, y), x, y); },
+        &whyNot);
+    return started ? QString() : whyNot;
+}
+
+void Body::startLCF2DAnalysis() {
+    const QString why = startLcf();
+    if (!why.isEmpty()) {
+        debugTimed(QStringLiteral("LCF not started: ") + why);
+    }
+}
+
+void Body::stop2DAnalysis() {
+    if (!m_analysis->lcfRunning()) {
+        return;
+    }
+    m_analysis->stopLcf();
+    m_rows.reset();
+    showProgress(100.0);
+    if (m_pacing.isWaitingFor(BatchPacing::Work::Lcf)) {
+        answerWaiting(BatchPacing::Work::Lcf, {QStringLiteral("stopped before its end")});
+    }
+}
+
+void Body::analyzeASpectrumFinished() {
+    switch (m_analysis->lcfPointReported()) {
+        case Analysis2D::Report::NewRow:
+            if (m_analyzer->dispOnTime()) {
+                generateResImages();
+            }
+            showProgress(m_analysis->lcfPercent());
+            break;
+        case Analysis2D::Report::LastPoint:
+            m_rows.reset();
+            generateResImages();
+            m_analysis->endLcf();
+            showProgress(100.0);
+            answerWaiting(BatchPacing::Work::Lcf, {});
+            break;
+        default:
+            break;
+    }
+}
+
+void Body::recordResForAPoint() {
+    m_analysis->recordPoint();
+}
+
+void Body::generateResImages() {
+    m_analysis->generateLcfImages();
+    redisplay();
+}
+
+void Body::startRA2DAnalysis() {
+    if (m_i1->loader.frames().isEmpty()) {
+        note(NoImages);
+        return;
+    }
+    const WaitCursor waiting;
+    const AnalysisGrid grid = gridOfArea();
+    m_rows.reset();
+    m_analysis->runRa(
+        grid, [&](int x, int y) { return corrected(spectrumOnGrid(grid, x, y), x, y); },
+        [this](double percent) { showProgress(percent); });
+    m_rows.reset();
+    showProgress(100.0);
+    generateRAResImage();
+}
+
+void Body::generateRAResImage() {
+    m_analysis->generateRaImages();
+    redisplay();
+}
+
+Analyzed2DRes* Body::deglitchTarget() const {
+    Analyzed2DRes* shown = shownResult();
+    return shown != nullptr ? shown : m_analyzer->selectedResult();
+}
+
+void Body::deglitch() {
+    if (Analyzed2DRes* target = deglitchTarget()) {
+        target->setDeglitchConds(m_ui->DeGlitchFactor->text().toDouble(),
+                                 m_ui->DeGlitchRatio->text().toDouble());
+        target->deglitch();
+        target->selectProcImg(true);
+        redisplay();
+    }
+}
+
+void Body::showProcImg(bool on) {
+    if (Analyzed2DRes* target = deglitchTarget()) {
+        target->selectProcImg(on);
+        redisplay();
+    }
+}

@@ -1,0 +1,36 @@
+// The main window's side of a batch: one line is carried out and answered at a time.
+
+#include "app/Body.h"
+#include "app/CommandHandlers.h"
+
+void Body::execCmd(CmdLine cmd, bool inRem) {
+    if (!m_pacing.acceptsLines()) {
+        return;  // left over from a batch that has been started anew meanwhile
+    }
+    m_problems.clear();
+    if (inRem) {
+        answer(cmd, {});
+        return;
+    }
+    if (m_handlers->run(cmd) == CommandHandlers::Answer::AtOnce) {
+        answer(cmd, m_problems);
+    }
+}
+
+void Body::note(const QString& problem) {
+    m_problems << problem;
+}
+
+void Body::answer(const CmdLine& cmd, const QStringList& problems) {
+    emit commandDone(cmd, problems);
+    emit finishBatchExec();
+}
+
+void Body::answerWaiting(BatchPacing::Work work, const QStringList& problems) {
+    if (m_pacing.isWaitingFor(work)) {
+        answer(m_pacing.take(), m_problems + problems);
+        m_problems.clear();
+    } else if (!m_pacing.isActive()) {
+        emit finishBatchExec();
+    }
+}

@@ -1,0 +1,173 @@
+// What the main window shows: the picture, its colour bar, cross sections and read-outs.
+
+#include <QAbstractButton>
+#include <QButtonGroup>
+#include <QPainter>
+#include <QProgressBar>
+#include <QStatusBar>
+#include <cmath>
+
+#include "analysis/Analyzed2DRes.h"
+#include "analysis/Analyzer.h"
+#include "app/Body.h"
+#include "app/BodyStack.h"
+#include "app/Globals.h"
+#include "display/ColorBar.h"
+#include "display/CrossSection.h"
+#include "display/FramePicture.h"
+#include "display/ImageView.h"
+#include "display/Profiles.h"
+#include "ui_Body.h"
+
+int Body::shown() const {
+    return m_showGroup == nullptr ? ShownData : m_showGroup->checkedId();
+}
+
+const TiffData* Body::shownFrame() const {
+    switch (shown()) {
+        case ShownData:
+            return m_i1->loader.frames().at(m_frame);
+        case ShownI0:
+            return m_i0->loader.frames().at(m_frame);
+        default:
+            return nullptr;
+    }
+}
+
+Analyzed2DRes* Body::shownResult() const {
+    switch (shown()) {
+        case ShownShift:
+            return m_shiftMap->grid().width > 0 ? m_shiftMap.get() : nullptr;
+        case ShownResult:
+            return m_analyzer->selectedResult();
+        default:
+            return nullptr;
+    }
+}
+
+QImage Body::shownPicture() const {
+    if (const TiffData* frame = shownFrame()) {
+        return m_ui->CBar->isAuto() && frame->image != nullptr
+                   ? *frame->image
+                   : framePicture(*frame, m_ui->CBar->rangeMin(), m_ui->CBar->rangeMax());
+    }
+    const Analyzed2DRes* result = shownResult();
+    return result != nullptr && result->img() != nullptr ? *result->img() : QImage();
+}
+
+void Body::draw(QPainter* p) {
+    const QImage picture = shownPicture();
+    if (!picture.isNull()) {
+        m_ui->dispA->paintImage(p, picture);
+    }
+}
+
+void Body::newCBar() {
+    m_ui->dispA->QWidget::update();
+}
+
+void Body::redisplay() {
+    const TiffData* frame = shownFrame();
+    const Analyzed2DRes* result = shownResult();
+    m_ui->dispA->setResultDisplayed(shown() == ShownShift || shown() == ShownResult);
+    if (frame != nullptr) {
+        m_ui->CBar->setTable(ColorBar::Grey);
+        m_ui->CBar->setDataRange(frame->min, frame->max);
+    } else if (result != nullptr) {
+        m_ui->CBar->setTable(ColorBar::False);
+        m_ui->CBar->setRange(result->rangeMin(), result->rangeMax());
+    }
+    updateStatus();
+    updateValueAndCrossSections();
+    m_ui->dispA->QWidget::update();
+}
+
+void Body::updateStatus() {
+    Stack& stack = shownStack();
+    const int count = stack.loader.frames().size();
+    m_ui->SeekBar->setMaximum(count > 0 ? count - 1 : 0);
+    m_ui->SeekBar->setValue(m_frame);
+
+    QString text;
+    if (const TiffData* frame = shownFrame()) {
+        text = tr("%1 frame %2 of %3   %4 eV")
+                   .arg(stack.id == Stack::I0 ? QStringLiteral("I0") : QStringLiteral("I1"))
+                   .arg(m_frame + 1)
+                   .arg(count)
+                   .arg(QString::asprintf("% 8.2f", frame->energy));
+    } else if (shown() == ShownShift) {
+        text = tr("Energy-shift map");
+    } else if (shown() == ShownResult) {
+        text = tr("Result image");
+    }
+    const int left =
+        m_i1->loader.total() - m_i1->loader.done() + m_i0->loader.total() - m_i0->loader.done();
+    if (left > 0) {
+        text += QStringLiteral("   ") + tr("%n file(s) to read", nullptr, left);
+    }
+    m_ui->statusbar->showMessage(text);
+
+    Analyzed2DRes* target = deglitchTarget();
+    m_ui->ShowProcImg->setEnabled(target != nullptr);
+    const QSignalBlocker blocked(m_ui->ShowProcImg);
+    m_ui->ShowProcImg->setChecked(target != nullptr && target->showsProc());
+}
+
+void Body::onMouseMovedInDispA() {
+    updateValueAndCrossSections();
+}
+
+void Body::updateValueAndCrossSections() {
+    const QPointF position = m_ui->dispA->realPosition();
+    const int x = toClampedInt(std::floor(position.x()), -1, 1 << 30);
+    const int y = toClampedInt(std::floor(position.y()), -1, 1 << 30);
+
+    int width = 0;
+    int height = 0;
+    PixelValue valueAt;
+    const TiffData* frame = shownFrame();
+    const Analyzed2DRes* result = shownResult();
+    if (frame != nullptr) {
+        width = static_cast<int>(frame->width);
+        height = static_cast<int>(frame->rows.size());
+        valueAt = [frame](int column, int row) {
+            return static_cast<double>(frame->rows[static_cast<std::size_t>(row)][column]);
+        };
+    } else if (result != nullptr) {
+        width = result->grid().width;
+        height = result->grid().height;
+        valueAt = [result](int column, int row) { return result->shownValueAt(column, row); };
+    }
+    const bool inside = x >= 0 && y >= 0 && x < width && y < height;
+    m_ui->Value->setText(inside ? QString::number(valueAt(x, y), 'g', 6) : QString());
+    m_hCross->setProfile(rowProfile(width, height, valueAt, y, halfHeight()), 0);
+    m_vCross->setProfile(columnProfile(width, height, valueAt, x, halfWidth()), 0);
+    m_hCross->setMarker(position.x());
+    m_vCross->setMarker(position.y());
+}
+
+void Body::showProgress(double percent) {
+    // Painted at once and nothing else: a blocking analysis must not take events in between.
+    m_progressBar->setVisible(percent < 100.0);
+    m_progressBar->setValue(toClampedInt(percent, 0, 100));
+    m_progressBar->repaint();
+    emit analysisProgress(percent);
+}
+
+void Body::showResAnalysis(bool) {
+    redisplay();
+}
+
+void Body::showShiftMap() {
+    redisplay();
+}
+
+void Body::setupResAnalysisImage() {
+    if (Analyzed2DRes* selected = m_analyzer->selectedResult()) {
+        selected->genImg();
+    }
+}
+
+void Body::selectedNewRef() {
+    redisplay();
+}

@@ -1,0 +1,150 @@
+// The two stacks of the main window: loading, clearing, and the frame on display.
+
+#include <QSlider>
+
+#include "app/Body.h"
+#include "app/BodyStack.h"
+#include "display/ImageView.h"
+#include "imagedata/AbsorptionSource.h"
+#include "imagedata/SelectDataFiles.h"
+#include "ui_Body.h"
+
+void Body::clearI1Files() {
+    stop2DAnalysis();
+    m_imageWidth = -1;
+    m_imageHeight = -1;
+    clear(*m_i1);
+}
+
+void Body::clearI0Files() {
+    clear(*m_i0);
+}
+
+void Body::readI1Files(const QStringList& files, bool newFile) {
+    if (newFile) {
+        clearI1Files();
+    }
+    read(*m_i1, files);
+}
+
+void Body::readI0Files(const QStringList& files, bool newFile) {
+    if (newFile) {
+        clearI0Files();
+    }
+    read(*m_i0, files);
+}
+
+void Body::loadNextI1() {
+    loadNext(*m_i1);
+}
+void Body::loadNextI0() {
+    loadNext(*m_i0);
+}
+
+void Body::loadedI1(TiffData* loaded) {
+    if (TiffData* frame = arrived(*m_i1, loaded)) {
+        if (m_i1->loader.frames().size() == 1) {
+            m_imageWidth = static_cast<int>(frame->width);
+            m_imageHeight = static_cast<int>(frame->height);
+            m_ui->dispA->setImageSize(m_imageWidth, m_imageHeight);
+        }
+        m_i1->panel->select(m_i1->loader.frames().size() - 1);
+        redisplay();
+    }
+    loadNextI1();
+}
+
+void Body::loadedI0(TiffData* loaded) {
+    if (arrived(*m_i0, loaded) != nullptr) {
+        redisplay();
+    }
+    loadNextI0();
+}
+
+void Body::selectedDataI0(bool) {
+    showData(shownStack().panel->currentIndex());
+}
+
+void Body::showData(int n) {
+    m_frame = n;
+    redisplay();
+}
+
+void Body::prev() {
+    shownStack().panel->prev();
+}
+void Body::next() {
+    shownStack().panel->next();
+}
+void Body::sliderMoved(int n) {
+    shownStack().panel->select(n);
+}
+
+void Body::clear(Stack& stack) {
+    m_frame = shown() == ShownI0 || stack.id == Stack::I1 ? -1 : m_frame;
+    stack.panel->clearFiles();
+    stack.loader.clear();
+    stacksChanged();
+    if (stack.id == Stack::I1) {
+        m_ui->dispA->setImageSize(0, 0);
+    }
+    redisplay();
+    if (!stack.loader.isLoading()) {
+        return;
+    }
+    emit loadProgress(stack.id, stack.loader.done(), stack.loader.total());
+}
+
+void Body::read(Stack& stack, const QStringList& files) {
+    stack.loader.enqueue(files);
+    loadNext(stack);
+}
+
+void Body::loadNext(Stack& stack) {
+    if (const auto request = stack.loader.next()) {
+        if (stack.id == Stack::I1) {
+            emit loadI1(request->fileName, request->frame);
+        } else {
+            emit loadI0(request->fileName, request->frame);
+        }
+        return;
+    }
+    if (!stack.loader.isLoading()) {
+        QStringList problems;
+        for (const QString& file : stack.loader.takeFailures()) {
+            problems << QStringLiteral("cannot be read: ") + file;
+        }
+        answerWaiting(stack.work(), problems);
+    }
+}
+
+TiffData* Body::arrived(Stack& stack, TiffData* loaded) {
+    std::unique_ptr<TiffData> frame = stack.loader.arrived(loaded);
+    emit loadProgress(stack.id, stack.loader.done(), stack.loader.total());
+    if (!frame) {
+        return nullptr;
+    }
+    // The panel's list and the stack hold the same files in the same order.
+    frame->energy = stack.panel->newFile(frame->fileName);
+    TiffData* kept = frame.get();
+    stack.loader.frames().append(std::move(frame));
+    stacksChanged();
+    return kept;
+}
+
+void Body::stacksChanged() {
+    m_rows.reset();
+    m_source.reset();
+}
+
+Body::Stack& Body::shownStack() {
+    return shown() == ShownI0 ? *m_i0 : *m_i1;
+}
+
+const AbsorptionSource& Body::source() {
+    if (!m_source) {
+        m_source = std::make_unique<AbsorptionSource>(m_i1->loader.frames(), m_i0->loader.frames(),
+                                                      m_imageWidth, m_imageHeight);
+    }
+    return *m_source;
+}

@@ -1,0 +1,111 @@
+#include "TestMain.h"
+#include "app/BatchPacing.h"
+#include "app/CommandLine.h"
+#include "app/StackLoader.h"
+
+class TestStackLoader : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void oneFrameAtATimeInOrder() {
+        StackLoader loader;
+        QVERIFY(!loader.next());
+        loader.enqueue({"a", "b"});
+        const auto first = loader.next();
+        QVERIFY(first);
+        QCOMPARE(first->fileName, QString("a"));
+        QVERIFY(!loader.next());
+        first->frame->loaded = true;
+        QCOMPARE(loader.arrived(first->frame).get(), first->frame);
+        QCOMPARE(loader.next()->fileName, QString("b"));
+        QCOMPARE(loader.total(), 2);
+    }
+
+    void unreadableFramesAreDroppedAndNamed() {
+        StackLoader loader;
+        loader.enqueue({"bad", "good"});
+        QVERIFY(!loader.arrived(loader.next()->frame));
+        const auto good = loader.next();
+        good->frame->loaded = true;
+        QVERIFY(loader.arrived(good->frame));
+        QCOMPARE(loader.takeFailures(), QStringList{"bad"});
+        QCOMPARE(loader.takeFailures(), QStringList());
+    }
+
+    /// A frame on its way when the stack is cleared must not turn up in the new stack.
+    void clearingDropsTheFrameUnderWay() {
+        StackLoader loader;
+        loader.enqueue({"old1", "old2"});
+        const auto stale = loader.next();
+        loader.clear();
+        loader.enqueue({"new"});
+        QVERIFY(!loader.next());
+        QCOMPARE(loader.total(), 1);
+        stale->frame->loaded = true;
+        QVERIFY(!loader.arrived(stale->frame));
+        const auto fresh = loader.next();
+        QCOMPARE(fresh->fileName, QString("new"));
+        fresh->frame->loaded = true;
+        QVERIFY(loader.arrived(fresh->frame));
+        QVERIFY(!loader.isLoading());
+        QVERIFY(loader.takeFailures().isEmpty());
+    }
+
+    void onlyTheAwaitedWorkAnswersABatch() {
+        using Work = BatchPacing::Work;
+        BatchPacing pacing;
+        QVERIFY(!pacing.isActive());
+        pacing.batchRequested();
+        QVERIFY(pacing.isActive());
+        QVERIFY(!pacing.acceptsLines());  // lines of the batch before
+        pacing.batchEnded();              // of the batch before
+        QVERIFY(pacing.isActive());
+        pacing.batchStarted();
+        QVERIFY(pacing.acceptsLines());
+        pacing.wait(CmdLine::parse("load_I1_files NEW a"), Work::LoadI1);
+        QVERIFY(!pacing.isWaitingFor(Work::LoadI0));
+        QVERIFY(!pacing.isWaitingFor(Work::Lcf));
+        QVERIFY(pacing.isWaitingFor(Work::LoadI1));
+        pacing.batchRequested();  // Exec. during the load
+        QVERIFY(!pacing.isWaitingFor(Work::LoadI1));
+        pacing.batchStarted();
+        pacing.batchEnded();
+        QVERIFY(!pacing.isActive());
+    }
+
+    void commandLine_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("batchFile");
+        QTest::addColumn<bool>("translate");
+        QTest::addColumn<bool>("execute");
+        QTest::newRow("none") << QStringList{} << "" << true << false;
+        QTest::newRow("-b file -x") << QStringList{"-b", "r.bat", "-x"} << "r.bat" << true << true;
+        QTest::newRow("-x -b file takes argv[2]")
+            << QStringList{"-x", "-b", "r.bat"} << "-b" << true << true;
+        QTest::newRow("-b alone") << QStringList{"-b"} << "" << true << false;
+        QTest::newRow("-e -j") << QStringList{"-e", "-j"} << "" << true << false;
+        QTest::newRow("-j -e") << QStringList{"-j", "-e"} << "" << false << false;
+        QTest::newRow("file named like an option")
+            << QStringList{"-b", "-x", "-e"} << "-x" << false << true;
+        QTest::newRow("unknown") << QStringList{"--help", "-B"} << "" << true << false;
+    }
+
+    void commandLine() {
+        QFETCH(QStringList, arguments);
+        QList<QByteArray> bytes{"tarnwick"};
+        for (const QString& argument : arguments) {
+            bytes << argument.toLocal8Bit();
+        }
+        QVector<const char*> argv;
+        for (const QByteArray& argument : bytes) {
+            argv << argument.constData();
+        }
+        const CommandLine line = readCommandLine(argv.size(), argv.constData());
+        QTEST(line.batchFile, "batchFile");
+        QTEST(line.translate, "translate");
+        QTEST(line.execute, "execute");
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestStackLoader)
+#include "tst_stackloader.moc"
