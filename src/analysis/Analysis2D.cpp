@@ -3,6 +3,7 @@
 #include <QDebug>
 #include <QString>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "analysis/AnalyzeProc.h"
@@ -83,25 +84,26 @@ void Analysis2D::handOver(const Point& point) {
     m_next = nextPoint(m_grid, false);
 }
 
-Analysis2D::Report Analysis2D::lcfPointReported() {
+Analysis2D::Progress Analysis2D::lcfPointReported() {
     if (!m_running) {
-        return Report::Ignored;
+        return Progress::Idle;
     }
     if (m_reportsToIgnore > 0) {  // of a fit that was under way when the analysis started
         --m_reportsToIgnore;
-        return Report::Ignored;
+        return Progress::SamePoint;
     }
     recordPoint();
     if (!m_next) {
-        return Report::LastPoint;
+        endLcf();
+        return Progress::Finished;
     }
     const Point point = *m_next;
     handOver(point);
     if (!point.newRow) {
-        return Report::NextPoint;
+        return Progress::NextPoint;
     }
     m_analyzer->setProgress(m_grid.percent());
-    return Report::NewRow;
+    return Progress::NewRow;
 }
 
 void Analysis2D::recordPoint() {
@@ -162,6 +164,9 @@ void Analysis2D::runRa(const AnalysisGrid& grid, const SpectrumAt& spectrumAt,
         grid,
         [&](int x, int y) {
             const XafsSpectrum spectrum = spectrumAt(x, y);
+            if (spectrum.isEmpty()) {
+                return;
+            }
             const double e = spectrum.shiftOn() ? energy - spectrum.shift() : energy;
             const double pre = spectrum.preEdge().valueAt(e);
             const double post = spectrum.postEdge().valueAt(e);
@@ -186,7 +191,7 @@ void Analysis2D::generateRaImages() {
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
             const double value = rest->valueAt(x, y);
-            lowest = value < lowest ? value : lowest;
+            lowest = std::isfinite(value) && value < lowest ? value : lowest;
         }
     }
     for (int y = 0; y < height; ++y) {

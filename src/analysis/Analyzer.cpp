@@ -3,6 +3,7 @@
 #include <QButtonGroup>
 #include <QFileInfo>
 #include <QRadioButton>
+#include <algorithm>
 
 #include "analysis/AnalyzeProc.h"
 #include "analysis/Analyzed2DRes.h"
@@ -113,6 +114,9 @@ Analyzed2DRes* Analyzer::selectedResult() const {
 }
 
 void Analyzer::addNewRef() {
+    if (m_busy) {  // the images of the run belong to the panels that it began with
+        return;
+    }
     const int index = m_references.size();
     // The numbers of the residual-absorption buttons follow those of the references: they move up
     // before the new button takes the first of them.
@@ -140,7 +144,8 @@ void Analyzer::addNewRef() {
         });
     }
     applyScales();
-    adjustSize();
+    layout()->activate();
+    resize(size().expandedTo(sizeHint()));
 }
 
 void Analyzer::showReferences() {
@@ -155,49 +160,58 @@ void Analyzer::showReferences() {
     m_view->setReferences(shown);
 }
 
-void Analyzer::handOver(const XafsSpectrum& spectrum) {
+void Analyzer::handOver(const XafsSpectrum& spectrum, bool isSample) {
     // The fitter reads what is frozen here; a fit that it will not report is not waited for.
     for (LCFReference* reference : qAsConst(m_references)) {
         reference->freezeFitInput();
     }
     if (!spectrum.isEmpty() && m_references.size() >= 2) {
         ++m_fitsOut;
+        m_sampleIsOut = isSample;
     }
     emit analyzeSpectrum0(spectrum, m_references, &m_fitted, m_ui->MLCF->isChecked());
 }
 
 void Analyzer::analyzeSpectrum(XafsSpectrum spectrum) {
+    analyze(spectrum, false);
+}
+
+void Analyzer::analyze(const XafsSpectrum& spectrum, bool isSample) {
     if (m_fitsOut > 0) {
-        m_waiting = spectrum;
+        m_waiting = Waiting{spectrum, isSample};
     } else {
-        handOver(spectrum);
+        handOver(spectrum, isSample);
     }
 }
 
 void Analyzer::analyzeSpectrumFinished() {
-    --m_fitsOut;
-    if (!m_busy) {
+    m_fitsOut = std::max(0, m_fitsOut - 1);
+    // A fit of an image's point, left over from a stopped run, belongs to no curve on display.
+    if (!m_busy && m_sampleIsOut) {
         m_view->setFit(m_fitted);
         m_view->show();
     }
     emit finished();
     if (m_fitsOut == 0 && m_waiting) {
-        const XafsSpectrum next = *m_waiting;
+        const Waiting next = *m_waiting;
         m_waiting.reset();
-        handOver(next);
+        handOver(next.spectrum, next.isSample);
     }
 }
 
 void Analyzer::analyzeAndShowSpectrum(XafsSpectrum spectrum) {
     m_sample = spectrum;
     m_view->setSample(spectrum, tr("Sample"));
+    if (m_busy || spectrum.isEmpty()) {
+        m_view->clearFit();
+    }
     reAnalyzeSpectrum();
 }
 
 void Analyzer::reAnalyzeSpectrum() {
     // A fit of the cursor's spectrum must not be taken for one of the image's points.
     if (!m_busy && !m_sample.isEmpty()) {
-        analyzeSpectrum(m_sample);
+        analyze(m_sample, true);
     }
 }
 
@@ -248,10 +262,13 @@ void Analyzer::setContAccess(bool on) {
     m_busy = on;
     m_worker->setContAccess(on);
     m_ui->AddRef->setEnabled(!on);
-    m_ui->AddRef->setToolTip(on ? tr("Not while an analysis of the image runs") : QString());
-    if (on) {
-        m_waiting.reset();
+    m_ui->AddRef->setToolTip(on ? tr("Not while an analysis of the image runs")
+                                : tr("Add a row for one more reference spectrum"));
+    for (LCFReference* reference : qAsConst(m_references)) {
+        reference->setFileChoiceEnabled(!on);
     }
+    // What waits belongs to the time before.
+    m_waiting.reset();
 }
 
 void Analyzer::setLCFMode(int mode) {

@@ -99,7 +99,8 @@ class Analyzer : public QFrame {
   private:
     void connectControls();
     void startWorker();
-    void handOver(const XafsSpectrum& spectrum);
+    void analyze(const XafsSpectrum& spectrum, bool isSample);
+    void handOver(const XafsSpectrum& spectrum, bool isSample);
     void showReferences();
 
     std::unique_ptr<Ui::Analyzer> m_ui;
@@ -112,8 +113,13 @@ class Analyzer : public QFrame {
     bool m_busy = false;
     int m_fitsOut = 0;
     XafsSpectrum m_sample;
-    XafsSpectrum m_fitted;  // written by the fitter; copied when it reports
-    std::optional<XafsSpectrum> m_waiting;
+    XafsSpectrum m_fitted;       // written by the fitter; copied when it reports
+    bool m_sampleIsOut = false;  // the fit that is out is of the sample on display
+    struct Waiting {
+        XafsSpectrum spectrum;
+        bool isSample;
+    };
+    std::optional<Waiting> m_waiting;
 
     std::unique_ptr<Analyzed2DRes> m_raDmut;
     std::unique_ptr<Analyzed2DRes> m_raRest;

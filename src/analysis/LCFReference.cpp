@@ -1,5 +1,6 @@
 #include "analysis/LCFReference.h"
 
+#include <QPushButton>
 #include <QThread>
 #include <atomic>
 
@@ -48,6 +49,13 @@ void LCFReference::setUse(bool use) {
 }
 bool LCFReference::isShown() const {
     return m_ui->Show->isChecked();
+}
+
+void LCFReference::setFileChoiceEnabled(bool on) {
+    const auto buttons = m_ui->XFS->findChildren<QPushButton*>();
+    for (QPushButton* button : buttons) {
+        button->setEnabled(on);
+    }
 }
 
 Analyzed2DRes* LCFReference::result(int kind) const {

@@ -40,6 +40,8 @@ class LCFReference : public QFrame {
     bool isUsed() const { return m_use; }
     void setUse(bool use);
     bool isShown() const;
+    /// The buttons that choose and clear the file.
+    void setFileChoiceEnabled(bool on);
     double deltaE() const { return m_deltaE; }
     double ratio() const { return m_ratio; }
 
