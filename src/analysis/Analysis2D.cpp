@@ -94,7 +94,6 @@ Analysis2D::Progress Analysis2D::lcfPointReported() {
     }
     recordPoint();
     if (!m_next) {
-        endLcf();
         return Progress::Finished;
     }
     const Point point = *m_next;

@@ -25,7 +25,7 @@ class Analysis2D {
 
     /// What a report of the fitter has led to: nothing runs; it was of an older fit and does not
     /// count; the next point of the row, or of a new row, is with the fitter; the last point is
-    /// recorded and the analysis has ended.
+    /// recorded.
     enum class Progress { Idle, SamePoint, NextPoint, NewRow, Finished };
 
     explicit Analysis2D(Analyzer* analyzer) : m_analyzer(analyzer) {}
@@ -37,12 +37,13 @@ class Analysis2D {
     bool lcfRunning() const { return m_running; }
     double lcfPercent() const { return m_grid.percent(); }
     /// The fitter has reported: records its point and hands over the next. After Finished the
-    /// caller makes the images.
+    /// caller makes the images and ends the analysis.
     Progress lcfPointReported();
     /// Writes the fitter's results into the images of the panels that took part in the fit.
     void recordPoint();
     /// Remakes the pictures of all DMut and Ratio images.
     void generateLcfImages();
+    void endLcf();
 
     /// Runs the RA analysis; progress gets the per cent done at each new row.
     void runRa(const AnalysisGrid& grid, const SpectrumAt& spectrumAt,
@@ -61,7 +62,6 @@ class Analysis2D {
     std::optional<Point> nextPoint(AnalysisGrid grid, bool atFirst) const;
     void handOver(const Point& point);
     void idle();
-    void endLcf();
 
     Analyzer* m_analyzer;
     SpectrumAt m_spectrumAt;

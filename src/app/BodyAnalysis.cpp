@@ -167,13 +167,13 @@ void Body::stop2DAnalysis() {
 
 void Body::analyzeASpectrumFinished() {
     switch (m_analysis->lcfPointReported()) {
-        case Analysis2D::Report::NewRow:
+        case Analysis2D::Progress::NewRow:
             if (m_analyzer->dispOnTime()) {
                 generateResImages();
             }
             showProgress(m_analysis->lcfPercent());
             break;
-        case Analysis2D::Report::LastPoint:
+        case Analysis2D::Progress::Finished:
             m_rows.reset();
             generateResImages();
             m_analysis->endLcf();

@@ -5,6 +5,8 @@
 #include "spectra/Spectrum.h"
 #include "spectra/XafsSpectrum.h"
 
+Q_DECLARE_METATYPE(Spectrum)
+
 namespace {
 
 Spectrum make(const QVector<QPair<double, double>>& points) {
@@ -125,8 +127,6 @@ class TestSpectrum : public QObject {
         QCOMPARE(liveXafsSpectra(), xafs);
     }
 };
-
-Q_DECLARE_METATYPE(Spectrum)
 
 TARNWICK_TEST_MAIN(QCoreApplication, TestSpectrum)
 #include "tst_spectrum.moc"

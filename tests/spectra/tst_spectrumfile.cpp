@@ -17,6 +17,8 @@ const char Header[] =
     "    Offset         0         0   826.150   652.975\n";
 }  // namespace
 
+Q_DECLARE_METATYPE(Points)
+
 class TestSpectrumFile : public QObject {
     Q_OBJECT
 
@@ -150,8 +152,6 @@ class TestSpectrumFile : public QObject {
         QVERIFY(std::abs(s.dMut() - jump) < 6e-6);
     }
 };
-
-Q_DECLARE_METATYPE(Points)
 
 TARNWICK_TEST_MAIN(QCoreApplication, TestSpectrumFile)
 #include "tst_spectrumfile.moc"
