@@ -44,7 +44,7 @@ bool setTags(TIFF* tiff, quint32 width, int height) {
 bool writeStrips(TIFF* tiff, int height, const quint16* data, quint64 dataCount) {
     uint32_t rowsPerStrip = 0;
     TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
-    if (rowsPerStrip == 0) {
+    if (rowsPerStrip == 0 || height <= 0) {
         return false;
     }
     const quint64 rowCount = static_cast<quint64>(height);
@@ -66,7 +66,7 @@ bool writeStrips(TIFF* tiff, int height, const quint16* data, quint64 dataCount)
         }
         place += 2 * static_cast<quint64>(size);
     }
-    return true;
+    return TIFFFlush(tiff) == 1;  // a full disk shows at the latest here
 }
 
 /// Puts the finished file in the place of the old one.
