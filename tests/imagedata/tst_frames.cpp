@@ -195,5 +195,5 @@ class TestFrames : public QObject {
     }
 };
 
-TARNWICK_TEST_MAIN(QGuiApplication, TestFrames)
+TARNWICK_TEST_MAIN(QCoreApplication, TestFrames)
 #include "tst_frames.moc"
