@@ -89,7 +89,7 @@ void TiffData::makeImage() {
     if (count == 0) {
         return;
     }
-    pixels = new (std::nothrow) uchar[count * bytesPerPixel]();
+    pixels = new (std::nothrow) uchar[count * bytesPerPixel];
     if (pixels == nullptr) {
         return;
     }
@@ -110,6 +110,8 @@ void TiffData::makeImage() {
     const quint32 tableSize = static_cast<quint32>(table.size() / bytesPerPixel);
     uchar* out = pixels;
     const std::size_t shown = std::min<std::size_t>(rows.size(), height);
+    const std::size_t drawn = shown * width * bytesPerPixel;
+    std::memset(pixels + drawn, 0, count * bytesPerPixel - drawn);
     for (std::size_t y = 0; y < shown; ++y) {
         const quint16* row = rows[y];
         for (quint32 x = 0; x < width; ++x, out += bytesPerPixel) {

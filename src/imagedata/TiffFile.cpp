@@ -133,12 +133,16 @@ bool TiffData::readTiff(const QString& name) {
         std::max(static_cast<std::size_t>(lineBytes), static_cast<std::size_t>(width) * 2);
     rows.reserve(height);
     for (quint32 y = 0; y < height; ++y) {
-        quint16* row = appendRow(rowBytes);
+        auto* row = static_cast<quint16*>(allocateRow(rowBytes));
         if (row == nullptr) {
             clearRows();
             return false;
         }
-        TIFFReadScanline(tiff.get(), row, y, 0);
+        rows.push_back(row);
+        // Only what the file does not fill is cleared: writing every row twice costs time.
+        const std::size_t filled =
+            TIFFReadScanline(tiff.get(), row, y, 0) == 1 ? static_cast<std::size_t>(lineBytes) : 0;
+        std::memset(reinterpret_cast<char*>(row) + filled, 0, rowBytes - filled);
         foldIn(row);
     }
     makeImage();
