@@ -8,9 +8,8 @@
 
 namespace {
 
-int clipped(int half, int size) {
-    return static_cast<int>(std::min<qint64>(std::abs(static_cast<qint64>(half)), size));
-}
+/// Rows whose counts a 32-bit column sum holds for certain.
+constexpr qint64 RowsPerColumnSum = 65537;
 
 double muT(double s0, double s1) {
     return s0 * s1 > 0.0 ? std::log(s0 / s1) : 1.0;
@@ -72,8 +71,8 @@ BlockRowSpectra::BlockRowSpectra(const AbsorptionSource& source, int firstX, int
       m_firstX(firstX),
       m_stepX(std::max(1, stepX)),
       m_count(0),
-      m_halfWidth(clipped(halfWidth, source.m_width)),
-      m_halfHeight(clipped(halfHeight, source.m_height)) {
+      m_halfWidth(halfWidth),
+      m_halfHeight(halfHeight) {
     const int end = std::min(endX, source.m_width);
     if (firstX >= 0 && firstX < end) {
         m_count = (end - 1 - firstX) / m_stepX + 1;
@@ -81,10 +80,12 @@ BlockRowSpectra::BlockRowSpectra(const AbsorptionSource& source, int firstX, int
 }
 
 Spectrum BlockRowSpectra::at(int x, int y) {
-    const int block = x >= m_firstX ? (x - m_firstX) / m_stepX : m_count;
-    if (block >= m_count || (x - m_firstX) % m_stepX != 0 || !m_source.isInside(x, y)) {
+    const bool onRaster = m_source.isInside(x, y) && m_count > 0 && x >= m_firstX &&
+                          (x - m_firstX) % m_stepX == 0 && (x - m_firstX) / m_stepX < m_count;
+    if (!onRaster) {
         return m_source.spectrumAt(x, y, m_halfWidth, m_halfHeight);
     }
+    const int block = (x - m_firstX) / m_stepX;
     if (y != m_row) {
         formRow(y);
     }
@@ -96,25 +97,42 @@ Spectrum BlockRowSpectra::at(int x, int y) {
 }
 
 void BlockRowSpectra::sumBlocks(const TiffData& frame, int y, double* sums) {
-    const qint64 top = std::max<qint64>(0, static_cast<qint64>(y) - m_halfHeight);
-    const qint64 bottom = std::min<qint64>(static_cast<qint64>(frame.rows.size()) - 1,
-                                           static_cast<qint64>(y) + m_halfHeight);
-    const std::size_t width = frame.width;
+    const qint64 halfWidth = std::abs(static_cast<qint64>(m_halfWidth));
+    const qint64 halfHeight = std::abs(static_cast<qint64>(m_halfHeight));
+    const qint64 lastX = m_firstX + static_cast<qint64>(m_count - 1) * m_stepX;
+    const qint64 top = std::max<qint64>(0, y - halfHeight);
+    const qint64 bottom =
+        std::min<qint64>(static_cast<qint64>(frame.rows.size()) - 1, y + halfHeight);
+    // Only the columns that some block covers.
+    const qint64 from = std::max<qint64>(0, m_firstX - halfWidth);
+    const qint64 to = std::min<qint64>(static_cast<qint64>(frame.width) - 1, lastX + halfWidth);
+    if (to < from || bottom < top) {
+        std::fill(sums, sums + m_count, 0.0);
+        return;
+    }
+    if (bottom - top >= RowsPerColumnSum) {
+        for (int block = 0; block < m_count; ++block) {
+            sums[block] = frame.boxSum(m_firstX + block * m_stepX, y, m_halfWidth, m_halfHeight);
+        }
+        return;
+    }
     // Whole numbers: the order of summing does not change the result.
-    m_columns.assign(width, 0);
+    m_columns.assign(static_cast<std::size_t>(to - from + 1), 0);
+    quint32* const columns = m_columns.data();
+    const std::size_t columnCount = m_columns.size();
     for (qint64 r = top; r <= bottom; ++r) {
-        const quint16* row = frame.rows[static_cast<std::size_t>(r)];
-        for (std::size_t c = 0; c < width; ++c) {
-            m_columns[c] += row[c];
+        const quint16* row = frame.rows[static_cast<std::size_t>(r)] + from;
+        for (std::size_t c = 0; c < columnCount; ++c) {
+            columns[c] += row[c];
         }
     }
     for (int block = 0; block < m_count; ++block) {
         const qint64 x = m_firstX + static_cast<qint64>(block) * m_stepX;
-        const qint64 left = std::max<qint64>(0, x - m_halfWidth);
-        const qint64 right = std::min<qint64>(static_cast<qint64>(width) - 1, x + m_halfWidth);
+        const qint64 left = std::max(from, x - halfWidth);
+        const qint64 right = std::min(to, x + halfWidth);
         quint64 sum = 0;
         for (qint64 c = left; c <= right; ++c) {
-            sum += m_columns[static_cast<std::size_t>(c)];
+            sum += columns[c - from];
         }
         sums[block] = static_cast<double>(sum);
     }

@@ -68,7 +68,7 @@ class BlockRowSpectra {
     int m_halfHeight;
     int m_row = -1;
     std::vector<double> m_values;    // energies of block 0, of block 1, ...
-    std::vector<quint64> m_columns;  // column sums of the frame being summed
+    std::vector<quint32> m_columns;  // column sums of the frame being summed
     std::vector<double> m_i0Sums;    // block sums of every I0 frame
     std::vector<double> m_i1Sums;
 };

@@ -77,7 +77,7 @@ int TiffData::readImgHeader(const QString& name) {
 
 bool TiffData::readImg(const QString& name) {
     const int offset = readImgHeader(name);
-    if (offset < 1 || static_cast<quint64>(width) * height > maxPixels) {
+    if (offset < 1 || height > maxPixels || static_cast<quint64>(width) * height > maxPixels) {
         return false;
     }
     clearRows();

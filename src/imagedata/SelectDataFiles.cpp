@@ -73,6 +73,7 @@ double SelectDataFiles::newFile(const QString& fname) {
 
 void SelectDataFiles::clear() {
     emit clearRequested();
+    clearFiles();
 }
 
 void SelectDataFiles::clearFiles() {
@@ -101,10 +102,10 @@ void SelectDataFiles::loadNewFiles() {
     const QFileInfo last(m_ui->Selected->itemText(count() - 1));
     const QDateTime now = QDateTime::currentDateTime();
     QStringList fresh;
-    for (const QString& file :
-         listImageFiles(last.path(), {QStringLiteral("*.") + last.suffix()})) {
+    for (const QString& file : listImageFiles(last.path(), {})) {
         const QFileInfo info(file);
-        if (!listed.contains(info.absoluteFilePath()) &&
+        if (info.suffix().compare(last.suffix(), Qt::CaseInsensitive) == 0 &&
+            !listed.contains(info.absoluteFilePath()) &&
             info.lastModified().msecsTo(now) >= SettledAfterMs) {
             fresh << file;
         }

@@ -36,6 +36,7 @@ class SelectDataFiles : public QWidget {
     /// Appends a file with its energy (eV), which is returned. Without a match of the pattern the
     /// energy is the number of files before it, less one, in the unit chosen.
     double newFile(const QString& fname);
+    /// Empties the list and asks the owner to empty the stack.
     void clear();
     void clearFiles();
     void prev();

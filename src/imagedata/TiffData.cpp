@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <vector>
 
 #include "app/DebugLog.h"
 #include "app/Globals.h"
@@ -32,10 +33,15 @@ bool TiffData::load(const QString& name) {
     }
     file.close();
     const QByteArray kind(mark, 2);
-    if (kind == "II" || kind == "MM") {
-        loaded = readTiff(name);
-    } else if (kind == "IM") {
-        loaded = readImg(name);
+    try {
+        if (kind == "II" || kind == "MM") {
+            loaded = readTiff(name);
+        } else if (kind == "IM") {
+            loaded = readImg(name);
+        }
+    } catch (const std::bad_alloc&) {
+        clearRows();
+        dropPicture();
     }
     return loaded;
 }
@@ -83,7 +89,7 @@ void TiffData::makeImage() {
     if (count == 0) {
         return;
     }
-    pixels = new (std::nothrow) uchar[count * bytesPerPixel]();
+    pixels = new (std::nothrow) uchar[count * bytesPerPixel];
     if (pixels == nullptr) {
         return;
     }
@@ -101,11 +107,17 @@ void TiffData::makeImage() {
             std::memcpy(&table[(c - min) * bytesPerPixel], pictureOf(c), bytesPerPixel);
         }
     }
+    const quint32 tableSize = static_cast<quint32>(table.size() / bytesPerPixel);
     uchar* out = pixels;
-    for (const quint16* row : rows) {
+    const std::size_t shown = std::min<std::size_t>(rows.size(), height);
+    const std::size_t drawn = shown * width * bytesPerPixel;
+    std::memset(pixels + drawn, 0, count * bytesPerPixel - drawn);
+    for (std::size_t y = 0; y < shown; ++y) {
+        const quint16* row = rows[y];
         for (quint32 x = 0; x < width; ++x, out += bytesPerPixel) {
-            const uchar* in =
-                table.empty() ? pictureOf(row[x]) : &table[(row[x] - min) * bytesPerPixel];
+            // Unsigned: a count outside min .. max, should the two be out of date, is never in it.
+            const quint32 place = row[x] - min;
+            const uchar* in = place < tableSize ? &table[place * bytesPerPixel] : pictureOf(row[x]);
             if (bytesPerPixel == 1) {
                 *out = *in;
             } else {

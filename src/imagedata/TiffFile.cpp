@@ -44,7 +44,7 @@ bool setTags(TIFF* tiff, quint32 width, int height) {
 bool writeStrips(TIFF* tiff, int height, const quint16* data, quint64 dataCount) {
     uint32_t rowsPerStrip = 0;
     TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
-    if (rowsPerStrip == 0) {
+    if (rowsPerStrip == 0 || height <= 0) {
         return false;
     }
     const quint64 rowCount = static_cast<quint64>(height);
@@ -66,7 +66,7 @@ bool writeStrips(TIFF* tiff, int height, const quint16* data, quint64 dataCount)
         }
         place += 2 * static_cast<quint64>(size);
     }
-    return true;
+    return TIFFFlush(tiff) == 1;  // a full disk shows at the latest here
 }
 
 /// Puts the finished file in the place of the old one.
@@ -133,12 +133,16 @@ bool TiffData::readTiff(const QString& name) {
         std::max(static_cast<std::size_t>(lineBytes), static_cast<std::size_t>(width) * 2);
     rows.reserve(height);
     for (quint32 y = 0; y < height; ++y) {
-        quint16* row = appendRow(rowBytes);
+        auto* row = static_cast<quint16*>(allocateRow(rowBytes));
         if (row == nullptr) {
             clearRows();
             return false;
         }
-        TIFFReadScanline(tiff.get(), row, y, 0);
+        rows.push_back(row);
+        // Only what the file does not fill is cleared: writing every row twice costs time.
+        const std::size_t filled =
+            TIFFReadScanline(tiff.get(), row, y, 0) == 1 ? static_cast<std::size_t>(lineBytes) : 0;
+        std::memset(reinterpret_cast<char*>(row) + filled, 0, rowBytes - filled);
         foldIn(row);
     }
     makeImage();

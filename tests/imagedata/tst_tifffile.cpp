@@ -1,0 +1,203 @@
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QThread>
+#include <climits>
+#include <numeric>
+
+#include "TestMain.h"
+#include "TinyStacks.h"
+#include "imagedata/LoadTiff.h"
+#include "imagedata/TiffFile.h"
+
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
+
+namespace {
+
+QByteArray contentOf(const QString& name) {
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void put(const QString& name, const QByteArray& content) {
+    QFile file(name);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), qint64(content.size()));
+}
+
+std::vector<quint16> counting(int n) {
+    std::vector<quint16> data(static_cast<std::size_t>(n));
+    std::iota(data.begin(), data.end(), quint16(1));
+    return data;
+}
+
+}  // namespace
+
+class TestTiffFile : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void initTestCase() { silenceTiffMessages(); }
+
+    void whatIsWrittenIsRead_data() {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("plain") << "a.tif";
+        QTest::newRow("beyond Latin-1") << QString::fromUtf8("鉄-7112eV.tif");
+    }
+    void whatIsWrittenIsRead() {
+        QFETCH(QString, name);
+        QTemporaryDir dir;
+        const auto data = counting(30 * 10);
+        for (int again = 0; again < 2; ++again) {  // also over an old file
+            QVERIFY(writeTiff(dir.filePath(name), 30, 10, data.data()));
+        }
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 1);
+        TiffData frame;
+        for (int again = 0; again < 2; ++again) {  // also into a frame used before
+            QVERIFY(frame.load(dir.filePath(name)));
+            QVERIFY(frame.loaded);
+            QCOMPARE(frame.fileName, dir.filePath(name));
+            QCOMPARE(frame.rows.size(), std::size_t(10));
+            QCOMPARE(frame.width, 30u);
+            QCOMPARE(frame.height, 10u);
+            QCOMPARE(frame.min, 1u);
+            QCOMPARE(frame.max, 300u);
+            QCOMPARE(frame.scanlineSize, 60);
+            for (std::size_t y = 0; y < 10; ++y) {
+                QVERIFY(std::equal(frame.rows[y], frame.rows[y] + 30, &data[30 * y]));
+            }
+        }
+    }
+
+    /// Strips of `width` rows, each taken from twice as far on as the one before it.
+    void tallImagesKeepTheirStrips() {
+        QTemporaryDir dir;
+        const auto data = counting(10 * 30);
+        QVERIFY(writeTiff(dir.filePath("tall.tif"), 10, 30, data.data()));
+        TiffData frame;
+        QVERIFY(frame.load(dir.filePath("tall.tif")));
+        QCOMPARE(frame.rows[0][0], quint16(1));
+        QCOMPARE(frame.rows[9][9], quint16(100));
+        QCOMPARE(frame.rows[10][0], quint16(201));
+        QCOMPARE(frame.rows[19][9], quint16(300));
+        QCOMPARE(frame.rows[20][0], quint16(0));
+        QCOMPARE(frame.rows[29][9], quint16(0));
+
+        QVERIFY(writeOnesTiff(dir.filePath("ones.dat"), 10, 35));
+        QVERIFY(frame.load(dir.filePath("ones.dat")));
+        QCOMPARE(frame.boxSum(0, 0, 99, 99), 350.0);
+        QVERIFY(writeZerosTiff(dir.filePath("zeros.dat"), 10, 35));
+        QVERIFY(frame.load(dir.filePath("zeros.dat")));
+        QCOMPARE(frame.max, 0u);
+    }
+
+    void withoutPixelsThereIsAFileAllTheSame() {
+        QTemporaryDir dir;
+        const quint16 nothing = 0;
+        QVERIFY(!writeOnesTiff(dir.filePath("a"), 0, 0));
+        QVERIFY(!writeOnesTiff(dir.filePath("b"), 10, 0));
+        QVERIFY(!writeOnesTiff(dir.filePath("c"), 0, 10));
+        QVERIFY(!writeTiff(dir.filePath("d"), 10, -1, &nothing));
+        QVERIFY(!writeTiff(dir.filePath("e"), 10, INT_MIN, &nothing));
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList({"a", "b", "c", "d", "e"}));
+        TiffData frame;
+        QVERIFY(!frame.load(dir.filePath("a")) || frame.rows.empty());
+    }
+
+    void failedWritesLeaveTheOldFile() {
+        QTemporaryDir dir;
+        QVERIFY(!writeOnesTiff(dir.filePath("missing/a.tif"), 4, 4));
+        QVERIFY(QDir(dir.path()).mkdir("folder"));
+        QVERIFY(!writeOnesTiff(dir.filePath("folder"), 4, 4));
+        QVERIFY(QDir(dir.path()).entryList(QDir::Files).isEmpty());
+#ifdef Q_OS_UNIX
+        // A file that may not grow is what a full disk looks like.
+        const QString name = dir.filePath("a.tif");
+        QVERIFY(writeOnesTiff(name, 50, 50));
+        const QByteArray old = contentOf(name);
+        const auto before = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit free{};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &free), 0);
+        bool written[2] = {true, true};
+        for (int i = 0; i < 2; ++i) {
+            rlimit full = free;
+            full.rlim_cur = i == 0 ? 1000 : 5010;  // within the pixels, within the directory
+            setrlimit(RLIMIT_FSIZE, &full);
+            written[i] = writeZerosTiff(name, 50, 50);
+            setrlimit(RLIMIT_FSIZE, &free);
+        }
+        std::signal(SIGXFSZ, before);
+        QVERIFY(!written[0]);
+        QVERIFY(!written[1]);
+        QCOMPARE(contentOf(name), old);
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList("a.tif"));
+#endif
+    }
+
+    void damagedFilesAreReadAsFarAsTheyGo() {
+        QTemporaryDir dir;
+        const QString name = dir.filePath("a.tif");
+        TiffData frame;
+
+        put(name, rawTiff(4, 2, 8, "abcdABCD"));  // half of each row
+        QVERIFY(frame.load(name));
+        QCOMPARE(frame.rows[0][1], quint16('c' + 256 * 'd'));
+        QCOMPARE(frame.rows[1][0], quint16('A' + 256 * 'B'));
+        QCOMPARE(frame.rows[1][2], quint16(0));
+        QCOMPARE(frame.rows[1][3], quint16(0));
+
+        const auto data = counting(40 * 40);
+        QVERIFY(writeTiff(name, 40, 40, data.data()));
+        const QByteArray whole = rawTiff(
+            40, 40, 16, QByteArray(reinterpret_cast<const char*>(data.data()), 40 * 40 * 2));
+        put(name, whole.left(whole.size() - 1600));
+        QVERIFY(frame.load(name));
+        QCOMPARE(frame.rows.size(), std::size_t(40));
+        QCOMPARE(frame.rows[39][39], quint16(0));
+
+        for (const QSize size :
+             {QSize(2000000000, 2000000000), QSize(INT_MAX, 1), QSize(1, INT_MAX)}) {
+            put(name, rawTiff(static_cast<quint32>(size.width()),
+                              static_cast<quint32>(size.height()), 16, "ab"));
+            QVERIFY(!frame.load(name));
+            QVERIFY(frame.rows.empty());
+            QCOMPARE(frame.boxSum(0, 0, 5, 5), 0.0);
+        }
+    }
+
+    void theWorkerAnswersForEveryFile() {
+        QTemporaryDir dir;
+        const QStringList names =
+            writeTinyStack(dir.path(), "Fe", 8, 4, {7112.5, 7113},
+                           [](int i, int x, int) { return static_cast<quint16>(i + x); });
+        QCOMPARE(names.size(), 2);
+        QVERIFY(names.first().endsWith("Fe-7112_5000eV.tif"));
+        qRegisterMetaType<TiffData*>();
+        QThread thread;
+        LoadTiff worker;
+        worker.moveToThread(&thread);
+        QSignalSpy spy(&worker, &LoadTiff::loaded);
+        thread.start();
+        TiffData good;
+        TiffData bad;
+        QMetaObject::invokeMethod(&worker, "loadTiff", Qt::QueuedConnection,
+                                  Q_ARG(QString, names.last()), Q_ARG(TiffData*, &good));
+        QMetaObject::invokeMethod(&worker, "loadTiff", Qt::QueuedConnection,
+                                  Q_ARG(QString, dir.path()), Q_ARG(TiffData*, &bad));
+        QTRY_COMPARE(spy.size(), 2);
+        thread.quit();
+        thread.wait();
+        QCOMPARE(spy[0][0].value<TiffData*>(), &good);
+        QVERIFY(good.loaded);
+        QCOMPARE(good.rows[3][7], quint16(8));
+        QVERIFY(!bad.loaded);
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestTiffFile)
+#include "tst_tifffile.moc"
