@@ -3,8 +3,8 @@
 #include <QButtonGroup>
 #include <QCloseEvent>
 #include <QFileDialog>
-#include <QPainter>
 #include <QIntValidator>
+#include <QPainter>
 #include <QProgressBar>
 #include <QVBoxLayout>
 
@@ -169,6 +169,7 @@ void Body::connectImageControls() {
     m_vCross->follow(m_ui->dispA);
 
     for (QLineEdit* field : {m_ui->HWidth, m_ui->VWidth}) {
+        field->setValidator(new QIntValidator(field));
         connect(field, &QLineEdit::textChanged, this, [this] {
             m_ui->dispA->setBinBox(halfWidth(), halfHeight());
             showSpectrumAgain();

@@ -157,6 +157,7 @@ class Body : public QMainWindow {
     Spectrum spectrumOnGrid(const AnalysisGrid& grid, int x, int y);
     void showSpectrumAgain();
     void showProgress(double percent);
+    void showLoadProgress(const Stack& stack);
     QString startLcf();
     Analyzed2DRes* deglitchTarget() const;
 

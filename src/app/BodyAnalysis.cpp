@@ -150,6 +150,7 @@ void Body::startLCF2DAnalysis() {
     const QString why = startLcf();
     if (!why.isEmpty()) {
         debugTimed(QStringLiteral("LCF not started: ") + why);
+        note(why);
     }
 }
 

@@ -2,6 +2,11 @@
 
 #include "app/Body.h"
 #include "app/CommandHandlers.h"
+#include "ui_Body.h"
+
+namespace {
+constexpr int NoticeMs = 8000;
+}
 
 void Body::execCmd(CmdLine cmd, bool inRem) {
     if (!m_pacing.acceptsLines()) {
@@ -19,6 +24,7 @@ void Body::execCmd(CmdLine cmd, bool inRem) {
 
 void Body::note(const QString& problem) {
     m_problems << problem;
+    m_ui->statusbar->showMessage(problem, NoticeMs);
 }
 
 void Body::answer(const CmdLine& cmd, const QStringList& problems) {

@@ -149,9 +149,18 @@ void Body::updateValueAndCrossSections() {
 void Body::showProgress(double percent) {
     // Painted at once and nothing else: a blocking analysis must not take events in between.
     m_progressBar->setVisible(percent < 100.0);
+    m_progressBar->setRange(0, 100);
     m_progressBar->setValue(toClampedInt(percent, 0, 100));
     m_progressBar->repaint();
     emit analysisProgress(percent);
+}
+
+void Body::showLoadProgress(const Stack& stack) {
+    const StackLoader& loader = stack.loader;
+    m_progressBar->setVisible(loader.done() < loader.total());
+    m_progressBar->setRange(0, loader.total());
+    m_progressBar->setValue(loader.done());
+    emit loadProgress(stack.id, loader.done(), loader.total());
 }
 
 void Body::showResAnalysis(bool) {

@@ -66,8 +66,13 @@ void Body::selectedDataI0(bool) {
 }
 
 void Body::showData(int n) {
-    m_frame = n;
-    redisplay();
+    // Both panels tell of their choice; that of the stack which is not on display must not
+    // blank the other.
+    const auto* panel = qobject_cast<SelectDataFiles*>(sender());
+    if (panel == nullptr || panel == shownStack().panel) {
+        m_frame = n;
+        redisplay();
+    }
 }
 
 void Body::prev() {
@@ -81,7 +86,9 @@ void Body::sliderMoved(int n) {
 }
 
 void Body::clear(Stack& stack) {
-    m_frame = shown() == ShownI0 || stack.id == Stack::I1 ? -1 : m_frame;
+    if (&stack == &shownStack()) {
+        m_frame = -1;
+    }
     stack.panel->clearFiles();
     stack.loader.clear();
     stacksChanged();
@@ -89,14 +96,11 @@ void Body::clear(Stack& stack) {
         m_ui->dispA->setImageSize(0, 0);
     }
     redisplay();
-    if (!stack.loader.isLoading()) {
-        return;
-    }
-    emit loadProgress(stack.id, stack.loader.done(), stack.loader.total());
 }
 
 void Body::read(Stack& stack, const QStringList& files) {
     stack.loader.enqueue(files);
+    stack.panel->setLoading(stack.loader.isLoading());
     loadNext(stack);
 }
 
@@ -110,6 +114,7 @@ void Body::loadNext(Stack& stack) {
         return;
     }
     if (!stack.loader.isLoading()) {
+        stack.panel->setLoading(false);
         QStringList problems;
         for (const QString& file : stack.loader.takeFailures()) {
             problems << QStringLiteral("cannot be read: ") + file;
@@ -120,7 +125,7 @@ void Body::loadNext(Stack& stack) {
 
 TiffData* Body::arrived(Stack& stack, TiffData* loaded) {
     std::unique_ptr<TiffData> frame = stack.loader.arrived(loaded);
-    emit loadProgress(stack.id, stack.loader.done(), stack.loader.total());
+    showLoadProgress(stack);
     if (!frame) {
         return nullptr;
     }

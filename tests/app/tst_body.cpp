@@ -1,0 +1,213 @@
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QSlider>
+#include <QTemporaryDir>
+#include <cmath>
+
+#include "BatchRun.h"
+#include "Phantom.h"
+#include "TestMain.h"
+#include "analysis/Analyzed2DRes.h"
+#include "analysis/Analyzer.h"
+#include "analysis/LCFReference.h"
+#include "display/ImageView.h"
+#include "display/XafsView.h"
+
+namespace {
+
+template <typename Widget>
+Widget* child(QWidget& window, const char* name) {
+    auto* found = window.findChild<Widget*>(QString::fromLatin1(name));
+    Q_ASSERT(found != nullptr);
+    return found;
+}
+
+/// A real mouse move, which QTest's is not.
+void moveMouse(QWidget* widget, const QPoint& to) {
+    QMouseEvent event(QEvent::MouseMove, to, widget->mapToGlobal(to), widget->mapToGlobal(to),
+                      Qt::NoButton, Qt::NoButton, Qt::NoModifier, Qt::MouseEventNotSynthesized);
+    QApplication::sendEvent(widget, &event);
+}
+
+QPoint screenOf(const ImageView* view, double x, double y) {
+    return QPointF(view->coord().r2sX(x), view->coord().r2sY(y)).toPoint();
+}
+
+Analyzer* analyzerWindow() {
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows) {
+        if (auto* analyzer = qobject_cast<Analyzer*>(window)) {
+            return analyzer;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+class TestBody : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void initTestCase() {
+        Phantom::Options options;
+        options.i0Energies = 21;
+        options.fractionOfA = [](int x, int) { return x / 11.0; };
+        m_phantom = std::make_unique<Phantom>(options);
+        QVERIFY(m_phantom->isValid());
+    }
+
+    void init() {
+        m_body = std::make_unique<Body>();
+        m_body->resize(1100, 800);
+        m_body->show();
+    }
+    void cleanup() { m_body.reset(); }
+
+    void framesAreSteppedAndChosen() {
+        load();
+        auto* bar = child<QSlider>(*m_body, "SeekBar");
+        QCOMPARE(bar->maximum(), 60);
+        QCOMPARE(bar->value(), 60);  // the newest frame
+        child<QPushButton>(*m_body, "Prev")->click();
+        QCOMPARE(bar->value(), 59);
+        child<QPushButton>(*m_body, "Next")->click();
+        child<QPushButton>(*m_body, "Next")->click();
+        QCOMPARE(bar->value(), 60);
+        child<QPushButton>(*m_body, "ShowI0")->click();
+        QCOMPARE(bar->maximum(), 20);
+        m_body->sliderMoved(7);
+        QCOMPARE(bar->value(), 7);
+        // More I1 frames must not blank the I0 frame on display.
+        m_body->readI1Files({m_phantom->file("i1-7000_000eV.tif")}, false);
+        QTRY_COMPARE(panelCount("SelectI1Files"), QString("62"));
+        QCOMPARE(bar->value(), 7);
+        child<QPushButton>(*m_body, "ShowData")->click();
+        QCOMPARE(bar->maximum(), 61);
+    }
+
+    void theCursorReadsPositionValueAndShift() {
+        load();
+        auto* view = child<ImageView>(*m_body, "dispA");
+        moveMouse(view, screenOf(view, 4.5, 3.5));
+        QCOMPARE(child<QLabel>(*m_body, "Position")->text(), QString("(   4,    3)"));
+        QCOMPARE(child<QLabel>(*m_body, "EShiftOnTbl")->text(), QString(" 0.00"));
+        QCOMPARE(child<QLabel>(*m_body, "EShiftFromStd")->text(), QString(" 0.00"));
+        const double mu = 4 / 11.0 * Phantom::muA(7300) + 7 / 11.0 * Phantom::muB(7300);
+        const double counts = child<QLineEdit>(*m_body, "Value")->text().toDouble();
+        QVERIFY(std::abs(counts - 60000 * std::exp(-mu)) < 1.0);
+        QCOMPARE(m_body->imageWidth(), 12);
+    }
+
+    /// The mouse over the image while an analysis runs must not be recorded as one of its points.
+    void theMouseDoesNotDisturbAnAnalysis() {
+        BatchRun batch(*m_body);
+        auto* view = child<ImageView>(*m_body, "dispA");
+        int moves = 0;
+        QStringList lines = m_phantom->loadAndSetReferences();
+        lines.insert(0, "analyzer_show_window");
+        QVERIFY(batch.run(lines));
+        Analyzer* analyzer = analyzerWindow();
+        connect(analyzer, &Analyzer::finished, view,
+                [&] { moveMouse(view, screenOf(view, 1.0 + (moves++ % 9), 2.5)); });
+        moveMouse(view, screenOf(view, 2.5, 2.5));  // a fit that is under way at the start
+        QVERIFY(batch.run({"analyzer_exec_LCF"}));
+        QVERIFY(batch.problems().isEmpty());
+        QVERIFY(moves >= 96);
+        Analyzed2DRes* ratio = analyzer->references().at(0)->result(LCFReference::Ratio);
+        for (int y = 0; y < 8; ++y) {
+            for (int x = 0; x < 12; ++x) {
+                QVERIFY(std::abs(ratio->valueAt(x, y) - x / 11.0) < 2e-4);
+            }
+        }
+    }
+
+    /// The cursor's spectrum is fitted as soon as the analyzer is open, and shown with its share.
+    void theCursorsSpectrumIsFitted() {
+        load();
+        Analyzer* analyzer = analyzerWindow();
+        analyzer->show();
+        BatchRun batch(*m_body);
+        QVERIFY(batch.run(m_phantom->loadAndSetReferences().mid(2)));
+        auto* view = child<ImageView>(*m_body, "dispA");
+        moveMouse(view, screenOf(view, 11.5, 3.5));
+        LCFReference* a = analyzer->references().at(0);
+        QTRY_COMPARE(child<QLineEdit>(*a, "R")->text(), QString("100.00"));
+        QVERIFY(std::abs(child<QLineEdit>(*a, "T")->text().toDouble() - 0.8) < 1e-3);
+    }
+
+    /// Stopping, starting again and clearing in the middle of a run.
+    void anAnalysisCanBeStoppedAndStartedAgain() {
+        BatchRun batch(*m_body);
+        QVERIFY(batch.run(m_phantom->loadAndSetReferences()));
+        Analyzer* analyzer = analyzerWindow();
+        m_body->startLCF2DAnalysis();
+        QVERIFY(analyzer->isBusy());
+        m_body->startLCF2DAnalysis();
+        QVERIFY(!analyzer->isBusy());
+        m_body->startLCF2DAnalysis();
+        QTRY_VERIFY(!analyzer->isBusy());
+        Analyzed2DRes* ratio = analyzer->references().at(0)->result(LCFReference::Ratio);
+        QVERIFY(std::abs(ratio->valueAt(11, 7) - 1.0) < 2e-4);
+        QVERIFY(std::abs(ratio->valueAt(0, 0)) < 2e-4);
+        m_body->startLCF2DAnalysis();
+        m_body->clearI1Files();
+        QVERIFY(!analyzer->isBusy());
+        QCOMPARE(m_body->imageWidth(), -1);
+    }
+
+    void clearingEmptiesListAndStack() {
+        load();
+        auto* panel = child<QWidget>(*m_body, "SelectI1Files");
+        child<QPushButton>(*panel, "Clear")->click();
+        QCOMPARE(panelCount("SelectI1Files"), QString("0"));
+        QCOMPARE(m_body->imageHeight(), -1);
+        auto* view = child<ImageView>(*m_body, "dispA");
+        QVERIFY(view->area().isEmpty());
+        m_body->startRA2DAnalysis();
+        m_body->execCalibration();
+        m_body->deglitch();
+        m_body->normalizeEShift();
+        m_body->saveImage(m_phantom->file("never.png"));
+        QVERIFY(!QFile::exists(m_phantom->file("never.png")));
+    }
+
+    void flatAndDarkFramesAreWritten() {
+        QTemporaryDir dir;
+        const QString before = QDir::currentPath();
+        QDir::setCurrent(dir.path());
+        m_body->saveFlatDark();  // before any image: without pixels
+        QVERIFY(QFile::exists("flat.dat") && QFile::exists("dark.dat"));
+        load();
+        m_body->saveFlatDark();
+        TiffData flat;
+        QVERIFY(flat.load("flat.dat"));
+        QCOMPARE(QSize(int(flat.width), int(flat.height)), QSize(12, 8));
+        QCOMPARE(int(flat.min), 1);
+        QCOMPARE(int(flat.max), 1);
+        TiffData dark;
+        QVERIFY(dark.load("dark.dat"));
+        QCOMPARE(int(dark.max), 0);
+        QDir::setCurrent(before);
+    }
+
+  private:
+    void load() {
+        BatchRun batch(*m_body);
+        QVERIFY(batch.run(m_phantom->loadAndSetReferences().mid(0, 4)));
+        QVERIFY(batch.problems().isEmpty());
+    }
+
+    QString panelCount(const char* panel) {
+        return child<QLabel>(*child<QWidget>(*m_body, panel), "Count")->text();
+    }
+
+    std::unique_ptr<Phantom> m_phantom;
+    std::unique_ptr<Body> m_body;
+};
+
+TARNWICK_TEST_MAIN(QApplication, TestBody)
+#include "tst_body.moc"
