@@ -132,7 +132,7 @@ void Analysis2DTest::runToEnd(const std::function<void(int)>& beforeReport) {
             beforeReport(reports);
         }
         ++reports;
-        done = m_analysis->lcfPointReported() == Analysis2D::Report::LastPoint;
+        done = m_analysis->lcfPointReported() == Analysis2D::Progress::Finished;
     });
     QTRY_VERIFY(done);
     disconnect(connection);
@@ -419,7 +419,7 @@ void Analysis2DTest::stopAndRestart() {
         gridOf(4, 2), [](int, int) { return mixture(0.99); }, &why));
     m_analysis->stopLcf();
     QVERIFY(!m_analysis->lcfRunning() && !m_analyzer->isBusy());
-    QCOMPARE(m_analysis->lcfPointReported(), Analysis2D::Report::Ignored);
+    QCOMPARE(m_analysis->lcfPointReported(), Analysis2D::Progress::Idle);
     QVERIFY(m_analysis->startLcf(gridOf(4, 2), spectrumAt, &why));
     runToEnd();
     for (int x = 0; x < 4; ++x) {
