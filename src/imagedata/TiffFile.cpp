@@ -19,6 +19,9 @@ struct CloseTiff {
 };
 using TiffHandle = std::unique_ptr<TIFF, CloseTiff>;
 
+/// Pixels that the narrowest row counts as against TiffData::maxPixels.
+constexpr quint64 SmallestRow = 32;
+
 /// Names are handed over as Latin-1; one that Latin-1 cannot hold, in the system's own encoding.
 QByteArray pathOf(const QString& name) {
     const QByteArray latin = name.toLatin1();
@@ -123,8 +126,9 @@ bool TiffData::readTiff(const QString& name) {
     TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height);
     TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width);
     const tmsize_t lineBytes = TIFFScanlineSize(tiff.get());
-    if (height > 0 && (lineBytes <= 0 || lineBytes > 0x7FFFFFFF ||
-                       static_cast<quint64>(width) * height > maxPixels ||
+    // A row costs memory of its own however narrow it is.
+    const quint64 rowCost = std::max<quint64>(width, SmallestRow);
+    if (height > 0 && (lineBytes <= 0 || lineBytes > 0x7FFFFFFF || rowCost * height > maxPixels ||
                        static_cast<quint64>(lineBytes) * height > 8 * maxPixels)) {
         return false;
     }

@@ -160,8 +160,8 @@ class TestTiffFile : public QObject {
         QCOMPARE(frame.rows.size(), std::size_t(40));
         QCOMPARE(frame.rows[39][39], quint16(0));
 
-        for (const QSize size :
-             {QSize(2000000000, 2000000000), QSize(INT_MAX, 1), QSize(1, INT_MAX)}) {
+        for (const QSize size : {QSize(2000000000, 2000000000), QSize(INT_MAX, 1),
+                                 QSize(1, INT_MAX), QSize(1, 1 << 28)}) {
             put(name, rawTiff(static_cast<quint32>(size.width()),
                               static_cast<quint32>(size.height()), 16, "ab"));
             QVERIFY(!frame.load(name));
