@@ -135,7 +135,8 @@ class TestBody : public QObject {
         auto* view = child<ImageView>(*m_body, "dispA");
         moveMouse(view, screenOf(view, 11.5, 3.5));
         LCFReference* a = analyzer->references().at(0);
-        QTRY_COMPARE(child<QLineEdit>(*a, "R")->text(), QString("100.00"));
+        // what is left of the rounding of the counts
+        QTRY_VERIFY(std::abs(child<QLineEdit>(*a, "R")->text().toDouble() - 100.0) < 0.05);
         QVERIFY(std::abs(child<QLineEdit>(*a, "T")->text().toDouble() - 0.8) < 1e-3);
     }
 
