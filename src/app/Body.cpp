@@ -54,6 +54,8 @@ Body::Body(QWidget* parent)
       m_ui(std::make_unique<Ui::Body>()),
       m_shiftMap(std::make_unique<Analyzed2DRes>()) {
     m_ui->setupUi(this);
+    m_ui->Position->setMinimumWidth(
+        fontMetrics().horizontalAdvance(QStringLiteral("(0000, 0000)")));
     m_i1 = std::make_unique<Stack>(Stack::I1, m_ui->SelectI1Files);
     m_i0 = std::make_unique<Stack>(Stack::I0, m_ui->SelectI0Files);
     m_ui->SelectI1Files->setLabel(tr("I1 Data"));

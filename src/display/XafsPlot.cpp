@@ -14,10 +14,13 @@
 
 namespace {
 
-constexpr double LeftMargin = 62.0;
-constexpr double RightMargin = 14.0;
-constexpr double TopMargin = 12.0;
-constexpr double BottomMargin = 40.0;
+/// The part of the canvas inside the axes, with room for two rows of text below and a column of
+/// numbers beside an upright title.
+QRectF plotRect(const QRectF& all, const QFontMetrics& font) {
+    const double row = font.height();
+    return all.adjusted(row + font.horizontalAdvance(QStringLiteral("-0.000")) + 14, row * 0.75,
+                        -row, -2 * row - 12);
+}
 
 }  // namespace
 
@@ -106,7 +109,7 @@ QRectF XafsView::extent(const QVector<Curve>& list) const {
 
 void XafsView::draw(QPainter* painter) {
     const QRectF all(m_ui->Canvas->rect());
-    const QRectF plot = all.adjusted(LeftMargin, TopMargin, -RightMargin, -BottomMargin);
+    const QRectF plot = plotRect(all, painter->fontMetrics());
     painter->fillRect(all, palette().color(QPalette::Base));
     if (plot.width() < 20 || plot.height() < 20) {
         return;

@@ -22,6 +22,10 @@ SelectDataFiles::SelectDataFiles(QWidget* parent)
     m_ui->setupUi(this);
     m_ui->SelectUnit->addItem(QStringLiteral("eV"), 1.0);
     m_ui->SelectUnit->addItem(QStringLiteral("keV"), 1000.0);
+    const int patternWidth =
+        fontMetrics().horizontalAdvance(m_ui->EngPattern->text() + QLatin1Char('M'));
+    m_ui->EngPattern->setMinimumWidth(patternWidth);
+    m_ui->EngPattern->setMaximumWidth(2 * patternWidth);
     m_dialog->setFileMode(QFileDialog::ExistingFiles);
     m_dialog->setAcceptMode(QFileDialog::AcceptOpen);
     m_dialog->setNameFilters(

@@ -1,4 +1,1050 @@
 <?xml version="1.0" encoding="utf-8"?>
 <!DOCTYPE TS>
 <TS version="2.1" language="ja_JP">
+<context>
+    <name>Analyzer</name>
+    <message>
+        <source>Analyzer</source>
+        <translation>解析</translation>
+    </message>
+    <message>
+        <source>LCF/MLCF AnalysisA</source>
+        <translation>LCF/MLCF 解析</translation>
+    </message>
+    <message>
+        <source>MLCF</source>
+        <translation>MLCF</translation>
+    </message>
+    <message>
+        <source>Fit mu-t itself, with a constant and a term linear in energy, instead of the normalised spectrum</source>
+        <translation>規格化スペクトルの代わりに、mu-t そのものを定数項とエネルギーの一次項を加えてフィットします</translation>
+    </message>
+    <message>
+        <source>Analyze</source>
+        <translation>解析実行</translation>
+    </message>
+    <message>
+        <source>Fit every bin of the selected area; a second click stops</source>
+        <translation>選択領域のすべてのビンをフィットします。もう一度押すと中止します</translation>
+    </message>
+    <message>
+        <source>Disp. on Time</source>
+        <translation>逐次表示</translation>
+    </message>
+    <message>
+        <source>Show the result image after each row</source>
+        <translation>1 行終わるごとに結果画像を表示します</translation>
+    </message>
+    <message>
+        <source>Done:</source>
+        <translation>進捗:</translation>
+    </message>
+    <message>
+        <source>Per cent of the image analysed</source>
+        <translation>解析済みの割合 (%)</translation>
+    </message>
+    <message>
+        <source>[%]</source>
+        <translation>[%]</translation>
+    </message>
+    <message>
+        <source>Show View</source>
+        <translation>スペクトル表示</translation>
+    </message>
+    <message>
+        <source>Show the spectrum with its fit</source>
+        <translation>スペクトルとフィット結果を表示します</translation>
+    </message>
+    <message>
+        <source>Reference Spectra</source>
+        <translation>参照スペクトル</translation>
+    </message>
+    <message>
+        <source>Add Ref</source>
+        <translation>参照を追加</translation>
+    </message>
+    <message>
+        <source>Add a row for one more reference spectrum</source>
+        <translation>参照スペクトルの行を 1 つ追加します</translation>
+    </message>
+    <message>
+        <source>Image Type:</source>
+        <translation>画像の種類:</translation>
+    </message>
+    <message>
+        <source>DMut</source>
+        <translation>DMut</translation>
+    </message>
+    <message>
+        <source>Edge jump due to a reference</source>
+        <translation>各参照成分によるエッジジャンプ</translation>
+    </message>
+    <message>
+        <source>Min.</source>
+        <translation>最小</translation>
+    </message>
+    <message>
+        <source>Max.</source>
+        <translation>最大</translation>
+    </message>
+    <message>
+        <source>Ratio</source>
+        <translation>比率</translation>
+    </message>
+    <message>
+        <source>Share of a reference</source>
+        <translation>各参照成分の割合</translation>
+    </message>
+    <message>
+        <source>Fixed Scale</source>
+        <translation>スケール固定</translation>
+    </message>
+    <message>
+        <source>Show the images on the scales given here instead of their own ranges</source>
+        <translation>画像ごとの範囲ではなく、ここで指定したスケールで表示します</translation>
+    </message>
+    <message>
+        <source>Residual Absorption</source>
+        <translation>残留吸収</translation>
+    </message>
+    <message>
+        <source>Res = mut(</source>
+        <translation>Res = mut(</translation>
+    </message>
+    <message>
+        <source>Energy at which the backgrounds are taken</source>
+        <translation>バックグラウンドを評価するエネルギー</translation>
+    </message>
+    <message>
+        <source> [eV])- dmut x</source>
+        <translation> [eV])- dmut x</translation>
+    </message>
+    <message>
+        <source>How many edge jumps are taken off</source>
+        <translation>差し引くエッジジャンプの倍率</translation>
+    </message>
+    <message>
+        <source>Analyse every bin of the selected area; this cannot be stopped</source>
+        <translation>選択領域のすべてのビンを解析します。途中で中止できません</translation>
+    </message>
+    <message>
+        <source>Show the Rest</source>
+        <translation>残差を表示</translation>
+    </message>
+    <message>
+        <source>Show dmut</source>
+        <translation>dmut を表示</translation>
+    </message>
+    <message>
+        <source>Show Ratio</source>
+        <translation>比率を表示</translation>
+    </message>
+    <message>
+        <source>Analyzing Spectrum</source>
+        <translation>解析中のスペクトル</translation>
+    </message>
+    <message>
+        <source>Select Ref%1</source>
+        <translation>参照 %1 を選択</translation>
+    </message>
+    <message>
+        <source>Show this reference&apos;s result image in the main window</source>
+        <translation>この参照の結果画像をメインウィンドウに表示します</translation>
+    </message>
+    <message>
+        <source>Sample</source>
+        <translation>試料</translation>
+    </message>
+    <message>
+        <source>Not while an analysis of the image runs</source>
+        <translation>画像の解析中は使えません</translation>
+    </message>
+</context>
+<context>
+    <name>BatchCtrl</name>
+    <message>
+        <source>Batch Ctrl.</source>
+        <translation>バッチ制御</translation>
+    </message>
+    <message>
+        <source>Batch Cmds</source>
+        <translation>バッチコマンド</translation>
+    </message>
+    <message>
+        <source>The batch: one command a line. A line that ends in a backslash goes on in the next one.</source>
+        <translation>バッチ: 1 行に 1 コマンド。行末がバックスラッシュの行は次の行に続きます。</translation>
+    </message>
+    <message>
+        <source>load_I1_files NEW ...</source>
+        <translation>load_I1_files NEW ...</translation>
+    </message>
+    <message>
+        <source>Progress Log</source>
+        <translation>実行ログ</translation>
+    </message>
+    <message>
+        <source>Replace the batch by one from a file</source>
+        <translation>ファイルからバッチを読み込んで置き換えます</translation>
+    </message>
+    <message>
+        <source>Load</source>
+        <translation>読み込み</translation>
+    </message>
+    <message>
+        <source>Save the batch to a file</source>
+        <translation>バッチをファイルに保存します</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
+    </message>
+    <message>
+        <source>Empty the progress log</source>
+        <translation>実行ログを消去します</translation>
+    </message>
+    <message>
+        <source>Clear Log</source>
+        <translation>ログ消去</translation>
+    </message>
+    <message>
+        <source>Empty the batch</source>
+        <translation>バッチを消去します</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>クリア</translation>
+    </message>
+    <message>
+        <source>Run the batch from its first line</source>
+        <translation>バッチを先頭行から実行します</translation>
+    </message>
+    <message>
+        <source>Exec.</source>
+        <translation>実行</translation>
+    </message>
+    <message>
+        <source>Stop the batch after the command that is running</source>
+        <translation>実行中のコマンドが終わったところでバッチを止めます</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Batch File (*.bat)</source>
+        <translation>バッチファイル (*.bat)</translation>
+    </message>
+    <message>
+        <source>Any Files (* *.*)</source>
+        <translation>すべてのファイル (* *.*)</translation>
+    </message>
+    <message>
+        <source>Load Batch File</source>
+        <translation>バッチファイルの読み込み</translation>
+    </message>
+    <message>
+        <source>Save Batch File</source>
+        <translation>バッチファイルの保存</translation>
+    </message>
+</context>
+<context>
+    <name>Body</name>
+    <message>
+        <source>Tarnwick</source>
+        <translation>Tarnwick</translation>
+    </message>
+    <message>
+        <source>Data</source>
+        <translation>データ</translation>
+    </message>
+    <message>
+        <source>Show the frames of the I1 stack (transmitted beam)</source>
+        <translation>I1 (透過光) のフレームを表示します</translation>
+    </message>
+    <message>
+        <source>I0</source>
+        <translation>I0</translation>
+    </message>
+    <message>
+        <source>Show the frames of the I0 stack (incident beam)</source>
+        <translation>I0 (入射光) のフレームを表示します</translation>
+    </message>
+    <message>
+        <source>Shift</source>
+        <translation>シフト</translation>
+    </message>
+    <message>
+        <source>Show the energy-shift map</source>
+        <translation>エネルギーシフトマップを表示します</translation>
+    </message>
+    <message>
+        <source>Res. Analysis</source>
+        <translation>解析結果</translation>
+    </message>
+    <message>
+        <source>Show the result image that is selected in the Analyzer</source>
+        <translation>解析ウィンドウで選択した結果画像を表示します</translation>
+    </message>
+    <message>
+        <source>Reset Scale</source>
+        <translation>全体表示</translation>
+    </message>
+    <message>
+        <source>Show the whole image</source>
+        <translation>画像全体を表示します</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>値</translation>
+    </message>
+    <message>
+        <source>Value of the shown image at the position</source>
+        <translation>表示中の画像のカーソル位置での値</translation>
+    </message>
+    <message>
+        <source>Previous frame</source>
+        <translation>前のフレーム</translation>
+    </message>
+    <message>
+        <source>Frame shown</source>
+        <translation>表示中のフレーム</translation>
+    </message>
+    <message>
+        <source>Next frame</source>
+        <translation>次のフレーム</translation>
+    </message>
+    <message>
+        <source>Position</source>
+        <translation>位置</translation>
+    </message>
+    <message>
+        <source>Position: </source>
+        <translation>位置: </translation>
+    </message>
+    <message>
+        <source>    E-Shift Tbl.: </source>
+        <translation>E シフト (マップ): </translation>
+    </message>
+    <message>
+        <source>Energy shift of the position in the energy-shift map, in eV</source>
+        <translation>エネルギーシフトマップでのこの位置のシフト量 (eV)</translation>
+    </message>
+    <message>
+        <source>   E-shift from Std.: </source>
+        <translation>標準との E 差: </translation>
+    </message>
+    <message>
+        <source>How far the edge of the position lies above the edge of the standard, in eV</source>
+        <translation>この位置の吸収端が標準の吸収端よりどれだけ高エネルギー側にあるか (eV)</translation>
+    </message>
+    <message>
+        <source>Bin half widths</source>
+        <translation>ビンの半幅</translation>
+    </message>
+    <message>
+        <source>A bin holds (2 xw + 1) x (2 yw + 1) pixels; 0 means a single pixel</source>
+        <translation>ビンは (2 xw + 1) x (2 yw + 1) 画素。0 は 1 画素です</translation>
+    </message>
+    <message>
+        <source>xw</source>
+        <translation>xw</translation>
+    </message>
+    <message>
+        <source>yw</source>
+        <translation>yw</translation>
+    </message>
+    <message>
+        <source>Windows</source>
+        <translation>ウィンドウ</translation>
+    </message>
+    <message>
+        <source>Show Spectrum</source>
+        <translation>スペクトル表示</translation>
+    </message>
+    <message>
+        <source>Show Cali. Ctrl.</source>
+        <translation>較正パネル表示</translation>
+    </message>
+    <message>
+        <source>Show Analyzer</source>
+        <translation>解析パネル表示</translation>
+    </message>
+    <message>
+        <source>Batch Ctrl.</source>
+        <translation>バッチ制御</translation>
+    </message>
+    <message>
+        <source>Dark Data</source>
+        <translation>ダークデータ</translation>
+    </message>
+    <message>
+        <source>Choose frames taken without beam; their mean is taken off the counts before spectra are formed</source>
+        <translation>ビームなしで撮ったフレームを選びます。その平均をカウントから差し引いてスペクトルを作ります</translation>
+    </message>
+    <message>
+        <source>Save Img/Data</source>
+        <translation>画像・データ保存</translation>
+    </message>
+    <message>
+        <source>Save Image</source>
+        <translation>画像を保存</translation>
+    </message>
+    <message>
+        <source>Save the image on display as a picture</source>
+        <translation>表示中の画像を画像ファイルに保存します</translation>
+    </message>
+    <message>
+        <source>Save All Images</source>
+        <translation>全画像を保存</translation>
+    </message>
+    <message>
+        <source>Save the result images of every reference in use as pictures</source>
+        <translation>使用中のすべての参照の結果画像を保存します</translation>
+    </message>
+    <message>
+        <source>Save Flat Dark</source>
+        <translation>フラット・ダーク保存</translation>
+    </message>
+    <message>
+        <source>Write flat.dat (all 1) and dark.dat (all 0) of the image&apos;s size into the current folder</source>
+        <translation>画像と同じ大きさの flat.dat (すべて 1) と dark.dat (すべて 0) を現在のフォルダーに書き出します</translation>
+    </message>
+    <message>
+        <source>Save Proc. Data</source>
+        <translation>処理データ保存</translation>
+    </message>
+    <message>
+        <source>Save Data</source>
+        <translation>データを保存</translation>
+    </message>
+    <message>
+        <source>Save the values of the selected result image as TIFF or text</source>
+        <translation>選択した結果画像の値を TIFF またはテキストで保存します</translation>
+    </message>
+    <message>
+        <source>Cfg.</source>
+        <translation>設定</translation>
+    </message>
+    <message>
+        <source>Choose the form in which values are saved</source>
+        <translation>値の保存形式を選びます</translation>
+    </message>
+    <message>
+        <source>Save XAFS Spectra</source>
+        <translation>XAFS スペクトル保存</translation>
+    </message>
+    <message>
+        <source>Save the spectra of the spectrum window</source>
+        <translation>スペクトルウィンドウのスペクトルを保存します</translation>
+    </message>
+    <message>
+        <source>DeGlitch</source>
+        <translation>グリッチ除去</translation>
+    </message>
+    <message>
+        <source>Factor</source>
+        <translation>係数</translation>
+    </message>
+    <message>
+        <source>A point is a glitch when it stands out by more than this times the mean</source>
+        <translation>周囲との差が平均のこの倍数を超える点をグリッチとみなします</translation>
+    </message>
+    <message>
+        <source>Ratio</source>
+        <translation>比率</translation>
+    </message>
+    <message>
+        <source>Only values within this part of the range from either end are taken for glitches</source>
+        <translation>値の範囲の両端からこの割合までの値だけをグリッチの候補とします</translation>
+    </message>
+    <message>
+        <source>de Glitch</source>
+        <translation>グリッチ除去</translation>
+    </message>
+    <message>
+        <source>Deglitch Selected Map</source>
+        <translation>選択中のマップのグリッチを除去します</translation>
+    </message>
+    <message>
+        <source>Show Processed</source>
+        <translation>処理後を表示</translation>
+    </message>
+    <message>
+        <source>Show and save the processed values instead of the original ones</source>
+        <translation>元の値の代わりに処理後の値を表示・保存します</translation>
+    </message>
+    <message>
+        <source>NES</source>
+        <translation>NES</translation>
+    </message>
+    <message>
+        <source>Deglitch E-Shift Map</source>
+        <translation>エネルギーシフトマップのグリッチを除去します</translation>
+    </message>
+    <message>
+        <source>I1 Data</source>
+        <translation>I1 データ</translation>
+    </message>
+    <message>
+        <source>I0 Data</source>
+        <translation>I0 データ</translation>
+    </message>
+    <message>
+        <source>Spectrum</source>
+        <translation>スペクトル</translation>
+    </message>
+    <message>
+        <source>Any Files (* *.*)</source>
+        <translation>すべてのファイル (* *.*)</translation>
+    </message>
+    <message>
+        <source>Image File (*.png)</source>
+        <translation>画像ファイル (*.png)</translation>
+    </message>
+    <message>
+        <source>XAFS Spectra (*.dat)</source>
+        <translation>XAFS スペクトル (*.dat)</translation>
+    </message>
+    <message>
+        <source>Position (%1, %2)</source>
+        <translation>位置 (%1, %2)</translation>
+    </message>
+    <message>
+        <source>%1 frame %2 of %3   %4 eV</source>
+        <translation>%1 フレーム %2 / %3   %4 eV</translation>
+    </message>
+    <message>
+        <source>Energy-shift map</source>
+        <translation>エネルギーシフトマップ</translation>
+    </message>
+    <message>
+        <source>Result image</source>
+        <translation>結果画像</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n file(s) to read</source>
+        <translation>
+            <numerusform>残り %n ファイル</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>CalibCtrl</name>
+    <message>
+        <source>Calibration</source>
+        <translation>エネルギー較正</translation>
+    </message>
+    <message>
+        <source>Standard</source>
+        <translation>標準試料</translation>
+    </message>
+    <message>
+        <source>Select Std.</source>
+        <translation>標準を選択</translation>
+    </message>
+    <message>
+        <source>Choose the file with the standard spectrum, for example of a metal foil.</source>
+        <translation>標準スペクトル (金属箔など) のファイルを選びます。</translation>
+    </message>
+    <message>
+        <source>Background</source>
+        <translation>バックグラウンド</translation>
+    </message>
+    <message>
+        <source>Straight lines (Simple) suit spectra that end near the edge; Victreen curves need a long range on both sides.</source>
+        <translation>吸収端の近くだけのスペクトルには直線 (Simple) が適します。Victreen には吸収端の前後に長い範囲が必要です。</translation>
+    </message>
+    <message>
+        <source>Std. :</source>
+        <translation>標準 :</translation>
+    </message>
+    <message>
+        <source>Simple</source>
+        <translation>直線</translation>
+    </message>
+    <message>
+        <source>Victreen</source>
+        <translation>Victreen</translation>
+    </message>
+    <message>
+        <source>Target :</source>
+        <translation>試料 :</translation>
+    </message>
+    <message>
+        <source>Energy</source>
+        <translation>エネルギー</translation>
+    </message>
+    <message>
+        <source>Crystal</source>
+        <translation>結晶</translation>
+    </message>
+    <message>
+        <source>Monochromator crystal: its d-spacing turns shifts into angles when the map is saved.</source>
+        <translation>分光結晶。マップの保存時に面間隔を使ってシフトを角度に変換します。</translation>
+    </message>
+    <message>
+        <source>Edge</source>
+        <translation>吸収端</translation>
+    </message>
+    <message>
+        <source>Edge energy with which a map is loaded. Filled in by the standard; empty or 0: the energy in the map file.</source>
+        <translation>マップの読み込みに使う吸収端エネルギー。標準を読み込むと入力されます。空または 0 のときはマップファイルの値を使います。</translation>
+    </message>
+    <message>
+        <source>from the map file</source>
+        <translation>マップファイルの値</translation>
+    </message>
+    <message>
+        <source>Energy-Shift Map</source>
+        <translation>エネルギーシフトマップ</translation>
+    </message>
+    <message>
+        <source>Exec Calib.</source>
+        <translation>較正を実行</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
+    </message>
+    <message>
+        <source>Load</source>
+        <translation>読み込み</translation>
+    </message>
+    <message>
+        <source>Load a saved energy-shift map of the image&apos;s size. Only maps of square images can be loaded.</source>
+        <translation>画像と同じ大きさの保存済みマップを読み込みます。読み込めるのは正方形の画像のマップだけです。</translation>
+    </message>
+    <message>
+        <source>Clear Map</source>
+        <translation>マップ消去</translation>
+    </message>
+    <message>
+        <source>Forget the map: no spectrum is shifted.</source>
+        <translation>マップを破棄します。スペクトルはシフトされなくなります。</translation>
+    </message>
+    <message>
+        <source>Save Energy-Shift Map</source>
+        <translation>エネルギーシフトマップの保存</translation>
+    </message>
+    <message>
+        <source>Load Energy-Shift Map</source>
+        <translation>エネルギーシフトマップの読み込み</translation>
+    </message>
+    <message>
+        <source>Energy Distribution Map File (*.emp)</source>
+        <translation>エネルギー分布マップ (*.emp)</translation>
+    </message>
+    <message>
+        <source>Any Files (* *.*)</source>
+        <translation>すべてのファイル (* *.*)</translation>
+    </message>
+    <message>
+        <source>No standard loaded</source>
+        <translation>標準は未選択です</translation>
+    </message>
+    <message>
+        <source>No standard is loaded. Choose one with &quot;Select Std.&quot;.</source>
+        <translation>標準が読み込まれていません。「標準を選択」で選んでください。</translation>
+    </message>
+    <message>
+        <source>Measure the energy shift of every bin of the selected area against the standard.</source>
+        <translation>選択領域のすべてのビンについて、標準に対するエネルギーシフトを求めます。</translation>
+    </message>
+    <message>
+        <source>Without one the map holds edge energies, not shifts.</source>
+        <translation>標準がないと、マップにはシフトではなく吸収端エネルギーが入ります。</translation>
+    </message>
+    <message>
+        <source>Save the energy-shift map as angles for this standard and crystal.</source>
+        <translation>この標準と結晶での角度としてエネルギーシフトマップを保存します。</translation>
+    </message>
+    <message>
+        <source>Without one the map is saved with the edge energy typed above.</source>
+        <translation>標準がないと、上に入力した吸収端エネルギーで保存します。</translation>
+    </message>
+</context>
+<context>
+    <name>ColorBar</name>
+    <message>
+        <source>Drag an end to fix the range of the frames; double click for each frame&apos;s own</source>
+        <translation>端をドラッグすると表示範囲を固定します。ダブルクリックでフレームごとの範囲に戻ります</translation>
+    </message>
+    <message>
+        <source>Auto</source>
+        <translation>自動</translation>
+    </message>
+</context>
+<context>
+    <name>CrossSection</name>
+    <message>
+        <source>Values along the row of the position, mean over the bin&apos;s height</source>
+        <translation>カーソル位置の行に沿った値 (ビンの高さで平均)</translation>
+    </message>
+    <message>
+        <source>Values along the column of the position, mean over the bin&apos;s width</source>
+        <translation>カーソル位置の列に沿った値 (ビンの幅で平均)</translation>
+    </message>
+</context>
+<context>
+    <name>ImageView</name>
+    <message>
+        <source>No image</source>
+        <translation>画像がありません</translation>
+    </message>
+</context>
+<context>
+    <name>LCFReference</name>
+    <message>
+        <source>Victreen</source>
+        <translation>Victreen</translation>
+    </message>
+    <message>
+        <source>Normalise with Victreen backgrounds instead of straight lines; choose the same for the target</source>
+        <translation>直線の代わりに Victreen のバックグラウンドで規格化します。試料側も同じにしてください</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>表示</translation>
+    </message>
+    <message>
+        <source>Show this reference in the spectrum window</source>
+        <translation>この参照をスペクトルウィンドウに表示します</translation>
+    </message>
+    <message>
+        <source>dMut</source>
+        <translation>dMut</translation>
+    </message>
+    <message>
+        <source>Edge jump of the reference itself</source>
+        <translation>参照自身のエッジジャンプ</translation>
+    </message>
+    <message>
+        <source>at</source>
+        <translation>@</translation>
+    </message>
+    <message>
+        <source>Middle of the reference&apos;s edge</source>
+        <translation>参照の吸収端の中点</translation>
+    </message>
+    <message>
+        <source>[eV]  </source>
+        <translation>[eV]  </translation>
+    </message>
+    <message>
+        <source>  dE [eV]</source>
+        <translation>  dE [eV]</translation>
+    </message>
+    <message>
+        <source>Energy offset of the reference: it is compared at E + dE</source>
+        <translation>参照のエネルギーオフセット。E + dE の値で比較します</translation>
+    </message>
+    <message>
+        <source>Share of this reference in the last fit, in per cent</source>
+        <translation>直前のフィットでのこの参照の割合 (%)</translation>
+    </message>
+    <message>
+        <source>[%]  </source>
+        <translation>[%]  </translation>
+    </message>
+    <message>
+        <source>mut</source>
+        <translation>mut</translation>
+    </message>
+    <message>
+        <source>Edge jump due to this reference in the last fit</source>
+        <translation>直前のフィットでのこの参照によるエッジジャンプ</translation>
+    </message>
+</context>
+<context>
+    <name>SaveDataCfg</name>
+    <message>
+        <source>Save Data Configuration</source>
+        <translation>データ保存の設定</translation>
+    </message>
+    <message>
+        <source>Save as Tiff</source>
+        <translation>TIFF で保存</translation>
+    </message>
+    <message>
+        <source>16-bit counts for image programs. Wide images only: data taller than wide come out scrambled, save those as text.</source>
+        <translation>画像ソフト用の 16 ビット値。横長の画像専用です。縦長のデータは並びが乱れるので、テキストで保存してください。</translation>
+    </message>
+    <message>
+        <source>Fixed Scale</source>
+        <translation>スケール固定</translation>
+    </message>
+    <message>
+        <source>Off: the lowest and the highest value of each map become 0 and 65535. On: the two values below, the same for every map. Used while saving as Tiff.</source>
+        <translation>オフ: マップごとの最小値と最大値が 0 と 65535 になります。オン: 下の 2 つの値をすべてのマップに使います。TIFF 保存時に有効です。</translation>
+    </message>
+    <message>
+        <source>Minimum</source>
+        <translation>最小値</translation>
+    </message>
+    <message>
+        <source>The value saved as 0. Used with Fixed Scale; values outside the range wrap around unless saved as analyzed.</source>
+        <translation>0 として保存する値。スケール固定時に使います。解析領域で保存しない場合、範囲外の値は桁あふれします。</translation>
+    </message>
+    <message>
+        <source>Maximum</source>
+        <translation>最大値</translation>
+    </message>
+    <message>
+        <source>The value saved as 65535. Used with Fixed Scale; values outside the range wrap around unless saved as analyzed.</source>
+        <translation>65535 として保存する値。スケール固定時に使います。解析領域で保存しない場合、範囲外の値は桁あふれします。</translation>
+    </message>
+    <message>
+        <source>Save as Text data</source>
+        <translation>テキストで保存</translation>
+    </message>
+    <message>
+        <source>A table with nine significant digits below header lines that begin with &quot;#&quot;.</source>
+        <translation>「#」で始まるヘッダー行と有効数字 9 桁の表です。</translation>
+    </message>
+    <message>
+        <source>Separator</source>
+        <translation>区切り</translation>
+    </message>
+    <message>
+        <source>Comma Separated</source>
+        <translation>コンマ区切り</translation>
+    </message>
+    <message>
+        <source>Used while saving as text.</source>
+        <translation>テキスト保存時に有効です。</translation>
+    </message>
+    <message>
+        <source>Space Separated</source>
+        <translation>空白区切り</translation>
+    </message>
+    <message>
+        <source>Layout</source>
+        <translation>並べ方</translation>
+    </message>
+    <message>
+        <source>X Y Val : 1point/1line</source>
+        <translation>X Y 値 : 1 点 1 行</translation>
+    </message>
+    <message>
+        <source>Pixel x, pixel y and the value, one point a line. Used while saving as text.</source>
+        <translation>画素 x、画素 y、値を 1 点 1 行で書きます。テキスト保存時に有効です。</translation>
+    </message>
+    <message>
+        <source>Val1 Val2 Val3... : each Y line</source>
+        <translation>値1 値2 値3... : Y ごとに 1 行</translation>
+    </message>
+    <message>
+        <source>The values only, one image row a line. Used while saving as text.</source>
+        <translation>値だけを画像の 1 行ごとに 1 行で書きます。テキスト保存時に有効です。</translation>
+    </message>
+    <message>
+        <source>Save as Analyzed Area Size and Resolution</source>
+        <translation>解析領域の大きさと解像度で保存</translation>
+    </message>
+    <message>
+        <source>One value for each analyzed bin, taken at its centre, instead of one for each pixel of the image. Acts on Tiff and text.</source>
+        <translation>画素ごとではなく、解析したビンごとに中心の値を 1 つ保存します。TIFF とテキストの両方に働きます。</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>閉じる</translation>
+    </message>
+    <message>
+        <source>Tiff File (*.tif)</source>
+        <translation>TIFF ファイル (*.tif)</translation>
+    </message>
+    <message>
+        <source>Data File (*.dat)</source>
+        <translation>データファイル (*.dat)</translation>
+    </message>
+    <message>
+        <source>Any Files (* *.*)</source>
+        <translation>すべてのファイル (* *.*)</translation>
+    </message>
+    <message>
+        <source>The lowest and highest value of each map become 0 and 65535.</source>
+        <translation>マップごとの最小値と最大値が 0 と 65535 になります。</translation>
+    </message>
+    <message>
+        <source>The maximum must be above the minimum.</source>
+        <translation>最大値は最小値より大きくしてください。</translation>
+    </message>
+    <message>
+        <source>Minimum and maximum become 0 and 65535.</source>
+        <translation>最小値と最大値が 0 と 65535 になります。</translation>
+    </message>
+</context>
+<context>
+    <name>SelectDataFiles</name>
+    <message>
+        <source>Select</source>
+        <translation>選択</translation>
+    </message>
+    <message>
+        <source>Choose the image files of this stack, in ascending energy</source>
+        <translation>このスタックの画像ファイルをエネルギーの昇順で選びます</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>追加</translation>
+    </message>
+    <message>
+        <source>Add the files to the list instead of replacing it</source>
+        <translation>リストを置き換えずにファイルを追加します</translation>
+    </message>
+    <message>
+        <source>Load New</source>
+        <translation>新規分を追加</translation>
+    </message>
+    <message>
+        <source>Add the files that have come into the folder since: for a measurement that still runs</source>
+        <translation>フォルダーに新しくできたファイルを追加します (測定中のデータ用)</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>クリア</translation>
+    </message>
+    <message>
+        <source>Empty this stack</source>
+        <translation>このスタックを空にします</translation>
+    </message>
+    <message>
+        <source>Number of files</source>
+        <translation>ファイル数</translation>
+    </message>
+    <message>
+        <source>Energy</source>
+        <translation>エネルギー</translation>
+    </message>
+    <message>
+        <source>Regular expression that finds the energy in a file&apos;s name. The whole path is searched, folders too; an underscore is the decimal point, so none may stand before the number.</source>
+        <translation>ファイル名からエネルギーを取り出す正規表現。フォルダー名を含むパス全体を検索します。「_」は小数点とみなすので、数値の前には使えません。</translation>
+    </message>
+    <message>
+        <source>Unit of the number in the file&apos;s name</source>
+        <translation>ファイル名の数値の単位</translation>
+    </message>
+    <message>
+        <source>IMG Files (*.img)</source>
+        <translation>IMG ファイル (*.img)</translation>
+    </message>
+    <message>
+        <source>Tiff Files (*.tif *.tiff)</source>
+        <translation>TIFF ファイル (*.tif *.tiff)</translation>
+    </message>
+    <message>
+        <source>Any Files (* *.*)</source>
+        <translation>すべてのファイル (* *.*)</translation>
+    </message>
+</context>
+<context>
+    <name>XafsFileSelect</name>
+    <message>
+        <source>Select</source>
+        <translation>選択</translation>
+    </message>
+    <message>
+        <source>Choose a spectrum file: the 9809 format, or two columns of energy in eV and mu-t</source>
+        <translation>スペクトルファイルを選びます (9809 形式、またはエネルギー (eV) と mu-t の 2 列)</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>クリア</translation>
+    </message>
+    <message>
+        <source>Empty the name; a spectrum that is loaded stays</source>
+        <translation>ファイル名を消します。読み込み済みのスペクトルは残ります</translation>
+    </message>
+    <message>
+        <source>Use</source>
+        <translation>使用</translation>
+    </message>
+    <message>
+        <source>Use this spectrum as a reference in the fit</source>
+        <translation>このスペクトルをフィットの参照に使います</translation>
+    </message>
+    <message>
+        <source>XAFS File Select</source>
+        <translation>XAFS ファイルの選択</translation>
+    </message>
+    <message>
+        <source>XAFS Data File (*.dat)</source>
+        <translation>XAFS データファイル (*.dat)</translation>
+    </message>
+    <message>
+        <source>Any Files (* *.*)</source>
+        <translation>すべてのファイル (* *.*)</translation>
+    </message>
+</context>
+<context>
+    <name>XafsView</name>
+    <message>
+        <source>Drag to magnify, double click to show everything</source>
+        <translation>ドラッグで拡大、ダブルクリックで全体表示</translation>
+    </message>
+    <message>
+        <source>What is plotted</source>
+        <translation>縦軸</translation>
+    </message>
+    <message>
+        <source>Unit of the abscissa</source>
+        <translation>横軸の単位</translation>
+    </message>
+    <message>
+        <source>Pre- and post-edge</source>
+        <translation>プリ・ポストエッジ</translation>
+    </message>
+    <message>
+        <source>Show the backgrounds under mu-t</source>
+        <translation>mu-t のバックグラウンドを表示します</translation>
+    </message>
+    <message>
+        <source>Corrected</source>
+        <translation>補正済み</translation>
+    </message>
+    <message>
+        <source>Save the energies with the correction of the energy-shift map</source>
+        <translation>エネルギーシフトマップで補正したエネルギーで保存します</translation>
+    </message>
+    <message>
+        <source>Fit</source>
+        <translation>フィット</translation>
+    </message>
+    <message>
+        <source>No spectrum</source>
+        <translation>スペクトルがありません</translation>
+    </message>
+    <message>
+        <source>Energy [eV]</source>
+        <translation>エネルギー [eV]</translation>
+    </message>
+    <message>
+        <source>Energy [keV]</source>
+        <translation>エネルギー [keV]</translation>
+    </message>
+    <message>
+        <source>Wavelength [A]</source>
+        <translation>波長 [A]</translation>
+    </message>
+    <message>
+        <source>Bragg angle [deg]</source>
+        <translation>ブラッグ角 [deg]</translation>
+    </message>
+    <message>
+        <source>Normalized</source>
+        <translation>規格化</translation>
+    </message>
+    <message>
+        <source>Double normalized</source>
+        <translation>二重規格化</translation>
+    </message>
+    <message>
+        <source>Post based</source>
+        <translation>ポスト基準</translation>
+    </message>
+    <message>
+        <source>Post based by span</source>
+        <translation>ポスト基準 (幅で規格化)</translation>
+    </message>
+</context>
 </TS>
