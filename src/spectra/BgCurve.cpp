@@ -8,18 +8,34 @@ namespace {
 /// Calls add(E, y) for the points with start <= E < end, in order.
 template <typename Add>
 void forRange(const Spectrum& spectrum, double start, double end, Add add) {
-    for (int i = 0; i < spectrum.size(); ++i) {
-        const double e = spectrum.energy(i);
+    const Spoint* const measured = spectrum.points();
+    const double offset = spectrum.offset();
+    const int size = spectrum.size();
+    for (int i = 0; i < size; ++i) {
+        const double e = measured[i].x - offset;
         if (e >= end) {
             break;
         }
         if (e >= start) {
-            add(e, spectrum.value(i));
+            add(e, measured[i].y);
         }
     }
 }
 
 }  // namespace
+
+template <typename Function>
+void BgCurve::evaluate(const Spectrum& spectrum, Function function) {
+    const Spoint* const measured = spectrum.points();
+    const double offset = spectrum.offset();
+    const int size = spectrum.size();
+    assignWith(size, [=](Spoint* points) {
+        for (int i = 0; i < size; ++i) {
+            const double e = measured[i].x - offset;
+            points[i] = {e, function(e)};
+        }
+    });
+}
 
 void BgCurve::fitLine(const Spectrum& spectrum, double start, double end) {
     m_victreen = false;
@@ -46,12 +62,7 @@ void BgCurve::fitLine(const Spectrum& spectrum, double start, double end) {
         m_c3 = c[0];
         m_c0 = c[1];
     }
-    assignWith(size, [&](Spoint* points) {
-        for (int i = 0; i < size; ++i) {
-            const double e = spectrum.energy(i);
-            points[i] = {e, m_c0 + m_c3 * e};
-        }
-    });
+    evaluate(spectrum, [c0 = m_c0, c3 = m_c3](double e) { return c0 + c3 * e; });
 }
 
 void BgCurve::fitVictreen(const Spectrum& spectrum, double start, double end) {
@@ -83,11 +94,8 @@ void BgCurve::fitVictreen(const Spectrum& spectrum, double start, double end) {
     m_c0 = c[0];
     m_c1 = c[1];
     m_c2 = c[2];
-    assignWith(size, [&](Spoint* points) {
-        for (int i = 0; i < size; ++i) {
-            const double e = spectrum.energy(i);
-            const double lambda = Hc / e;
-            points[i] = {e, m_c0 + (m_c2 * lambda + m_c1) * (lambda * lambda * lambda)};
-        }
+    evaluate(spectrum, [c0 = m_c0, c1 = m_c1, c2 = m_c2](double e) {
+        const double lambda = Hc / e;
+        return c0 + (c2 * lambda + c1) * (lambda * lambda * lambda);
     });
 }

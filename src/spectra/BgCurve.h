@@ -23,6 +23,10 @@ class BgCurve : public Spectrum {
     double c3() const { return m_c3; }  ///< slope of the straight line
 
   private:
+    /// The points become the function at every energy of the spectrum.
+    template <typename Function>
+    void evaluate(const Spectrum& spectrum, Function function);
+
     bool m_victreen = false;
     double m_c0 = 0.0;
     double m_c1 = 0.0;

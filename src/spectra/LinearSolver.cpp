@@ -1,67 +1,100 @@
 #include "spectra/LinearSolver.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numeric>
 #include <utility>
 
-void LuDecomposition::decompose(const double* a, int n) {
-    m_n = n;
-    const std::size_t size = static_cast<std::size_t>(n);
-    m_lu.assign(a, a + size * size);
-    m_row.resize(size);
-    m_work.resize(size);
-    std::iota(m_row.begin(), m_row.end(), 0);
+namespace {
+
+/// Decomposes the n x n matrix at lu in place; row gets the matrix's rows in pivot order.
+void decomposeInPlace(double* lu, int* row, int n) {
+    std::iota(row, row + n, 0);
     for (int k = 0; k < n; ++k) {
         // The first of equal candidates wins; NaN never does, so that row k stays the choice of a
         // column without a number.
         int pivotRow = k;
         double largest = -1e300;
         for (int i = k; i < n; ++i) {
-            const double candidate = std::abs(at(i, k));
+            const double candidate = std::abs(lu[i * n + k]);
             if (candidate > largest) {
                 largest = candidate;
                 pivotRow = i;
             }
         }
         if (pivotRow != k) {
-            std::swap(m_row[static_cast<std::size_t>(k)],
-                      m_row[static_cast<std::size_t>(pivotRow)]);
-            for (int j = 0; j < n; ++j) {
-                std::swap(at(k, j), at(pivotRow, j));
-            }
+            std::swap(row[k], row[pivotRow]);
+            std::swap_ranges(lu + k * n, lu + (k + 1) * n, lu + pivotRow * n);
         }
-        if (at(k, k) == 0.0) {
-            at(k, k) = 1.0;
+        double& pivot = lu[k * n + k];
+        if (pivot == 0.0) {
+            pivot = 1.0;
         }
-        const double pivot = at(k, k);
         for (int i = k + 1; i < n; ++i) {
-            const double multiplier = at(i, k) / pivot;
-            at(i, k) = multiplier;
+            const double multiplier = lu[i * n + k] / pivot;
+            lu[i * n + k] = multiplier;
             for (int j = k + 1; j < n; ++j) {
-                at(i, j) -= multiplier * at(k, j);
+                lu[i * n + j] -= multiplier * lu[k * n + j];
             }
         }
     }
+}
+
+/// Forward and back substitution; x must not be b.
+void substitute(const double* lu, const int* row, int n, const double* b, double* x) {
+    for (int i = 0; i < n; ++i) {
+        double z = b[row[i]];
+        for (int j = 0; j < i; ++j) {
+            z -= lu[i * n + j] * x[j];
+        }
+        x[i] = z;
+    }
+    for (int i = n - 1; i >= 0; --i) {
+        double c = x[i];
+        for (int j = i + 1; j < n; ++j) {
+            c -= lu[i * n + j] * x[j];
+        }
+        x[i] = c / lu[i * n + i];
+    }
+}
+
+}  // namespace
+
+void LuDecomposition::decompose(const double* a, int n) {
+    m_n = n;
+    const std::size_t size = static_cast<std::size_t>(n);
+    m_lu.assign(a, a + size * size);
+    m_row.resize(size);
+    decomposeInPlace(m_lu.data(), m_row.data(), n);
 }
 
 void LuDecomposition::solve(const double* b, double* x) const {
-    for (int i = 0; i < m_n; ++i) {
-        double z = b[m_row[static_cast<std::size_t>(i)]];
-        for (int j = 0; j < i; ++j) {
-            z -= at(i, j) * m_work[static_cast<std::size_t>(j)];
+    constexpr int Few = 16;
+    double few[Few] = {};
+    std::vector<double> many;
+    if (b == x) {
+        double* copy = few;
+        if (m_n > Few) {
+            many.resize(static_cast<std::size_t>(m_n));
+            copy = many.data();
         }
-        m_work[static_cast<std::size_t>(i)] = z;
+        std::copy_n(b, m_n, copy);
+        b = copy;
     }
-    for (int i = m_n - 1; i >= 0; --i) {
-        double c = m_work[static_cast<std::size_t>(i)];
-        for (int j = i + 1; j < m_n; ++j) {
-            c -= at(i, j) * x[j];
-        }
-        x[i] = c / at(i, i);
-    }
+    substitute(m_lu.data(), m_row.data(), m_n, b, x);
 }
 
 void solveLinear(const double* a, const double* b, int n, double* x) {
+    // A spectrum needs two solutions of two or three unknowns: not worth an allocation.
+    constexpr int Few = 4;
+    if (n <= Few) {
+        double lu[Few * Few];
+        int row[Few];
+        std::copy_n(a, n * n, lu);
+        decomposeInPlace(lu, row, n);
+        substitute(lu, row, n, b, x);
+        return;
+    }
     LuDecomposition lu;
     lu.decompose(a, n);
     lu.solve(b, x);

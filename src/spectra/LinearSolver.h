@@ -12,25 +12,17 @@ class LuDecomposition {
     /// Decomposes the n x n matrix given row by row.
     void decompose(const double* a, int n);
 
-    /// Solves A x = b for the matrix decomposed last; x may be b.
+    /// Solves A x = b for the matrix decomposed last; x may be b. Several threads may solve with
+    /// one decomposition at a time.
     void solve(const double* b, double* x) const;
 
     int size() const { return m_n; }
 
   private:
-    double& at(int row, int column) {
-        return m_lu[static_cast<std::size_t>(row) * static_cast<std::size_t>(m_n) +
-                    static_cast<std::size_t>(column)];
-    }
-    double at(int row, int column) const {
-        return const_cast<LuDecomposition*>(this)->at(row, column);
-    }
-
     int m_n = 0;
     std::vector<double> m_lu;  // L below the diagonal, U on and above it, rows in pivot order
     std::vector<int> m_row;    // m_row[k]: row of the matrix that became row k
-    mutable std::vector<double> m_work;
 };
 
-/// Decomposes and solves in one go.
+/// Decomposes and solves in one go; x must not overlap b.
 void solveLinear(const double* a, const double* b, int n, double* x);

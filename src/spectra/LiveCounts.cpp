@@ -4,13 +4,14 @@
 #include <atomic>
 
 namespace {
-std::atomic<qint64> spoints{0};
+std::atomic<qint64> storedPoints{0};  // those in buffers; the extremes follow from the spectra
 std::atomic<qint64> spectra{0};
 std::atomic<qint64> xafsSpectra{0};
 }  // namespace
 
 qint64 liveSpoints() {
-    return spoints.load(std::memory_order_relaxed);
+    constexpr qint64 Extremes = 2;  // a spectrum holds two points of its own
+    return storedPoints.load(std::memory_order_relaxed) + Extremes * liveSpectra();
 }
 qint64 liveSpectra() {
     return spectra.load(std::memory_order_relaxed);
@@ -27,7 +28,7 @@ void logObjectCounts() {
 
 namespace livecounts {
 void addSpoints(qint64 n) {
-    spoints.fetch_add(n, std::memory_order_relaxed);
+    storedPoints.fetch_add(n, std::memory_order_relaxed);
 }
 void addSpectra(qint64 n) {
     spectra.fetch_add(n, std::memory_order_relaxed);

@@ -2,9 +2,9 @@
 
 #include <QtGlobal>
 
-// Exact numbers of live spectrum objects, for diagnostics. Points are counted with the vectors
-// that hold them, a whole vector at a time: an atomic operation a point would cost more than the
-// spectrum itself.
+// Exact numbers of live spectrum objects, for diagnostics. Points are counted with the buffers
+// that hold them, a whole buffer at a time: an atomic operation a point would cost more than the
+// spectrum itself. Every spectrum holds two more, its extremes.
 
 qint64 liveSpoints();
 qint64 liveSpectra();
@@ -14,7 +14,7 @@ qint64 liveXafsSpectra();
 void logObjectCounts();
 
 namespace livecounts {
-void addSpoints(qint64 n);
+void addSpoints(qint64 n);  ///< points in buffers, without the extremes of spectra
 void addSpectra(qint64 n);
 void addXafsSpectra(qint64 n);
 }  // namespace livecounts

@@ -10,7 +10,6 @@ namespace {
 // Starting values far outside any index, kept as they have always been (0x8FFFFFFF, 0x70000001).
 constexpr qint32 NoMinIndex = -1879048193;
 constexpr qint32 NoMaxIndex = 1879048193;
-constexpr int Extremes = 2;  // a spectrum holds two points of its own
 
 bool crosses(double y0, double y1, double level, int mode) {
     switch (mode) {
@@ -23,25 +22,47 @@ bool crosses(double y0, double y1, double level, int mode) {
     }
 }
 
+/// A point as both its numbers at once: one instruction compares them.
+using Pair = double __attribute__((vector_size(2 * sizeof(double))));
+
+Pair pairOf(const Spoint& p) {
+    return Pair{p.x, p.y};
+}
+
+void widenRange(Pair& low, Pair& high, Pair p) {
+    low = p < low ? p : low;
+    high = p > high ? p : high;
+}
+
+/// Index of the first of n points with this value; there must be one.
+int firstWithValue(const Spoint* p, int n, double y) {
+    int i = 0;
+    while (i + 4 <= n &&
+           !((p[i].y == y) | (p[i + 1].y == y) | (p[i + 2].y == y) | (p[i + 3].y == y))) {
+        i += 4;
+    }
+    while (p[i].y != y) {
+        ++i;
+    }
+    return i;
+}
+
+/// The smallest or largest energy as its first holder has it: 0.0 and -0.0 are equal.
+double asFirstHeld(const Spoint* p, double x) {
+    if (x == 0.0) {
+        while (p->x != x) {
+            ++p;
+        }
+        return p->x;
+    }
+    return x;
+}
+
 }  // namespace
 
-Spectrum::Points::Points(const Points& other) : QSharedData(other), list(other.list) {
-    livecounts::addSpoints(static_cast<qint64>(list.size()));
-}
-
-Spectrum::Points::~Points() {
-    livecounts::addSpoints(-static_cast<qint64>(list.size()));
-}
-
-QSharedDataPointer<Spectrum::Points> Spectrum::noPoints() {
-    static const QSharedDataPointer<Points> shared(new Points);
-    return shared;
-}
-
-Spectrum::Spectrum() : m_points(noPoints()) {
+Spectrum::Spectrum() {
     resetExtremes();
     livecounts::addSpectra(1);
-    livecounts::addSpoints(Extremes);
 }
 
 Spectrum::Spectrum(const Spectrum& other)
@@ -54,29 +75,23 @@ Spectrum::Spectrum(const Spectrum& other)
       m_shiftOn(other.m_shiftOn),
       m_shift(other.m_shift) {
     livecounts::addSpectra(1);
-    livecounts::addSpoints(Extremes);
 }
 
 Spectrum::~Spectrum() {
     livecounts::addSpectra(-1);
-    livecounts::addSpoints(-Extremes);
 }
 
 void Spectrum::reserve(int n) {
-    m_points->list.reserve(static_cast<std::size_t>(n));
+    m_points.reserve(n);
 }
 
 void Spectrum::append(double x, double y) {
-    std::vector<Spoint>& list = m_points->list;
-    list.push_back({x, y});
-    livecounts::addSpoints(1);
-    widen(static_cast<int>(list.size()) - 1);
+    m_points.append({x, y});
+    widen(size() - 1);
 }
 
 void Spectrum::clear() {
-    if (!isEmpty()) {
-        m_points = noPoints();
-    }
+    m_points.clear();
     resetExtremes();
 }
 
@@ -89,7 +104,7 @@ void Spectrum::assign(const double* x, const double* y, int n) {
 }
 
 void Spectrum::widen(int i) {
-    const Spoint& p = qAsConst(*this).point(i);
+    const Spoint& p = point(i);
     if (p.x < m_minimum.x) {
         m_minimum.x = p.x;
     }
@@ -113,44 +128,45 @@ void Spectrum::resetExtremes() {
     m_maxIndex = NoMaxIndex;
 }
 
-Spoint* Spectrum::beginAssign(int n) {
-    // Points that others share are left to them; our own storage is used again.
-    const Points* held = m_points.constData();
-    if (held->ref.loadRelaxed() != 1) {
-        m_points = QSharedDataPointer<Points>(new Points);
-    }
-    std::vector<Spoint>& list = m_points->list;
-    const qint64 before = static_cast<qint64>(list.size());
-    list.resize(static_cast<std::size_t>(n));
-    livecounts::addSpoints(n - before);
-    return list.data();
-}
-
-void Spectrum::endAssign() {
+void Spectrum::findExtremes() {
     resetExtremes();
-    const std::vector<Spoint>& list = m_points.constData()->list;
-    Spoint low = m_minimum;
-    Spoint high = m_maximum;
-    qint32 lowIndex = m_minIndex;
-    qint32 highIndex = m_maxIndex;
-    const int n = static_cast<int>(list.size());
-    for (int i = 0; i < n; ++i) {
-        const Spoint& p = list[static_cast<std::size_t>(i)];
-        low.x = p.x < low.x ? p.x : low.x;
-        high.x = p.x > high.x ? p.x : high.x;
-        if (p.y < low.y) {
-            low.y = p.y;
-            lowIndex = i;
-        }
-        if (p.y > high.y) {
-            high.y = p.y;
-            highIndex = i;
+    const Spoint* p = points();
+    const int n = size();
+    // Four independent chains of comparisons: one alone would wait for itself at every point.
+    constexpr int Lanes = 4;
+    Pair lows[Lanes];
+    Pair highs[Lanes];
+    std::fill_n(lows, Lanes, pairOf(m_minimum));
+    std::fill_n(highs, Lanes, pairOf(m_maximum));
+    int i = 0;
+    for (; i + Lanes <= n; i += Lanes) {
+        for (int k = 0; k < Lanes; ++k) {
+            widenRange(lows[k], highs[k], pairOf(p[i + k]));
         }
     }
-    m_minimum = low;
-    m_maximum = high;
-    m_minIndex = lowIndex;
-    m_maxIndex = highIndex;
+    Pair low = lows[0];
+    Pair high = highs[0];
+    for (; i < n; ++i) {
+        widenRange(low, high, pairOf(p[i]));
+    }
+    for (int k = 1; k < Lanes; ++k) {
+        low = lows[k] < low ? lows[k] : low;
+        high = highs[k] > high ? highs[k] : high;
+    }
+    if (low[0] < m_minimum.x) {
+        m_minimum.x = asFirstHeld(p, low[0]);
+    }
+    if (low[1] < m_minimum.y) {
+        m_minIndex = firstWithValue(p, n, low[1]);
+        m_minimum.y = p[m_minIndex].y;
+    }
+    if (high[0] > m_maximum.x) {
+        m_maximum.x = asFirstHeld(p, high[0]);
+    }
+    if (high[1] > m_maximum.y) {
+        m_maxIndex = firstWithValue(p, n, high[1]);
+        m_maximum.y = p[m_maxIndex].y;
+    }
 }
 
 int Spectrum::findIndex(double fraction, int mode) const {

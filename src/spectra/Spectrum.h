@@ -1,14 +1,6 @@
 #pragma once
 
-#include <QSharedData>
-#include <QSharedDataPointer>
-#include <vector>
-
-/// One point of a curve: energy in eV and value.
-struct Spoint {
-    double x = 0.0;
-    double y = 0.0;
-};
+#include "spectra/PointBuffer.h"
 
 /// A curve: points in the order in which they were added (ascending energies are expected, nothing
 /// sorts them), the running extremes, and an optional energy offset.
@@ -25,10 +17,12 @@ class Spectrum {
     bool valid() const { return m_valid; }
     void setValid(bool valid) { m_valid = valid; }
 
-    int size() const { return static_cast<int>(m_points->list.size()); }
-    bool isEmpty() const { return m_points->list.empty(); }
-    const Spoint& point(int i) const { return m_points->list[static_cast<std::size_t>(i)]; }
-    double energy(int i) const { return m_shiftOn ? point(i).x - m_shift : point(i).x; }
+    int size() const { return m_points.size(); }
+    bool isEmpty() const { return size() == 0; }
+    /// All points as stored, side by side; null without points.
+    const Spoint* points() const { return m_points.data(); }
+    const Spoint& point(int i) const { return points()[i]; }
+    double energy(int i) const { return point(i).x - offset(); }
     double value(int i) const { return point(i).y; }
 
     void reserve(int n);
@@ -39,8 +33,20 @@ class Spectrum {
     /// Takes n points that fill(Spoint*) writes; the extremes follow as with append().
     template <typename Fill>
     void assignWith(int n, Fill fill) {
-        fill(beginAssign(n));
-        endAssign();
+        fill(m_points.overwrite(n));
+        findExtremes();
+    }
+    /// The same for several spectra that one pass fills: fill(Spoint* const*), in their order.
+    template <std::size_t Count, typename Fill>
+    static void assignTogether(Spectrum* const (&spectra)[Count], int n, Fill fill) {
+        Spoint* points[Count];
+        for (std::size_t i = 0; i < Count; ++i) {
+            points[i] = spectra[i]->m_points.overwrite(n);
+        }
+        fill(points);
+        for (Spectrum* spectrum : spectra) {
+            spectrum->findExtremes();
+        }
     }
 
     /// Smallest energy and smallest value, as stored; (1e300, 1e300) without points.
@@ -56,6 +62,8 @@ class Spectrum {
     double shift() const { return m_shift; }
     void setShiftOn(bool on) { m_shiftOn = on; }
     void setShift(double shift) { m_shift = shift; }
+    /// What energy() takes off: the shift when it is on, else 0.
+    double offset() const { return m_shiftOn ? m_shift : 0.0; }
 
     /// Energy at which the values cross minimum + fraction (maximum - minimum): upwards (mode 0),
     /// downwards (1) or either way (2); the first crossing, interpolated linearly. The first
@@ -69,21 +77,12 @@ class Spectrum {
     double valueAt(double e) const;
 
   private:
-    struct Points : QSharedData {
-        Points() = default;
-        Points(const Points& other);
-        ~Points();
-        std::vector<Spoint> list;
-    };
-
     void widen(int i);
     void resetExtremes();
-    Spoint* beginAssign(int n);
-    void endAssign();
-    static QSharedDataPointer<Points> noPoints();
+    void findExtremes();
 
     bool m_valid = true;
-    QSharedDataPointer<Points> m_points;
+    PointBuffer m_points;
     Spoint m_minimum;
     Spoint m_maximum;
     qint32 m_minIndex;

@@ -67,16 +67,25 @@ void XafsSpectrum::normalise(int backgroundType) {
 
 namespace {
 
-/// Value of a curve under point i; a curve that could not be fitted counts as 0.
-double under(const BgCurve& curve, int i) {
-    return i < curve.size() ? curve.value(i) : 0.0;
-}
+/// The values of a curve under the points of a spectrum; a curve that could not be fitted counts
+/// as 0.
+class Under {
+  public:
+    explicit Under(const BgCurve& curve) : m_points(curve.points()), m_size(curve.size()) {}
+    double operator[](int i) const { return i < m_size ? m_points[i].y : 0.0; }
+
+  private:
+    const Spoint* m_points;
+    int m_size;
+};
 
 }  // namespace
 
 void XafsSpectrum::findMidEandDMut(double e0) {
     const double from = e0 + m_preEnd;
     const double to = e0 + m_postStart;
+    const Under preEdge(m_preEdge);
+    const Under postEdge(m_postEdge);
     double sum = 0.0;
     int crossings = 0;
     for (int i = 0; i + 1 < size(); ++i) {
@@ -84,8 +93,8 @@ void XafsSpectrum::findMidEandDMut(double e0) {
         if (!(e > from && e < to)) {
             continue;
         }
-        const double pre = under(m_preEdge, i);
-        const double mid = pre + 0.5 * (under(m_postEdge, i) - pre);
+        const double pre = preEdge[i];
+        const double mid = pre + 0.5 * (postEdge[i] - pre);
         const double mu0 = value(i);
         const double mu1 = value(i + 1);
         if ((mu0 - mid) * (mu1 - mid) <= 0.0) {
@@ -102,20 +111,30 @@ void XafsSpectrum::findMidEandDMut(double e0) {
 }
 
 void XafsSpectrum::fillSeries() {
+    const Spoint* const measured = points();
+    const double shift = offset();
     const int n = size();
-    const auto fill = [&](Spectrum& series, auto formula) {
-        series.assignWith(n, [&](Spoint* points) {
-            for (int i = 0; i < n; ++i) {
-                points[i] = {energy(i),
-                             formula(value(i), under(m_preEdge, i), under(m_postEdge, i))};
-            }
-        });
-    };
+    const Under preEdge(m_preEdge);
+    const Under postEdge(m_postEdge);
     const double jump = m_dMut;
-    fill(m_normalized, [jump](double mu, double, double post) { return (mu - post) / jump + 1.0; });
-    fill(m_doubleNormalized,
-         [](double mu, double pre, double post) { return (mu - pre) / (post - pre); });
-    fill(m_postBased, [jump](double mu, double, double post) { return (mu - post) / jump; });
-    fill(m_postBasedBySpan,
-         [](double mu, double pre, double post) { return (mu - post) / (post - pre); });
+    const auto fill = [=](Spoint* const* series) {
+        Spoint* const normalized = series[0];
+        Spoint* const doubleNormalized = series[1];
+        Spoint* const postBased = series[2];
+        Spoint* const bySpan = series[3];
+        for (int i = 0; i < n; ++i) {
+            const double e = measured[i].x - shift;
+            const double mu = measured[i].y;
+            const double pre = preEdge[i];
+            const double post = postEdge[i];
+            const double abovePost = mu - post;
+            const double span = post - pre;
+            const double inJumps = abovePost / jump;
+            normalized[i] = {e, inJumps + 1.0};
+            doubleNormalized[i] = {e, (mu - pre) / span};
+            postBased[i] = {e, inJumps};
+            bySpan[i] = {e, abovePost / span};
+        }
+    };
+    assignTogether({&m_normalized, &m_doubleNormalized, &m_postBased, &m_postBasedBySpan}, n, fill);
 }

@@ -45,6 +45,31 @@ class TestLinearSolver : public QObject {
             for (int i = 0; i < 3; ++i) {
                 QCOMPARE(std::memcmp(&once[i], &again[i], sizeof(double)), 0);
             }
+            double inPlace[3] = {b[0], b[1], b[2]};
+            lu.solve(inPlace, inPlace);
+            QCOMPARE(std::memcmp(inPlace, again, sizeof(again)), 0);
+        }
+    }
+
+    /// Above the size that is solved without an allocation.
+    void manyUnknowns() {
+        constexpr int N = 20;
+        double a[N * N];
+        double b[N] = {};
+        for (int i = 0; i < N; ++i) {
+            for (int j = 0; j < N; ++j) {
+                a[i * N + j] = 1.0 / (1.0 + ((i * 7 + j * 3) % 11)) + (j == N - 1 - i ? 5.0 : 0.0);
+                b[i] += a[i * N + j] * (j - 4);
+            }
+        }
+        double x[N];
+        solveLinear(a, b, N, x);
+        LuDecomposition lu;
+        lu.decompose(a, N);
+        lu.solve(b, b);
+        for (int i = 0; i < N; ++i) {
+            QVERIFY(std::abs(x[i] - (i - 4)) < 1e-10);
+            QCOMPARE(b[i], x[i]);
         }
     }
 

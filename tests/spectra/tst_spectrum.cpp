@@ -1,4 +1,8 @@
 #include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <thread>
 
 #include "TestMain.h"
 #include "spectra/LiveCounts.h"
@@ -44,6 +48,100 @@ class TestSpectrum : public QObject {
         s.clear();
         QCOMPARE(s.minIndex(), qint32(0x8FFFFFFF));
         QCOMPARE(s.maximum().y, -1e300);
+    }
+
+    /// Points taken at once are the same, bit for bit, as points appended one by one: also with
+    /// equal values, both zeros, infinities and values that are no number.
+    void pointsAtOnceEqualPointsOneByOne() {
+        const double special[] = {
+            0.0,     -0.0,  std::nan(""), 1e300,
+            -1e300,  2e300, 1.0,          std::numeric_limits<double>::infinity(),
+            -1e-310, -1.0,  2.0,          -std::numeric_limits<double>::infinity()};
+        std::mt19937 random(7);
+        const auto same = [](double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; };
+        Spectrum bulk;
+        for (int round = 0; round < 3000; ++round) {
+            const int n = static_cast<int>(random() % 14);
+            const unsigned kinds = 1 + static_cast<unsigned>(random() % std::size(special));
+            std::vector<double> x, y;
+            Spectrum oneByOne;
+            for (int i = 0; i < n; ++i) {
+                x.push_back(special[random() % kinds]);
+                y.push_back(special[random() % kinds]);
+                oneByOne.append(x.back(), y.back());
+            }
+            bulk.assign(x.data(), y.data(), n);
+            QCOMPARE(bulk.size(), n);
+            QVERIFY(n == 0 || std::memcmp(bulk.points(), oneByOne.points(),
+                                          static_cast<std::size_t>(n) * sizeof(Spoint)) == 0);
+            QVERIFY(same(bulk.minimum().x, oneByOne.minimum().x));
+            QVERIFY(same(bulk.minimum().y, oneByOne.minimum().y));
+            QVERIFY(same(bulk.maximum().x, oneByOne.maximum().x));
+            QVERIFY(same(bulk.maximum().y, oneByOne.maximum().y));
+            QCOMPARE(bulk.minIndex(), oneByOne.minIndex());
+            QCOMPARE(bulk.maxIndex(), oneByOne.maxIndex());
+        }
+    }
+
+    void storageIsUsedAgainUnlessShared() {
+        const double x[] = {1, 2, 3, 4};
+        Spectrum s;
+        s.assign(x, x, 4);
+        const Spoint* const storage = s.points();
+        s.assign(x, x, 3);
+        QCOMPARE(s.points(), storage);
+        const Spectrum copy = s;
+        QCOMPARE(copy.points(), storage);
+        s.assign(x, x, 2);
+        QVERIFY(s.points() != storage);
+        QCOMPARE(copy.size(), 3);
+        QCOMPARE(copy.value(2), 3.0);
+        s.reserve(100);
+        s.append(s.point(0).x, s.point(1).y);
+        QCOMPARE(s.size(), 3);
+        QCOMPARE(s.value(1), 2.0);
+        QCOMPARE(s.value(2), 2.0);
+    }
+
+    /// A spectrum handed over by value stays what it was while its giver goes on with the next one.
+    void copiesMayGoToAnotherThread() {
+        const qint64 points = liveSpoints();
+        const qint64 spectra = liveSpectra();
+        {
+            constexpr int N = 50;
+            double x[N];
+            double y[N];
+            for (int i = 0; i < N; ++i) {
+                x[i] = 7000.0 + 5.0 * i;
+            }
+            XafsSpectrum mine;
+            bool allRight = true;
+            std::thread taker;
+            for (int round = 0; round < 500; ++round) {
+                for (int i = 0; i < N; ++i) {
+                    y[i] = i < 25 ? round : round + 1.0;
+                }
+                mine.assign(x, y, N);
+                mine.normalise(XafsSpectrum::Simple);
+                if (taker.joinable() && round % 2 == 0) {
+                    taker.join();
+                }
+                if (!taker.joinable()) {
+                    taker = std::thread([copy = mine, round, &allRight] {
+                        XafsSpectrum own = copy;
+                        own.normalise(XafsSpectrum::Victreen);
+                        own.normalise(XafsSpectrum::Simple);
+                        allRight = allRight && own.minimum().y == round &&
+                                   own.value(N - 1) == round + 1.0 &&
+                                   std::abs(own.dMut() - 1.0) < 1e-6;
+                    });
+                }
+            }
+            taker.join();
+            QVERIFY(allRight);
+        }
+        QCOMPARE(liveSpoints(), points);
+        QCOMPARE(liveSpectra(), spectra);
     }
 
     void crossings_data() {

@@ -1,0 +1,58 @@
+#include "spectra/PointBuffer.h"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+
+#include "spectra/LiveCounts.h"
+
+PointBuffer::Block* PointBuffer::make(int capacity) {
+    const std::size_t bytes = sizeof(Block) + static_cast<std::size_t>(capacity) * sizeof(Spoint);
+    Block* block = new (::operator new(bytes)) Block;
+    block->capacity = capacity;
+    return block;
+}
+
+void PointBuffer::drop(Block* block) {
+    livecounts::addSpoints(-block->size);
+    block->~Block();
+    ::operator delete(block);
+}
+
+bool PointBuffer::ownsRoomFor(int n) const {
+    // Acquire: whoever shared the points has finished reading them before they are written again.
+    return m_block && m_block->capacity >= n && m_block->ref.loadAcquire() == 1;
+}
+
+void PointBuffer::reserve(int n) {
+    if (n <= size() || ownsRoomFor(n)) {
+        return;
+    }
+    PointBuffer larger;
+    larger.m_block = make(n);
+    std::copy_n(data(), size(), larger.overwrite(size()));
+    std::swap(m_block, larger.m_block);
+}
+
+void PointBuffer::append(const Spoint& point) {
+    const Spoint added = point;  // may be one of ours
+    const int n = size();
+    if (!ownsRoomFor(n + 1)) {
+        reserve(n < std::numeric_limits<int>::max() / 2 ? std::max(16, 2 * n)
+                                                        : std::numeric_limits<int>::max());
+    }
+    m_block->points()[n] = added;
+    m_block->size = n + 1;
+    livecounts::addSpoints(1);
+}
+
+Spoint* PointBuffer::overwrite(int n) {
+    if (!ownsRoomFor(n)) {
+        PointBuffer fresh;
+        fresh.m_block = make(n);
+        std::swap(m_block, fresh.m_block);
+    }
+    livecounts::addSpoints(n - m_block->size);
+    m_block->size = n;
+    return m_block->points();
+}
