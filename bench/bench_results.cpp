@@ -1,0 +1,89 @@
+// A result image of 1024 x 1024: filled, shown, saved. Read everything against CopyArray, one pass
+// of plain copying.
+
+#include <benchmark/benchmark.h>
+
+#include <QRectF>
+#include <cmath>
+#include <memory>
+#include <vector>
+
+#include "analysis/Analyzed2DRes.h"
+#include "app/Globals.h"
+
+namespace {
+
+constexpr int Size = 1024;
+
+AnalysisGrid grid(int half) {
+    return AnalysisGrid::ofArea(Size, Size, half, half, QRectF(0, 0, Size, Size));
+}
+
+double valueOf(int x, int y) {
+    return std::sin(0.01 * x) * std::cos(0.013 * y);
+}
+
+void fill(Analyzed2DRes& result, int half) {
+    forEachPoint(
+        grid(half), [&](int x, int y) { result.setData(x, y, half, half, valueOf(x, y)); },
+        [](int) {});
+}
+
+void CopyArray(benchmark::State& state) {
+    const std::vector<double> from(Size * Size, 0.5);
+    std::vector<double> to(Size * Size);
+    for (auto _ : state) {
+        std::copy(from.begin(), from.end(), to.begin());
+        benchmark::DoNotOptimize(to.data());
+        benchmark::ClobberMemory();
+    }
+}
+
+/// The argument is the half width of the bins.
+void SetData(benchmark::State& state) {
+    const int half = static_cast<int>(state.range(0));
+    Analyzed2DRes result;
+    result.setGrid(grid(half));
+    result.clear();
+    for (auto _ : state) {
+        fill(result, half);
+    }
+}
+
+void GenImg(benchmark::State& state) {
+    Analyzed2DRes result;
+    result.setGrid(grid(0));
+    result.clear();
+    fill(result, 0);
+    for (auto _ : state) {
+        result.genImg();
+        benchmark::DoNotOptimize(result.img());
+    }
+}
+
+/// The argument tells whether one value a point is written, or one a pixel.
+void TiffDataForSave(benchmark::State& state) {
+    Analyzed2DRes result;
+    result.setGrid(grid(1));
+    result.clear();
+    fill(result, 1);
+    for (auto _ : state) {
+        const std::unique_ptr<quint16[]> data(
+            result.tiffDataForSave(false, 0.0, 1.0, state.range(0) != 0));
+        benchmark::DoNotOptimize(data.get());
+    }
+}
+
+BENCHMARK(CopyArray)->Unit(benchmark::kMillisecond);
+BENCHMARK(SetData)->Arg(0)->Arg(2)->Unit(benchmark::kMillisecond);
+BENCHMARK(GenImg)->Unit(benchmark::kMillisecond);
+BENCHMARK(TiffDataForSave)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    initGlobals();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
