@@ -61,9 +61,11 @@ int TiffData::readImgHeader(const QString& name) {
         return 0;
     }
     const int length = static_cast<uchar>(head[2]) + 256 * static_cast<uchar>(head[3]);
-    // Opened a second time while still open, which QFile refuses: the detector's IMG files are
-    // recognised and refused, only TIFF stacks load. Kept until such files can be tried for real.
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    // The text part is to be read through a second open of the same file, which a file that is
+    // still open refuses (isOpen() spares the warning that open() would print): the detector's IMG
+    // files are recognised and refused, only TIFF stacks load. Kept until such files can be tried
+    // for real.
+    if (file.isOpen() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         debugFile("Can not open", name);
         return 0;
     }
