@@ -1,5 +1,7 @@
 #include "display/ColorBar.h"
 
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
 #include <algorithm>
@@ -15,7 +17,22 @@ constexpr double WheelStep = 1.1;
 }  // namespace
 
 ColorBar::ColorBar(QWidget* parent) : DispA(parent) {
-    setToolTip(tr("Drag an end to fix the range of the frames; double click for each frame's own"));
+    setToolTip(
+        tr("Drag an end or click its value to fix the range of the frames; double click for each "
+           "frame's own"));
+    m_editor = new QLineEdit(this);
+    m_editor->hide();
+    m_editor->installEventFilter(this);
+    connect(m_editor, &QLineEdit::editingFinished, this, [this] {
+        if (m_edited != End::None) {
+            acceptEditor();
+        }
+    });
+}
+
+QSize ColorBar::minimumSizeHint() const {
+    return QSize(fontMetrics().horizontalAdvance(QStringLiteral("-0.000123456")) + 8,
+                 6 * fontMetrics().height());
 }
 
 double ColorBar::rangeMin() const {
@@ -60,8 +77,9 @@ void ColorBar::fix(double min, double max) {
 }
 
 QRectF ColorBar::barRect() const {
-    const double margin = fontMetrics().height() + 4.0;
-    return QRectF(6.0, margin, BarWidth, std::max(1.0, height() - 2 * margin));
+    // One line above for the high end; two below for the low end and "Auto".
+    const double line = fontMetrics().height();
+    return QRectF(6.0, line + 4.0, BarWidth, std::max(1.0, height() - 3 * line - 8.0));
 }
 
 void ColorBar::paintBelow(QPainter& painter) {
@@ -99,41 +117,95 @@ void ColorBar::paintBelow(QPainter& painter) {
     }
     if (m_table == Grey && m_auto) {
         painter.setPen(palette().color(QPalette::Disabled, QPalette::WindowText));
-        drawText(painter, all.bottomRight(), tr("Auto"), Qt::AlignRight | Qt::AlignBottom, all);
+        drawText(painter, QPointF(bar.left(), all.bottom()), tr("Auto"),
+                 Qt::AlignLeft | Qt::AlignBottom, all);
     }
+}
+
+void ColorBar::moveEnd(End end, double value) {
+    if (end == End::High) {
+        fix(std::min(rangeMin(), value), value);
+    } else if (end == End::Low) {
+        fix(value, std::max(rangeMax(), value));
+    }
+}
+
+void ColorBar::openEditor(End end) {
+    m_edited = end;
+    m_editor->setText(QString::number(end == End::High ? rangeMax() : rangeMin(), 'g', 6));
+    const int h = m_editor->sizeHint().height();
+    const int below = std::min(static_cast<int>(barRect().bottom()), height() - h);
+    m_editor->setGeometry(0, end == End::High ? 0 : below, width(), h);
+    m_editor->show();
+    m_editor->selectAll();
+    m_editor->setFocus();
+}
+
+void ColorBar::acceptEditor() {
+    const End end = m_edited;
+    m_edited = End::None;  // hiding takes the focus away and comes back here
+    m_editor->hide();
+    bool isNumber = false;
+    const double value = m_editor->text().toDouble(&isNumber);
+    if (isNumber && canBeDragged() && m_editor->isModified()) {
+        moveEnd(end, value);
+    }
+}
+
+bool ColorBar::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_editor && event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        m_edited = End::None;
+        m_editor->hide();
+        return true;
+    }
+    return DispA::eventFilter(watched, event);
 }
 
 void ColorBar::mousePressEvent(QMouseEvent* event) {
     DispA::mousePressEvent(event);
-    if (canBeDragged() && event->button() == Qt::LeftButton) {
-        m_drag = event->localPos().y() < barRect().center().y() ? Drag::High : Drag::Low;
+    if (!canBeDragged() || event->button() != Qt::LeftButton) {
+        return;
     }
+    const QRectF bar = barRect();
+    const double y = event->localPos().y();
+    if (y < bar.top() - 1 || y > bar.bottom() + 1) {
+        openEditor(y < bar.top() ? End::High : End::Low);
+        return;
+    }
+    m_drag = y < bar.center().y() ? End::High : End::Low;
+    m_dragStart = y;
+    m_dragMin = rangeMin();
+    m_dragMax = rangeMax();
 }
 
 void ColorBar::mouseMoveEvent(QMouseEvent* event) {
-    const double before = m_mouse.current().y();
     DispA::mouseMoveEvent(event);
-    if (m_drag == Drag::None || event->source() != Qt::MouseEventNotSynthesized) {
+    if (m_drag == End::None || event->source() != Qt::MouseEventNotSynthesized) {
         return;
     }
+    // By the scale at the press: the range that follows the mouse would change it on the way. An
+    // end stops at the other one.
     const double moved =
-        (before - event->localPos().y()) / barRect().height() * (rangeMax() - rangeMin());
-    if (m_drag == Drag::High) {
-        fix(rangeMin(), rangeMax() + moved);
+        (m_dragStart - event->localPos().y()) / barRect().height() * (m_dragMax - m_dragMin);
+    if (m_drag == End::High) {
+        fix(m_dragMin, std::max(m_dragMin, m_dragMax + moved));
     } else {
-        fix(rangeMin() + moved, rangeMax());
+        fix(std::min(m_dragMax, m_dragMin + moved), m_dragMax);
     }
 }
 
 void ColorBar::mouseReleaseEvent(QMouseEvent* event) {
     DispA::mouseReleaseEvent(event);
-    m_drag = Drag::None;
+    m_drag = End::None;
 }
 
 void ColorBar::mouseDoubleClickEvent(QMouseEvent* event) {
     DispA::mouseDoubleClickEvent(event);
-    m_drag = Drag::None;
-    setAuto(true);
+    m_drag = End::None;
+    if (canBeDragged()) {
+        setAuto(true);
+    }
 }
 
 void ColorBar::wheelEvent(QWheelEvent* event) {

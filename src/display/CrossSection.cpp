@@ -1,5 +1,6 @@
 #include "display/CrossSection.h"
 
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <algorithm>
@@ -37,8 +38,34 @@ void CrossSection::setMarker(double position) {
     update();
 }
 
+QString CrossSection::readOut() const {
+    if (!m_hovered || m_view.isNull()) {
+        return QString();
+    }
+    const ChCoord& image = m_view->coord();
+    const double pixel =
+        std::floor(m_orientation == Qt::Horizontal ? image.s2rX(m_mouse.current().x())
+                                                   : image.s2rY(m_mouse.current().y()));
+    if (!(pixel >= m_firstPixel && pixel - m_firstPixel < m_values.size())) {
+        return QString();
+    }
+    const double value = m_values[static_cast<int>(pixel - m_firstPixel)];
+    return QStringLiteral("(%1, %2)").arg(pixel, 0, 'f', 0).arg(value, 0, 'g', 6);
+}
+
+void CrossSection::mouseMoveEvent(QMouseEvent* event) {
+    m_hovered = m_hovered || event->source() == Qt::MouseEventNotSynthesized;
+    DispA::mouseMoveEvent(event);
+}
+
+void CrossSection::leaveEvent(QEvent* event) {
+    DispA::leaveEvent(event);
+    m_hovered = false;
+    update();
+}
+
 void CrossSection::updateCoord() {
-    if (m_view == nullptr) {
+    if (m_view.isNull()) {
         return;
     }
     const ChCoord& image = m_view->coord();
@@ -77,19 +104,23 @@ void CrossSection::paintTicks(QPainter& painter) const {
     const QRectF all(rect());
     const Ticks ticks =
         across ? ticksBetween(m_coord.ry0, m_coord.ry1) : ticksBetween(m_coord.rx0, m_coord.rx1);
-    double last = -1e300;
+    QRectF last;
     for (double value : ticks.values) {
         const double s = across ? m_coord.r2sY(value) : m_coord.r2sX(value);
         painter.setPen(QPen(grid, 0, Qt::DotLine));
         painter.drawLine(across ? QPointF(0, s) : QPointF(s, 0),
                          across ? QPointF(width(), s) : QPointF(s, height()));
-        if (std::abs(s - last) < (across ? 1.4 : 3.0) * fontMetrics().height()) {
+        const QPointF anchor = across ? QPointF(2, s) : QPointF(s, 2);
+        const QString text = tickText(value, ticks.step);
+        const Qt::Alignment side =
+            across ? Qt::AlignLeft | Qt::AlignVCenter : Qt::AlignHCenter | Qt::AlignTop;
+        const QRectF place = textPlace(painter.font(), anchor, text, side, all);
+        if (!last.isNull() && place.adjusted(-8, -2, 8, 2).intersects(last)) {
             continue;
         }
-        last = s;
+        last = place;
         painter.setPen(palette().color(QPalette::WindowText));
-        drawText(painter, across ? QPointF(2, s) : QPointF(s, 2), tickText(value, ticks.step),
-                 across ? Qt::AlignLeft | Qt::AlignVCenter : Qt::AlignHCenter | Qt::AlignTop, all);
+        drawTextOnPaper(painter, anchor, text, side, all, palette().color(QPalette::Base));
     }
 }
 
@@ -99,7 +130,6 @@ void CrossSection::paintBelow(QPainter& painter) {
     if (m_values.isEmpty()) {
         return;
     }
-    paintTicks(painter);
 
     const bool across = m_orientation == Qt::Horizontal;
     const auto onScreen = [&](double pixel, double value) {
@@ -120,6 +150,7 @@ void CrossSection::paintBelow(QPainter& painter) {
     }
     painter.setPen(QPen(getColor(2), 1));
     painter.drawPath(line);
+    paintTicks(painter);
 
     if (m_marker >= 0.0) {
         painter.setPen(QPen(getColor(0), 1, Qt::DashLine));
@@ -128,4 +159,16 @@ void CrossSection::paintBelow(QPainter& painter) {
         painter.drawLine(across ? QPointF(s, 0) : QPointF(0, s),
                          across ? QPointF(s, height()) : QPointF(width(), s));
     }
+    paintReadOut(painter);
+}
+
+void CrossSection::paintReadOut(QPainter& painter) const {
+    const QString text = readOut();
+    if (text.isEmpty()) {
+        return;
+    }
+    const QRectF all = QRectF(rect()).adjusted(2, 2, -4, -2);
+    painter.setPen(palette().color(QPalette::WindowText));
+    drawTextOnPaper(painter, all.bottomRight(), text, Qt::AlignRight | Qt::AlignBottom, all,
+                    palette().color(QPalette::Base));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QVector>
 
 #include "display/DispA.h"
@@ -22,16 +23,23 @@ class CrossSection : public DispA {
     /// Position along the axis, in pixels.
     void setMarker(double position);
 
+    /// "(pixel, value)" under the mouse; empty where there is none.
+    QString readOut() const;
+
   protected:
     void paintBelow(QPainter& painter) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
 
   private:
     void updateCoord();
     void paintTicks(QPainter& painter) const;
+    void paintReadOut(QPainter& painter) const;
 
     Qt::Orientation m_orientation;
-    const ImageView* m_view = nullptr;
+    QPointer<const ImageView> m_view;
     QVector<double> m_values;
     int m_firstPixel = 0;
     double m_marker = -1.0;
+    bool m_hovered = false;
 };

@@ -19,7 +19,7 @@ class DispA : public QFrame {
     /// Acts as if the mouse had been moved to a real position.
     virtual void setRealMousePos(double x, double y);
     /// The same in screen pixels.
-    void setScreenMousePos(double x, double y);
+    virtual void setScreenMousePos(double x, double y);
 
   signals:
     void drawImage1(QPainter* p);
@@ -41,6 +41,9 @@ class DispA : public QFrame {
     /// What the canvas itself paints under, between and over the two layers.
     virtual void paintBelow(QPainter&) {}
     virtual void paintAbove(QPainter&) {}
+
+    /// Takes a screen position, cut to whole pixels, as that of the mouse.
+    void placeMouse(double x, double y);
 
     ChCoord m_coord;
     MouseC m_mouse;

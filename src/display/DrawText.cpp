@@ -7,9 +7,9 @@
 
 #include "app/Globals.h"
 
-QRectF drawText(QPainter& painter, const QPointF& anchor, const QString& text,
-                Qt::Alignment alignment, const QRectF& inside, bool upright) {
-    const QFontMetricsF metrics(painter.font());
+QRectF textPlace(const QFont& font, const QPointF& anchor, const QString& text,
+                 Qt::Alignment alignment, const QRectF& inside, bool upright) {
+    const QFontMetricsF metrics(font);
     QSizeF size(metrics.horizontalAdvance(text), metrics.height());
     if (upright) {
         size.transpose();
@@ -31,6 +31,13 @@ QRectF drawText(QPainter& painter, const QPointF& anchor, const QString& text,
         place.moveTop(
             std::max(inside.top(), std::min(place.top(), inside.bottom() - size.height())));
     }
+    return place;
+}
+
+QRectF drawText(QPainter& painter, const QPointF& anchor, const QString& text,
+                Qt::Alignment alignment, const QRectF& inside, bool upright) {
+    const QRectF place = textPlace(painter.font(), anchor, text, alignment, inside, upright);
+    const QFontMetricsF metrics(painter.font());
     if (upright) {
         painter.save();
         painter.translate(place.left(), place.bottom());
@@ -41,6 +48,15 @@ QRectF drawText(QPainter& painter, const QPointF& anchor, const QString& text,
         painter.drawText(QPointF(place.left(), place.top() + metrics.ascent()), text);
     }
     return place;
+}
+
+QRectF drawTextOnPaper(QPainter& painter, const QPointF& anchor, const QString& text,
+                       Qt::Alignment alignment, const QRectF& inside, const QColor& paper) {
+    const QRectF place = textPlace(painter.font(), anchor, text, alignment, inside);
+    QColor veil = paper;
+    veil.setAlpha(200);
+    painter.fillRect(place.adjusted(-2, 0, 2, 0), veil);
+    return drawText(painter, anchor, text, alignment, inside);
 }
 
 QString tickText(double value, double step) {

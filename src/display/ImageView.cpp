@@ -15,6 +15,19 @@ namespace {
 constexpr double ZoomStep = 1.25;
 constexpr double ClosestPixels = 8.0;
 constexpr int DragDistance = 3;
+const QColor Background(40, 42, 46);
+
+/// Lines with a dark seam, so that they are seen over pictures of any colour.
+template <typename Draw>
+void inTwoTones(QPainter& painter, const QPen& pen, Draw draw) {
+    QPen seam = pen;
+    seam.setColor(QColor(0, 0, 0, 60));
+    seam.setWidthF(pen.widthF() + 2.0);
+    painter.setPen(seam);
+    draw();
+    painter.setPen(pen);
+    draw();
+}
 
 }  // namespace
 
@@ -83,8 +96,7 @@ void ImageView::showArea(QRectF area) {
 }
 
 void ImageView::updateCoord() {
-    // Square pixels: the larger of the two scales that both sides would need, and the rest of the
-    // view stays empty.
+    // Square pixels: the scale at which both sides fit; the rest of the view stays empty.
     const double w = std::max(1.0, m_visible.width());
     const double h = std::max(1.0, m_visible.height());
     const double scale = std::max(1e-6, std::min(width() / w, height() / h));
@@ -92,6 +104,10 @@ void ImageView::updateCoord() {
     const double top = (height() - h * scale) / 2;
     m_coord.setScreen(left, left + w * scale, top, top + h * scale);
     m_coord.setReal(m_visible.left(), m_visible.left() + w, m_visible.top(), m_visible.top() + h);
+}
+
+bool ImageView::isInside(const QPointF& real) const {
+    return real.x() >= 0 && real.x() < m_width && real.y() >= 0 && real.y() < m_height;
 }
 
 QPointF ImageView::toReal(const QPointF& screen) const {
@@ -113,6 +129,12 @@ void ImageView::setRealMousePos(double x, double y) {
     m_position = QPointF(x, y);
     DispA::setRealMousePos(x, y);
     emit mouseMoved(x, y);
+}
+
+void ImageView::setScreenMousePos(double x, double y) {
+    m_position = toReal(QPointF(std::trunc(x), std::trunc(y)));
+    DispA::setScreenMousePos(x, y);
+    emit mouseMoved(m_position.x(), m_position.y());
 }
 
 void ImageView::mouseMoveEvent(QMouseEvent* event) {
@@ -142,6 +164,11 @@ void ImageView::mouseMoveEvent(QMouseEvent* event) {
 
 void ImageView::mousePressEvent(QMouseEvent* event) {
     DispA::mousePressEvent(event);
+    m_pinnedAtPress = m_pinned;
+    beginDrag(event);
+}
+
+void ImageView::beginDrag(const QMouseEvent* event) {
     m_dragStart = event->pos();
     m_dragStartReal = toReal(event->localPos());
     m_dragged = false;
@@ -170,8 +197,12 @@ void ImageView::mouseReleaseEvent(QMouseEvent* event) {
 
 void ImageView::mouseDoubleClickEvent(QMouseEvent* event) {
     DispA::mouseDoubleClickEvent(event);
-    m_pinned = !m_pinned;  // the first of both clicks was meant for this one
-    resetImageViewWindow();
+    if (event->button() == Qt::LeftButton) {
+        m_pinned = m_pinnedAtPress;  // the first of both clicks was meant for this one
+        resetImageViewWindow();
+    } else {
+        beginDrag(event);  // another button pressed twice
+    }
 }
 
 void ImageView::wheelEvent(QWheelEvent* event) {
@@ -215,7 +246,7 @@ void ImageView::keyPressEvent(QKeyEvent* event) {
             return;
     }
     const QPointF target = m_position + move;
-    if (imageRect().contains(target)) {
+    if (isInside(target)) {
         setRealMousePos(target.x(), target.y());
     }
 }
@@ -232,7 +263,7 @@ void ImageView::paintImage(QPainter* p, const QImage& picture) const {
 }
 
 void ImageView::paintBelow(QPainter& painter) {
-    painter.fillRect(rect(), QColor(40, 42, 46));
+    painter.fillRect(rect(), Background);
 }
 
 void ImageView::paintAbove(QPainter& painter) {
@@ -250,26 +281,27 @@ void ImageView::paintMarks(QPainter& painter) const {
                       QPointF(m_coord.r2sX(real.right()), m_coord.r2sY(real.bottom())));
     };
     const QRectF shown = onScreen(m_visible);
-    if (imageRect().contains(m_position)) {
-        const double x = m_coord.r2sX(std::floor(m_position.x()) + 0.5);
-        const double y = m_coord.r2sY(std::floor(m_position.y()) + 0.5);
-        painter.setPen(QPen(QColor(255, 255, 255, m_pinned ? 230 : 130), 1));
-        painter.drawLine(QPointF(x, shown.top()), QPointF(x, shown.bottom()));
-        painter.drawLine(QPointF(shown.left(), y), QPointF(shown.right(), y));
-        const QRectF bin(std::floor(m_position.x()) - m_halfWidth,
-                         std::floor(m_position.y()) - m_halfHeight, 2.0 * m_halfWidth + 1,
+    if (isInside(m_position)) {
+        const QPointF pixel(std::floor(m_position.x()), std::floor(m_position.y()));
+        const double x = m_coord.r2sX(pixel.x() + 0.5);
+        const double y = m_coord.r2sY(pixel.y() + 0.5);
+        const QRectF bin(pixel.x() - m_halfWidth, pixel.y() - m_halfHeight, 2.0 * m_halfWidth + 1,
                          2.0 * m_halfHeight + 1);
-        painter.setPen(QPen(getColor(1), 1));
-        painter.drawRect(onScreen(bin.intersected(imageRect())));
+        const QRectF box = onScreen(bin.intersected(imageRect()));
+        inTwoTones(painter, QPen(QColor(255, 255, 255, m_pinned ? 230 : 130), 1), [&] {
+            painter.drawLine(QPointF(x, shown.top()), QPointF(x, shown.bottom()));
+            painter.drawLine(QPointF(shown.left(), y), QPointF(shown.right(), y));
+        });
+        inTwoTones(painter, QPen(getColor(1), 1), [&] { painter.drawRect(box); });
     }
-    if (hasSelection()) {
-        painter.setPen(QPen(getColor(0), 1.5));
+    if (hasSelection() && m_selection.intersects(m_visible)) {
         const QRectF area = onScreen(m_selection);
-        painter.drawRect(area);
+        inTwoTones(painter, QPen(getColor(0), 2), [&] { painter.drawRect(area); });
         const QString size = QStringLiteral("%1 x %2")
                                  .arg(m_selection.width(), 0, 'f', 0)
                                  .arg(m_selection.height(), 0, 'f', 0);
-        drawText(painter, area.bottomLeft() + QPointF(2, 2), size, Qt::AlignLeft | Qt::AlignTop,
-                 QRectF(rect()));
+        painter.setPen(QColor(255, 120, 120));
+        drawTextOnPaper(painter, area.intersected(shown).bottomLeft() + QPointF(2, 2), size,
+                        Qt::AlignLeft | Qt::AlignTop, QRectF(rect()), Background);
     }
 }

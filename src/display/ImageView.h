@@ -51,6 +51,7 @@ class ImageView : public DispA {
     /// Screen pixels are whole numbers: the exact real position is kept beside them until the
     /// next real mouse event.
     void setRealMousePos(double x, double y) override;
+    void setScreenMousePos(double x, double y) override;
 
   signals:
     void mouseMoved(double x, double y);
@@ -77,7 +78,9 @@ class ImageView : public DispA {
     enum class Drag { None, Pan, Select };
 
     QRectF imageRect() const { return QRectF(0, 0, m_width, m_height); }
+    bool isInside(const QPointF& real) const;
     QPointF toReal(const QPointF& screen) const;
+    void beginDrag(const QMouseEvent* event);
     void showArea(QRectF area);
     void updateCoord();
     void setPosition(const QPointF& real);
@@ -93,6 +96,7 @@ class ImageView : public DispA {
     int m_halfHeight = 0;
     QPointF m_position{-1.0, -1.0};
     bool m_pinned = false;
+    bool m_pinnedAtPress = false;
     Drag m_drag = Drag::None;
     bool m_dragged = false;
     QPoint m_dragStart;

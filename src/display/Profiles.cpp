@@ -1,7 +1,7 @@
 #include "display/Profiles.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <cmath>
 
 namespace {
 
@@ -11,7 +11,8 @@ QVector<double> profile(int length, int size, int at, int half, Value valueAt) {
     if (at < 0 || at >= size || length <= 0) {
         return {};
     }
-    const int reach = std::min(std::abs(half), size);
+    // In double: the smallest int has no magnitude of its own kind.
+    const int reach = static_cast<int>(std::min<double>(std::abs(static_cast<double>(half)), size));
     const int first = std::max(0, at - reach);
     const int last = std::min(size - 1, at + reach);
     QVector<double> result(length);

@@ -30,8 +30,11 @@ double XafsView::abscissa(double energy) const {
             return energy / 1000.0;
         case 2:
             return wavelengthOf(energy);
-        case 3:
-            return braggAngle(energy, m_units->d());
+        case 3: {
+            // Below the crystal's lowest energy there is no angle.
+            const double angle = braggAngle(energy, m_units->d());
+            return angle < 0.0 ? std::nan("") : angle;
+        }
         default:
             return energy;
     }
@@ -169,10 +172,15 @@ void XafsView::paintAxes(QPainter& painter, const QRectF& plot) const {
                  all);
     }
     const Ticks yTicks = ticksBetween(m_coord.ry0, m_coord.ry1);
+    double lowest = 1e300;
     for (double value : yTicks.values) {
         const double y = m_coord.r2sY(value);
         painter.setPen(grid);
         painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
+        if (y > lowest - painter.fontMetrics().height()) {
+            continue;
+        }
+        lowest = y;
         painter.setPen(ink);
         painter.drawLine(QPointF(plot.left() - 4, y), QPointF(plot.left(), y));
         drawText(painter, QPointF(plot.left() - 6, y), tickText(value, yTicks.step),
@@ -205,30 +213,55 @@ void XafsView::paintMarks(QPainter& painter, const QRectF& plot) const {
 
 void XafsView::paintLegend(QPainter& painter, const QRectF& plot,
                            const QVector<Curve>& list) const {
-    const double height = painter.fontMetrics().height();
+    const QFontMetricsF metrics(painter.font());
+    const double height = metrics.height();
+    QVector<QPair<QString, QColor>> rows;
     double widest = 0.0;
-    int rows = 0;
     for (const Curve& curve : list) {
         if (!curve.name.isEmpty()) {
-            widest = std::max<double>(widest, painter.fontMetrics().horizontalAdvance(curve.name));
-            ++rows;
+            const QString name = metrics.elidedText(curve.name, Qt::ElideMiddle, plot.width() / 2);
+            widest = std::max(widest, metrics.horizontalAdvance(name));
+            rows.append({name, curve.color});
         }
     }
-    const QRectF box(plot.right() - widest - 44, plot.bottom() - rows * height - 10, widest + 38,
-                     rows * height + 6);
+    const QSizeF size(widest + 38, rows.size() * height + 6);
+    const QRectF box = quietestCorner(size, plot.adjusted(6, 6, -6, -6), list);
     QColor paper = palette().color(QPalette::Base);
     paper.setAlpha(215);
     painter.fillRect(box, paper);
     double y = box.top() + 3;
-    for (const Curve& curve : list) {
-        if (curve.name.isEmpty()) {
-            continue;
-        }
-        painter.setPen(QPen(curve.color, 2));
+    for (const auto& row : rows) {
+        painter.setPen(QPen(row.second, 2));
         painter.drawLine(QPointF(box.left() + 6, y + height / 2),
                          QPointF(box.left() + 26, y + height / 2));
         painter.setPen(palette().color(QPalette::WindowText));
-        drawText(painter, QPointF(box.left() + 32, y), curve.name, Qt::AlignLeft | Qt::AlignTop);
+        drawText(painter, QPointF(box.left() + 32, y), row.first, Qt::AlignLeft | Qt::AlignTop);
         y += height;
     }
+}
+
+QRectF XafsView::quietestCorner(const QSizeF& size, const QRectF& inside,
+                                const QVector<Curve>& list) const {
+    const double right = inside.right() - size.width();
+    const double bottom = inside.bottom() - size.height();
+    QRectF best;
+    int fewest = 0;
+    for (const QPointF& corner : {QPointF(right, bottom), QPointF(right, inside.top()),
+                                  inside.topLeft(), QPointF(inside.left(), bottom)}) {
+        const QRectF box(corner, size);
+        int points = 0;
+        for (const Curve& curve : list) {
+            if (curve.name.isEmpty()) {
+                continue;  // a background may be covered
+            }
+            for (const QPointF& p : curve.points) {
+                points += box.contains(m_coord.r2sX(p.x()), m_coord.r2sY(p.y())) ? 1 : 0;
+            }
+        }
+        if (best.isNull() || points < fewest) {
+            best = box;
+            fewest = points;
+        }
+    }
+    return best;
 }

@@ -10,6 +10,17 @@
 #include "spectra/SpectrumFile.h"
 #include "ui_XafsView.h"
 
+namespace {
+
+/// The name with "-number" before its suffix.
+QString numberedName(const QString& fname, int number) {
+    const QFileInfo info(fname);
+    return info.dir().absoluteFilePath(info.completeBaseName() + QLatin1Char('-') +
+                                       QString::number(number) + QLatin1Char('.') + info.suffix());
+}
+
+}  // namespace
+
 XafsView::XafsView(QWidget* parent)
     : QFrame(parent), m_ui(std::make_unique<Ui::XafsView>()), m_units(std::make_unique<Units>()) {
     m_ui->setupUi(this);
@@ -26,6 +37,7 @@ XafsView::XafsView(QWidget* parent)
     connect(m_ui->Canvas, &DispA::mouseDoubleClicked0, this, &XafsView::resetZoom);
     connect(m_ui->Ordinate, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &XafsView::resetZoom);
+    connect(m_ui->Backgrounds, &QCheckBox::toggled, m_ui->Canvas, qOverload<>(&QWidget::update));
     connect(m_ui->Abscissa, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &XafsView::resetZoom);
 }
@@ -108,15 +120,9 @@ QVector<XafsView::Shown> XafsView::shownSpectra() const {
 bool XafsView::saveData(const QString& fname) {
     bool written = true;
     const bool corrected = m_ui->Corrected->isChecked();
-    const QFileInfo info(fname);
     int number = 0;
     for (const Shown& shown : shownSpectra()) {
-        const QString name = number == 0
-                                 ? fname
-                                 : info.dir().absoluteFilePath(QStringLiteral("%1-%2.%3")
-                                                                   .arg(info.completeBaseName())
-                                                                   .arg(number)
-                                                                   .arg(info.suffix()));
+        const QString name = number == 0 ? fname : numberedName(fname, number);
         written = writeSpectrumFile(name, *shown.spectrum, corrected) && written;
         ++number;
     }
@@ -124,7 +130,7 @@ bool XafsView::saveData(const QString& fname) {
 }
 
 void XafsView::startZoom() {
-    if (m_ui->Canvas->mouse().buttons() & Qt::LeftButton) {
+    if (hasCurves() && m_ui->Canvas->mouse().buttons() & Qt::LeftButton) {
         m_zoomStart = m_ui->Canvas->mouse().current();
     }
 }

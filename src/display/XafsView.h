@@ -86,6 +86,9 @@ class XafsView : public QFrame {
     QRectF extent(const QVector<Curve>& list) const;
     void paintAxes(QPainter& painter, const QRectF& plot) const;
     void paintLegend(QPainter& painter, const QRectF& plot, const QVector<Curve>& list) const;
+    /// The corner in which a box covers the fewest points.
+    QRectF quietestCorner(const QSizeF& size, const QRectF& inside,
+                          const QVector<Curve>& list) const;
     void paintMarks(QPainter& painter, const QRectF& plot) const;
     void startZoom();
     void endZoom();

@@ -666,8 +666,8 @@
 <context>
     <name>ColorBar</name>
     <message>
-        <source>Drag an end to fix the range of the frames; double click for each frame&apos;s own</source>
-        <translation>端をドラッグすると表示範囲を固定します。ダブルクリックでフレームごとの範囲に戻ります</translation>
+        <source>Drag an end or click its value to fix the range of the frames; double click for each frame&apos;s own</source>
+        <translation>端をドラッグするか、端の値をクリックして入力すると、表示範囲を固定します。ダブルクリックでフレームごとの範囲に戻ります</translation>
     </message>
     <message>
         <source>Auto</source>
