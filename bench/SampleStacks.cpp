@@ -1,5 +1,9 @@
 #include "SampleStacks.h"
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 #include <QFile>
 #include <QTextStream>
 #include <algorithm>
@@ -75,6 +79,9 @@ FrameSet SampleStacks::load(const QStringList& files) const {
 }
 
 qint64 residentBytes() {
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
     QFile file(QStringLiteral("/proc/self/status"));
     if (!file.open(QIODevice::ReadOnly)) {
         return 0;

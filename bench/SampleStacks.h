@@ -35,5 +35,6 @@ class SampleStacks {
     QStringList m_i0;
 };
 
-/// Resident memory of this process in bytes; 0 where the system does not say.
+/// Resident memory of this process in bytes, without what has been freed; 0 where the system does
+/// not say.
 qint64 residentBytes();

@@ -13,7 +13,7 @@
 #include "imagedata/TiffFile.h"
 
 // Read pairs of rows as ratios: Load against ScanlineLoop (reading), BlockRows against
-// PointByPoint (spectra of a whole image).
+// PointByPoint (spectra of a whole image), BoxSum against PlainBox.
 
 namespace {
 
@@ -145,6 +145,31 @@ void BlockRows(benchmark::State& state) {
     wholeImage(state, [&](int x, int y) { return rows.at(x, y); });
 }
 BENCHMARK(BlockRows)->Arg(0)->Arg(1)->Arg(4)->Unit(benchmark::kMillisecond);
+
+/// The sum over a box in the middle; the argument is its half width. Read against PlainBox.
+void BoxSum(benchmark::State& state) {
+    const FrameSet set = loadedStack(0, 1);
+    const int half = static_cast<int>(state.range(0));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(set.at(0)->boxSum(Width / 2, Height / 2, half, half));
+    }
+}
+void PlainBox(benchmark::State& state) {
+    const FrameSet set = loadedStack(0, 1);
+    const TiffData* frame = set.at(0);
+    const int half = static_cast<int>(state.range(0));
+    for (auto _ : state) {
+        double sum = 0.0;
+        for (int y = Height / 2 - half; y <= Height / 2 + half; ++y) {
+            for (int x = Width / 2 - half; x <= Width / 2 + half; ++x) {
+                sum += frame->rows[static_cast<std::size_t>(y)][x];
+            }
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+}
+BENCHMARK(BoxSum)->Arg(0)->Arg(2)->Arg(20);
+BENCHMARK(PlainBox)->Arg(0)->Arg(2)->Arg(20);
 
 }  // namespace
 

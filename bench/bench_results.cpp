@@ -4,7 +4,6 @@
 #include <benchmark/benchmark.h>
 
 #include <QRectF>
-#include <cmath>
 #include <memory>
 #include <vector>
 
@@ -20,7 +19,7 @@ AnalysisGrid grid(int half) {
 }
 
 double valueOf(int x, int y) {
-    return std::sin(0.01 * x) * std::cos(0.013 * y);
+    return 0.001 * x - 0.002 * y;  // cheap beside what is measured
 }
 
 void fill(Analyzed2DRes& result, int half) {

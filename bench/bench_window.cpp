@@ -3,7 +3,8 @@
 // Ratios to read: WindowLoad / ScanlineLoop (reading two stacks), WindowLcf / PlainLcf (fitting an
 // image), Calibration and ResidualAbsorption / FormAndNormalise (per point). The counters
 // "bytes_per_count" and "beside_stacks" are memory: resident bytes for each pixel of each frame
-// after a load, and what an analysis takes beside the stacks, as a share of them.
+// after a load, and what an analysis with its result images takes, as a share of the stacks'
+// counts.
 
 #include <benchmark/benchmark.h>
 #include <tiffio.h>
@@ -161,18 +162,39 @@ void FormAndNormalise(benchmark::State& state) {
     plainLoop(state, [](const XafsSpectrum& s) { benchmark::DoNotOptimize(s.dMut()); });
 }
 
-void PlainLcf(benchmark::State& state) {
-    QVector<XafsSpectrum> references(2);
+QVector<XafsSpectrum> references() {
+    QVector<XafsSpectrum> list(2);
     for (int i = 0; i < 2; ++i) {
-        readSpectrumFile(stacks().reference(i), &references[i]);
-        references[i].normalise(XafsSpectrum::Simple);
+        readSpectrumFile(stacks().reference(i), &list[i]);
+        list[i].normalise(XafsSpectrum::Simple);
     }
-    LinearFit fit(references, LinearFit::Lcf);
+    return list;
+}
+
+void PlainLcf(benchmark::State& state) {
+    LinearFit fit(references(), LinearFit::Lcf);
     plainLoop(state, [&](const XafsSpectrum& s) {
         fit.fit(s);
         benchmark::DoNotOptimize(fit.ratios().data());
     });
 }
+
+/// What the cursor needs where it stands, without painting.
+void Cursor(benchmark::State& state) {
+    const FrameSet i1 = stacks().load(stacks().i1());
+    const FrameSet i0 = stacks().load(stacks().i0());
+    const AbsorptionSource source(i1, i0, stacks().width(), stacks().height());
+    LinearFit fit(references(), LinearFit::Lcf);
+    const int half = static_cast<int>(state.range(0));
+    for (auto _ : state) {
+        const Spectrum raw = source.spectrumAt(200, 300, half, half);
+        const XafsSpectrum spectrum(raw, XafsSpectrum::Simple, 0.0);
+        fit.fit(spectrum);
+        benchmark::DoNotOptimize(calibrationEdge(&raw));
+        benchmark::DoNotOptimize(fit.fittedCurve(fit.ratios()).size());
+    }
+}
+BENCHMARK(Cursor)->Arg(0)->Arg(10)->Unit(benchmark::kMicrosecond);
 
 BENCHMARK(FormAndNormalise)->Arg(0)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(Calibration)->Arg(0)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);

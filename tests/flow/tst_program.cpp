@@ -1,0 +1,297 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <cmath>
+#include <csignal>
+#include <memory>
+
+#include "Phantom.h"
+#include "TestMain.h"
+#include "imagedata/TiffData.h"
+
+namespace {
+
+using Table = QVector<QVector<double>>;
+
+/// The numbers of a file, line by line, without its header and the lines that begin with "#".
+Table readNumbers(const QString& fileName, int headerLines = 0) {
+    Table rows;
+    QFile file(fileName);
+    file.open(QIODevice::ReadOnly | QIODevice::Text);
+    QTextStream in(&file);
+    for (int i = 0; !in.atEnd(); ++i) {
+        const QString line = in.readLine();
+        if (i < headerLines || line.startsWith('#')) {
+            continue;
+        }
+        QVector<double> row;
+        for (const QString& item : line.split(' ', Qt::SkipEmptyParts)) {
+            row << item.toDouble();
+        }
+        rows << row;
+    }
+    return rows;
+}
+
+template <typename Value>
+double worstError(const Table& table, Value value) {
+    double worst = 0.0;
+    for (int y = 0; y < table.size(); ++y) {
+        for (int x = 0; x < table[y].size(); ++x) {
+            worst = std::max(worst, std::abs(table[y][x] - value(x, y)));
+        }
+    }
+    return worst;
+}
+
+const QStringList SaveNumbers = {"saveDataCfg_save_as_text", "saveDataCfg_text_as_ssv",
+                                 "saveDataCfg_text_as_vals"};
+
+}  // namespace
+
+/// tarnwick-batch as a script starts it, without a display, at real work on known samples.
+class TestProgram : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<Phantom> m_phantom;
+
+    QString file(const QString& name) const { return m_dir.filePath(name); }
+
+    void start(QProcess* process, const QStringList& lines) {
+        QFile batch(file("b.bat"));
+        QVERIFY(batch.open(QIODevice::WriteOnly));
+        batch.write(lines.join('\n').toUtf8());
+        batch.close();
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+            environment.remove(name);
+        }
+        process->setProcessEnvironment(environment);
+        process->setWorkingDirectory(m_dir.path());
+        process->start(TARNWICK_BATCH, {"b.bat"});
+    }
+
+    struct Run {
+        int code = -1;
+        QString verdict;
+        QString problems;
+    };
+    Run run(const QStringList& lines) {
+        QProcess process;
+        start(&process, lines);
+        Run result;
+        if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit) {
+            result.code = process.exitCode();
+        }
+        result.verdict =
+            QString::fromUtf8(process.readAllStandardOutput()).trimmed().section('\n', -1);
+        result.problems = QString::fromUtf8(process.readAllStandardError());
+        return result;
+    }
+
+    static double fractionOfA(int x, int y) { return std::min(1.0, 0.05 * x + 0.06 * y); }
+
+  private slots:
+    void initTestCase() {
+        // A script in the background starts its programs with Ctrl-C ignored; not this one.
+        std::signal(SIGINT, SIG_DFL);
+        Phantom::Options options;
+        options.fractionOfA = fractionOfA;
+        m_phantom = std::make_unique<Phantom>(options);
+        QVERIFY(m_phantom->isValid() && m_dir.isValid());
+    }
+
+    void aBatchWithoutFault() {
+        const Run result = run(m_phantom->loadAndSetReferences() + SaveNumbers +
+                               QStringList{"analyzer_exec_LCF", "analyzer_select_image_type 1",
+                                           "analyzer_select_image 0", "save_data_as_tiff a.dat",
+                                           "save_all_images all.png"});
+        QCOMPARE(result.verdict, QString("14 lines done, 0 failed"));
+        QCOMPARE(result.code, 0);
+        const Table fractions = readNumbers(file("a.dat"));
+        QCOMPARE(fractions.size(), 8);
+        QCOMPARE(fractions[0].size(), 12);
+        QVERIFY(worstError(fractions, fractionOfA) < 2e-4);
+        QVERIFY(QFile::exists(file("all-1-1.png")));
+    }
+
+    /// What fails is named by its line in the file, and the rest is done.
+    void aBatchWithFaults() {
+        QStringList lines = m_phantom->loadAndSetReferences();
+        lines.insert(2, "");
+        lines.insert(3, "load_I1_files ADD missing.tif");
+        lines += SaveNumbers;
+        lines += {"calib_load_std missing.dat",
+                  "analyzer_exec_LCF",
+                  "analyzer_select_image_type 1",
+                  "analyzer_select_image 1",
+                  ":for i %i 0 2",
+                  "save_data_as_tiff nowhere/b%i.dat",
+                  ":next i",
+                  "save_data_as_tiff b.dat"};
+        const Run result = run(lines);
+        QCOMPARE(result.code, 1);
+        QCOMPARE(result.verdict, QString("17 lines done, 5 failed: line 4 (load_I1_files), line 12 "
+                                         "(calib_load_std), line 17 (save_data_as_tiff, 3 times)"));
+        QVERIFY2(result.problems.contains("line 4: load_I1_files: ") &&
+                     result.problems.contains("missing.tif"),
+                 qPrintable(result.problems));
+        const Table fractions = readNumbers(file("b.dat"));
+        QCOMPARE(fractions.size(), 8);
+        QVERIFY(worstError(fractions, [](int x, int y) { return 1.0 - fractionOfA(x, y); }) < 2e-4);
+    }
+
+    void interrupted_data() {
+        QTest::addColumn<QString>("line");
+        QTest::newRow("while it loads")
+            << "load_I1_files_of_pattern NEW " + m_phantom->dir() + " i1-*.tif";
+        QTest::newRow("while it fits") << "analyzer_exec_LCF";
+        QTest::newRow("while it calibrates") << "calib_exec";
+        QTest::newRow("while it saves") << "save_data_as_tiff whole.tif";
+    }
+
+    void interrupted() {
+        QFETCH(QString, line);
+        QProcess process;
+        start(&process, m_phantom->loadAndSetReferences() +
+                            QStringList{"analyzer_exec_LCF", "analyzer_select_image 0",
+                                        ":for i %i 1 1000000", line, ":next i"});
+        QByteArray out;
+        while (out.count("next i") < 3) {
+            QVERIFY2(process.waitForReadyRead(60000), out.constData());
+            out += process.readAllStandardOutput();
+        }
+        ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 130);
+        const QByteArray verdict =
+            (out + process.readAllStandardOutput()).trimmed().split('\n').last();
+        QVERIFY2(verdict.startsWith("Interrupted at line ") && verdict.endsWith(", 0 failed"),
+                 verdict.constData());
+        QCOMPARE(QDir(m_dir.path()).entryList({"*.part"}), QStringList());
+        if (line.contains("whole.tif")) {
+            TiffData saved;
+            QVERIFY(saved.load(file("whole.tif")));
+            QCOMPARE(int(saved.rows.size()), 8);
+        }
+    }
+
+    /// The beam's energy drifts over the field. It is measured on a foil, saved, and taken off the
+    /// sample's energies.
+    ///
+    /// The edge is found by straight lines between energies 1 eV apart. Where the edge of 12 eV
+    /// bends most, at 0.8 (pi / 12)^2 / 2 = 0.027 / eV^2, that puts mu-t off by up to 0.0034, and
+    /// the energy, at a slope of about 0.1 / eV, by 0.03 eV. Finer steps help with their square.
+    void driftIsMeasuredAndTakenOff() {
+        const auto drift = [](int x, int y) { return 0.4 * (x - 5.5) + 0.1 * y; };
+        const auto sampleFraction = [](int x, int) { return 0.1 + 0.07 * x; };
+        Phantom::Options options;
+        options.height = options.width;  // maps load on square images alone
+        options.energies = 301;
+        options.i0Energies = 2;
+        options.energyShift = drift;
+        options.fractionOfA = sampleFraction;
+        const Phantom sample(options);
+        options.fractionOfA = [](int, int) { return 1.0; };
+        const Phantom foil(options);
+        QVERIFY(sample.isValid() && foil.isValid());
+
+        const Run result =
+            run(SaveNumbers +
+                QStringList{"load_I0_files_of_pattern NEW " + foil.dir() + " i0-*.tif",
+                            "load_I1_files_of_pattern NEW " + foil.dir() + " i1-*.tif",
+                            "set_band_w 0", "set_band_h 0", "calib_load_std " + foil.file("a.dat"),
+                            "calib_exec", "calib_save_map drift.emp", "calib_clear_map"} +
+                sample.loadAndSetReferences() +
+                QStringList{"analyzer_select_image_type 1", "analyzer_select_image 0",
+                            "analyzer_exec_LCF", "save_data_as_tiff before.dat",
+                            "calib_load_map drift.emp", "analyzer_exec_LCF",
+                            "save_data_as_tiff after.dat", "calib_save_map again.emp"});
+        QVERIFY2(result.code == 0, qPrintable(result.verdict));
+
+        // Angles, see the format of the file: here with the standard's edge and Si(111).
+        const int header = 15 + options.height;
+        const Table map = readNumbers(file("drift.emp"), header);
+        const Table again = readNumbers(file("again.emp"), header);
+        QCOMPARE(map.size(), options.height);
+        QCOMPARE(map[0].size(), options.width);
+        QCOMPARE(again.size(), map.size());
+        double edge = 0.0;
+        double spacing = 0.0;
+        QFile text(file("drift.emp"));
+        QVERIFY(text.open(QIODevice::ReadOnly));
+        for (const QByteArray& line : text.readAll().split('\n')) {
+            const double value = line.mid(line.indexOf(':') + 1).trimmed().toDouble();
+            edge = line.startsWith("Std Edge Energy") ? value : edge;
+            spacing = line.startsWith("Spacing") ? value : spacing;
+        }
+        const double degree = 3.1415926535 / 180.0;
+        const auto angle = [&](double e) {
+            return std::asin(12398.424360387684 / e / (2.0 * spacing)) / degree;
+        };
+        // By the slope of the angle: d theta = -tan(theta) dE / E, and the angle falls by the
+        // shift.
+        const double perEv = std::tan(angle(edge) * degree) / edge / degree;
+        double worst = 0.0;
+        double worstAgain = 0.0;
+        for (int y = 0; y < map.size(); ++y) {
+            for (int x = 0; x < map[y].size(); ++x) {
+                worst = std::max(worst, std::abs(map[y][x] / perEv - drift(x, y)));
+                worstAgain = std::max(worstAgain, std::abs(again[y][x] - map[y][x]) / perEv);
+            }
+        }
+        qInfo() << "worst error of the drift (eV)" << worst << "edge" << edge << "d" << spacing;
+        QVERIFY(worst < 0.1);
+        QVERIFY(worstAgain < 1e-3);
+
+        const double before = worstError(readNumbers(file("before.dat")), sampleFraction);
+        const double after = worstError(readNumbers(file("after.dat")), sampleFraction);
+        qInfo() << "worst error of a fraction: before" << before << "after" << after;
+        QVERIFY(before > 0.1);
+        QVERIFY(after <= 0.1 * before);
+    }
+
+    /// Both background lines are known: mu-t is 0.3 - 0.0002 (E - shift - 7000) below the edge and
+    /// 0.8 more above it.
+    void residualAbsorption() {
+        constexpr double Energy = 7112.0;
+        constexpr double Factor = 0.25;
+        Phantom::Options options;
+        options.fractionOfA = [](int, int) { return 1.0; };
+        options.energyShift = [](int, int y) { return 10.0 * y; };
+        const Phantom phantom(options);
+        QVERIFY(phantom.isValid());
+        const Run result = run(
+            phantom.loadAndSetReferences() + SaveNumbers +
+            QStringList{"select_region 2 0 12 8", QString("analyzer_set_ra_energy %1").arg(Energy),
+                        QString("analyzer_set_ra_factor %1").arg(Factor), "analyzer_exec_ra",
+                        "analyzer_select_image 2", "save_data_as_tiff dmut.dat",
+                        "analyzer_select_image 3", "save_data_as_tiff rest.dat",
+                        "analyzer_select_image 4", "save_data_as_tiff ratio.dat"});
+        QVERIFY2(result.code == 0, qPrintable(result.verdict));
+
+        const auto inArea = [](int x, double value) { return x < 2 ? 0.0 : value; };
+        const auto rest = [](int y) { return 0.3 - 2e-4 * (Energy - 10.0 * y - 7000.0) - 0.2; };
+        const Table dmut = readNumbers(file("dmut.dat"));
+        QCOMPARE(dmut.size(), 8);
+        QCOMPARE(dmut[0].size(), 12);
+        QVERIFY(worstError(dmut, [&](int x, int) { return inArea(x, 0.8); }) < 2e-4);
+        QVERIFY(worstError(readNumbers(file("rest.dat")),
+                           [&](int x, int y) { return inArea(x, rest(y)); }) < 2e-4);
+        // The rest is counted from its lowest value in the image, here the 0 outside the area,
+        // where the ratio is 0 / 0.
+        const Table ratio = readNumbers(file("ratio.dat"));
+        QCOMPARE(ratio.size(), 8);
+        for (int y = 0; y < 8; ++y) {
+            QVERIFY(std::isnan(ratio[y][0]));
+            QVERIFY(std::abs(ratio[y][5] - rest(y) / (0.8 + rest(y))) < 2e-4);
+        }
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestProgram)
+#include "tst_program.moc"
