@@ -7,6 +7,10 @@
 
 #include "app/Globals.h"
 
+namespace {
+constexpr int MostDecimals = 8;
+}
+
 QRectF textPlace(const QFont& font, const QPointF& anchor, const QString& text,
                  Qt::Alignment alignment, const QRectF& inside, bool upright) {
     const QFontMetricsF metrics(font);
@@ -61,13 +65,23 @@ QRectF drawTextOnPaper(QPainter& painter, const QPointF& anchor, const QString& 
 
 QString tickText(double value, double step) {
     const double magnitude = std::abs(step);
-    if (magnitude == 0.0 || !std::isfinite(value) || !std::isfinite(magnitude) ||
-        std::abs(value) >= 1e7 || magnitude < 1e-6) {
+    if (magnitude == 0.0 || !std::isfinite(value) || !std::isfinite(magnitude)) {
         return QString::number(value, 'g', 6);
     }
-    const int decimals = toClampedInt(std::ceil(-std::log10(magnitude) - 1e-9), 0, 8);
     if (std::abs(value) < magnitude / 2) {
-        value = 0.0;
+        value = 0.0;  // neither "-0" nor the rounding error of a sum of steps
+    }
+    if (std::abs(value) >= 1e7 || magnitude < 1e-6) {
+        const double digits = std::floor(std::log10(std::max(std::abs(value), magnitude))) -
+                              std::floor(std::log10(magnitude)) + 1.0;
+        return QString::number(value, 'g', toClampedInt(digits, 1, 15));
+    }
+    int decimals = 0;
+    const double exact = 1e-6 * magnitude;
+    for (double unit = 1.0; decimals < MostDecimals; ++decimals, unit /= 10.0) {
+        if (std::abs(magnitude - std::round(magnitude / unit) * unit) <= exact) {
+            break;
+        }
     }
     return QString::number(value, 'f', decimals);
 }

@@ -1,6 +1,7 @@
 #include "display/FramePicture.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "app/Globals.h"
@@ -27,4 +28,25 @@ QImage framePicture(const TiffData& frame, double low, double high) {
         }
     }
     return picture;
+}
+
+QImage withGapsMarked(const QImage& picture, const double* values, int width, int height) {
+    if (values == nullptr || picture.width() != width || picture.height() != height) {
+        return picture;
+    }
+    const auto isGap = [](double value) { return std::isnan(value); };
+    const auto* end = values + static_cast<std::ptrdiff_t>(width) * height;
+    if (std::none_of(values, end, isGap)) {
+        return picture;
+    }
+    QImage marked = picture.convertToFormat(QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y) {
+        auto* line = reinterpret_cast<QRgb*>(marked.scanLine(y));
+        for (int x = 0; x < width; ++x, ++values) {
+            if (isGap(*values)) {
+                line[x] = qRgb(128, 128, 128);
+            }
+        }
+    }
+    return marked;
 }

@@ -7,3 +7,8 @@ struct TiffData;
 /// Grey picture of a frame's counts with the given range from black to white, of its own memory.
 /// A range that is empty or not finite gives a black picture.
 QImage framePicture(const TiffData& frame, double low, double high);
+
+/// The picture with the pixels whose value is no number in mid grey, a colour outside the map. The
+/// values lie row by row, one a pixel. The picture itself when there is none such, or when the
+/// sizes differ.
+QImage withGapsMarked(const QImage& picture, const double* values, int width, int height);

@@ -11,10 +11,10 @@ QVector<double> profile(int length, int size, int at, int half, Value valueAt) {
     if (at < 0 || at >= size || length <= 0) {
         return {};
     }
-    // In double: the smallest int has no magnitude of its own kind.
-    const int reach = static_cast<int>(std::min<double>(std::abs(static_cast<double>(half)), size));
+    // As qint64: the half width comes from a field and may be any number.
+    const int reach = static_cast<int>(std::min<qint64>(std::abs(qint64{half}), size));
     const int first = std::max(0, at - reach);
-    const int last = std::min(size - 1, at + reach);
+    const int last = reach > size - 1 - at ? size - 1 : at + reach;
     QVector<double> result(length);
     for (int i = 0; i < length; ++i) {
         double sum = 0.0;
