@@ -56,7 +56,12 @@ QImage Body::shownPicture() const {
 }
 
 void Body::draw(QPainter* p) {
-    const QImage picture = shownPicture();
+    QImage picture = shownPicture();
+    const Analyzed2DRes* result = shownResult();
+    if (result != nullptr && !picture.isNull()) {
+        picture = withGapsMarked(picture, result->showsProc() ? result->proc() : result->data(),
+                                 result->grid().width, result->grid().height);
+    }
     if (!picture.isNull()) {
         m_ui->dispA->paintImage(p, picture);
     }
