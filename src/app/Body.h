@@ -142,7 +142,7 @@ class Body : public QMainWindow {
 
     // what is shown
     int shown() const;
-    const TiffData* shownFrame() const;
+    TiffData* shownFrame() const;
     Analyzed2DRes* shownResult() const;  // the shift map or the selected result, if on display
     QImage shownPicture() const;
     void redisplay();

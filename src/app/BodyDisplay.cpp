@@ -23,7 +23,7 @@ int Body::shown() const {
     return m_showGroup == nullptr ? ShownData : m_showGroup->checkedId();
 }
 
-const TiffData* Body::shownFrame() const {
+TiffData* Body::shownFrame() const {
     switch (shown()) {
         case ShownData:
             return m_i1->loader.frames().at(m_frame);
@@ -46,9 +46,9 @@ Analyzed2DRes* Body::shownResult() const {
 }
 
 QImage Body::shownPicture() const {
-    if (const TiffData* frame = shownFrame()) {
-        return m_ui->CBar->isAuto() && frame->image != nullptr
-                   ? *frame->image
+    if (TiffData* frame = shownFrame()) {
+        return m_ui->CBar->isAuto() && frame->picture() != nullptr
+                   ? *frame->picture()
                    : framePicture(*frame, m_ui->CBar->rangeMin(), m_ui->CBar->rangeMax());
     }
     const Analyzed2DRes* result = shownResult();

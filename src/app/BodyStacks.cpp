@@ -42,23 +42,31 @@ void Body::loadNextI0() {
 }
 
 void Body::loadedI1(TiffData* loaded) {
-    if (TiffData* frame = arrived(*m_i1, loaded)) {
-        if (m_i1->loader.frames().size() == 1) {
-            m_imageWidth = static_cast<int>(frame->width);
-            m_imageHeight = static_cast<int>(frame->height);
-            m_ui->dispA->setImageSize(m_imageWidth, m_imageHeight);
-        }
-        m_i1->panel->select(m_i1->loader.frames().size() - 1);
+    TiffData* frame = arrived(*m_i1, loaded);
+    // The reader goes on while the window shows what has come.
+    loadNextI1();
+    if (frame == nullptr) {
+        return;
+    }
+    const int newest = m_i1->loader.frames().size() - 1;
+    if (newest == 0) {
+        m_imageWidth = static_cast<int>(frame->width);
+        m_imageHeight = static_cast<int>(frame->height);
+        m_ui->dispA->setImageSize(m_imageWidth, m_imageHeight);
+    }
+    const bool redisplayed = shown() == ShownData && m_i1->panel->currentIndex() != newest;
+    m_i1->panel->select(newest);
+    if (!redisplayed) {
         redisplay();
     }
-    loadNextI1();
 }
 
 void Body::loadedI0(TiffData* loaded) {
-    if (arrived(*m_i0, loaded) != nullptr) {
+    const bool appended = arrived(*m_i0, loaded) != nullptr;
+    loadNextI0();
+    if (appended) {
         redisplay();
     }
-    loadNextI0();
 }
 
 void Body::selectedDataI0(bool) {

@@ -101,6 +101,6 @@ bool TiffData::readImg(const QString& name) {
         }
         foldIn(row);
     }
-    makeImage();
+    dropPicture();
     return true;
 }

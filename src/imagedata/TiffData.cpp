@@ -82,6 +82,13 @@ void TiffData::dropPicture() {
     pixels = nullptr;
 }
 
+const QImage* TiffData::picture() {
+    if (image == nullptr) {
+        makeImage();
+    }
+    return image;
+}
+
 void TiffData::makeImage() {
     dropPicture();
     const std::size_t bytesPerPixel = format == QImage::Format_RGB888 ? 3 : 1;

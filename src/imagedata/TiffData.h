@@ -6,7 +6,7 @@
 
 class QImage;
 
-/// One detector frame: unsigned 16-bit counts, where they came from, and a ready-made picture.
+/// One detector frame: unsigned 16-bit counts, where they came from, and a picture of them.
 ///
 /// Created empty, filled once by one reader, then only read. Counts are rows[y][x] with x = 0 ..
 /// width - 1; `rows` may be shorter than `height` when reading failed half-way.
@@ -42,6 +42,10 @@ struct TiffData {
     /// file does not hold reads as 0; frames above maxPixels are refused.
     bool readTiff(const QString& name);
 
+    /// The picture, made when it is first asked for: most frames of a stack are never looked at,
+    /// and making it takes as long as reading the frame. On the thread that owns the frame only.
+    /// Null for a frame without pixels.
+    const QImage* picture();
     /// Rebuilds the picture: (count - min) / (max - min) through the grey table or the colour map.
     void makeImage();
 

@@ -149,7 +149,7 @@ bool TiffData::readTiff(const QString& name) {
         std::memset(reinterpret_cast<char*>(row) + filled, 0, rowBytes - filled);
         foldIn(row);
     }
-    makeImage();
+    dropPicture();
     return true;
 }
 

@@ -53,7 +53,7 @@ class TestFrames : public QObject {
             return static_cast<quint16>(311 + (x * 7919 + y * 104729) % 1999);
         });
         frame->format = format;
-        frame->makeImage();
+        frame->picture();
         QVERIFY(frame->image != nullptr);
         QCOMPARE(frame->image->size(), QSize(width, 7));
         const double low = frame->min;
@@ -73,13 +73,13 @@ class TestFrames : public QObject {
         const auto frame = tinyFrame(300, 3, 0, [](int x, int) { return quint16(x); });
         frame->min = 100;
         frame->max = 150;
-        frame->makeImage();
+        frame->picture();
         QCOMPARE(frame->image->pixel(50, 0), qRgb(0, 0, 0));
         QCOMPARE(frame->image->pixel(299, 2), qRgb(255, 255, 255));
         const auto flat = tinyFrame(9, 3, 0, [](int, int) { return quint16(4); });
         QCOMPARE(flat->rows[2][8], quint16(4));
         flat->clearRows();
-        flat->makeImage();
+        flat->picture();
         QCOMPARE(flat->image->pixel(8, 2), qRgb(0, 0, 0));
     }
 

@@ -15,7 +15,6 @@ std::unique_ptr<TiffData> tinyFrame(int width, int height, double energy,
         }
         frame->foldIn(row);
     }
-    frame->makeImage();
     frame->loaded = true;
     return frame;
 }
