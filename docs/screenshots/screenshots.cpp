@@ -1,5 +1,5 @@
 // Makes the pictures of the windows for the documentation, without a display:
-//   screenshots MEASUREMENT OUT [LANGUAGE [FONT-PERCENT]]
+//   tarnwick-screenshots MEASUREMENT OUT [LANGUAGE [FONT-PERCENT]]
 // MEASUREMENT is a folder made by tarnwick-samples, LANGUAGE is en or ja.
 
 #include <QAbstractButton>
@@ -54,7 +54,8 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() < 3) {
-        std::fprintf(stderr, "usage: screenshots MEASUREMENT OUT [en|ja [FONT-PERCENT]]\n");
+        std::fprintf(stderr,
+                     "usage: tarnwick-screenshots MEASUREMENT OUT [en|ja [FONT-PERCENT]]\n");
         return 2;
     }
     const QString language = arguments.value(3, QStringLiteral("en"));
@@ -67,7 +68,8 @@ int main(int argc, char** argv) {
     if (language == QLatin1String("ja")) {
         installJapanese(&translator);
     }
-    const QString prefix = out.absoluteFilePath(language + QLatin1Char('-'));
+    const QString prefix = out.absoluteFilePath(
+        language + QLatin1Char('-') + arguments.value(4, QStringLiteral("100")) + QLatin1Char('-'));
     QDir::setCurrent(arguments.at(1));
 
     Body body;

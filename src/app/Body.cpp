@@ -11,6 +11,7 @@
 #include "analysis/Analysis2D.h"
 #include "analysis/Analyzed2DRes.h"
 #include "analysis/Analyzer.h"
+#include "app/BodyMenu.h"
 #include "app/BodyStack.h"
 #include "app/CommandHandlers.h"
 #include "app/Globals.h"
@@ -85,6 +86,7 @@ Body::Body(QWidget* parent)
     connectAnalyzer();
     makeDialogs();
     connectSaving();
+    buildBodyMenu(this);
     redisplay();
 }
 

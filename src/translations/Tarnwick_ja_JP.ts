@@ -529,6 +529,117 @@
     </message>
 </context>
 <context>
+    <name>BodyMenu</name>
+    <message>
+        <source>&amp;File</source>
+        <translation>ファイル(&amp;F)</translation>
+    </message>
+    <message>
+        <source>Open &amp;I1 Files...</source>
+        <translation>I1 ファイルを開く(&amp;I)...</translation>
+    </message>
+    <message>
+        <source>Open I&amp;0 Files...</source>
+        <translation>I0 ファイルを開く(&amp;0)...</translation>
+    </message>
+    <message>
+        <source>&amp;Dark Data...</source>
+        <translation>ダークデータ(&amp;D)...</translation>
+    </message>
+    <message>
+        <source>&amp;Save Image...</source>
+        <translation>画像を保存(&amp;S)...</translation>
+    </message>
+    <message>
+        <source>Save &amp;All Images...</source>
+        <translation>全画像を保存(&amp;A)...</translation>
+    </message>
+    <message>
+        <source>Save Da&amp;ta...</source>
+        <translation>データを保存(&amp;T)...</translation>
+    </message>
+    <message>
+        <source>Save S&amp;pectra...</source>
+        <translation>スペクトルを保存(&amp;P)...</translation>
+    </message>
+    <message>
+        <source>&amp;Form of Saved Data...</source>
+        <translation>データの保存形式(&amp;F)...</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>終了(&amp;Q)</translation>
+    </message>
+    <message>
+        <source>&amp;Show</source>
+        <translation>表示(&amp;V)</translation>
+    </message>
+    <message>
+        <source>&amp;Data</source>
+        <translation>I1 データ(&amp;D)</translation>
+    </message>
+    <message>
+        <source>&amp;I0</source>
+        <translation>I0(&amp;I)</translation>
+    </message>
+    <message>
+        <source>Energy &amp;Shift</source>
+        <translation>エネルギーシフト(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;Result of Analysis</source>
+        <translation>解析結果(&amp;R)</translation>
+    </message>
+    <message>
+        <source>&amp;Previous Frame</source>
+        <translation>前のフレーム(&amp;P)</translation>
+    </message>
+    <message>
+        <source>&amp;Next Frame</source>
+        <translation>次のフレーム(&amp;N)</translation>
+    </message>
+    <message>
+        <source>&amp;Whole Image</source>
+        <translation>画像全体(&amp;W)</translation>
+    </message>
+    <message>
+        <source>&amp;Windows</source>
+        <translation>ウィンドウ(&amp;W)</translation>
+    </message>
+    <message>
+        <source>&amp;Spectrum</source>
+        <translation>スペクトル(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;Calibration</source>
+        <translation>エネルギー較正(&amp;C)</translation>
+    </message>
+    <message>
+        <source>&amp;Analyzer</source>
+        <translation>解析(&amp;A)</translation>
+    </message>
+    <message>
+        <source>&amp;Batch</source>
+        <translation>バッチ(&amp;B)</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>ヘルプ(&amp;H)</translation>
+    </message>
+    <message>
+        <source>&amp;About Tarnwick</source>
+        <translation>Tarnwick について(&amp;A)</translation>
+    </message>
+    <message>
+        <source>About Tarnwick</source>
+        <translation>Tarnwick について</translation>
+    </message>
+    <message>
+        <source>Two-dimensional XAFS imaging: spectra, energy calibration and maps of chemical states.</source>
+        <translation>二次元 XAFS イメージング: スペクトル抽出、エネルギー較正、化学状態マップ</translation>
+    </message>
+</context>
+<context>
     <name>CalibCtrl</name>
     <message>
         <source>Calibration</source>
