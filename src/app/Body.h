@@ -133,7 +133,9 @@ class Body : public QMainWindow {
 
     // stacks
     void read(Stack& stack, const QStringList& files);
+    bool requestNext(Stack& stack);
     void loadNext(Stack& stack);
+    void showNewest(const TiffData& frame);
     TiffData* arrived(Stack& stack, TiffData* data);
     void clear(Stack& stack);
     void stacksChanged();

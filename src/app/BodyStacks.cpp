@@ -42,16 +42,17 @@ void Body::loadNextI0() {
 }
 
 void Body::loadedI1(TiffData* loaded) {
-    TiffData* frame = arrived(*m_i1, loaded);
-    // The reader goes on while the window shows what has come.
-    loadNextI1();
-    if (frame == nullptr) {
-        return;
+    if (TiffData* frame = arrived(*m_i1, loaded)) {
+        showNewest(*frame);
     }
+    loadNextI1();
+}
+
+void Body::showNewest(const TiffData& frame) {
     const int newest = m_i1->loader.frames().size() - 1;
     if (newest == 0) {
-        m_imageWidth = static_cast<int>(frame->width);
-        m_imageHeight = static_cast<int>(frame->height);
+        m_imageWidth = static_cast<int>(frame.width);
+        m_imageHeight = static_cast<int>(frame.height);
         m_ui->dispA->setImageSize(m_imageWidth, m_imageHeight);
     }
     const bool redisplayed = shown() == ShownData && m_i1->panel->currentIndex() != newest;
@@ -62,11 +63,10 @@ void Body::loadedI1(TiffData* loaded) {
 }
 
 void Body::loadedI0(TiffData* loaded) {
-    const bool appended = arrived(*m_i0, loaded) != nullptr;
-    loadNextI0();
-    if (appended) {
+    if (arrived(*m_i0, loaded) != nullptr) {
         redisplay();
     }
+    loadNextI0();
 }
 
 void Body::selectedDataI0(bool) {
@@ -112,13 +112,18 @@ void Body::read(Stack& stack, const QStringList& files) {
     loadNext(stack);
 }
 
+bool Body::requestNext(Stack& stack) {
+    const auto request = stack.loader.next();
+    if (request && stack.id == Stack::I1) {
+        emit loadI1(request->fileName, request->frame);
+    } else if (request) {
+        emit loadI0(request->fileName, request->frame);
+    }
+    return request.has_value();
+}
+
 void Body::loadNext(Stack& stack) {
-    if (const auto request = stack.loader.next()) {
-        if (stack.id == Stack::I1) {
-            emit loadI1(request->fileName, request->frame);
-        } else {
-            emit loadI0(request->fileName, request->frame);
-        }
+    if (requestNext(stack)) {
         return;
     }
     if (!stack.loader.isLoading()) {
@@ -133,6 +138,7 @@ void Body::loadNext(Stack& stack) {
 
 TiffData* Body::arrived(Stack& stack, TiffData* loaded) {
     std::unique_ptr<TiffData> frame = stack.loader.arrived(loaded);
+    requestNext(stack);  // the reader goes on while this frame is taken in and shown
     showLoadProgress(stack);
     if (!frame) {
         return nullptr;
