@@ -29,6 +29,13 @@ bool asksForVictreen(const QString& word) {
 LCFReference::LCFReference(QWidget* parent)
     : QFrame(parent), m_ui(std::make_unique<Ui::LCFReference>()), m_revision(nextRevision()) {
     m_ui->setupUi(this);
+    // Room for six digits with sign, whatever the font; more would widen the window. Numbers with
+    // an exponent scroll when space is short.
+    const int width = fontMetrics().horizontalAdvance(QStringLiteral("-0.0000000M"));
+    for (QLineEdit* field : {m_ui->DMut, m_ui->MidE, m_ui->DeltaE, m_ui->R, m_ui->T}) {
+        field->setMinimumWidth(width);
+        field->setMaximumWidth(width);
+    }
     for (auto& result : m_results) {
         result = std::make_unique<Analyzed2DRes>();
     }

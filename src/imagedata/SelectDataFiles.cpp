@@ -25,7 +25,9 @@ SelectDataFiles::SelectDataFiles(QWidget* parent)
     const int patternWidth =
         fontMetrics().horizontalAdvance(m_ui->EngPattern->text() + QLatin1Char('M'));
     m_ui->EngPattern->setMinimumWidth(patternWidth);
-    m_ui->EngPattern->setMaximumWidth(2 * patternWidth);
+    m_ui->EngPattern->setMaximumWidth(patternWidth + patternWidth / 4);
+    // The list shows the beginning of a long path, its tool tip the whole.
+    connect(m_ui->Selected, &QComboBox::currentTextChanged, m_ui->Selected, &QWidget::setToolTip);
     m_dialog->setFileMode(QFileDialog::ExistingFiles);
     m_dialog->setAcceptMode(QFileDialog::AcceptOpen);
     m_dialog->setNameFilters(

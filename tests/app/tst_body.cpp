@@ -1,6 +1,8 @@
+#include <QAction>
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QSlider>
@@ -66,6 +68,26 @@ class TestBody : public QObject {
         m_body->show();
     }
     void cleanup() { m_body.reset(); }
+
+    /// The menu does what the buttons do, and no two of its entries share keys.
+    void menuPressesTheButtons() {
+        child<QAction>(*m_body, "actionShowI0")->trigger();
+        QVERIFY(child<QPushButton>(*m_body, "ShowI0")->isChecked());
+        child<QAction>(*m_body, "actionShowAnalyzer")->trigger();
+        QVERIFY(analyzerWindow()->isVisible());
+
+        QStringList keys;
+        const auto actions = m_body->menuBar()->findChildren<QAction*>();
+        for (const QAction* action : actions) {
+            if (!action->shortcut().isEmpty()) {
+                keys << action->shortcut().toString();
+            }
+        }
+        QVERIFY(keys.size() > 10);
+        QCOMPARE(keys.removeDuplicates(), 0);
+        child<QAction>(*m_body, "actionQuit")->trigger();
+        QVERIFY(!m_body->isVisible());
+    }
 
     void framesAreSteppedAndChosen() {
         load();
