@@ -198,6 +198,7 @@ class Body : public QMainWindow {
     std::unique_ptr<CommandHandlers> m_handlers;
     BatchPacing m_pacing;
     QStringList m_problems;  // of the line being carried out
+    bool m_executing = false;
 
     QButtonGroup* m_showGroup = nullptr;
     CrossSection* m_hCross = nullptr;

@@ -62,8 +62,8 @@ Spectrum Body::spectrumOnGrid(const AnalysisGrid& grid, int x, int y) {
 void Body::showXafsSpectrum(double x, double y) {
     m_x = x;
     m_y = y;
-    const int column = toClampedInt(std::floor(x), -1, 1 << 30);
-    const int row = toClampedInt(std::floor(y), -1, 1 << 30);
+    const int column = toPixel(x);
+    const int row = toPixel(y);
     const Spectrum raw = source().spectrumAt(column, row, halfWidth(), halfHeight());
     const XafsSpectrum spectrum = corrected(raw, column, row);
     const XafsSpectrum* standard = m_calib->standard();

@@ -17,13 +17,19 @@ void Body::execCmd(CmdLine cmd, bool inRem) {
         answer(cmd, {});
         return;
     }
-    if (m_handlers->run(cmd) == CommandHandlers::Answer::AtOnce) {
+    m_executing = true;
+    const CommandHandlers::Answer when = m_handlers->run(cmd);
+    m_executing = false;
+    if (when == CommandHandlers::Answer::AtOnce) {
         answer(cmd, m_problems);
     }
 }
 
 void Body::note(const QString& problem) {
-    m_problems << problem;
+    // What a user does while a line of the batch waits is not that line's fault.
+    if (m_executing) {
+        m_problems << problem;
+    }
     m_ui->statusbar->showMessage(problem, NoticeMs);
 }
 

@@ -124,8 +124,8 @@ void Body::onMouseMovedInDispA() {
 
 void Body::updateValueAndCrossSections() {
     const QPointF position = m_ui->dispA->realPosition();
-    const int x = toClampedInt(std::floor(position.x()), -1, 1 << 30);
-    const int y = toClampedInt(std::floor(position.y()), -1, 1 << 30);
+    const int x = toPixel(position.x());
+    const int y = toPixel(position.y());
 
     int width = 0;
     int height = 0;
@@ -144,7 +144,8 @@ void Body::updateValueAndCrossSections() {
         valueAt = [result](int column, int row) { return result->shownValueAt(column, row); };
     }
     const bool inside = x >= 0 && y >= 0 && x < width && y < height;
-    m_ui->Value->setText(inside ? QString::number(valueAt(x, y), 'g', 6) : QString());
+    const QString nothing = width > 0 ? QString() : QStringLiteral("0.0");
+    m_ui->Value->setText(inside ? QString::number(valueAt(x, y), 'g', 6) : nothing);
     m_hCross->setProfile(rowProfile(width, height, valueAt, y, halfHeight()), 0);
     m_vCross->setProfile(columnProfile(width, height, valueAt, x, halfWidth()), 0);
     m_hCross->setMarker(position.x());

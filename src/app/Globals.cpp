@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include <cmath>
+
 QString DataDir;
 QList<QColor> Colors;
 std::array<unsigned char, 256> GreyTable;
@@ -45,6 +47,11 @@ int toClampedInt(double v, int low, int high) {
         return low;
     }
     return v >= static_cast<double>(high) ? high : static_cast<int>(v);
+}
+
+int toPixel(double position) {
+    constexpr int Far = 1 << 30;
+    return toClampedInt(std::floor(position), -Far, Far);
 }
 
 QColor getColor(int i) {

@@ -48,3 +48,7 @@ const unsigned char* colorOf(int i);
 
 /// trunc(v) clamped to [low, high]; NaN gives low. Never undefined, whatever v holds.
 int toClampedInt(double v, int low, int high);
+
+/// The pixel that a position lies in: pixel n covers n to n + 1. Positions far outside any image
+/// are cut to +-2^30, NaN to -2^30.
+int toPixel(double position);
