@@ -1,6 +1,5 @@
 #include "display/ColorBar.h"
 
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
@@ -18,21 +17,11 @@ constexpr double WheelStep = 1.1;
 
 ColorBar::ColorBar(QWidget* parent) : DispA(parent) {
     setToolTip(
-        tr("Drag an end or click its value to fix the range of the frames; double click for each "
-           "frame's own"));
+        tr("Frames: drag an end or click on its value to fix the range, turn the wheel to "
+           "widen or narrow it; double click for each frame's own"));
     m_editor = new QLineEdit(this);
     m_editor->hide();
-    m_editor->installEventFilter(this);
-    connect(m_editor, &QLineEdit::editingFinished, this, [this] {
-        if (m_edited != End::None) {
-            acceptEditor();
-        }
-    });
-}
-
-QSize ColorBar::minimumSizeHint() const {
-    return QSize(fontMetrics().horizontalAdvance(QStringLiteral("-0.000123456")) + 8,
-                 6 * fontMetrics().height());
+    connect(m_editor, &QLineEdit::editingFinished, this, &ColorBar::takeTyped);
 }
 
 double ColorBar::rangeMin() const {
@@ -43,6 +32,11 @@ double ColorBar::rangeMax() const {
 }
 
 void ColorBar::setTable(Table table) {
+    if (table != m_table) {
+        m_drag = End::None;
+        m_typed = End::None;
+        m_editor->hide();
+    }
     m_table = table;
     update();
 }
@@ -59,6 +53,8 @@ void ColorBar::setRange(double min, double max) {
 
 void ColorBar::setAuto(bool on) {
     if (on != m_auto) {
+        m_fixedMin = m_min;
+        m_fixedMax = m_max;
         m_auto = on;
         emit newBar();
         update();
@@ -66,7 +62,7 @@ void ColorBar::setAuto(bool on) {
 }
 
 void ColorBar::fix(double min, double max) {
-    if (!std::isfinite(min) || !std::isfinite(max)) {
+    if (!(max > min) || !std::isfinite(max - min)) {
         return;
     }
     m_auto = false;
@@ -77,140 +73,144 @@ void ColorBar::fix(double min, double max) {
 }
 
 QRectF ColorBar::barRect() const {
-    // One line above for the high end; two below for the low end and "Auto".
-    const double line = fontMetrics().height();
-    return QRectF(6.0, line + 4.0, BarWidth, std::max(1.0, height() - 3 * line - 8.0));
+    // Room for a value above, a value and the word "Auto" below.
+    const double line = fontMetrics().height() + 4.0;
+    return QRectF(6.0, line, BarWidth, std::max(1.0, height() - 3 * line));
+}
+
+QRectF ColorBar::valueRect(End end) const {
+    const QRectF bar = barRect();
+    return end == End::High ? QRectF(0, 0, width(), bar.top())
+                            : QRectF(0, bar.bottom(), width(), bar.top());
 }
 
 void ColorBar::paintBelow(QPainter& painter) {
     const QRectF bar = barRect();
-    const int steps = static_cast<int>(bar.height());
+    paintBar(painter, bar);
+    if (rangeMax() >= rangeMin()) {
+        paintTicks(painter, bar);
+    }
+    if (m_table == Grey) {
+        painter.setPen(palette().color(QPalette::Disabled, QPalette::WindowText));
+        drawText(painter, QPointF(bar.left(), height() - 2.0), m_auto ? tr("Auto") : tr("Fixed"),
+                 Qt::AlignLeft | Qt::AlignBottom, QRectF(rect()));
+    }
+}
+
+void ColorBar::paintBar(QPainter& painter, const QRectF& bar) const {
+    // Without a range everything looks like the lower end.
+    const int steps = std::max(1, toClampedInt(bar.height(), 1, 1 << 15));
     for (int i = 0; i < steps; ++i) {
-        const double t = 1.0 - i / std::max(1.0, bar.height() - 1);
+        const double t = hasRange() ? 1.0 - (i + 0.5) / steps : 0.0;
         const uchar* c = m_table == Grey ? greyOf(t) : colorOf(t);
         painter.fillRect(QRectF(bar.left(), bar.top() + i, bar.width(), 1.0),
                          m_table == Grey ? QColor(*c, *c, *c) : QColor(c[0], c[1], c[2]));
     }
     painter.setPen(palette().color(QPalette::WindowText));
-    painter.drawRect(bar);
+    painter.drawRect(bar.adjusted(-1, -1, 0, 0));
+}
 
+void ColorBar::paintTicks(QPainter& painter, const QRectF& bar) {
     const double low = rangeMin();
     const double high = rangeMax();
     const QRectF all(rect());
-    const QRectF top = drawText(painter, QPointF(bar.left(), bar.top() - 2),
-                                high >= low ? QString::number(high, 'g', 6) : QString(),
-                                Qt::AlignLeft | Qt::AlignBottom, all);
-    const QRectF bottom = drawText(painter, QPointF(bar.left(), bar.bottom() + 2),
-                                   high >= low ? QString::number(low, 'g', 6) : QString(),
-                                   Qt::AlignLeft | Qt::AlignTop, all);
+    drawText(painter, QPointF(bar.left(), bar.top() - 3), QString::number(high, 'g', 6),
+             Qt::AlignLeft | Qt::AlignBottom, all);
+    drawText(painter, QPointF(bar.left(), bar.bottom() + 2), QString::number(low, 'g', 6),
+             Qt::AlignLeft | Qt::AlignTop, all);
     m_coord.setScreen(0, 1, bar.bottom(), bar.top());
     m_coord.setReal(0, 1, low, high);
     const Ticks ticks = ticksBetween(low, high);
+    const double room = fontMetrics().height();
+    double last = 1e300;
     for (double value : ticks.values) {
         const double y = m_coord.r2sY(value);
-        if (y < top.bottom() + 4 || y > bottom.top() - 4) {
+        painter.drawLine(QPointF(bar.right(), y), QPointF(bar.right() + 4, y));
+        // The end values have their own texts.
+        if (y < bar.top() + room / 2 || y > bar.bottom() - room / 2 || last - y < room) {
             continue;
         }
-        painter.drawLine(QPointF(bar.right(), y), QPointF(bar.right() + 4, y));
+        last = y;
         drawText(painter, QPointF(bar.right() + 6, y), tickText(value, ticks.step),
                  Qt::AlignLeft | Qt::AlignVCenter, all);
     }
-    if (m_table == Grey && m_auto) {
-        painter.setPen(palette().color(QPalette::Disabled, QPalette::WindowText));
-        drawText(painter, QPointF(bar.left(), all.bottom()), tr("Auto"),
-                 Qt::AlignLeft | Qt::AlignBottom, all);
-    }
 }
 
-void ColorBar::moveEnd(End end, double value) {
-    if (end == End::High) {
-        fix(std::min(rangeMin(), value), value);
-    } else if (end == End::Low) {
-        fix(value, std::max(rangeMax(), value));
-    }
-}
-
-void ColorBar::openEditor(End end) {
-    m_edited = end;
-    m_editor->setText(QString::number(end == End::High ? rangeMax() : rangeMin(), 'g', 6));
-    const int h = m_editor->sizeHint().height();
-    const int below = std::min(static_cast<int>(barRect().bottom()), height() - h);
-    m_editor->setGeometry(0, end == End::High ? 0 : below, width(), h);
-    m_editor->show();
+void ColorBar::startTyping(End end) {
+    const double value = end == End::High ? rangeMax() : rangeMin();
+    m_typed = end;
+    m_editor->setText(QString::number(value, 'g', 6));
+    m_editor->setGeometry(valueRect(end).toAlignedRect());
     m_editor->selectAll();
+    m_editor->show();
     m_editor->setFocus();
 }
 
-void ColorBar::acceptEditor() {
-    const End end = m_edited;
-    m_edited = End::None;  // hiding takes the focus away and comes back here
+void ColorBar::takeTyped() {
+    const End end = m_typed;
+    m_typed = End::None;  // hiding the field ends its editing once more
     m_editor->hide();
     bool isNumber = false;
-    const double value = m_editor->text().toDouble(&isNumber);
-    if (isNumber && canBeDragged() && m_editor->isModified()) {
-        moveEnd(end, value);
+    const double value = m_editor->text().trimmed().toDouble(&isNumber);
+    const QString before = QString::number(end == End::High ? rangeMax() : rangeMin(), 'g', 6);
+    if (end == End::None || !isNumber || m_editor->text() == before) {
+        return;
     }
-}
-
-bool ColorBar::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == m_editor && event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
-        m_edited = End::None;
-        m_editor->hide();
-        return true;
+    if (end == End::High) {
+        fix(rangeMin(), value);
+    } else {
+        fix(value, rangeMax());
     }
-    return DispA::eventFilter(watched, event);
 }
 
 void ColorBar::mousePressEvent(QMouseEvent* event) {
     DispA::mousePressEvent(event);
-    if (!canBeDragged() || event->button() != Qt::LeftButton) {
-        return;
+    m_dragged = false;
+    if (canBeChanged() && event->button() == Qt::LeftButton) {
+        m_drag = event->localPos().y() < barRect().center().y() ? End::High : End::Low;
     }
-    const QRectF bar = barRect();
-    const double y = event->localPos().y();
-    if (y < bar.top() - 1 || y > bar.bottom() + 1) {
-        openEditor(y < bar.top() ? End::High : End::Low);
-        return;
-    }
-    m_drag = y < bar.center().y() ? End::High : End::Low;
-    m_dragStart = y;
-    m_dragMin = rangeMin();
-    m_dragMax = rangeMax();
 }
 
 void ColorBar::mouseMoveEvent(QMouseEvent* event) {
+    const double before = m_mouse.current().y();
     DispA::mouseMoveEvent(event);
     if (m_drag == End::None || event->source() != Qt::MouseEventNotSynthesized) {
         return;
     }
-    // By the scale at the press: the range that follows the mouse would change it on the way. An
-    // end stops at the other one.
-    const double moved =
-        (m_dragStart - event->localPos().y()) / barRect().height() * (m_dragMax - m_dragMin);
+    m_dragged = true;
+    if (!hasRange()) {
+        return;
+    }
+    // The ends never meet: a step closes at most nine tenths of what is left.
+    const double span = rangeMax() - rangeMin();
+    const double moved = (before - event->localPos().y()) / barRect().height() * span;
     if (m_drag == End::High) {
-        fix(m_dragMin, std::max(m_dragMin, m_dragMax + moved));
+        fix(rangeMin(), rangeMax() + std::max(moved, -0.9 * span));
     } else {
-        fix(std::min(m_dragMax, m_dragMin + moved), m_dragMax);
+        fix(rangeMin() + std::min(moved, 0.9 * span), rangeMax());
     }
 }
 
 void ColorBar::mouseReleaseEvent(QMouseEvent* event) {
     DispA::mouseReleaseEvent(event);
+    const End end = m_drag;
     m_drag = End::None;
+    if (end != End::None && !m_dragged && valueRect(end).contains(event->localPos())) {
+        startTyping(end);
+    }
 }
 
 void ColorBar::mouseDoubleClickEvent(QMouseEvent* event) {
     DispA::mouseDoubleClickEvent(event);
     m_drag = End::None;
-    if (canBeDragged()) {
+    if (canBeChanged()) {
         setAuto(true);
     }
 }
 
 void ColorBar::wheelEvent(QWheelEvent* event) {
     DispA::wheelEvent(event);
-    if (canBeDragged() && event->angleDelta().y() != 0) {
+    if (canBeChanged() && hasRange() && event->angleDelta().y() != 0) {
         const double factor = event->angleDelta().y() > 0 ? 1 / WheelStep : WheelStep;
         const double middle = 0.5 * (rangeMin() + rangeMax());
         const double half = 0.5 * (rangeMax() - rangeMin()) * factor;

@@ -6,9 +6,10 @@ class QLineEdit;
 
 /// The colour bar: the colours of the shown image with the values that they stand for.
 ///
-/// Frames: each has its own range until the user drags an end, types its value or turns the wheel,
-/// which fixes the range for all frames; a double click goes back. Results: the range that the
-/// result reports, which cannot be changed here.
+/// Frames: each has its own range until the user drags an end, widens or narrows the bar with the
+/// wheel, or clicks on an end value and types another, which fixes the range for all frames; a
+/// double click goes back. Results: the range that the result reports, which cannot be changed
+/// here.
 class ColorBar : public DispA {
     Q_OBJECT
 
@@ -16,9 +17,6 @@ class ColorBar : public DispA {
     enum Table { Grey, False };
 
     explicit ColorBar(QWidget* parent = nullptr);
-
-    /// Wide enough for any end value.
-    QSize minimumSizeHint() const override;
 
     void setTable(Table table);
     /// Range of the shown frame; in use while no other is fixed.
@@ -28,6 +26,7 @@ class ColorBar : public DispA {
 
     double rangeMin() const;
     double rangeMax() const;
+    /// Off: the range in use stays for all frames.
     bool isAuto() const { return m_auto; }
     void setAuto(bool on);
 
@@ -42,17 +41,19 @@ class ColorBar : public DispA {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     enum class End { None, Low, High };
 
     QRectF barRect() const;
-    bool canBeDragged() const { return m_table == Grey; }
+    QRectF valueRect(End end) const;
+    bool canBeChanged() const { return m_table == Grey; }
+    bool hasRange() const { return rangeMax() > rangeMin(); }
+    void paintBar(QPainter& painter, const QRectF& bar) const;
+    void paintTicks(QPainter& painter, const QRectF& bar);
+    void startTyping(End end);
+    void takeTyped();
     void fix(double min, double max);
-    void moveEnd(End end, double value);
-    void openEditor(End end);
-    void acceptEditor();
 
     Table m_table = Grey;
     double m_min = 0.0;
@@ -61,9 +62,7 @@ class ColorBar : public DispA {
     double m_fixedMax = 1.0;
     bool m_auto = true;
     End m_drag = End::None;
-    double m_dragStart = 0.0;  // screen y
-    double m_dragMin = 0.0;    // the range at that moment
-    double m_dragMax = 0.0;
+    bool m_dragged = false;
     QLineEdit* m_editor = nullptr;
-    End m_edited = End::None;
+    End m_typed = End::None;
 };

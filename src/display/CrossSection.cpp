@@ -5,6 +5,7 @@
 #include <QPainterPath>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "app/Globals.h"
 #include "display/DrawText.h"
@@ -38,45 +39,37 @@ void CrossSection::setMarker(double position) {
     update();
 }
 
-QString CrossSection::readOut() const {
-    if (!m_hovered || m_view.isNull()) {
-        return QString();
-    }
-    const ChCoord& image = m_view->coord();
-    const double pixel =
-        std::floor(m_orientation == Qt::Horizontal ? image.s2rX(m_mouse.current().x())
-                                                   : image.s2rY(m_mouse.current().y()));
-    if (!(pixel >= m_firstPixel && pixel - m_firstPixel < m_values.size())) {
-        return QString();
-    }
-    const double value = m_values[static_cast<int>(pixel - m_firstPixel)];
-    return QStringLiteral("(%1, %2)").arg(pixel, 0, 'f', 0).arg(value, 0, 'g', 6);
-}
-
-void CrossSection::mouseMoveEvent(QMouseEvent* event) {
-    m_hovered = m_hovered || event->source() == Qt::MouseEventNotSynthesized;
-    DispA::mouseMoveEvent(event);
-}
-
-void CrossSection::leaveEvent(QEvent* event) {
-    DispA::leaveEvent(event);
-    m_hovered = false;
-    update();
+void CrossSection::visibleIndices(int* first, int* end) const {
+    const double from = isAcross() ? m_coord.rx0 : m_coord.ry0;
+    const double to = isAcross() ? m_coord.rx1 : m_coord.ry1;
+    *first = toClampedInt(std::floor(from) - m_firstPixel, 0, m_values.size());
+    *end = toClampedInt(std::ceil(to) - m_firstPixel, 0, m_values.size());
 }
 
 void CrossSection::updateCoord() {
-    if (m_view.isNull()) {
+    if (m_view == nullptr) {
         return;
     }
+    const bool across = isAcross();
     const ChCoord& image = m_view->coord();
-    const bool across = m_orientation == Qt::Horizontal;
-    const double from = across ? image.rx0 : image.ry0;
-    const double to = across ? image.rx1 : image.ry1;
-    double low = 1e300;
-    double high = -1e300;
-    for (int i = 0; i < m_values.size(); ++i) {
-        const double pixel = m_firstPixel + i;
-        if (pixel + 1 > from && pixel < to && std::isfinite(m_values[i])) {
+    // Both are laid out side by side, but their frames may differ.
+    const QPoint shift = window() == m_view->window()
+                             ? m_view->mapTo(window(), QPoint()) - mapTo(window(), QPoint())
+                             : QPoint();
+    if (across) {
+        m_coord.setScreen(image.sx0 + shift.x(), image.sx1 + shift.x(), height() - Margin, Margin);
+        m_coord.setReal(image.rx0, image.rx1, 0, 1);
+    } else {
+        m_coord.setScreen(Margin, width() - Margin, image.sy0 + shift.y(), image.sy1 + shift.y());
+        m_coord.setReal(0, 1, image.ry0, image.ry1);
+    }
+    int first = 0;
+    int end = 0;
+    visibleIndices(&first, &end);
+    double low = std::numeric_limits<double>::infinity();
+    double high = -low;
+    for (int i = first; i < end; ++i) {
+        if (std::isfinite(m_values[i])) {
             low = std::min(low, m_values[i]);
             high = std::max(high, m_values[i]);
         }
@@ -84,16 +77,17 @@ void CrossSection::updateCoord() {
     if (low > high) {
         low = 0.0;
         high = 1.0;
-    } else if (low == high) {
-        const double half = low == 0.0 ? 1.0 : std::abs(low) * 0.1;
+    } else if (!(high - low > std::max(1e-200, 1e-12 * std::max(std::abs(low), std::abs(high))))) {
+        const double half = low == 0.0 ? 1.0 : std::max(std::abs(low) * 0.1, 1e-100);
         low -= half;
         high += half;
     }
+    const double limit = 1e300;  // spans stay finite
+    low = std::max(low, -limit);
+    high = std::min(high, limit);
     if (across) {
-        m_coord.setScreen(image.sx0, image.sx1, height() - Margin, Margin);
         m_coord.setReal(image.rx0, image.rx1, low, high);
     } else {
-        m_coord.setScreen(Margin, width() - Margin, image.sy0, image.sy1);
         m_coord.setReal(low, high, image.ry0, image.ry1);
     }
 }
@@ -104,41 +98,57 @@ void CrossSection::paintTicks(QPainter& painter) const {
     const QRectF all(rect());
     const Ticks ticks =
         across ? ticksBetween(m_coord.ry0, m_coord.ry1) : ticksBetween(m_coord.rx0, m_coord.rx1);
-    QRectF last;
+    double taken = -1.0;  // by labels, from the low end of the widget on
     for (double value : ticks.values) {
         const double s = across ? m_coord.r2sY(value) : m_coord.r2sX(value);
         painter.setPen(QPen(grid, 0, Qt::DotLine));
         painter.drawLine(across ? QPointF(0, s) : QPointF(s, 0),
                          across ? QPointF(width(), s) : QPointF(s, height()));
-        const QPointF anchor = across ? QPointF(2, s) : QPointF(s, 2);
         const QString text = tickText(value, ticks.step);
-        const Qt::Alignment side =
-            across ? Qt::AlignLeft | Qt::AlignVCenter : Qt::AlignHCenter | Qt::AlignTop;
-        const QRectF place = textPlace(painter.font(), anchor, text, side, all);
-        if (!last.isNull() && place.adjusted(-8, -2, 8, 2).intersects(last)) {
+        const double size =
+            across ? fontMetrics().height() : fontMetrics().horizontalAdvance(text) + 6;
+        const double room = across ? height() : width();
+        const double at = across ? height() - s : s;
+        const double begin = std::max(0.0, std::min(at - size / 2, room - size));
+        if (begin < taken) {
             continue;
         }
-        last = place;
+        taken = begin + size;
         painter.setPen(palette().color(QPalette::WindowText));
-        drawTextOnPaper(painter, anchor, text, side, all, palette().color(QPalette::Base));
+        drawText(painter, across ? QPointF(2, s) : QPointF(s, 2), text,
+                 across ? Qt::AlignLeft | Qt::AlignVCenter : Qt::AlignHCenter | Qt::AlignTop, all);
     }
 }
 
 void CrossSection::paintBelow(QPainter& painter) {
     painter.fillRect(rect(), palette().color(QPalette::Base));
-    updateCoord();
-    if (m_values.isEmpty()) {
+    if (m_view == nullptr || m_values.isEmpty()) {
         return;
     }
+    updateCoord();
+    paintTicks(painter);
+    paintProfile(painter);
+    if (m_marker >= 0.0) {
+        const double middle = std::floor(m_marker) + 0.5;
+        const double s = isAcross() ? m_coord.r2sX(middle) : m_coord.r2sY(middle);
+        painter.setPen(QPen(getColor(0), 1, Qt::DashLine));
+        painter.drawLine(isAcross() ? QPointF(s, 0) : QPointF(0, s),
+                         isAcross() ? QPointF(s, height()) : QPointF(width(), s));
+    }
+    paintReadOut(painter);
+}
 
-    const bool across = m_orientation == Qt::Horizontal;
-    const auto onScreen = [&](double pixel, double value) {
-        return across ? QPointF(m_coord.r2sX(pixel), m_coord.r2sY(value))
-                      : QPointF(m_coord.r2sX(value), m_coord.r2sY(pixel));
+void CrossSection::paintProfile(QPainter& painter) const {
+    const auto onScreen = [this](double pixel, double value) {
+        return isAcross() ? QPointF(m_coord.r2sX(pixel), m_coord.r2sY(value))
+                          : QPointF(m_coord.r2sX(value), m_coord.r2sY(pixel));
     };
+    int first = 0;
+    int end = 0;
+    visibleIndices(&first, &end);
     QPainterPath line;
     bool broken = true;
-    for (int i = 0; i < m_values.size(); ++i) {
+    for (int i = first; i < end; ++i) {
         if (!std::isfinite(m_values[i])) {
             broken = true;
             continue;
@@ -148,18 +158,18 @@ void CrossSection::paintBelow(QPainter& painter) {
         line.lineTo(onScreen(m_firstPixel + i + 1.0, m_values[i]));
         broken = false;
     }
-    painter.setPen(QPen(getColor(2), 1));
+    const bool isDark = palette().color(QPalette::Base).lightness() < 128;
+    painter.setPen(QPen(isDark ? getColor(8) : getColor(2), 1));
     painter.drawPath(line);
-    paintTicks(painter);
+}
 
-    if (m_marker >= 0.0) {
-        painter.setPen(QPen(getColor(0), 1, Qt::DashLine));
-        const double middle = std::floor(m_marker) + 0.5;
-        const double s = across ? m_coord.r2sX(middle) : m_coord.r2sY(middle);
-        painter.drawLine(across ? QPointF(s, 0) : QPointF(0, s),
-                         across ? QPointF(s, height()) : QPointF(width(), s));
+QString CrossSection::readOut() const {
+    const int index = m_hovered - m_firstPixel;
+    if (m_hovered < 0 || index < 0 || index >= m_values.size()) {
+        return QString();
     }
-    paintReadOut(painter);
+    return QStringLiteral("(%1, %2)")
+        .arg(QString::number(m_hovered), QString::number(m_values[index], 'g', 6));
 }
 
 void CrossSection::paintReadOut(QPainter& painter) const {
@@ -167,8 +177,28 @@ void CrossSection::paintReadOut(QPainter& painter) const {
     if (text.isEmpty()) {
         return;
     }
-    const QRectF all = QRectF(rect()).adjusted(2, 2, -4, -2);
+    const QRectF all = QRectF(rect()).adjusted(2, 2, -2, -2);
+    const QPointF anchor = isAcross() ? all.topRight() : all.bottomRight();
+    const Qt::Alignment corner = Qt::AlignRight | (isAcross() ? Qt::AlignTop : Qt::AlignBottom);
+    painter.setPen(Qt::NoPen);
+    const QRectF place = drawText(painter, anchor, text, corner, all);
+    painter.fillRect(place, palette().color(QPalette::Base));
     painter.setPen(palette().color(QPalette::WindowText));
-    drawTextOnPaper(painter, all.bottomRight(), text, Qt::AlignRight | Qt::AlignBottom, all,
-                    palette().color(QPalette::Base));
+    drawText(painter, anchor, text, corner, all);
+}
+
+void CrossSection::mouseMoveEvent(QMouseEvent* event) {
+    if (event->source() == Qt::MouseEventNotSynthesized) {
+        updateCoord();
+        const double pixel =
+            isAcross() ? m_coord.s2rX(event->localPos().x()) : m_coord.s2rY(event->localPos().y());
+        m_hovered = toClampedInt(std::floor(pixel), -1, std::numeric_limits<int>::max());
+    }
+    DispA::mouseMoveEvent(event);
+}
+
+void CrossSection::leaveEvent(QEvent* event) {
+    DispA::leaveEvent(event);
+    m_hovered = -1;
+    update();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QPointer>
+#include <QString>
 #include <QVector>
 
 #include "display/DispA.h"
@@ -8,7 +8,8 @@
 class ImageView;
 
 /// Values of the shown image along the row (horizontal) or column (vertical) of the position, on an
-/// axis shared with the image view beside it.
+/// axis shared with the image view beside it. The pixel under the mouse and its value are written
+/// into the corner.
 class CrossSection : public DispA {
     Q_OBJECT
 
@@ -23,7 +24,7 @@ class CrossSection : public DispA {
     /// Position along the axis, in pixels.
     void setMarker(double position);
 
-    /// "(pixel, value)" under the mouse; empty where there is none.
+    /// What is written for the pixel under the mouse, "(pixel, value)"; empty for none.
     QString readOut() const;
 
   protected:
@@ -32,14 +33,17 @@ class CrossSection : public DispA {
     void leaveEvent(QEvent* event) override;
 
   private:
+    bool isAcross() const { return m_orientation == Qt::Horizontal; }
     void updateCoord();
-    void paintTicks(QPainter& painter) const;
+    void visibleIndices(int* first, int* end) const;
+    void paintProfile(QPainter& painter) const;
     void paintReadOut(QPainter& painter) const;
+    void paintTicks(QPainter& painter) const;
 
     Qt::Orientation m_orientation;
-    QPointer<const ImageView> m_view;
+    const ImageView* m_view = nullptr;
     QVector<double> m_values;
     int m_firstPixel = 0;
     double m_marker = -1.0;
-    bool m_hovered = false;
+    int m_hovered = -1;  // pixel
 };

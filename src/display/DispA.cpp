@@ -19,14 +19,14 @@ DispA::DispA(QWidget* parent) : QFrame(parent) {
 }
 
 void DispA::setRealMousePos(double x, double y) {
-    placeMouse(m_coord.r2sX(x), m_coord.r2sY(y));
+    moveMouse(m_coord.r2sX(x), m_coord.r2sY(y));
 }
 
 void DispA::setScreenMousePos(double x, double y) {
-    placeMouse(x, y);
+    moveMouse(x, y);
 }
 
-void DispA::placeMouse(double x, double y) {
+void DispA::moveMouse(double x, double y) {
     m_mouse.moveTo(QPoint(toScreen(x), toScreen(y)));
     emit mouseMoved0();
     update();

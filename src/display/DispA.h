@@ -42,8 +42,8 @@ class DispA : public QFrame {
     virtual void paintBelow(QPainter&) {}
     virtual void paintAbove(QPainter&) {}
 
-    /// Takes a screen position, cut to whole pixels, as that of the mouse.
-    void placeMouse(double x, double y);
+    /// Takes a position over as if the mouse had been there; what is no number counts as 0.
+    void moveMouse(double x, double y);
 
     ChCoord m_coord;
     MouseC m_mouse;

@@ -11,9 +11,9 @@ namespace {
 constexpr int MostDecimals = 8;
 }
 
-QRectF textPlace(const QFont& font, const QPointF& anchor, const QString& text,
-                 Qt::Alignment alignment, const QRectF& inside, bool upright) {
-    const QFontMetricsF metrics(font);
+QRectF drawText(QPainter& painter, const QPointF& anchor, const QString& text,
+                Qt::Alignment alignment, const QRectF& inside, bool upright) {
+    const QFontMetricsF metrics(painter.font());
     QSizeF size(metrics.horizontalAdvance(text), metrics.height());
     if (upright) {
         size.transpose();
@@ -35,13 +35,6 @@ QRectF textPlace(const QFont& font, const QPointF& anchor, const QString& text,
         place.moveTop(
             std::max(inside.top(), std::min(place.top(), inside.bottom() - size.height())));
     }
-    return place;
-}
-
-QRectF drawText(QPainter& painter, const QPointF& anchor, const QString& text,
-                Qt::Alignment alignment, const QRectF& inside, bool upright) {
-    const QRectF place = textPlace(painter.font(), anchor, text, alignment, inside, upright);
-    const QFontMetricsF metrics(painter.font());
     if (upright) {
         painter.save();
         painter.translate(place.left(), place.bottom());
@@ -52,15 +45,6 @@ QRectF drawText(QPainter& painter, const QPointF& anchor, const QString& text,
         painter.drawText(QPointF(place.left(), place.top() + metrics.ascent()), text);
     }
     return place;
-}
-
-QRectF drawTextOnPaper(QPainter& painter, const QPointF& anchor, const QString& text,
-                       Qt::Alignment alignment, const QRectF& inside, const QColor& paper) {
-    const QRectF place = textPlace(painter.font(), anchor, text, alignment, inside);
-    QColor veil = paper;
-    veil.setAlpha(200);
-    painter.fillRect(place.adjusted(-2, 0, 2, 0), veil);
-    return drawText(painter, anchor, text, alignment, inside);
 }
 
 QString tickText(double value, double step) {

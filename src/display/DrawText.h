@@ -3,8 +3,6 @@
 #include <QRectF>
 #include <QString>
 
-class QColor;
-class QFont;
 class QPainter;
 
 /// Draws a text beside a point: `alignment` says which side or corner of the text lies at the
@@ -13,14 +11,6 @@ class QPainter;
 /// Returns the rectangle that the text takes.
 QRectF drawText(QPainter& painter, const QPointF& anchor, const QString& text,
                 Qt::Alignment alignment, const QRectF& inside = QRectF(), bool upright = false);
-
-/// The same on a patch of paper, so that it stays readable over what is drawn already.
-QRectF drawTextOnPaper(QPainter& painter, const QPointF& anchor, const QString& text,
-                       Qt::Alignment alignment, const QRectF& inside, const QColor& paper);
-
-/// Where drawText() would put a text.
-QRectF textPlace(const QFont& font, const QPointF& anchor, const QString& text,
-                 Qt::Alignment alignment, const QRectF& inside = QRectF(), bool upright = false);
 
 /// A tick's number with as many decimals as the step between ticks needs; never "-0".
 QString tickText(double value, double step);

@@ -2,38 +2,24 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QtMath>
 #include <algorithm>
 #include <cmath>
 
 #include "app/Globals.h"
-#include "display/DrawText.h"
 
 namespace {
 
 constexpr double ZoomStep = 1.25;
 constexpr double ClosestPixels = 8.0;
 constexpr int DragDistance = 3;
-const QColor Background(40, 42, 46);
-
-/// Lines with a dark seam, so that they are seen over pictures of any colour.
-template <typename Draw>
-void inTwoTones(QPainter& painter, const QPen& pen, Draw draw) {
-    QPen seam = pen;
-    seam.setColor(QColor(0, 0, 0, 60));
-    seam.setWidthF(pen.widthF() + 2.0);
-    painter.setPen(seam);
-    draw();
-    painter.setPen(pen);
-    draw();
-}
+constexpr double WheelNotch = 120.0;
 
 }  // namespace
 
 ImageView::ImageView(QWidget* parent) : DispA(parent) {
     setFocusPolicy(Qt::StrongFocus);
-    updateCoord();
+    showAgain();
 }
 
 void ImageView::setImageSize(int width, int height) {
@@ -42,8 +28,16 @@ void ImageView::setImageSize(int width, int height) {
     }
     m_width = std::max(0, width);
     m_height = std::max(0, height);
+    endDrag();
+    if (!isInside(m_position)) {
+        m_pinned = false;
+    }
     applySelection(m_selection);
     resetImageViewWindow();
+}
+
+bool ImageView::isInside(const QPointF& real) const {
+    return real.x() >= 0.0 && real.y() >= 0.0 && real.x() < m_width && real.y() < m_height;
 }
 
 QRectF ImageView::area() const {
@@ -77,37 +71,55 @@ void ImageView::setBinBox(int halfWidth, int halfHeight) {
 }
 
 void ImageView::resetImageViewWindow() {
-    showArea(imageRect());
+    zoomTo(wholeScale(), imageRect().center());
 }
 
-void ImageView::showArea(QRectF area) {
+double ImageView::wholeScale() const {
+    const double scale = std::min(width() / std::max(1.0, imageRect().width()),
+                                  height() / std::max(1.0, imageRect().height()));
+    return std::max(1e-6, scale);
+}
+
+double ImageView::closestScale() const {
+    return std::max(wholeScale(), std::min(width(), height()) / ClosestPixels);
+}
+
+void ImageView::zoomTo(double scale, const QPointF& centre) {
+    const double fit = wholeScale();
+    m_zoom = std::max(1.0, std::min(scale, closestScale()) / fit);
+    m_centre = centre;
+    showAgain();
+}
+
+void ImageView::showAgain() {
+    const double fit = wholeScale();
+    const double scale = std::min(m_zoom * fit, closestScale());
+    // Along each side as much as fits into the view; the picture never leaves a border free on one
+    // side only.
     const QRectF whole = imageRect();
-    if (area.width() >= whole.width() && area.height() >= whole.height()) {
-        area = whole;
-    } else {
-        area.moveLeft(std::max(0.0, std::min(area.left(), whole.width() - area.width())));
-        area.moveTop(std::max(0.0, std::min(area.top(), whole.height() - area.height())));
-        area = area.intersected(whole);
-    }
+    QRectF area(0, 0, std::min(whole.width(), width() / scale),
+                std::min(whole.height(), height() / scale));
+    area.moveCenter(m_centre);
+    area.moveLeft(std::max(0.0, std::min(area.left(), whole.width() - area.width())));
+    area.moveTop(std::max(0.0, std::min(area.top(), whole.height() - area.height())));
     m_visible = area;
-    updateCoord();
-    emit viewChanged();
-    update();
-}
+    m_centre = area.center();
 
-void ImageView::updateCoord() {
-    // Square pixels: the scale at which both sides fit; the rest of the view stays empty.
     const double w = std::max(1.0, m_visible.width());
     const double h = std::max(1.0, m_visible.height());
-    const double scale = std::max(1e-6, std::min(width() / w, height() / h));
     const double left = (width() - w * scale) / 2;
     const double top = (height() - h * scale) / 2;
     m_coord.setScreen(left, left + w * scale, top, top + h * scale);
     m_coord.setReal(m_visible.left(), m_visible.left() + w, m_visible.top(), m_visible.top() + h);
+    emit viewChanged();
+    update();
 }
 
-bool ImageView::isInside(const QPointF& real) const {
-    return real.x() >= 0 && real.x() < m_width && real.y() >= 0 && real.y() < m_height;
+void ImageView::bringIntoView(const QPointF& real) {
+    if (!m_visible.isEmpty() && !m_visible.contains(real)) {
+        m_centre = real;
+        showAgain();
+    }
 }
 
 QPointF ImageView::toReal(const QPointF& screen) const {
@@ -116,8 +128,7 @@ QPointF ImageView::toReal(const QPointF& screen) const {
 
 void ImageView::resizeEvent(QResizeEvent* event) {
     DispA::resizeEvent(event);
-    updateCoord();
-    emit viewChanged();
+    showAgain();
 }
 
 void ImageView::setPosition(const QPointF& real) {
@@ -132,7 +143,7 @@ void ImageView::setRealMousePos(double x, double y) {
 }
 
 void ImageView::setScreenMousePos(double x, double y) {
-    m_position = toReal(QPointF(std::trunc(x), std::trunc(y)));
+    m_position = toReal(QPointF(x, y));
     DispA::setScreenMousePos(x, y);
     emit mouseMoved(m_position.x(), m_position.y());
 }
@@ -142,67 +153,85 @@ void ImageView::mouseMoveEvent(QMouseEvent* event) {
         return;
     }
     const QPointF real = toReal(event->localPos());
-    if (m_drag == Drag::None && !m_pinned) {
-        m_position = real;
+    const bool follows = m_drag == Drag::None && !m_pinned;
+    if (follows) {
+        m_position = real;  // before the signals, whose receivers ask for it
     }
     DispA::mouseMoveEvent(event);
     m_dragged = m_dragged || (event->pos() - m_dragStart).manhattanLength() >= DragDistance;
     if (m_drag == Drag::Pan) {
-        QRectF area = m_visible;
-        area.translate(m_dragStartReal - real);
-        showArea(area);
+        m_centre += m_dragStartReal - real;
+        showAgain();
     } else if (m_drag == Drag::Select && m_dragged) {
         const QPointF low(std::floor(std::min(real.x(), m_dragStartReal.x())),
                           std::floor(std::min(real.y(), m_dragStartReal.y())));
         const QPointF high(std::ceil(std::max(real.x(), m_dragStartReal.x())),
                            std::ceil(std::max(real.y(), m_dragStartReal.y())));
         applySelection(QRectF(low, high));
-    } else if (!m_pinned) {
+    } else if (follows) {
         setPosition(real);
     }
 }
 
 void ImageView::mousePressEvent(QMouseEvent* event) {
     DispA::mousePressEvent(event);
-    m_pinnedAtPress = m_pinned;
-    beginDrag(event);
-}
-
-void ImageView::beginDrag(const QMouseEvent* event) {
+    m_clicked = false;
+    if (event->button() == Qt::RightButton) {
+        endDrag();
+        clearSelection();
+        return;
+    }
+    const bool pan = event->button() == Qt::MiddleButton ||
+                     (event->button() == Qt::LeftButton && event->modifiers() & Qt::ShiftModifier);
+    if (m_drag != Drag::None || (!pan && event->button() != Qt::LeftButton)) {
+        return;
+    }
+    m_drag = pan ? Drag::Pan : Drag::Select;
+    m_dragButton = event->button();
     m_dragStart = event->pos();
     m_dragStartReal = toReal(event->localPos());
     m_dragged = false;
-    const bool pan = event->button() == Qt::MiddleButton ||
-                     (event->button() == Qt::LeftButton && event->modifiers() & Qt::ShiftModifier);
     if (pan) {
-        m_drag = Drag::Pan;
         setCursor(Qt::ClosedHandCursor);
-    } else if (event->button() == Qt::LeftButton) {
-        m_drag = Drag::Select;
-    } else if (event->button() == Qt::RightButton) {
-        clearSelection();
     }
 }
 
 void ImageView::mouseReleaseEvent(QMouseEvent* event) {
     DispA::mouseReleaseEvent(event);
-    if (m_drag == Drag::Select && !m_dragged) {
+    if (event->button() != m_dragButton) {
+        return;
+    }
+    const QPointF real = toReal(event->localPos());
+    if (m_drag == Drag::Select && !m_dragged && (m_pinned || isInside(real))) {
+        m_clicked = true;
+        m_pinnedBefore = m_pinned;
+        m_positionBefore = m_position;
         m_pinned = !m_pinned;
-        setPosition(toReal(event->localPos()));
+        setPosition(real);
         update();
     }
+    endDrag();
+}
+
+void ImageView::endDrag() {
     m_drag = Drag::None;
+    m_dragButton = Qt::NoButton;
     unsetCursor();
 }
 
 void ImageView::mouseDoubleClickEvent(QMouseEvent* event) {
     DispA::mouseDoubleClickEvent(event);
-    if (event->button() == Qt::LeftButton) {
-        m_pinned = m_pinnedAtPress;  // the first of both clicks was meant for this one
-        resetImageViewWindow();
-    } else {
-        beginDrag(event);  // another button pressed twice
+    if (event->button() != Qt::LeftButton) {
+        return;
     }
+    if (m_clicked) {  // the first of both clicks was meant for this one
+        m_clicked = false;
+        m_pinned = m_pinnedBefore;
+        if (m_pinned) {
+            setPosition(m_positionBefore);
+        }
+    }
+    resetImageViewWindow();
 }
 
 void ImageView::wheelEvent(QWheelEvent* event) {
@@ -210,15 +239,13 @@ void ImageView::wheelEvent(QWheelEvent* event) {
     if (event->angleDelta().y() == 0 || imageRect().isEmpty()) {
         return;
     }
-    const double factor = event->angleDelta().y() > 0 ? 1 / ZoomStep : ZoomStep;
-    const QPointF centre = toReal(event->position());
-    QSizeF size = m_visible.size() * factor;
-    const double smallest = std::min({ClosestPixels, imageRect().width(), imageRect().height()});
-    if (std::min(size.width(), size.height()) < smallest) {
-        size *= smallest / std::min(size.width(), size.height());
-    }
-    const double applied = size.width() / m_visible.width();
-    showArea(QRectF(centre + (m_visible.topLeft() - centre) * applied, size));
+    const double before = m_zoom * wholeScale();
+    const QPointF fixed = toReal(event->position());
+    const double factor = std::pow(ZoomStep, event->angleDelta().y() / WheelNotch);
+    const double scale = std::max(wholeScale(), std::min(before * factor, closestScale()));
+    // What lies under the cursor stays there.
+    const QPointF middle = toReal(QPointF(width() / 2.0, height() / 2.0));
+    zoomTo(scale, fixed + (middle - fixed) * (before / scale));
 }
 
 void ImageView::keyPressEvent(QKeyEvent* event) {
@@ -227,6 +254,7 @@ void ImageView::keyPressEvent(QKeyEvent* event) {
     QPointF move;
     switch (event->key()) {
         case Qt::Key_Escape:
+            endDrag();
             clearSelection();
             return;
         case Qt::Key_Left:
@@ -245,63 +273,9 @@ void ImageView::keyPressEvent(QKeyEvent* event) {
             DispA::keyPressEvent(event);
             return;
     }
-    const QPointF target = m_position + move;
+    const QPointF target = isInside(m_position) ? m_position + move : m_visible.center();
     if (isInside(target)) {
+        bringIntoView(target);
         setRealMousePos(target.x(), target.y());
-    }
-}
-
-void ImageView::paintImage(QPainter* p, const QImage& picture) const {
-    if (picture.isNull() || m_visible.isEmpty()) {
-        return;
-    }
-    const QRectF target(QPointF(m_coord.sx0, m_coord.sy0), QPointF(m_coord.sx1, m_coord.sy1));
-    p->save();
-    p->setRenderHint(QPainter::SmoothPixmapTransform, target.width() < m_visible.width());
-    p->drawImage(target, picture, m_visible);
-    p->restore();
-}
-
-void ImageView::paintBelow(QPainter& painter) {
-    painter.fillRect(rect(), Background);
-}
-
-void ImageView::paintAbove(QPainter& painter) {
-    if (imageRect().isEmpty()) {
-        painter.setPen(QColor(170, 174, 180));
-        painter.drawText(rect(), Qt::AlignCenter, tr("No image"));
-        return;
-    }
-    paintMarks(painter);
-}
-
-void ImageView::paintMarks(QPainter& painter) const {
-    const auto onScreen = [this](const QRectF& real) {
-        return QRectF(QPointF(m_coord.r2sX(real.left()), m_coord.r2sY(real.top())),
-                      QPointF(m_coord.r2sX(real.right()), m_coord.r2sY(real.bottom())));
-    };
-    const QRectF shown = onScreen(m_visible);
-    if (isInside(m_position)) {
-        const QPointF pixel(std::floor(m_position.x()), std::floor(m_position.y()));
-        const double x = m_coord.r2sX(pixel.x() + 0.5);
-        const double y = m_coord.r2sY(pixel.y() + 0.5);
-        const QRectF bin(pixel.x() - m_halfWidth, pixel.y() - m_halfHeight, 2.0 * m_halfWidth + 1,
-                         2.0 * m_halfHeight + 1);
-        const QRectF box = onScreen(bin.intersected(imageRect()));
-        inTwoTones(painter, QPen(QColor(255, 255, 255, m_pinned ? 230 : 130), 1), [&] {
-            painter.drawLine(QPointF(x, shown.top()), QPointF(x, shown.bottom()));
-            painter.drawLine(QPointF(shown.left(), y), QPointF(shown.right(), y));
-        });
-        inTwoTones(painter, QPen(getColor(1), 1), [&] { painter.drawRect(box); });
-    }
-    if (hasSelection() && m_selection.intersects(m_visible)) {
-        const QRectF area = onScreen(m_selection);
-        inTwoTones(painter, QPen(getColor(0), 2), [&] { painter.drawRect(area); });
-        const QString size = QStringLiteral("%1 x %2")
-                                 .arg(m_selection.width(), 0, 'f', 0)
-                                 .arg(m_selection.height(), 0, 'f', 0);
-        painter.setPen(QColor(255, 120, 120));
-        drawTextOnPaper(painter, area.intersected(shown).bottomLeft() + QPointF(2, 2), size,
-                        Qt::AlignLeft | Qt::AlignTop, QRectF(rect()), Background);
     }
 }

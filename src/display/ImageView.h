@@ -1,11 +1,10 @@
 #pragma once
 
+#include <QImage>
 #include <QPointF>
 #include <QRectF>
 
 #include "display/DispA.h"
-
-class QImage;
 
 /// The image view: shows an image letter-boxed with square pixels, zoomed and panned by the mouse,
 /// with a position mark and a selected area.
@@ -39,7 +38,7 @@ class ImageView : public DispA {
 
     /// The position mark, exactly as it was set or as the mouse was last.
     QPointF realPosition() const { return m_position; }
-    /// A click pins the position; the next one frees it.
+    /// A click on the image pins the position; the next one frees it.
     bool isPinned() const { return m_pinned; }
 
     /// The part of the image that is seen, in pixels.
@@ -80,15 +79,31 @@ class ImageView : public DispA {
     QRectF imageRect() const { return QRectF(0, 0, m_width, m_height); }
     bool isInside(const QPointF& real) const;
     QPointF toReal(const QPointF& screen) const;
-    void beginDrag(const QMouseEvent* event);
-    void showArea(QRectF area);
-    void updateCoord();
+    double wholeScale() const;
+    double closestScale() const;
+    void zoomTo(double scale, const QPointF& centre);
+    void showAgain();
+    void bringIntoView(const QPointF& real);
     void setPosition(const QPointF& real);
     void applySelection(const QRectF& area);
-    void paintMarks(QPainter& painter) const;
+    void endDrag();
+    QRectF onScreen(const QRectF& real) const;
+    void paintReduced(QPainter* p, const QImage& picture) const;
+    void paintPosition(QPainter& painter) const;
+    void paintSelection(QPainter& painter) const;
+    void paintTicks(QPainter& painter) const;
+
+    /// The picture as it was last reduced, for pictures are repainted with every mouse move.
+    struct Reduced {
+        qint64 key = 0;
+        QRect part;
+        QImage image;
+    };
 
     int m_width = 0;
     int m_height = 0;
+    double m_zoom = 1.0;  // times the scale at which the whole image fits
+    QPointF m_centre;
     QRectF m_visible;
     QRectF m_selection;
     bool m_resultDisplayed = false;
@@ -96,9 +111,13 @@ class ImageView : public DispA {
     int m_halfHeight = 0;
     QPointF m_position{-1.0, -1.0};
     bool m_pinned = false;
-    bool m_pinnedAtPress = false;
     Drag m_drag = Drag::None;
+    Qt::MouseButton m_dragButton = Qt::NoButton;
     bool m_dragged = false;
     QPoint m_dragStart;
     QPointF m_dragStartReal;
+    bool m_clicked = false;  // a click has just changed the pin, and what was before
+    bool m_pinnedBefore = false;
+    QPointF m_positionBefore;
+    mutable Reduced m_reduced;
 };

@@ -1,7 +1,7 @@
 #include "display/Profiles.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstdlib>
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "app/Globals.h"
 #include "display/DispA.h"
@@ -14,14 +15,41 @@
 
 namespace {
 
-/// The part of the canvas inside the axes, with room for two rows of text below and a column of
-/// numbers beside an upright title.
-QRectF plotRect(const QRectF& all, const QFontMetrics& font) {
-    const double row = font.height();
-    return all.adjusted(row + font.horizontalAdvance(QStringLiteral("-0.000")) + 14, row * 0.75,
-                        -row, -2 * row - 12);
-}
+constexpr double ResidualGap = 6.0;
+constexpr double ResidualRows = 3.6;
 
+/// The range of finite values that a plot can span.
+struct Range {
+    double low = 1e150;
+    double high = -1e150;
+
+    void take(double v) {
+        if (std::abs(v) < 1e150) {
+            low = std::min(low, v);
+            high = std::max(high, v);
+        }
+    }
+    /// Widened until it is one.
+    void settle() {
+        if (low > high) {
+            low = 0.0;
+            high = 1.0;
+        } else if (!(high - low > 1e-9 * std::max(std::abs(low), std::abs(high)))) {
+            const double half = std::max(1.0, 1e-3 * std::abs(low));
+            low -= half;
+            high += half;
+        }
+    }
+};
+
+/// A colour that is seen on the paper: the curves' colours are made for neither light nor dark.
+QColor readable(const QColor& color, const QColor& paper) {
+    const int luma = qGray(color.rgb());
+    if (paper.lightness() < 128) {
+        return luma < 90 ? QColor::fromHsl(color.hslHue(), color.hslSaturation(), 175) : color;
+    }
+    return luma > 140 ? color.darker(145) : color;
+}
 }  // namespace
 
 double XafsView::abscissa(double energy) const {
@@ -30,11 +58,8 @@ double XafsView::abscissa(double energy) const {
             return energy / 1000.0;
         case 2:
             return wavelengthOf(energy);
-        case 3: {
-            // Below the crystal's lowest energy there is no angle.
-            const double angle = braggAngle(energy, m_units->d());
-            return angle < 0.0 ? std::nan("") : angle;
-        }
+        case 3:
+            return braggAngle(energy, m_units->d());
         default:
             return energy;
     }
@@ -61,58 +86,71 @@ void XafsView::addCurve(QVector<Curve>* list, const XafsSpectrum& spectrum, cons
     const int n = std::min(spectrum.size(), series.size());
     curve.points.reserve(n);
     for (int i = 0; i < n; ++i) {
-        const QPointF point(abscissa(spectrum.correctedEnergy(i)), series.value(i));
-        if (std::isfinite(point.x()) && std::isfinite(point.y())) {
-            curve.points.append(point);
-        }
+        curve.points.append(QPointF(abscissa(spectrum.correctedEnergy(i)), series.value(i)));
     }
     list->append(curve);
 }
 
 QVector<XafsView::Curve> XafsView::curves() const {
     QVector<Curve> list;
-    const int ordinate = m_ui->Ordinate->currentIndex();
+    const bool backgrounds =
+        m_ui->Ordinate->currentIndex() == MuT && m_ui->Backgrounds->isChecked();
     for (const Shown& shown : shownSpectra()) {
-        addCurve(&list, *shown.spectrum, seriesOf(*shown.spectrum), shown.color, Qt::SolidLine,
-                 shown.name);
-        if (ordinate == MuT && m_ui->Backgrounds->isChecked()) {
-            addCurve(&list, *shown.spectrum, shown.spectrum->preEdge(), shown.color, Qt::DashLine,
-                     QString());
-            addCurve(&list, *shown.spectrum, shown.spectrum->postEdge(), shown.color, Qt::DashLine,
-                     QString());
+        const XafsSpectrum& spectrum = *shown.spectrum;
+        // The fit is drawn as it stands: it is a sum of double normalized spectra.
+        const bool isFit = m_fit && &spectrum == &*m_fit;
+        const QColor color = readable(shown.color, palette().color(QPalette::Base));
+        QString name = shown.name;
+        const std::optional<double> r = isFit ? rFactor() : std::nullopt;
+        if (r) {
+            name += QStringLiteral(" (R = ") + QString::number(*r, 'g', 3) + ')';
         }
-    }
-    if (m_fit && m_sample && ordinate == DoubleNormalized) {
-        addCurve(&list, *m_fit, *m_fit, getColor(0), Qt::SolidLine, tr("Fit"));
+        addCurve(&list, spectrum, isFit ? spectrum : seriesOf(spectrum), color, Qt::SolidLine,
+                 name);
+        if (backgrounds) {
+            addCurve(&list, spectrum, spectrum.preEdge(), color, Qt::DashLine, QString());
+            addCurve(&list, spectrum, spectrum.postEdge(), color, Qt::DashLine, QString());
+        }
     }
     return list;
 }
 
 QRectF XafsView::extent(const QVector<Curve>& list) const {
-    double x0 = 1e300, x1 = -1e300, y0 = 1e300, y1 = -1e300;
+    Range x;
+    Range y;
     for (const Curve& curve : list) {
         for (const QPointF& p : curve.points) {
-            x0 = std::min(x0, p.x());
-            x1 = std::max(x1, p.x());
-            y0 = std::min(y0, p.y());
-            y1 = std::max(y1, p.y());
+            if (std::isfinite(p.x()) && std::isfinite(p.y())) {
+                x.take(p.x());
+                y.take(p.y());
+            }
         }
     }
-    if (!(x1 > x0)) {
-        x0 = x0 < 1e299 ? x0 - 1.0 : 0.0;
-        x1 = x0 + 2.0;
-    }
-    if (!(y1 > y0)) {
-        y0 = y0 < 1e299 ? y0 - 1.0 : 0.0;
-        y1 = y0 + 2.0;
-    }
-    const double room = 0.04 * (y1 - y0);
-    return QRectF(x0, y0 - room, x1 - x0, y1 - y0 + 2 * room);
+    x.settle();
+    y.settle();
+    const double room = 0.04 * (y.high - y.low);
+    return QRectF(x.low, y.low - room, x.high - x.low, y.high - y.low + 2 * room);
+}
+
+QRectF XafsView::plotRect() const {
+    // Room for two rows of text below and a column of numbers beside an upright title.
+    const QFontMetrics font = m_ui->Canvas->fontMetrics();
+    const double row = font.height();
+    const double residual = showsFit() ? ResidualRows * row + ResidualGap : 0.0;
+    return QRectF(m_ui->Canvas->rect())
+        .adjusted(row + font.horizontalAdvance(QStringLiteral("-0.000")) + 14, row * 0.75, -row,
+                  -2 * row - 12 - residual);
+}
+
+QRectF XafsView::residualRect() const {
+    const QRectF plot = plotRect();
+    return QRectF(plot.left(), plot.bottom() + ResidualGap, plot.width(),
+                  ResidualRows * m_ui->Canvas->fontMetrics().height());
 }
 
 void XafsView::draw(QPainter* painter) {
     const QRectF all(m_ui->Canvas->rect());
-    const QRectF plot = plotRect(all, painter->fontMetrics());
+    const QRectF plot = plotRect();
     painter->fillRect(all, palette().color(QPalette::Base));
     if (plot.width() < 20 || plot.height() < 20) {
         return;
@@ -125,8 +163,7 @@ void XafsView::draw(QPainter* painter) {
     }
     const QRectF shown = m_zoom.value_or(extent(list));
     m_coord.setScreen(plot.left(), plot.right(), plot.bottom(), plot.top());
-    m_coord.setReal(shown.left(), shown.right(), std::min(shown.top(), shown.bottom()),
-                    std::max(shown.top(), shown.bottom()));
+    m_coord.setReal(shown.left(), shown.right(), shown.top(), shown.bottom());
     paintAxes(*painter, plot);
 
     painter->save();
@@ -134,32 +171,94 @@ void XafsView::draw(QPainter* painter) {
     painter->setRenderHint(QPainter::Antialiasing);
     paintMarks(*painter, plot);
     for (const Curve& curve : list) {
-        QPolygonF line;
-        line.reserve(curve.points.size());
-        for (const QPointF& p : curve.points) {
-            line.append(QPointF(m_coord.r2sX(p.x()), m_coord.r2sY(p.y())));
-        }
-        painter->setPen(QPen(curve.color, curve.style == Qt::SolidLine ? 1.6 : 1.0, curve.style));
-        painter->drawPolyline(line);
+        paintCurve(*painter, curve);
     }
     painter->restore();
     paintLegend(*painter, plot, list);
+    if (showsFit()) {
+        paintResidual(*painter, residualRect());
+    }
     if (m_zoomStart) {
         painter->setPen(QPen(palette().color(QPalette::Highlight), 1, Qt::DashLine));
         painter->drawRect(QRect(*m_zoomStart, m_ui->Canvas->mouse().current()).normalized());
     }
 }
 
+void XafsView::paintCurve(QPainter& painter, const Curve& curve) const {
+    painter.setPen(QPen(curve.color, curve.style == Qt::SolidLine ? 1.6 : 1.0, curve.style));
+    // Far outside points would overflow the painter's own numbers.
+    constexpr double Far = 1e6;
+    QPolygonF line;
+    line.reserve(curve.points.size());
+    for (const QPointF& p : curve.points) {
+        const QPointF at(m_coord.r2sX(p.x()), m_coord.r2sY(p.y()));
+        if (std::isfinite(at.x()) && std::isfinite(at.y())) {
+            line.append(QPointF(std::max(-Far, std::min(at.x(), Far)),
+                                std::max(-Far, std::min(at.y(), Far))));
+            continue;
+        }
+        painter.drawPolyline(line);  // a gap
+        line.clear();
+    }
+    painter.drawPolyline(line);
+}
+
+void XafsView::paintResidual(QPainter& painter, const QRectF& plot) const {
+    const QColor ink = palette().color(QPalette::WindowText);
+    QPolygonF points = residual();
+    Range range;
+    range.take(0.0);
+    for (QPointF& p : points) {
+        p.setX(abscissa(p.x()));
+        if (p.x() >= m_coord.rx0 && p.x() <= m_coord.rx1) {
+            range.take(p.y());
+        }
+    }
+    // Equal reach to both sides of zero: the eye sees at once whether the residual is lopsided.
+    const double reach = std::max(1e-6, 1.1 * std::max(-range.low, range.high));
+    const auto yOf = [&](double v) { return plot.center().y() - v / reach * plot.height() / 2; };
+    painter.save();
+    painter.setClipRect(plot);
+    painter.setPen(QPen(QColor(128, 128, 128, 140), 1));
+    painter.drawLine(QPointF(plot.left(), yOf(0)), QPointF(plot.right(), yOf(0)));
+    painter.setRenderHint(QPainter::Antialiasing);
+    QPolygonF line;
+    painter.setPen(QPen(readable(getColor(0), palette().color(QPalette::Base)), 1.2));
+    for (const QPointF& p : qAsConst(points)) {
+        const double x = m_coord.r2sX(p.x());
+        if (std::isfinite(x) && std::isfinite(p.y()) && std::abs(x) < 1e6) {
+            line.append(QPointF(x, std::max(-1e6, std::min(yOf(p.y()), 1e6))));
+        } else {
+            painter.drawPolyline(line);
+            line.clear();
+        }
+    }
+    painter.drawPolyline(line);
+    painter.restore();
+
+    painter.setPen(ink);
+    painter.drawRect(plot);
+    const QRectF all(m_ui->Canvas->rect());
+    const double shown = reach / 1.1;
+    for (double v : {shown, -shown}) {
+        drawText(painter, QPointF(plot.left() - 6, yOf(v)), QString::number(v, 'g', 2),
+                 Qt::AlignRight | Qt::AlignVCenter, all);
+    }
+    drawText(painter, QPointF(2, plot.center().y()), tr("Residual"),
+             Qt::AlignLeft | Qt::AlignVCenter, all, true);
+}
+
 void XafsView::paintAxes(QPainter& painter, const QRectF& plot) const {
     const QColor ink = palette().color(QPalette::WindowText);
     const QPen grid(QColor(128, 128, 128, 60), 1);
     const QRectF all(m_ui->Canvas->rect());
+    const double foot = showsFit() ? residualRect().bottom() : plot.bottom();
     const Ticks xTicks = ticksBetween(m_coord.rx0, m_coord.rx1);
     double end = -1e300;
     for (double value : xTicks.values) {
         const double x = m_coord.r2sX(value);
         painter.setPen(grid);
-        painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
+        painter.drawLine(QPointF(x, plot.top()), QPointF(x, foot));
         const QString text = tickText(value, xTicks.step);
         const double half = 0.5 * painter.fontMetrics().horizontalAdvance(text);
         if (x - half < end + 6) {
@@ -167,20 +266,14 @@ void XafsView::paintAxes(QPainter& painter, const QRectF& plot) const {
         }
         end = x + half;
         painter.setPen(ink);
-        painter.drawLine(QPointF(x, plot.bottom()), QPointF(x, plot.bottom() + 4));
-        drawText(painter, QPointF(x, plot.bottom() + 5), text, Qt::AlignHCenter | Qt::AlignTop,
-                 all);
+        painter.drawLine(QPointF(x, foot), QPointF(x, foot + 4));
+        drawText(painter, QPointF(x, foot + 5), text, Qt::AlignHCenter | Qt::AlignTop, all);
     }
     const Ticks yTicks = ticksBetween(m_coord.ry0, m_coord.ry1);
-    double lowest = 1e300;
     for (double value : yTicks.values) {
         const double y = m_coord.r2sY(value);
         painter.setPen(grid);
         painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
-        if (y > lowest - painter.fontMetrics().height()) {
-            continue;
-        }
-        lowest = y;
         painter.setPen(ink);
         painter.drawLine(QPointF(plot.left() - 4, y), QPointF(plot.left(), y));
         drawText(painter, QPointF(plot.left() - 6, y), tickText(value, yTicks.step),
@@ -213,55 +306,62 @@ void XafsView::paintMarks(QPainter& painter, const QRectF& plot) const {
 
 void XafsView::paintLegend(QPainter& painter, const QRectF& plot,
                            const QVector<Curve>& list) const {
-    const QFontMetricsF metrics(painter.font());
-    const double height = metrics.height();
-    QVector<QPair<QString, QColor>> rows;
+    const double height = painter.fontMetrics().height();
     double widest = 0.0;
+    int rows = 0;
     for (const Curve& curve : list) {
         if (!curve.name.isEmpty()) {
-            const QString name = metrics.elidedText(curve.name, Qt::ElideMiddle, plot.width() / 2);
-            widest = std::max(widest, metrics.horizontalAdvance(name));
-            rows.append({name, curve.color});
+            widest = std::max<double>(widest, painter.fontMetrics().horizontalAdvance(curve.name));
+            ++rows;
         }
     }
-    const QSizeF size(widest + 38, rows.size() * height + 6);
-    const QRectF box = quietestCorner(size, plot.adjusted(6, 6, -6, -6), list);
+    if (rows == 0) {
+        return;
+    }
+    widest = std::min(widest, 0.45 * plot.width());
+    const QSizeF size(widest + 38, rows * height + 6);
+    // The place at a side in which the legend hides the least; the curves matter more than their
+    // backgrounds.
+    QRectF box;
+    int hiddenLeast = std::numeric_limits<int>::max();
+    for (int place = 0; place < 22; ++place) {  // from the lower right corner on
+        const QPointF side(place % 2 == 0 ? 1.0 : 0.0, (10 - place / 2) / 10.0);
+        const QRectF tried(
+            QPointF(plot.left() + 6 + side.x() * (plot.width() - size.width() - 12),
+                    plot.top() + 6 + side.y() * (plot.height() - size.height() - 12)),
+            size);
+        int hidden = 0;
+        for (const Curve& curve : list) {
+            const int weight = curve.style == Qt::SolidLine ? 4 : 1;
+            QPointF before;
+            for (const QPointF& p : curve.points) {
+                const QPointF at(m_coord.r2sX(p.x()), m_coord.r2sY(p.y()));
+                const QRectF step = QRectF(before, at).normalized().adjusted(-1, -1, 1, 1);
+                hidden += !before.isNull() && tried.intersects(step) ? weight : 0;
+                before = at;
+            }
+        }
+        if (hidden < hiddenLeast) {
+            hiddenLeast = hidden;
+            box = tried;
+        }
+    }
     QColor paper = palette().color(QPalette::Base);
     paper.setAlpha(215);
     painter.fillRect(box, paper);
     double y = box.top() + 3;
-    for (const auto& row : rows) {
-        painter.setPen(QPen(row.second, 2));
+    for (const Curve& curve : list) {
+        if (curve.name.isEmpty()) {
+            continue;
+        }
+        painter.setPen(QPen(curve.color, 2));
         painter.drawLine(QPointF(box.left() + 6, y + height / 2),
                          QPointF(box.left() + 26, y + height / 2));
         painter.setPen(palette().color(QPalette::WindowText));
-        drawText(painter, QPointF(box.left() + 32, y), row.first, Qt::AlignLeft | Qt::AlignTop);
+        drawText(painter, QPointF(box.left() + 32, y),
+                 painter.fontMetrics().elidedText(curve.name, Qt::ElideMiddle,
+                                                  toClampedInt(widest + 2, 0, 1 << 20)),
+                 Qt::AlignLeft | Qt::AlignTop);
         y += height;
     }
-}
-
-QRectF XafsView::quietestCorner(const QSizeF& size, const QRectF& inside,
-                                const QVector<Curve>& list) const {
-    const double right = inside.right() - size.width();
-    const double bottom = inside.bottom() - size.height();
-    QRectF best;
-    int fewest = 0;
-    for (const QPointF& corner : {QPointF(right, bottom), QPointF(right, inside.top()),
-                                  inside.topLeft(), QPointF(inside.left(), bottom)}) {
-        const QRectF box(corner, size);
-        int points = 0;
-        for (const Curve& curve : list) {
-            if (curve.name.isEmpty()) {
-                continue;  // a background may be covered
-            }
-            for (const QPointF& p : curve.points) {
-                points += box.contains(m_coord.r2sX(p.x()), m_coord.r2sY(p.y())) ? 1 : 0;
-            }
-        }
-        if (best.isNull() || points < fewest) {
-            best = box;
-            fewest = points;
-        }
-    }
-    return best;
 }

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QPainter>
+#include <cmath>
 
 #include "app/Globals.h"
 #include "display/DispA.h"
@@ -12,11 +13,13 @@
 
 namespace {
 
-/// The name with "-number" before its suffix.
+constexpr int DegreesIndex = 3;  // in UnitTable
+
 QString numberedName(const QString& fname, int number) {
     const QFileInfo info(fname);
-    return info.dir().absoluteFilePath(info.completeBaseName() + QLatin1Char('-') +
-                                       QString::number(number) + QLatin1Char('.') + info.suffix());
+    const QString name =
+        info.completeBaseName() + '-' + QString::number(number) + '.' + info.suffix();
+    return info.dir().absoluteFilePath(name);
 }
 
 }  // namespace
@@ -37,7 +40,6 @@ XafsView::XafsView(QWidget* parent)
     connect(m_ui->Canvas, &DispA::mouseDoubleClicked0, this, &XafsView::resetZoom);
     connect(m_ui->Ordinate, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &XafsView::resetZoom);
-    connect(m_ui->Backgrounds, &QCheckBox::toggled, m_ui->Canvas, qOverload<>(&QWidget::update));
     connect(m_ui->Abscissa, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &XafsView::resetZoom);
 }
@@ -83,6 +85,9 @@ void XafsView::setReferences(const QVector<Reference>& references) {
 }
 
 void XafsView::setCrystalSpacing(double d) {
+    if (m_units->d() != d && m_ui->Abscissa->currentIndex() == DegreesIndex) {
+        resetZoom();
+    }
     m_units->setD(d);
     m_ui->Canvas->QWidget::update();
 }
@@ -101,10 +106,45 @@ void XafsView::update() {
     emit updated();
 }
 
+bool XafsView::showsFit() const {
+    return m_fit && !m_fit->isEmpty() && m_sample && !m_sample->isEmpty() &&
+           m_ui->Ordinate->currentIndex() == DoubleNormalized;
+}
+
+QPolygonF XafsView::residual() const {
+    QPolygonF points;
+    if (!showsFit()) {
+        return points;
+    }
+    points.reserve(m_fit->size());
+    for (int i = 0; i < m_fit->size(); ++i) {
+        const double e = m_fit->correctedEnergy(i);
+        const double sample = m_sample->doubleNormalizedPreBase(e + m_sample->energyCorrection());
+        points.append(QPointF(e, sample - m_fit->value(i)));
+    }
+    return points;
+}
+
+std::optional<double> XafsView::rFactor() const {
+    double differences = 0.0;
+    double samples = 0.0;
+    const QPolygonF points = residual();
+    for (int i = 0; i < points.size(); ++i) {
+        const double sample = points[i].y() + m_fit->value(i);
+        differences += points[i].y() * points[i].y();
+        samples += sample * sample;
+    }
+    const double ratio = differences / samples;
+    return std::isfinite(ratio) ? std::optional<double>(ratio) : std::nullopt;
+}
+
 QVector<XafsView::Shown> XafsView::shownSpectra() const {
     QVector<Shown> shown;
     if (m_sample && !m_sample->isEmpty()) {
         shown.append({&*m_sample, m_sampleName, palette().color(QPalette::WindowText)});
+    }
+    if (showsFit()) {
+        shown.append({&*m_fit, tr("Fit"), getColor(0)});
     }
     if (m_standard && !m_standard->isEmpty()) {
         shown.append({&*m_standard, m_standardName, getColor(2)});
@@ -139,11 +179,18 @@ void XafsView::endZoom() {
     if (!m_zoomStart) {
         return;
     }
-    const QRect drawn = QRect(*m_zoomStart, m_ui->Canvas->mouse().current()).normalized();
+    const QPoint from = *m_zoomStart;
+    const QPoint to = m_ui->Canvas->mouse().current();
     m_zoomStart.reset();
-    if (drawn.width() > 4 && drawn.height() > 4) {
-        m_zoom = QRectF(QPointF(m_coord.s2rX(drawn.left()), m_coord.s2rY(drawn.bottom())),
-                        QPointF(m_coord.s2rX(drawn.right()), m_coord.s2rY(drawn.top())));
+    if (std::abs(from.x() - to.x()) > 4 && std::abs(from.y() - to.y()) > 4) {
+        const QRectF area(QPointF(m_coord.s2rClampedX(from.x()), m_coord.s2rClampedY(from.y())),
+                          QPointF(m_coord.s2rClampedX(to.x()), m_coord.s2rClampedY(to.y())));
+        // Below what doubles tell apart there is nothing more to see.
+        const QRectF zoom = area.normalized();
+        if (zoom.width() > 1e-9 * std::abs(zoom.right()) &&
+            zoom.height() > 1e-9 * std::abs(zoom.bottom())) {
+            m_zoom = zoom;
+        }
     }
     m_ui->Canvas->QWidget::update();
 }
@@ -156,10 +203,12 @@ void XafsView::resetZoom() {
 
 void XafsView::onMouseMoved() {
     const QPoint at = m_ui->Canvas->mouse().current();
+    if (!hasCurves() || !plotRect().contains(at)) {
+        m_ui->ReadOut->clear();
+        return;
+    }
     const Unit& unit = UnitTable[static_cast<std::size_t>(m_ui->Abscissa->currentIndex())];
-    m_ui->ReadOut->setText(hasCurves() ? QString::asprintf(unit.format, m_coord.s2rX(at.x())) +
-                                             QStringLiteral(" %1   %2")
-                                                 .arg(QString::fromLatin1(unit.name))
-                                                 .arg(m_coord.s2rY(at.y()), 0, 'f', 4)
-                                       : QString());
+    m_ui->ReadOut->setText(QString::asprintf(unit.format, m_coord.s2rX(at.x())).trimmed() + ' ' +
+                           QString::fromLatin1(unit.name) + QStringLiteral("   ") +
+                           QString::number(m_coord.s2rY(at.y()), 'f', 4));
 }

@@ -19,7 +19,8 @@ class Units;
 /// fitted curve. It keeps copies of what it shows.
 ///
 /// Energies are those that fits use: less the energy correction, with the references' offsets. The
-/// fitted curve is drawn as it stands, and only over the double normalized spectra.
+/// fitted curve is drawn as it stands, and only over the double normalized spectra; then the
+/// residual (sample minus fit) lies under the plot with its R factor.
 class XafsView : public QFrame {
     Q_OBJECT
 
@@ -49,6 +50,9 @@ class XafsView : public QFrame {
 
     /// Whether there is a spectrum that saveData() would write.
     bool hasCurves() const;
+    /// Sum of squares of sample minus fit over that of the sample, at the fit's energies; nothing
+    /// without a fit on display or when it is no number.
+    std::optional<double> rFactor() const;
 
   signals:
     /// The data have been taken over and will be drawn.
@@ -59,7 +63,8 @@ class XafsView : public QFrame {
     void onMouseMoved();
     void update();
     /// Writes the sample (else the first shown spectrum) to the file and every further shown
-    /// spectrum to the name with "-1", "-2", ... before the suffix. True when all were written.
+    /// spectrum, the fitted curve among them, to the name with "-1", "-2", ... before the suffix.
+    /// True when all were written; false, and nothing written, for an empty plot.
     bool saveData(const QString& fname);
 
   private:
@@ -77,6 +82,8 @@ class XafsView : public QFrame {
         QColor color;
     };
 
+    bool showsFit() const;
+    QPolygonF residual() const;  // energy, sample minus fit
     QVector<Shown> shownSpectra() const;
     QVector<Curve> curves() const;
     void addCurve(QVector<Curve>* list, const XafsSpectrum& spectrum, const Spectrum& series,
@@ -84,11 +91,12 @@ class XafsView : public QFrame {
     const Spectrum& seriesOf(const XafsSpectrum& spectrum) const;
     double abscissa(double energy) const;
     QRectF extent(const QVector<Curve>& list) const;
+    QRectF plotRect() const;
+    QRectF residualRect() const;
     void paintAxes(QPainter& painter, const QRectF& plot) const;
+    void paintCurve(QPainter& painter, const Curve& curve) const;
+    void paintResidual(QPainter& painter, const QRectF& plot) const;
     void paintLegend(QPainter& painter, const QRectF& plot, const QVector<Curve>& list) const;
-    /// The corner in which a box covers the fewest points.
-    QRectF quietestCorner(const QSizeF& size, const QRectF& inside,
-                          const QVector<Curve>& list) const;
     void paintMarks(QPainter& painter, const QRectF& plot) const;
     void startZoom();
     void endZoom();

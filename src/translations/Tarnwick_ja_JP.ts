@@ -777,12 +777,16 @@
 <context>
     <name>ColorBar</name>
     <message>
-        <source>Drag an end or click its value to fix the range of the frames; double click for each frame&apos;s own</source>
-        <translation>端をドラッグするか、端の値をクリックして入力すると、表示範囲を固定します。ダブルクリックでフレームごとの範囲に戻ります</translation>
-    </message>
-    <message>
         <source>Auto</source>
         <translation>自動</translation>
+    </message>
+    <message>
+        <source>Frames: drag an end or click on its value to fix the range, turn the wheel to widen or narrow it; double click for each frame&apos;s own</source>
+        <translation>フレーム: 端をドラッグするか値をクリックして範囲を固定します。ホイールで広げたり狭めたり、ダブルクリックでフレームごとの範囲に戻ります</translation>
+    </message>
+    <message>
+        <source>Fixed</source>
+        <translation>固定</translation>
     </message>
 </context>
 <context>
@@ -1156,6 +1160,10 @@
     <message>
         <source>Post based by span</source>
         <translation>ポスト基準 (幅で規格化)</translation>
+    </message>
+    <message>
+        <source>Residual</source>
+        <translation>残差</translation>
     </message>
 </context>
 </TS>

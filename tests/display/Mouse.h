@@ -5,19 +5,20 @@
 #include <QWheelEvent>
 #include <QWidget>
 
-// Mouse events as a device sends them: QTest's own count as synthesized, which a canvas ignores.
-namespace mouse {
+// Mouse events as a real mouse makes them: QTest's moves are marked as synthesized, and canvases
+// ignore those.
+namespace Mouse {
 
 inline void send(QWidget* widget, QEvent::Type type, const QPointF& at, Qt::MouseButton button,
-                 Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-    const QPointF global = at + QPointF(widget->mapToGlobal(QPoint(0, 0)));
-    QMouseEvent event(type, at, at, global, button, buttons, modifiers,
-                      Qt::MouseEventNotSynthesized);
+                 Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
+                 Qt::MouseEventSource source = Qt::MouseEventNotSynthesized) {
+    QMouseEvent event(type, at, at, widget->mapToGlobal(at.toPoint()), button, buttons, modifiers,
+                      source);
     QApplication::sendEvent(widget, &event);
 }
 
-inline void move(QWidget* widget, const QPointF& at, Qt::MouseButtons held = Qt::NoButton) {
-    send(widget, QEvent::MouseMove, at, Qt::NoButton, held);
+inline void move(QWidget* widget, const QPointF& at, Qt::MouseButtons buttons = Qt::NoButton) {
+    send(widget, QEvent::MouseMove, at, Qt::NoButton, buttons);
 }
 
 inline void press(QWidget* widget, const QPointF& at, Qt::MouseButton button = Qt::LeftButton,
@@ -34,11 +35,10 @@ inline void click(QWidget* widget, const QPointF& at, Qt::MouseButton button = Q
     release(widget, at, button);
 }
 
-inline void doubleClick(QWidget* widget, const QPointF& at,
-                        Qt::MouseButton button = Qt::LeftButton) {
-    click(widget, at, button);
-    send(widget, QEvent::MouseButtonDblClick, at, button, button);
-    release(widget, at, button);
+inline void doubleClick(QWidget* widget, const QPointF& at) {
+    click(widget, at);
+    send(widget, QEvent::MouseButtonDblClick, at, Qt::LeftButton, Qt::LeftButton);
+    release(widget, at);
 }
 
 inline void drag(QWidget* widget, const QPointF& from, const QPointF& to,
@@ -51,10 +51,9 @@ inline void drag(QWidget* widget, const QPointF& from, const QPointF& to,
 }
 
 inline void wheel(QWidget* widget, const QPointF& at, int notches) {
-    QWheelEvent event(at, at + QPointF(widget->mapToGlobal(QPoint(0, 0))), QPoint(),
-                      QPoint(0, 120 * notches), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
-                      false, Qt::MouseEventNotSynthesized);
+    QWheelEvent event(at, widget->mapToGlobal(at.toPoint()), QPoint(), QPoint(0, 120 * notches),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(widget, &event);
 }
 
-}  // namespace mouse
+}  // namespace Mouse

@@ -1,5 +1,4 @@
 #include <QLineEdit>
-#include <QPainter>
 #include <QSignalSpy>
 #include <cmath>
 #include <limits>
@@ -12,243 +11,323 @@
 
 namespace {
 
-const double NaN = std::numeric_limits<double>::quiet_NaN();
+const double Infinity = std::numeric_limits<double>::infinity();
+const double NotANumber = std::numeric_limits<double>::quiet_NaN();
 
-bool isProfile(const QColor& color) {  // the profile's line
-    return color.blue() > 200 && color.red() < 100 && color.green() < 100;
-}
+const QPointF UpperEnd(12, 60);
+const QPointF LowerEnd(12, 240);
 
-bool hasProfile(const QImage& grab, const QRect& where) {
-    for (int y = where.top(); y <= where.bottom(); ++y) {
-        for (int x = where.left(); x <= where.right(); ++x) {
-            if (isProfile(grab.pixelColor(x, y))) {
-                return true;
-            }
-        }
+// A bar for a frame with counts from 100 to 500, 300 pixels high.
+struct Bar : ColorBar {
+    Bar() {
+        resize(96, 300);
+        setDataRange(100, 500);
     }
-    return false;
+};
+
+// Number of pixels of a colour's kind in a column of a grab.
+int inkIn(const QImage& grab, int x, const QColor& ink) {
+    int count = 0;
+    for (int y = 0; y < grab.height(); ++y)
+        count += grab.pixelColor(x, y) == ink ? 1 : 0;
+    return count;
 }
 
 }  // namespace
 
-class TestBars : public QObject {
+// The colour bar and the cross sections beside the image view.
+class BarsTest : public QObject {
     Q_OBJECT
 
-  private:
-    struct Bar {
-        Bar() {
-            bar.resize(90, 400);
-            bar.show();
-            bar.setDataRange(100, 500);
-            bar.grab();
-        }
-        QPointF high() const { return QPointF(16, bar.coord().r2sY(bar.rangeMax()) + 3); }
-        QPointF low() const { return QPointF(16, bar.coord().r2sY(bar.rangeMin()) - 3); }
-        /// Screen pixels of a difference of values.
-        double pixels(double values) const { return -bar.coord().r2sLengthY(values); }
-        ColorBar bar;
-    };
-
   private slots:
-    void eachFrameHasItsOwnRangeUntilAnEndIsDragged() {
-        Bar f;
-        QSignalSpy changed(&f.bar, &ColorBar::newBar);
-        QVERIFY(f.bar.isAuto());
-        f.bar.setDataRange(200, 600);
-        QCOMPARE(f.bar.rangeMin(), 200.0);
-        QCOMPARE(f.bar.rangeMax(), 600.0);
-        QCOMPARE(changed.size(), 0);
-        f.bar.grab();
-        mouse::drag(&f.bar, f.high(), f.high() + QPointF(0, f.pixels(100)));
-        QVERIFY(!f.bar.isAuto());
-        QVERIFY(std::abs(f.bar.rangeMax() - 500) < 2.0);
-        QCOMPARE(f.bar.rangeMin(), 200.0);
-        QVERIFY(changed.size() >= 1);
-        f.bar.grab();
-        mouse::drag(&f.bar, f.low(), f.low() - QPointF(0, f.pixels(50)));
-        QVERIFY(std::abs(f.bar.rangeMin() - 250) < 2.0);
-        f.bar.setDataRange(0, 9);  // the next frame
-        QVERIFY(f.bar.rangeMin() > 200.0);
-        mouse::doubleClick(&f.bar, QPointF(16, 200));
-        QVERIFY(f.bar.isAuto());
-        QCOMPARE(f.bar.rangeMax(), 9.0);
-        QCOMPARE(changed.size(), 5);
-    }
-
-    void theEndsNeverPassEachOther() {
-        Bar f;
-        mouse::drag(&f.bar, f.high(), QPointF(16, 5000));
-        QVERIFY(f.bar.rangeMax() >= f.bar.rangeMin());
-        f.bar.setAuto(true);
-        f.bar.grab();
-        mouse::drag(&f.bar, f.low(), QPointF(16, -5000));
-        QVERIFY(f.bar.rangeMax() >= f.bar.rangeMin());
-        f.bar.grab();
-        mouse::wheel(&f.bar, QPointF(16, 200), 1);
-        QVERIFY(f.bar.rangeMax() >= f.bar.rangeMin());
-    }
-
-    void anEndCanBeTyped() {
-        Bar f;
-        QSignalSpy changed(&f.bar, &ColorBar::newBar);
-        mouse::click(&f.bar, QPointF(16, 4));
-        auto* field = f.bar.findChild<QLineEdit*>();
-        QVERIFY(field != nullptr && field->isVisible());
-        QCOMPARE(field->text(), QString("500"));
-        QTest::keyClicks(field, "450.5");
-        QTest::keyClick(field, Qt::Key_Return);
-        QVERIFY(!field->isVisible());
-        QCOMPARE(f.bar.rangeMax(), 450.5);
-        QCOMPARE(f.bar.rangeMin(), 100.0);
-        QCOMPARE(changed.size(), 1);
-        mouse::click(&f.bar, QPointF(16, 396));
-        QCOMPARE(field->text(), QString("100"));
-        QTest::keyClicks(field, "no number");
-        QTest::keyClick(field, Qt::Key_Return);
-        QCOMPARE(f.bar.rangeMin(), 100.0);
-        mouse::click(&f.bar, QPointF(16, 396));
-        QTest::keyClicks(field, "120");
-        QTest::keyClick(field, Qt::Key_Escape);
-        QCOMPARE(f.bar.rangeMin(), 100.0);
-        mouse::click(&f.bar, QPointF(16, 396));
-        QTest::keyClicks(field, "600");  // above the other end, which gives way
-        QTest::keyClick(field, Qt::Key_Return);
-        QVERIFY(f.bar.rangeMin() <= f.bar.rangeMax());
-        QCOMPARE(changed.size(), 2);
-    }
-
-    void theRangeOfAResultIsItsOwn() {
-        Bar f;
-        f.bar.setAuto(false);
-        f.bar.setTable(ColorBar::False);
-        f.bar.setRange(-0.2, 1.3);
-        f.bar.grab();
-        QSignalSpy changed(&f.bar, &ColorBar::newBar);
-        mouse::drag(&f.bar, f.high(), QPointF(16, 200));
-        mouse::wheel(&f.bar, QPointF(16, 200), 1);
-        mouse::doubleClick(&f.bar, QPointF(16, 200));
-        mouse::click(&f.bar, QPointF(16, 4));
-        QCOMPARE(changed.size(), 0);
-        QCOMPARE(f.bar.rangeMin(), -0.2);
-        QCOMPARE(f.bar.rangeMax(), 1.3);
-        f.bar.setTable(ColorBar::Grey);
-        QVERIFY(!f.bar.isAuto());  // the frames' own choice is as it was
-    }
-
-    void theBarShowsItsTable() {
-        Bar f;
-        f.bar.setTable(ColorBar::False);
-        f.bar.setRange(0, 1);
-        QImage grab = f.bar.grab().toImage();
-        const int top = static_cast<int>(f.bar.coord().r2sY(1.0));
-        const int bottom = static_cast<int>(f.bar.coord().r2sY(0.0));
-        QVERIFY(grab.pixelColor(16, top + 2).blue() > 240);
-        const QColor middle = grab.pixelColor(16, (top + bottom) / 2);
-        QVERIFY(middle.red() == 255 && std::abs(middle.green() - 128) < 4 && middle.blue() == 0);
-        QVERIFY(grab.pixelColor(16, bottom - 2).red() < 10);
-        f.bar.setTable(ColorBar::Grey);
-        grab = f.bar.grab().toImage();
-        QVERIFY(std::abs(grab.pixelColor(16, (top + bottom) / 2).green() - 128) < 4);
-    }
-
-    void rangesThatAreNoneDoNoHarm() {
-        Bar f;
-        const double inf = std::numeric_limits<double>::infinity();
-        for (const auto& range :
-             {qMakePair(5.0, 5.0), qMakePair(1e300, -1e300), qMakePair(NaN, NaN),
-              qMakePair(-inf, inf), qMakePair(-1.5e308, 1.5e308)}) {
-            f.bar.setDataRange(range.first, range.second);
-            f.bar.grab();
-            mouse::drag(&f.bar, QPointF(16, 30), QPointF(16, 100));
-            mouse::wheel(&f.bar, QPointF(16, 100), 1);
-            f.bar.grab();
-            f.bar.setAuto(true);
-        }
-        f.bar.resize(4, 3);
-        f.bar.grab();
-    }
-
-    void sectionsShareTheAxisOfTheView() {
-        ImageView view;
-        view.resize(400, 300);
-        view.show();
-        view.setImageSize(10, 10);  // 30 screen pixels a pixel, from 50 on
-        CrossSection across(Qt::Horizontal);
-        across.resize(400, 100);
-        across.follow(&view);
-        across.setProfile({1, 1, NaN, 1, 2, 2, 2, 2, 2, 2}, 0);
-        const QImage grab = across.grab().toImage();
-        QVERIFY(!hasProfile(grab, QRect(0, 0, 48, 100)));
-        QVERIFY(hasProfile(grab, QRect(60, 50, 40, 50)));
-        QVERIFY(!hasProfile(grab, QRect(112, 0, 26, 100)));  // what is no number breaks the line
-        QVERIFY(hasProfile(grab, QRect(175, 0, 170, 50)));
-        QVERIFY(!hasProfile(grab, QRect(175, 50, 170, 50)));
-        QVERIFY(!hasProfile(grab, QRect(352, 0, 48, 100)));
-
-        // Magnified, only the part that is seen counts: it is flat and lies in the middle.
-        view.setImageSize(100, 100);
-        for (int i = 0; i < 9; ++i) {
-            mouse::wheel(&view, QPointF(350, 150), 1);
-        }
-        QVERIFY(view.visibleRect().left() > 60);
-        QVector<double> step(100, 2.0);
-        std::fill(step.begin(), step.begin() + 50, 1.0);
-        across.setProfile(step, 0);
-        QVERIFY(hasProfile(across.grab().toImage(), QRect(60, 45, 280, 10)));
-
-        CrossSection down(Qt::Vertical);
-        down.resize(100, 300);
-        down.follow(&view);
-        down.setProfile(step, 0);
-        down.setMarker(80);
-        QVERIFY(hasProfile(down.grab().toImage(), QRect(0, 10, 100, 280)));
-    }
-
-    void theValueUnderTheMouseIsRead() {
-        ImageView view;
-        view.resize(400, 300);
-        view.show();
-        view.setImageSize(10, 10);
-        CrossSection across(Qt::Horizontal);
-        across.resize(400, 100);
-        across.show();
-        across.follow(&view);
-        across.setProfile({0.5, 1, NaN, 1, 2, 2, 2, 2, 2, 7.25}, 0);
-        across.grab();
-        QCOMPARE(across.readOut(), QString());
-        mouse::move(&across, QPointF(51, 20));
-        QCOMPARE(across.readOut(), QString("(0, 0.5)"));
-        mouse::move(&across, QPointF(348, 20));
-        QCOMPARE(across.readOut(), QString("(9, 7.25)"));
-        mouse::move(&across, QPointF(352, 20));
-        QCOMPARE(across.readOut(), QString());
-        mouse::move(&across, QPointF(125, 20));
-        QCOMPARE(across.readOut(), QString("(2, nan)"));
-        QEvent leave(QEvent::Leave);
-        QApplication::sendEvent(&across, &leave);
-        QCOMPARE(across.readOut(), QString());
-    }
-
-    void profilesWithoutNumbersDoNoHarm() {
-        const double inf = std::numeric_limits<double>::infinity();
-        auto view = std::make_unique<ImageView>();
-        view->resize(400, 300);
-        CrossSection across(Qt::Horizontal);
-        across.resize(400, 100);
-        across.grab();  // follows nothing yet
-        across.follow(view.get());
-        for (const auto& profile :
-             {QVector<double>{}, QVector<double>{NaN, NaN}, QVector<double>{inf, 1, -inf},
-              QVector<double>{5, 5}, QVector<double>{0, 0}, QVector<double>{-1e308, 1e308}}) {
-            across.setProfile(profile, 0);
-            across.setMarker(NaN);
-            across.grab();
-        }
-        view.reset();  // a section may outlive its view
-        across.setProfile({1, 2}, 0);
-        across.grab();
-    }
+    void framesHaveTheirOwnRange();
+    void draggingAnEndFixesTheRange();
+    void endsNeverMeet();
+    void wheelWidensAndNarrows();
+    void typingAnEndFixesTheRange_data();
+    void typingAnEndFixesTheRange();
+    void resultsCannotBeChanged();
+    void barShowsTheTable();
+    void barsWithoutARange_data();
+    void barsWithoutARange();
+    void sectionsShareTheViewsAxis();
+    void sectionsReadOut();
+    void sectionsScaleToWhatIsSeen();
+    void gapsBreakTheLine();
+    void sectionsOfAnyValues_data();
+    void sectionsOfAnyValues();
 };
 
-TARNWICK_TEST_MAIN(QApplication, TestBars)
+void BarsTest::framesHaveTheirOwnRange() {
+    Bar bar;
+    QVERIFY(bar.isAuto());
+    QCOMPARE(bar.rangeMax(), 500.0);
+    bar.setDataRange(7, 9);
+    QCOMPARE(bar.rangeMin(), 7.0);
+    QSignalSpy changed(&bar, &ColorBar::newBar);
+    bar.setAuto(false);  // for all frames from now on
+    bar.setDataRange(100, 500);
+    QCOMPARE(bar.rangeMin(), 7.0);
+    QCOMPARE(bar.rangeMax(), 9.0);
+    Mouse::doubleClick(&bar, QPointF(12, 150));
+    QVERIFY(bar.isAuto());
+    QCOMPARE(bar.rangeMax(), 500.0);
+    QCOMPARE(changed.count(), 2);
+}
+
+void BarsTest::draggingAnEndFixesTheRange() {
+    Bar bar;
+    QSignalSpy changed(&bar, &ColorBar::newBar);
+    Mouse::drag(&bar, UpperEnd, UpperEnd + QPointF(0, 50));
+    QVERIFY(!bar.isAuto());
+    QVERIFY(changed.count() > 0);
+    QCOMPARE(bar.rangeMin(), 100.0);
+    QVERIFY(bar.rangeMax() < 480.0 && bar.rangeMax() > 350.0);
+    const double high = bar.rangeMax();
+    Mouse::drag(&bar, LowerEnd, LowerEnd - QPointF(0, 50));
+    QCOMPARE(bar.rangeMax(), high);
+    QVERIFY(bar.rangeMin() > 110.0);
+    const double low = bar.rangeMin();
+    bar.setDataRange(0, 65535);  // the next frame keeps the contrast
+    QCOMPARE(bar.rangeMin(), low);
+    QCOMPARE(bar.rangeMax(), high);
+}
+
+void BarsTest::endsNeverMeet() {
+    Bar bar;
+    for (int i = 0; i < 50; ++i) {
+        Mouse::drag(&bar, UpperEnd, UpperEnd + QPointF(0, 5000));
+        Mouse::drag(&bar, LowerEnd, LowerEnd - QPointF(0, 5000));
+        QVERIFY(bar.rangeMax() > bar.rangeMin());
+    }
+    for (int i = 0; i < 400; ++i)
+        Mouse::drag(&bar, UpperEnd, UpperEnd - QPointF(0, 1e6));
+    QVERIFY(std::isfinite(bar.rangeMax()));
+}
+
+void BarsTest::wheelWidensAndNarrows() {
+    Bar bar;
+    Mouse::wheel(&bar, QPointF(12, 150), 1);
+    QVERIFY(qFuzzyCompare(bar.rangeMax() - bar.rangeMin(), 400 / 1.1));
+    QVERIFY(qFuzzyCompare(bar.rangeMax() + bar.rangeMin(), 600.0));
+    Mouse::wheel(&bar, QPointF(12, 150), -1);
+    QVERIFY(qFuzzyCompare(bar.rangeMax(), 500.0));
+}
+
+void BarsTest::typingAnEndFixesTheRange_data() {
+    QTest::addColumn<bool>("upper");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<double>("low");
+    QTest::addColumn<double>("high");
+    QTest::addColumn<bool>("fixed");
+    QTest::newRow("upper") << true << "450.5" << 100.0 << 450.5 << true;
+    QTest::newRow("lower") << false << "-3e2" << -300.0 << 500.0 << true;
+    QTest::newRow("blanks") << false << " 120 " << 120.0 << 500.0 << true;
+    QTest::newRow("as it was") << true << "500" << 100.0 << 500.0 << false;
+    QTest::newRow("nonsense") << true << "many" << 100.0 << 500.0 << false;
+    QTest::newRow("below the other end") << true << "99" << 100.0 << 500.0 << false;
+    QTest::newRow("no number") << true << "nan" << 100.0 << 500.0 << false;
+    QTest::newRow("without end") << true << "inf" << 100.0 << 500.0 << false;
+}
+
+void BarsTest::typingAnEndFixesTheRange() {
+    QFETCH(bool, upper);
+    QFETCH(QString, typed);
+    QFETCH(bool, fixed);
+    Bar bar;
+    bar.show();
+    Mouse::click(&bar, QPointF(12, upper ? 5 : 275));
+    auto* editor = bar.findChild<QLineEdit*>();
+    QVERIFY(editor != nullptr && editor->isVisible());
+    QCOMPARE(editor->text(), QString(upper ? "500" : "100"));
+    QSignalSpy changed(&bar, &ColorBar::newBar);
+    editor->setText(typed);
+    QTest::keyClick(editor, Qt::Key_Return);
+    QVERIFY(!editor->isVisible());
+    QTEST(bar.rangeMin(), "low");
+    QTEST(bar.rangeMax(), "high");
+    QCOMPARE(bar.isAuto(), !fixed);
+    QCOMPARE(changed.count(), fixed ? 1 : 0);
+}
+
+void BarsTest::resultsCannotBeChanged() {
+    Bar bar;
+    bar.setAuto(false);
+    bar.setTable(ColorBar::False);
+    bar.setRange(-0.5, 1.5);
+    QSignalSpy changed(&bar, &ColorBar::newBar);
+    Mouse::drag(&bar, UpperEnd, LowerEnd);
+    Mouse::wheel(&bar, UpperEnd, 3);
+    Mouse::doubleClick(&bar, QPointF(12, 5));
+    QCOMPARE(bar.rangeMin(), -0.5);
+    QCOMPARE(bar.rangeMax(), 1.5);
+    QCOMPARE(changed.count(), 0);
+    QVERIFY(!bar.isAuto());  // that of the frames
+    bar.setTable(ColorBar::Grey);
+    QCOMPARE(bar.rangeMin(), 100.0);
+    QCOMPARE(bar.rangeMax(), 500.0);
+}
+
+void BarsTest::barShowsTheTable() {
+    Bar bar;
+    const auto at = [&](int y) { return bar.grab().toImage().pixelColor(15, y); };
+    QVERIFY(at(40).red() > 200 && at(40).red() == at(40).blue());
+    QVERIFY(at(225).red() < 50);
+    bar.setTable(ColorBar::False);
+    bar.setRange(0, 1);
+    QVERIFY(at(40).red() == 255 && at(40).blue() > 100);
+    QVERIFY(at(140).red() == 255 && at(140).blue() == 0);
+    QVERIFY(at(225).red() < 150 && at(225).green() == 0);
+}
+
+void BarsTest::barsWithoutARange_data() {
+    QTest::addColumn<double>("low");
+    QTest::addColumn<double>("high");
+    QTest::newRow("equal") << 5.0 << 5.0;
+    QTest::newRow("no values") << 1e300 << -1e300;
+    QTest::newRow("no numbers") << NotANumber << NotANumber;
+    QTest::newRow("without end") << -Infinity << Infinity;
+}
+
+void BarsTest::barsWithoutARange() {
+    QFETCH(double, low);
+    QFETCH(double, high);
+    for (ColorBar::Table table : {ColorBar::Grey, ColorBar::False}) {
+        Bar bar;
+        bar.setTable(table);
+        bar.setRange(low, high);
+        const QImage grab = bar.grab().toImage();
+        if (!(high > low)) {
+            QCOMPARE(grab.pixelColor(15, 40), QColor(Qt::black));
+            QCOMPARE(grab.pixelColor(15, 220), QColor(Qt::black));
+        }
+        Mouse::drag(&bar, UpperEnd, LowerEnd);
+        Mouse::wheel(&bar, UpperEnd, 1);
+        QVERIFY(bar.isAuto());
+    }
+}
+
+void BarsTest::sectionsShareTheViewsAxis() {
+    // The frames around both differ, so that their origins do.
+    QWidget window;
+    window.resize(600, 600);
+    ImageView view(&window);
+    view.setGeometry(20, 10, 400, 400);
+    view.setImageSize(40, 40);
+    CrossSection across(Qt::Horizontal, &window);
+    across.setGeometry(23, 420, 400, 110);
+    CrossSection along(Qt::Vertical, &window);
+    along.setGeometry(430, 4, 110, 400);
+    for (CrossSection* section : {&across, &along}) {
+        section->follow(&view);
+        section->setProfile(QVector<double>(40, 1.0), 0);
+    }
+    window.grab();
+    for (int zoom = 0; zoom < 2; ++zoom) {
+        for (double pixel : {3.0, 12.5}) {
+            QCOMPARE(across.coord().r2sX(pixel) + 23, view.coord().r2sX(pixel) + 20);
+            QCOMPARE(along.coord().r2sY(pixel) + 4, view.coord().r2sY(pixel) + 10);
+        }
+        Mouse::wheel(&view, QPointF(100, 100), 3);
+        window.grab();
+    }
+}
+
+void BarsTest::sectionsReadOut() {
+    ImageView view;
+    view.resize(400, 400);
+    view.setImageSize(4, 4);
+    view.grab();
+    CrossSection section(Qt::Horizontal);
+    section.resize(400, 110);
+    section.follow(&view);
+    section.setProfile({10, 20.25, NotANumber, 40}, 0);
+    QCOMPARE(section.readOut(), QString());
+    Mouse::move(&section, QPointF(150, 50));
+    QCOMPARE(section.readOut(), QString("(1, 20.25)"));
+    Mouse::move(&section, QPointF(250, 50));
+    QCOMPARE(section.readOut(), QString("(2, nan)"));
+    section.setProfile({10, 20}, 0);
+    QCOMPARE(section.readOut(), QString());
+    Mouse::move(&section, QPointF(50, 50));
+    QCOMPARE(section.readOut(), QString("(0, 10)"));
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&section, &leave);
+    QCOMPARE(section.readOut(), QString());
+}
+
+void BarsTest::sectionsScaleToWhatIsSeen() {
+    ImageView view;
+    view.resize(400, 400);
+    view.setImageSize(100, 100);
+    view.grab();
+    CrossSection section(Qt::Horizontal);
+    section.resize(400, 110);
+    section.follow(&view);
+    QVector<double> values(100);
+    for (int i = 0; i < 100; ++i)
+        values[i] = i;
+    section.setProfile(values, 0);
+    section.grab();
+    QCOMPARE(section.coord().ry0, 0.0);
+    QCOMPARE(section.coord().ry1, 99.0);
+    for (int i = 0; i < 5; ++i)
+        Mouse::wheel(&view, QPointF(0, 200), 1);
+    section.grab();
+    QCOMPARE(section.coord().ry0, 0.0);
+    QVERIFY(section.coord().ry1 < 35.0);
+}
+
+void BarsTest::gapsBreakTheLine() {
+    ImageView view;
+    view.resize(400, 400);
+    view.setImageSize(4, 4);
+    view.grab();
+    CrossSection section(Qt::Horizontal);
+    QPalette light;
+    light.setColor(QPalette::Base, Qt::white);
+    section.setPalette(light);
+    section.resize(400, 110);
+    section.follow(&view);
+    section.setProfile({1, 2, NotANumber, 2}, 0);
+    const QImage grab = section.grab().toImage();
+    QVERIFY(inkIn(grab, 50, getColor(2)) > 0);
+    QVERIFY(inkIn(grab, 150, getColor(2)) > 0);
+    QCOMPARE(inkIn(grab, 250, getColor(2)), 0);
+    QVERIFY(inkIn(grab, 350, getColor(2)) > 0);
+}
+
+void BarsTest::sectionsOfAnyValues_data() {
+    QTest::addColumn<QVector<double>>("values");
+    QTest::newRow("none") << QVector<double>{};
+    QTest::newRow("gaps only") << QVector<double>{NotANumber, NotANumber, Infinity, -Infinity};
+    QTest::newRow("noughts") << QVector<double>{0, 0, 0, 0};
+    QTest::newRow("equal") << QVector<double>{-7, -7, -7, -7};
+    QTest::newRow("tiny") << QVector<double>{5e-324, 0, 1e-320, 0};
+    QTest::newRow("huge") << QVector<double>{-1.7e308, 1.7e308, 0, 1e301};
+    QTest::newRow("last digit") << QVector<double>{1e15, 1e15 + 0.125, 1e15, 1e15};
+}
+
+void BarsTest::sectionsOfAnyValues() {
+    QFETCH(QVector<double>, values);
+    ImageView view;
+    view.resize(400, 400);
+    view.setImageSize(4, 4);
+    view.grab();
+    for (Qt::Orientation orientation : {Qt::Horizontal, Qt::Vertical}) {
+        CrossSection section(orientation);
+        section.resize(110, 110);
+        section.follow(&view);
+        section.setProfile(values, 0);
+        section.setMarker(1e18);
+        Mouse::move(&section, QPointF(50, 50));
+        QVERIFY(!section.grab().isNull());
+        const ChCoord& c = section.coord();
+        const bool across = orientation == Qt::Horizontal;
+        QVERIFY(across ? c.ry1 > c.ry0 : c.rx1 > c.rx0);
+        QVERIFY(std::isfinite(across ? c.r2sY(0.5) : c.r2sX(0.5)));
+    }
+}
+
+TARNWICK_TEST_MAIN(QApplication, BarsTest)
 #include "tst_bars.moc"

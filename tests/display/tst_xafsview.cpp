@@ -1,5 +1,6 @@
-#include <QCheckBox>
+#include <QAbstractButton>
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QSignalSpy>
@@ -14,275 +15,292 @@
 
 namespace {
 
-constexpr int Points = 151;
+constexpr int DoubleNormalized = 2;  // choice of the ordinate
+constexpr double Edge = 7112.0;
 
-/// An edge at 7100 eV from 7000 to 7300 eV.
-XafsSpectrum edge(double height = 1.0) {
-    Spectrum raw;
-    for (int i = 0; i < Points; ++i) {
-        const double e = 7000.0 + 2.0 * i;
-        raw.append(e, 0.2 + height * 0.5 * (1.0 + std::tanh((e - 7100.0) / 4.0)));
-    }
-    return XafsSpectrum(raw, XafsSpectrum::Simple, 0.0);
+// An edge of a given height on a sloping background.
+XafsSpectrum edge(double height, double correction = 0.0) {
+    Spectrum measured;
+    for (double e = Edge - 100; e <= Edge + 200; e += 2.0)
+        measured.append(e, 0.2 + 1e-4 * (e - Edge) + height / (1 + std::exp(-(e - Edge) / 3)));
+    return XafsSpectrum(measured, XafsSpectrum::Simple, correction);
 }
 
-int count(const QImage& grab, const QColor& color, const QRect& where) {
-    int n = 0;
-    for (int y = where.top(); y <= where.bottom(); ++y) {
-        for (int x = where.left(); x <= where.right(); ++x) {
-            const QColor c = grab.pixelColor(x, y);
-            n += std::abs(c.red() - color.red()) < 40 && std::abs(c.green() - color.green()) < 40 &&
-                 std::abs(c.blue() - color.blue()) < 40;
-        }
-    }
-    return n;
+// A fit that misses the sample's double normalized values by a constant.
+XafsSpectrum fitOf(const XafsSpectrum& sample, double miss) {
+    Spectrum points;
+    const Spectrum& values = sample.doubleNormalizedPreBase();
+    for (int i = 0; i < values.size(); ++i)
+        points.append(sample.correctedEnergy(i), values.value(i) - miss);
+    return XafsSpectrum(points, XafsSpectrum::Simple, 0.0);
 }
+
+QList<QByteArray> linesOf(const QString& name) {
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll().split('\n') : QList<QByteArray>();
+}
+
+double firstEnergy(const QString& name) {
+    for (const QByteArray& line : linesOf(name)) {
+        if (!line.startsWith('#'))
+            return line.split('\t').first().toDouble();
+    }
+    return 0.0;
+}
+
+struct View : XafsView {
+    View() {
+        resize(720, 480);
+        show();
+        grab();
+    }
+    DispA* canvas() { return findChild<DispA*>("Canvas"); }
+    QComboBox* ordinate() { return findChild<QComboBox*>("Ordinate"); }
+    QComboBox* abscissa() { return findChild<QComboBox*>("Abscissa"); }
+    QString readOutAt(const QPointF& at) {
+        Mouse::move(canvas(), at);
+        return findChild<QLabel*>("ReadOut")->text();
+    }
+    // Energy read at a place, in the unit shown.
+    double energyAt(const QPointF& at) { return readOutAt(at).section(' ', 0, 0).toDouble(); }
+};
 
 }  // namespace
 
-class TestXafsView : public QObject {
+// The spectrum plot: what it saves, reads out and survives.
+class XafsViewTest : public QObject {
     Q_OBJECT
 
-  private:
-    struct Fixture {
-        Fixture() {
-            view.resize(720, 480);
-            view.show();
-            canvas = view.findChild<DispA*>("Canvas");
-            ordinate = view.findChild<QComboBox*>("Ordinate");
-            abscissa = view.findChild<QComboBox*>("Abscissa");
-            readOut = view.findChild<QLabel*>("ReadOut");
-        }
-        QImage grab() { return canvas->grab().toImage(); }
-        QStringList readAt(const QPointF& at) {
-            mouse::move(canvas, at);
-            return readOut->text().split(' ', Qt::SkipEmptyParts);
-        }
-        /// Points on the left and right side of the frame.
-        QPointF left() { return QPointF(side(1), 100); }
-        QPointF right() { return QPointF(side(-1), 100); }
-        int side(int step) {
-            const QImage picture = grab();
-            const int y = picture.height() / 2;
-            const auto isFrame = [&](int x) {
-                for (int dy = -60; dy < 60; ++dy) {
-                    if (qGray(picture.pixel(x, y + dy)) > 60) {
-                        return false;
-                    }
-                }
-                return true;
-            };
-            int x = step > 0 ? 0 : picture.width() - 1;
-            while (picture.valid(x, y) && !isFrame(x)) {
-                x += step;
-            }
-            return x;
-        }
-        XafsView view;
-        DispA* canvas = nullptr;
-        QComboBox* ordinate = nullptr;
-        QComboBox* abscissa = nullptr;
-        QLabel* readOut = nullptr;
-    };
-
-    static QStringList lines(const QString& name) {
-        QFile file(name);
-        return file.open(QIODevice::ReadOnly | QIODevice::Text)
-                   ? QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)
-                   : QStringList();
-    }
-
   private slots:
-    void whatIsShownIsDrawnInItsColour() {
-        Fixture f;
-        QSignalSpy updated(&f.view, &XafsView::updated);
-        QVERIFY(!f.view.hasCurves());
-        QCOMPARE(count(f.grab(), getColor(2), f.canvas->rect()), 0);
-        f.view.setSample(edge(), "sample");
-        f.view.setStandard(edge(0.8), "/data/standard.dat");
-        f.view.setReferences({{edge(), "shown", true, getColor(4)},
-                              {edge(), "hidden", false, getColor(7)},
-                              {XafsSpectrum(), "empty", true, getColor(8)}});
-        QCOMPARE(updated.size(), 3);
-        QVERIFY(f.view.hasCurves());
-        for (int i = 0; i < f.ordinate->count(); ++i) {
-            f.ordinate->setCurrentIndex(i);
-            const QImage grab = f.grab();
-            QVERIFY(count(grab, getColor(4), f.canvas->rect()) > 100);
-            QCOMPARE(count(grab, getColor(7), f.canvas->rect()), 0);
-            QCOMPARE(count(grab, getColor(8), f.canvas->rect()), 0);
-        }
-        f.view.clearSample();
-        f.view.clearStandard();
-        f.view.setReferences({});
-        QVERIFY(!f.view.hasCurves());
-    }
-
-    void theFitIsDrawnOverTheDoubleNormalizedSeriesOnly() {
-        Fixture f;
-        f.view.setSample(edge(), "sample");
-        f.view.setFit(edge());
-        const QRect all = f.canvas->rect();
-        f.ordinate->setCurrentIndex(2);
-        QVERIFY(count(f.grab(), getColor(0), all) > 100);
-        f.ordinate->setCurrentIndex(0);
-        QCOMPARE(count(f.grab(), getColor(0), all), 0);
-        f.ordinate->setCurrentIndex(2);
-        f.view.clearFit();
-        QCOMPARE(count(f.grab(), getColor(0), all), 0);
-    }
-
-    void backgroundsAreShownUnderMuTOnDemand() {
-        Fixture f;
-        f.view.setReferences({{edge(), "r", true, getColor(4)}});
-        f.ordinate->setCurrentIndex(0);
-        const int with = count(f.grab(), getColor(4), f.canvas->rect());
-        f.view.findChild<QCheckBox*>("Backgrounds")->click();
-        QVERIFY(count(f.grab(), getColor(4), f.canvas->rect()) < with - 100);
-    }
-
-    void theReadOutFollowsTheMouseInEveryUnit_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<double>("low");  // the values at the left and right end of the data
-        QTest::addColumn<double>("high");
-        QTest::addColumn<QString>("name");
-        QTest::newRow("eV") << 0 << 7000.0 << 7300.0 << "eV";
-        QTest::newRow("keV") << 1 << 7.0 << 7.3 << "keV";
-        QTest::newRow("A") << 2 << 12398.424360387684 / 7300 << 12398.424360387684 / 7000 << "A";
-        QTest::newRow("deg, d = 2") << 3 << 25.119 << 26.285 << "deg";
-    }
-    void theReadOutFollowsTheMouseInEveryUnit() {
-        QFETCH(int, unit);
-        QFETCH(double, low);
-        QFETCH(double, high);
-        QFETCH(QString, name);
-        Fixture f;
-        f.view.setCrystalSpacing(2.0);
-        QVERIFY(f.readAt(QPointF(300, 100)).isEmpty());
-        f.view.setSample(edge(), "sample");
-        f.abscissa->setCurrentIndex(unit);
-        f.grab();
-        const QStringList left = f.readAt(f.left());
-        QCOMPARE(left.size(), 3);
-        QCOMPARE(left[1], name);
-        QVERIFY(std::abs(left[0].toDouble() - low) < 1e-3 * low);
-        const QStringList right = f.readAt(f.right());
-        QVERIFY(std::abs(right[0].toDouble() - high) < 1e-3 * high);
-    }
-
-    void energiesAreThoseInUse() {
-        Fixture f;
-        XafsSpectrum sample = edge();
-        sample.setEnergyCorrection(100.0);
-        f.view.setSample(sample, "sample");
-        f.grab();
-        QVERIFY(std::abs(f.readAt(f.left())[0].toDouble() - 6900.0) < 1.0);
-        XafsSpectrum reference = edge();
-        reference.setShift(50.0);
-        reference.setShiftOn(true);
-        f.view.clearSample();
-        f.view.setReferences({{reference, "r", true, getColor(4)}});
-        f.grab();
-        QVERIFY(std::abs(f.readAt(f.left())[0].toDouble() - 6950.0) < 1.0);
-    }
-
-    void energiesThatTheCrystalCannotReachAreLeftOut() {
-        Fixture f;
-        f.view.setSample(edge(), "sample");
-        f.abscissa->setCurrentIndex(3);
-        f.view.setCrystalSpacing(0.86);  // nothing below 7208 eV
-        f.grab();
-        QVERIFY(f.readAt(f.left())[0].toDouble() > 70.0);
-        f.view.setCrystalSpacing(0.0);
-        f.grab();
-    }
-
-    void aDragMagnifiesAndADoubleClickResets() {
-        Fixture f;
-        f.view.setSample(edge(), "sample");
-        f.grab();
-        const double from = f.readAt(QPointF(200, 100))[0].toDouble();
-        const double to = f.readAt(QPointF(400, 300))[0].toDouble();
-        mouse::drag(f.canvas, QPointF(200, 100), QPointF(400, 300));
-        f.grab();
-        const QPointF right = f.right();
-        QVERIFY(std::abs(f.readAt(f.left())[0].toDouble() - from) < 1.0);
-        QVERIFY(std::abs(f.readAt(right)[0].toDouble() - to) < 1.0);
-        f.view.setSample(edge(0.5), "the next position");  // stays magnified
-        f.grab();
-        QVERIFY(std::abs(f.readAt(right)[0].toDouble() - to) < 1.0);
-        mouse::doubleClick(f.canvas, QPointF(300, 200));
-        f.grab();
-        QVERIFY(std::abs(f.readAt(right)[0].toDouble() - 7300.0) < 1.0);
-        mouse::click(f.canvas, QPointF(300, 200));  // a click is no drag
-        f.grab();
-        QVERIFY(std::abs(f.readAt(right)[0].toDouble() - 7300.0) < 1.0);
-        Fixture empty;
-        mouse::drag(empty.canvas, QPointF(200, 100), QPointF(400, 300));
-        empty.view.setSample(edge(), "sample");
-        empty.grab();
-        QVERIFY(std::abs(empty.readAt(right)[0].toDouble() - 7300.0) < 1.0);
-    }
-
-    void everyShownSpectrumIsSaved() {
-        QTemporaryDir dir;
-        const QString name = dir.filePath("50%2 spectra.x.dat");
-        Fixture f;
-        QVERIFY(!f.view.saveData(name));
-        QVERIFY(!QFile::exists(name));
-        XafsSpectrum sample = edge();
-        sample.setEnergyCorrection(1.5);
-        f.view.setSample(sample, "sample");
-        f.view.setStandard(edge(0.8), "standard");
-        f.view.setReferences(
-            {{edge(), "hidden", false, getColor(4)}, {edge(0.3), "shown", true, getColor(4)}});
-        QVERIFY(f.view.saveData(name));
-        const QStringList first = lines(name);
-        QCOMPARE(first.size(), Points + 2);
-        QCOMPARE(first[2].split('\t').size(), 5);
-        QCOMPARE(first[2].section('\t', 0, 0).toDouble(), 6998.5);
-        QVERIFY(QFile::exists(dir.filePath("50%2 spectra.x-1.dat")));
-        QVERIFY(
-            std::abs(
-                lines(dir.filePath("50%2 spectra.x-2.dat")).last().section('\t', 2, 2).toDouble() -
-                0.5) < 1e-3);
-        QVERIFY(!QFile::exists(dir.filePath("50%2 spectra.x-3.dat")));
-        f.view.findChild<QCheckBox*>("Corrected")->click();
-        QVERIFY(f.view.saveData(name));
-        QCOMPARE(lines(name)[2].section('\t', 0, 0).toDouble(), 7000.0);
-        QVERIFY(!f.view.saveData(dir.filePath("missing/spectra.dat")));
-    }
-
-    void oddSpectraDoNoHarm() {
-        const double nan = std::numeric_limits<double>::quiet_NaN();
-        Spectrum onePoint;
-        onePoint.append(7112.0, 1.0);
-        Spectrum flat;
-        Spectrum noNumbers;
-        Spectrum huge;
-        for (int i = 0; i < 30; ++i) {
-            flat.append(7100.0 + i, 1.0);
-            noNumbers.append(7100.0 + i, nan);
-            huge.append(i, i % 2 ? 1e308 : -1e308);
-        }
-        Fixture f;
-        f.view.setRaEnergy(7110.0);
-        for (const Spectrum& raw : {onePoint, flat, noNumbers, huge, Spectrum()}) {
-            f.view.setSample(XafsSpectrum(raw, XafsSpectrum::Simple, 0.0), "sample");
-            f.view.setFit(XafsSpectrum(raw, XafsSpectrum::Simple, nan));
-            for (int y = 0; y < f.ordinate->count(); ++y) {
-                f.ordinate->setCurrentIndex(y);
-                f.abscissa->setCurrentIndex(y % f.abscissa->count());
-                f.grab();
-                f.readAt(QPointF(200, 100));
-                mouse::drag(f.canvas, QPointF(200, 100), QPointF(300, 200));
-                f.grab();
-            }
-        }
-        f.view.resize(10, 10);
-        f.grab();
-    }
+    void savesWhatIsShown();
+    void namesOfFiles_data();
+    void namesOfFiles();
+    void correctedOnDemand();
+    void emptyPlotWritesNothing();
+    void failureIsTold();
+    void readsInAllUnits_data();
+    void readsInAllUnits();
+    void dragZoomsAndDoubleClickResets();
+    void tellsOfUpdates();
+    void rFactorByHand();
+    void fitIsShownOnlyOverItsKind();
+    void drawsAnything_data();
+    void drawsAnything();
 };
 
-TARNWICK_TEST_MAIN(QApplication, TestXafsView)
+void XafsViewTest::savesWhatIsShown() {
+    QTemporaryDir dir;
+    View view;
+    view.setSample(edge(1.0), "Sample");
+    view.setStandard(edge(2.0), "/some/where/standard.dat");
+    view.setReferences(
+        {{edge(3.0), "hidden", false, Qt::red}, {edge(4.0), "shown", true, Qt::red}});
+    QVERIFY(view.hasCurves());
+    QVERIFY(view.saveData(dir.filePath("out.dat")));
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files),
+             (QStringList{"out-1.dat", "out-2.dat", "out.dat"}));
+    const auto lastMuT = [&](const QString& name) {
+        const QList<QByteArray> lines = linesOf(dir.filePath(name));
+        const QList<QByteArray> columns = lines[lines.size() - 2].split('\t');
+        return columns.size() == 5 ? columns[2].toDouble() : -1.0;
+    };
+    QVERIFY(std::abs(lastMuT("out.dat") - 1.22) < 1e-3);
+    QVERIFY(std::abs(lastMuT("out-1.dat") - 2.22) < 1e-3);
+    QVERIFY(std::abs(lastMuT("out-2.dat") - 4.22) < 1e-3);
+    view.setFit(fitOf(edge(1.0), 0.01));  // one shown curve more, after the sample
+    QVERIFY(view.saveData(dir.filePath("fit.dat")));
+    QCOMPARE(QDir(dir.path()).entryList({"fit*"}, QDir::Files).size(), 4);
+    QVERIFY(std::abs(lastMuT("fit-2.dat") - 2.22) < 1e-3);
+    view.clearSample();
+    QVERIFY(view.saveData(dir.filePath("rest.dat")));  // the standard comes first then
+    QVERIFY(std::abs(lastMuT("rest.dat") - 2.22) < 1e-3);
+}
+
+void XafsViewTest::namesOfFiles_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("second");
+    QTest::newRow("plain") << "a.dat"
+                           << "a-1.dat";
+    QTest::newRow("dots") << "a.7112eV.dat"
+                          << "a.7112eV-1.dat";
+    QTest::newRow("no suffix") << "plain"
+                               << "plain-1.";
+    QTest::newRow("place holders") << "%2 %1.dat"
+                                   << "%2 %1-1.dat";
+    QTest::newRow("Japanese") << QString::fromUtf8("\u9244.dat")
+                              << QString::fromUtf8("\u9244-1.dat");
+}
+
+void XafsViewTest::namesOfFiles() {
+    QFETCH(QString, name);
+    QFETCH(QString, second);
+    QTemporaryDir dir;
+    View view;
+    view.setSample(edge(1.0), "Sample");
+    view.setStandard(edge(2.0), "standard");
+    QVERIFY(view.saveData(dir.filePath(name)));
+    QVERIFY(QFile::exists(dir.filePath(name)));
+    QVERIFY(QFile::exists(dir.filePath(second)));
+}
+
+void XafsViewTest::correctedOnDemand() {
+    QTemporaryDir dir;
+    View view;
+    view.setSample(edge(1.0, 1.5), "Sample");
+    auto* corrected = view.findChild<QAbstractButton*>("Corrected");
+    QVERIFY(corrected->isChecked());
+    QVERIFY(view.saveData(dir.filePath("corrected.dat")));
+    corrected->setChecked(false);
+    QVERIFY(view.saveData(dir.filePath("raw.dat")));
+    QCOMPARE(firstEnergy(dir.filePath("corrected.dat")), Edge - 101.5);
+    QCOMPARE(firstEnergy(dir.filePath("raw.dat")), Edge - 100.0);
+}
+
+void XafsViewTest::emptyPlotWritesNothing() {
+    QTemporaryDir dir;
+    View view;
+    QVERIFY(!view.hasCurves());
+    QVERIFY(!view.saveData(dir.filePath("a.dat")));
+    view.setSample(XafsSpectrum(), "empty");
+    view.setReferences({{edge(1.0), "hidden", false, Qt::red}});
+    QVERIFY(!view.hasCurves());
+    QVERIFY(!view.saveData(dir.filePath("a.dat")));
+    QVERIFY(QDir(dir.path()).isEmpty());
+}
+
+void XafsViewTest::failureIsTold() {
+    QTemporaryDir dir;
+    View view;
+    view.setSample(edge(1.0), "Sample");
+    QVERIFY(!view.saveData(dir.filePath("no such directory/a.dat")));
+}
+
+void XafsViewTest::readsInAllUnits_data() {
+    QTest::addColumn<int>("unit");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<double>("low");
+    QTest::addColumn<double>("high");
+    QTest::newRow("eV") << 0 << "eV" << 7012.0 << 7312.0;
+    QTest::newRow("keV") << 1 << "keV" << 7.012 << 7.312;
+    QTest::newRow("angstrom") << 2 << "A" << 1.69562 << 1.76817;
+    QTest::newRow("degrees") << 3 << "deg" << 15.689 << 16.377;  // Si(111)
+}
+
+void XafsViewTest::readsInAllUnits() {
+    QFETCH(int, unit);
+    QFETCH(QString, name);
+    QFETCH(double, low);
+    QFETCH(double, high);
+    View view;
+    view.setSample(edge(1.0), "Sample");
+    view.abscissa()->setCurrentIndex(unit);
+    view.grab();
+    const QString text = view.readOutAt(QPointF(view.canvas()->width() / 2, 100));
+    QCOMPARE(text.section(' ', 1, 1), name);
+    const double value = text.section(' ', 0, 0).toDouble();
+    QVERIFY2(value > low && value < high, qPrintable(text));
+    QVERIFY(view.readOutAt(QPointF(1, 1)).isEmpty());  // outside the axes
+}
+
+void XafsViewTest::dragZoomsAndDoubleClickResets() {
+    View view;
+    view.setSample(edge(1.0), "Sample");
+    view.grab();
+    const QPointF from(200, 80);
+    const QPointF to(400, 250);
+    const double low = view.energyAt(from);
+    const double high = view.energyAt(to);
+    QVERIFY(high > low + 50);
+    Mouse::drag(view.canvas(), to, from);
+    view.grab();
+    const double middle = view.energyAt(QPointF(view.canvas()->width() / 2, 150));
+    QVERIFY(middle > low && middle < high);
+    QVERIFY(std::abs(view.energyAt(from) - low) > 5);
+    Mouse::doubleClick(view.canvas(), QPointF(300, 200));
+    view.grab();
+    QCOMPARE(view.energyAt(from), low);
+    Mouse::drag(view.canvas(), from, from + QPointF(2, 2));  // hardly a drag
+    view.grab();
+    QCOMPARE(view.energyAt(from), low);
+}
+
+void XafsViewTest::tellsOfUpdates() {
+    View view;
+    QSignalSpy updated(&view, &XafsView::updated);
+    view.update();
+    QCOMPARE(updated.count(), 1);
+    view.setSample(edge(1.0), "Sample");
+    QVERIFY(updated.count() > 1);
+}
+
+void XafsViewTest::rFactorByHand() {
+    View view;
+    const XafsSpectrum sample = edge(1.0, 2.0);
+    view.setSample(sample, "Sample");
+    QVERIFY(!view.rFactor());
+    const double miss = 0.03;
+    view.setFit(fitOf(sample, miss));
+    double squares = 0.0;
+    for (int i = 0; i < sample.size(); ++i) {
+        const double value = sample.doubleNormalizedPreBase().value(i);
+        squares += value * value;
+    }
+    QVERIFY(view.rFactor());
+    QVERIFY(std::abs(*view.rFactor() / (sample.size() * miss * miss / squares) - 1) < 1e-6);
+    view.clearFit();
+    QVERIFY(!view.rFactor());
+}
+
+void XafsViewTest::fitIsShownOnlyOverItsKind() {
+    View view;
+    view.setSample(edge(1.0), "Sample");
+    view.setFit(fitOf(edge(1.0), 0.1));
+    for (int i = 0; i < view.ordinate()->count(); ++i) {
+        view.ordinate()->setCurrentIndex(i);
+        QCOMPARE(bool(view.rFactor()), i == DoubleNormalized);
+        QVERIFY(!view.grab().isNull());
+    }
+}
+
+void XafsViewTest::drawsAnything_data() {
+    QTest::addColumn<QVector<double>>("values");
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    QTest::newRow("one point") << QVector<double>{1.0};
+    QTest::newRow("flat") << QVector<double>(50, 1.0);
+    QTest::newRow("noughts") << QVector<double>(50, 0.0);
+    QTest::newRow("no numbers") << QVector<double>(50, nan);
+    QTest::newRow("huge") << QVector<double>{-1.7e308, 1.7e308, 0.0, 1e200, -1e300, 1e150};
+    QVector<double> gap(60);
+    for (int i = 0; i < gap.size(); ++i)
+        gap[i] = i > 30 ? 1.0 : 0.0;
+    gap[40] = nan;
+    gap[45] = std::numeric_limits<double>::infinity();
+    QTest::newRow("gaps") << gap;
+}
+
+void XafsViewTest::drawsAnything() {
+    QFETCH(QVector<double>, values);
+    Spectrum measured;
+    for (int i = 0; i < values.size(); ++i)
+        measured.append(7000.0 + 4 * i, values[i]);
+    const XafsSpectrum spectrum(measured, XafsSpectrum::Simple, 0.0);
+    View view;
+    view.setSample(spectrum, QString(500, 'x'));
+    view.setFit(spectrum);
+    view.setReferences({{spectrum, QString(), true, Qt::red}});
+    view.setRaEnergy(std::numeric_limits<double>::infinity());
+    view.setCrystalSpacing(0.1);  // no Bragg angle at all
+    for (int i = 0; i < view.ordinate()->count(); ++i) {
+        for (int unit = 0; unit < view.abscissa()->count(); ++unit) {
+            view.ordinate()->setCurrentIndex(i);
+            view.abscissa()->setCurrentIndex(unit);
+            QVERIFY(!view.grab().isNull());
+            Mouse::drag(view.canvas(), QPointF(150, 50), QPointF(300, 200));
+            QVERIFY(!view.grab().isNull());
+            view.readOutAt(QPointF(200, 100));
+        }
+    }
+}
+
+TARNWICK_TEST_MAIN(QApplication, XafsViewTest)
 #include "tst_xafsview.moc"
