@@ -14,6 +14,7 @@
 #include "app/BodyMenu.h"
 #include "app/BodyStack.h"
 #include "app/CommandHandlers.h"
+#include "app/DarkData.h"
 #include "app/Globals.h"
 #include "batch/BatchCtrl.h"
 #include "batch/BatchDispatcher.h"
@@ -86,6 +87,7 @@ Body::Body(QWidget* parent)
     connectAnalyzer();
     makeDialogs();
     connectSaving();
+    connectDark();
     buildBodyMenu(this);
     redisplay();
 }
@@ -98,6 +100,7 @@ Body::~Body() {
     m_batchThread.quit();
     m_readerI1Thread.quit();
     m_readerI0Thread.quit();
+    m_dark->disconnect(this);
     m_batchThread.wait();
     m_readerI1Thread.wait();
     m_readerI0Thread.wait();
@@ -121,6 +124,7 @@ void Body::startReaders() {
     connect(m_readerI0.get(), &LoadTiff::loaded, this, &Body::loadedI0);
     m_readerI1Thread.start(QThread::InheritPriority);
     m_readerI0Thread.start(QThread::InheritPriority);
+    m_dark = std::make_unique<DarkData>();
 }
 
 void Body::connectBatch() {

@@ -24,7 +24,9 @@ class BlockRowSpectra;
 class CalibCtrl;
 class CommandHandlers;
 class CrossSection;
+class DarkData;
 class LoadTiff;
+class QAction;
 class QButtonGroup;
 class QFileDialog;
 class QPainter;
@@ -129,6 +131,7 @@ class Body : public QMainWindow {
     void connectCalibration();
     void connectAnalyzer();
     void connectSaving();
+    void connectDark();
     void makeDialogs();
 
     // stacks
@@ -141,6 +144,12 @@ class Body : public QMainWindow {
     void stacksChanged();
     Stack& shownStack();
     const AbsorptionSource& source();
+
+    // dark frames
+    void darkChanged();
+    void takeNewDark();
+    QString darkState() const;
+    void showDarkState();
 
     // what is shown
     int shown() const;
@@ -176,6 +185,11 @@ class Body : public QMainWindow {
     int m_frame = 0;
     double m_x = -1.0;
     double m_y = -1.0;
+
+    std::unique_ptr<DarkData> m_dark;
+    bool m_darkIsNew = false;
+    QAction* m_clearDark = nullptr;
+    QString m_darkToolTip;
 
     std::unique_ptr<AbsorptionSource> m_source;
     std::unique_ptr<BlockRowSpectra> m_rows;

@@ -110,7 +110,8 @@ void Body::updateStatus() {
     if (left > 0) {
         text += QStringLiteral("   ") + tr("%n file(s) to read", nullptr, left);
     }
-    m_ui->statusbar->showMessage(text);
+    const QString dark = darkState();
+    m_ui->statusbar->showMessage(dark.isEmpty() ? text : text + QStringLiteral("   ") + dark);
 
     Analyzed2DRes* target = deglitchTarget();
     m_ui->ShowProcImg->setEnabled(target != nullptr);

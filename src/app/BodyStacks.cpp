@@ -4,6 +4,7 @@
 
 #include "app/Body.h"
 #include "app/BodyStack.h"
+#include "app/DarkData.h"
 #include "display/ImageView.h"
 #include "imagedata/AbsorptionSource.h"
 #include "imagedata/SelectDataFiles.h"
@@ -13,6 +14,7 @@ void Body::clearI1Files() {
     stop2DAnalysis();
     m_imageWidth = -1;
     m_imageHeight = -1;
+    m_dark->setImageSize(-1, -1);
     clear(*m_i1);
 }
 
@@ -54,6 +56,7 @@ void Body::showNewest(const TiffData& frame) {
         m_imageWidth = static_cast<int>(frame.width);
         m_imageHeight = static_cast<int>(frame.height);
         m_ui->dispA->setImageSize(m_imageWidth, m_imageHeight);
+        m_dark->setImageSize(m_imageWidth, m_imageHeight);
     }
     const bool redisplayed = shown() == ShownData && m_i1->panel->currentIndex() != newest;
     m_i1->panel->select(newest);
@@ -161,9 +164,10 @@ Body::Stack& Body::shownStack() {
 }
 
 const AbsorptionSource& Body::source() {
+    takeNewDark();
     if (!m_source) {
         m_source = std::make_unique<AbsorptionSource>(m_i1->loader.frames(), m_i0->loader.frames(),
-                                                      m_imageWidth, m_imageHeight);
+                                                      m_imageWidth, m_imageHeight, m_dark->mean());
     }
     return *m_source;
 }

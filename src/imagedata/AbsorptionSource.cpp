@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "imagedata/DarkFrame.h"
 #include "imagedata/FrameSet.h"
 
 namespace {
@@ -17,8 +18,9 @@ double muT(double s0, double s1) {
 
 }  // namespace
 
-AbsorptionSource::AbsorptionSource(const FrameSet& i1, const FrameSet& i0, int width, int height)
-    : m_i1(i1), m_i0(i0), m_width(width), m_height(height) {
+AbsorptionSource::AbsorptionSource(const FrameSet& i1, const FrameSet& i0, int width, int height,
+                                   const DarkFrame* dark)
+    : m_i1(i1), m_i0(i0), m_width(width), m_height(height), m_dark(dark) {
     for (int i = 0; i < i1.size(); ++i) {
         const double e = i1.at(i)->energy;
         m_energies.push_back(e);
@@ -36,6 +38,11 @@ double AbsorptionSource::interpolated(const Bracket& bracket, double y0, double 
                                : bracket.fromFirst * ((y1 - y0) / bracket.span) + y0;
 }
 
+double AbsorptionSource::darkSum(int x, int y, int halfWidth, int halfHeight) const {
+    // Taking 0.0 off a sum leaves its bits as they are.
+    return m_dark != nullptr ? m_dark->boxSum(x, y, halfWidth, halfHeight) : 0.0;
+}
+
 Spectrum AbsorptionSource::spectrumAt(int x, int y, int halfWidth, int halfHeight) const {
     Spectrum spectrum;
     if (!isInside(x, y)) {
@@ -44,6 +51,7 @@ Spectrum AbsorptionSource::spectrumAt(int x, int y, int halfWidth, int halfHeigh
     const auto boxSum = [&](const FrameSet& set, int frame) {
         return set.at(frame)->boxSum(x, y, halfWidth, halfHeight);
     };
+    const double dark = darkSum(x, y, halfWidth, halfHeight);
     // Neighbouring I1 energies share their I0 frames: each is summed once.
     std::vector<double> i0Sums(static_cast<std::size_t>(m_i0.size()));
     for (int i = 0; i < m_i0.size(); ++i) {
@@ -51,13 +59,13 @@ Spectrum AbsorptionSource::spectrumAt(int x, int y, int halfWidth, int halfHeigh
     }
     spectrum.assignWith(energyCount(), [&](Spoint* points) {
         for (std::size_t i = 0; i < m_energies.size(); ++i) {
-            const double s1 = boxSum(m_i1, static_cast<int>(i));
+            const double s1 = boxSum(m_i1, static_cast<int>(i)) - dark;
             double s0 = 1.0;
             if (!m_brackets.empty()) {
                 const std::size_t first = static_cast<std::size_t>(m_brackets[i].first);
-                s0 = interpolated(m_brackets[i], i0Sums[first], i0Sums[first + 1]);
+                s0 = interpolated(m_brackets[i], i0Sums[first], i0Sums[first + 1]) - dark;
             } else if (!i0Sums.empty()) {
-                s0 = i0Sums[0];
+                s0 = i0Sums[0] - dark;
             }
             points[i] = {m_energies[i], muT(s0, s1)};
         }
@@ -146,6 +154,11 @@ void BlockRowSpectra::formRow(int y) {
     m_i0Sums.resize(blocks * i0Frames);
     m_i1Sums.resize(blocks);
     m_values.resize(blocks * energies);
+    m_darkSums.resize(blocks);
+    for (std::size_t block = 0; block < blocks; ++block) {
+        m_darkSums[block] = m_source.darkSum(m_firstX + static_cast<int>(block) * m_stepX, y,
+                                             m_halfWidth, m_halfHeight);
+    }
     for (std::size_t i = 0; i < i0Frames; ++i) {
         sumBlocks(*m_source.m_i0.at(static_cast<int>(i)), y, &m_i0Sums[i * blocks]);
     }
@@ -158,13 +171,15 @@ void BlockRowSpectra::formRow(int y) {
             after = before + blocks;
         }
         for (std::size_t block = 0; block < blocks; ++block) {
+            const double dark = m_darkSums[block];
             double s0 = 1.0;
             if (before != nullptr) {
-                s0 = m_source.interpolated(m_source.m_brackets[e], before[block], after[block]);
+                s0 = m_source.interpolated(m_source.m_brackets[e], before[block], after[block]) -
+                     dark;
             } else if (i0Frames == 1) {
-                s0 = m_i0Sums[block];
+                s0 = m_i0Sums[block] - dark;
             }
-            m_values[block * energies + e] = muT(s0, m_i1Sums[block]);
+            m_values[block * energies + e] = muT(s0, m_i1Sums[block] - dark);
         }
     }
 }

@@ -4,18 +4,22 @@
 
 #include "spectra/Spectrum.h"
 
+class DarkFrame;
 class FrameSet;
 struct TiffData;
 
 /// Turns the I1 and I0 stacks into absorption spectra: at every I1 energy the value
 /// mu-t = ln(s0 / s1) of the box sums at a position, I0 interpolated to the energy; 1.0 where the
-/// product of the sums is not above 0.
+/// product of the sums is not above 0. With a dark frame both sums first lose its sum over the same
+/// box, s0 after the interpolation; without I0 frames s0 is 1.0 and loses nothing.
 ///
-/// Holds which I0 frames lie around each I1 energy: valid until either stack changes.
+/// Holds which I0 frames lie around each I1 energy: valid until either stack or the dark frame
+/// changes.
 class AbsorptionSource {
   public:
     /// Frames count as images of width x height pixels (those of the first I1 frame).
-    AbsorptionSource(const FrameSet& i1, const FrameSet& i0, int width, int height);
+    AbsorptionSource(const FrameSet& i1, const FrameSet& i0, int width, int height,
+                     const DarkFrame* dark = nullptr);
 
     int energyCount() const { return static_cast<int>(m_energies.size()); }
     const std::vector<double>& energies() const { return m_energies; }
@@ -35,11 +39,13 @@ class AbsorptionSource {
 
     bool isInside(int x, int y) const { return x >= 0 && y >= 0 && x < m_width && y < m_height; }
     double interpolated(const Bracket& bracket, double y0, double y1) const;
+    double darkSum(int x, int y, int halfWidth, int halfHeight) const;
 
     const FrameSet& m_i1;
     const FrameSet& m_i0;
     int m_width;
     int m_height;
+    const DarkFrame* m_dark;
     std::vector<double> m_energies;
     std::vector<Bracket> m_brackets;  // one an I1 frame, when there are two or more I0 frames
 };
@@ -71,4 +77,5 @@ class BlockRowSpectra {
     std::vector<quint32> m_columns;  // column sums of the frame being summed
     std::vector<double> m_i0Sums;    // block sums of every I0 frame
     std::vector<double> m_i1Sums;
+    std::vector<double> m_darkSums;  // block sums of the dark frame
 };

@@ -527,6 +527,40 @@
             <numerusform>残り %n ファイル</numerusform>
         </translation>
     </message>
+    <message>
+        <source>Tiff Files (*.tif *.tiff)</source>
+        <translation>TIFF ファイル (*.tif *.tiff)</translation>
+    </message>
+    <message>
+        <source>IMG Files (*.img)</source>
+        <translation>IMG ファイル (*.img)</translation>
+    </message>
+    <message>
+        <source>Clear dark data</source>
+        <translation>ダークデータを消去</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n dark file(s) to read</source>
+        <translation>
+            <numerusform>ダーク残り %n ファイル</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 of %2 dark frames in use, the others are not of the image&apos;s size</source>
+        <translation>ダーク %2 枚中 %1 枚を使用 (残りは画像とサイズが違います)</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n dark frame(s)</source>
+        <translation>
+            <numerusform>ダーク %n 枚</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n dark file(s) unreadable or not of the image&apos;s size</source>
+        <translation>
+            <numerusform>読めないか画像とサイズの違うダーク %n ファイル</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>BodyMenu</name>

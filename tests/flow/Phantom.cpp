@@ -55,7 +55,11 @@ void Phantom::writeStacks(const Options& options) {
                                        options.height, frame.data());
     };
     for (int i = 0; i < options.i0Energies; ++i) {
-        std::fill(frame.begin(), frame.end(), static_cast<quint16>(Beam));
+        for (std::size_t p = 0; p < pixels; ++p) {
+            const int x = static_cast<int>(p) % options.width;
+            const int y = static_cast<int>(p) / options.width;
+            frame[p] = static_cast<quint16>(Beam + (options.dark ? options.dark(x, y) : 0));
+        }
         write(QStringLiteral("i0-"), energyOf(i, options.i0Energies));
     }
     for (int i = 0; i < options.energies; ++i) {
@@ -66,11 +70,31 @@ void Phantom::writeStacks(const Options& options) {
                 const double shifted = options.energyShift ? e - options.energyShift(x, y) : e;
                 const double a = options.fractionOfA(x, y);
                 const double mu = a * muA(shifted) + (1.0 - a) * muB(shifted);
-                frame[pixel++] = static_cast<quint16>(std::lround(Beam * std::exp(-mu)));
+                frame[pixel++] = static_cast<quint16>(std::lround(Beam * std::exp(-mu)) +
+                                                      (options.dark ? options.dark(x, y) : 0));
             }
         }
         write(QStringLiteral("i1-"), e);
     }
+}
+
+QStringList Phantom::writeDarkFrames(int width, int height,
+                                     const std::function<int(int x, int y)>& dark) const {
+    QStringList files;
+    std::vector<quint16> frame;
+    for (const int offset : {-30, 10, 20}) {
+        frame.clear();
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                frame.push_back(static_cast<quint16>(dark(x, y) + offset));
+            }
+        }
+        files << file(QStringLiteral("dark%1-%2.tif").arg(width).arg(offset));
+        if (!writeTiff(files.last(), static_cast<quint32>(width), height, frame.data())) {
+            return {};
+        }
+    }
+    return files;
 }
 
 void Phantom::writeReference(const QString& name, double (*mu)(double)) {

@@ -19,6 +19,7 @@ class Phantom {
         int i0Energies = 61;
         std::function<double(int x, int y)> fractionOfA;            ///< the rest is b
         std::function<double(int x, int y)> energyShift = nullptr;  ///< eV, later edge when > 0
+        std::function<int(int x, int y)> dark = nullptr;            ///< counts added to every frame
     };
 
     explicit Phantom(const Options& options);
@@ -26,6 +27,10 @@ class Phantom {
     QString dir() const { return m_dir.path(); }
     QString file(const QString& name) const { return m_dir.filePath(name); }
     bool isValid() const { return m_valid; }
+
+    /// Writes three frames whose mean is these counts, none of them alike; their files.
+    QStringList writeDarkFrames(int width, int height,
+                                const std::function<int(int x, int y)>& dark) const;
 
     /// mu-t of the pure species.
     static double muA(double e);

@@ -7,6 +7,7 @@
 #include "TestMain.h"
 #include "TinyStacks.h"
 #include "imagedata/AbsorptionSource.h"
+#include "imagedata/DarkFrame.h"
 #include "imagedata/RowMemory.h"
 
 namespace {
@@ -38,6 +39,15 @@ FrameSet noisyStack(const std::vector<double>& energies, unsigned seed) {
 double plainValue(const FrameSet& i1, const FrameSet& i0, int i, int x, int y, int hw, int hh) {
     const double s1 = i1.at(i)->boxSum(x, y, hw, hh);
     const double s0 = setValueAt(i0, i1.at(i)->energy, x, y, hw, hh);
+    return s0 * s1 > 0 ? std::log(s0 / s1) : 1.0;
+}
+
+/// The same with the dark sum taken off both sums.
+double darkValue(const FrameSet& i1, const FrameSet& i0, double dark, int i, int x, int y, int hw,
+                 int hh) {
+    const double s1 = i1.at(i)->boxSum(x, y, hw, hh) - dark;
+    const double interpolated = setValueAt(i0, i1.at(i)->energy, x, y, hw, hh);
+    const double s0 = i0.isEmpty() ? interpolated : interpolated - dark;
     return s0 * s1 > 0 ? std::log(s0 / s1) : 1.0;
 }
 
@@ -77,19 +87,35 @@ class TestAbsorption : public QObject {
                 truncate(set->at(0), 9);
             }
         }
+        // Thirds, which no double holds exactly: any other order of summing would show.
+        FrameSet darkFrames = noisyStack({0, 0, 0}, 4);
+        truncate(darkFrames.at(1), 12);
+        const DarkFrame dark(darkFrames, Width, Height);
         const AbsorptionSource source(i1, i0, Width, Height);
+        const AbsorptionSource darkened(i1, i0, Width, Height, &dark);
+        const DarkFrame noDark;
+        const AbsorptionSource undarkened(i1, i0, Width, Height, &noDark);
         const int stepX = halfWidth == 0 ? 1 : 3;
+        BlockRowSpectra darkRows(darkened, 1, stepX, Width, halfWidth, halfHeight);
         BlockRowSpectra rows(source, 1, stepX, Width, halfWidth, halfHeight);
         for (int y = 0; y < Height; ++y) {
             for (int x = 0; x < Width; ++x) {  // most of them lie between the blocks
                 const Spectrum a = source.spectrumAt(x, y, halfWidth, halfHeight);
                 const Spectrum b = rows.at(x, y);
+                const Spectrum c = darkened.spectrumAt(x, y, halfWidth, halfHeight);
+                const Spectrum d = darkRows.at(x, y);
+                const Spectrum none = undarkened.spectrumAt(x, y, halfWidth, halfHeight);
+                const double darkSum = dark.boxSum(x, y, halfWidth, halfHeight);
                 QCOMPARE(a.size(), i1.size());
                 QCOMPARE(b.size(), i1.size());
                 for (int i = 0; i < a.size(); ++i) {
                     const double v = plainValue(i1, i0, i, x, y, halfWidth, halfHeight);
                     QVERIFY(sameBits(a.value(i), v));
                     QVERIFY(sameBits(b.value(i), v));
+                    QVERIFY(sameBits(none.value(i), v));
+                    const double w = darkValue(i1, i0, darkSum, i, x, y, halfWidth, halfHeight);
+                    QVERIFY(sameBits(c.value(i), w));
+                    QVERIFY(sameBits(d.value(i), w));
                     QCOMPARE(b.energy(i), i1.at(i)->energy);
                 }
                 QCOMPARE(a.minIndex(), b.minIndex());
@@ -121,6 +147,30 @@ class TestAbsorption : public QObject {
         const FrameSet dead = tinyStack(4, 4, {10, 20}, flat(0));
         QCOMPARE(AbsorptionSource(dead, i0, 4, 4).spectrumAt(0, 0, 1, 1).value(1), 1.0);
         QCOMPARE(AbsorptionSource(i1, dead, 4, 4).spectrumAt(0, 0, 1, 1).value(1), 1.0);
+    }
+
+    void darkCountsAreTakenOffBothBeams() {
+        const auto flat = [](quint16 v) { return [v](int, int, int) { return v; }; };
+        const FrameSet i1 = tinyStack(4, 4, {10, 20}, flat(130));
+        const FrameSet i0 = tinyStack(4, 4, {10, 20}, flat(230));
+        FrameSet frames =
+            tinyStack(4, 4, {0, 0}, [](int i, int, int) { return quint16(20 + 20 * i); });
+        frames.append(tinyFrame(5, 4, 0, [](int, int) { return quint16(60000); }));
+        const DarkFrame dark(frames, 4, 4);
+        QCOMPARE(dark.frameCount(), 2);  // the third is of another size
+        QCOMPARE(dark.boxSum(0, 0, 1, 1), 4 * 30.0);
+        QCOMPARE(dark.boxSum(1, -5, 1, 1), 0.0);
+        QCOMPARE(dark.boxSum(INT_MAX, 1, INT_MIN, INT_MIN), 16 * 30.0);
+        const auto value = [&](const FrameSet& a, const FrameSet& b) {
+            return AbsorptionSource(a, b, 4, 4, &dark).spectrumAt(0, 0, 1, 1).value(1);
+        };
+        QCOMPARE(value(i1, i0), std::log(2.0));
+        // no I0: 1.0 over what is left of I1
+        QCOMPARE(value(i1, FrameSet()), std::log(1.0 / 400.0));
+        // less than the dark counts
+        QCOMPARE(value(tinyStack(4, 4, {10, 20}, flat(30)), i0), 1.0);
+        QCOMPARE(value(tinyStack(4, 4, {10, 20}, flat(29)), i0), 1.0);
+        QCOMPARE(i1.at(0)->boxSum(0, 0, 0, 0), 130.0);
     }
 };
 

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <vector>
+
+class FrameSet;
+struct TiffData;
+
+/// The mean of frames taken without beam, in counts a pixel: what the detector shows of its own.
+class DarkFrame {
+  public:
+    /// No frame: every sum is 0.
+    DarkFrame() = default;
+    /// Mean over the frames of width x height pixels; those of another size are left out. Rows that
+    /// a frame lacks count 0.
+    DarkFrame(const FrameSet& frames, int width, int height);
+
+    static bool fits(const TiffData& frame, int width, int height);
+
+    /// Frames that went into the mean.
+    int frameCount() const { return m_frameCount; }
+    int width() const { return m_width; }
+    int height() const { return m_height; }
+
+    /// Sum of the mean counts over the box of TiffData::boxSum(), row by row and column by column;
+    /// pixels outside count 0. Every path to a spectrum takes its sum from here, so that all of
+    /// them round alike.
+    double boxSum(int x, int y, int halfWidth, int halfHeight) const;
+
+  private:
+    int m_frameCount = 0;
+    int m_width = 0;
+    int m_height = 0;
+    std::vector<double> m_mean;  // row after row; empty without frames
+};

@@ -1,0 +1,163 @@
+#include <QAction>
+#include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QStatusBar>
+#include <memory>
+#include <vector>
+
+#include "BatchRun.h"
+#include "Phantom.h"
+#include "TestMain.h"
+#include "analysis/Analyzed2DRes.h"
+#include "analysis/Analyzer.h"
+#include "analysis/LCFReference.h"
+
+namespace {
+
+constexpr int Width = 12;
+constexpr int Height = 8;
+
+int darkCount(int x, int y) {
+    return 1500 + 90 * x + 17 * y;
+}
+
+Analyzer* analyzer() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (auto* found = qobject_cast<Analyzer*>(window)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+/// Dark frames from the button to the map.
+class TestDark : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void initTestCase() {
+        Phantom::Options options;
+        options.i0Energies = 21;
+        options.fractionOfA = [](int x, int) { return x / 11.0; };
+        m_plain = std::make_unique<Phantom>(options);
+        options.dark = darkCount;
+        m_darkened = std::make_unique<Phantom>(options);
+        m_darkFiles = m_darkened->writeDarkFrames(Width, Height, darkCount);
+        QVERIFY(m_plain->isValid() && m_darkened->isValid());
+        QCOMPARE(m_darkFiles.size(), 3);
+    }
+
+    void init() {
+        m_body = std::make_unique<Body>();
+        m_body->show();
+    }
+    void cleanup() { m_body.reset(); }
+
+    /// The dark counts are whole numbers: without them the counts are those of the plain
+    /// measurement, and so is every fraction, to the last bit.
+    void fractionsComeBackAsWithoutDarkCounts() {
+        const auto plain = mapOf(m_plain->loadAndSetReferences());
+        const auto biased = mapOf(m_darkened->loadAndSetReferences());
+        QVERIFY(plain != biased);
+        QVERIFY(!state().contains("dark"));
+
+        QSignalSpy released(m_body.get(), &Body::finishBatchExec);
+        choose(m_darkFiles);
+        QTRY_VERIFY(state().contains("3 dark frame"));
+        QCOMPARE(released.count(), 0);
+        QVERIFY(button()->toolTip().contains("3 dark frame"));
+        QVERIFY(mapOf({}) == plain);
+
+        // Images that come anew are corrected as well, those of the plain counts wrongly.
+        const auto twice = mapOf(m_plain->loadAndSetReferences());
+        QVERIFY(twice != plain);
+        QVERIFY(mapOf(m_darkened->loadAndSetReferences()) == plain);
+
+        m_body->findChild<QAction*>("ClearDark")->trigger();
+        QVERIFY(!state().contains("dark"));
+        QVERIFY(!button()->toolTip().contains("3 dark frame"));
+        QVERIFY(mapOf({}) == biased);
+    }
+
+    /// Clearing while a map is being made is for the next one, even when the mouse asks for a
+    /// spectrum in between.
+    void aMapIsMadeWithOneDarkFrame() {
+        const auto biased = mapOf(m_darkened->loadAndSetReferences());
+        choose(m_darkFiles);
+        QTRY_VERIFY(state().contains("3 dark frame"));
+        const auto plain = mapOf({});
+        int points = 0;
+        bool wasBusy = false;
+        connect(analyzer(), &Analyzer::finished, this, [&] {
+            if (++points == 5) {
+                wasBusy = analyzer()->isBusy();
+                m_body->findChild<QAction*>("ClearDark")->trigger();
+                m_body->showXafsSpectrum(2.5, 2.5);
+            }
+        });
+        m_body->startLCF2DAnalysis();
+        QTRY_VERIFY(!analyzer()->isBusy());
+        QVERIFY(wasBusy);
+        QVERIFY(fractions() == plain);
+        QVERIFY(mapOf({}) == biased);
+    }
+
+    void theButtonOpensItsDialogOnce() {
+        auto* dialog = m_body->findChild<QFileDialog*>("DarkDialog");
+        QVERIFY(dialog != nullptr && !dialog->isVisible());
+        button()->click();
+        QVERIFY(dialog->isVisible() && !dialog->isModal());
+        QCOMPARE(dialog->fileMode(), QFileDialog::ExistingFiles);
+        QVERIFY(dialog->nameFilters().first().contains("*.tif"));
+        QCOMPARE(m_body->findChildren<QFileDialog*>("DarkDialog").size(), 1);
+        QVERIFY(button()->actions().contains(m_body->findChild<QAction*>("ClearDark")));
+    }
+
+    void framesOfAnotherSizeChangeNothing() {
+        const auto biased = mapOf(m_darkened->loadAndSetReferences());
+        choose(m_darkened->writeDarkFrames(Width + 1, Height, darkCount));
+        QTRY_VERIFY(state().contains("3 dark file(s) unreadable"));
+        QVERIFY(mapOf({}) == biased);
+    }
+
+    void theWindowClosesWhileDarkFramesAreRead() { choose(m_darkFiles); }
+
+  private:
+    QPushButton* button() { return m_body->findChild<QPushButton*>("SelectDark"); }
+    QString state() { return m_body->statusBar()->currentMessage(); }
+    void choose(const QStringList& files) {
+        emit m_body->findChild<QFileDialog*>("DarkDialog")->filesSelected(files);
+    }
+    static std::vector<double> fractions() {
+        std::vector<double> values;
+        Analyzed2DRes* ratio = analyzer()->references().at(0)->result(LCFReference::Ratio);
+        for (int y = 0; y < Height; ++y) {
+            for (int x = 0; x < Width; ++x) {
+                values.push_back(ratio->valueAt(x, y));
+            }
+        }
+        return values;
+    }
+
+    /// The first fraction of every pixel after these lines and a fit.
+    std::vector<double> mapOf(QStringList lines) {
+        BatchRun batch(*m_body);
+        lines << "analyzer_exec_LCF";
+        if (!batch.run(lines) || !batch.problems().isEmpty()) {
+            return {};
+        }
+        return fractions();
+    }
+
+    std::unique_ptr<Phantom> m_plain;
+    std::unique_ptr<Phantom> m_darkened;
+    QStringList m_darkFiles;
+    std::unique_ptr<Body> m_body;
+};
+
+TARNWICK_TEST_MAIN(QApplication, TestDark)
+#include "tst_dark.moc"
