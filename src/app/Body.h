@@ -4,6 +4,7 @@
 #include <QMainWindow>
 #include <QStringList>
 #include <QThread>
+#include <functional>
 #include <memory>
 
 #include "app/BatchPacing.h"
@@ -167,6 +168,8 @@ class Body : public QMainWindow {
     XafsSpectrum corrected(const Spectrum& spectrum, int x, int y) const;
     Spectrum spectrumOnGrid(const AnalysisGrid& grid, int x, int y);
     void showSpectrumAgain();
+    /// A pass over the area that blocks the window; false without images.
+    bool runBlocking(const std::function<void(const AnalysisGrid&)>& pass);
     void showProgress(double percent);
     void showLoadProgress(const Stack& stack);
     QString startLcf();

@@ -98,21 +98,30 @@ void Body::showSpectrumAgain() {
     }
 }
 
-void Body::execCalibration() {
+bool Body::runBlocking(const std::function<void(const AnalysisGrid&)>& pass) {
     if (m_i1->loader.frames().isEmpty()) {
         note(NoImages);
-        return;
+        return false;
     }
     const WaitCursor waiting;
-    const AnalysisGrid grid = gridOfArea();
     m_rows.reset();
-    calibrate(
-        m_shiftMap.get(), grid, [&](int x, int y) { return spectrumOnGrid(grid, x, y); },
-        calibrationEdge(m_calib->standard()), [this](double percent) { showProgress(percent); });
+    pass(gridOfArea());
     m_rows.reset();
     showProgress(100.0);
-    redisplay();
-    showSpectrumAgain();
+    return true;
+}
+
+void Body::execCalibration() {
+    const bool done = runBlocking([this](const AnalysisGrid& grid) {
+        calibrate(
+            m_shiftMap.get(), grid, [&](int x, int y) { return spectrumOnGrid(grid, x, y); },
+            calibrationEdge(m_calib->standard()),
+            [this](double percent) { showProgress(percent); });
+    });
+    if (done) {
+        redisplay();
+        showSpectrumAgain();
+    }
 }
 
 void Body::clearShiftMap() {
@@ -196,19 +205,14 @@ void Body::generateResImages() {
 }
 
 void Body::startRA2DAnalysis() {
-    if (m_i1->loader.frames().isEmpty()) {
-        note(NoImages);
-        return;
+    const bool done = runBlocking([this](const AnalysisGrid& grid) {
+        m_analysis->runRa(
+            grid, [&](int x, int y) { return corrected(spectrumOnGrid(grid, x, y), x, y); },
+            [this](double percent) { showProgress(percent); });
+    });
+    if (done) {
+        generateRAResImage();
     }
-    const WaitCursor waiting;
-    const AnalysisGrid grid = gridOfArea();
-    m_rows.reset();
-    m_analysis->runRa(
-        grid, [&](int x, int y) { return corrected(spectrumOnGrid(grid, x, y), x, y); },
-        [this](double percent) { showProgress(percent); });
-    m_rows.reset();
-    showProgress(100.0);
-    generateRAResImage();
 }
 
 void Body::generateRAResImage() {

@@ -38,16 +38,6 @@ QPoint screenOf(const ImageView* view, double x, double y) {
     return QPointF(view->coord().r2sX(x), view->coord().r2sY(y)).toPoint();
 }
 
-Analyzer* analyzerWindow() {
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget* window : windows) {
-        if (auto* analyzer = qobject_cast<Analyzer*>(window)) {
-            return analyzer;
-        }
-    }
-    return nullptr;
-}
-
 }  // namespace
 
 class TestBody : public QObject {

@@ -1,14 +1,26 @@
 #pragma once
 
-#include <QElapsedTimer>
+#include <QApplication>
 #include <QEventLoop>
 #include <QSignalSpy>
 #include <QStringList>
 #include <QTimer>
 
+#include "analysis/Analyzer.h"
 #include "app/Body.h"
 #include "batch/BatchCtrl.h"
 #include "batch/BatchDispatcher.h"
+
+/// The analysis window of the main window that is open.
+inline Analyzer* analyzerWindow() {
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows) {
+        if (auto* analyzer = qobject_cast<Analyzer*>(window)) {
+            return analyzer;
+        }
+    }
+    return nullptr;
+}
 
 /// Runs batch lines in a main window to their end.
 class BatchRun {

@@ -23,15 +23,6 @@ int darkCount(int x, int y) {
     return 1500 + 90 * x + 17 * y;
 }
 
-Analyzer* analyzer() {
-    for (QWidget* window : QApplication::topLevelWidgets()) {
-        if (auto* found = qobject_cast<Analyzer*>(window)) {
-            return found;
-        }
-    }
-    return nullptr;
-}
-
 }  // namespace
 
 /// Dark frames from the button to the map.
@@ -92,15 +83,15 @@ class TestDark : public QObject {
         const auto plain = mapOf({});
         int points = 0;
         bool wasBusy = false;
-        connect(analyzer(), &Analyzer::finished, this, [&] {
+        connect(analyzerWindow(), &Analyzer::finished, this, [&] {
             if (++points == 5) {
-                wasBusy = analyzer()->isBusy();
+                wasBusy = analyzerWindow()->isBusy();
                 m_body->findChild<QAction*>("ClearDark")->trigger();
                 m_body->showXafsSpectrum(2.5, 2.5);
             }
         });
         m_body->startLCF2DAnalysis();
-        QTRY_VERIFY(!analyzer()->isBusy());
+        QTRY_VERIFY(!analyzerWindow()->isBusy());
         QVERIFY(wasBusy);
         QVERIFY(fractions() == plain);
         QVERIFY(mapOf({}) == biased);
@@ -134,7 +125,7 @@ class TestDark : public QObject {
     }
     static std::vector<double> fractions() {
         std::vector<double> values;
-        Analyzed2DRes* ratio = analyzer()->references().at(0)->result(LCFReference::Ratio);
+        Analyzed2DRes* ratio = analyzerWindow()->references().at(0)->result(LCFReference::Ratio);
         for (int y = 0; y < Height; ++y) {
             for (int x = 0; x < Width; ++x) {
                 values.push_back(ratio->valueAt(x, y));
