@@ -152,6 +152,7 @@ QString Body::startLcf() {
     const bool started = m_analysis->startLcf(
         grid, [this, grid](int x, int y) { return corrected(spectrumOnGrid(grid, x, y), x, y); },
         &whyNot);
+    redisplay();
     return started ? QString() : whyNot;
 }
 
