@@ -1,0 +1,462 @@
+#include <QApplication>
+#include <QFile>
+#include <QImage>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <cmath>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "BatchRun.h"
+#include "Phantom.h"
+#include "TestMain.h"
+#include "analysis/Analyzed2DRes.h"
+#include "analysis/Analyzer.h"
+#include "analysis/LCFReference.h"
+#include "batch/CommandTables.h"
+#include "calibration/CalibCtrl.h"
+#include "display/ImageView.h"
+#include "imagedata/TiffData.h"
+#include "output/SaveDataCfg.h"
+#include "spectra/XafsSpectrum.h"
+
+namespace {
+
+constexpr int Size = 8;  // square, since maps load on square images alone
+
+template <typename Window>
+Window* topLevel() {
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows) {
+        if (auto* found = qobject_cast<Window*>(window)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+QByteArray contentsOf(const QString& fileName) {
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// The lines of a table behind its header.
+QList<QByteArray> rowsOf(const QString& fileName) {
+    QList<QByteArray> rows;
+    for (const QByteArray& line : contentsOf(fileName).split('\n')) {
+        if (!line.isEmpty() && !line.startsWith('#')) {
+            rows << line;
+        }
+    }
+    return rows;
+}
+
+}  // namespace
+
+/// Each of the 49 commands does what its row says, is logged and is answered once.
+class TestCommands : public QObject {
+    Q_OBJECT
+
+    struct Case {
+        QString line;
+        QStringList before;            // brings about a state in which done() is false
+        std::function<bool()> done;    // what windows and files show of it afterwards
+        std::function<bool()> undone;  // where it takes more than !done() to begin with
+    };
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<Phantom> m_phantom;
+    std::unique_ptr<Body> m_body;
+    std::unique_ptr<BatchRun> m_batch;
+    std::vector<Case> m_cases;
+
+    QString file(const QString& name) const { return m_dir.filePath(name); }
+
+    template <typename Widget>
+    Widget* in(QWidget* window, const char* name) const {
+        auto* found = window->findChild<Widget*>(QString::fromLatin1(name));
+        Q_ASSERT(found != nullptr);
+        return found;
+    }
+    Analyzer* analyzer() const { return topLevel<Analyzer>(); }
+    CalibCtrl* calib() const { return topLevel<CalibCtrl>(); }
+    SaveDataCfg* saveCfg() const { return topLevel<SaveDataCfg>(); }
+    ImageView* view() const { return in<ImageView>(m_body.get(), "dispA"); }
+
+    QString text(QWidget* window, const char* field) const {
+        return in<QLineEdit>(window, field)->text();
+    }
+    bool checked(QWidget* window, const char* button) const {
+        return in<QAbstractButton>(window, button)->isChecked();
+    }
+    int frames(const char* panel) const {
+        return in<QLabel>(in<QWidget>(m_body.get(), panel), "Count")->text().toInt();
+    }
+    LCFReference* reference(int i) const { return analyzer()->references().at(i); }
+    double fraction(int x, int y) const {
+        return reference(0)->result(LCFReference::Ratio)->valueAt(x, y);
+    }
+
+    /// A number in a field: the row's own text form is what the field must show.
+    void addField(const QString& command, const std::function<QString()>& shown,
+                  const QStringList& before = {}) {
+        m_cases.push_back({command + " 0.123456789", before + QStringList{command + " 5"},
+                           [shown] { return shown() == "0.123457"; },
+                           [shown] { return shown() == "5"; }});
+    }
+    void addFlag(const QString& command, const std::function<bool()>& on) {
+        m_cases.push_back({command + " 2", {command + " 0"}, on, {}});
+    }
+
+    void addStackCases();
+    void addViewCases();
+    void addAnalyzerCases();
+    void addCalibrationCases();
+    void addSaveDataCases();
+
+  private slots:
+    void initTestCase() {
+        Phantom::Options options;
+        options.width = Size;
+        options.height = Size;
+        options.energies = 151;
+        options.i0Energies = 4;
+        options.fractionOfA = [](int x, int y) { return 0.05 * x + 0.07 * y; };
+        options.energyShift = [](int x, int) { return 0.5 * x; };
+        m_phantom = std::make_unique<Phantom>(options);
+        QVERIFY(m_phantom->isValid() && m_dir.isValid());
+        m_body = std::make_unique<Body>();
+        m_batch = std::make_unique<BatchRun>(*m_body);
+        addStackCases();
+        addViewCases();
+        addAnalyzerCases();
+        addCalibrationCases();
+        addSaveDataCases();
+        QSet<int> ids;
+        for (const Case& c : m_cases) {
+            ids << commandId(CmdLine::parse(c.line).command);
+        }
+        QCOMPARE(ids.size(), 49);
+        QVERIFY(!ids.contains(NoCommand));
+    }
+
+    void cleanupTestCase() { m_body.reset(); }
+
+    void command_data() {
+        QTest::addColumn<int>("index");
+        for (std::size_t i = 0; i < m_cases.size(); ++i) {
+            QTest::addRow("%d %s", int(i), qPrintable(CmdLine::parse(m_cases[i].line).command))
+                << int(i);
+        }
+    }
+
+    void command() {
+        QFETCH(int, index);
+        const Case& c = m_cases[std::size_t(index)];
+        QVERIFY(m_batch->run(c.before));
+        QVERIFY2(m_batch->problems().isEmpty(), qPrintable(m_batch->problems().join('\n')));
+        QVERIFY(c.undone ? c.undone() : !c.done());
+
+        QString log;
+        QSignalSpy answers(m_body.get(), &Body::finishBatchExec);
+        const auto logging = connect(m_body->batchCtrl(), &BatchCtrl::logged, this,
+                                     [&log](const QString& entry) { log += entry; });
+        QVERIFY(m_batch->run({c.line}));
+        disconnect(logging);
+        QVERIFY2(m_batch->problems().isEmpty(), qPrintable(m_batch->problems().join('\n')));
+        QVERIFY(c.done());
+        QCOMPARE(answers.count(), 1);
+        const CmdLine cmd = CmdLine::parse(c.line);
+        QCOMPARE(log, cmd.command + " : " + cmd.args.join(' ') + '\n');
+    }
+
+    /// The same, whatever the case of the word; the mode word, too.
+    void caseDoesNotMatter() {
+        const QString i1 = m_phantom->file("i1-7000_000eV.tif");
+        const QString next = m_phantom->file("i1-7002_000eV.tif");
+        QVERIFY(m_batch->run({"LOAD_I1_FILES new " + i1 + ' ' + next}));
+        QCOMPARE(frames("SelectI1Files"), 2);
+        QVERIFY(m_batch->run({"Load_i1_Files whatever " + next}));
+        QCOMPARE(frames("SelectI1Files"), 3);
+        QCOMPARE(m_batch->problems(), QStringList());
+    }
+
+    /// To the letter, ends of lines included.
+    void theLog() {
+        QString log;
+        const auto logging = connect(m_body->batchCtrl(), &BatchCtrl::logged, this,
+                                     [&log](const QString& entry) { log += entry; });
+        QVERIFY(m_batch->run({":rem_start", "unknown in a remark", ":rem_end", ":for i %i 2 1",
+                              "SET_band_w %i surplus", ":NEXT i", ":next I", ":echo \"a b\" c",
+                              "what ever", "", "set_band_h \\", "0"}));
+        disconnect(logging);
+        QCOMPARE(log, QString("for i : %i = 2\nSET_band_w : 2 surplus\nnext i : %i = 1\n"
+                              "SET_band_w : 1 surplus\nnext i : %i = 1\nnext  :  = \n"
+                              "echo a bErr: what everErr: set_band_h : 0\n"));
+        QCOMPARE(m_batch->problems().size(), 2);
+    }
+};
+
+void TestCommands::addStackCases() {
+    const QString i1 = m_phantom->file("i1-7000_000eV.tif");
+    const QString i0 = m_phantom->file("i0-7000_000eV.tif");
+    const auto i1Frames = [this] { return frames("SelectI1Files"); };
+    const auto i0Frames = [this] { return frames("SelectI0Files"); };
+    m_cases.push_back({"load_I1_files NEW " + i1 + ' ' + m_phantom->file("i1-7002_000eV.tif"),
+                       {"load_I1_files NEW " + i1},
+                       [=] { return i1Frames() == 2 && m_body->imageWidth() == Size; },
+                       {}});
+    m_cases.push_back({"load_I1_files ADD " + i1, {}, [=] { return i1Frames() == 3; }, {}});
+    m_cases.push_back(
+        {"clear_I1_files", {}, [=] { return i1Frames() == 0 && m_body->imageWidth() == -1; }, {}});
+    m_cases.push_back({"load_I0_files NEW " + i0, {}, [=] { return i0Frames() == 1; }, {}});
+    m_cases.push_back({"clear_I0_files", {}, [=] { return i0Frames() == 0; }, {}});
+    m_cases.push_back({"load_I1_files_of_pattern NEW " + m_phantom->dir() +
+                           " i1-70*.tif i1-71*.tif "
+                           "i1-72*.tif i1-73*.tif",
+                       {},
+                       [=] { return i1Frames() == 151; },
+                       {}});
+    m_cases.push_back({"load_I0_files_of_pattern NEW " + m_phantom->dir() + " i0-*.tif",
+                       {"load_I0_files ADD " + i0},
+                       [=] { return i0Frames() == 4; },
+                       {}});
+}
+
+void TestCommands::addViewCases() {
+    const auto field = [this](const char* name) { return text(m_body.get(), name); };
+    m_cases.push_back(
+        {"set_band_w 1", {"set_band_w 0"}, [=] { return field("HWidth") == "1"; }, {}});
+    m_cases.push_back(
+        {"set_band_h 2", {"set_band_h 0"}, [=] { return field("VWidth") == "2"; }, {}});
+    m_cases.push_back({"set_band_w x",
+                       {"set_band_h 0"},  // what follows works on single pixels
+                       [=] { return field("HWidth") == "0"; },
+                       {}});
+    const char* const buttons[] = {"ShowData", "ShowI0", "ShowShiftMap", "ShowResAnalysis"};
+    for (const int n : {3, 2, 1, 0}) {
+        const char* button = buttons[n];
+        m_cases.push_back({QString("select_disp_image %1").arg(n),
+                           {},
+                           [=] { return checked(m_body.get(), button); },
+                           {}});
+    }
+    m_cases.push_back({"select_region 6 5 2 1",
+                       {"select_region 0 0 0 0"},
+                       [=] { return view()->selection() == QRectF(2, 1, 4, 4); },
+                       [=] { return !view()->hasSelection(); }});
+    m_cases.push_back({"select_region 0 0 0 0", {}, [=] { return !view()->hasSelection(); }, {}});
+    m_cases.push_back({"move_position 3 4",
+                       {"move_position 1 1"},
+                       [=] {
+                           return in<QLabel>(m_body.get(), "Position")->text() == "(   3,    4)" &&
+                                  view()->realPosition() == QPointF(3, 4);
+                       },
+                       {}});
+    m_cases.push_back({"save_spectra " + file("spectrum.dat"),
+                       {},
+                       [=] {
+                           const auto rows = rowsOf(file("spectrum.dat"));
+                           return rows.size() == 151 && rows.first().startsWith("7000\t");
+                       },
+                       {}});
+    m_cases.push_back({"save_image " + file("frame.png"),
+                       {},
+                       [=] { return QImage(file("frame.png")).size() == QSize(Size, Size); },
+                       {}});
+}
+
+void TestCommands::addAnalyzerCases() {
+    const auto inAnalyzer = [this](const char* name) { return text(analyzer(), name); };
+    m_cases.push_back({"analyzer_show_window", {}, [=] { return analyzer()->isVisible(); }, {}});
+    m_cases.push_back({"analyzer_set_LCF_std 0 1 0 " + m_phantom->file("a.dat") + " 0",
+                       {},
+                       [=] { return analyzer()->references().size() == 1; },
+                       {}});
+    m_cases.push_back({"analyzer_set_LCF_std 1 0 0.123456789 " + m_phantom->file("b.dat"),
+                       {},
+                       [=] {
+                           return analyzer()->references().size() == 2 && !reference(1)->isUsed() &&
+                                  reference(1)->hasSpectrum() &&
+                                  reference(1)->fileName() == m_phantom->file("b.dat") &&
+                                  reference(1)->spectrum().shift() == 0.123456789 &&
+                                  text(reference(1), "DeltaE") == "0.123457" &&
+                                  checked(reference(1), "IsVictreen");
+                       },
+                       {}});
+    m_cases.push_back({"analyzer_set_LCF_std 1 1 0 " + m_phantom->file("b.dat") + " none",
+                       {},
+                       [=] {
+                           return reference(1)->isUsed() && !checked(reference(1), "IsVictreen") &&
+                                  text(reference(1), "DeltaE") == "0";
+                       },
+                       {}});
+    m_cases.push_back(
+        {"analyzer_set_LCF_mode 1", {}, [=] { return checked(analyzer(), "MLCF"); }, {}});
+    m_cases.push_back(
+        {"analyzer_set_LCF_mode 2", {}, [=] { return !checked(analyzer(), "MLCF"); }, {}});
+    m_cases.push_back({"analyzer_exec_LCF",
+                       {},
+                       [=] {
+                           // The map of shifts is empty yet; only the first column has none.
+                           return !analyzer()->isBusy() && std::abs(fraction(0, 6) - 0.42) < 1e-3 &&
+                                  in<QLabel>(analyzer(), "Progress")->text() == "100.00";
+                       },
+                       {}});
+    m_cases.push_back({"analyzer_select_image 1",
+                       {"analyzer_select_image 0"},
+                       [=] {
+                           return analyzer()->selectedResult() ==
+                                  reference(1)->result(analyzer()->imageType());
+                       },
+                       {}});
+    m_cases.push_back({"analyzer_select_image_type 1",
+                       {"analyzer_select_image_type 0"},
+                       [=] { return checked(analyzer(), "SelRatio"); },
+                       [=] { return checked(analyzer(), "SelDMut"); }});
+    m_cases.push_back({"analyzer_select_image_type 0",
+                       {"analyzer_select_image_type 7"},
+                       [=] { return checked(analyzer(), "SelDMut"); },
+                       [=] { return checked(analyzer(), "SelRatio"); }});
+    const auto shows = [=](const char* name) { return [=] { return inAnalyzer(name); }; };
+    addField("analyzer_set_ra_energy", shows("RAAtEV"));
+    addField("analyzer_set_ra_factor", shows("RAFactor"));
+    addField("analyzer_set_scale_max", shows("DMutScaleMax"), {"analyzer_select_image_type 0"});
+    addField("analyzer_set_scale_min", shows("DMutScaleMin"));
+    addField("analyzer_set_scale_max", shows("RatioScaleMax"), {"analyzer_select_image_type 1"});
+    addField("analyzer_set_scale_min", shows("RatioScaleMin"));
+    addField("analyzer_set_dMut_scale_max", shows("DMutScaleMax"));
+    addField("analyzer_set_dMut_scale_min", shows("DMutScaleMin"));
+    addField("analyzer_set_ratio_scale_max", shows("RatioScaleMax"));
+    addField("analyzer_set_ratio_scale_min", shows("RatioScaleMin"));
+    addFlag("analyzer_set_fixed_scale", [=] {
+        const Analyzed2DRes* result = reference(0)->result(LCFReference::Ratio);
+        return checked(analyzer(), "FixedScale") && result->rangeMin() == 0.123457 &&
+               result->rangeMax() == 0.123457;
+    });
+    m_cases.push_back({"save_all_images " + file("all.png"),
+                       {},
+                       [=] {
+                           return QImage(file("all-0-0.png")).width() == Size &&
+                                  QImage(file("all-1-1.png")).width() == Size;
+                       },
+                       {}});
+    m_cases.push_back({"analyzer_exec_ra",
+                       {"analyzer_set_ra_energy 7050", "analyzer_set_ra_factor 0"},
+                       [=] {
+                           return analyzer()->raRatio()->isValid() &&
+                                  std::abs(analyzer()->raDmut()->valueAt(0, 3) - 0.8) < 1e-3 &&
+                                  std::abs(analyzer()->raRest()->valueAt(0, 3) - 0.29) < 1e-3;
+                       },
+                       {}});
+}
+
+void TestCommands::addCalibrationCases() {
+    m_cases.push_back({"calib_show_window", {}, [=] { return calib()->isVisible(); }, {}});
+    m_cases.push_back({"calib_load_std " + m_phantom->file("a.dat"),
+                       {},
+                       [=] {
+                           return calib()->standard() != nullptr &&
+                                  calib()->standardFileName() == m_phantom->file("a.dat") &&
+                                  calib()->edgeEnergy() > 7100.0;
+                       },
+                       {}});
+    m_cases.push_back({"calib_set_edge_eV 7112.537",
+                       {},
+                       [=] { return text(calib(), "EdgeEeV") == "7112.537"; },
+                       {}});
+    const auto shift = [this](int x, int y) {
+        m_body->showXafsSpectrum(x, y);
+        return in<QLabel>(m_body.get(), "EShiftOnTbl")->text().toDouble();
+    };
+    // Two points of the same fraction, and so of the same shape of edge, seven columns of the
+    // drift apart. Straight lines between energies 2 eV apart put an edge off by up to 0.14 eV.
+    const auto drift = [shift] { return shift(7, 0) - shift(0, 5); };
+    const auto mapIsThere = [drift] { return std::abs(drift() - 3.5) < 0.3; };
+    const auto mapIsGone = [shift] { return shift(7, 0) == 0.0 && shift(0, 5) == 0.0; };
+    m_cases.push_back({"calib_exec", {}, mapIsThere, mapIsGone});
+    m_cases.push_back(
+        {"calib_save_map " + file("map.any"),
+         {},
+         [=] {
+             const auto lines = contentsOf(file("map.any")).split('\n');
+             // 14 labels, a line a row of the map, the mark, the data
+             return lines.size() == 14 + Size + 1 + Size + 1 &&
+                    lines.first() == "###Tarnwick::TWEM" &&
+                    lines.at(12) ==
+                        ("Std File Name           : " + m_phantom->file("a.dat")).toUtf8() &&
+                    lines.at(14) == "Shift Map Width         : 0 8" &&
+                    lines.at(14 + Size) == "##-----------------" && lines.last().isEmpty();
+         },
+         {}});
+    m_cases.push_back({"calib_clear_map", {}, mapIsGone, mapIsThere});
+    m_cases.push_back({"calib_load_map " + file("map.any"), {}, mapIsThere, mapIsGone});
+}
+
+void TestCommands::addSaveDataCases() {
+    const auto inCfg = [this](const char* name) {
+        return [=] { return checked(saveCfg(), name); };
+    };
+    m_cases.push_back({"saveDataCfg_show_window", {}, [=] { return saveCfg()->isVisible(); }, {}});
+    m_cases.push_back({"saveDataCfg_save_as_text", {}, inCfg("SaveAsText"), inCfg("SaveAsTiff")});
+    m_cases.push_back({"saveDataCfg_text_as_ssv", {"saveDataCfg_text_as_csv"}, inCfg("SSV"), {}});
+    m_cases.push_back({"saveDataCfg_text_as_csv", {}, inCfg("CSV"), {}});
+    m_cases.push_back({"saveDataCfg_text_as_vals", {"saveDataCfg_text_as_xyz"}, inCfg("Vals"), {}});
+    m_cases.push_back({"saveDataCfg_text_as_xyz", {}, inCfg("XYZ"), {}});
+    addFlag("saveDataCfg_tiff_as_analyzed", inCfg("AsAnalyzed"));
+
+    // The forms of the one command that saves a result.
+    const auto form = [this](const char* name, const QStringList& settings,
+                             const std::function<bool(QString)>& isRight) {
+        const QString saved = file(name);
+        m_cases.push_back({"save_data_as_tiff " + saved,
+                           settings,
+                           [=] { return QFile::exists(saved) && isRight(saved); },
+                           {}});
+    };
+    form("xyz.dat",
+         {"select_region 2 1 8 5", "analyzer_exec_LCF", "analyzer_select_image 0",
+          "saveDataCfg_tiff_as_analyzed 1"},
+         [](const QString& name) {
+             const auto rows = rowsOf(name);
+             return rows.size() == 6 * 4 && rows.first().startsWith("2,1,") &&
+                    rows.last().startsWith("7,4,");
+         });
+    form("vals.csv", {"saveDataCfg_text_as_vals", "saveDataCfg_text_as_csv"},
+         [](const QString& name) {
+             const auto rows = rowsOf(name);
+             return rows.size() == 4 && rows.first().split(',').size() == 6;
+         });
+    form("vals.dat", {"saveDataCfg_text_as_ssv", "saveDataCfg_tiff_as_analyzed 0"},
+         [](const QString& name) {
+             const auto rows = rowsOf(name);
+             return rows.size() == Size && rows.first().split(' ').size() == Size &&
+                    rows.first().startsWith("0 0 ");
+         });
+    addField("saveDataCfg_tiff_scale_min", [this] { return text(saveCfg(), "TiffScaleMin"); });
+    addField("saveDataCfg_tiff_scale_max", [this] { return text(saveCfg(), "TiffScaleMax"); });
+    addFlag("saveDataCfg_tiff_fix_scale", inCfg("TiffFixScale"));
+    m_cases.push_back({"saveDataCfg_save_as_tiff", {}, inCfg("SaveAsTiff"), {}});
+    form("fixed.tif",
+         {"saveDataCfg_tiff_fix_scale 1", "saveDataCfg_tiff_scale_min 0",
+          "saveDataCfg_tiff_scale_max 1", "analyzer_select_image_type 1"},
+         [this](const QString& name) {
+             TiffData saved;
+             return saved.load(name) && int(saved.width) == Size &&
+                    std::abs(saved.rows[2][3] - std::trunc(fraction(3, 2) * 65535)) < 1.0;
+         });
+    form("area.tif", {"saveDataCfg_tiff_as_analyzed 1"}, [this](const QString& name) {
+        TiffData saved;
+        return saved.load(name) && int(saved.width) == 6 && int(saved.height) == 4 &&
+               std::abs(saved.rows[1][1] - std::trunc(fraction(3, 2) * 65535)) < 1.0;
+    });
+}
+
+TARNWICK_TEST_MAIN(QApplication, TestCommands)
+#include "tst_commands.moc"
