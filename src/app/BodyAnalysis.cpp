@@ -131,9 +131,16 @@ void Body::execCalibration() {
             calibrationEdge(m_calib->standard()),
             [this](double percent) { showProgress(percent); });
     });
-    if (done) {
-        redisplay();
-        showSpectrumAgain();
+    if (!done) {
+        return;
+    }
+    redisplay();
+    showSpectrumAgain();
+    const XafsSpectrum* standard = m_calib->standard();
+    if (standard == nullptr || standard->isEmpty()) {
+        note(QStringLiteral("no standard is loaded: the map holds edge energies, not shifts"));
+    } else if (!hasCalibrationEdge(*standard)) {
+        note(QStringLiteral("the standard has no rising edge to compare with"));
     }
 }
 
