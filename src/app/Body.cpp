@@ -85,6 +85,7 @@ Body::Body(QWidget* parent)
     connectImageControls();
     connectCalibration();
     connectAnalyzer();
+    connectDeglitching();
     makeDialogs();
     connectSaving();
     connectDark();
@@ -205,7 +206,6 @@ void Body::connectCalibration() {
             &XafsView::setCrystalSpacing);
     connect(m_calib.get(), &CalibCtrl::spacingChanged, m_analyzer->view(),
             &XafsView::setCrystalSpacing);
-    connect(m_ui->NormalizeEShift, &QPushButton::clicked, this, &Body::normalizeEShift);
 }
 
 void Body::connectAnalyzer() {
@@ -215,8 +215,6 @@ void Body::connectAnalyzer() {
     connect(m_analyzer.get(), &Analyzer::askRAAnalyze, this, &Body::startRA2DAnalysis);
     connect(m_analyzer.get(), &Analyzer::finished, this, &Body::analyzeASpectrumFinished);
     connect(m_analyzer.get(), &Analyzer::changedSelection, this, &Body::selectedNewRef);
-    connect(m_ui->DeGlitch, &QPushButton::clicked, this, &Body::deglitch);
-    connect(m_ui->ShowProcImg, &QPushButton::toggled, this, &Body::showProcImg);
 }
 
 void Body::makeDialogs() {

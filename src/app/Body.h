@@ -131,6 +131,7 @@ class Body : public QMainWindow {
     void connectImageControls();
     void connectCalibration();
     void connectAnalyzer();
+    void connectDeglitching();
     void connectSaving();
     void connectDark();
     void makeDialogs();

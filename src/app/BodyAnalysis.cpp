@@ -29,6 +29,19 @@ class WaitCursor {
     WaitCursor& operator=(const WaitCursor&) = delete;
 };
 
+/// The number in a field; a field with anything else in it returns to its last number.
+double numberIn(QLineEdit* field) {
+    constexpr char LastNumber[] = "lastNumber";
+    bool ok = false;
+    const double value = field->text().toDouble(&ok);
+    if (ok && std::isfinite(value)) {
+        field->setProperty(LastNumber, field->text());
+        return value;
+    }
+    field->setText(field->property(LastNumber).toString());
+    return field->text().toDouble();
+}
+
 const QString NoImages = QStringLiteral("no images are loaded");
 
 }  // namespace
@@ -118,9 +131,16 @@ void Body::execCalibration() {
             calibrationEdge(m_calib->standard()),
             [this](double percent) { showProgress(percent); });
     });
-    if (done) {
-        redisplay();
-        showSpectrumAgain();
+    if (!done) {
+        return;
+    }
+    redisplay();
+    showSpectrumAgain();
+    const XafsSpectrum* standard = m_calib->standard();
+    if (standard == nullptr || standard->isEmpty()) {
+        note(QStringLiteral("no standard is loaded: the map holds edge energies, not shifts"));
+    } else if (!hasCalibrationEdge(*standard)) {
+        note(QStringLiteral("the standard has no rising edge to compare with"));
     }
 }
 
@@ -226,10 +246,22 @@ Analyzed2DRes* Body::deglitchTarget() const {
     return shown != nullptr ? shown : m_analyzer->selectedResult();
 }
 
+void Body::connectDeglitching() {
+    for (QLineEdit* field : {m_ui->DeGlitchFactor, m_ui->DeGlitchRatio}) {
+        numberIn(field);
+        connect(field, &QLineEdit::editingFinished, this, [field] { numberIn(field); });
+    }
+    connect(m_ui->DeGlitch, &QPushButton::clicked, this, &Body::deglitch);
+    connect(m_ui->ShowProcImg, &QPushButton::toggled, this, &Body::showProcImg);
+    connect(m_ui->NormalizeEShift, &QPushButton::clicked, this, &Body::normalizeEShift);
+}
+
 void Body::deglitch() {
-    if (Analyzed2DRes* target = deglitchTarget()) {
-        target->setDeglitchConds(m_ui->DeGlitchFactor->text().toDouble(),
-                                 m_ui->DeGlitchRatio->text().toDouble());
+    const double factor = numberIn(m_ui->DeGlitchFactor);
+    const double ratio = numberIn(m_ui->DeGlitchRatio);
+    Analyzed2DRes* target = deglitchTarget();
+    if (target != nullptr && target->hasData()) {
+        target->setDeglitchConds(factor, ratio);
         target->deglitch();
         target->selectProcImg(true);
         redisplay();
@@ -237,7 +269,8 @@ void Body::deglitch() {
 }
 
 void Body::showProcImg(bool on) {
-    if (Analyzed2DRes* target = deglitchTarget()) {
+    Analyzed2DRes* target = deglitchTarget();
+    if (target != nullptr && target->hasData()) {
         target->selectProcImg(on);
         redisplay();
     }

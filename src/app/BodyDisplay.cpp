@@ -114,7 +114,7 @@ void Body::updateStatus() {
     m_ui->statusbar->showMessage(dark.isEmpty() ? text : text + QStringLiteral("   ") + dark);
 
     Analyzed2DRes* target = deglitchTarget();
-    m_ui->ShowProcImg->setEnabled(target != nullptr);
+    m_ui->ShowProcImg->setEnabled(target != nullptr && target->hasData());
     const QSignalBlocker blocked(m_ui->ShowProcImg);
     m_ui->ShowProcImg->setChecked(target != nullptr && target->showsProc());
 }

@@ -9,11 +9,13 @@
 #include "app/Body.h"
 #include "calibration/CalibCtrl.h"
 #include "calibration/EnergyMapFile.h"
+#include "display/ImageView.h"
 #include "display/XafsView.h"
 #include "output/FileNames.h"
 #include "output/FlatDark.h"
 #include "output/ResultWriter.h"
 #include "output/SaveDataCfg.h"
+#include "ui_Body.h"
 
 namespace {
 
@@ -134,8 +136,11 @@ void Body::loadEMap(const QString& fname) {
     if (!readEMap(fname, m_calib->edgeEnergy(), &size, m_shiftMap.get())) {
         note(QStringLiteral("no whole energy map of the images' size: ") + fname);
     }
-    m_imageWidth = size.width();
-    m_imageHeight = size.height();
+    if (size != QSize(m_imageWidth, m_imageHeight)) {
+        m_imageWidth = size.width();
+        m_imageHeight = size.height();
+        m_ui->dispA->setImageSize(m_imageWidth, m_imageHeight);
+    }
     redisplay();
     showSpectrumAgain();
 }

@@ -3,6 +3,8 @@
 #include <QAbstractButton>
 #include <QButtonGroup>
 #include <QDebug>
+#include <algorithm>
+#include <iterator>
 
 #include "analysis/Analyzer.h"
 #include "analysis/LCFReference.h"
@@ -84,6 +86,17 @@ void CommandHandlers::setLcfStd(const CommandArgs& args) {
     }
 }
 
+void CommandHandlers::selectRegion(const CommandArgs& args) {
+    ImageView& view = *m_body.m_ui->dispA;
+    const int corners[] = {args.integer(0), args.integer(1), args.integer(2), args.integer(3)};
+    view.setSelection(corners[0], corners[1], corners[2], corners[3]);
+    const bool none =
+        std::all_of(std::begin(corners), std::end(corners), [](int c) { return c == 0; });
+    if (!none && m_body.imageWidth() >= 0 && !view.hasSelection()) {
+        m_body.note(QStringLiteral("no part of the region lies inside the image"));
+    }
+}
+
 void CommandHandlers::runUnknown(const CmdLine& cmd) {
     if (controlId(cmd.command) == NoControl) {
         m_body.m_batchCtrl->showCmdErr(cmd);
@@ -142,8 +155,7 @@ CommandHandlers::Answer CommandHandlers::run(const CmdLine& cmd) {
             ui.dispA->setRealMousePos(args.integer(0), args.integer(1));
             break;
         case SelectRegion:
-            ui.dispA->setSelection(args.integer(0), args.integer(1), args.integer(2),
-                                   args.integer(3));
+            selectRegion(args);
             break;
         case SaveSpectra:
             m_body.saveXafsSpectra(args.text(0));

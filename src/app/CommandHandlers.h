@@ -36,6 +36,7 @@ class CommandHandlers {
     Answer load(const CmdLine& cmd, bool i1, const QStringList& files);
     Answer execLcf(const CmdLine& cmd);
     void setLcfStd(const CommandArgs& args);
+    void selectRegion(const CommandArgs& args);
     void runUnknown(const CmdLine& cmd);
 
     Body& m_body;

@@ -247,10 +247,13 @@ void CommandCheck::checkAnalysis(int commandId) {
     }
     if (commandId == AnalyzerExecLcf) {
         const int used = m_references.count(true);
-        if (used < 2) {
+        if (m_references.size() < 2) {
             missing.append(
-                QStringLiteral("two references must be in use (analyzer_set_LCF_std), not %1")
-                    .arg(used));
+                QStringLiteral("two references are needed (analyzer_set_LCF_std), not %1")
+                    .arg(m_references.size()));
+        } else if (used < 2) {
+            warn(QStringLiteral("only %1 of the references is in use (analyzer_set_LCF_std)")
+                     .arg(used));
         }
     }
     if (!missing.isEmpty()) {

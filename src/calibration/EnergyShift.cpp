@@ -22,6 +22,10 @@ double calibrationEdge(const Spectrum* spectrum) {
     return spectrum ? spectrum->findE(kCalibrationLevel, kRisingEdge) : 0.0;
 }
 
+bool hasCalibrationEdge(const Spectrum& spectrum) {
+    return spectrum.findIndex(kCalibrationLevel, kRisingEdge) >= 0;
+}
+
 void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid,
                const std::function<Spectrum(int x, int y)>& spectrumAt, double standardEdge,
                const std::function<void(double percent)>& progress) {

@@ -17,6 +17,10 @@ constexpr double kCalibrationLevel = 0.7;
 /// Edge energy of @p spectrum as calibration compares it, in eV; 0.0 without a spectrum or points.
 double calibrationEdge(const Spectrum* spectrum);
 
+/// Whether the spectrum rises through the calibration's level at all; without that its edge is
+/// taken to be its first energy.
+bool hasCalibrationEdge(const Spectrum& spectrum);
+
 /// Replaces @p map by the shifts of the blocks of @p grid against @p standardEdge (eV).
 /// @p spectrumAt gives the binned spectrum at a position and is asked block by block, row by row; a
 /// block without a rising edge takes its first energy. @p progress, which may be empty, is told the

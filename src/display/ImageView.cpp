@@ -32,7 +32,10 @@ void ImageView::setImageSize(int width, int height) {
     if (!isInside(m_position)) {
         m_pinned = false;
     }
-    applySelection(m_selection);
+    // Between two stacks there is no image; the selection waits for the next one.
+    const QRectF wanted = m_wantedSelection;
+    applySelection(wanted);
+    m_wantedSelection = imageRect().isEmpty() ? wanted : m_selection;
     resetImageViewWindow();
 }
 
@@ -55,6 +58,7 @@ void ImageView::clearSelection() {
 }
 
 void ImageView::applySelection(const QRectF& area) {
+    m_wantedSelection = area;
     const QRectF clipped = area.intersected(imageRect());
     const QRectF selection = clipped.isEmpty() ? QRectF() : clipped;
     if (selection != m_selection) {

@@ -105,7 +105,8 @@ class ImageView : public DispA {
     double m_zoom = 1.0;  // times the scale at which the whole image fits
     QPointF m_centre;
     QRectF m_visible;
-    QRectF m_selection;
+    QRectF m_selection;        // inside the image
+    QRectF m_wantedSelection;  // as it was asked for
     bool m_resultDisplayed = false;
     int m_halfWidth = 0;
     int m_halfHeight = 0;

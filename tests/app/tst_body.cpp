@@ -188,6 +188,40 @@ class TestBody : public QObject {
         QVERIFY(!QFile::exists(m_phantom->file("never.png")));
     }
 
+    /// The page works on the map on display, follows another choice of map, and is dead without
+    /// one.
+    void theDeglitchPageFollowsTheMap() {
+        auto* page = child<QPushButton>(*m_body, "ShowProcImg");
+        auto* factor = child<QLineEdit>(*m_body, "DeGlitchFactor");
+        QVERIFY(!page->isEnabled());
+        BatchRun batch(*m_body);
+        QVERIFY(batch.run(m_phantom->loadAndSetReferences() +
+                          QStringList{"analyzer_select_image 0", "select_disp_image 3"}));
+        QVERIFY(!page->isEnabled());  // selected, but nothing has been analysed
+        child<QPushButton>(*m_body, "DeGlitch")->click();
+        QVERIFY(!page->isChecked());
+        QVERIFY(batch.run({"analyzer_exec_LCF"}));
+        QVERIFY(page->isEnabled());
+
+        Analyzed2DRes* result = analyzerWindow()->selectedResult();
+        result->setData(5, 4, 0, 0, 9.0);  // a spike
+        factor->setText("nonsense");
+        child<QPushButton>(*m_body, "DeGlitch")->click();
+        QCOMPARE(factor->text(), QString("2.0"));
+        QVERIFY(page->isChecked() && result->showsProc());
+        QVERIFY(std::abs(result->shownValueAt(5, 4) - result->valueAt(5, 5)) < 0.5);
+        QCOMPARE(result->valueAt(5, 4), 9.0);
+
+        QVERIFY(batch.run({"analyzer_select_image 1"}));
+        QVERIFY(page->isEnabled() && !page->isChecked());
+        QVERIFY(batch.run({"analyzer_select_image 0"}));
+        QVERIFY(page->isChecked());
+        page->click();
+        QVERIFY(!result->showsProc());
+        child<QPushButton>(*m_body, "NormalizeEShift")->click();  // there is no shift map
+        QCOMPARE(result->valueAt(5, 4), 9.0);
+    }
+
     void flatAndDarkFramesAreWritten() {
         QTemporaryDir dir;
         const QString before = QDir::currentPath();

@@ -154,9 +154,8 @@ class TestBatchCheck : public QObject {
                  "clear_I0_files",
                  "analyzer_exec_ra"}
             << L{"E1 the analysis cannot start: no I1 files are loaded, no I0 files are loaded, "
-                 "two references must be in use (analyzer_set_LCF_std), not 0",
-                 "E6 the analysis cannot start: two references must be in use "
-                 "(analyzer_set_LCF_std), not 1",
+                 "two references are needed (analyzer_set_LCF_std), not 0",
+                 "W6 only 1 of the references is in use (analyzer_set_LCF_std)",
                  "E7 the analysis cannot start: no standard",
                  "E10 the analysis cannot start: no I0"};
         QTest::newRow("references")

@@ -46,6 +46,7 @@ class ImageViewTest : public QObject {
     void selectionIsClipped();
     void escapeAndRightClickClear();
     void anotherImageClipsTheSelection();
+    void theSelectionWaitsForAnImage();
     void clickPins();
     void doubleClickKeepsThePin();
     void arrowsMoveByBins();
@@ -326,6 +327,27 @@ void ImageViewTest::anotherImageClipsTheSelection() {
     QCOMPARE(view.selection(), rect(10, 10, 20, 30));
     QCOMPARE(view.visibleRect(), rect(0, 0, 20, 40));
     view.setImageSize(8, 8);
+    QVERIFY(!view.hasSelection());
+    view.setImageSize(40, 40);
+    QVERIFY(!view.hasSelection());
+}
+
+/// Loading the next stack empties the view first. What was selected before is still wanted, and so
+/// is what was selected before the first stack.
+void ImageViewTest::theSelectionWaitsForAnImage() {
+    ImageView view;
+    view.setSelection(10, 10, 30, 30);
+    QVERIFY(!view.hasSelection());
+    view.setImageSize(40, 20);
+    QCOMPARE(view.selection(), rect(10, 10, 30, 20));
+    view.setImageSize(0, 0);
+    QVERIFY(!view.hasSelection());
+    QVERIFY(view.area().isEmpty());
+    view.setImageSize(20, 40);
+    QCOMPARE(view.selection(), rect(10, 10, 20, 20));
+    view.setImageSize(0, 0);
+    view.clearSelection();
+    view.setImageSize(20, 40);
     QVERIFY(!view.hasSelection());
 }
 

@@ -187,6 +187,57 @@ class TestCommands : public QObject {
         QCOMPARE(m_batch->problems(), QStringList());
     }
 
+    /// What does no work without being a file that fails is told of all the same, and does no harm.
+    void linesThatDoNoWork_data() {
+        QTest::addColumn<QStringList>("lines");
+        QTest::addColumn<QString>("problem");
+        using L = QStringList;
+        const QString load = "load_I1_files NEW " + m_phantom->file("i1-7000_000eV.tif");
+        QTest::newRow("no frames to calibrate") << L{"calib_exec"} << "no images are loaded";
+        QTest::newRow("no frames to analyse") << L{"analyzer_exec_ra"} << "no images are loaded";
+        QTest::newRow("no standard") << L{load, "calib_exec"} << "no standard is loaded";
+        QTest::newRow("a standard without an edge")
+            << L{load, "calib_load_std " + file("flat.dat"), "calib_exec"} << "no rising edge";
+        QTest::newRow("a region beside the image")
+            << L{load, "select_region 8 0 9 9"} << "no part of the region lies inside";
+        QTest::newRow("no map, no frames")
+            << L{"calib_save_map " + file("none.emp")} << "cannot be written";
+        QTest::newRow("no result")
+            << L{"save_data_as_tiff " + file("none.tif")} << "no result image is selected";
+    }
+
+    void linesThatDoNoWork() {
+        QFETCH(QStringList, lines);
+        QFETCH(QString, problem);
+        QFile flat(file("flat.dat"));
+        QVERIFY(flat.open(QIODevice::WriteOnly));
+        flat.write("7000 1\n7100 1\n7200 1\n");
+        flat.close();
+        Body body;
+        BatchRun batch(body);
+        QVERIFY(batch.run(lines));
+        QCOMPARE(batch.done(), lines.size());
+        QCOMPARE(batch.problems().size(), 1);
+        QVERIFY2(batch.problems().first().startsWith(lines.last()) &&
+                     batch.problems().first().contains(problem),
+                 qPrintable(batch.problems().first()));
+    }
+
+    /// A map may come before the images that it belongs to, and a region, too.
+    void aMapAndARegionMayComeFirst() {
+        QVERIFY(m_batch->run({"calib_save_map " + file("first.emp")}));
+        Body body;
+        BatchRun batch(body);
+        auto* dispA = in<ImageView>(&body, "dispA");
+        QVERIFY(batch.run({"select_region 2 2 4 4", "calib_load_map " + file("first.emp"),
+                           "select_disp_image 2", "save_image " + file("first.png")}));
+        QCOMPARE(batch.problems(), QStringList());
+        QCOMPARE(body.imageWidth(), Size);
+        QCOMPARE(dispA->visibleRect(), QRectF(0, 0, Size, Size));
+        QVERIFY(batch.run({"load_I1_files NEW " + m_phantom->file("i1-7000_000eV.tif")}));
+        QCOMPARE(dispA->selection(), QRectF(2, 2, 2, 2));
+    }
+
     /// To the letter, ends of lines included.
     void theLog() {
         QString log;

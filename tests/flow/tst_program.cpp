@@ -156,9 +156,10 @@ class TestProgram : public QObject {
     void interrupted() {
         QFETCH(QString, line);
         QProcess process;
-        start(&process, m_phantom->loadAndSetReferences() +
-                            QStringList{"analyzer_exec_LCF", "analyzer_select_image 0",
-                                        ":for i %i 1 1000000", line, ":next i"});
+        start(&process,
+              m_phantom->loadAndSetReferences() +
+                  QStringList{"calib_load_std " + m_phantom->file("a.dat"), "analyzer_exec_LCF",
+                              "analyzer_select_image 0", ":for i %i 1 1000000", line, ":next i"});
         QByteArray out;
         while (out.count("next i") < 3) {
             QVERIFY2(process.waitForReadyRead(60000), out.constData());
