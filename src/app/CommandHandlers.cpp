@@ -64,8 +64,13 @@ CommandHandlers::Answer CommandHandlers::load(const CmdLine& cmd, bool i1,
 
 CommandHandlers::Answer CommandHandlers::execLcf(const CmdLine& cmd) {
     m_body.m_pacing.wait(cmd, BatchPacing::Work::Lcf);
+    const auto& references = m_body.m_analyzer->references();
+    const auto takesPart = [](const LCFReference* r) { return r->isUsed() && r->hasSpectrum(); };
+    const bool any = std::any_of(references.begin(), references.end(), takesPart);
     const QString why = m_body.startLcf();
-    if (!why.isEmpty()) {
+    if (why.isEmpty() && !any) {
+        m_body.note(QStringLiteral("no reference is in use"));  // the maps stay empty
+    } else if (!why.isEmpty()) {
         m_body.answerWaiting(BatchPacing::Work::Lcf, {why});
     }
     return Answer::WhenDone;

@@ -200,6 +200,14 @@ class TestCommands : public QObject {
             << L{load, "calib_load_std " + file("flat.dat"), "calib_exec"} << "no rising edge";
         QTest::newRow("a region beside the image")
             << L{load, "select_region 8 0 9 9"} << "no part of the region lies inside";
+        const QString unused = " 0 0 " + m_phantom->file("a.dat");
+        QTest::newRow("no reference in use") << L{load,
+                                                  "set_band_w 0",
+                                                  "set_band_h 0",
+                                                  "analyzer_set_LCF_std 0" + unused,
+                                                  "analyzer_set_LCF_std 1" + unused,
+                                                  "analyzer_exec_LCF"}
+                                             << "no reference is in use";
         QTest::newRow("no map, no frames")
             << L{"calib_save_map " + file("none.emp")} << "cannot be written";
         QTest::newRow("no result")
