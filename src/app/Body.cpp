@@ -4,6 +4,7 @@
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QIntValidator>
+#include <QLabel>
 #include <QPainter>
 #include <QProgressBar>
 #include <QVBoxLayout>
@@ -187,6 +188,9 @@ void Body::connectImageControls() {
     }
     m_ui->dispA->setBinBox(halfWidth(), halfHeight());
 
+    m_state = new QLabel(this);
+    m_state->setObjectName(QStringLiteral("State"));
+    m_ui->statusbar->addWidget(m_state, 1);
     m_progressBar = new QProgressBar(this);
     m_progressBar->setMaximumWidth(240);
     m_progressBar->hide();

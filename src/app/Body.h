@@ -30,6 +30,7 @@ class LoadTiff;
 class QAction;
 class QButtonGroup;
 class QFileDialog;
+class QLabel;
 class QPainter;
 class QProgressBar;
 class SaveDataCfg;
@@ -221,6 +222,7 @@ class Body : public QMainWindow {
     QButtonGroup* m_showGroup = nullptr;
     CrossSection* m_hCross = nullptr;
     CrossSection* m_vCross = nullptr;
+    QLabel* m_state = nullptr;  // of the status bar; notices cover it for a while
     QProgressBar* m_progressBar = nullptr;
     QFileDialog* m_imageDialog = nullptr;
     QFileDialog* m_allImagesDialog = nullptr;

@@ -2,9 +2,9 @@
 
 #include <QAbstractButton>
 #include <QButtonGroup>
+#include <QLabel>
 #include <QPainter>
 #include <QProgressBar>
-#include <QStatusBar>
 #include <cmath>
 
 #include "analysis/Analyzed2DRes.h"
@@ -111,7 +111,7 @@ void Body::updateStatus() {
         text += QStringLiteral("   ") + tr("%n file(s) to read", nullptr, left);
     }
     const QString dark = darkState();
-    m_ui->statusbar->showMessage(dark.isEmpty() ? text : text + QStringLiteral("   ") + dark);
+    m_state->setText(dark.isEmpty() ? text : text + QStringLiteral("   ") + dark);
 
     Analyzed2DRes* target = deglitchTarget();
     m_ui->ShowProcImg->setEnabled(target != nullptr && target->hasData());

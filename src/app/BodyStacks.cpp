@@ -1,5 +1,6 @@
 // The two stacks of the main window: loading, clearing, and the frame on display.
 
+#include <QFileInfo>
 #include <QSlider>
 
 #include "app/Body.h"
@@ -131,9 +132,14 @@ void Body::loadNext(Stack& stack) {
     }
     if (!stack.loader.isLoading()) {
         stack.panel->setLoading(false);
+        const QStringList unread = stack.loader.takeFailures();
         QStringList problems;
-        for (const QString& file : stack.loader.takeFailures()) {
+        for (const QString& file : unread) {
             problems << QStringLiteral("cannot be read: ") + file;
+        }
+        if (!unread.isEmpty()) {
+            note(tr("%n file(s) could not be read: %1", nullptr, unread.size())
+                     .arg(QFileInfo(unread.first()).fileName()));
         }
         answerWaiting(stack.work(), problems);
     }

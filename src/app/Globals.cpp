@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include <cmath>
-
 QString DataDir;
 QList<QColor> Colors;
 std::array<unsigned char, 256> GreyTable;

@@ -522,6 +522,12 @@
         <translation>結果画像</translation>
     </message>
     <message numerus="yes">
+        <source>%n file(s) could not be read: %1</source>
+        <translation>
+            <numerusform>読めないファイル %n 件: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>%n file(s) to read</source>
         <translation>
             <numerusform>残り %n ファイル</numerusform>

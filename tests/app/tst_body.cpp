@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QSlider>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <cmath>
 
@@ -112,6 +113,20 @@ class TestBody : public QObject {
         const double counts = child<QLineEdit>(*m_body, "Value")->text().toDouble();
         QVERIFY(std::abs(counts - 60000 * std::exp(-mu)) < 1.0);
         QCOMPARE(m_body->imageWidth(), 12);
+    }
+
+    /// What went wrong stays readable although the window shows other things meanwhile.
+    void noticesAreKept() {
+        m_body->readI1Files({m_phantom->file("a.dat"), m_phantom->file("missing.tif"),
+                             m_phantom->file("i1-7000_000eV.tif")},
+                            true);
+        QTRY_COMPARE(m_body->statusBar()->currentMessage(),
+                     QString("2 file(s) could not be read: a.dat"));
+        QCOMPARE(panelCount("SelectI1Files"), QString("1"));
+        QTemporaryDir dir;
+        m_body->loadEMap(dir.filePath("none.emp"));
+        QVERIFY(m_body->statusBar()->currentMessage().contains("none.emp"));
+        QVERIFY(child<QLabel>(*m_body, "State")->text().contains("7000.00 eV"));
     }
 
     /// The mouse over the image while an analysis runs must not be recorded as one of its points.

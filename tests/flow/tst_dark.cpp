@@ -1,9 +1,9 @@
 #include <QAction>
 #include <QApplication>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QStatusBar>
 #include <memory>
 #include <vector>
 
@@ -119,7 +119,7 @@ class TestDark : public QObject {
 
   private:
     QPushButton* button() { return m_body->findChild<QPushButton*>("SelectDark"); }
-    QString state() { return m_body->statusBar()->currentMessage(); }
+    QString state() { return m_body->findChild<QLabel*>("State")->text(); }
     void choose(const QStringList& files) {
         emit m_body->findChild<QFileDialog*>("DarkDialog")->filesSelected(files);
     }
