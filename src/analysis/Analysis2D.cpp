@@ -16,9 +16,7 @@
 namespace {
 
 void prepare(Analyzed2DRes* result, const AnalysisGrid& grid, int no) {
-    result->selectProcImg(false);
-    result->setGrid(grid);
-    result->clear();
+    result->startOver(grid);
     result->setNo(no);
 }
 

@@ -81,6 +81,12 @@ void Analyzed2DRes::clear() {
     m_proc.assign(sizeOf(m_grid), 0.0);
 }
 
+void Analyzed2DRes::startOver(const AnalysisGrid& grid) {
+    m_showProc = false;
+    setGrid(grid);
+    clear();
+}
+
 void Analyzed2DRes::setNo(int no) {
     m_no = no;
 }

@@ -20,6 +20,9 @@ class Analyzed2DRes : public QObject {
 
     /// Geometry for the next clear(), which allocates the arrays.
     void setGrid(const AnalysisGrid& grid) { m_grid = grid; }
+    /// An image of zeros for a new run over a grid; the processed values of the old run, now gone,
+    /// are not what it shows.
+    void startOver(const AnalysisGrid& grid);
     const AnalysisGrid& grid() const { return m_grid; }
 
     /// Whether the picture is up to date with a filled image; false from clear() to genImg().

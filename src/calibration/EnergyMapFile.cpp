@@ -217,8 +217,7 @@ bool readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize, Anal
     }
 
     debugTimed(QStringLiteral("Start Reading EMP file "));
-    map->setGrid(gridOf(header));
-    map->clear();
+    map->startOver(gridOf(header));
     const double edge = edgeEnergy > 0.0 ? edgeEnergy : header.stdEdgeEnergy;
     const bool complete = readShifts(stream, edge, header.spacing, map);
     map->updateExtremes();

@@ -33,8 +33,7 @@ void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid,
         return;
     }
     debugTimed(QStringLiteral("Start Calibration"));
-    map->setGrid(grid);
-    map->clear();
+    map->startOver(grid);
 
     AnalysisGrid at = grid;
     at.start();
@@ -59,8 +58,7 @@ void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid,
 }
 
 void clearShiftMap(Analyzed2DRes* map) {
-    map->setGrid(AnalysisGrid());
-    map->clear();
+    map->startOver(AnalysisGrid());
 }
 
 void smoothShiftMap(Analyzed2DRes* map) {
