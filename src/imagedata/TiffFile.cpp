@@ -1,8 +1,11 @@
 #include "imagedata/TiffFile.h"
 
+#include <sys/stat.h>
 #include <tiffio.h>
+#include <unistd.h>
 
 #include <QFile>
+#include <QFileInfo>
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -22,14 +25,26 @@ using TiffHandle = std::unique_ptr<TIFF, CloseTiff>;
 /// Pixels that the narrowest row counts as against TiffData::maxPixels.
 constexpr quint64 SmallestRow = 32;
 
-/// Names are handed over as Latin-1; one that Latin-1 cannot hold, in the system's own encoding.
-QByteArray pathOf(const QString& name) {
+/// The names under which a file is tried: as Latin-1 where that can hold it, then in the system's
+/// own encoding, which reaches what the first does not (a folder named in UTF-8).
+std::vector<QByteArray> pathsOf(const QString& name) {
     const QByteArray latin = name.toLatin1();
-    return QString::fromLatin1(latin) == name ? latin : QFile::encodeName(name);
+    const QByteArray local = QFile::encodeName(name);
+    if (latin == local || QString::fromLatin1(latin) != name) {
+        return {local};
+    }
+    return {latin, local};
 }
 
 TiffHandle openTiff(const QString& name, const char* mode) {
-    return TiffHandle(TIFFOpen(pathOf(name).constData(), mode));
+    TiffHandle tiff;
+    for (const QByteArray& path : pathsOf(name)) {
+        tiff.reset(TIFFOpen(path.constData(), mode));
+        if (tiff) {
+            break;
+        }
+    }
+    return tiff;
 }
 
 bool setTags(TIFF* tiff, quint32 width, int height) {
@@ -72,28 +87,48 @@ bool writeStrips(TIFF* tiff, int height, const quint16* data, quint64 dataCount)
     return TIFFFlush(tiff) == 1;  // a full disk shows at the latest here
 }
 
-/// Puts the finished file in the place of the old one.
-bool replace(const QString& part, const QString& name) {
+/// What a link points to, also when that is not there yet; other names as they are.
+QString behindLinks(const QString& name) {
+    const QFileInfo info(name);
+    if (!info.isSymLink()) {
+        return name;
+    }
+    const QString file = info.canonicalFilePath();
+    return file.isEmpty() ? info.symLinkTarget() : file;
+}
+
+/// Puts the finished file in the place of the old one, with the permissions of that.
+bool replace(const QByteArray& part, const QByteArray& path) {
+    struct stat old;
+    if (::stat(path.constData(), &old) == 0) {
+        const bool ours = S_ISREG(old.st_mode) && ::access(path.constData(), W_OK) == 0;
+        if (!ours || ::chmod(part.constData(), old.st_mode & 07777) != 0) {
+            return false;
+        }
+    }
     // Over an existing file in one step, which QFile::rename would refuse.
-    return std::rename(pathOf(part).constData(), pathOf(name).constData()) == 0;
+    return std::rename(part.constData(), path.constData()) == 0;
 }
 
 /// Writes beside the file and then takes its place, so that a failure leaves the old one whole.
 bool writeFile(const QString& name, quint32 width, int height, const quint16* data,
                quint64 dataCount) {
-    const QString part = name + QStringLiteral(".part");
-    TiffHandle tiff = openTiff(part, "w");
-    if (!tiff) {
+    for (const QByteArray& path : pathsOf(behindLinks(name))) {
+        const QByteArray part = path + ".part";
+        TiffHandle tiff(TIFFOpen(part.constData(), "w"));
+        if (!tiff) {
+            continue;
+        }
+        const bool written =
+            setTags(tiff.get(), width, height) && writeStrips(tiff.get(), height, data, dataCount);
+        tiff.reset();
+        const bool withoutPixels = width == 0 || height <= 0;
+        if ((written || withoutPixels) && replace(part, path)) {
+            return written;
+        }
+        std::remove(part.constData());
         return false;
     }
-    const bool written =
-        setTags(tiff.get(), width, height) && writeStrips(tiff.get(), height, data, dataCount);
-    tiff.reset();
-    const bool withoutPixels = width == 0 || height <= 0;
-    if ((written || withoutPixels) && replace(part, name)) {
-        return written;
-    }
-    std::remove(pathOf(part).constData());
     return false;
 }
 

@@ -1,5 +1,6 @@
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QThread>
@@ -48,15 +49,18 @@ class TestTiffFile : public QObject {
         QTest::addColumn<QString>("name");
         QTest::newRow("plain") << "a.tif";
         QTest::newRow("beyond Latin-1") << QString::fromUtf8("鉄-7112eV.tif");
+        QTest::newRow("in a folder within Latin-1") << QString::fromUtf8("é/é-7112eV.tif");
     }
     void whatIsWrittenIsRead() {
         QFETCH(QString, name);
         QTemporaryDir dir;
         const auto data = counting(30 * 10);
+        const QDir folder = QFileInfo(dir.filePath(name)).dir();
+        QVERIFY(folder.mkpath("."));
         for (int again = 0; again < 2; ++again) {  // also over an old file
             QVERIFY(writeTiff(dir.filePath(name), 30, 10, data.data()));
         }
-        QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 1);
+        QCOMPARE(folder.entryList(QDir::Files).size(), 1);
         TiffData frame;
         for (int again = 0; again < 2; ++again) {  // also into a frame used before
             QVERIFY(frame.load(dir.filePath(name)));
@@ -108,6 +112,28 @@ class TestTiffFile : public QObject {
         TiffData frame;
         QVERIFY(!frame.load(dir.filePath("a")) || frame.rows.empty());
     }
+
+#ifdef Q_OS_UNIX
+    /// A link stays a link, and who may read the file stays the same.
+    void oldFilesAreReplacedInTheirPlace() {
+        QTemporaryDir dir;
+        const QString file = dir.filePath("a.tif");
+        const auto permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup;
+        TiffData frame;
+        QVERIFY(QFile::link("a.tif", dir.filePath("link")));  // first to a file that is to come
+        for (const quint16 value : {quint16(1), quint16(2)}) {
+            QVERIFY(writeConstTiff(dir.filePath("link"), 4, 4, value));
+            QVERIFY(QFileInfo(dir.filePath("link")).isSymLink());
+            QVERIFY(frame.load(file));
+            QCOMPARE(frame.max, quint32(value));
+            QVERIFY(QFile::setPermissions(file, permissions));
+        }
+        constexpr int Owners = 0x6000 | 0x0070 | 0x0007;  // the user's own come and go
+        QCOMPARE(int(QFile::permissions(file)) & Owners, int(permissions) & Owners);
+        QVERIFY(QFile::copy(file, dir.filePath(QString::fromUtf8("é.tif"))));
+        QVERIFY(frame.load(dir.filePath(QString::fromUtf8("é.tif"))));
+    }
+#endif
 
     void failedWritesLeaveTheOldFile() {
         QTemporaryDir dir;
