@@ -85,61 +85,6 @@ class TestWholeFlow : public QObject {
         QVERIFY(worst < 2e-4);
     }
 
-    /// One shift of 2 eV goes through the standard, the map and the correction, another of 1.5 eV
-    /// through a reference's file and its offset. Each must be applied exactly once: left out, or
-    /// applied twice, it would spoil the fractions (by about 1) and the energies of the spectrum.
-    void everyShiftIsAppliedOnce() {
-        constexpr double Shift = 2.0;
-        constexpr double Offset = 1.5;
-        Phantom::Options options;
-        options.energies = 301;  // 1 eV: the edge is then straight enough between points
-        options.i0Energies = 11;
-        options.energyShift = [](int, int) { return Shift; };
-        options.fractionOfA = [](int, int) { return 1.0; };
-        const Phantom foil(options);
-        options.fractionOfA = fractionOfA;
-        const Phantom sample(options);
-        QVERIFY(foil.isValid() && sample.isValid());
-        for (const char* name : {"a", "b"}) {
-            QFile in(sample.file(QString(name) + ".dat"));
-            QFile out(sample.file(QString(name) + "-displaced.dat"));
-            QVERIFY(in.open(QIODevice::ReadOnly) && out.open(QIODevice::WriteOnly));
-            for (const QByteArray& line : in.readAll().split('\n')) {
-                const QList<QByteArray> items = line.split(' ');
-                if (items.size() == 2 && !line.startsWith('#')) {
-                    out.write(QByteArray::number(items[0].toDouble() + Offset, 'g', 12) + ' ' +
-                              items[1] + '\n');
-                }
-            }
-        }
-        Body body;
-        BatchRun batch(body);
-        const QString offset = QString::number(Offset);
-        QVERIFY(batch.run(
-            foil.loadAndSetReferences().mid(0, 4) +
-            QStringList{"calib_load_std " + foil.file("a.dat"), "calib_exec"} +
-            sample.loadAndSetReferences().mid(0, 2) +
-            QStringList{
-                "analyzer_set_LCF_std 0 1 " + offset + ' ' + sample.file("a-displaced.dat") + " 0",
-                "analyzer_set_LCF_std 1 1 " + offset + ' ' + sample.file("b-displaced.dat") + " 0",
-                "analyzer_exec_LCF", "analyzer_select_image_type 1", "analyzer_select_image 0",
-                "saveDataCfg_save_as_text", "saveDataCfg_text_as_ssv", "saveDataCfg_text_as_vals",
-                "save_data_as_tiff " + sample.file("a.txt"), "move_position 5 4",
-                "save_spectra " + sample.file("s.dat")}));
-        QCOMPARE(batch.problems(), QStringList());
-        const auto rows = readRows(sample.file("a.txt"));
-        QCOMPARE(rows.size(), 8);
-        for (int y = 0; y < 8; ++y) {
-            for (int x = 0; x < 12; ++x) {
-                QVERIFY(std::abs(rows[y][x] - fractionOfA(x, y)) < 0.02);
-            }
-        }
-        QFile spectrum(sample.file("s.dat"));
-        QVERIFY(spectrum.open(QIODevice::ReadOnly));
-        const QByteArray first = spectrum.readAll().split('\n').value(2).split('\t').first();
-        QVERIFY(std::abs(first.toDouble() - (7000.0 - Shift)) < 0.1);
-    }
-
     /// Every command that saves, and the pictures and frames that come of it.
     void resultsAreSaved() {
         Body body;
