@@ -1,0 +1,118 @@
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <csignal>
+#include <memory>
+
+#include "Phantom.h"
+#include "TestMain.h"
+
+/// tarnwick as a user starts it: its command line, and its end at any moment.
+class TestWindow : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<Phantom> m_phantom;
+
+    /// Not in Latin letters, where the locale has others.
+    static QString batchName() {
+        const QString name = QString::fromUtf8("鉄.bat");
+        return QFile::decodeName(QFile::encodeName(name)) == name ? name : QString("fe.bat");
+    }
+
+    void write(const QString& name, const QStringList& lines) {
+        QFile file(m_dir.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(lines.join('\n').toUtf8());
+    }
+
+    void start(QProcess* process, const QStringList& arguments) {
+        process->setProcessChannelMode(QProcess::MergedChannels);
+        process->setWorkingDirectory(m_dir.path());
+        process->start(TARNWICK, arguments);
+        QVERIFY(process->waitForStarted());
+    }
+
+    /// Whether the text comes; what has come is in m_output.
+    bool comes(QProcess* process, const QByteArray& text) {
+        m_output = process->readAll();
+        while (!m_output.contains(text) && process->waitForReadyRead(60000)) {
+            m_output += process->readAll();
+        }
+        return m_output.contains(text);
+    }
+
+    void end(QProcess* process, int number) {
+        ::kill(static_cast<pid_t>(process->processId()), number);
+        QVERIFY(process->waitForFinished(60000));
+        m_output += process->readAll();
+        QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process->exitCode(), 0);
+        QVERIFY2(!m_output.contains("QThread"), m_output.constData());
+        QVERIFY2(!m_output.contains("QObject::connect"), m_output.constData());
+    }
+
+  private slots:
+    void initTestCase() {
+        // A script in the background starts its programs with Ctrl-C ignored; not this one.
+        std::signal(SIGINT, SIG_DFL);
+        Phantom::Options options;
+        options.fractionOfA = [](int x, int) { return x / 11.0; };
+        m_phantom = std::make_unique<Phantom>(options);
+        QVERIFY(m_phantom->isValid() && m_dir.isValid());
+        write(batchName(), {":echo \"the batch runs\""});
+        write("-b", {":echo \"named like an option\""});
+    }
+
+    void commandLine_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QByteArray>("says");
+        const QString name = batchName();
+        const QByteArray runs = "echo the batch runs";
+        QTest::newRow("batch") << QStringList{"-b", name, "-x"} << runs;
+        QTest::newRow("English, unknown words")
+            << QStringList{"-b", name, "-x", "-e", "-dbg", "--what"} << runs;
+        QTest::newRow("the toolkit's own words come first")
+            << QStringList{"-platform", "offscreen", "-b", name, "-x"} << runs;
+        QTest::newRow("the name is always the second argument")
+            << QStringList{"-x", "-b", name} << QByteArray("echo named like an option");
+    }
+
+    void commandLine() {
+        QFETCH(QStringList, arguments);
+        QFETCH(QByteArray, says);
+        QProcess process;
+        start(&process, arguments);
+        QVERIFY2(comes(&process, says), m_output.constData());
+        end(&process, SIGTERM);
+    }
+
+    void endsAtAnyMoment_data() {
+        QTest::addColumn<QByteArray>("moment");
+        QTest::addColumn<int>("number");
+        QTest::newRow("loading") << QByteArray("energy from file name") << SIGTERM;
+        QTest::newRow("fitting") << QByteArray("2da 2:") << SIGTERM;
+        QTest::newRow("fitting, Ctrl-C") << QByteArray("2da 2:") << SIGINT;
+        QTest::newRow("between two fits") << QByteArray("2da 3:") << SIGHUP;
+    }
+
+    void endsAtAnyMoment() {
+        QFETCH(QByteArray, moment);
+        QFETCH(int, number);
+        QStringList lines = m_phantom->loadAndSetReferences();
+        lines << ":for i %i 1 100000"
+              << "analyzer_exec_LCF"
+              << ":next i";
+        write("run.bat", lines);
+        QProcess process;
+        start(&process, {"-b", "run.bat", "-x"});
+        QVERIFY2(comes(&process, moment), m_output.constData());
+        end(&process, number);
+    }
+
+  private:
+    QByteArray m_output;
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestWindow)
+#include "tst_window.moc"
