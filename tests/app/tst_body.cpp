@@ -167,26 +167,6 @@ class TestBody : public QObject {
         QVERIFY(std::abs(child<QLineEdit>(*a, "T")->text().toDouble() - 0.8) < 1e-3);
     }
 
-    /// Stopping, starting again and clearing in the middle of a run.
-    void anAnalysisCanBeStoppedAndStartedAgain() {
-        BatchRun batch(*m_body);
-        QVERIFY(batch.run(m_phantom->loadAndSetReferences()));
-        Analyzer* analyzer = analyzerWindow();
-        m_body->startLCF2DAnalysis();
-        QVERIFY(analyzer->isBusy());
-        m_body->startLCF2DAnalysis();
-        QVERIFY(!analyzer->isBusy());
-        m_body->startLCF2DAnalysis();
-        QTRY_VERIFY(!analyzer->isBusy());
-        Analyzed2DRes* ratio = analyzer->references().at(0)->result(LCFReference::Ratio);
-        QVERIFY(std::abs(ratio->valueAt(11, 7) - 1.0) < 2e-4);
-        QVERIFY(std::abs(ratio->valueAt(0, 0)) < 2e-4);
-        m_body->startLCF2DAnalysis();
-        m_body->clearI1Files();
-        QVERIFY(!analyzer->isBusy());
-        QCOMPARE(m_body->imageWidth(), -1);
-    }
-
     void clearingEmptiesListAndStack() {
         load();
         auto* panel = child<QWidget>(*m_body, "SelectI1Files");

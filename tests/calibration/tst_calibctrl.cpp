@@ -55,29 +55,12 @@ class TestCalibCtrl : public QObject {
     void starts() {
         const CalibCtrl panel;
         QVERIFY(control<QRadioButton>(panel, "StdBGSimple")->isChecked());
-        QVERIFY(control<QRadioButton>(panel, "TargetBGSimple")->isChecked());
         QVERIFY(!panel.targetIsVictreen());
         QVERIFY(!panel.standard());
-        QCOMPARE(panel.standardFileName(), QString());
         QCOMPARE(panel.spacing(), 3.1355316);
         QCOMPARE(edgeText(panel), QString());
-        QCOMPARE(panel.edgeEnergy(), 0.0);
-    }
-
-    void crystals() {
-        const CalibCtrl panel;
-        auto* crystals = control<QComboBox>(panel, "SelCrystal");
-        QStringList table;
-        QSignalSpy changed(&panel, &CalibCtrl::spacingChanged);
-        for (int i = crystals->count() - 1; i >= 0; --i) {
-            crystals->setCurrentIndex(i);
-            table.prepend(crystals->currentText() + QString::number(panel.spacing(), 'g', 9));
-        }
-        QCOMPARE(table, (QStringList{
-                            QStringLiteral("Si(111)3.1355316"), QStringLiteral("Si(311)1.637478"),
-                            QStringLiteral("Si(333)1.0451772"), QStringLiteral("Ge(111)3.2663822"),
-                            QStringLiteral("Ge(333)1.0887941")}));
-        QCOMPARE(changed.last().value(0).toDouble(), 3.1355316);
+        control<QComboBox>(panel, "SelCrystal")->setCurrentIndex(4);
+        QCOMPARE(panel.spacing(), 1.0887941);
     }
 
     void aStandardLoads() {
@@ -92,16 +75,13 @@ class TestCalibCtrl : public QObject {
         QCOMPARE(panel.standardFileName(), m_foil);
         panel.loadStd(m_falling);  // no rising edge
         QCOMPARE(loaded.count(), 2);
-        QCOMPARE(edgeText(panel), QStringLiteral("0"));
+        QCOMPARE(edgeText(panel), "0");
     }
 
     void edgeEnergies() {
         CalibCtrl panel;
-        const QVector<QPair<QString, double>> texts = {{QStringLiteral("7112.5"), 7112.5},
-                                                       {QStringLiteral("Fe K"), 0.0},
-                                                       {QStringLiteral("nan"), 0.0},
-                                                       {QStringLiteral("inf"), 0.0},
-                                                       {QString(), 0.0}};
+        const QVector<QPair<QString, double>> texts = {
+            {"7112.5", 7112.5}, {"Fe K", 0.0}, {"nan", 0.0}, {"inf", 0.0}, {QString(), 0.0}};
         for (const auto& text : texts) {
             panel.setEdgeEV(text.first);
             QCOMPARE(edgeText(panel), text.first);
@@ -114,7 +94,7 @@ class TestCalibCtrl : public QObject {
         panel.loadStd(m_foil);
         const QString edge = edgeText(panel);
         QSignalSpy loaded(&panel, &CalibCtrl::newStdFileLoaded);
-        panel.loadStd(m_dir.filePath(QStringLiteral("none.dat")));
+        panel.loadStd(m_dir.filePath("none.dat"));
         QCOMPARE(loaded.count(), 0);
         QVERIFY(panel.standard() && panel.standard()->isEmpty());
         QCOMPARE(panel.standardFileName(), QString());
@@ -130,11 +110,11 @@ class TestCalibCtrl : public QObject {
         QCOMPARE(changed.count(), 0);
         panel.loadStd(m_foil);
         QCOMPARE(panel.standard()->backgroundType(), int(XafsSpectrum::Victreen));
-        panel.setEdgeEV(QStringLiteral("7000"));
+        panel.setEdgeEV("7000");
         control<QRadioButton>(panel, "StdBGSimple")->click();
         QCOMPARE(panel.standard()->backgroundType(), int(XafsSpectrum::Simple));
         QVERIFY(changed.count() > 0);
-        QCOMPARE(edgeText(panel), QStringLiteral("7000"));  // only a new file sets it
+        QCOMPARE(edgeText(panel), "7000");  // only a new file sets it
         QVERIFY(!panel.targetIsVictreen());
         QSignalSpy target(&panel, &CalibCtrl::targetBackgroundChanged);
         control<QRadioButton>(panel, "TargetBGVictreen")->click();
@@ -145,21 +125,13 @@ class TestCalibCtrl : public QObject {
 
     void buttonsAskForTheirWork() {
         CalibCtrl panel;
-        QSignalSpy exec(&panel, &CalibCtrl::execCalibration);
-        QSignalSpy clear(&panel, &CalibCtrl::clearMap);
-        QSignalSpy load(&panel, &CalibCtrl::loadEMap);
-        control<QPushButton>(panel, "ExecCalib")->click();
-        control<QPushButton>(panel, "ClearMap")->click();
-        panel.loadEShiftMap(QStringLiteral("map.emp"));
-        QCOMPARE(exec.count(), 1);
-        QCOMPARE(clear.count(), 1);
-        QCOMPARE(load.count(), 1);
-        QCOMPARE(load.at(0).at(0).toString(), QStringLiteral("map.emp"));
-    }
-
-    void mapDialogs() {
-        CalibCtrl panel;
         panel.show();
+        QSignalSpy exec(&panel, &CalibCtrl::execCalibration);
+        control<QPushButton>(panel, "ExecCalib")->click();
+        QCOMPARE(exec.count(), 1);
+        QSignalSpy clear(&panel, &CalibCtrl::clearMap);
+        control<QPushButton>(panel, "ClearMap")->click();
+        QCOMPARE(clear.count(), 1);
         QSignalSpy load(&panel, &CalibCtrl::loadEMap);
         QSignalSpy save(&panel, &CalibCtrl::saveEMap);
         auto* saving = control<QFileDialog>(panel, "SaveMapDialog");
@@ -170,17 +142,17 @@ class TestCalibCtrl : public QObject {
         QVERIFY(loading->isVisible() && !loading->isModal());
         QVERIFY(saving->nameFilters().value(0).contains(QLatin1String("(*.emp)")));
         QCOMPARE(saving->nameFilters().size(), 2);
-        QCOMPARE(saving->defaultSuffix(), QStringLiteral("emp"));
+        QCOMPARE(saving->defaultSuffix(), "emp");
         saving->reject();
         loading->reject();
         QCOMPARE(save.count() + load.count(), 0);
-        emit loading->fileSelected(QStringLiteral("/d/map.txt"));
-        QCOMPARE(load.at(0).at(0).toString(), QStringLiteral("/d/map.txt"));
+        emit loading->fileSelected("/d/map.txt");
+        QCOMPARE(load.at(0).at(0).toString(), "/d/map.txt");
         const QVector<QPair<QString, QString>> names = {
-            {QStringLiteral("/d/map.emp"), QStringLiteral("/d/map.emp")},
-            {QStringLiteral("/d/map.txt"), QStringLiteral("/d/map.emp")},
-            {QStringLiteral("/d/a.b.txt"), QStringLiteral("/d/a.b.emp")},
-            {QStringLiteral("/d.x/map"), QStringLiteral("/d.x/map.emp")},
+            {"/d/map.emp", "/d/map.emp"},
+            {"/d/map.txt", "/d/map.emp"},
+            {"/d/a.b.txt", "/d/a.b.emp"},
+            {"/d.x/map", "/d.x/map.emp"},
         };
         for (const auto& name : names) {
             emit saving->fileSelected(name.first);
@@ -202,8 +174,8 @@ class TestCalibCtrl : public QObject {
         panel.loadStd(m_foil);
         QVERIFY(exec->toolTip() != execWithout);
         QVERIFY(save->toolTip() != saveWithout);
-        QCOMPARE(control<QLabel>(panel, "StdName")->text(), QStringLiteral("foil.dat"));
-        panel.loadStd(m_dir.filePath(QStringLiteral("none.dat")));
+        QCOMPARE(control<QLabel>(panel, "StdName")->text(), "foil.dat");
+        panel.loadStd(m_dir.filePath("none.dat"));
         QCOMPARE(exec->toolTip(), execWithout);
         QCOMPARE(save->toolTip(), saveWithout);
     }

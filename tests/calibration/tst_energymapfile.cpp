@@ -30,19 +30,19 @@ double shiftOf(double value, double edge, double d) {
 
 // The lines of a map file one by one, so that a test can leave one out or spoil it.
 QStringList goodHeader(int size) {
-    return {QStringLiteral("###Tarnwick::TWEM"),
-            QStringLiteral("Record Date             : 26/11/21 05:00:00.000"),
-            QStringLiteral("Std Edge Energy [eV]    : 7112.5"),
-            QStringLiteral("Spacing [nm]            : 3.13553"),
+    return {"###Tarnwick::TWEM",
+            "Record Date             : 26/11/21 05:00:00.000",
+            "Std Edge Energy [eV]    : 7112.5",
+            "Spacing [nm]            : 3.13553",
             QStringLiteral("Width [pix]             : %1").arg(size),
-            QStringLiteral("Height [pix]            : 77"),
-            QStringLiteral("Bin Half Width [pix]    : 1"),
-            QStringLiteral("Bin Half Height [pix]   : 0"),
-            QStringLiteral("Area X0                 : 0"),
-            QStringLiteral("Area X1                 : 3"),
-            QStringLiteral("Area Y0                 : 1"),
-            QStringLiteral("Area Y1                 : 2"),
-            QStringLiteral("##-----------------")};
+            "Height [pix]            : 77",
+            "Bin Half Width [pix]    : 1",
+            "Bin Half Height [pix]   : 0",
+            "Area X0                 : 0",
+            "Area X1                 : 3",
+            "Area Y0                 : 1",
+            "Area Y1                 : 2",
+            "##-----------------"};
 }
 
 void fill(Analyzed2DRes* map, int width, int height) {
@@ -69,7 +69,7 @@ class TestEnergyMapFile : public QObject {
         if (!file.open(QIODevice::WriteOnly)) {
             qFatal("no temporary file");
         }
-        file.write((lines.join(QLatin1Char('\n')) + QLatin1Char('\n') + data).toUtf8());
+        file.write((lines.join(QLatin1Char('\n')) + '\n' + data).toUtf8());
         return file.fileName();
     }
 
@@ -81,9 +81,9 @@ class TestEnergyMapFile : public QObject {
   private slots:
     void headerToTheLetter() {
         QStringList lines = goodHeader(3);
-        lines.insert(4, QStringLiteral("Shift Map Width         : 0 99"));
-        lines << QStringLiteral("Width [pix]             : 5");  // data follows, no header any more
-        QString text = lines.join(QStringLiteral("\r\n"));
+        lines.insert(4, "Shift Map Width         : 0 99");
+        lines << "Width [pix]             : 5";  // data follows, no header any more
+        QString text = lines.join("\r\n");
         QTextStream stream(&text);
         const EMPHeader header = readEMapHeader(stream);
         QVERIFY(header.ok);
@@ -127,35 +127,34 @@ class TestEnergyMapFile : public QObject {
         QTextStream stream(&text);
         const DebugLines debug;
         QCOMPARE(readEMapHeader(stream).ok, ok);
-        QCOMPARE(debug.countOf(QStringLiteral("Not a emp file.")), !ok && line == 0 ? 1 : 0);
+        QCOMPARE(debug.countOf("Not a emp file."), !ok && line == 0 ? 1 : 0);
     }
 
     void damagedFilesLeaveTheMap_data() {
         QTest::addColumn<QStringList>("lines");
         QTest::addColumn<QString>("said");
-        const QString invalid = QStringLiteral("Invalid Energy Map Data File : ");
+        const QString invalid = "Invalid Energy Map Data File : ";
         const QString mismatch = QStringLiteral(
             "Loading Energy Map size : %1 x %1 : is not matched to the current image size : 3 x 3");
         const auto sized = [](const QString& width) {
             QStringList lines = goodHeader(3);
-            lines[4] = QStringLiteral("Width [pix]             : ") + width;
+            lines[4] = "Width [pix]             : " + width;
             return lines;
         };
         QTest::newRow("empty") << QStringList() << invalid;
-        QTest::newRow("foreign") << QStringList{QStringLiteral("II*"), QStringLiteral("xyz")}
-                                 << invalid;
+        QTest::newRow("foreign") << QStringList{"II*", "xyz"} << invalid;
         QTest::newRow("cut in the header") << QStringList(goodHeader(3).mid(0, 3)) << invalid;
-        QTest::newRow("negative") << sized(QStringLiteral("-3")) << invalid;
-        QTest::newRow("huge") << sized(QStringLiteral("2147483647")) << invalid;
-        QTest::newRow("just too large") << sized(QStringLiteral("16385")) << invalid;
+        QTest::newRow("negative") << sized("-3") << invalid;
+        QTest::newRow("huge") << sized("2147483647") << invalid;
+        QTest::newRow("just too large") << sized("16385") << invalid;
         QTest::newRow("larger than the image") << goodHeader(4) << mismatch.arg(4);
-        QTest::newRow("no number") << sized(QStringLiteral("3.0")) << mismatch.arg(0);
+        QTest::newRow("no number") << sized("3.0") << mismatch.arg(0);
     }
 
     void damagedFilesLeaveTheMap() {
         QFETCH(QStringList, lines);
         QFETCH(QString, said);
-        const QString name = written(lines, QStringLiteral("0 0 0 \n"));
+        const QString name = written(lines, "0 0 0 \n");
         Analyzed2DRes map;
         fill(&map, 3, 3);
         const double before = map.valueAt(2, 1);
@@ -173,16 +172,16 @@ class TestEnergyMapFile : public QObject {
         QSize imageSize(-1, -1);
         const DebugLines debug;
         QVERIFY(!readEMap(path("none.emp"), 0.0, &imageSize, &map));
-        QCOMPARE(debug.all(), QStringList(QStringLiteral("Can not open ") + path("none.emp")));
+        QCOMPARE(debug.all(), QStringList("Can not open " + path("none.emp")));
     }
 
     void onlySquareImagesTakeAMap() {
-        const QString name = written(goodHeader(3), QStringLiteral("0 0 0\n0 0 0\n"));
+        const QString name = written(goodHeader(3), "0 0 0\n0 0 0\n");
         Analyzed2DRes map;
         const DebugLines debug;
         QSize wide(3, 2);
         QVERIFY(!readEMap(name, 0.0, &wide, &map));
-        QCOMPARE(debug.countOf(QStringLiteral("Loading Energy Map size : 3 x 3")), 1);
+        QCOMPARE(debug.countOf("Loading Energy Map size : 3 x 3"), 1);
         // Without an image the map brings its size along.
         QSize none(-1, -1);
         readEMap(name, 0.0, &none, &map);
@@ -202,8 +201,7 @@ class TestEnergyMapFile : public QObject {
         QFETCH(double, panelEdge);
         QFETCH(double, usedEdge);
         // The rest of a row may stand anywhere, only blanks and line ends count.
-        const QString name =
-            written(goodHeader(3), QStringLiteral("0.001 -0.002 0 \n1e-3 x\n nan 0 0 0.005"));
+        const QString name = written(goodHeader(3), "0.001 -0.002 0 \n1e-3 x\n nan 0 0 0.005");
         Analyzed2DRes map;
         QSize imageSize(3, 3);
         QVERIFY(readEMap(name, panelEdge, &imageSize, &map));
@@ -238,7 +236,7 @@ class TestEnergyMapFile : public QObject {
         QSize imageSize(3, 3);
         const DebugLines debug;
         QCOMPARE(readEMap(written(goodHeader(3), data), 0.0, &imageSize, &map), missing == 0);
-        QCOMPARE(debug.countOf(QStringLiteral("run out!")), missing);
+        QCOMPARE(debug.countOf("run out!"), missing);
         if (missing > 0) {
             QVERIFY(std::abs(map.valueAt(2, 2)) < 1e-9);
         } else {
@@ -248,13 +246,12 @@ class TestEnergyMapFile : public QObject {
 
     void hostileAreasAreHarmless() {
         QStringList lines = goodHeader(3);
-        lines[6] = QStringLiteral("Bin Half Width [pix]    : -2147483648");
-        lines[8] = QStringLiteral("Area X0                 : -2147483648");
-        lines[9] = QStringLiteral("Area X1                 : 2147483647");
+        lines[6] = "Bin Half Width [pix]    : -2147483648";
+        lines[8] = "Area X0                 : -2147483648";
+        lines[9] = "Area X1                 : 2147483647";
         Analyzed2DRes map;
         QSize imageSize(3, 3);
-        QVERIFY(
-            readEMap(written(lines, QStringLiteral("1 1 1 1 1 1 1 1 1")), 0.0, &imageSize, &map));
+        QVERIFY(readEMap(written(lines, "1 1 1 1 1 1 1 1 1"), 0.0, &imageSize, &map));
         QVERIFY(map.grid().halfW >= 0 && map.grid().stepX >= 1);
         QVERIFY(map.grid().x0 >= 0 && map.grid().x1 <= 3);
         map.deglitch2(40.0);
@@ -270,38 +267,31 @@ class TestEnergyMapFile : public QObject {
         info.imageSize = QSize(3, 2);  // larger than the map
         info.edgeEnergy = 7112.537;
         info.spacing = 3.1355316;
-        info.standardFileName = QStringLiteral("標準 foil.dat");
+        info.standardFileName = "標準 foil.dat";
         const QString name = path("out.emp");
         QVERIFY(writeEMap(name, map, info));
 
         const QString text = QString::fromUtf8(content(name));
         QStringList lines = text.split(QLatin1Char('\n'));
-        QVERIFY(QRegularExpression(QStringLiteral("^Record Date             : "
-                                                  "\\d\\d/\\d\\d/\\d\\d "
-                                                  "\\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d$"))
+        QVERIFY(QRegularExpression("^Record Date             : "
+                                   "\\d\\d/\\d\\d/\\d\\d "
+                                   "\\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d$")
                     .match(lines.value(1))
                     .hasMatch());
         lines.removeAt(1);
         const double a0 = angleOf(7112.537, 3.1355316);
         const QString none = QString::number(-1.0 - a0);
         const QString some = QString::number(angleOf(7112.537 - 2.5, 3.1355316) - a0);
-        QCOMPARE(lines, (QStringList{QStringLiteral("###Tarnwick::TWEM"),
-                                     QStringLiteral("Std Edge Energy [eV]    : 7112.54"),
-                                     QStringLiteral("Spacing [nm]            : 3.13553"),
-                                     QStringLiteral("Width [pix]             : 3"),
-                                     QStringLiteral("Height [pix]            : 2"),
-                                     QStringLiteral("Bin Half Width [pix]    : 0"),
-                                     QStringLiteral("Bin Half Height [pix]   : 0"),
-                                     QStringLiteral("Area X0                 : 1"),
-                                     QStringLiteral("Area X1                 : 2"),
-                                     QStringLiteral("Area Y0                 : 0"),
-                                     QStringLiteral("Area Y1                 : 1"),
-                                     QStringLiteral("Std File Name           : 標準 foil.dat"),
-                                     QStringLiteral("Shift Map Height        : 1"),
-                                     QStringLiteral("Shift Map Width         : 0 2"),
-                                     QStringLiteral("##-----------------"),
-                                     none + QLatin1Char(' ') + some + QStringLiteral(" 0 "),
-                                     QStringLiteral("0 0 0 "), QString()}));
+        QCOMPARE(lines, (QStringList{"###Tarnwick::TWEM", "Std Edge Energy [eV]    : 7112.54",
+                                     "Spacing [nm]            : 3.13553",
+                                     "Width [pix]             : 3", "Height [pix]            : 2",
+                                     "Bin Half Width [pix]    : 0", "Bin Half Height [pix]   : 0",
+                                     "Area X0                 : 1", "Area X1                 : 2",
+                                     "Area Y0                 : 0", "Area Y1                 : 1",
+                                     "Std File Name           : 標準 foil.dat",
+                                     "Shift Map Height        : 1", "Shift Map Width         : 0 2",
+                                     "##-----------------", none + QLatin1Char(' ') + some + " 0 ",
+                                     "0 0 0 ", QString()}));
     }
 
     void aRoundTripKeepsSixDigits() {
@@ -364,9 +354,9 @@ class TestEnergyMapFile : public QObject {
 
         info.imageSize = QSize(40, 40);
         const DebugLines debug;
-        const QString impossible = name + QStringLiteral("/below.emp");
+        const QString impossible = name + "/below.emp";
         QVERIFY(!writeEMap(impossible, map, info));
-        QCOMPARE(debug.all(), QStringList(QStringLiteral("Can not open ") + impossible));
+        QCOMPARE(debug.all(), QStringList("Can not open " + impossible));
 
         // A disk that fills up half way.
         rlimit before{};
@@ -378,7 +368,7 @@ class TestEnergyMapFile : public QObject {
         setrlimit(RLIMIT_FSIZE, &before);
         std::signal(SIGXFSZ, handler);
         QVERIFY(!ok);
-        QCOMPARE(debug.countOf(QStringLiteral("Error on writing")), 1);
+        QCOMPARE(debug.countOf("Error on writing"), 1);
         QCOMPARE(content(name), QByteArray("the old map"));
     }
 };

@@ -136,7 +136,7 @@ class TestEnergyShift : public QObject {
             &map, gridOf(4, 8, 0, 0, QRectF(0, 2, 4, 4)), [](int, int) { return scan(0.0); }, 0.0,
             [&](double percent) { percents.append(percent); });
         QCOMPARE(percents, (QVector<double>{0.0, 25.0, 50.0, 75.0}));
-        QCOMPARE(debug.countOf(QStringLiteral("progress ")), 4);
+        QCOMPARE(debug.countOf("progress "), 4);
         QVERIFY(debug.all().first().startsWith(QLatin1String("Start Calibration")));
         QVERIFY(debug.all().last().startsWith(QLatin1String("End Calibration   ")));
     }

@@ -60,37 +60,44 @@ class TestProgram : public QObject {
 
     QString file(const QString& name) const { return m_dir.filePath(name); }
 
-    void start(QProcess* process, const QStringList& lines) {
-        QFile batch(file("b.bat"));
-        QVERIFY(batch.open(QIODevice::WriteOnly));
-        batch.write(lines.join('\n').toUtf8());
-        batch.close();
+    /// As a script does it: without a display and a locale.
+    void start(QProcess* process, const QStringList& arguments) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "LANG"}) {
             environment.remove(name);
         }
+        environment.insert("LC_ALL", "C");
         process->setProcessEnvironment(environment);
         process->setWorkingDirectory(m_dir.path());
-        process->start(TARNWICK_BATCH, {"b.bat"});
+        process->start(TARNWICK_BATCH, arguments);
+    }
+
+    QString batchOf(const QStringList& lines) {
+        QFile batch(file("b.bat"));
+        batch.open(QIODevice::WriteOnly);
+        batch.write(lines.join('\n').toUtf8());
+        return QStringLiteral("b.bat");
     }
 
     struct Run {
         int code = -1;
-        QString verdict;
+        QString out;
+        QString verdict;  // its last line
         QString problems;
     };
-    Run run(const QStringList& lines) {
+    Run runWith(const QStringList& arguments) {
         QProcess process;
-        start(&process, lines);
+        start(&process, arguments);
         Run result;
         if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit) {
             result.code = process.exitCode();
         }
-        result.verdict =
-            QString::fromUtf8(process.readAllStandardOutput()).trimmed().section('\n', -1);
+        result.out = QString::fromUtf8(process.readAllStandardOutput());
+        result.verdict = result.out.trimmed().section('\n', -1);
         result.problems = QString::fromUtf8(process.readAllStandardError());
         return result;
     }
+    Run run(const QStringList& lines) { return runWith({batchOf(lines)}); }
 
     static double fractionOfA(int x, int y) { return std::min(1.0, 0.05 * x + 0.06 * y); }
 
@@ -98,24 +105,58 @@ class TestProgram : public QObject {
     void initTestCase() {
         // A script in the background starts its programs with Ctrl-C ignored; not this one.
         std::signal(SIGINT, SIG_DFL);
+        std::signal(SIGTERM, SIG_DFL);
         Phantom::Options options;
         options.fractionOfA = fractionOfA;
         m_phantom = std::make_unique<Phantom>(options);
         QVERIFY(m_phantom->isValid() && m_dir.isValid());
     }
 
-    void aBatchWithoutFault() {
-        const Run result = run(m_phantom->loadAndSetReferences() + SaveNumbers +
-                               QStringList{"analyzer_exec_LCF", "analyzer_select_image_type 1",
-                                           "analyzer_select_image 0", "save_data_as_tiff a.dat",
-                                           "save_all_images all.png"});
-        QCOMPARE(result.verdict, QString("14 lines done, 0 failed"));
-        QCOMPARE(result.code, 0);
-        const Table fractions = readNumbers(file("a.dat"));
-        QCOMPARE(fractions.size(), 8);
-        QCOMPARE(fractions[0].size(), 12);
-        QVERIFY(worstError(fractions, fractionOfA) < 2e-4);
-        QVERIFY(QFile::exists(file("all-1-1.png")));
+    void usage_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("said");
+        const auto row = [](const QStringList& arguments, int code, const char* said) {
+            QTest::newRow(said) << arguments << code << said;
+        };
+        row({}, 2, "No batch file given");
+        row({"missing.bat"}, 2, "cannot open missing.bat");
+        row({"."}, 2, "cannot open .");
+        row({"--check", "missing.bat"}, 2, "cannot open missing.bat");
+        row({"--version"}, 0, "tarnwick-batch ");
+        row({"--help"}, 0, "--check");
+    }
+
+    void usage() {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, code);
+        QFETCH(QString, said);
+        const Run result = runWith(arguments);
+        QCOMPARE(result.code, code);
+        QVERIFY2((code == 0 ? result.out : result.problems).contains(said),
+                 qPrintable(result.out + result.problems));
+        QVERIFY(code == 0 ? result.problems.isEmpty()
+                          : result.out.isEmpty() && result.problems.count('\n') == 1);
+    }
+
+    void whatIsSaidToTheLetter() {
+        const Run result =
+            run({"", "# note", "set_band_h \\", " 3", QString::fromUtf8("calib_load_std 鉄.dat")});
+        QCOMPARE(result.out,
+                 QString::fromUtf8("Err: # noteset_band_h : 3\ncalib_load_std : 鉄.dat\n"
+                                   "1 line done, 2 failed: line 2 (#), line 5 (calib_load_std)\n"));
+        QCOMPARE(result.code, 1);
+    }
+
+    void check() {
+        QCOMPARE(runWith({"--check", batchOf({"set_band_w 1"})}).code, 0);
+        const Run bad =
+            runWith({"--check", batchOf({"set_band_w 1", "", "set_band_x 1", "set_band_w 1.0"})});
+        QCOMPARE(bad.code, 1);
+        QCOMPARE(bad.out, QString("b.bat:3: error: unknown command 'set_band_x' (did you mean "
+                                  "set_band_w?)\n"
+                                  "b.bat:4: warning: '1.0' is not an integer and counts as 0\n"
+                                  "b.bat: 1 error, 1 warning\n"));
     }
 
     /// What fails is named by its line in the file, and the rest is done.
@@ -145,30 +186,32 @@ class TestProgram : public QObject {
     }
 
     void interrupted_data() {
+        QTest::addColumn<int>("number");
         QTest::addColumn<QString>("line");
         QTest::newRow("while it loads")
-            << "load_I1_files_of_pattern NEW " + m_phantom->dir() + " i1-*.tif";
-        QTest::newRow("while it fits") << "analyzer_exec_LCF";
-        QTest::newRow("while it calibrates") << "calib_exec";
-        QTest::newRow("while it saves") << "save_data_as_tiff whole.tif";
+            << SIGINT << "load_I1_files_of_pattern NEW " + m_phantom->dir() + " i1-*.tif";
+        QTest::newRow("while it fits") << SIGTERM << "analyzer_exec_LCF";
+        QTest::newRow("while it calibrates") << SIGINT << "calib_exec";
+        QTest::newRow("while it saves") << SIGINT << "save_data_as_tiff whole.tif";
     }
 
     void interrupted() {
+        QFETCH(int, number);
         QFETCH(QString, line);
         QProcess process;
-        start(&process,
-              m_phantom->loadAndSetReferences() +
-                  QStringList{"calib_load_std " + m_phantom->file("a.dat"), "analyzer_exec_LCF",
-                              "analyzer_select_image 0", ":for i %i 1 1000000", line, ":next i"});
+        start(&process, {batchOf(m_phantom->loadAndSetReferences() +
+                                 QStringList{"calib_load_std " + m_phantom->file("a.dat"),
+                                             "analyzer_exec_LCF", "analyzer_select_image 0",
+                                             ":for i %i 1 1000000", line, ":next i"})});
         QByteArray out;
         while (out.count("next i") < 3) {
             QVERIFY2(process.waitForReadyRead(60000), out.constData());
             out += process.readAllStandardOutput();
         }
-        ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+        ::kill(static_cast<pid_t>(process.processId()), number);
         QVERIFY(process.waitForFinished(60000));
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(process.exitCode(), 130);
+        QCOMPARE(process.exitCode(), 128 + number);
         const QByteArray verdict =
             (out + process.readAllStandardOutput()).trimmed().split('\n').last();
         QVERIFY2(verdict.startsWith("Interrupted at line ") && verdict.endsWith(", 0 failed"),

@@ -10,44 +10,21 @@ class TestLineItems : public QObject {
         QTest::addColumn<QString>("item");
         QTest::addColumn<QString>("rest");
         QTest::addColumn<QString>("message");
-        QTest::newRow("plain") << "  abc def"
-                               << "abc"
-                               << " def"
-                               << "";
-        QTest::newRow("tab") << "abc\tdef"
-                             << "abc"
-                             << "\tdef"
-                             << "";
-        QTest::newRow("quoted") << "\"a b\" c"
-                                << "a b"
-                                << " c"
-                                << "";
-        QTest::newRow("empty quoted") << "\"\""
-                                      << ""
-                                      << ""
-                                      << "";
-        QTest::newRow("quote not closed")
-            << "\"abc"
-            << "abc"
-            << ""
-            << "In a line [\"abc] item is started from quote but not ended by quote";
-        QTest::newRow("quote not opened, last item")
-            << "abc\""
-            << "abc\""
-            << ""
-            << "In a line [abc\"] item is started from not quote but ended by quote";
-        QTest::newRow("quote not opened, not last") << "abc\" def"
-                                                    << "abc\""
-                                                    << " def"
-                                                    << "";
-        QTest::newRow("white space only") << " \t "
-                                          << ""
-                                          << ""
-                                          << "";
-        QTest::newRow("empty") << ""
-                               << ""
-                               << ""
-                               << "";
+        const auto row = [](const char* line, const char* item, const char* rest,
+                            const char* message = "") {
+            QTest::newRow(line) << line << item << rest << message;
+        };
+        row("  abc def", "abc", " def");
+        row("abc\tdef", "abc", "\tdef");
+        row("\"a b\" c", "a b", " c");
+        row("\"\"", "", "");
+        row("\"abc", "abc", "",
+            "In a line [\"abc] item is started from quote but not ended by quote");
+        row("abc\"", "abc\"", "",
+            "In a line [abc\"] item is started from not quote but ended by quote");
+        row("abc\" def", "abc\"", " def");
+        row(" \t ", "", "");
+        row("", "", "");
     }
 
     void items() {

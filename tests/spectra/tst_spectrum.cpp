@@ -83,26 +83,6 @@ class TestSpectrum : public QObject {
         }
     }
 
-    void storageIsUsedAgainUnlessShared() {
-        const double x[] = {1, 2, 3, 4};
-        Spectrum s;
-        s.assign(x, x, 4);
-        const Spoint* const storage = s.points();
-        s.assign(x, x, 3);
-        QCOMPARE(s.points(), storage);
-        const Spectrum copy = s;
-        QCOMPARE(copy.points(), storage);
-        s.assign(x, x, 2);
-        QVERIFY(s.points() != storage);
-        QCOMPARE(copy.size(), 3);
-        QCOMPARE(copy.value(2), 3.0);
-        s.reserve(100);
-        s.append(s.point(0).x, s.point(1).y);
-        QCOMPARE(s.size(), 3);
-        QCOMPARE(s.value(1), 2.0);
-        QCOMPARE(s.value(2), 2.0);
-    }
-
     /// A spectrum handed over by value stays what it was while its giver goes on with the next one.
     void copiesMayGoToAnotherThread() {
         const qint64 points = liveSpoints();
