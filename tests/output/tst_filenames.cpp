@@ -12,25 +12,16 @@ class TestFileNames : public QObject {
         QTest::addColumn<QString>("tagged");
         QTest::addColumn<QString>("suffixed");
         const QString here = QDir::currentPath();
-        QTest::newRow("plain") << "/d/res.png"
-                               << "/d/res-1-0.png"
-                               << "/d/res.png";
-        QTest::newRow("last suffix only") << "/d/a.b.png"
-                                          << "/d/a.b-1-0.png"
-                                          << "/d/a.b.png";
-        QTest::newRow("no suffix") << "/d/res"
-                                   << "/d/res-1-0."
-                                   << "/d/res.tif";
-        QTest::newRow("ends in a dot") << "/d/res."
-                                       << "/d/res-1-0."
-                                       << "/d/res.tif";
-        QTest::newRow("dot in the directory") << "/d.x/res"
-                                              << "/d.x/res-1-0."
-                                              << "/d.x/res.tif";
-        QTest::newRow("root") << "/res.png"
-                              << "/res-1-0.png"
-                              << "/res.png";
-        QTest::newRow("relative") << "res.png" << here + "/res-1-0.png" << here + "/res.png";
+        const auto row = [](const QString& base, const QString& tagged, const QString& suffixed) {
+            QTest::newRow(qPrintable(base)) << base << tagged << suffixed;
+        };
+        row("/d/res.png", "/d/res-1-0.png", "/d/res.png");
+        row("/d/a.b.png", "/d/a.b-1-0.png", "/d/a.b.png");
+        row("/d/res", "/d/res-1-0.", "/d/res.tif");
+        row("/d/res.", "/d/res-1-0.", "/d/res.tif");
+        row("/d.x/res", "/d.x/res-1-0.", "/d.x/res.tif");
+        row("/res.png", "/res-1-0.png", "/res.png");
+        row("res.png", here + "/res-1-0.png", here + "/res.png");
     }
 
     void names() {

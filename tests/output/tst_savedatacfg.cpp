@@ -62,29 +62,6 @@ class TestSaveDataCfg : public QObject {
         QVERIFY(!dialog.isVisible());
     }
 
-    void theBatchReachesControlsThatAreGreyed() {
-        SaveDataCfg dialog;
-        dialog.setSpaceSeparated();
-        dialog.setRowPerLine();
-        dialog.setTiffFixedScale(true);
-        dialog.setTiffScaleMin(-0.25);
-        dialog.setTiffScaleMax(1234567.0);
-        dialog.setAsAnalyzed(true);
-        dialog.saveAsText();
-        const TiffOptions tiff = dialog.tiffOptions();
-        QVERIFY(tiff.fixedScale && tiff.asAnalyzed);
-        QCOMPARE(tiff.scaleMin, -0.25);
-        QCOMPARE(tiff.scaleMax, 1234570.0);  // six digits in the field
-        QVERIFY(dialog.tableOptions().separator == TableOptions::Separator::Blank);
-        QVERIFY(dialog.tableOptions().layout == TableOptions::Layout::Rows);
-        dialog.setCommaSeparated();
-        dialog.setPointPerLine();
-        dialog.saveAsTiff();
-        QVERIFY(dialog.savesAsTiff());
-        QVERIFY(dialog.tableOptions().separator == TableOptions::Separator::Comma);
-        QVERIFY(dialog.tableOptions().layout == TableOptions::Layout::Points);
-    }
-
     void onlyWhatIsUsedIsEnabled() {
         SaveDataCfg dialog;
         const auto* minimum = control<QLineEdit>(dialog, "TiffScaleMin");
