@@ -22,7 +22,8 @@ TiffData::~TiffData() {
 bool TiffData::load(const QString& name) {
     loaded = false;
     QFile file(name);
-    if (!file.open(QIODevice::ReadOnly)) {
+    // Unbuffered: two bytes do not need the first 16 KB.
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         debugFile("Can not open (1)", name);
         return false;
     }
@@ -47,10 +48,24 @@ bool TiffData::load(const QString& name) {
 }
 
 void TiffData::clearRows() {
-    for (quint16* row : rows) {
-        freeRow(row);
+    for (std::size_t y = m_blockRows; y < rows.size(); ++y) {
+        freeRow(rows[y]);
     }
     rows.clear();
+    m_block.reset();
+    m_blockRows = 0;
+}
+
+void TiffData::makeRows(std::size_t bytes) {
+    clearRows();
+    m_block = allocateFrame(bytes * height);
+    if (m_block != nullptr) {
+        rows.reserve(height);
+        for (quint32 y = 0; y < height; ++y) {
+            rows.push_back(m_block.get() + y * (bytes / sizeof(quint16)));
+        }
+        m_blockRows = height;
+    }
 }
 
 quint16* TiffData::appendRow(std::size_t bytes) {
@@ -62,14 +77,14 @@ quint16* TiffData::appendRow(std::size_t bytes) {
     return row;
 }
 
-void TiffData::foldIn(const quint16* row) {
+void TiffData::foldIn(const quint16* counts, std::size_t n) {
     quint16 low = 0xFFFF;
     quint16 high = 0;
-    for (quint32 x = 0; x < width; ++x) {
-        low = std::min(low, row[x]);
-        high = std::max(high, row[x]);
+    for (std::size_t i = 0; i < n; ++i) {
+        low = std::min(low, counts[i]);
+        high = std::max(high, counts[i]);
     }
-    if (width > 0) {
+    if (n > 0) {
         min = std::min<quint32>(min, low);
         max = std::max<quint32>(max, high);
     }

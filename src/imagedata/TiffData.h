@@ -2,6 +2,7 @@
 
 #include <QMetaType>
 #include <QString>
+#include <memory>
 #include <vector>
 
 class QImage;
@@ -23,7 +24,7 @@ struct TiffData {
     qint32 scanlineSize = 0;  ///< bytes a row as the TIFF library reports it
     quint32 min = 0xFFFFFFFFu;
     quint32 max = 0;
-    std::vector<quint16*> rows;  ///< owned
+    std::vector<quint16*> rows;  ///< owned; one after the other in memory when read from TIFF
     double energy = 0.0;         ///< eV, from the file's name
     uchar* pixels = nullptr;     ///< the picture's memory, owned
     QImage* image = nullptr;     ///< over `pixels`, owned
@@ -58,14 +59,21 @@ struct TiffData {
 
     /// A row of `bytes` bytes set to 0, appended to rows; null when memory runs out.
     quint16* appendRow(std::size_t bytes);
+    /// Replaces the rows by `height` rows of `bytes` bytes (an even number) in one piece of memory,
+    /// which is not cleared; without rows when memory runs out.
+    void makeRows(std::size_t bytes);
     /// Widens min and max with the first `width` counts of a row.
-    void foldIn(const quint16* row);
+    void foldIn(const quint16* row) { foldIn(row, width); }
+    void foldIn(const quint16* counts, std::size_t n);
 
     /// Frames larger than this are taken for damaged headers.
     static constexpr quint64 maxPixels = quint64(1) << 28;
 
   private:
     void dropPicture();
+
+    std::shared_ptr<quint16> m_block;  // the first m_blockRows rows lie in here
+    std::size_t m_blockRows = 0;
 };
 
 Q_DECLARE_METATYPE(TiffData*)

@@ -1,3 +1,5 @@
+#include <tiffio.h>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -35,6 +37,92 @@ std::vector<quint16> counting(int n) {
     std::vector<quint16> data(static_cast<std::size_t>(n));
     std::iota(data.begin(), data.end(), quint16(1));
     return data;
+}
+
+}  // namespace
+
+/// Layout of a file of 16-bit counts that its pixels follow.
+struct Layout {
+    bool bigEndian = false;
+    quint32 rowsPerStrip = 6;
+    quint32 gap = 0;         // bytes before each strip
+    bool backwards = false;  // the last strip comes first in the file
+    quint32 bits = 16;
+    quint32 samples = 1;
+    quint32 fillOrder = 1;
+    quint32 byteCountOff = 0;  // what the header says too little of each strip
+};
+Q_DECLARE_METATYPE(Layout)
+
+namespace {
+
+constexpr quint32 Columns = 4;
+constexpr quint32 Rows = 6;
+
+QByteArray tiffOf(const Layout& layout) {
+    QByteArray out(layout.bigEndian ? "MM" : "II");
+    const auto put = [&](quint32 v, int bytes) {
+        for (int i = 0; i < bytes; ++i) {
+            out.append(static_cast<char>(v >> 8 * (layout.bigEndian ? bytes - 1 - i : i)));
+        }
+    };
+    const auto tag = [&](quint32 number, quint32 count, quint32 value) {
+        put(number, 2);
+        put(4, 2);  // LONG
+        put(count, 4);
+        put(value, 4);
+    };
+    const quint32 rowBytes = Columns * layout.samples * layout.bits / 8;
+    const quint32 strips = (Rows + layout.rowsPerStrip - 1) / layout.rowsPerStrip;
+    const quint32 stripBytes = rowBytes * layout.rowsPerStrip;
+    const quint32 arrays = 8 + 2 + 10 * 12 + 4;
+    const quint32 pixels = arrays + 8 * strips + 8;
+    const auto offset = [&](quint32 s) {
+        const quint32 place = layout.backwards ? strips - 1 - s : s;
+        return pixels + place * (stripBytes + layout.gap) + layout.gap;
+    };
+    put(42, 2);
+    put(8, 4);
+    put(10, 2);
+    tag(256, 1, Columns);
+    tag(257, 1, Rows);
+    tag(258, 1, layout.bits);
+    tag(259, 1, 1);
+    tag(262, 1, 1);
+    tag(266, 1, layout.fillOrder);
+    tag(273, strips, strips == 1 ? offset(0) : arrays);
+    tag(277, 1, layout.samples);
+    tag(278, 1, layout.rowsPerStrip);
+    const quint32 byteCount = stripBytes - layout.byteCountOff;
+    tag(279, strips, strips == 1 ? byteCount : arrays + 4 * strips);
+    put(0, 4);
+    for (quint32 s = 0; s < strips; ++s) {
+        put(offset(s), 4);
+    }
+    for (quint32 s = 0; s < strips; ++s) {
+        put(byteCount, 4);
+    }
+    while (static_cast<quint32>(out.size()) < pixels + strips * (stripBytes + layout.gap)) {
+        out.append(static_cast<char>(37 * out.size() % 251));
+    }
+    return out;
+}
+
+/// The rows as libtiff gives them one by one; those that it can not read are 0.
+std::vector<quint16> scanlines(const QString& name) {
+    std::vector<quint16> counts;
+    if (TIFF* tiff = TIFFOpen(name.toLatin1().constData(), "r")) {
+        const auto bytes = static_cast<std::size_t>(TIFFScanlineSize(tiff));
+        for (quint32 y = 0; y < Rows; ++y) {
+            std::vector<quint16> row(std::max<std::size_t>(Columns, (bytes + 1) / 2));
+            if (TIFFReadScanline(tiff, row.data(), y, 0) != 1) {
+                row.assign(row.size(), 0);
+            }
+            counts.insert(counts.end(), row.begin(), row.begin() + Columns);
+        }
+        TIFFClose(tiff);
+    }
+    return counts;
 }
 
 }  // namespace
@@ -193,6 +281,71 @@ class TestTiffFile : public QObject {
             QVERIFY(!frame.load(name));
             QVERIFY(frame.rows.empty());
             QCOMPARE(frame.boxSum(0, 0, 5, 5), 0.0);
+        }
+    }
+
+    void rowsAreThoseOfLibtiff_data() {
+        QTest::addColumn<Layout>("layout");
+        const auto row = [](const char* name, auto change) {
+            Layout layout;
+            change(&layout);
+            QTest::newRow(name) << layout;
+        };
+        row("one strip", [](Layout*) {});
+        row("two strips", [](Layout* l) { l->rowsPerStrip = 3; });
+        row("uneven strips", [](Layout* l) { l->rowsPerStrip = 4; });
+        row("strips of a row, apart", [](Layout* l) { l->rowsPerStrip = 1, l->gap = 3; });
+        row("backwards", [](Layout* l) { l->rowsPerStrip = 2, l->backwards = true; });
+        row("big-endian", [](Layout* l) { l->bigEndian = true, l->rowsPerStrip = 2; });
+        row("8 bits", [](Layout* l) { l->bits = 8; });
+        row("32 bits", [](Layout* l) { l->bits = 32, l->bigEndian = true; });
+        row("three samples", [](Layout* l) { l->samples = 3; });
+        row("bits backwards", [](Layout* l) { l->fillOrder = 2; });
+        row("byte counts too small", [](Layout* l) { l->rowsPerStrip = 3, l->byteCountOff = 10; });
+    }
+    /// Whole, and cut at every byte.
+    void rowsAreThoseOfLibtiff() {
+        QFETCH(Layout, layout);
+        QTemporaryDir dir;
+        const QString name = dir.filePath("a.tif");
+        const QByteArray whole = tiffOf(layout);
+        int read = 0;
+        for (int size = whole.size(); size > 150; --size) {
+            put(name, whole.left(size));
+            const std::vector<quint16> expected = scanlines(name);
+            TiffData frame;
+            QCOMPARE(frame.load(name), !expected.empty());
+            std::vector<quint16> counts;
+            for (const quint16* row : frame.rows) {
+                counts.insert(counts.end(), row, row + Columns);
+            }
+            QCOMPARE(counts, expected);
+            if (!expected.empty()) {
+                ++read;
+                const auto ends = std::minmax_element(expected.begin(), expected.end());
+                QCOMPARE(frame.min, quint32(*ends.first));
+                QCOMPARE(frame.max, quint32(*ends.second));
+            }
+        }
+        QVERIFY(read > 0);
+    }
+
+    /// Memory of rows that are side by side: a frame must not end another's.
+    void framesOfAStackLiveAndDieAlone() {
+        QTemporaryDir dir;
+        const QString name = dir.filePath("a.tif");
+        std::vector<std::unique_ptr<TiffData>> frames;
+        for (quint16 i = 0; i < 6; ++i) {
+            const quint32 width = i == 3 ? 1500 : 300;  // one of another size between them
+            QVERIFY(writeConstTiff(name, width, 200, i));
+            frames.push_back(std::make_unique<TiffData>());
+            QVERIFY(frames.back()->load(name));
+            if (i % 2 == 1) {
+                frames[i - 1u].reset();
+            }
+        }
+        for (quint16 i = 1; i < 6; i = static_cast<quint16>(i + 2)) {
+            QCOMPARE(frames[i]->boxSum(0, 0, 2000, 200), i * 200.0 * frames[i]->width);
         }
     }
 
