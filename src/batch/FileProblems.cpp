@@ -54,7 +54,8 @@ QString pictureProblem(const QString& name) {
 }
 
 QString energyProblem(const QString& path) {
-    const QString pattern = QStringLiteral("[\\d_]+eV");  // what the data-file panels start with
+    // What the data-file panels start with.
+    static const QRegularExpression pattern(QStringLiteral("[\\d_]+eV"));
     const std::optional<double> energy = numberFromName(path, pattern);
     if (!energy) {
         return QStringLiteral(

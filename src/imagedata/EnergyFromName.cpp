@@ -1,14 +1,12 @@
 #include "imagedata/EnergyFromName.h"
 
 #include <QDebug>
-#include <QRegularExpression>
 
-std::optional<double> numberFromName(const QString& path, const QString& pattern) {
-    const QRegularExpression expression(pattern);
-    if (!expression.isValid()) {
+std::optional<double> numberFromName(const QString& path, const QRegularExpression& pattern) {
+    if (!pattern.isValid()) {
         return std::nullopt;  // asking it would print a warning for every file
     }
-    const QRegularExpressionMatch match = expression.match(path);
+    const QRegularExpressionMatch match = pattern.match(path);
     if (!match.hasMatch()) {
         return std::nullopt;
     }

@@ -4,6 +4,7 @@
 #include <QDebug>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSet>
 
 #include "app/Globals.h"
@@ -18,7 +19,8 @@ constexpr qint64 SettledAfterMs = 1000;  // the detector may still be writing a 
 SelectDataFiles::SelectDataFiles(QWidget* parent)
     : QWidget(parent),
       m_ui(std::make_unique<Ui::SelectDataFiles>()),
-      m_dialog(new QFileDialog(this, QString(), DataDir)) {
+      m_dialog(new QFileDialog(this, QString(), DataDir)),
+      m_pattern(std::make_unique<QRegularExpression>()) {
     m_ui->setupUi(this);
     m_ui->SelectUnit->addItem(QStringLiteral("eV"), 1.0);
     m_ui->SelectUnit->addItem(QStringLiteral("keV"), 1000.0);
@@ -69,7 +71,10 @@ void SelectDataFiles::updateButtons() {
 }
 
 double SelectDataFiles::newFile(const QString& fname) {
-    const double number = numberFromName(fname, m_ui->EngPattern->text()).value_or(count() - 1);
+    if (m_pattern->pattern() != m_ui->EngPattern->text()) {
+        m_pattern->setPattern(m_ui->EngPattern->text());
+    }
+    const double number = numberFromName(fname, *m_pattern).value_or(count() - 1);
     const double energy = number * m_ui->SelectUnit->currentData().toDouble();
     qDebug().noquote() << "energy from file name" << fname << ":" << energy;
     m_ui->Selected->addItem(fname, energy);

@@ -8,6 +8,7 @@ namespace Ui {
 class SelectDataFiles;
 }
 class QFileDialog;
+class QRegularExpression;
 
 /// The panel that names the files of one stack and gives each its energy from its name. Its list
 /// holds the same files in the same order as the stack; the main window reads them.
@@ -50,5 +51,6 @@ class SelectDataFiles : public QWidget {
 
     std::unique_ptr<Ui::SelectDataFiles> m_ui;
     QFileDialog* m_dialog;
+    std::unique_ptr<QRegularExpression> m_pattern;  // compiled once, not for every file
     bool m_loading = false;
 };

@@ -182,7 +182,7 @@ class TestFrames : public QObject {
         QFETCH(QString, path);
         QFETCH(QString, pattern);
         QFETCH(double, number);
-        QCOMPARE(numberFromName(path, pattern).value_or(-1.0), number);
+        QCOMPARE(numberFromName(path, QRegularExpression(pattern)).value_or(-1.0), number);
     }
 
     void units() {
