@@ -6,7 +6,6 @@
 #include <QIntValidator>
 #include <QLabel>
 #include <QPainter>
-#include <QProgressBar>
 #include <QVBoxLayout>
 
 #include "analysis/Analysis2D.h"
@@ -191,10 +190,7 @@ void Body::connectImageControls() {
     m_state = new QLabel(this);
     m_state->setObjectName(QStringLiteral("State"));
     m_ui->statusbar->addWidget(m_state, 1);
-    m_progressBar = new QProgressBar(this);
-    m_progressBar->setMaximumWidth(240);
-    m_progressBar->hide();
-    m_ui->statusbar->addPermanentWidget(m_progressBar);
+    makeLoadingControls();
 }
 
 void Body::connectCalibration() {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QImage>
 #include <QMainWindow>
 #include <QStringList>
 #include <QThread>
+#include <QTimer>
 #include <functional>
 #include <memory>
 
@@ -33,6 +35,7 @@ class QFileDialog;
 class QLabel;
 class QPainter;
 class QProgressBar;
+class QToolButton;
 class SaveDataCfg;
 class SelectDataFiles;
 class Spectrum;
@@ -95,6 +98,8 @@ class Body : public QMainWindow {
     void loadedI1(TiffData* data);
     void loadNextI0();
     void loadedI0(TiffData* data);
+    /// Leaves out the files that are still to be read into either stack.
+    void stopLoading();
     void startLCF2DAnalysis();
     void stop2DAnalysis();
     void analyzeASpectrumFinished();
@@ -141,8 +146,10 @@ class Body : public QMainWindow {
     void read(Stack& stack, const QStringList& files);
     bool requestNext(Stack& stack);
     void loadNext(Stack& stack);
+    void stopLoading(Stack& stack);
     void showNewest(const TiffData& frame);
-    TiffData* arrived(Stack& stack, TiffData* data);
+    bool arrived(Stack& stack, TiffData* data);
+    void tellProgress(const Stack& stack);
     void clear(Stack& stack);
     void stacksChanged();
     Stack& shownStack();
@@ -160,6 +167,8 @@ class Body : public QMainWindow {
     Analyzed2DRes* shownResult() const;  // the shift map or the selected result, if on display
     QImage shownPicture() const;
     void redisplay();
+    void redisplaySoon();
+    void updateSeekBar();
     void updateStatus();
     void updateValueAndCrossSections();
 
@@ -173,7 +182,8 @@ class Body : public QMainWindow {
     /// A pass over the area that blocks the window; false without images.
     bool runBlocking(const std::function<void(const AnalysisGrid&)>& pass);
     void showProgress(double percent);
-    void showLoadProgress(const Stack& stack);
+    void makeLoadingControls();
+    void showLoadProgress();
     QString startLcf();
     Analyzed2DRes* deglitchTarget() const;
 
@@ -224,6 +234,10 @@ class Body : public QMainWindow {
     CrossSection* m_vCross = nullptr;
     QLabel* m_state = nullptr;  // of the status bar; notices cover it for a while
     QProgressBar* m_progressBar = nullptr;
+    QToolButton* m_stopLoading = nullptr;
+    QTimer m_redisplayTimer;
+    QElapsedTimer m_redisplayed;
+    bool m_takingIn = false;  // a frame that has arrived
     QFileDialog* m_imageDialog = nullptr;
     QFileDialog* m_allImagesDialog = nullptr;
     QFileDialog* m_spectraDialog = nullptr;

@@ -1,10 +1,13 @@
 // What the main window shows: the picture, its colour bar, cross sections and read-outs.
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QButtonGroup>
 #include <QLabel>
 #include <QPainter>
 #include <QProgressBar>
+#include <QStatusBar>
+#include <QToolButton>
 #include <cmath>
 
 #include "analysis/Analyzed2DRes.h"
@@ -18,6 +21,12 @@
 #include "display/ImageView.h"
 #include "display/Profiles.h"
 #include "ui_Body.h"
+
+namespace {
+/// While a stack loads, what is shown follows at this pace: a frame takes less time to read than to
+/// show.
+constexpr int RedisplayMs = 40;
+}  // namespace
 
 int Body::shown() const {
     return m_showGroup == nullptr ? ShownData : m_showGroup->checkedId();
@@ -71,7 +80,16 @@ void Body::newCBar() {
     m_ui->dispA->QWidget::update();
 }
 
+void Body::redisplaySoon() {
+    if (!m_redisplayed.isValid() || m_redisplayed.hasExpired(RedisplayMs)) {
+        redisplay();
+    } else if (!m_redisplayTimer.isActive()) {
+        m_redisplayTimer.start(RedisplayMs);
+    }
+}
+
 void Body::redisplay() {
+    m_redisplayTimer.stop();
     const TiffData* frame = shownFrame();
     const Analyzed2DRes* result = shownResult();
     m_ui->dispA->setResultDisplayed(shown() == ShownShift || shown() == ShownResult);
@@ -85,13 +103,20 @@ void Body::redisplay() {
     updateStatus();
     updateValueAndCrossSections();
     m_ui->dispA->QWidget::update();
+    m_redisplayed.start();
+}
+
+void Body::updateSeekBar() {
+    const int count = shownStack().loader.frames().size();
+    m_ui->SeekBar->setMaximum(count > 0 ? count - 1 : 0);
+    m_ui->SeekBar->setValue(m_frame);
 }
 
 void Body::updateStatus() {
     Stack& stack = shownStack();
     const int count = stack.loader.frames().size();
-    m_ui->SeekBar->setMaximum(count > 0 ? count - 1 : 0);
-    m_ui->SeekBar->setValue(m_frame);
+    updateSeekBar();
+    showLoadProgress();
 
     QString text;
     if (const TiffData* frame = shownFrame()) {
@@ -162,12 +187,43 @@ void Body::showProgress(double percent) {
     emit analysisProgress(percent);
 }
 
-void Body::showLoadProgress(const Stack& stack) {
-    const StackLoader& loader = stack.loader;
-    m_progressBar->setVisible(loader.done() < loader.total());
-    m_progressBar->setRange(0, loader.total());
-    m_progressBar->setValue(loader.done());
-    emit loadProgress(stack.id, loader.done(), loader.total());
+void Body::makeLoadingControls() {
+    m_progressBar = new QProgressBar(this);
+    m_progressBar->setMaximumWidth(240);
+    m_progressBar->hide();
+    m_stopLoading = new QToolButton(this);
+    m_stopLoading->setObjectName(QStringLiteral("StopLoading"));
+    auto* stop = new QAction(tr("Stop Loading"), m_stopLoading);
+    stop->setToolTip(
+        tr("Frames that have been read stay, the files still to be read are left out (Esc)"));
+    stop->setShortcut(Qt::Key_Escape);  // the button's, so only while it is there
+    m_stopLoading->setDefaultAction(stop);
+    m_stopLoading->hide();
+    m_ui->statusbar->addPermanentWidget(m_progressBar);
+    m_ui->statusbar->addPermanentWidget(m_stopLoading);
+    connect(stop, &QAction::triggered, this, qOverload<>(&Body::stopLoading));
+    m_redisplayTimer.setSingleShot(true);
+    connect(&m_redisplayTimer, &QTimer::timeout, this, &Body::redisplay);
+}
+
+void Body::showLoadProgress() {
+    int done = 0;
+    int total = 0;
+    for (const StackLoader* loader : {&m_i1->loader, &m_i0->loader}) {
+        if (loader->isLoading()) {
+            done += loader->done();
+            total += loader->total();
+        }
+    }
+    if (total > 0) {
+        m_progressBar->setRange(0, total);
+        m_progressBar->setValue(done);
+    }
+    // The bar is also that of analyses.
+    if (total > 0 || !m_stopLoading->isHidden()) {
+        m_progressBar->setVisible(total > 0);
+        m_stopLoading->setVisible(total > 0);
+    }
 }
 
 void Body::showResAnalysis(bool) {

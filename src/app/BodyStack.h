@@ -16,5 +16,5 @@ struct Body::Stack {
 
     Id id;
     SelectDataFiles* panel;
-    StackLoader loader;
+    StackLoader loader{2};
 };

@@ -6,6 +6,7 @@
 #include "app/Body.h"
 #include "app/BodyStack.h"
 #include "app/DarkData.h"
+#include "app/DebugLog.h"
 #include "display/ImageView.h"
 #include "imagedata/AbsorptionSource.h"
 #include "imagedata/SelectDataFiles.h"
@@ -45,9 +46,10 @@ void Body::loadNextI0() {
 }
 
 void Body::loadedI1(TiffData* loaded) {
-    if (TiffData* frame = arrived(*m_i1, loaded)) {
-        showNewest(*frame);
+    if (arrived(*m_i1, loaded)) {
+        showNewest(*loaded);
     }
+    tellProgress(*m_i1);
     loadNextI1();
 }
 
@@ -59,17 +61,21 @@ void Body::showNewest(const TiffData& frame) {
         m_ui->dispA->setImageSize(m_imageWidth, m_imageHeight);
         m_dark->setImageSize(m_imageWidth, m_imageHeight);
     }
-    const bool redisplayed = shown() == ShownData && m_i1->panel->currentIndex() != newest;
+    m_takingIn = true;
     m_i1->panel->select(newest);
-    if (!redisplayed) {
+    m_takingIn = false;
+    if (newest == 0) {
         redisplay();
+    } else {
+        redisplaySoon();
     }
 }
 
 void Body::loadedI0(TiffData* loaded) {
-    if (arrived(*m_i0, loaded) != nullptr) {
-        redisplay();
+    if (arrived(*m_i0, loaded)) {
+        redisplaySoon();
     }
+    tellProgress(*m_i0);
     loadNextI0();
 }
 
@@ -83,7 +89,11 @@ void Body::showData(int n) {
     const auto* panel = qobject_cast<SelectDataFiles*>(sender());
     if (panel == nullptr || panel == shownStack().panel) {
         m_frame = n;
-        redisplay();
+        if (m_takingIn) {
+            redisplaySoon();
+        } else {
+            redisplay();
+        }
     }
 }
 
@@ -113,51 +123,84 @@ void Body::clear(Stack& stack) {
 void Body::read(Stack& stack, const QStringList& files) {
     stack.loader.enqueue(files);
     stack.panel->setLoading(stack.loader.isLoading());
+    showLoadProgress();
     loadNext(stack);
 }
 
 bool Body::requestNext(Stack& stack) {
-    const auto request = stack.loader.next();
-    if (request && stack.id == Stack::I1) {
-        emit loadI1(request->fileName, request->frame);
-    } else if (request) {
-        emit loadI0(request->fileName, request->frame);
+    bool requested = false;
+    while (const auto request = stack.loader.next()) {
+        requested = true;
+        if (stack.id == Stack::I1) {
+            emit loadI1(request->fileName, request->frame);
+        } else {
+            emit loadI0(request->fileName, request->frame);
+        }
     }
-    return request.has_value();
+    return requested;
 }
 
 void Body::loadNext(Stack& stack) {
-    if (requestNext(stack)) {
+    if (requestNext(stack) || stack.loader.isLoading()) {
         return;
     }
-    if (!stack.loader.isLoading()) {
-        stack.panel->setLoading(false);
-        const QStringList unread = stack.loader.takeFailures();
-        QStringList problems;
-        for (const QString& file : unread) {
-            problems << QStringLiteral("cannot be read: ") + file;
-        }
-        if (!unread.isEmpty()) {
-            note(tr("%n file(s) could not be read: %1", nullptr, unread.size())
-                     .arg(QFileInfo(unread.first()).fileName()));
-        }
-        answerWaiting(stack.work(), problems);
+    stack.panel->setLoading(false);
+    redisplay();
+    const QStringList unread = stack.loader.takeFailures();
+    QStringList problems;
+    for (const QString& file : unread) {
+        problems << QStringLiteral("cannot be read: ") + file;
     }
+    if (!unread.isEmpty()) {
+        note(tr("%n file(s) could not be read: %1", nullptr, unread.size())
+                 .arg(QFileInfo(unread.first()).fileName()));
+    }
+    answerWaiting(stack.work(), problems);
 }
 
-TiffData* Body::arrived(Stack& stack, TiffData* loaded) {
+void Body::stopLoading() {
+    stopLoading(*m_i1);
+    stopLoading(*m_i0);
+}
+
+void Body::stopLoading(Stack& stack) {
+    StackLoader& loader = stack.loader;
+    if (!loader.isLoading()) {
+        return;
+    }
+    const QString what =
+        QStringLiteral("%1 loading stopped by the user after %2 of %3 files")
+            .arg(stack.id == Stack::I1 ? QStringLiteral("I1") : QStringLiteral("I0"))
+            .arg(loader.done())
+            .arg(loader.total());
+    loader.stop();
+    loader.takeFailures();
+    stack.panel->setLoading(false);
+    tellProgress(stack);
+    redisplay();
+    debugTimed(what);
+    note(what);
+    answerWaiting(stack.work(), {what});
+}
+
+bool Body::arrived(Stack& stack, TiffData* loaded) {
     std::unique_ptr<TiffData> frame = stack.loader.arrived(loaded);
     requestNext(stack);  // the reader goes on while this frame is taken in and shown
-    showLoadProgress(stack);
     if (!frame) {
-        return nullptr;
+        return false;
     }
     // The panel's list and the stack hold the same files in the same order.
+    m_takingIn = true;
     frame->energy = stack.panel->newFile(frame->fileName);
-    TiffData* kept = frame.get();
+    m_takingIn = false;
     stack.loader.frames().append(std::move(frame));
     stacksChanged();
-    return kept;
+    updateSeekBar();
+    return true;
+}
+
+void Body::tellProgress(const Stack& stack) {
+    emit loadProgress(stack.id, stack.loader.done(), stack.loader.total());
 }
 
 void Body::stacksChanged() {

@@ -1,13 +1,20 @@
 #include "app/StackLoader.h"
 
+#include <algorithm>
 #include <utility>
 
 void StackLoader::clear() {
+    stop();
     m_frames.clear();
-    m_queue.clear();
     m_failures.clear();
     m_done = 0;
-    m_stale = m_underWay != nullptr;
+}
+
+void StackLoader::stop() {
+    m_queue.clear();
+    for (UnderWay& item : m_underWay) {
+        item.isStale = true;
+    }
 }
 
 void StackLoader::enqueue(const QStringList& files) {
@@ -19,30 +26,35 @@ void StackLoader::enqueue(const QStringList& files) {
     }
 }
 
+int StackLoader::total() const {
+    const auto wanted = std::count_if(m_underWay.begin(), m_underWay.end(),
+                                      [](const UnderWay& item) { return !item.isStale; });
+    return m_done + m_queue.size() + static_cast<int>(wanted);
+}
+
 std::optional<StackLoader::Request> StackLoader::next() {
-    if (m_underWay || m_queue.isEmpty()) {
+    if (m_queue.isEmpty() || static_cast<int>(m_underWay.size()) >= m_atOnce) {
         return std::nullopt;
     }
-    m_underWay = std::make_unique<TiffData>();
-    m_underWayName = m_queue.dequeue();
-    m_stale = false;
-    return Request{m_underWayName, m_underWay.get()};
+    m_underWay.push_back({m_queue.dequeue(), std::make_unique<TiffData>(), false});
+    return Request{m_underWay.back().fileName, m_underWay.back().frame.get()};
 }
 
 std::unique_ptr<TiffData> StackLoader::arrived(const TiffData* frame) {
-    if (frame == nullptr || frame != m_underWay.get()) {
+    if (m_underWay.empty() || frame == nullptr || frame != m_underWay.front().frame.get()) {
         return nullptr;
     }
-    std::unique_ptr<TiffData> returned = std::move(m_underWay);
-    if (std::exchange(m_stale, false)) {
+    UnderWay returned = std::move(m_underWay.front());
+    m_underWay.pop_front();
+    if (returned.isStale) {
         return nullptr;
     }
     ++m_done;
-    if (!returned->loaded) {
-        m_failures.append(m_underWayName);
+    if (!returned.frame->loaded) {
+        m_failures.append(returned.fileName);
         return nullptr;
     }
-    return returned;
+    return std::move(returned.frame);
 }
 
 QStringList StackLoader::takeFailures() {

@@ -2,6 +2,7 @@
 
 #include <QQueue>
 #include <QStringList>
+#include <deque>
 #include <memory>
 #include <optional>
 
@@ -10,10 +11,14 @@
 
 /// One stack of frames and the files that are still to be read into it.
 ///
-/// A frame is with the reader from next() until arrived(); at most one is under way. A frame that
-/// was under way when the stack was cleared is dropped on its return, and the queue goes on.
+/// A frame is with the reader from next() until arrived(); frames return in the order in which they
+/// went. One that was under way when the stack was cleared or the loading stopped is dropped on its
+/// return, and the queue goes on.
 class StackLoader {
   public:
+    /// At most so many frames are under way: with two the reader always has its next one.
+    explicit StackLoader(int atOnce = 1) : m_atOnce(atOnce) {}
+
     /// A file to read and the empty frame to read it into; the frame stays owned by the loader.
     struct Request {
         QString fileName;
@@ -26,16 +31,20 @@ class StackLoader {
     /// Appends files to the queue; a queue that had run empty starts a new count.
     void enqueue(const QStringList& files);
 
-    /// The next file to read; nothing while a frame is under way or when the queue is empty.
+    /// Drops the files that are still to be read, and those under way on their return.
+    void stop();
+
+    /// The next file to read; nothing while enough frames are under way or when the queue is empty.
     std::optional<Request> next();
 
     /// Takes the frame back from the reader. The result is the frame when it is to be appended;
-    /// empty when it could not be read, or the stack was cleared meanwhile.
+    /// empty when it could not be read or is not wanted any more.
     std::unique_ptr<TiffData> arrived(const TiffData* frame);
 
-    bool isLoading() const { return m_underWay != nullptr || !m_queue.isEmpty(); }
+    /// Whether frames are still to come.
+    bool isLoading() const { return done() < total(); }
     int done() const { return m_done; }
-    int total() const { return m_done + m_queue.size() + (m_underWay && !m_stale ? 1 : 0); }
+    int total() const;
 
     /// Names of the files that could not be read since the last call.
     QStringList takeFailures();
@@ -44,11 +53,16 @@ class StackLoader {
     const FrameSet& frames() const { return m_frames; }
 
   private:
+    struct UnderWay {
+        QString fileName;
+        std::unique_ptr<TiffData> frame;
+        bool isStale;
+    };
+
+    int m_atOnce;
     FrameSet m_frames;
     QQueue<QString> m_queue;
-    std::unique_ptr<TiffData> m_underWay;
-    QString m_underWayName;
-    bool m_stale = false;
+    std::deque<UnderWay> m_underWay;
     int m_done = 0;
     QStringList m_failures;
 };

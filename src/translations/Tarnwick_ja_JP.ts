@@ -567,6 +567,14 @@
             <numerusform>読めないか画像とサイズの違うダーク %n ファイル</numerusform>
         </translation>
     </message>
+    <message>
+        <source>Stop Loading</source>
+        <translation>読み込みを中止</translation>
+    </message>
+    <message>
+        <source>Frames that have been read stay, the files still to be read are left out (Esc)</source>
+        <translation>読み込み済みのフレームは残り、未読のファイルは読み込まれません (Esc)</translation>
+    </message>
 </context>
 <context>
     <name>BodyMenu</name>

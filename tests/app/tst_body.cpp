@@ -8,6 +8,8 @@
 #include <QSlider>
 #include <QStatusBar>
 #include <QTemporaryDir>
+#include <QTimer>
+#include <QToolButton>
 #include <cmath>
 
 #include "BatchRun.h"
@@ -181,6 +183,50 @@ class TestBody : public QObject {
         m_body->normalizeEShift();
         m_body->saveImage(m_phantom->file("never.png"));
         QVERIFY(!QFile::exists(m_phantom->file("never.png")));
+    }
+
+    void aLoadCanBeStopped_data() {
+        QTest::addColumn<bool>("byKey");
+        QTest::newRow("the button") << false;
+        QTest::newRow("Esc") << true;
+    }
+    /// What has been read stays, list and stack agree, and a batch goes on with a failed line.
+    void aLoadCanBeStopped() {
+        QFETCH(bool, byKey);
+        QVERIFY(QTest::qWaitForWindowActive(m_body.get()));
+        auto* stop = child<QToolButton>(*m_body, "StopLoading");
+        QVERIFY(!stop->isVisible());
+        QObject context;
+        connect(m_body.get(), &Body::loadProgress, &context, [&](int stack, int done, int total) {
+            if (stack == 1 && done == 3 && total == 61) {
+                QTimer::singleShot(0, stop, [=] {
+                    QVERIFY(stop->isVisible());
+                    if (byKey) {
+                        QTest::keyClick(m_body.get(), Qt::Key_Escape);
+                    } else {
+                        QTest::mouseClick(stop, Qt::LeftButton);
+                    }
+                });
+            }
+        });
+        BatchRun batch(*m_body);
+        const QStringList loads = m_phantom->loadAndSetReferences().mid(0, 2);
+        QVERIFY(batch.run(loads));
+        QCOMPARE(batch.done(), 2);
+        QCOMPARE(batch.problems().size(), 1);
+        QVERIFY(batch.problems().first().startsWith(loads.first()));
+        QVERIFY(!stop->isVisible());
+        const int kept = panelCount("SelectI1Files").toInt();
+        QVERIFY(kept >= 3 && kept < 61);
+        QCOMPARE(panelCount("SelectI0Files"), QString("21"));
+        auto* bar = child<QSlider>(*m_body, "SeekBar");
+        QCOMPARE(bar->maximum(), kept - 1);
+        QVERIFY(child<QPushButton>(*child<QWidget>(*m_body, "SelectI1Files"), "LoadNewFiles")
+                    ->isEnabled());
+        // Further files follow those that stayed.
+        m_body->readI1Files({m_phantom->file("i1-7000_000eV.tif")}, false);
+        QTRY_COMPARE(bar->maximum(), kept);
+        QCOMPARE(panelCount("SelectI1Files").toInt(), kept + 1);
     }
 
     /// The page works on the map on display, follows another choice of map, and is dead without

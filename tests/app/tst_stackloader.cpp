@@ -51,6 +51,35 @@ class TestStackLoader : public QObject {
         QVERIFY(loader.takeFailures().isEmpty());
     }
 
+    /// Frames on their way when the loading is stopped do not come in later, also when more files
+    /// are asked for meanwhile.
+    void stoppingKeepsWhatHasArrived() {
+        StackLoader loader(2);
+        loader.enqueue({"a", "b", "c", "d"});
+        const auto a = loader.next();
+        const auto b = loader.next();
+        QVERIFY(a && b && !loader.next());
+        a->frame->loaded = true;
+        QVERIFY(!loader.arrived(b->frame));  // not its turn
+        QVERIFY(loader.arrived(a->frame));
+        const auto c = loader.next();
+        loader.stop();
+        QVERIFY(!loader.isLoading() && !loader.next());
+        QCOMPARE(loader.done(), 1);
+        QCOMPARE(loader.total(), 1);
+        loader.enqueue({"e"});
+        QCOMPARE(loader.total(), 1);
+        for (const auto& stale : {b, c}) {
+            stale->frame->loaded = true;
+            QVERIFY(!loader.arrived(stale->frame));
+        }
+        const auto e = loader.next();
+        QCOMPARE(e->fileName, QString("e"));
+        e->frame->loaded = true;
+        QVERIFY(loader.arrived(e->frame));
+        QVERIFY(!loader.isLoading());
+    }
+
     void onlyTheAwaitedWorkAnswersABatch() {
         using Work = BatchPacing::Work;
         BatchPacing pacing;
