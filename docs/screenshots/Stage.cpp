@@ -1,0 +1,125 @@
+#include "Stage.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QEventLoop>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTimer>
+#include <QWheelEvent>
+#include <cstdio>
+#include <cstdlib>
+
+#include "batch/BatchCtrl.h"
+#include "batch/BatchDispatcher.h"
+#include "display/ImageView.h"
+
+namespace {
+
+constexpr int SettleMs = 300;
+
+[[noreturn]] void giveUp(const char* what, const QString& name) {
+    std::fprintf(stderr, "tarnwick-screenshots: %s %s\n", what, qPrintable(name));
+    std::exit(1);
+}
+
+void sendMouse(QWidget* to, QEvent::Type type, const QPointF& at, Qt::MouseButtons buttons) {
+    QMouseEvent event(type, at, to->mapToGlobal(at.toPoint()),
+                      type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons,
+                      Qt::NoModifier);
+    QApplication::sendEvent(to, &event);
+}
+
+}  // namespace
+
+Stage::Stage(const QString& prefix) : m_prefix(prefix) {
+    m_body.show();
+}
+
+QWidget* Stage::control(const char* name) {
+    const QWidgetList widgets = QApplication::allWidgets();
+    for (QWidget* widget : widgets) {
+        if (widget->objectName() == QLatin1String(name)) {
+            return widget;
+        }
+    }
+    giveUp("no control", QString::fromLatin1(name));
+}
+
+void Stage::run(const QStringList& lines) {
+    QEventLoop loop;
+    QObject::connect(m_body.dispatcher(), &BatchDispatcher::ended, &loop, &QEventLoop::quit);
+    m_body.batchCtrl()->dispatchLines(lines);
+    loop.exec();
+    settle();
+}
+
+void Stage::click(const char* button) {
+    auto* found = qobject_cast<QAbstractButton*>(control(button));
+    if (found == nullptr) {
+        giveUp("no button", QString::fromLatin1(button));
+    }
+    found->click();
+    settle();
+}
+
+void Stage::settle() {
+    QEventLoop loop;
+    QTimer::singleShot(SettleMs, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+void Stage::drag(QWidget* widget, const QPointF& from, const QPointF& to) {
+    sendMouse(widget, QEvent::MouseButtonPress, from, Qt::LeftButton);
+    sendMouse(widget, QEvent::MouseMove, to, Qt::LeftButton);
+    sendMouse(widget, QEvent::MouseButtonRelease, to, Qt::NoButton);
+    settle();
+}
+
+void Stage::select(const QPoint& from, const QPoint& to) {
+    auto* view = qobject_cast<ImageView*>(control("dispA"));
+    const auto at = [view](const QPoint& p) {
+        return QPointF(view->coord().r2sX(p.x()), view->coord().r2sY(p.y()));
+    };
+    drag(view, at(from), at(to));
+}
+
+void Stage::wheel(const QPoint& at, int notches) {
+    auto* view = qobject_cast<ImageView*>(control("dispA"));
+    const QPointF screen(view->coord().r2sX(at.x()), view->coord().r2sY(at.y()));
+    QWheelEvent event(screen, view->mapToGlobal(screen.toPoint()), QPoint(),
+                      QPoint(0, 120 * notches), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                      false);
+    QApplication::sendEvent(view, &event);
+    settle();
+}
+
+QImage Stage::picture(QWidget* widget) const {
+    return widget->grab().toImage();
+}
+
+void Stage::save(const QImage& image, const QString& name) const {
+    const QString file = m_prefix + name + QStringLiteral(".png");
+    if (!image.save(file)) {
+        giveUp("cannot write", file);
+    }
+}
+
+QImage sideBySide(const QList<QImage>& images) {
+    constexpr int Gap = 12;
+    int width = -Gap;
+    int height = 0;
+    for (const QImage& image : images) {
+        width += image.width() + Gap;
+        height = std::max(height, image.height());
+    }
+    QImage all(width, height, QImage::Format_RGB32);
+    all.fill(Qt::white);
+    QPainter painter(&all);
+    int x = 0;
+    for (const QImage& image : images) {
+        painter.drawImage(x, 0, image);
+        x += image.width() + Gap;
+    }
+    return all;
+}

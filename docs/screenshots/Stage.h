@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QImage>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include "app/Body.h"
+
+class QPoint;
+class QWidget;
+
+/// The program's windows, driven as a user drives them, and a folder for pictures of them.
+class Stage {
+  public:
+    /// Pictures go to files whose names begin with prefix.
+    explicit Stage(const QString& prefix);
+
+    Body& body() { return m_body; }
+    /// The first window or control of this object name; ends the program when there is none.
+    QWidget* control(const char* name);
+
+    /// Runs batch lines to their end and shows what they left.
+    void run(const QStringList& lines);
+    void click(const char* button);
+    /// Takes in everything that is under way, such as a fit of the cursor's spectrum.
+    void settle();
+
+    /// The left button held from one place in a widget to another.
+    void drag(QWidget* widget, const QPointF& from, const QPointF& to);
+    // Mouse in the image view, in pixels of the image.
+    void select(const QPoint& from, const QPoint& to);
+    void wheel(const QPoint& at, int notches);
+
+    QImage picture(QWidget* widget) const;
+    void save(const QImage& image, const QString& name) const;
+    void save(QWidget* widget, const QString& name) const { save(picture(widget), name); }
+
+  private:
+    QString m_prefix;
+    Body m_body;
+};
+
+/// Pictures side by side on white, aligned at their top.
+QImage sideBySide(const QList<QImage>& images);
+
+/// Pictures of every window.
+void makeWindowPictures(Stage& stage);
+/// The pictures of the user guide. All of them in English, those of the first chapter in Japanese.
+void makeGuidePictures(Stage& stage, bool all);

@@ -1,0 +1,30 @@
+#include <QApplication>
+#include <QWidget>
+
+#include "Stage.h"
+#include "batch/BatchCtrl.h"
+
+void makeWindowPictures(Stage& stage) {
+    stage.run({QStringLiteral("analyzer_show_window"), QStringLiteral("calib_show_window"),
+               QStringLiteral("saveDataCfg_show_window")});
+    BatchCtrl* batch = stage.body().batchCtrl();
+    batch->show();
+    batch->setBatchFile(QStringLiteral("calibrate-and-fit.bat"));
+    stage.run(batch->editorLines(Qt::SkipEmptyParts));
+    stage.run(
+        {QStringLiteral("select_region 40 30 200 160"), QStringLiteral("move_position 123 100")});
+    stage.click("ShowXafsView");
+
+    int views = 0;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows) {
+        if (!window->isVisible() || window->windowTitle().isEmpty()) {
+            continue;
+        }
+        QString name = QString::fromLatin1(window->metaObject()->className()).toLower();
+        if (name == QLatin1String("xafsview")) {
+            name += QString::number(++views);
+        }
+        stage.save(window, name);
+    }
+}
