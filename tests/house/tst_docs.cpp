@@ -1,0 +1,156 @@
+#include <QDirIterator>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include "TestMain.h"
+
+// The documents hold together and with the program: what they link to, quote and tell to type.
+namespace {
+
+const QString Root = QStringLiteral(TARNWICK_SOURCE_DIR "/");
+
+QString textOf(const QString& fileName) {
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+QStringList filesBelow(const QString& dir, const QStringList& patterns) {
+    QStringList files;
+    QDirIterator it(Root + dir, patterns, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        files.append(it.next());
+    files.sort();
+    return files;
+}
+
+QStringList documents() {
+    return QStringList{Root + "README.md", Root + "CONTRIBUTING.md", Root + "samples/README.md"} +
+           filesBelow("docs", {"*.md"});
+}
+
+QStringList captures(const QString& text, const QString& pattern) {
+    QStringList found;
+    auto it = QRegularExpression(pattern, QRegularExpression::DotMatchesEverythingOption)
+                  .globalMatch(text);
+    while (it.hasNext())
+        found.append(it.next().captured(1));
+    return found;
+}
+
+// The names by which a heading can be linked to.
+QStringList anchorsOf(const QString& text) {
+    QStringList anchors;
+    for (const QString& line : text.split('\n')) {
+        if (line.startsWith('#')) {
+            QString anchor = line.section(' ', 1).toLower();
+            anchor.remove(QRegularExpression("[^\\w\\- ]"));
+            anchors.append(anchor.replace(' ', '-'));
+        }
+    }
+    return anchors;
+}
+
+}  // namespace
+
+class DocsTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void linksLeadSomewhere();
+    void everyPictureOfTheGuideIsUsed();
+    void quotedLogLinesAreThoseOfTheProgram();
+    void japaneseNamesAreThoseOfTheInterface();
+    void batchesOfTheGuideDoTheirWork();
+};
+
+void DocsTest::linksLeadSomewhere() {
+    QStringList broken;
+    int checked = 0;
+    for (const QString& document : documents()) {
+        for (const QString& link : captures(textOf(document), "\\]\\(([^)\\s]+)\\)")) {
+            if (link.contains("://"))
+                continue;
+            ++checked;
+            const QString path = link.section('#', 0, 0);
+            const QString target =
+                path.isEmpty() ? document : QFileInfo(document).dir().absoluteFilePath(path);
+            const QString anchor = link.section('#', 1);
+            if (!QFile::exists(target) ||
+                (!anchor.isEmpty() && !anchorsOf(textOf(target)).contains(anchor)))
+                broken.append(document + ": " + link);
+        }
+    }
+    QVERIFY(checked > 50);
+    QVERIFY2(broken.isEmpty(), qPrintable(broken.join('\n')));
+}
+
+void DocsTest::everyPictureOfTheGuideIsUsed() {
+    QString all;
+    for (const QString& document : documents())
+        all += textOf(document);
+    for (const QString& picture : filesBelow("docs/guide/images", {"*.png"})) {
+        const QFileInfo info(picture);
+        QVERIFY2(all.contains("images/" + info.fileName() + ')'), qPrintable(picture));
+        QVERIFY2(info.size() < 120000, qPrintable(picture));
+    }
+}
+
+void DocsTest::quotedLogLinesAreThoseOfTheProgram() {
+    QString program;
+    for (const QString& source : filesBelow("src", {"*.cpp"}))
+        program += textOf(source).remove(QRegularExpression("\"\\s*\""));  // texts in several lines
+    const QString chapter = textOf(Root + "docs/guide/troubleshooting.md");
+    const QString tables = chapter.section("## Lines in the terminal", 1).section("\n## ", 0, 0);
+    const QStringList lines = captures(tables, "(?:\\n\\| |`, |` to )`([^`]+)`");
+    QVERIFY(lines.size() > 20);
+    for (const QString& line : lines) {
+        // Up to the first name, number or time.
+        const QString fixed =
+            line.section(QRegularExpression("\\b(NAME|TEXT|TIME|WHY|N)\\b"), 0, 0);
+        QVERIFY2(program.contains(fixed.trimmed()), qPrintable(line));
+    }
+}
+
+void DocsTest::japaneseNamesAreThoseOfTheInterface() {
+    const QString texts = textOf(Root + "src/translations/Tarnwick_ja_JP.ts");
+    int checked = 0;
+    for (const QString& document : filesBelow("docs/guide/ja", {"*.md"})) {
+        for (QString name : captures(textOf(document), QStringLiteral("「([^」]+)」"))) {
+            if (name.contains('`'))
+                continue;  // a name from a file, not from the interface
+            const QString numbered = QString(name).replace(QRegularExpression("\\d"), "%1");
+            const bool known =
+                texts.contains('>' + name) || texts.contains('>' + numbered) || name == "mu-t";
+            QVERIFY2(known, qPrintable(document + ": " + name));
+            ++checked;
+        }
+    }
+    QVERIFY(checked > 20);
+}
+
+void DocsTest::batchesOfTheGuideDoTheirWork() {
+    QTemporaryDir dir;
+    QProcess samples;
+    samples.start(TARNWICK_SAMPLES, {dir.path(), "--size", "128x120", "--energies", "40"});
+    QVERIFY(samples.waitForFinished(60000) && samples.exitCode() == 0);
+    int checked = 0;
+    for (const QString& document : filesBelow("docs/guide", {"*.md"})) {
+        for (const QString& batch : captures(textOf(document), "\\n```batch\\n(.*?)\\n```")) {
+            QFile file(dir.filePath("guide.bat"));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(batch.toUtf8());
+            file.close();
+            QProcess runner;
+            runner.setWorkingDirectory(dir.path());
+            runner.start(TARNWICK_BATCH, {"guide.bat"});
+            QVERIFY(runner.waitForFinished(120000));
+            QVERIFY2(runner.exitCode() == 0, runner.readAllStandardOutput());
+            ++checked;
+        }
+    }
+    QVERIFY(checked > 2);
+}
+
+TARNWICK_TEST_MAIN(QCoreApplication, DocsTest)
+#include "tst_docs.moc"
