@@ -5,9 +5,6 @@
 #include <numeric>
 #include <utility>
 
-namespace {
-
-/// Decomposes the n x n matrix at lu in place; row gets the matrix's rows in pivot order.
 void decomposeInPlace(double* lu, int* row, int n) {
     std::iota(row, row + n, 0);
     for (int k = 0; k < n; ++k) {
@@ -40,7 +37,6 @@ void decomposeInPlace(double* lu, int* row, int n) {
     }
 }
 
-/// Forward and back substitution; x must not be b.
 void substitute(const double* lu, const int* row, int n, const double* b, double* x) {
     for (int i = 0; i < n; ++i) {
         double z = b[row[i]];
@@ -57,8 +53,6 @@ void substitute(const double* lu, const int* row, int n, const double* b, double
         x[i] = c / lu[i * n + i];
     }
 }
-
-}  // namespace
 
 void LuDecomposition::decompose(const double* a, int n) {
     m_n = n;

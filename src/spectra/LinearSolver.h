@@ -26,3 +26,10 @@ class LuDecomposition {
 
 /// Decomposes and solves in one go; x must not overlap b.
 void solveLinear(const double* a, const double* b, int n, double* x);
+
+// The two steps on plain memory, for those who keep many small decompositions.
+
+/// Decomposes the n x n matrix at lu in place; row gets the matrix's rows in pivot order.
+void decomposeInPlace(double* lu, int* row, int n);
+/// Forward and back substitution; x must not be b.
+void substitute(const double* lu, const int* row, int n, const double* b, double* x);

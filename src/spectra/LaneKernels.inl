@@ -1,0 +1,250 @@
+// The kernels of Lanes.h for one width of vector: included once for each, inside a namespace that
+// sets `Width`, the doubles of one vector, and the processor units that the compiler may use. What
+// is included before must bring every header that this needs.
+
+using Real = double __attribute__((vector_size(Width * 8)));
+using Bits = unsigned long long __attribute__((vector_size(Width * 8)));
+using Mask = decltype(Real() < Real());
+
+constexpr int Parts = Count / Width;
+
+[[gnu::always_inline]] inline Real load(const double* p) {
+    Real v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+[[gnu::always_inline]] inline void store(double* p, const Real& v) {
+    std::memcpy(p, &v, sizeof v);
+}
+
+[[gnu::always_inline]] inline bool any(const Mask& mask) {
+    long long bits = 0;
+    for (int l = 0; l < Width; ++l) {
+        bits |= mask[l];
+    }
+    return bits != 0;
+}
+
+/// Indices as doubles, to be compared with a broadcast index.
+[[gnu::always_inline]] inline Real indices(const int* p) {
+    Real v;
+    for (int l = 0; l < Width; ++l) {
+        v[l] = p[l];
+    }
+    return v;
+}
+
+[[gnu::always_inline]] inline int smallest(const int* p) {
+    return *std::min_element(p, p + Width);
+}
+
+[[gnu::always_inline]] inline int largest(const int* p) {
+    return *std::max_element(p, p + Width);
+}
+
+void muT(const Sums& sums, double* out) {
+    // Counts are finite, so that a difference of 0 to the frame before leaves its sum as it is.
+    const bool atFrame = sums.after == nullptr || (sums.fromBefore == 0.0 && sums.span > 1e-100);
+    for (int l = 0; l < Count; l += Width) {
+        Real s1 = load(sums.i1 + l);
+        Real s0 = Real{} + 1.0;
+        if (sums.before != nullptr) {
+            s0 = load(sums.before + l);
+            if (!atFrame) {
+                const Real after = load(sums.after + l);
+                s0 = sums.span == 0.0 ? 0.5 * (s0 + after)
+                                      : sums.fromBefore * ((after - s0) / sums.span) + s0;
+            }
+        }
+        if (sums.dark != nullptr) {
+            const Real dark = load(sums.dark + l);
+            s1 -= dark;
+            s0 = sums.before != nullptr ? s0 - dark : s0;
+        }
+        Real ln;
+        logarithmOf<Real, Bits>(s0 / s1, ln);
+        store(out + l, s0 * s1 > 0.0 ? ln : Real{} + 1.0);
+    }
+}
+
+void risingEdge(const double* mu, const double* e, int n, double fraction, double* edge) {
+    for (int l = 0; l < Count; l += Width) {
+        const double* const y = mu + l;
+        Real low = Real{} + 1e300;
+        Real high = Real{} - 1e300;
+        for (int i = 0; i < n; ++i) {
+            const Real v = load(y + i * Count);
+            low = v < low ? v : low;
+            high = v > high ? v : high;
+        }
+        const Real level = low + fraction * (high - low);
+        Mask open = ~Mask{};
+        Real result = Real{} + e[0];
+        Real before = load(y);
+        for (int i = 0; i + 1 < n; ++i) {
+            const Real after = load(y + (i + 1) * Count);
+            const Mask here = (before < level) & (after >= level) & open;
+            if (any(here)) {
+                const Real at = e[i] + (level - before) * (e[i + 1] - e[i]) / (after - before);
+                result = here ? at : result;
+                open &= ~here;
+                if (!any(open)) {
+                    break;
+                }
+            }
+            before = after;
+        }
+        store(edge + l, result);
+    }
+}
+
+template <int Terms>
+[[gnu::always_inline]] inline void rangeSumsOf(const double* mu, const double* weights,
+                                               const Range& range, double* sums) {
+    for (int l = 0; l < Count; l += Width) {
+        Real sum[Terms] = {};
+        const int from = smallest(range.first + l);
+        const int to = largest(range.end + l);
+        const int allFrom = largest(range.first + l);
+        const int allTo = smallest(range.end + l);
+        const Real first = indices(range.first + l);
+        const Real end = indices(range.end + l);
+        const auto add = [&](int i, bool all) {
+            const Real y = load(mu + i * Count + l);
+            const double index = i;
+            for (int k = 0; k < Terms; ++k) {
+                const Real term = weights[i * Terms + k] * y;
+                // Adding 0.0 leaves a sum that began with 0.0 as it is.
+                sum[k] += all ? term : ((first <= index) & (index < end) ? term : Real{});
+            }
+        };
+        int i = from;
+        for (; i < std::min(allFrom, to); ++i) {
+            add(i, false);
+        }
+        for (; i < allTo; ++i) {
+            add(i, true);
+        }
+        for (; i < to; ++i) {
+            add(i, false);
+        }
+        for (int k = 0; k < Terms; ++k) {
+            store(sums + k * Count + l, sum[k]);
+        }
+    }
+}
+
+void rangeSums(const double* mu, const double* weights, int terms, const Range& range,
+               double* sums) {
+    if (terms == 2) {
+        rangeSumsOf<2>(mu, weights, range, sums);
+    } else {
+        rangeSumsOf<3>(mu, weights, range, sums);
+    }
+}
+
+template <bool Victreen>
+[[gnu::always_inline]] inline Real curveAt(const Abscissa& at, int i, const Real& c0,
+                                           const Real& c1, const Real& c2) {
+    return Victreen ? c0 + (c2 * at.x[i] + c1) * at.cube[i] : c0 + c1 * at.x[i];
+}
+
+template <bool Victreen>
+[[gnu::always_inline]] inline void middleOf(const double* mu, const double* e, const Abscissa& at,
+                                            const Curve& pre, const Curve& post, const Range& range,
+                                            double* midE) {
+    for (int l = 0; l < Count; l += Width) {
+        const Real a0 = load(pre.c0 + l), a1 = load(pre.c1 + l), a2 = load(pre.c2 + l);
+        const Real b0 = load(post.c0 + l), b1 = load(post.c1 + l), b2 = load(post.c2 + l);
+        const Real first = indices(range.first + l);
+        const Real end = indices(range.end + l);
+        const int to = largest(range.end + l);
+        Real sum = {};
+        Real crossings = {};
+        for (int i = smallest(range.first + l); i < to; ++i) {
+            const Real below = curveAt<Victreen>(at, i, a0, a1, a2);
+            const Real middle = below + 0.5 * (curveAt<Victreen>(at, i, b0, b1, b2) - below);
+            const Real mu0 = load(mu + i * Count + l);
+            const Real mu1 = load(mu + (i + 1) * Count + l);
+            const double index = i;
+            const Mask here =
+                ((mu0 - middle) * (mu1 - middle) <= 0.0) & (first <= index) & (index < end);
+            if (any(here)) {
+                const Real slope = (middle - mu0) / (mu1 - mu0) * (e[i + 1] - e[i]);
+                const double mean = 0.5 * (e[i] + e[i + 1]);
+                const Real crossing = mu1 == mu0 ? Real{} + mean : e[i] + slope;
+                sum = here ? sum + crossing : sum;
+                crossings = here ? crossings + 1.0 : crossings;
+            }
+        }
+        const Real mean = sum / crossings;
+        store(midE + l, crossings > 0.0 ? mean : Real{});
+    }
+}
+
+void middle(const double* mu, const double* e, const Abscissa& at, const Curve& pre,
+            const Curve& post, const Range& range, double* midE) {
+    if (at.cube != nullptr) {
+        middleOf<true>(mu, e, at, pre, post, range, midE);
+    } else {
+        middleOf<false>(mu, e, at, pre, post, range, midE);
+    }
+}
+
+template <bool Victreen>
+[[gnu::always_inline]] inline void doubleNormalisedOf(const double* mu, const Abscissa& at,
+                                                      const Curve& pre, const Curve& post,
+                                                      const int* points, int count, double* y) {
+    for (int l = 0; l < Count; l += Width) {
+        const Real a0 = load(pre.c0 + l), a1 = load(pre.c1 + l), a2 = load(pre.c2 + l);
+        const Real b0 = load(post.c0 + l), b1 = load(post.c1 + l), b2 = load(post.c2 + l);
+        for (int p = 0; p < count; ++p) {
+            const int i = points[p];
+            const Real below = curveAt<Victreen>(at, i, a0, a1, a2);
+            const Real above = curveAt<Victreen>(at, i, b0, b1, b2);
+            store(y + p * Count + l, (load(mu + i * Count + l) - below) / (above - below));
+        }
+    }
+}
+
+void doubleNormalised(const double* mu, const Abscissa& at, const Curve& pre, const Curve& post,
+                      const int* points, int count, double* y) {
+    if (at.cube != nullptr) {
+        doubleNormalisedOf<true>(mu, at, pre, post, points, count, y);
+    } else {
+        doubleNormalisedOf<false>(mu, at, pre, post, points, count, y);
+    }
+}
+
+template <int Terms>
+[[gnu::always_inline]] inline void projectionsOf(const double* y, const double* f, int stride,
+                                                 int count, double* sums) {
+    for (int l = 0; l < Count; l += Width) {
+        Real sum[Terms] = {};
+        for (int p = 0; p < count; ++p) {
+            const Real value = load(y + p * Count + l);
+            for (int r = 0; r < Terms; ++r) {
+                sum[r] += f[p * stride + r] * value;
+            }
+        }
+        for (int r = 0; r < Terms; ++r) {
+            store(sums + r * Count + l, sum[r]);
+        }
+    }
+}
+
+void projections(const double* y, const double* f, int stride, int count, double* sums) {
+    int r = 0;
+    for (; r + 4 <= stride; r += 4) {
+        projectionsOf<4>(y, f + r, stride, count, sums + r * Count);
+    }
+    for (; r + 2 <= stride; r += 2) {
+        projectionsOf<2>(y, f + r, stride, count, sums + r * Count);
+    }
+    if (r < stride) {
+        projectionsOf<1>(y, f + r, stride, count, sums + r * Count);
+    }
+}
+
+constexpr Kernels All = {muT, risingEdge, rangeSums, middle, doubleNormalised, projections};

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <vector>
+
+#include "spectra/Lanes.h"
+
+/// Normalises spectra of the same energies as XafsSpectrum does, a pack at a time and to the same
+/// bits: the edge, the pre-edge and the post-edge curve, the middle of the edge and the edge jump.
+///
+/// What depends on the energies alone is worked out once: the abscissae of the curves, and for
+/// every pair of first and last point that a background has been fitted over the decomposed normal
+/// matrix. For one thread.
+class LaneNormaliser {
+  public:
+    /// Whether spectra of these energies can be normalised here: at least four, finite and strictly
+    /// ascending. Others need XafsSpectrum itself.
+    static bool suits(const std::vector<double>& energies);
+
+    /// Ranges of the backgrounds are those of a new XafsSpectrum.
+    LaneNormaliser(const std::vector<double>& energies, int backgroundType,
+                   lanes::Units units = lanes::bestUnits());
+
+    /// Normalises the pack mu[energy * lanes::Count + spectrum].
+    void normalise(const double* mu);
+
+    // Of the last pack, one for each of its spectra.
+    const double* midE() const { return m_midE; }
+    const double* dMut() const { return m_dMut; }
+
+    /// (mu - pre) / (post - pre) of the last pack at some of the energies.
+    void doubleNormalised(const double* mu, const std::vector<int>& points, double* y) const;
+
+    /// Values of the two curves of spectrum l at an energy, as their valueAt() gives them.
+    double preAt(double e, int l) const;
+    double postAt(double e, int l) const;
+
+  private:
+    /// A background's fit over a range: what is the same for all spectra.
+    struct Prepared {
+        int points = 0;
+        double lu[9] = {};
+        int row[3] = {};
+    };
+
+    void fit(const double* mu, const double* edges, double start, double end, lanes::Curve* curve);
+    int prepared(int first, int end);
+    void solve(const Prepared& prepared, const double* sums, int l, lanes::Curve* curve) const;
+    int lowerBound(double e, int hint) const;
+    int pairAround(double e) const;
+    double curveAt(const lanes::Curve& curve, int i, int l) const;
+    double interpolatedAt(const lanes::Curve& curve, double e, int pair, int l) const;
+
+    bool m_victreen;
+    int m_terms;  // of a background: c0, c1 and for Victreen c2
+    double m_preStart;
+    double m_preEnd;
+    double m_postStart;
+    double m_postEnd;
+    const lanes::Kernels& m_kernels;
+    std::vector<double> m_energies;
+    std::vector<double> m_lambdas;
+    std::vector<double> m_cubes;
+    std::vector<double> m_weights;  // of the right sides, m_terms a point
+    lanes::Abscissa m_abscissa;
+
+    std::vector<Prepared> m_prepared;
+    std::vector<std::vector<int>> m_preparedAt;  // [first][end]: index of m_prepared, -1 for none
+
+    lanes::Curve m_pre = {};
+    lanes::Curve m_post = {};
+    double m_midE[lanes::Count] = {};
+    double m_dMut[lanes::Count] = {};
+};

@@ -1,0 +1,68 @@
+#include "spectra/Lanes.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "spectra/Logarithm.h"
+
+// The same source for every width of vector. No unit for fused multiplication and addition is
+// named: it would round otherwise than the two one after the other.
+
+namespace lanes {
+
+namespace baseline {
+constexpr int Width = 2;
+#include "spectra/LaneKernels.inl"
+}  // namespace baseline
+
+#ifdef __x86_64__
+
+#pragma GCC push_options
+#pragma GCC target("avx2")
+namespace wide4 {
+constexpr int Width = 4;
+#include "spectra/LaneKernels.inl"
+}  // namespace wide4
+#pragma GCC pop_options
+
+#pragma GCC push_options
+#pragma GCC target("avx512f,avx512dq,avx512vl")
+namespace wide8 {
+constexpr int Width = 8;
+#include "spectra/LaneKernels.inl"
+}  // namespace wide8
+#pragma GCC pop_options
+
+Units bestUnits() {
+    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
+        __builtin_cpu_supports("avx512vl")) {
+        return Units::Wide8;
+    }
+    return __builtin_cpu_supports("avx2") ? Units::Wide4 : Units::Baseline;
+}
+
+const Kernels& kernels(Units units) {
+    // Units that the processor does not have would end the program.
+    switch (std::min(units, bestUnits())) {
+        case Units::Wide8:
+            return wide8::All;
+        case Units::Wide4:
+            return wide4::All;
+        default:
+            return baseline::All;
+    }
+}
+
+#else
+
+Units bestUnits() {
+    return Units::Baseline;
+}
+
+const Kernels& kernels(Units) {
+    return baseline::All;
+}
+
+#endif
+
+}  // namespace lanes

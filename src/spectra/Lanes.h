@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstddef>
+
+// Spectra that are worked on side by side, for speed: every operation of a kernel is done for all
+// of them before the next. Each spectrum sees its own operations in the order in which it would
+// see them alone, so that it gets the same bits whoever is beside it.
+namespace lanes {
+
+/// Spectra in a pack. Value i of spectrum l of a pack is at [i * Count + l].
+constexpr int Count = 8;
+
+/// The units of the processor that a kernel may use. All of them give the same bits.
+enum class Units { Baseline, Wide4, Wide8 };
+
+/// The widest that this processor has.
+Units bestUnits();
+
+/// A straight line c0 + c1 E or a Victreen curve c0 + (c2 lambda + c1) lambda^3 for every spectrum
+/// of a pack.
+struct Curve {
+    double c0[Count];
+    double c1[Count];
+    double c2[Count];
+};
+
+/// What curves are drawn over: lambda and its cube at every energy, or the energy and nothing.
+struct Abscissa {
+    const double* x;     ///< energy, or lambda of a Victreen curve
+    const double* cube;  ///< lambda^3; null for straight lines
+};
+
+/// Indices first <= i < end of the points that count, for every spectrum of a pack.
+struct Range {
+    int first[Count];
+    int end[Count];
+};
+
+/// Where mu-t of a row of bins comes from at one energy.
+struct Sums {
+    const double* i1;      ///< box sums of the I1 frame
+    const double* before;  ///< of the I0 frame at or before the energy; null: s0 is 1.0
+    const double* after;   ///< of the next I0 frame; null: no interpolation
+    const double* dark;    ///< of the dark frame; null: none
+    double fromBefore;     ///< energy less that of the I0 frame before
+    double span;           ///< energy between the two I0 frames
+};
+
+struct Kernels {
+    /// out[l] = ln(s0 / s1) for the spectra of one pack, 1.0 where s0 s1 is not above 0.
+    void (*muT)(const Sums& sums, double* out);
+
+    /// Energy at which each spectrum first rises through minimum + fraction (maximum - minimum),
+    /// interpolated; e[0] where it does not. At least one point.
+    void (*risingEdge)(const double* mu, const double* e, int n, double fraction, double* edge);
+
+    /// sums[k * Count + l] = sum over the spectrum's range of weights[i * terms + k] mu[i], in
+    /// ascending order. terms: 2 or 3.
+    void (*rangeSums)(const double* mu, const double* weights, int terms, const Range& range,
+                      double* sums);
+
+    /// Mean energy at which each spectrum crosses the middle between two curves between two points
+    /// of its range; 0.0 for none.
+    void (*middle)(const double* mu, const double* e, const Abscissa& at, const Curve& pre,
+                   const Curve& post, const Range& range, double* midE);
+
+    /// y[p] = (mu - pre) / (post - pre) at points[p].
+    void (*doubleNormalised)(const double* mu, const Abscissa& at, const Curve& pre,
+                             const Curve& post, const int* points, int count, double* y);
+
+    /// sums[r * Count + l] = sum of f[p * stride + r] y[p] over the points, in their order.
+    void (*projections)(const double* y, const double* f, int stride, int count, double* sums);
+};
+
+const Kernels& kernels(Units units);
+
+}  // namespace lanes
