@@ -6,6 +6,7 @@
 
 #include "imagedata/DarkFrame.h"
 #include "imagedata/FrameSet.h"
+#include "spectra/Logarithm.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ namespace {
 constexpr qint64 RowsPerColumnSum = 65537;
 
 double muT(double s0, double s1) {
-    return s0 * s1 > 0.0 ? std::log(s0 / s1) : 1.0;
+    return s0 * s1 > 0.0 ? logarithm(s0 / s1) : 1.0;
 }
 
 }  // namespace
@@ -80,7 +81,8 @@ BlockRowSpectra::BlockRowSpectra(const AbsorptionSource& source, int firstX, int
       m_stepX(std::max(1, stepX)),
       m_count(0),
       m_halfWidth(halfWidth),
-      m_halfHeight(halfHeight) {
+      m_halfHeight(halfHeight),
+      m_kernels(lanes::kernels(lanes::bestUnits())) {
     const int end = std::min(endX, source.m_width);
     if (firstX >= 0 && firstX < end) {
         m_count = (end - 1 - firstX) / m_stepX + 1;
@@ -107,21 +109,32 @@ Spectrum BlockRowSpectra::at(int x, int y) {
 void BlockRowSpectra::sumBlocks(const TiffData& frame, int y, double* sums) {
     const qint64 halfWidth = std::abs(static_cast<qint64>(m_halfWidth));
     const qint64 halfHeight = std::abs(static_cast<qint64>(m_halfHeight));
-    const qint64 lastX = m_firstX + static_cast<qint64>(m_count - 1) * m_stepX;
+    const qint64 firstX = m_firstX + static_cast<qint64>(m_sumFirst) * m_stepX;
+    const qint64 lastX = firstX + static_cast<qint64>(m_sumCount - 1) * m_stepX;
     const qint64 top = std::max<qint64>(0, y - halfHeight);
     const qint64 bottom =
         std::min<qint64>(static_cast<qint64>(frame.rows.size()) - 1, y + halfHeight);
     // Only the columns that some block covers.
-    const qint64 from = std::max<qint64>(0, m_firstX - halfWidth);
+    const qint64 from = std::max<qint64>(0, firstX - halfWidth);
     const qint64 to = std::min<qint64>(static_cast<qint64>(frame.width) - 1, lastX + halfWidth);
     if (to < from || bottom < top) {
-        std::fill(sums, sums + m_count, 0.0);
+        std::fill(sums, sums + m_sumCount, 0.0);
         return;
     }
     if (bottom - top >= RowsPerColumnSum) {
-        for (int block = 0; block < m_count; ++block) {
-            sums[block] = frame.boxSum(m_firstX + block * m_stepX, y, m_halfWidth, m_halfHeight);
+        for (int block = 0; block < m_sumCount; ++block) {
+            sums[block] = frame.boxSum(static_cast<int>(firstX + qint64(block) * m_stepX), y,
+                                       m_halfWidth, m_halfHeight);
         }
+        return;
+    }
+    if (halfWidth == 0 && top == bottom && m_stepX == 1) {
+        const quint16* const row = frame.rows[static_cast<std::size_t>(top)] + from;
+        const qint64 inside = to - from + 1;
+        for (qint64 block = 0; block < inside; ++block) {
+            sums[block] = row[block];
+        }
+        std::fill(sums + inside, sums + m_sumCount, 0.0);
         return;
     }
     // Whole numbers: the order of summing does not change the result.
@@ -134,8 +147,8 @@ void BlockRowSpectra::sumBlocks(const TiffData& frame, int y, double* sums) {
             columns[c] += row[c];
         }
     }
-    for (int block = 0; block < m_count; ++block) {
-        const qint64 x = m_firstX + static_cast<qint64>(block) * m_stepX;
+    for (int block = 0; block < m_sumCount; ++block) {
+        const qint64 x = firstX + static_cast<qint64>(block) * m_stepX;
         const qint64 left = std::max(from, x - halfWidth);
         const qint64 right = std::min(to, x + halfWidth);
         quint64 sum = 0;
@@ -146,40 +159,69 @@ void BlockRowSpectra::sumBlocks(const TiffData& frame, int y, double* sums) {
     }
 }
 
-void BlockRowSpectra::formRow(int y) {
-    m_row = y;
-    const std::size_t blocks = static_cast<std::size_t>(m_count);
-    const std::size_t energies = m_source.m_energies.size();
+void BlockRowSpectra::sum(int y, int firstBlock, int blocks) {
+    m_sumFirst = firstBlock;
+    m_sumCount = blocks;
     const std::size_t i0Frames = static_cast<std::size_t>(m_source.m_i0.size());
-    m_i0Sums.resize(blocks * i0Frames);
-    m_i1Sums.resize(blocks);
-    m_values.resize(blocks * energies);
-    m_darkSums.resize(blocks);
-    for (std::size_t block = 0; block < blocks; ++block) {
-        m_darkSums[block] = m_source.darkSum(m_firstX + static_cast<int>(block) * m_stepX, y,
-                                             m_halfWidth, m_halfHeight);
-    }
+    const std::size_t i1Frames = m_source.m_energies.size();
+    m_stride = (static_cast<std::size_t>(blocks) + lanes::Count - 1) / lanes::Count * lanes::Count;
+    m_i0Sums.resize(m_stride * i0Frames);
+    m_i1Sums.resize(m_stride * i1Frames);
     for (std::size_t i = 0; i < i0Frames; ++i) {
-        sumBlocks(*m_source.m_i0.at(static_cast<int>(i)), y, &m_i0Sums[i * blocks]);
+        sumBlocks(*m_source.m_i0.at(static_cast<int>(i)), y, &m_i0Sums[i * m_stride]);
+    }
+    for (std::size_t i = 0; i < i1Frames; ++i) {
+        sumBlocks(*m_source.m_i1.at(static_cast<int>(i)), y, &m_i1Sums[i * m_stride]);
+    }
+    if (m_source.m_dark != nullptr) {
+        m_darkSums.resize(m_stride);
+        for (int block = 0; block < blocks; ++block) {
+            m_darkSums[static_cast<std::size_t>(block)] = m_source.darkSum(
+                m_firstX + (firstBlock + block) * m_stepX, y, m_halfWidth, m_halfHeight);
+        }
+    }
+}
+
+void BlockRowSpectra::formPack(int block, double* mu) const {
+    const std::size_t first = static_cast<std::size_t>(block);
+    const std::size_t energies = m_source.m_energies.size();
+    lanes::Sums sums = {};
+    sums.dark = m_darkSums.empty() ? nullptr : &m_darkSums[first];
+    if (m_source.m_i0.size() == 1) {
+        sums.before = &m_i0Sums[first];
     }
     for (std::size_t e = 0; e < energies; ++e) {
-        sumBlocks(*m_source.m_i1.at(static_cast<int>(e)), y, m_i1Sums.data());
-        const double* before = nullptr;
-        const double* after = nullptr;
+        sums.i1 = &m_i1Sums[e * m_stride + first];
         if (!m_source.m_brackets.empty()) {
-            before = &m_i0Sums[static_cast<std::size_t>(m_source.m_brackets[e].first) * blocks];
-            after = before + blocks;
+            const AbsorptionSource::Bracket& bracket = m_source.m_brackets[e];
+            sums.before = &m_i0Sums[static_cast<std::size_t>(bracket.first) * m_stride + first];
+            sums.after = sums.before + m_stride;
+            sums.fromBefore = bracket.fromFirst;
+            sums.span = bracket.span;
         }
-        for (std::size_t block = 0; block < blocks; ++block) {
-            const double dark = m_darkSums[block];
-            double s0 = 1.0;
-            if (before != nullptr) {
-                s0 = m_source.interpolated(m_source.m_brackets[e], before[block], after[block]) -
-                     dark;
-            } else if (i0Frames == 1) {
-                s0 = m_i0Sums[block] - dark;
+        m_kernels.muT(sums, mu + e * lanes::Count);
+    }
+}
+
+void BlockRowSpectra::formRow(int y) {
+    // Few enough bins at a time for their sums to stay in the fast part of the memory.
+    constexpr int BlocksAtATime = 32 * lanes::Count;
+    m_row = y;
+    const std::size_t energies = m_source.m_energies.size();
+    m_values.resize(static_cast<std::size_t>(m_count) * energies);
+    m_pack.resize(energies * lanes::Count);
+    for (int first = 0; first < m_count; first += BlocksAtATime) {
+        sum(y, first, std::min(BlocksAtATime, m_count - first));
+        for (int block = 0; block < m_sumCount; block += lanes::Count) {
+            formPack(block, m_pack.data());
+            const int formed = std::min(lanes::Count, m_sumCount - block);
+            for (int l = 0; l < formed; ++l) {
+                double* const values =
+                    &m_values[static_cast<std::size_t>(first + block + l) * energies];
+                for (std::size_t e = 0; e < energies; ++e) {
+                    values[e] = m_pack[e * lanes::Count + static_cast<std::size_t>(l)];
+                }
             }
-            m_values[block * energies + e] = muT(s0, m_i1Sums[block] - dark);
         }
     }
 }

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "spectra/Lanes.h"
 #include "spectra/Spectrum.h"
 
 class DarkFrame;
@@ -54,13 +55,24 @@ class AbsorptionSource {
 /// are read once, in order, instead of once a position. The same numbers as spectrumAt().
 class BlockRowSpectra {
   public:
-    /// Positions firstX, firstX + stepX, ... below endX.
+    /// Positions firstX, firstX + stepX, ... below endX and inside the image.
     BlockRowSpectra(const AbsorptionSource& source, int firstX, int stepX, int endX, int halfWidth,
                     int halfHeight);
+
+    /// Positions of a row.
+    int count() const { return m_count; }
 
     /// Spectrum at a position. Forms its row when that is not the one held; a position off the
     /// raster is formed on its own.
     Spectrum at(int x, int y);
+
+    /// Sums up the bins of `blocks` positions of row y from the given one on; what at() holds is
+    /// kept.
+    void sum(int y, int firstBlock, int blocks);
+    /// mu-t of a pack of the bins summed last, mu[energy * lanes::Count + block]: those from
+    /// `block` on, a multiple of lanes::Count counted from their first. What lies beyond the last
+    /// bin is some number.
+    void formPack(int block, double* mu) const;
 
   private:
     void formRow(int y);
@@ -72,10 +84,18 @@ class BlockRowSpectra {
     int m_count;
     int m_halfWidth;
     int m_halfHeight;
+    const lanes::Kernels& m_kernels;
+
     int m_row = -1;
-    std::vector<double> m_values;    // energies of block 0, of block 1, ...
-    std::vector<quint32> m_columns;  // column sums of the frame being summed
-    std::vector<double> m_i0Sums;    // block sums of every I0 frame
+    std::vector<double> m_values;  // of the row held: energies of block 0, of block 1, ...
+    std::vector<double> m_pack;
+
+    // Of the bins summed last, whole packs of them for every frame.
+    int m_sumFirst = 0;
+    int m_sumCount = 0;
+    std::size_t m_stride = 0;
+    std::vector<double> m_i0Sums;
     std::vector<double> m_i1Sums;
-    std::vector<double> m_darkSums;  // block sums of the dark frame
+    std::vector<double> m_darkSums;  // empty without a dark frame
+    std::vector<quint32> m_columns;  // column sums of the frame being summed
 };

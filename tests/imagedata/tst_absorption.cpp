@@ -9,6 +9,7 @@
 #include "imagedata/AbsorptionSource.h"
 #include "imagedata/DarkFrame.h"
 #include "imagedata/RowMemory.h"
+#include "spectra/Logarithm.h"
 
 namespace {
 
@@ -39,7 +40,7 @@ FrameSet noisyStack(const std::vector<double>& energies, unsigned seed) {
 double plainValue(const FrameSet& i1, const FrameSet& i0, int i, int x, int y, int hw, int hh) {
     const double s1 = i1.at(i)->boxSum(x, y, hw, hh);
     const double s0 = setValueAt(i0, i1.at(i)->energy, x, y, hw, hh);
-    return s0 * s1 > 0 ? std::log(s0 / s1) : 1.0;
+    return s0 * s1 > 0 ? logarithm(s0 / s1) : 1.0;
 }
 
 /// The same with the dark sum taken off both sums.
@@ -48,7 +49,7 @@ double darkValue(const FrameSet& i1, const FrameSet& i0, double dark, int i, int
     const double s1 = i1.at(i)->boxSum(x, y, hw, hh) - dark;
     const double interpolated = setValueAt(i0, i1.at(i)->energy, x, y, hw, hh);
     const double s0 = i0.isEmpty() ? interpolated : interpolated - dark;
-    return s0 * s1 > 0 ? std::log(s0 / s1) : 1.0;
+    return s0 * s1 > 0 ? logarithm(s0 / s1) : 1.0;
 }
 
 }  // namespace
