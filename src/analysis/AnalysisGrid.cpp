@@ -79,6 +79,16 @@ qint64 AnalysisGrid::rows() const {
     return points(static_cast<qint64>(y0) + halfH, y1, stepY);
 }
 
+BinRaster AnalysisGrid::raster() const {
+    AnalysisGrid first = *this;
+    first.start();
+    const auto limited = [](qint64 n) { return static_cast<int>(std::min<qint64>(n, 1 << 30)); };
+    BinRaster raster{first.x, std::max(1, stepX), limited(columns()), first.y, std::max(1, stepY),
+                  limited(rows()), halfW, halfH};
+    raster.cutTo(width, height);
+    return raster;
+}
+
 double AnalysisGrid::percent() const {
     return y1 == y0 ? 0.0 : (static_cast<double>(y) - y0) / (static_cast<double>(y1) - y0) * 100.0;
 }

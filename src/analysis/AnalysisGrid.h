@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 
+#include "imagedata/BinRaster.h"
+
 class QRectF;
 
 /// Which points of an image an analysis visits: row by row from (x0 + halfW, y0 + halfH) in steps
@@ -37,6 +39,9 @@ struct AnalysisGrid {
     qint64 columns() const;
     qint64 rows() const;
     qint64 pointCount() const { return columns() * rows(); }
+
+    /// The bins of all points that lie inside the image.
+    BinRaster raster() const;
 
     bool isInsideImage(qint64 px, qint64 py) const {
         return px >= 0 && py >= 0 && px < width && py < height;

@@ -16,18 +16,12 @@ double LinearFit::seriesAt(const XafsSpectrum& reference, const Spectrum& series
     return series.valueAt(series.shiftOn() ? shifted + series.shift() : shifted);
 }
 
-void LinearFit::prepare(const XafsSpectrum& sample) {
-    const std::size_t size = static_cast<std::size_t>(sample.size());
-    bool same = m_allEnergies.size() == size && !m_allEnergies.empty();
-    m_allEnergies.resize(size);
-    for (std::size_t k = 0; k < size; ++k) {
-        const double e = sample.correctedEnergy(static_cast<int>(k));
-        same = same && e == m_allEnergies[k];
-        m_allEnergies[k] = e;
-    }
-    if (same) {
+void LinearFit::prepare(const std::vector<double>& energies) {
+    const std::size_t size = energies.size();
+    if (size > 0 && m_allEnergies == energies) {
         return;
     }
+    m_allEnergies = energies;
 
     m_curveValid = false;
     double from = 0.0;
@@ -72,13 +66,15 @@ void LinearFit::prepare(const XafsSpectrum& sample) {
 }
 
 void LinearFit::fit(const XafsSpectrum& sample) {
-    m_ratios.clear();
-    m_dMuts.clear();
     if (m_curveType != sample.backgroundType()) {
         m_curveType = sample.backgroundType();
         m_curveValid = false;
     }
-    prepare(sample);
+    m_given.resize(static_cast<std::size_t>(sample.size()));
+    for (std::size_t k = 0; k < m_given.size(); ++k) {
+        m_given[k] = sample.correctedEnergy(static_cast<int>(k));
+    }
+    prepare(m_given);
 
     const std::size_t n = static_cast<std::size_t>(m_decomposition.size());
     std::vector<double> right(n, 0.0);
@@ -93,24 +89,32 @@ void LinearFit::fit(const XafsSpectrum& sample) {
         }
         f += n;
     }
-    m_decomposition.solve(right.data(), right.data());
+    solve(right.data());
+    m_ratios.resize(static_cast<std::size_t>(m_references.size()));
+    m_dMuts.resize(m_ratios.size());
+    shares(right.data(), sample.dMut(), m_ratios.data(), m_dMuts.data());
+}
 
+void LinearFit::shares(const double* coefficients, double edgeJump, double* ratios,
+                       double* dMuts) const {
+    const int n = referenceCount();
     if (m_method == Lcf) {
-        const double jump = std::fmax(0.0, sample.dMut());
-        for (double c : right) {
-            m_ratios.push_back(c);
-            m_dMuts.push_back(c * jump);
+        const double jump = std::fmax(0.0, edgeJump);
+        for (int i = 0; i < n; ++i) {
+            ratios[i] = coefficients[i];
+            dMuts[i] = coefficients[i] * jump;
         }
         return;
     }
     double sum = 0.0;
-    for (std::size_t i = 2; i < n; ++i) {
-        sum += right[i];
-        m_dMuts.push_back(right[i] < 0.0 ? 0.0 : right[i]);
+    for (int i = 0; i < n; ++i) {
+        const double c = coefficients[i + 2];
+        sum += c;
+        dMuts[i] = c < 0.0 ? 0.0 : c;
     }
     const double divisor = std::fmax(0.0, sum);
-    for (double c : m_dMuts) {
-        m_ratios.push_back(c / divisor);
+    for (int i = 0; i < n; ++i) {
+        ratios[i] = dMuts[i] / divisor;
     }
 }
 

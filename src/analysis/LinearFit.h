@@ -37,8 +37,23 @@ class LinearFit {
     /// energies of the last fit, normalised with the sample's background type.
     const XafsSpectrum& fittedCurve(const std::vector<double>& shares);
 
+    // What a fit of samples with given energies rests on, for those who fit several at once.
+
+    /// Brings it up to date: corrected energies of all points of a sample, in eV.
+    void prepare(const std::vector<double>& energies);
+    /// Indices of the points in the range, ascending.
+    const std::vector<int>& points() const { return m_points; }
+    /// Basis functions at those points, coefficientCount() a point.
+    const std::vector<double>& basis() const { return m_basis; }
+    int coefficientCount() const { return m_decomposition.size(); }
+    int referenceCount() const { return m_references.size(); }
+    /// Solves for the coefficients; right holds the sums of basis function times sample, and then
+    /// the coefficients.
+    void solve(double* right) const { m_decomposition.solve(right, right); }
+    /// Turns coefficients into ratios() and dMuts(), referenceCount() of each.
+    void shares(const double* coefficients, double edgeJump, double* ratios, double* dMuts) const;
+
   private:
-    void prepare(const XafsSpectrum& sample);
     double seriesAt(const XafsSpectrum& reference, const Spectrum& series, double e) const;
     const double* row(const std::vector<double>& table, std::size_t point) const {
         return table.data() + point * static_cast<std::size_t>(m_references.size());
@@ -49,6 +64,7 @@ class LinearFit {
 
     // Of the energies of the last sample.
     std::vector<double> m_allEnergies;  // of every point
+    std::vector<double> m_given;        // those of the sample being fitted
     std::vector<double> m_energies;     // of the points in range
     std::vector<int> m_points;          // their indices
     std::vector<double> m_preBase;      // double-normalized-pre-base, point by point

@@ -1,0 +1,19 @@
+#pragma once
+
+/// Bins at regular places of an image: columns x rows of them, from (firstX, firstY) in steps of
+/// stepX and stepY, each (2 halfWidth + 1) x (2 halfHeight + 1) pixels. What lies outside the image
+/// has no spectrum and is left out by cutTo().
+struct BinRaster {
+    int firstX = 0;
+    int stepX = 1;
+    int columns = 0;
+    int firstY = 0;
+    int stepY = 1;
+    int rows = 0;
+    int halfWidth = 0;
+    int halfHeight = 0;
+
+    void cutTo(int width, int height);
+    int x(int column) const { return firstX + column * stepX; }
+    int y(int row) const { return firstY + row * stepY; }
+};
