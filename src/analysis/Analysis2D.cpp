@@ -22,7 +22,8 @@ void prepare(Analyzed2DRes* result, const AnalysisGrid& grid, int no) {
 
 }  // namespace
 
-bool Analysis2D::startLcf(const AnalysisGrid& grid, SpectrumAt spectrumAt, QString* whyNot) {
+bool Analysis2D::startLcf(const AnalysisGrid& grid, SpectrumAt spectrumAt, QString* whyNot,
+                          const FitPass& fitPass) {
     m_panels = m_analyzer->references().size();
     if (m_panels < 2) {
         *whyNot = QStringLiteral("fewer than two reference panels");
@@ -53,8 +54,66 @@ bool Analysis2D::startLcf(const AnalysisGrid& grid, SpectrumAt spectrumAt, QStri
         }
     }
     debugTimed(QStringLiteral("2da 2:"));
-    handOver(*first);
+    if (!startPass(fitPass)) {
+        handOver(*first);
+    }
     return true;
+}
+
+bool Analysis2D::startPass(const FitPass& fitPass) {
+    if (!fitPass) {
+        return false;
+    }
+    const QVector<XafsSpectrum> references = m_analyzer->freezeReferences(&m_passPanels);
+    if (!references.isEmpty()) {
+        m_pass = fitPass(references, m_analyzer->method());
+    }
+    return m_pass != nullptr;
+}
+
+void Analysis2D::recordRow(const RasterPass::Row& row) {
+    const BinRaster& raster = m_pass->raster();
+    const int references = static_cast<int>(m_passPanels.size());
+    const int y = raster.y(row.row);
+    m_grid.y = y;
+    // One image after the other, so that each is written along its rows.
+    for (int kind = 0; kind < m_analyzer->imageKinds(); ++kind) {
+        for (int u = 0; u < references; ++u) {
+            const int image = m_panels * kind + m_passPanels[static_cast<std::size_t>(u)];
+            const double* value = row.values + kind * references + u;
+            for (int column = 0; column < raster.columns; ++column) {
+                m_results[image]->setData(raster.x(column), y, m_grid.halfW, m_grid.halfH, *value);
+                value += 2 * references;
+            }
+        }
+    }
+}
+
+Analysis2D::Progress Analysis2D::lcfRowsReady() {
+    if (!m_pass) {
+        return Progress::Idle;
+    }
+    bool pending = false;
+    for (;;) {
+        const RasterPass::Row row = m_pass->tryTake(&pending);
+        if (row.values == nullptr) {
+            break;
+        }
+        recordRow(row);
+    }
+    m_analyzer->setProgress(m_grid.percent());
+    if (pending) {
+        return Progress::NewRow;
+    }
+    if (m_pass->failed()) {
+        idle();
+        return Progress::OutOfMemory;
+    }
+    const BinRaster raster = m_pass->raster();
+    m_pass.reset();
+    m_grid.x = raster.x(raster.columns - 1);
+    m_analyzer->analyzeSpectrum(m_spectrumAt(m_grid.x, m_grid.y));
+    return Progress::NewRow;
 }
 
 std::optional<Analysis2D::Point> Analysis2D::nextPoint(AnalysisGrid grid, bool atFirst) const {
@@ -127,6 +186,7 @@ void Analysis2D::generateLcfImages() {
 
 void Analysis2D::idle() {
     m_running = false;
+    m_pass.reset();
     m_next.reset();
     m_spectrumAt = nullptr;
     m_analyzer->setContAccess(false);
@@ -146,10 +206,9 @@ void Analysis2D::stopLcf() {
     }
 }
 
-void Analysis2D::runRa(const AnalysisGrid& grid, const SpectrumAt& spectrumAt,
+void Analysis2D::runRa(const AnalysisGrid& grid, const BinValuesAt& curvesAt,
                        const std::function<void(double)>& progress) {
     const double factor = m_analyzer->raFactor();
-    const double energy = m_analyzer->raEnergy();
     Analyzed2DRes* dmutImage = m_analyzer->raDmut();
     Analyzed2DRes* restImage = m_analyzer->raRest();
     m_analyzer->applyScales();
@@ -160,14 +219,12 @@ void Analysis2D::runRa(const AnalysisGrid& grid, const SpectrumAt& spectrumAt,
     forEachPoint(
         grid,
         [&](int x, int y) {
-            const XafsSpectrum spectrum = spectrumAt(x, y);
-            if (spectrum.isEmpty()) {
+            const double* curves = curvesAt(x, y);
+            if (curves == nullptr) {
                 return;
             }
-            const double e = spectrum.shiftOn() ? energy - spectrum.shift() : energy;
-            const double pre = spectrum.preEdge().valueAt(e);
-            const double post = spectrum.postEdge().valueAt(e);
-            const double dmut = post - pre;
+            const double pre = curves[0];
+            const double dmut = curves[1] - pre;
             dmutImage->setData(x, y, grid.halfW, grid.halfH, dmut);
             restImage->setData(x, y, grid.halfW, grid.halfH, pre - factor * dmut);
         },

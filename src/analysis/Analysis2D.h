@@ -2,9 +2,12 @@
 
 #include <QVector>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "analysis/AnalysisGrid.h"
+#include "analysis/LinearFit.h"
+#include "imagedata/RasterPass.h"
 #include "spectra/XafsSpectrum.h"
 
 class Analyzed2DRes;
@@ -15,7 +18,9 @@ class QString;
 ///
 /// LCF: one point at a time is with the analyzer's fitter; each report records the point and hands
 /// over the next, whose spectrum has been prepared meanwhile. Points without a spectrum are passed
-/// over. The result is a DMut and a Ratio image for every reference.
+/// over. The result is a DMut and a Ratio image for every reference. Where no window has to stay
+/// alive, a pass over the raster fits rows of points on all cores instead, with the same results,
+/// and only the last point goes to the fitter, so that the analyzer ends as it would.
 ///
 /// Residual absorption (RA): one pass that blocks. The result is a dmut, a rest and a ratio image.
 class Analysis2D {
@@ -25,28 +30,37 @@ class Analysis2D {
 
     /// What a report of the fitter has led to: nothing runs; it was of an older fit and does not
     /// count; the next point of the row, or of a new row, is with the fitter; the last point is
-    /// recorded.
-    enum class Progress { Idle, SamePoint, NextPoint, NewRow, Finished };
+    /// recorded; memory ran out.
+    enum class Progress { Idle, SamePoint, NextPoint, NewRow, Finished, OutOfMemory };
+
+    /// Makes the pass that fits all points, see fitEvaluators(); null where they must be fitted one
+    /// at a time.
+    using FitPass = std::function<std::unique_ptr<RasterPass>(
+        const QVector<XafsSpectrum>& references, LinearFit::Method method)>;
 
     explicit Analysis2D(Analyzer* analyzer) : m_analyzer(analyzer) {}
 
     /// Starts the LCF analysis. False with a reason when there are fewer than two references or no
     /// point of the area has a spectrum.
-    bool startLcf(const AnalysisGrid& grid, SpectrumAt spectrumAt, QString* whyNot);
+    bool startLcf(const AnalysisGrid& grid, SpectrumAt spectrumAt, QString* whyNot,
+                  const FitPass& fitPass = {});
     void stopLcf();
     bool lcfRunning() const { return m_running; }
     double lcfPercent() const { return m_grid.percent(); }
     /// The fitter has reported: records its point and hands over the next. After Finished the
     /// caller makes the images and ends the analysis.
     Progress lcfPointReported();
+    /// Rows of the pass are ready: records them. After OutOfMemory the analysis has ended.
+    Progress lcfRowsReady();
     /// Writes the fitter's results into the images of the panels that took part in the fit.
     void recordPoint();
     /// Remakes the pictures of all DMut and Ratio images.
     void generateLcfImages();
     void endLcf();
 
-    /// Runs the RA analysis; progress gets the per cent done at each new row.
-    void runRa(const AnalysisGrid& grid, const SpectrumAt& spectrumAt,
+    /// Runs the RA analysis; progress gets the per cent done at each new row. curvesAt gives the
+    /// values of the pre-edge and the post-edge curve at raEnergy().
+    void runRa(const AnalysisGrid& grid, const BinValuesAt& curvesAt,
                const std::function<void(double)>& progress);
     /// Computes the ratio image and remakes the three pictures.
     void generateRaImages();
@@ -61,6 +75,8 @@ class Analysis2D {
 
     std::optional<Point> nextPoint(AnalysisGrid grid, bool atFirst) const;
     void handOver(const Point& point);
+    bool startPass(const FitPass& fitPass);
+    void recordRow(const RasterPass::Row& row);
     void idle();
 
     Analyzer* m_analyzer;
@@ -71,4 +87,6 @@ class Analysis2D {
     std::optional<Point> m_next;
     QVector<Analyzed2DRes*> m_results;  // all DMut images, then all Ratio images, in panel order
     int m_panels = 0;
+    std::unique_ptr<RasterPass> m_pass;
+    std::vector<int> m_passPanels;  // whose references the pass fits
 };

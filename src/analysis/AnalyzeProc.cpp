@@ -38,20 +38,27 @@ bool AnalyzeProc::isPreparedFor(const QVector<LCFReference*>& panels,
     return true;
 }
 
-void AnalyzeProc::prepareFor(const QVector<LCFReference*>& panels, LinearFit::Method method) {
+QVector<XafsSpectrum> usedReferences(const QVector<LCFReference*>& panels,
+                                     std::vector<int>* usedPanels) {
     QVector<XafsSpectrum> references;
-    m_usedPanels.clear();
-    m_revisions.clear();
+    usedPanels->clear();
     for (int r = 0; r < panels.size(); ++r) {
         const LCFReference::FitInput& input = panels.at(r)->fitInput();
-        m_revisions.push_back(input.revision);
         if (input.used) {
             references.append(input.spectrum);
-            m_usedPanels.push_back(r);
+            usedPanels->push_back(r);
         }
     }
+    return references;
+}
+
+void AnalyzeProc::prepareFor(const QVector<LCFReference*>& panels, LinearFit::Method method) {
+    m_revisions.clear();
+    for (LCFReference* panel : panels) {
+        m_revisions.push_back(panel->fitInput().revision);
+    }
     m_method = method;
-    m_fit = std::make_unique<LinearFit>(references, method);
+    m_fit = std::make_unique<LinearFit>(usedReferences(panels, &m_usedPanels), method);
 }
 
 void AnalyzeProc::analyze(const XafsSpectrum& sample, const QVector<LCFReference*>& panels,

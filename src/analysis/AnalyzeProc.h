@@ -59,4 +59,8 @@ class AnalyzeProc : public QObject {
     std::vector<quint64> m_revisions;  // of the panels' input that m_fit was made from
 };
 
+/// The spectra of the panels whose frozen input is in use, and the panels' indices.
+QVector<XafsSpectrum> usedReferences(const QVector<LCFReference*>& panels,
+                                     std::vector<int>* usedPanels);
+
 Q_DECLARE_METATYPE(QVector<LCFReference*>)

@@ -160,11 +160,24 @@ void Analyzer::showReferences() {
     m_view->setReferences(shown);
 }
 
-void Analyzer::handOver(const XafsSpectrum& spectrum, bool isSample) {
-    // The fitter reads what is frozen here; a fit that it will not report is not waited for.
+void Analyzer::freezePanels() {
     for (LCFReference* reference : qAsConst(m_references)) {
         reference->freezeFitInput();
     }
+}
+
+QVector<XafsSpectrum> Analyzer::freezeReferences(std::vector<int>* panels) {
+    freezePanels();
+    return usedReferences(m_references, panels);
+}
+
+LinearFit::Method Analyzer::method() const {
+    return m_ui->MLCF->isChecked() ? LinearFit::Mlcf : LinearFit::Lcf;
+}
+
+void Analyzer::handOver(const XafsSpectrum& spectrum, bool isSample) {
+    // The fitter reads what is frozen here; a fit that it will not report is not waited for.
+    freezePanels();
     if (!spectrum.isEmpty() && m_references.size() >= 2) {
         ++m_fitsOut;
         m_sampleIsOut = isSample;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "analysis/LinearFit.h"
 #include "spectra/XafsSpectrum.h"
 
 namespace Ui {
@@ -37,6 +38,11 @@ class Analyzer : public QFrame {
     bool isBusy() const { return m_busy; }
     /// Number of fits that have been handed over and not reported yet.
     int fitsOut() const { return m_fitsOut; }
+
+    /// Freezes what the panels hold, as for a fit, and gives the references in use with the
+    /// indices of their panels.
+    QVector<XafsSpectrum> freezeReferences(std::vector<int>* panels);
+    LinearFit::Method method() const;
 
     bool dispOnTime() const;
     double raEnergy() const;
@@ -100,6 +106,7 @@ class Analyzer : public QFrame {
     void connectControls();
     void startWorker();
     void analyze(const XafsSpectrum& spectrum, bool isSample);
+    void freezePanels();
     void handOver(const XafsSpectrum& spectrum, bool isSample);
     void showReferences();
 

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 
+#include "analysis/LinearFit.h"
 #include "app/BatchPacing.h"
 #include "app/StackLoader.h"
 #include "calibration/EnergyMapFile.h"
@@ -36,6 +37,7 @@ class QLabel;
 class QPainter;
 class QProgressBar;
 class QToolButton;
+class RasterPass;
 class SaveDataCfg;
 class SelectDataFiles;
 class Spectrum;
@@ -57,6 +59,13 @@ class Body : public QMainWindow {
 
     BatchCtrl* batchCtrl() const { return m_batchCtrl.get(); }
     BatchDispatcher* dispatcher() const { return m_dispatcher.get(); }
+
+    /// Threads of the calibration and the residual-absorption analysis, which block the window;
+    /// all cores at first.
+    void setThreads(int threads) { m_threads = threads; }
+    /// LCF of an image on all those threads instead of one point at a time in the fitter's: for a
+    /// program without a window to keep alive. The results are the same.
+    void setFitsRows(bool on) { m_fitsRows = on; }
 
     /// Size of the images, from the first I1 frame; -1 before there is one.
     int imageWidth() const { return m_imageWidth; }
@@ -176,10 +185,15 @@ class Body : public QMainWindow {
     int halfWidth() const;
     int halfHeight() const;
     AnalysisGrid gridOfArea() const;
+    int backgroundType() const;
     XafsSpectrum corrected(const Spectrum& spectrum, int x, int y) const;
     Spectrum spectrumOnGrid(const AnalysisGrid& grid, int x, int y);
     void showSpectrumAgain();
     /// A pass over the area that blocks the window; false without images.
+    void lcfRowsReady();
+    std::unique_ptr<RasterPass> fitPass(const AnalysisGrid& grid,
+                                        const QVector<XafsSpectrum>& references,
+                                        LinearFit::Method method);
     bool runBlocking(const std::function<void(const AnalysisGrid&)>& pass);
     void showProgress(double percent);
     void makeLoadingControls();
@@ -208,6 +222,8 @@ class Body : public QMainWindow {
 
     std::unique_ptr<AbsorptionSource> m_source;
     std::unique_ptr<BlockRowSpectra> m_rows;
+    int m_threads = QThread::idealThreadCount();
+    bool m_fitsRows = false;
     std::unique_ptr<Analyzed2DRes> m_shiftMap;
 
     std::unique_ptr<CalibCtrl> m_calib;

@@ -3,10 +3,12 @@
 
 #include <QGuiApplication>
 #include <cmath>
+#include <utility>
 
 #include "analysis/Analysis2D.h"
 #include "analysis/Analyzed2DRes.h"
 #include "analysis/Analyzer.h"
+#include "analysis/LaneFit.h"
 #include "app/Body.h"
 #include "app/BodyStack.h"
 #include "app/DebugLog.h"
@@ -16,6 +18,8 @@
 #include "display/ImageView.h"
 #include "display/XafsView.h"
 #include "imagedata/AbsorptionSource.h"
+#include "imagedata/RasterPass.h"
+#include "spectra/LaneNormaliser.h"
 #include "ui_Body.h"
 
 namespace {
@@ -43,6 +47,7 @@ double numberIn(QLineEdit* field) {
 }
 
 const QString NoImages = QStringLiteral("no images are loaded");
+const QString NoMemory = QStringLiteral("memory ran out");
 
 }  // namespace
 
@@ -58,10 +63,12 @@ AnalysisGrid Body::gridOfArea() const {
                                 m_ui->dispA->area());
 }
 
+int Body::backgroundType() const {
+    return m_calib->targetIsVictreen() ? XafsSpectrum::Victreen : XafsSpectrum::Simple;
+}
+
 XafsSpectrum Body::corrected(const Spectrum& spectrum, int x, int y) const {
-    return XafsSpectrum(spectrum,
-                        m_calib->targetIsVictreen() ? XafsSpectrum::Victreen : XafsSpectrum::Simple,
-                        shiftAt(m_shiftMap.get(), x, y));
+    return XafsSpectrum(spectrum, backgroundType(), shiftAt(m_shiftMap.get(), x, y));
 }
 
 Spectrum Body::spectrumOnGrid(const AnalysisGrid& grid, int x, int y) {
@@ -126,10 +133,14 @@ bool Body::runBlocking(const std::function<void(const AnalysisGrid&)>& pass) {
 
 void Body::execCalibration() {
     const bool done = runBlocking([this](const AnalysisGrid& grid) {
+        RasterPass pass(source(), grid.raster(), 1, edgeEvaluators(m_threads, source().energies()));
         calibrate(
-            m_shiftMap.get(), grid, [&](int x, int y) { return spectrumOnGrid(grid, x, y); },
+            m_shiftMap.get(), grid, [&](int x, int y) { return pass.at(x, y); },
             calibrationEdge(m_calib->standard()),
             [this](double percent) { showProgress(percent); });
+        if (pass.failed()) {
+            note(NoMemory);
+        }
     });
     if (!done) {
         return;
@@ -171,9 +182,31 @@ QString Body::startLcf() {
     m_rows.reset();
     const bool started = m_analysis->startLcf(
         grid, [this, grid](int x, int y) { return corrected(spectrumOnGrid(grid, x, y), x, y); },
-        &whyNot);
+        &whyNot,
+        [&](const QVector<XafsSpectrum>& references, LinearFit::Method method) {
+            return fitPass(grid, references, method);
+        });
     redisplay();
     return started ? QString() : whyNot;
+}
+
+std::unique_ptr<RasterPass> Body::fitPass(const AnalysisGrid& grid,
+                                          const QVector<XafsSpectrum>& references,
+                                          LinearFit::Method method) {
+    const std::vector<double>& energies = source().energies();
+    if (!m_fitsRows || !LaneNormaliser::suits(energies)) {
+        return nullptr;
+    }
+    const BinRaster raster = grid.raster();
+    const auto correctionAt = [this](int x, int y) { return shiftAt(m_shiftMap.get(), x, y); };
+    const auto ready = [this] {
+        QMetaObject::invokeMethod(
+            this, [this] { lcfRowsReady(); }, Qt::QueuedConnection);
+    };
+    return std::make_unique<RasterPass>(source(), raster, 2 * references.size(),
+                                        fitEvaluators(m_threads, raster, references, method,
+                                                      energies, backgroundType(), correctionAt),
+                                        ready);
 }
 
 void Body::startLCF2DAnalysis() {
@@ -193,6 +226,21 @@ void Body::stop2DAnalysis() {
     showProgress(100.0);
     if (m_pacing.isWaitingFor(BatchPacing::Work::Lcf)) {
         answerWaiting(BatchPacing::Work::Lcf, {QStringLiteral("stopped before its end")});
+    }
+}
+
+void Body::lcfRowsReady() {
+    switch (m_analysis->lcfRowsReady()) {
+        case Analysis2D::Progress::NewRow:
+            showProgress(m_analysis->lcfPercent());
+            break;
+        case Analysis2D::Progress::OutOfMemory:
+            m_rows.reset();
+            showProgress(100.0);
+            answerWaiting(BatchPacing::Work::Lcf, {NoMemory});
+            break;
+        default:
+            break;
     }
 }
 
@@ -227,9 +275,29 @@ void Body::generateResImages() {
 
 void Body::startRA2DAnalysis() {
     const bool done = runBlocking([this](const AnalysisGrid& grid) {
+        const double energy = m_analyzer->raEnergy();
+        const auto progress = [this](double percent) { showProgress(percent); };
+        const std::vector<double>& energies = source().energies();
+        if (!LaneNormaliser::suits(energies)) {
+            double curves[2];
+            m_analysis->runRa(
+                grid,
+                [&](int x, int y) -> const double* {
+                    const XafsSpectrum spectrum = corrected(spectrumOnGrid(grid, x, y), x, y);
+                    curves[0] = spectrum.preEdge().valueAt(energy);
+                    curves[1] = spectrum.postEdge().valueAt(energy);
+                    return spectrum.isEmpty() ? nullptr : curves;
+                },
+                progress);
+            return;
+        }
+        RasterPass pass(source(), grid.raster(), 2,
+                        backgroundEvaluators(m_threads, energies, backgroundType(), energy));
         m_analysis->runRa(
-            grid, [&](int x, int y) { return corrected(spectrumOnGrid(grid, x, y), x, y); },
-            [this](double percent) { showProgress(percent); });
+            grid, [&](int x, int y) { return pass.at(x, y); }, progress);
+        if (pass.failed()) {
+            note(NoMemory);
+        }
     });
     if (done) {
         generateRAResImage();

@@ -1,9 +1,11 @@
 #include "calibration/EnergyShift.h"
 
 #include <QDebug>
+#include <algorithm>
 
 #include "analysis/Analyzed2DRes.h"
 #include "app/DebugLog.h"
+#include "spectra/Lanes.h"
 #include "spectra/Spectrum.h"
 
 namespace {
@@ -26,9 +28,8 @@ bool hasCalibrationEdge(const Spectrum& spectrum) {
     return spectrum.findIndex(kCalibrationLevel, kRisingEdge) >= 0;
 }
 
-void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid,
-               const std::function<Spectrum(int x, int y)>& spectrumAt, double standardEdge,
-               const std::function<void(double percent)>& progress) {
+void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid, const BinValuesAt& edgeAt,
+               double standardEdge, const std::function<void(double percent)>& progress) {
     if (grid.width <= 0 || grid.height <= 0) {
         return;
     }
@@ -48,13 +49,26 @@ void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid,
         // An area narrower than its bin can put the centre beside the image, where there is no
         // spectrum; writing its block would spread nonsense over the border.
         if (at.isInsideImage(at.x, at.y)) {
-            const Spectrum spectrum = spectrumAt(at.x, at.y);
-            map->setData(at.x, at.y, at.halfW, at.halfH, calibrationEdge(&spectrum) - standardEdge);
+            const double* edge = edgeAt(at.x, at.y);
+            if (edge != nullptr) {
+                map->setData(at.x, at.y, at.halfW, at.halfH, *edge - standardEdge);
+            }
         }
     } while (at.step(&newRow));
 
     refreshPicture(map);
     debugTimed(QStringLiteral("End Calibration   "));
+}
+
+std::vector<RasterPass::Evaluate> edgeEvaluators(int threads, const std::vector<double>& energies) {
+    const auto evaluate = [energies](const double* mu, int, int, int count, double* values) {
+        double edges[lanes::Count];
+        lanes::kernels(lanes::bestUnits())
+            .risingEdge(mu, energies.data(), static_cast<int>(energies.size()), kCalibrationLevel,
+                        edges);
+        std::copy_n(edges, count, values);
+    };
+    return std::vector<RasterPass::Evaluate>(static_cast<std::size_t>(threads), evaluate);
 }
 
 void clearShiftMap(Analyzed2DRes* map) {

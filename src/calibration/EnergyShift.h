@@ -1,8 +1,10 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 #include "analysis/AnalysisGrid.h"
+#include "imagedata/RasterPass.h"
 
 class Analyzed2DRes;
 class Spectrum;
@@ -22,12 +24,14 @@ double calibrationEdge(const Spectrum* spectrum);
 bool hasCalibrationEdge(const Spectrum& spectrum);
 
 /// Replaces @p map by the shifts of the blocks of @p grid against @p standardEdge (eV).
-/// @p spectrumAt gives the binned spectrum at a position and is asked block by block, row by row; a
-/// block without a rising edge takes its first energy. @p progress, which may be empty, is told the
+/// @p edgeAt gives the calibration's edge of the binned spectrum at a position: its first energy
+/// where there is no rising edge. @p progress, which may be empty, is told the
 /// percentage done as each row of blocks begins. Nothing happens when the grid has no size.
-void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid,
-               const std::function<Spectrum(int x, int y)>& spectrumAt, double standardEdge,
-               const std::function<void(double percent)>& progress);
+void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid, const BinValuesAt& edgeAt,
+               double standardEdge, const std::function<void(double percent)>& progress);
+
+/// What a RasterPass works out for calibrate(): the edge of each bin's spectrum.
+std::vector<RasterPass::Evaluate> edgeEvaluators(int threads, const std::vector<double>& energies);
 
 /// Back to a map without size: the shift is 0.0 everywhere.
 void clearShiftMap(Analyzed2DRes* map);

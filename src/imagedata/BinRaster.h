@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 /// Bins at regular places of an image: columns x rows of them, from (firstX, firstY) in steps of
 /// stepX and stepY, each (2 halfWidth + 1) x (2 halfHeight + 1) pixels. What lies outside the image
 /// has no spectrum and is left out by cutTo().
@@ -17,3 +19,7 @@ struct BinRaster {
     int x(int column) const { return firstX + column * stepX; }
     int y(int row) const { return firstY + row * stepY; }
 };
+
+/// What has been worked out for the bin around a point; asked row by row, and null where there is
+/// no spectrum.
+using BinValuesAt = std::function<const double*(int x, int y)>;

@@ -2,6 +2,10 @@
 
 #include <QCommandLineParser>
 
+namespace {
+constexpr int MostThreads = 1024;
+}
+
 RunnerOptions RunnerOptions::parse(const QStringList& args) {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
@@ -12,11 +16,16 @@ RunnerOptions RunnerOptions::parse(const QStringList& args) {
         "2 wrong usage or unreadable batch file, 130 after Ctrl-C."));
     const QCommandLineOption check(QStringLiteral("check"),
                                    QStringLiteral("Check the batch without running it."));
+    const QCommandLineOption threads(
+        QStringLiteral("threads"),
+        QStringLiteral("Threads for analyses: 1 to 1024 (one for each core). The results are the "
+                       "same for any number."),
+        QStringLiteral("N"));
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                   QStringLiteral("Show this text."));
     const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
                                      QStringLiteral("Show the version."));
-    parser.addOptions({check, help, version});
+    parser.addOptions({check, threads, help, version});
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The batch file."),
                                  QStringLiteral("FILE"));
 
@@ -33,6 +42,14 @@ RunnerOptions RunnerOptions::parse(const QStringList& args) {
     if (parser.isSet(version)) {
         options.action = Action::Version;
         return options;
+    }
+    if (parser.isSet(threads)) {
+        bool ok = false;
+        options.threads = parser.value(threads).toInt(&ok);
+        if (!ok || options.threads < 1 || options.threads > MostThreads) {
+            options.text = QStringLiteral("--threads needs a number from 1 to 1024.");
+            return options;
+        }
     }
     const QStringList files = parser.positionalArguments();
     if (files.size() != 1) {

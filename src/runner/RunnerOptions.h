@@ -8,8 +8,9 @@ struct RunnerOptions {
     enum class Action { Run, Check, Help, Version, BadUsage };
 
     Action action = Action::BadUsage;
-    QString file;  ///< Run, Check: the batch file
-    QString text;  ///< Help: what to print; BadUsage: what is wrong, one line
+    int threads = 0;  ///< Run: for analyses; 0: one for each core
+    QString file;     ///< Run, Check: the batch file
+    QString text;     ///< Help: what to print; BadUsage: what is wrong, one line
 
     /// args[0] is the program, as in main.
     static RunnerOptions parse(const QStringList& args);

@@ -66,9 +66,13 @@ int check(const QStringList& lines, const QString& file, Console& console) {
     return errors == 0 ? BatchSession::AllDone : BatchSession::SomeFailed;
 }
 
-int run(const BatchText& text, Console& console) {
+int run(const BatchText& text, int threads, Console& console) {
     QApplication::setQuitOnLastWindowClosed(false);
     Body body;
+    body.setFitsRows(true);
+    if (threads > 0) {
+        body.setThreads(threads);
+    }
     BatchDispatcher* dispatcher = body.dispatcher();
     BatchSession session(&console, text, [dispatcher] { return dispatcher->lineInWork(); });
     QObject::connect(body.batchCtrl(), &BatchCtrl::logged, &session, &BatchSession::log);
@@ -109,7 +113,7 @@ int perform(const RunnerOptions& options, Console& console) {
     }
     return options.action == RunnerOptions::Action::Check
                ? check(lines, options.file, console)
-               : run(BatchText::fromLines(lines), console);
+               : run(BatchText::fromLines(lines), options.threads, console);
 }
 
 }  // namespace

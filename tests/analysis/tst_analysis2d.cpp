@@ -433,15 +433,14 @@ void Analysis2DTest::raMapsByHand() {
     // A pre-edge level of p and a jump of j at each pixel: dmut = j, rest = p - 2 j.
     m_analyzer->setRaEnergy(7200.0);
     m_analyzer->setRaFactor(2.0);
-    const auto spectrumAt = [](int x, int y) {
-        const double p = 1.0 + x;
-        const double j = 0.5 + y;
-        return XafsSpectrum(
-            edges::curve(edges::energies(), [=](double e) { return p + j * edges::step(e, 0.0); }),
-            XafsSpectrum::Simple, 0.0);
+    double curves[2];
+    const auto curvesAt = [&](int x, int y) {
+        curves[0] = 1.0 + x;
+        curves[1] = curves[0] + 0.5 + y;
+        return curves;
     };
     QVector<double> progress;
-    m_analysis->runRa(gridOf(2, 2), spectrumAt, [&](double percent) { progress.append(percent); });
+    m_analysis->runRa(gridOf(2, 2), curvesAt, [&](double percent) { progress.append(percent); });
     m_analysis->generateRaImages();
     QCOMPARE(progress, QVector<double>{50.0});
     // rest: 0 1 / -2 -1, lowest -2; ratio = (rest + 2) / (dmut + rest + 2)

@@ -2,7 +2,9 @@
 #include <QVector>
 #include <cmath>
 
+#include <memory>
 #include "DebugLines.h"
+
 #include "TestMain.h"
 #include "analysis/AnalysisGrid.h"
 #include "analysis/Analyzed2DRes.h"
@@ -29,6 +31,16 @@ AnalysisGrid gridOf(int width, int height, int halfW, int halfH, const QRectF& a
     return AnalysisGrid::ofArea(width, height, halfW, halfH, area);
 }
 
+/// The edges of made-up spectra.
+BinValuesAt edgesOf(const std::function<Spectrum(int x, int y)>& spectrumAt) {
+    const auto edge = std::make_shared<double>();
+    return [=](int x, int y) {
+        const Spectrum spectrum = spectrumAt(x, y);
+        *edge = calibrationEdge(&spectrum);
+        return edge.get();
+    };
+}
+
 }  // namespace
 
 class TestEnergyShift : public QObject {
@@ -50,7 +62,8 @@ class TestEnergyShift : public QObject {
         // The standard was measured on other energies than the images.
         const Spectrum standard = scan(0.0, 7060.17, 0.45);
         calibrate(&map, gridOf(width, height, half, half, QRectF(0, 0, width, height)),
-                  [&](int x, int y) { return scan(drift(x, y)); }, calibrationEdge(&standard), {});
+                  edgesOf([&](int x, int y) { return scan(drift(x, y)); }),
+                  calibrationEdge(&standard), {});
         // What limits it: between two points the edge is taken as straight, and the highest point
         // of the white line, which sets the level, is sampled up to half a step beside its peak.
         // Both are second order in the step; at 0.5 eV on an edge some eV wide they stay well
@@ -73,11 +86,10 @@ class TestEnergyShift : public QObject {
         map.selectProcImg(true);  // the map before was deglitched
         QVector<QPoint> asked;
         const Spectrum standard = scan(0.0);
-        calibrate(&map, gridOf(10, 8, 1, 0, QRectF(5, 3, 100, 2)),
-                  [&](int x, int y) {
-                      asked.append(QPoint(x, y));
-                      return scan(2.0);
-                  },
+        calibrate(&map, gridOf(10, 8, 1, 0, QRectF(5, 3, 100, 2)), edgesOf([&](int x, int y) {
+            asked.append(QPoint(x, y));
+            return scan(2.0);
+        }),
                   calibrationEdge(&standard), {});
         // The area ends with the image, and the last bins reach past it.
         QCOMPARE(asked, (QVector<QPoint>{{6, 3}, {9, 3}, {6, 4}, {9, 4}}));
@@ -100,11 +112,10 @@ class TestEnergyShift : public QObject {
         Analyzed2DRes map;
         int asked = 0;
         // One column at the right border and a bin of seven: the centre lies beyond the image.
-        calibrate(&map, gridOf(10, 3, 3, 0, QRectF(9, 0, 1, 3)),
-                  [&](int, int) {
-                      ++asked;
-                      return Spectrum();
-                  },
+        calibrate(&map, gridOf(10, 3, 3, 0, QRectF(9, 0, 1, 3)), edgesOf([&](int, int) {
+            ++asked;
+            return Spectrum();
+        }),
                   7112.0, {});
         QCOMPARE(asked, 0);
         QCOMPARE(map.dataMin(), 0.0);
@@ -117,13 +128,12 @@ class TestEnergyShift : public QObject {
         QCOMPARE(calibrationEdge(&empty), 0.0);
         Analyzed2DRes map;
         // A falling spectrum has no rising edge: its first energy stands in.
-        calibrate(&map, gridOf(1, 1, 0, 0, QRectF(0, 0, 1, 1)),
-                  [](int, int) {
-                      Spectrum falling;
-                      falling.append(7000.0, 2.0);
-                      falling.append(7001.0, 1.0);
-                      return falling;
-                  },
+        calibrate(&map, gridOf(1, 1, 0, 0, QRectF(0, 0, 1, 1)), edgesOf([](int, int) {
+            Spectrum falling;
+            falling.append(7000.0, 2.0);
+            falling.append(7001.0, 1.0);
+            return falling;
+        }),
                   0.0, {});
         QCOMPARE(shiftAt(&map, 0, 0), 7000.0);
     }
@@ -132,9 +142,9 @@ class TestEnergyShift : public QObject {
         Analyzed2DRes map;
         QVector<double> percents;
         DebugLines debug;
-        calibrate(
-            &map, gridOf(4, 8, 0, 0, QRectF(0, 2, 4, 4)), [](int, int) { return scan(0.0); }, 0.0,
-            [&](double percent) { percents.append(percent); });
+        calibrate(&map, gridOf(4, 8, 0, 0, QRectF(0, 2, 4, 4)),
+                  edgesOf([](int, int) { return scan(0.0); }), 0.0,
+                  [&](double percent) { percents.append(percent); });
         QCOMPARE(percents, (QVector<double>{0.0, 25.0, 50.0, 75.0}));
         QCOMPARE(debug.countOf("progress "), 4);
         QVERIFY(debug.all().first().startsWith(QLatin1String("Start Calibration")));
@@ -144,7 +154,7 @@ class TestEnergyShift : public QObject {
     void nothingWithoutAnImage() {
         Analyzed2DRes map;
         DebugLines debug;
-        calibrate(&map, AnalysisGrid(), [](int, int) { return Spectrum(); }, 0.0, {});
+        calibrate(&map, AnalysisGrid(), edgesOf([](int, int) { return Spectrum(); }), 0.0, {});
         smoothShiftMap(&map);
         smoothShiftMap(nullptr);
         QVERIFY(debug.all().isEmpty());
@@ -170,8 +180,8 @@ class TestEnergyShift : public QObject {
 
     void clearingForgetsTheMap() {
         Analyzed2DRes map;
-        calibrate(&map, gridOf(3, 3, 0, 0, QRectF(0, 0, 3, 3)), [](int, int) { return scan(0.0); },
-                  0.0, {});
+        calibrate(&map, gridOf(3, 3, 0, 0, QRectF(0, 0, 3, 3)),
+                  edgesOf([](int, int) { return scan(0.0); }), 0.0, {});
         QVERIFY(shiftAt(&map, 1, 1) > 7000.0);
         clearShiftMap(&map);
         QCOMPARE(shiftAt(&map, 1, 1), 0.0);
