@@ -103,15 +103,21 @@ class TestCommands : public QObject {
         return reference(0)->result(LCFReference::Ratio)->valueAt(x, y);
     }
 
+    void add(const QString& line, const QStringList& before, const std::function<bool()>& done,
+             const std::function<bool()>& undone = {}) {
+        m_cases.push_back({line, before, done, undone});
+    }
+    void add(const QString& line, const std::function<bool()>& done) { add(line, {}, done); }
+
     /// A number in a field: the row's own text form is what the field must show.
     void addField(const QString& command, const std::function<QString()>& shown,
                   const QStringList& before = {}) {
-        m_cases.push_back({command + " 0.123456789", before + QStringList{command + " 5"},
-                           [shown] { return shown() == "0.123457"; },
-                           [shown] { return shown() == "5"; }});
+        add(
+            command + " 0.123456789", before + QStringList{command + " 5"},
+            [shown] { return shown() == "0.123457"; }, [shown] { return shown() == "5"; });
     }
     void addFlag(const QString& command, const std::function<bool()>& on) {
-        m_cases.push_back({command + " 2", {command + " 0"}, on, {}});
+        add(command + " 2", {command + " 0"}, on);
     }
 
     void addStackCases();
@@ -267,122 +273,83 @@ void TestCommands::addStackCases() {
     const QString i0 = m_phantom->file("i0-7000_000eV.tif");
     const auto i1Frames = [this] { return frames("SelectI1Files"); };
     const auto i0Frames = [this] { return frames("SelectI0Files"); };
-    m_cases.push_back({"load_I1_files NEW " + i1 + ' ' + m_phantom->file("i1-7002_000eV.tif"),
-                       {"load_I1_files NEW " + i1},
-                       [=] { return i1Frames() == 2 && m_body->imageWidth() == Size; },
-                       {}});
-    m_cases.push_back({"load_I1_files ADD " + i1, {}, [=] { return i1Frames() == 3; }, {}});
-    m_cases.push_back(
-        {"clear_I1_files", {}, [=] { return i1Frames() == 0 && m_body->imageWidth() == -1; }, {}});
-    m_cases.push_back({"load_I0_files NEW " + i0, {}, [=] { return i0Frames() == 1; }, {}});
-    m_cases.push_back({"clear_I0_files", {}, [=] { return i0Frames() == 0; }, {}});
-    m_cases.push_back({"load_I1_files_of_pattern NEW " + m_phantom->dir() +
-                           " i1-70*.tif i1-71*.tif "
-                           "i1-72*.tif i1-73*.tif",
-                       {},
-                       [=] { return i1Frames() == 151; },
-                       {}});
-    m_cases.push_back({"load_I0_files_of_pattern NEW " + m_phantom->dir() + " i0-*.tif",
-                       {"load_I0_files ADD " + i0},
-                       [=] { return i0Frames() == 4; },
-                       {}});
+    add("load_I1_files NEW " + i1 + ' ' + m_phantom->file("i1-7002_000eV.tif"),
+        {"load_I1_files NEW " + i1},
+        [=] { return i1Frames() == 2 && m_body->imageWidth() == Size; });
+    add("load_I1_files ADD " + i1, [=] { return i1Frames() == 3; });
+    add("clear_I1_files", [=] { return i1Frames() == 0 && m_body->imageWidth() == -1; });
+    add("load_I0_files NEW " + i0, [=] { return i0Frames() == 1; });
+    add("clear_I0_files", [=] { return i0Frames() == 0; });
+    add("load_I1_files_of_pattern NEW " + m_phantom->dir() +
+            " i1-70*.tif i1-71*.tif "
+            "i1-72*.tif i1-73*.tif",
+        [=] { return i1Frames() == 151; });
+    add("load_I0_files_of_pattern NEW " + m_phantom->dir() + " i0-*.tif",
+        {"load_I0_files ADD " + i0}, [=] { return i0Frames() == 4; });
 }
 
 void TestCommands::addViewCases() {
     const auto field = [this](const char* name) { return text(m_body.get(), name); };
-    m_cases.push_back(
-        {"set_band_w 1", {"set_band_w 0"}, [=] { return field("HWidth") == "1"; }, {}});
-    m_cases.push_back(
-        {"set_band_h 2", {"set_band_h 0"}, [=] { return field("VWidth") == "2"; }, {}});
-    m_cases.push_back({"set_band_w x",
-                       {"set_band_h 0"},  // what follows works on single pixels
-                       [=] { return field("HWidth") == "0"; },
-                       {}});
+    add("set_band_w 1", {"set_band_w 0"}, [=] { return field("HWidth") == "1"; });
+    add("set_band_h 2", {"set_band_h 0"}, [=] { return field("VWidth") == "2"; });
+    add("set_band_w x", {"set_band_h 0"},  // what follows works on single pixels
+        [=] { return field("HWidth") == "0"; });
     const char* const buttons[] = {"ShowData", "ShowI0", "ShowShiftMap", "ShowResAnalysis"};
     for (const int n : {3, 2, 1, 0}) {
         const char* button = buttons[n];
-        m_cases.push_back({QString("select_disp_image %1").arg(n),
-                           {},
-                           [=] { return checked(m_body.get(), button); },
-                           {}});
+        add(QString("select_disp_image %1").arg(n), [=] { return checked(m_body.get(), button); });
     }
-    m_cases.push_back({"select_region 6 5 2 1",
-                       {"select_region 0 0 0 0"},
-                       [=] { return view()->selection() == QRectF(2, 1, 4, 4); },
-                       [=] { return !view()->hasSelection(); }});
-    m_cases.push_back({"select_region 0 0 0 0", {}, [=] { return !view()->hasSelection(); }, {}});
-    m_cases.push_back({"move_position 3 4",
-                       {"move_position 1 1"},
-                       [=] {
-                           return in<QLabel>(m_body.get(), "Position")->text() == "(   3,    4)" &&
-                                  view()->realPosition() == QPointF(3, 4);
-                       },
-                       {}});
-    m_cases.push_back({"save_spectra " + file("spectrum.dat"),
-                       {},
-                       [=] {
-                           const auto rows = rowsOf(file("spectrum.dat"));
-                           return rows.size() == 151 && rows.first().startsWith("7000\t");
-                       },
-                       {}});
-    m_cases.push_back({"save_image " + file("frame.png"),
-                       {},
-                       [=] { return QImage(file("frame.png")).size() == QSize(Size, Size); },
-                       {}});
+    add(
+        "select_region 6 5 2 1", {"select_region 0 0 0 0"},
+        [=] { return view()->selection() == QRectF(2, 1, 4, 4); },
+        [=] { return !view()->hasSelection(); });
+    add("select_region 0 0 0 0", [=] { return !view()->hasSelection(); });
+    add("move_position 3 4", {"move_position 1 1"}, [=] {
+        return in<QLabel>(m_body.get(), "Position")->text() == "(   3,    4)" &&
+               view()->realPosition() == QPointF(3, 4);
+    });
+    add("save_spectra " + file("spectrum.dat"), [=] {
+        const auto rows = rowsOf(file("spectrum.dat"));
+        return rows.size() == 151 && rows.first().startsWith("7000\t");
+    });
+    add("save_image " + file("frame.png"),
+        [=] { return QImage(file("frame.png")).size() == QSize(Size, Size); });
 }
 
 void TestCommands::addAnalyzerCases() {
     const auto inAnalyzer = [this](const char* name) { return text(analyzer(), name); };
-    m_cases.push_back({"analyzer_show_window", {}, [=] { return analyzer()->isVisible(); }, {}});
-    m_cases.push_back({"analyzer_set_LCF_std 0 1 0 " + m_phantom->file("a.dat") + " 0",
-                       {},
-                       [=] { return analyzer()->references().size() == 1; },
-                       {}});
-    m_cases.push_back({"analyzer_set_LCF_std 1 0 0.123456789 " + m_phantom->file("b.dat"),
-                       {},
-                       [=] {
-                           return analyzer()->references().size() == 2 && !reference(1)->isUsed() &&
-                                  reference(1)->hasSpectrum() &&
-                                  reference(1)->fileName() == m_phantom->file("b.dat") &&
-                                  reference(1)->spectrum().shift() == 0.123456789 &&
-                                  text(reference(1), "DeltaE") == "0.123457" &&
-                                  checked(reference(1), "IsVictreen");
-                       },
-                       {}});
-    m_cases.push_back({"analyzer_set_LCF_std 1 1 0 " + m_phantom->file("b.dat") + " none",
-                       {},
-                       [=] {
-                           return reference(1)->isUsed() && !checked(reference(1), "IsVictreen") &&
-                                  text(reference(1), "DeltaE") == "0";
-                       },
-                       {}});
-    m_cases.push_back(
-        {"analyzer_set_LCF_mode 1", {}, [=] { return checked(analyzer(), "MLCF"); }, {}});
-    m_cases.push_back(
-        {"analyzer_set_LCF_mode 2", {}, [=] { return !checked(analyzer(), "MLCF"); }, {}});
-    m_cases.push_back({"analyzer_exec_LCF",
-                       {},
-                       [=] {
-                           // The map of shifts is empty yet; only the first column has none.
-                           return !analyzer()->isBusy() && std::abs(fraction(0, 6) - 0.42) < 1e-3 &&
-                                  in<QLabel>(analyzer(), "Progress")->text() == "100.00";
-                       },
-                       {}});
-    m_cases.push_back({"analyzer_select_image 1",
-                       {"analyzer_select_image 0"},
-                       [=] {
-                           return analyzer()->selectedResult() ==
-                                  reference(1)->result(analyzer()->imageType());
-                       },
-                       {}});
-    m_cases.push_back({"analyzer_select_image_type 1",
-                       {"analyzer_select_image_type 0"},
-                       [=] { return checked(analyzer(), "SelRatio"); },
-                       [=] { return checked(analyzer(), "SelDMut"); }});
-    m_cases.push_back({"analyzer_select_image_type 0",
-                       {"analyzer_select_image_type 7"},
-                       [=] { return checked(analyzer(), "SelDMut"); },
-                       [=] { return checked(analyzer(), "SelRatio"); }});
+    add("analyzer_show_window", [=] { return analyzer()->isVisible(); });
+    add("analyzer_set_LCF_std 0 1 0 " + m_phantom->file("a.dat") + " 0",
+        [=] { return analyzer()->references().size() == 1; });
+    add("analyzer_set_LCF_std 1 0 0.123456789 " + m_phantom->file("b.dat"), [=] {
+        return analyzer()->references().size() == 2 && !reference(1)->isUsed() &&
+               reference(1)->hasSpectrum() &&
+               reference(1)->fileName() == m_phantom->file("b.dat") &&
+               reference(1)->spectrum().shift() == 0.123456789 &&
+               text(reference(1), "DeltaE") == "0.123457" && checked(reference(1), "IsVictreen");
+    });
+    add("analyzer_set_LCF_std 1 1 0 " + m_phantom->file("b.dat") + " none", [=] {
+        return reference(1)->isUsed() && !checked(reference(1), "IsVictreen") &&
+               text(reference(1), "DeltaE") == "0";
+    });
+    add("analyzer_set_LCF_mode 1", [=] { return checked(analyzer(), "MLCF"); });
+    add("analyzer_set_LCF_mode 2", [=] { return !checked(analyzer(), "MLCF"); });
+    add("analyzer_exec_LCF", [=] {
+        // The map of shifts is empty yet; only the first column has none.
+        return !analyzer()->isBusy() && std::abs(fraction(0, 6) - 0.42) < 1e-3 &&
+               in<QLabel>(analyzer(), "Progress")->text() == "100.00";
+    });
+    add("analyzer_select_image 1", {"analyzer_select_image 0"}, [=] {
+        return analyzer()->selectedResult() == reference(1)->result(analyzer()->imageType());
+    });
+    add(
+        "analyzer_select_image_type 1", {"analyzer_select_image_type 0"},
+        [=] { return checked(analyzer(), "SelRatio"); },
+        [=] { return checked(analyzer(), "SelDMut"); });
+    add(
+        "analyzer_select_image_type 0", {"analyzer_select_image_type 7"},
+        [=] { return checked(analyzer(), "SelDMut"); },
+        [=] { return checked(analyzer(), "SelRatio"); });
     const auto shows = [=](const char* name) { return [=] { return inAnalyzer(name); }; };
     addField("analyzer_set_ra_energy", shows("RAAtEV"));
     addField("analyzer_set_ra_factor", shows("RAFactor"));
@@ -399,37 +366,25 @@ void TestCommands::addAnalyzerCases() {
         return checked(analyzer(), "FixedScale") && result->rangeMin() == 0.123457 &&
                result->rangeMax() == 0.123457;
     });
-    m_cases.push_back({"save_all_images " + file("all.png"),
-                       {},
-                       [=] {
-                           return QImage(file("all-0-0.png")).width() == Size &&
-                                  QImage(file("all-1-1.png")).width() == Size;
-                       },
-                       {}});
-    m_cases.push_back({"analyzer_exec_ra",
-                       {"analyzer_set_ra_energy 7050", "analyzer_set_ra_factor 0"},
-                       [=] {
-                           return analyzer()->raRatio()->isValid() &&
-                                  std::abs(analyzer()->raDmut()->valueAt(0, 3) - 0.8) < 1e-3 &&
-                                  std::abs(analyzer()->raRest()->valueAt(0, 3) - 0.29) < 1e-3;
-                       },
-                       {}});
+    add("save_all_images " + file("all.png"), [=] {
+        return QImage(file("all-0-0.png")).width() == Size &&
+               QImage(file("all-1-1.png")).width() == Size;
+    });
+    add("analyzer_exec_ra", {"analyzer_set_ra_energy 7050", "analyzer_set_ra_factor 0"}, [=] {
+        return analyzer()->raRatio()->isValid() &&
+               std::abs(analyzer()->raDmut()->valueAt(0, 3) - 0.8) < 1e-3 &&
+               std::abs(analyzer()->raRest()->valueAt(0, 3) - 0.29) < 1e-3;
+    });
 }
 
 void TestCommands::addCalibrationCases() {
-    m_cases.push_back({"calib_show_window", {}, [=] { return calib()->isVisible(); }, {}});
-    m_cases.push_back({"calib_load_std " + m_phantom->file("a.dat"),
-                       {},
-                       [=] {
-                           return calib()->standard() != nullptr &&
-                                  calib()->standardFileName() == m_phantom->file("a.dat") &&
-                                  calib()->edgeEnergy() > 7100.0;
-                       },
-                       {}});
-    m_cases.push_back({"calib_set_edge_eV 7112.537",
-                       {},
-                       [=] { return text(calib(), "EdgeEeV") == "7112.537"; },
-                       {}});
+    add("calib_show_window", [=] { return calib()->isVisible(); });
+    add("calib_load_std " + m_phantom->file("a.dat"), [=] {
+        return calib()->standard() != nullptr &&
+               calib()->standardFileName() == m_phantom->file("a.dat") &&
+               calib()->edgeEnergy() > 7100.0;
+    });
+    add("calib_set_edge_eV 7112.537", [=] { return text(calib(), "EdgeEeV") == "7112.537"; });
     const auto shift = [this](int x, int y) {
         m_body->showXafsSpectrum(x, y);
         return in<QLabel>(m_body.get(), "EShiftOnTbl")->text().toDouble();
@@ -439,45 +394,37 @@ void TestCommands::addCalibrationCases() {
     const auto drift = [shift] { return shift(7, 0) - shift(0, 5); };
     const auto mapIsThere = [drift] { return std::abs(drift() - 3.5) < 0.3; };
     const auto mapIsGone = [shift] { return shift(7, 0) == 0.0 && shift(0, 5) == 0.0; };
-    m_cases.push_back({"calib_exec", {}, mapIsThere, mapIsGone});
-    m_cases.push_back(
-        {"calib_save_map " + file("map.any"),
-         {},
-         [=] {
-             const auto lines = contentsOf(file("map.any")).split('\n');
-             // 14 labels, a line a row of the map, the mark, the data
-             return lines.size() == 14 + Size + 1 + Size + 1 &&
-                    lines.first() == "###Tarnwick::TWEM" &&
-                    lines.at(12) ==
-                        ("Std File Name           : " + m_phantom->file("a.dat")).toUtf8() &&
-                    lines.at(14) == "Shift Map Width         : 0 8" &&
-                    lines.at(14 + Size) == "##-----------------" && lines.last().isEmpty();
-         },
-         {}});
-    m_cases.push_back({"calib_clear_map", {}, mapIsGone, mapIsThere});
-    m_cases.push_back({"calib_load_map " + file("map.any"), {}, mapIsThere, mapIsGone});
+    add("calib_exec", {}, mapIsThere, mapIsGone);
+    add("calib_save_map " + file("map.any"), [=] {
+        const auto lines = contentsOf(file("map.any")).split('\n');
+        // 14 labels, a line a row of the map, the mark, the data
+        return lines.size() == 14 + Size + 1 + Size + 1 && lines.first() == "###Tarnwick::TWEM" &&
+               lines.at(12) == ("Std File Name           : " + m_phantom->file("a.dat")).toUtf8() &&
+               lines.at(14) == "Shift Map Width         : 0 8" &&
+               lines.at(14 + Size) == "##-----------------" && lines.last().isEmpty();
+    });
+    add("calib_clear_map", {}, mapIsGone, mapIsThere);
+    add("calib_load_map " + file("map.any"), {}, mapIsThere, mapIsGone);
 }
 
 void TestCommands::addSaveDataCases() {
     const auto inCfg = [this](const char* name) {
         return [=] { return checked(saveCfg(), name); };
     };
-    m_cases.push_back({"saveDataCfg_show_window", {}, [=] { return saveCfg()->isVisible(); }, {}});
-    m_cases.push_back({"saveDataCfg_save_as_text", {}, inCfg("SaveAsText"), inCfg("SaveAsTiff")});
-    m_cases.push_back({"saveDataCfg_text_as_ssv", {"saveDataCfg_text_as_csv"}, inCfg("SSV"), {}});
-    m_cases.push_back({"saveDataCfg_text_as_csv", {}, inCfg("CSV"), {}});
-    m_cases.push_back({"saveDataCfg_text_as_vals", {"saveDataCfg_text_as_xyz"}, inCfg("Vals"), {}});
-    m_cases.push_back({"saveDataCfg_text_as_xyz", {}, inCfg("XYZ"), {}});
+    add("saveDataCfg_show_window", [=] { return saveCfg()->isVisible(); });
+    add("saveDataCfg_save_as_text", {}, inCfg("SaveAsText"), inCfg("SaveAsTiff"));
+    add("saveDataCfg_text_as_ssv", {"saveDataCfg_text_as_csv"}, inCfg("SSV"));
+    add("saveDataCfg_text_as_csv", inCfg("CSV"));
+    add("saveDataCfg_text_as_vals", {"saveDataCfg_text_as_xyz"}, inCfg("Vals"));
+    add("saveDataCfg_text_as_xyz", inCfg("XYZ"));
     addFlag("saveDataCfg_tiff_as_analyzed", inCfg("AsAnalyzed"));
 
     // The forms of the one command that saves a result.
     const auto form = [this](const char* name, const QStringList& settings,
                              const std::function<bool(QString)>& isRight) {
         const QString saved = file(name);
-        m_cases.push_back({"save_data_as_tiff " + saved,
-                           settings,
-                           [=] { return QFile::exists(saved) && isRight(saved); },
-                           {}});
+        add("save_data_as_tiff " + saved, settings,
+            [=] { return QFile::exists(saved) && isRight(saved); });
     };
     form("xyz.dat",
          {"select_region 2 1 8 5", "analyzer_exec_LCF", "analyzer_select_image 0",
@@ -501,7 +448,7 @@ void TestCommands::addSaveDataCases() {
     addField("saveDataCfg_tiff_scale_min", [this] { return text(saveCfg(), "TiffScaleMin"); });
     addField("saveDataCfg_tiff_scale_max", [this] { return text(saveCfg(), "TiffScaleMax"); });
     addFlag("saveDataCfg_tiff_fix_scale", inCfg("TiffFixScale"));
-    m_cases.push_back({"saveDataCfg_save_as_tiff", {}, inCfg("SaveAsTiff"), {}});
+    add("saveDataCfg_save_as_tiff", inCfg("SaveAsTiff"));
     form("fixed.tif",
          {"saveDataCfg_tiff_fix_scale 1", "saveDataCfg_tiff_scale_min 0",
           "saveDataCfg_tiff_scale_max 1", "analyzer_select_image_type 1"},
