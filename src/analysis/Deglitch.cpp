@@ -45,16 +45,14 @@ double Analyzed2DRes::glitchMeasure(int x, int y) const {
 double Analyzed2DRes::meanOfNeighbours(int x, int y) const {
     const qint64 dx = m_grid.stepX;
     const qint64 dy = m_grid.stepY;
-    double sum = 0.0;
-    int count = 0;
+    FiniteMean mean;
     const qint64 neighbours[4][2] = {{x - dx, y}, {x + dx, y}, {x, y - dy}, {x, y + dy}};
     for (const auto& n : neighbours) {
         if (m_grid.isInsideImage(n[0], n[1])) {
-            sum += valueAt(n[0], n[1]);
-            ++count;
+            mean.add(valueAt(n[0], n[1]));
         }
     }
-    return count > 0 ? sum / count : valueAt(x, y);
+    return mean.orElse(valueAt(x, y));
 }
 
 void Analyzed2DRes::setProcPoint(int x, int y, double t) {

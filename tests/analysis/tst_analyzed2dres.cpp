@@ -226,6 +226,11 @@ void Analyzed2DResTest::deglitchIgnoresNotANumber() {
     QCOMPARE(procOf(*map).at(6), 1.0);
     QVERIFY(std::isnan(procOf(*map).at(4)));
     QCOMPARE(map->procMax(), 3.0);
+    // An infinite value goes like any other, and does not take its neighbours along.
+    auto border = mapOf(3, 3, 0, {1, 1, 1, 9, std::numeric_limits<double>::infinity(), 1, 1, 1, 1});
+    border->setDeglitchConds(1.0, 0.2);
+    border->deglitch();
+    QCOMPARE(procOf(*border), (Values{1, 1, 1, 1, 3, 1, 1, 1, 1}));
 }
 
 void Analyzed2DResTest::deglitchRatioZeroFindsNothing() {
