@@ -5,6 +5,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
+#include "Files.h"
 #include "TestMain.h"
 #include "batch/BatchCtrl.h"
 
@@ -91,9 +92,7 @@ class TestBatchCtrl : public QObject {
         const QString japanese = QString::fromUtf8("save_image \xE9\x89\x84.png");
         cmds()->setPlainText("a\n" + japanese);
         m_window->save(dir.filePath("a.bat"));
-        QFile file(dir.filePath("a.bat"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), ("a\n" + japanese).toUtf8());
+        QCOMPARE(contentOf(dir.filePath("a.bat")), ("a\n" + japanese).toUtf8());
         cmds()->setPlainText("other");
         m_window->setBatchFile(dir.filePath("a.bat"));
         QCOMPARE(cmds()->toPlainText(), "a\n" + japanese + "\n");

@@ -2,6 +2,7 @@
 #include <QSet>
 #include <QTemporaryDir>
 
+#include "Files.h"
 #include "TestMain.h"
 #include "batch/BatchText.h"
 #include "batch/CmdLine.h"
@@ -67,10 +68,8 @@ class TestCmdLine : public QObject {
 
     // The batch reference says of every command what the table says, and its examples work.
     void referenceIsInStep() {
-        QFile file(QStringLiteral(TARNWICK_SOURCE_DIR "/docs/batch.md"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QString text = QString::fromUtf8(file.readAll());
-        const QStringList sections = text.split("\n### ");
+        const QByteArray text = contentOf(TARNWICK_SOURCE_DIR "/docs/batch.md");
+        const QStringList sections = QString::fromUtf8(text).split("\n### ");
         QMap<int, QString> byId;
         for (const QString& section : sections) {
             bool isCommand = false;
@@ -107,12 +106,9 @@ class TestCmdLine : public QObject {
 
     void filesAreReadAsUtf8() {
         QTemporaryDir dir;
-        QFile file(dir.filePath("b.bat"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("\xEF\xBB\xBFsave_image \xE9\x89\x84.png\r\n\r\nlast");
-        file.close();
+        put(dir.filePath("b.bat"), "\xEF\xBB\xBFsave_image \xE9\x89\x84.png\r\n\r\nlast");
         QStringList lines;
-        QVERIFY(readBatchFile(file.fileName(), &lines));
+        QVERIFY(readBatchFile(dir.filePath("b.bat"), &lines));
         QCOMPARE(lines,
                  (QStringList{QString::fromUtf8("save_image \xE9\x89\x84.png"), "", "last"}));
         QVERIFY(!readBatchFile(dir.filePath("missing"), &lines));

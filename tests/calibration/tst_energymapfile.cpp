@@ -1,13 +1,11 @@
-#include <sys/resource.h>
-
-#include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <cmath>
-#include <csignal>
 
 #include "DebugLines.h"
+#include "Files.h"
+#include "FullDisk.h"
 #include "TestMain.h"
 #include "analysis/AnalysisGrid.h"
 #include "analysis/Analyzed2DRes.h"
@@ -65,17 +63,8 @@ class TestEnergyMapFile : public QObject {
     QString path(const char* name) const { return m_dir.filePath(QLatin1String(name)); }
 
     QString written(const QStringList& lines, const QString& data) const {
-        QFile file(path("in.emp"));
-        if (!file.open(QIODevice::WriteOnly)) {
-            qFatal("no temporary file");
-        }
-        file.write((lines.join(QLatin1Char('\n')) + '\n' + data).toUtf8());
-        return file.fileName();
-    }
-
-    static QByteArray content(const QString& fileName) {
-        QFile file(fileName);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        put(path("in.emp"), (lines.join('\n') + '\n' + data).toUtf8());
+        return path("in.emp");
     }
 
   private slots:
@@ -271,7 +260,7 @@ class TestEnergyMapFile : public QObject {
         const QString name = path("out.emp");
         QVERIFY(writeEMap(name, map, info));
 
-        const QString text = QString::fromUtf8(content(name));
+        const QString text = QString::fromUtf8(contentOf(name));
         QStringList lines = text.split(QLatin1Char('\n'));
         QVERIFY(QRegularExpression("^Record Date             : "
                                    "\\d\\d/\\d\\d/\\d\\d "
@@ -345,12 +334,9 @@ class TestEnergyMapFile : public QObject {
         info.edgeEnergy = 7112.5;
         info.spacing = 3.1355316;
         const QString name = path("old.emp");
-        QFile old(name);
-        QVERIFY(old.open(QIODevice::WriteOnly));
-        old.write("the old map");
-        old.close();
+        put(name, "the old map");
         QVERIFY(!writeEMap(name, map, info));  // no image, nothing to write
-        QCOMPARE(content(name), QByteArray("the old map"));
+        QCOMPARE(contentOf(name), QByteArray("the old map"));
 
         info.imageSize = QSize(40, 40);
         const DebugLines debug;
@@ -359,17 +345,12 @@ class TestEnergyMapFile : public QObject {
         QCOMPARE(debug.all(), QStringList("Can not open " + impossible));
 
         // A disk that fills up half way.
-        rlimit before{};
-        getrlimit(RLIMIT_FSIZE, &before);
-        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit small{1000, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-        const bool ok = writeEMap(name, map, info);
-        setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, handler);
-        QVERIFY(!ok);
+        {
+            const FullDisk full(1000);
+            QVERIFY(!writeEMap(name, map, info));
+        }
         QCOMPARE(debug.countOf("Error on writing"), 1);
-        QCOMPARE(content(name), QByteArray("the old map"));
+        QCOMPARE(contentOf(name), QByteArray("the old map"));
     }
 };
 

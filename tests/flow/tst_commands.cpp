@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "BatchRun.h"
+#include "Files.h"
 #include "Phantom.h"
 #include "TestMain.h"
 #include "analysis/Analyzed2DRes.h"
@@ -41,15 +42,10 @@ Window* topLevel() {
     return nullptr;
 }
 
-QByteArray contentsOf(const QString& fileName) {
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 /// The lines of a table behind its header.
 QList<QByteArray> rowsOf(const QString& fileName) {
     QList<QByteArray> rows;
-    for (const QByteArray& line : contentsOf(fileName).split('\n')) {
+    for (const QByteArray& line : contentOf(fileName).split('\n')) {
         if (!line.isEmpty() && !line.startsWith('#')) {
             rows << line;
         }
@@ -223,10 +219,7 @@ class TestCommands : public QObject {
     void linesThatDoNoWork() {
         QFETCH(QStringList, lines);
         QFETCH(QString, problem);
-        QFile flat(file("flat.dat"));
-        QVERIFY(flat.open(QIODevice::WriteOnly));
-        flat.write("7000 1\n7100 1\n7200 1\n");
-        flat.close();
+        put(file("flat.dat"), "7000 1\n7100 1\n7200 1\n");
         Body body;
         BatchRun batch(body);
         QVERIFY(batch.run(lines));
@@ -396,7 +389,7 @@ void TestCommands::addCalibrationCases() {
     const auto mapIsGone = [shift] { return shift(7, 0) == 0.0 && shift(0, 5) == 0.0; };
     add("calib_exec", {}, mapIsThere, mapIsGone);
     add("calib_save_map " + file("map.any"), [=] {
-        const auto lines = contentsOf(file("map.any")).split('\n');
+        const auto lines = contentOf(file("map.any")).split('\n');
         // 14 labels, a line a row of the map, the mark, the data
         return lines.size() == 14 + Size + 1 + Size + 1 && lines.first() == "###Tarnwick::TWEM" &&
                lines.at(12) == ("Std File Name           : " + m_phantom->file("a.dat")).toUtf8() &&

@@ -1,13 +1,13 @@
 #include <QApplication>
 #include <QCheckBox>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
-#include <QTextStream>
 #include <cmath>
+#include <functional>
 #include <memory>
 
 #include "BatchRun.h"
+#include "Files.h"
 #include "Phantom.h"
 #include "TestMain.h"
 #include "analysis/Analyzed2DRes.h"
@@ -33,14 +33,14 @@ class TestEnergyCorrection : public QObject {
     std::unique_ptr<Body> m_body;
     std::unique_ptr<BatchRun> m_batch;
 
-    void writeReference(const QString& name, double (*mu)(double), double offset) {
-        QFile out(m_phantom->file(name));
-        QVERIFY(out.open(QIODevice::WriteOnly));
-        QTextStream text(&out);
-        text.setRealNumberPrecision(12);
+    void writeSpectrum(const QString& name, const std::function<double(double)>& mu,
+                       double offset = 0.0) {
+        QByteArray text;
         for (double e = 6980.0; e <= 7320.0; e += 0.5) {
-            text << e + offset << ' ' << mu(e) << '\n';
+            text += QByteArray::number(e + offset, 'g', 12) + ' ' +
+                    QByteArray::number(mu(e), 'g', 12) + '\n';
         }
+        put(m_phantom->file(name), text);
     }
 
     void run(const QStringList& lines) {
@@ -65,9 +65,8 @@ class TestEnergyCorrection : public QObject {
 
     double firstSavedEnergy(const QString& name) {
         run({"move_position 1 2", "save_spectra " + m_phantom->file(name)});
-        QFile saved(m_phantom->file(name));
-        saved.open(QIODevice::ReadOnly);
-        return saved.readAll().split('\n').value(2).split('\t').first().toDouble();
+        const QList<QByteArray> lines = contentOf(m_phantom->file(name)).split('\n');
+        return lines.value(2).split('\t').first().toDouble();
     }
 
     QString setReference(int i, double shift) const {
@@ -87,17 +86,12 @@ class TestEnergyCorrection : public QObject {
         options.energyShift = [](int, int) { return Drift; };
         m_phantom = std::make_unique<Phantom>(options);
         QVERIFY(m_phantom->isValid());
-        writeReference("late-a.dat", Phantom::muA, OffsetA);
-        writeReference("late-b.dat", Phantom::muB, OffsetB);
+        writeSpectrum("late-a.dat", Phantom::muA, OffsetA);
+        writeSpectrum("late-b.dat", Phantom::muB, OffsetB);
         // What the calibration compares with is the very mixture of the position.
-        QFile standard(m_phantom->file("standard.dat"));
-        QVERIFY(standard.open(QIODevice::WriteOnly));
-        QTextStream text(&standard);
-        text.setRealNumberPrecision(12);
-        for (double e = 6980.0; e <= 7320.0; e += 0.5) {
-            text << e << ' ' << Fraction * Phantom::muA(e) + (1 - Fraction) * Phantom::muB(e)
-                 << '\n';
-        }
+        writeSpectrum("standard.dat", [](double e) {
+            return Fraction * Phantom::muA(e) + (1 - Fraction) * Phantom::muB(e);
+        });
     }
 
     void init() {

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <memory>
 
+#include "Files.h"
 #include "Phantom.h"
 #include "TestMain.h"
 #include "imagedata/TiffData.h"
@@ -73,10 +74,8 @@ class TestProgram : public QObject {
     }
 
     QString batchOf(const QStringList& lines) {
-        QFile batch(file("b.bat"));
-        batch.open(QIODevice::WriteOnly);
-        batch.write(lines.join('\n').toUtf8());
-        return QStringLiteral("b.bat");
+        put(file("b.bat"), lines.join('\n').toUtf8());
+        return "b.bat";
     }
 
     struct Run {
@@ -266,9 +265,7 @@ class TestProgram : public QObject {
         QCOMPARE(again.size(), map.size());
         double edge = 0.0;
         double spacing = 0.0;
-        QFile text(file("drift.emp"));
-        QVERIFY(text.open(QIODevice::ReadOnly));
-        for (const QByteArray& line : text.readAll().split('\n')) {
+        for (const QByteArray& line : contentOf(file("drift.emp")).split('\n')) {
             const double value = line.mid(line.indexOf(':') + 1).trimmed().toDouble();
             edge = line.startsWith("Std Edge Energy") ? value : edge;
             spacing = line.startsWith("Spacing") ? value : spacing;
@@ -297,43 +294,6 @@ class TestProgram : public QObject {
         qInfo() << "worst error of a fraction: before" << before << "after" << after;
         QVERIFY(before > 0.1);
         QVERIFY(after <= 0.1 * before);
-    }
-
-    /// Both background lines are known: mu-t is 0.3 - 0.0002 (E - shift - 7000) below the edge and
-    /// 0.8 more above it.
-    void residualAbsorption() {
-        constexpr double Energy = 7112.0;
-        constexpr double Factor = 0.25;
-        Phantom::Options options;
-        options.fractionOfA = [](int, int) { return 1.0; };
-        options.energyShift = [](int, int y) { return 10.0 * y; };
-        const Phantom phantom(options);
-        QVERIFY(phantom.isValid());
-        const Run result = run(
-            phantom.loadAndSetReferences() + SaveNumbers +
-            QStringList{"select_region 2 0 12 8", QString("analyzer_set_ra_energy %1").arg(Energy),
-                        QString("analyzer_set_ra_factor %1").arg(Factor), "analyzer_exec_ra",
-                        "analyzer_select_image 2", "save_data_as_tiff dmut.dat",
-                        "analyzer_select_image 3", "save_data_as_tiff rest.dat",
-                        "analyzer_select_image 4", "save_data_as_tiff ratio.dat"});
-        QVERIFY2(result.code == 0, qPrintable(result.verdict));
-
-        const auto inArea = [](int x, double value) { return x < 2 ? 0.0 : value; };
-        const auto rest = [](int y) { return 0.3 - 2e-4 * (Energy - 10.0 * y - 7000.0) - 0.2; };
-        const Table dmut = readNumbers(file("dmut.dat"));
-        QCOMPARE(dmut.size(), 8);
-        QCOMPARE(dmut[0].size(), 12);
-        QVERIFY(worstError(dmut, [&](int x, int) { return inArea(x, 0.8); }) < 2e-4);
-        QVERIFY(worstError(readNumbers(file("rest.dat")),
-                           [&](int x, int y) { return inArea(x, rest(y)); }) < 2e-4);
-        // The rest is counted from its lowest value in the image, here the 0 outside the area,
-        // where the ratio is 0 / 0.
-        const Table ratio = readNumbers(file("ratio.dat"));
-        QCOMPARE(ratio.size(), 8);
-        for (int y = 0; y < 8; ++y) {
-            QVERIFY(std::isnan(ratio[y][0]));
-            QVERIFY(std::abs(ratio[y][5] - rest(y) / (0.8 + rest(y))) < 2e-4);
-        }
     }
 };
 

@@ -4,6 +4,7 @@
 #include <csignal>
 #include <memory>
 
+#include "Files.h"
 #include "Phantom.h"
 #include "TestMain.h"
 
@@ -21,9 +22,7 @@ class TestWindow : public QObject {
     }
 
     void write(const QString& name, const QStringList& lines) {
-        QFile file(m_dir.filePath(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(lines.join('\n').toUtf8());
+        put(m_dir.filePath(name), lines.join('\n').toUtf8());
     }
 
     void start(QProcess* process, const QStringList& arguments) {

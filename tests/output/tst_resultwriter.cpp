@@ -1,13 +1,11 @@
-#include <sys/resource.h>
-
 #include <QDir>
-#include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
 #include <cmath>
-#include <csignal>
 #include <limits>
 
+#include "Files.h"
+#include "FullDisk.h"
 #include "TestMain.h"
 #include "analysis/AnalysisGrid.h"
 #include "analysis/Analyzed2DRes.h"
@@ -32,18 +30,6 @@ void fill(Analyzed2DRes* result) {
     result->setData(4, 2, 1, 0, -50.0);
 }
 
-QByteArray content(const QString& name) {
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-}
-
-void put(const QString& name, const QByteArray& text) {
-    QFile file(name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
-        qFatal("no temporary file");
-    }
-}
-
 // What a table reader makes of a file: comments apart, fields split at the separator.
 struct Table {
     QStringList header;
@@ -52,7 +38,7 @@ struct Table {
 
 Table readTable(const QString& name, char separator) {
     Table table;
-    for (const QByteArray& line : content(name).split('\n')) {
+    for (const QByteArray& line : contentOf(name).split('\n')) {
         if (line.startsWith('#')) {
             table.header << QString::fromUtf8(line);
         } else if (!line.isEmpty()) {
@@ -178,20 +164,14 @@ class TestResultWriter : public QObject {
         options.layout = points ? Layout::Points : Layout::Rows;
         options.asAnalyzed = asAnalyzed;
         const QString name = path("table.dat");
-        QVERIFY(writeResultTable(
-            name, result, options,
-            {{QStringLiteral("source"), QStringLiteral("Ratio")},
-             {QStringLiteral("reference file"), QStringLiteral("/d/標準\nfoil.dat")}}));
+        QVERIFY(writeResultTable(name, result, options,
+                                 {{"source", "Ratio"}, {"reference file", "/d/標準\nfoil.dat"}}));
         const Table table = readTable(name, comma ? ',' : ' ');
         QCOMPARE(
             table.header,
-            (QStringList{QStringLiteral("# source = Ratio"),
-                         QStringLiteral("# reference file = /d/標準 foil.dat"),
-                         QStringLiteral("# width = 6"), QStringLiteral("# height = 4"),
-                         QStringLiteral("# bin half width = 1"),
-                         QStringLiteral("# bin half height = 0"), QStringLiteral("# x0 = 0"),
-                         QStringLiteral("# x1 = 6"), QStringLiteral("# y0 = 1"),
-                         QStringLiteral("# y1 = 3"), QStringLiteral("# value range = -50 1")}));
+            (QStringList{"# source = Ratio", "# reference file = /d/標準 foil.dat", "# width = 6",
+                         "# height = 4", "# bin half width = 1", "# bin half height = 0",
+                         "# x0 = 0", "# x1 = 6", "# y0 = 1", "# y1 = 3", "# value range = -50 1"}));
 
         QVector<QVector<double>> expected;
         const QVector<int> columns =
@@ -224,12 +204,12 @@ class TestResultWriter : public QObject {
         options.layout = Layout::Rows;
         const QString name = path("nan.dat");
         QVERIFY(writeResultTable(name, result, options, {}));
-        QVERIFY(content(name).endsWith("\n# value range = 1.5e-07 1.5e-07\nnan,-inf,1.5e-07\n"));
+        QVERIFY(contentOf(name).endsWith("\n# value range = 1.5e-07 1.5e-07\nnan,-inf,1.5e-07\n"));
         // Nothing but NaN has no range.
         result.clear();
         result.setData(0, 0, 0, 0, kNan);
         QVERIFY(writeResultTable(name, result, options, {}));
-        QVERIFY(content(name).endsWith("\n# value range = nan nan\nnan,0,0\n"));
+        QVERIFY(contentOf(name).endsWith("\n# value range = nan nan\nnan,0,0\n"));
     }
 
     void processedValuesAreSavedWhileTheyShow() {
@@ -247,10 +227,10 @@ class TestResultWriter : public QObject {
         const QString name = path("proc.dat");
         const QString tiff = path("proc.tif");
         QVERIFY(writeResultTable(name, result, options, {}));
-        QVERIFY(content(name).endsWith("# value range = 0 900\n0,0,0\n1,900,1\n2,2,2\n"));
+        QVERIFY(contentOf(name).endsWith("# value range = 0 900\n0,0,0\n1,900,1\n2,2,2\n"));
         result.selectProcImg(true);
         QVERIFY(writeResultTable(name, result, options, {}));
-        QVERIFY(content(name).endsWith("# value range = 0 2\n0,0,0\n1,1,1\n2,2,2\n"));
+        QVERIFY(contentOf(name).endsWith("# value range = 0 2\n0,0,0\n1,1,1\n2,2,2\n"));
         QVERIFY(writeResultTiff(tiff, result, TiffOptions()));
         QCOMPARE(countsOf(tiff).value(1), QVector<int>(3, 32767));
     }
@@ -261,51 +241,32 @@ class TestResultWriter : public QObject {
         Analyzed2DRes nothing;
         QVERIFY(!writeResultTable(name, nothing, TableOptions(), {}));
         QVERIFY(!writeResultTiff(name, nothing, TiffOptions()));
-        QCOMPARE(content(name), QByteArray("the old one"));
+        QCOMPARE(contentOf(name), QByteArray("the old one"));
 
         Analyzed2DRes result;
         fill(&result);
-        const QString below = name + QStringLiteral("/below");
-        QVERIFY(!writeResultTable(below + QStringLiteral(".dat"), result, TableOptions(), {}));
-        QVERIFY(!writeResultTiff(below + QStringLiteral(".tif"), result, TiffOptions()));
-        QVERIFY(!writePicture(below + QStringLiteral(".png"), QImage(2, 2, QImage::Format_RGB32)));
-        QCOMPARE(content(name), QByteArray("the old one"));
+        const QString below = name + "/below";
+        QVERIFY(!writeResultTable(below + ".dat", result, TableOptions(), {}));
+        QVERIFY(!writeResultTiff(below + ".tif", result, TiffOptions()));
+        QVERIFY(!writePicture(below + ".png", QImage(2, 2, QImage::Format_RGB32)));
+        QCOMPARE(contentOf(name), QByteArray("the old one"));
 
         // A disk that fills up half way.
         const QString tiff = path("old.tif");
         const QString picture = path("old.bmp");
         put(tiff, "the old one");
         put(picture, "the old one");
-        rlimit before{};
-        getrlimit(RLIMIT_FSIZE, &before);
-        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit small{40, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-        const bool any = writeResultTable(name, result, TableOptions(), {}) ||
-                         writeResultTiff(tiff, result, TiffOptions()) ||
-                         writePicture(picture, QImage(50, 50, QImage::Format_RGB32));
-        setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, handler);
+        bool any = true;
+        {
+            const FullDisk full(40);
+            any = writeResultTable(name, result, TableOptions(), {}) ||
+                  writeResultTiff(tiff, result, TiffOptions()) ||
+                  writePicture(picture, QImage(50, 50, QImage::Format_RGB32));
+        }
         QVERIFY(!any);
         for (const QString& file : {name, tiff, picture}) {
-            QCOMPARE(content(file), QByteArray("the old one"));
+            QCOMPARE(contentOf(file), QByteArray("the old one"));
         }
-    }
-
-    void flatAndDark_data() {
-        QTest::addColumn<int>("width");
-        QTest::addColumn<int>("height");
-        QTest::newRow("wide") << 5 << 3;
-        QTest::newRow("tall") << 2 << 7;
-    }
-
-    void flatAndDark() {
-        QFETCH(int, width);
-        QFETCH(int, height);
-        QVERIFY(QDir::setCurrent(m_dir.path()));
-        QVERIFY(writeFlatDark(width, height));
-        QCOMPARE(countsOf(path("flat.dat")), QVector<QVector<int>>(height, QVector<int>(width, 1)));
-        QCOMPARE(countsOf(path("dark.dat")), QVector<QVector<int>>(height, QVector<int>(width, 0)));
     }
 
     void flatAndDarkWithoutPixels() {
@@ -317,7 +278,7 @@ class TestResultWriter : public QObject {
             writeFlatDark(size, size);
             for (const char* name : {"flat.dat", "dark.dat"}) {
                 QVERIFY(QFile::exists(path(name)));
-                QVERIFY(!content(path(name)).contains('x'));
+                QVERIFY(!contentOf(path(name)).contains('x'));
                 QVERIFY(countsOf(path(name)).isEmpty());
             }
         }

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "Files.h"
 #include "TestMain.h"
 #include "spectra/SpectrumFile.h"
 #include "spectra/XafsSpectrum.h"
@@ -55,10 +56,7 @@ class TestSpectrumFile : public QObject {
         QFETCH(Points, points);
         QTemporaryDir dir;
         const QString name = dir.filePath("s.dat");
-        QFile file(name);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        file.close();
+        put(name, content);
         XafsSpectrum s;
         s.append(1, 1);  // whatever was there goes
         QVERIFY(readSpectrumFile(name, &s));
@@ -88,9 +86,7 @@ class TestSpectrumFile : public QObject {
         QTemporaryDir dir;
         const QString name = dir.filePath("out.dat");
         QVERIFY(writeSpectrumFile(name, s, true));
-        QFile file(name);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QList<QByteArray> lines = file.readAll().split('\n');
+        const QList<QByteArray> lines = contentOf(name).split('\n');
         QCOMPARE(lines.size(), 2 + 200 + 1);
         QCOMPARE(lines[0], QByteArray("###Tarnwick::XafsSpectrum"));
         QCOMPARE(lines[1], QByteArray("# x  double-normalized-pre-base y pre post"));
@@ -101,9 +97,7 @@ class TestSpectrumFile : public QObject {
         QCOMPARE(items[3], QByteArray("0.25"));
         QVERIFY(std::abs(items[4].toDouble() - 1.25) < 1e-6);
         QVERIFY(writeSpectrumFile(name, s, false));
-        file.close();
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QVERIFY(file.readAll().contains("\n7000.04\t"));
+        QVERIFY(contentOf(name).contains("\n7000.04\t"));
         // A name below a file cannot be written; what is there stays whole.
         QVERIFY(!writeSpectrumFile(name + "/x.dat", s, true));
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 1);
@@ -114,9 +108,7 @@ class TestSpectrumFile : public QObject {
         data.append(1.0, 2.0);
         QTemporaryDir dir;
         QVERIFY(writeSpectrumFile(dir.filePath("p"), XafsSpectrum(data, 0, 0.0), false));
-        QFile file(dir.filePath("p"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QVERIFY(file.readAll().endsWith("\n1\tinf\t2\t0\t0\n"));
+        QVERIFY(contentOf(dir.filePath("p")).endsWith("\n1\tinf\t2\t0\t0\n"));
     }
 
     void publicMeasurements_data() {
