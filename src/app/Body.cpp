@@ -189,6 +189,8 @@ void Body::connectImageControls() {
 
     m_state = new QLabel(this);
     m_state->setObjectName(QStringLiteral("State"));
+    // A long text is cut off; it must not widen the window.
+    m_state->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_ui->statusbar->addWidget(m_state, 1);
     makeLoadingControls();
 }

@@ -128,7 +128,12 @@ class TestBody : public QObject {
         QTemporaryDir dir;
         m_body->loadEMap(dir.filePath("none.emp"));
         QVERIFY(m_body->statusBar()->currentMessage().contains("none.emp"));
-        QVERIFY(child<QLabel>(*m_body, "State")->text().contains("7000.00 eV"));
+        auto* state = child<QLabel>(*m_body, "State");
+        QVERIFY(state->text().contains("7000.00 eV"));
+        m_body->statusBar()->clearMessage();
+        state->setText(QString(5000, 'x'));
+        QCoreApplication::processEvents();
+        QVERIFY(m_body->width() < 3000);
     }
 
     /// The mouse over the image while an analysis runs must not be recorded as one of its points.
