@@ -4,14 +4,16 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 #include "app/Globals.h"
 
 namespace {
 
-std::size_t sizeOf(const AnalysisGrid& grid) {
-    return grid.width > 0 && grid.height > 0
-               ? static_cast<std::size_t>(grid.width) * static_cast<std::size_t>(grid.height)
+int sizeOf(const AnalysisGrid& grid) {
+    const qint64 count = static_cast<qint64>(grid.width) * grid.height;
+    return grid.width > 0 && grid.height > 0 && count <= std::numeric_limits<int>::max()
+               ? static_cast<int>(count)
                : 0;
 }
 
@@ -38,10 +40,17 @@ Analyzed2DRes::Analyzed2DRes(QObject* parent) : QObject(parent) {}
 Analyzed2DRes::~Analyzed2DRes() = default;
 
 double Analyzed2DRes::at(const Array& array, qint64 x, qint64 y) const {
-    if (array.empty() || !m_grid.isInsideImage(x, y)) {
+    if (array.isEmpty() || !m_grid.isInsideImage(x, y)) {
         return 0.0;
     }
-    return array[static_cast<std::size_t>(y * m_grid.width + x)];
+    return array.constData()[y * m_grid.width + x];
+}
+
+const Analyzed2DRes::Array& Analyzed2DRes::procArray() const {
+    if (m_proc.isEmpty() && !m_data.isEmpty()) {
+        m_proc.fill(0.0, m_data.size());
+    }
+    return m_proc;
 }
 
 double Analyzed2DRes::rangeMin() const {
@@ -60,14 +69,15 @@ void Analyzed2DRes::setProcRange(double min, double max) {
 void Analyzed2DRes::updateExtremes() {
     m_dataMin = 1e300;
     m_dataMax = -1e300;
-    for (double value : m_data) {
+    for (double value : qAsConst(m_data)) {
         widen(value, &m_dataMin, &m_dataMax);
     }
 }
 
 void Analyzed2DRes::dropPicture() {
+    m_toPaint.reset();
     m_image.reset();
-    m_pixels.clear();
+    m_pixels = {};
     m_valid = false;
 }
 
@@ -77,8 +87,9 @@ void Analyzed2DRes::clear() {
     m_dataMin = 1e300;
     m_dataMax = -1e300;
     dropPicture();
-    m_data.assign(sizeOf(m_grid), 0.0);
-    m_proc.assign(sizeOf(m_grid), 0.0);
+    m_proc = Array();
+    m_data = Array();
+    m_data.fill(0.0, sizeOf(m_grid));
 }
 
 void Analyzed2DRes::startOver(const AnalysisGrid& grid) {
@@ -99,13 +110,13 @@ void Analyzed2DRes::fillBin(Array* array, int ix, int iy, int xw, int yw, double
     const qint64 right = std::min<qint64>(m_grid.width - 1, static_cast<qint64>(ix) + xw);
     const qint64 top = std::max<qint64>(0, static_cast<qint64>(iy) - yw);
     const qint64 bottom = std::min<qint64>(m_grid.height - 1, static_cast<qint64>(iy) + yw);
-    if (array->empty() || left > right) {
+    if (array->isEmpty() || left > right) {
         return;
     }
+    double* const values = array->data();
     for (qint64 row = top; row <= bottom; ++row) {
-        const auto first = array->begin() + static_cast<std::ptrdiff_t>(row * m_grid.width);
-        std::fill(first + static_cast<std::ptrdiff_t>(left),
-                  first + static_cast<std::ptrdiff_t>(right + 1), t);
+        double* const first = values + row * m_grid.width;
+        std::fill(first + left, first + right + 1, t);
     }
 }
 
@@ -117,38 +128,44 @@ void Analyzed2DRes::setData(int ix, int iy, int xw, int yw, double t) {
 void Analyzed2DRes::genImg() {
     dropPicture();
     const Array& source = shownArray();
-    if (source.empty()) {
-        return;
+    if (!source.isEmpty()) {
+        // The values of this moment: setting others leaves these as they are.
+        m_toPaint = Picture{source, m_grid.width, m_grid.height, rangeMin(), rangeMax()};
+        m_valid = true;
     }
-    const double min = rangeMin();
-    const double max = rangeMax();
-    m_pixels.resize(3 * source.size());
+}
+
+void Analyzed2DRes::paint(const Picture& picture) const {
+    m_pixels.resize(3 * static_cast<std::size_t>(picture.values.size()));
     uchar* pixel = m_pixels.data();
-    for (double value : source) {
-        std::memcpy(pixel, colorOf((value - min) / (max - min)), 3);
+    for (double value : picture.values) {
+        std::memcpy(pixel, colorOf((value - picture.min) / (picture.max - picture.min)), 3);
         pixel += 3;
     }
-    m_image = std::make_unique<QImage>(m_pixels.data(), m_grid.width, m_grid.height,
-                                       3 * m_grid.width, QImage::Format_RGB888);
-    m_valid = true;
+    m_image = std::make_unique<QImage>(m_pixels.data(), picture.width, picture.height,
+                                       3 * picture.width, QImage::Format_RGB888);
 }
 
 QImage* Analyzed2DRes::img() const {
+    if (m_toPaint) {
+        paint(*m_toPaint);
+        m_toPaint.reset();
+    }
     return m_image.get();
 }
 
 quint16* Analyzed2DRes::tiffDataForSave(bool fixedScale, double scaleMin, double scaleMax,
                                         bool asAnalyzed) {
     const Array& source = shownArray();
-    if (source.empty()) {
+    if (source.isEmpty()) {
         m_count = 0;
         return nullptr;
     }
     const double min = fixedScale ? scaleMin : (m_showProc ? m_procMin : m_dataMin);
     const double max = fixedScale ? scaleMax : (m_showProc ? m_procMax : m_dataMax);
     const std::size_t points =
-        asAnalyzed ? static_cast<std::size_t>(m_grid.pointCount()) : source.size();
-    auto* values = new quint16[std::max(source.size(), points)]();
+        static_cast<std::size_t>(asAnalyzed ? m_grid.pointCount() : source.size());
+    auto* values = new quint16[std::max(static_cast<std::size_t>(source.size()), points)]();
     std::size_t n = 0;
     if (asAnalyzed) {
         forEachPoint(m_grid, [&](int x, int y) {
@@ -176,11 +193,11 @@ void Analyzed2DRes::selectProcImg(bool on) {
 }
 
 void Analyzed2DRes::copyProc2Data() {
-    if (m_data.empty() || m_proc.empty()) {
+    if (m_data.isEmpty()) {
         return;
     }
     qDebug("copy");
-    m_data = m_proc;
+    m_data = procArray();
     m_dataMin = m_procMin;
     m_dataMax = m_procMax;
 }

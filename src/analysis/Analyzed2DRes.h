@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QObject>
+#include <QVector>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "analysis/AnalysisGrid.h"
@@ -11,6 +13,10 @@ class QImage;
 /// One result image of an analysis: a width x height array of values that the analysis fills point
 /// by point, a second one for processed values (deglitched, or the glitch measure), and the
 /// picture of either through the colour map.
+///
+/// Both arrays and the picture exist from clear() and genImg() on as far as anybody can see, but
+/// take memory only when they are needed: processed values that are those of the analysis, or not
+/// yet any, and a picture that nobody looks at cost nothing.
 class Analyzed2DRes : public QObject {
     Q_OBJECT
 
@@ -27,13 +33,13 @@ class Analyzed2DRes : public QObject {
 
     /// Whether the picture is up to date with a filled image; false from clear() to genImg().
     bool isValid() const { return m_valid; }
-    bool hasData() const { return !m_data.empty(); }
+    bool hasData() const { return !m_data.isEmpty(); }
 
     /// Value of a pixel (row by row in data and proc), 0.0 outside the image.
     double valueAt(qint64 x, qint64 y) const { return at(m_data, x, y); }
     double shownValueAt(qint64 x, qint64 y) const { return at(shownArray(), x, y); }
-    const double* data() const { return m_data.data(); }
-    const double* proc() const { return m_proc.data(); }
+    const double* data() const { return m_data.constData(); }
+    const double* proc() const { return procArray().constData(); }
 
     // Ranges of the finite values; dataMin > dataMax until a value is set.
     double dataMin() const { return m_dataMin; }
@@ -61,7 +67,7 @@ class Analyzed2DRes : public QObject {
     /// the image, and widens the range with it.
     void setData(int ix, int iy, int xw, int yw, double t);
     void genImg();
-    /// The picture made by the last genImg(); null before.
+    /// The picture as of the last genImg(), whatever has been set since; null before.
     QImage* img() const;
     /// The shown values as 16 bit: (value - min) / (max - min) x 65535, cut to an integer whose low
     /// 16 bits are kept; what is not a number is 0. min and max are the arguments with fixedScale,
@@ -83,8 +89,20 @@ class Analyzed2DRes : public QObject {
     void setScale(double min, double max);
 
   private:
-    using Array = std::vector<double>;
-    const Array& shownArray() const { return m_showProc ? m_proc : m_data; }
+    using Array = QVector<double>;  // copies share their memory until one is written to
+
+    /// What a picture is to show.
+    struct Picture {
+        Array values;
+        int width;
+        int height;
+        double min;
+        double max;
+    };
+
+    const Array& procArray() const;
+    const Array& shownArray() const { return m_showProc ? procArray() : m_data; }
+    void paint(const Picture& picture) const;
     double at(const Array& array, qint64 x, qint64 y) const;
     void fillBin(Array* array, int ix, int iy, int xw, int yw, double t) const;
     double glitchMeasure(int x, int y) const;
@@ -95,8 +113,9 @@ class Analyzed2DRes : public QObject {
     int m_no = -1;
     AnalysisGrid m_grid;
     bool m_valid = false;
-    std::vector<uchar> m_pixels;
-    std::unique_ptr<QImage> m_image;
+    mutable std::optional<Picture> m_toPaint;
+    mutable std::vector<uchar> m_pixels;
+    mutable std::unique_ptr<QImage> m_image;
     Array m_data;
     double m_dataMin = 1e300;
     double m_dataMax = -1e300;
@@ -106,7 +125,7 @@ class Analyzed2DRes : public QObject {
     int m_count = 0;
     double m_procMin = 0.0;
     double m_procMax = 1.0;
-    Array m_proc;
+    mutable Array m_proc;  // empty: zeros, as many as values
     double m_deglitchFactor = 2.0;
     double m_deglitchRatio = 0.1;
     bool m_showProc = false;

@@ -64,7 +64,7 @@ void Analyzed2DRes::setProcPoint(int x, int y, double t) {
 }
 
 void Analyzed2DRes::deglitch() {
-    if (m_data.empty() || m_proc.empty()) {
+    if (m_data.isEmpty()) {
         return;
     }
     m_proc = m_data;
@@ -93,7 +93,7 @@ void Analyzed2DRes::deglitch() {
 }
 
 void Analyzed2DRes::deglitch2(double limit) {
-    if (m_data.empty() || m_proc.empty()) {
+    if (m_data.isEmpty()) {
         return;
     }
     m_proc = m_data;

@@ -61,7 +61,7 @@ class Analyzed2DResTest : public QObject {
     void deglitchRatioZeroFindsNothing();
     void deglitch2ReplacesFarPoints();
     void deglitch2WithALowLimit();
-    void copyLeavesThePicture();
+    void picturesKeepTheirMoment();
 };
 
 void Analyzed2DResTest::fillsBinsClippedToTheImage() {
@@ -125,6 +125,8 @@ void Analyzed2DResTest::pictureFollowsRangeAndArray() {
     QCOMPARE(colour(1, 1), expected(0.5));
     map->setFixedScale(false);
     map->selectProcImg(true);  // zeros on 0..1
+    QCOMPARE(map->proc()[5], 0.0);
+    QCOMPARE(wordsOf(map.get(), false, 0.0, 0.0, false), Words(6, 0));
     QCOMPARE(colour(1, 1), expected(0.0));
     QCOMPARE(map->shownValueAt(1, 1), 0.0);
     // A range of no width divides by zero and must not do worse.
@@ -259,16 +261,31 @@ void Analyzed2DResTest::deglitch2WithALowLimit() {
     QCOMPARE(procOf(*map), (Values{0, 0, 0, 0}));
 }
 
-void Analyzed2DResTest::copyLeavesThePicture() {
-    auto map = mapOf(3, 3, 0, {0, 1, 2, 0, 9, 2, 0, 1, 2});
-    map->setDeglitchConds(1.0, 0.2);
-    map->genImg();
-    map->deglitch();
-    const QImage before = map->img()->copy();
-    map->copyProc2Data();
-    QCOMPARE(map->valueAt(1, 1), 1.0);
-    QCOMPARE(map->dataMax(), 2.0);
-    QCOMPARE(*map->img(), before);
+/// A picture shows the values and the range of the moment at which it was asked for, whether it
+/// was looked at before they changed or not.
+void Analyzed2DResTest::picturesKeepTheirMoment() {
+    for (const bool processed : {false, true}) {
+        const Values values = {0, 1, 2, 0, 9, 2, 0, 1, 2};
+        auto seen = mapOf(3, 3, 0, values);
+        auto unseen = mapOf(3, 3, 0, values);
+        for (const auto& map : {seen.get(), unseen.get()}) {
+            map->setDeglitchConds(1.0, 0.2);
+            map->deglitch();
+            map->selectProcImg(processed);
+        }
+        const QImage before = seen->img()->copy();
+        for (const auto& map : {seen.get(), unseen.get()}) {
+            map->copyProc2Data();
+            QCOMPARE(map->valueAt(1, 1), 1.0);
+            QCOMPARE(map->dataMax(), 2.0);
+            map->setData(0, 2, 0, 0, 7.0);
+            QCOMPARE(map->proc()[6], 0.0);
+            map->updateExtremes();
+            map->setProcRange(0.0, 100.0);
+            QVERIFY(map->isValid());
+            QCOMPARE(*map->img(), before);
+        }
+    }
 }
 
 TARNWICK_TEST_MAIN(QGuiApplication, Analyzed2DResTest)
