@@ -8,6 +8,9 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QUrl>
+
+#include "app/GuideWindow.h"
 
 namespace {
 
@@ -32,6 +35,7 @@ class BodyMenu {
     QMenu* addMenu(const QString& title) const { return m_window->menuBar()->addMenu(title); }
     void press(QMenu* menu, const QString& text, const QString& button,
                const QKeySequence& keys = QKeySequence(), const QString& panel = QString()) const;
+    static void showGuide(QWidget* parent);
     static void showAbout(QWidget* parent);
 
     QMainWindow* m_window;
@@ -105,10 +109,28 @@ void BodyMenu::addWindowsMenu() const {
 
 void BodyMenu::addHelpMenu() const {
     QMenu* menu = addMenu(tr("&Help"));
+    if (!GuideWindow::firstPage().isEmpty()) {
+        QAction* guide = menu->addAction(tr("&User Guide"));
+        guide->setObjectName(QStringLiteral("actionGuide"));
+        guide->setShortcut(QKeySequence::HelpContents);
+        QObject::connect(guide, &QAction::triggered, m_window,
+                         [window = m_window] { showGuide(window); });
+    }
     QAction* about = menu->addAction(tr("&About Tarnwick"));
     about->setObjectName(QStringLiteral("actionAbout"));
     QObject::connect(about, &QAction::triggered, m_window,
                      [window = m_window] { showAbout(window); });
+}
+
+void BodyMenu::showGuide(QWidget* parent) {
+    auto* window = parent->findChild<GuideWindow*>();
+    if (window == nullptr) {
+        window = new GuideWindow(parent);
+        window->setSource(QUrl::fromLocalFile(GuideWindow::firstPage()));
+    }
+    window->show();
+    window->raise();
+    window->activateWindow();
 }
 
 void BodyMenu::showAbout(QWidget* parent) {

@@ -686,6 +686,10 @@
         <source>Two-dimensional XAFS imaging: spectra, energy calibration and maps of chemical states.</source>
         <translation>二次元 XAFS イメージング: スペクトル抽出、エネルギー較正、化学状態マップ</translation>
     </message>
+    <message>
+        <source>&amp;User Guide</source>
+        <translation>ユーザーガイド(&amp;U)</translation>
+    </message>
 </context>
 <context>
     <name>CalibCtrl</name>
@@ -846,6 +850,13 @@
     <message>
         <source>Values along the column of the position, mean over the bin&apos;s width</source>
         <translation>カーソル位置の列に沿った値 (ビンの幅で平均)</translation>
+    </message>
+</context>
+<context>
+    <name>GuideWindow</name>
+    <message>
+        <source>User Guide</source>
+        <translation>ユーザーガイド</translation>
     </message>
 </context>
 <context>

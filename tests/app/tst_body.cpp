@@ -5,6 +5,7 @@
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSlider>
 #include <QStatusBar>
 #include <QTemporaryDir>
@@ -18,6 +19,7 @@
 #include "analysis/Analyzed2DRes.h"
 #include "analysis/Analyzer.h"
 #include "analysis/LCFReference.h"
+#include "app/GuideWindow.h"
 #include "display/ImageView.h"
 #include "display/XafsView.h"
 
@@ -61,6 +63,20 @@ class TestBody : public QObject {
         m_body->show();
     }
     void cleanup() { m_body.reset(); }
+
+    /// The menu opens the user guide; links lead to pages and to places within them.
+    void menuOpensTheGuide() {
+        child<QAction>(*m_body, "actionGuide")->trigger();
+        auto* guide = m_body->findChild<GuideWindow*>();
+        QVERIFY(guide != nullptr && guide->isVisible());
+        const QUrl first = guide->source();
+        QVERIFY(!guide->toPlainText().isEmpty());
+        guide->setSource(first.resolved(QUrl("loading.md#dark-data")));
+        QVERIFY(guide->toPlainText().contains("mu-t"));
+        QVERIFY(guide->verticalScrollBar()->value() > 0);
+        guide->setSource(first.resolved(QUrl("image-view.md")));
+        QCOMPARE(guide->verticalScrollBar()->value(), 0);
+    }
 
     /// The menu does what the buttons do, and no two of its entries share keys.
     void menuPressesTheButtons() {
