@@ -12,6 +12,11 @@
 #include "app/Globals.h"
 #include "app/Translation.h"
 
+namespace {
+/// What most desktops set; the platform without a display has 12.
+constexpr double UsualPointSize = 10.0;
+}  // namespace
+
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     initGlobals();
@@ -29,8 +34,8 @@ int main(int argc, char** argv) {
     QDir().mkpath(out.path());
     const QString language = arguments.at(4);
     const QString percent = arguments.value(5, QStringLiteral("100"));
-    QFont font = QApplication::font();
-    font.setPointSizeF(font.pointSizeF() * percent.toInt() / 100);
+    QFont font(QStringLiteral("Sans Serif"));
+    font.setPointSizeF(UsualPointSize * percent.toInt() / 100);
     QApplication::setFont(font);
     QTranslator translator;
     const bool japanese = language == QLatin1String("ja");

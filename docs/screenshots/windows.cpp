@@ -15,16 +15,11 @@ void makeWindowPictures(Stage& stage) {
         {QStringLiteral("select_region 40 30 200 160"), QStringLiteral("move_position 123 100")});
     stage.click("ShowXafsView");
 
-    int views = 0;
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget* window : windows) {
         if (!window->isVisible() || window->windowTitle().isEmpty()) {
             continue;
         }
-        QString name = QString::fromLatin1(window->metaObject()->className()).toLower();
-        if (name == QLatin1String("xafsview")) {
-            name += QString::number(++views);
-        }
-        stage.save(window, name);
+        stage.save(window, window->objectName().toLower());
     }
 }
