@@ -8,6 +8,7 @@
 #include "analysis/AnalyzeProc.h"
 #include "analysis/Analyzed2DRes.h"
 #include "analysis/LCFReference.h"
+#include "app/Availability.h"
 #include "app/Globals.h"
 #include "display/XafsView.h"
 #include "ui_Analyzer.h"
@@ -32,7 +33,9 @@ Analyzer::Analyzer(QWidget* parent)
       m_raRest(std::make_unique<Analyzed2DRes>()),
       m_raRatio(std::make_unique<Analyzed2DRes>()) {
     m_ui->setupUi(this);
+    m_lastReferenceControl = m_ui->AddRef;
     m_view->setWindowTitle(tr("Analyzing Spectrum"));
+    m_view->setObjectName(QStringLiteral("AnalyzingSpectrum"));
     m_choice->addButton(m_ui->ShowDMuT, 0);
     m_choice->addButton(m_ui->ShowRest, 1);
     m_choice->addButton(m_ui->ShowRatio, 2);
@@ -135,17 +138,30 @@ void Analyzer::addNewRef() {
     reference->setUse(m_references.size() <= UsedFromTheStart);
     reference->show();
     button->show();
+    putNextInTabOrder(button, reference);
 
     for (auto signal :
          {&LCFReference::newFileSelected, &LCFReference::newDeltaE, &LCFReference::changed}) {
         connect(reference, signal, this, [this] {
             showReferences();
+            updateControls();
             reAnalyzeSpectrum();
         });
     }
     applyScales();
+    updateControls();
     layout()->activate();
     resize(size().expandedTo(sizeHint()));
+}
+
+void Analyzer::putNextInTabOrder(QWidget* button, const LCFReference* reference) {
+    const QWidgetList controls = QWidgetList{button} + reference->findChildren<QWidget*>();
+    for (QWidget* control : controls) {
+        if ((control->focusPolicy() & Qt::TabFocus) != 0 && control->window() == window()) {
+            setTabOrder(m_lastReferenceControl, control);
+            m_lastReferenceControl = control;
+        }
+    }
 }
 
 void Analyzer::showReferences() {
@@ -274,14 +290,36 @@ void Analyzer::show() {
 void Analyzer::setContAccess(bool on) {
     m_busy = on;
     m_worker->setContAccess(on);
-    m_ui->AddRef->setEnabled(!on);
-    m_ui->AddRef->setToolTip(on ? tr("Not while an analysis of the image runs")
-                                : tr("Add a row for one more reference spectrum"));
-    for (LCFReference* reference : qAsConst(m_references)) {
-        reference->setFileChoiceEnabled(!on);
-    }
+    updateControls();
     // What waits belongs to the time before.
     m_waiting.reset();
+    emit busyChanged(on);
+}
+
+void Analyzer::setMissing(const QString& whyNot) {
+    m_missing = whyNot;
+    updateControls();
+}
+
+void Analyzer::updateControls() {
+    const QString whileBusy = m_busy ? tr("Not while an analysis of the image runs.") : QString();
+    setUsable(m_ui->AddRef, whileBusy);
+    for (LCFReference* reference : qAsConst(m_references)) {
+        reference->setFileChoiceUsable(whileBusy);
+    }
+    setUsable(m_ui->AskRAAnalyze, m_busy ? whileBusy : m_missing);
+
+    // A second click on this one stops, so it stays alive while it is at work.
+    const bool anyInUse =
+        std::any_of(m_references.begin(), m_references.end(),
+                    [](const LCFReference* r) { return r->isUsed() && r->hasSpectrum(); });
+    QString whyNot = m_missing;
+    if (whyNot.isEmpty() && m_references.size() < 2) {
+        whyNot = tr("Add two references first.");
+    } else if (whyNot.isEmpty() && !anyInUse) {
+        whyNot = tr("Choose the file of a reference and check its Use box first.");
+    }
+    setUsable(m_ui->AskAnalyze, m_busy ? QString() : whyNot);
 }
 
 void Analyzer::setLCFMode(int mode) {

@@ -67,6 +67,8 @@ class Analyzer : public QFrame {
     /// The scale field of the image type shown.
     void setScaleMax(double value);
     void setScaleMin(double value);
+    /// What must be there before an image can be analysed, for the user; empty: nothing.
+    void setMissing(const QString& whyNot);
 
   signals:
     void askAnalyze();
@@ -75,6 +77,8 @@ class Analyzer : public QFrame {
                           bool isMLCF);
     void changedSelection();
     void finished();
+    /// A two-dimensional analysis has begun or ended.
+    void busyChanged(bool busy);
 
   public slots:
     void addNewRef();
@@ -109,15 +113,19 @@ class Analyzer : public QFrame {
     void freezePanels();
     void handOver(const XafsSpectrum& spectrum, bool isSample);
     void showReferences();
+    void putNextInTabOrder(QWidget* button, const LCFReference* reference);
+    void updateControls();
 
     std::unique_ptr<Ui::Analyzer> m_ui;
     QVector<LCFReference*> m_references;
+    QWidget* m_lastReferenceControl;  // in the order of Tab
     QButtonGroup* m_choice;
     std::unique_ptr<XafsView> m_view;
     std::unique_ptr<AnalyzeProc> m_worker;
     QThread m_thread;
 
     bool m_busy = false;
+    QString m_missing;  // images
     int m_fitsOut = 0;
     XafsSpectrum m_sample;
     XafsSpectrum m_fitted;       // written by the fitter; copied when it reports

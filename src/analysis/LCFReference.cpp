@@ -5,6 +5,7 @@
 #include <atomic>
 
 #include "analysis/Analyzed2DRes.h"
+#include "app/Availability.h"
 #include "spectra/SpectrumFile.h"
 #include "ui_LCFReference.h"
 
@@ -29,13 +30,16 @@ bool asksForVictreen(const QString& word) {
 LCFReference::LCFReference(QWidget* parent)
     : QFrame(parent), m_ui(std::make_unique<Ui::LCFReference>()), m_revision(nextRevision()) {
     m_ui->setupUi(this);
-    // Room for six digits with sign, whatever the font; more would widen the window. Numbers with
-    // an exponent scroll when space is short.
-    const int width = fontMetrics().horizontalAdvance(QStringLiteral("-0.0000000M"));
-    for (QLineEdit* field : {m_ui->DMut, m_ui->MidE, m_ui->DeltaE, m_ui->R, m_ui->T}) {
-        field->setMinimumWidth(width);
-        field->setMaximumWidth(width);
-    }
+    // Room for what each shows, whatever the font; more would widen the window. Numbers with an
+    // exponent scroll when space is short.
+    const auto setWidth = [this](QLineEdit* field, const char* widest) {
+        field->setFixedWidth(fontMetrics().horizontalAdvance(QLatin1String(widest)));
+    };
+    setWidth(m_ui->DMut, "-0.000000M");
+    setWidth(m_ui->MidE, "00000.00M");
+    setWidth(m_ui->DeltaE, "-00.00M");
+    setWidth(m_ui->R, "-000.00M");
+    setWidth(m_ui->T, "-0.000000M");
     for (auto& result : m_results) {
         result = std::make_unique<Analyzed2DRes>();
     }
@@ -58,10 +62,11 @@ bool LCFReference::isShown() const {
     return m_ui->Show->isChecked();
 }
 
-void LCFReference::setFileChoiceEnabled(bool on) {
-    const auto buttons = m_ui->XFS->findChildren<QPushButton*>();
+void LCFReference::setFileChoiceUsable(const QString& whyNot) {
+    const auto buttons =
+        m_ui->XFS->findChildren<QPushButton*>(QString(), Qt::FindDirectChildrenOnly);
     for (QPushButton* button : buttons) {
-        button->setEnabled(on);
+        setUsable(button, whyNot);
     }
 }
 

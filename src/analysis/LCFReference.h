@@ -40,8 +40,8 @@ class LCFReference : public QFrame {
     bool isUsed() const { return m_use; }
     void setUse(bool use);
     bool isShown() const;
-    /// The buttons that choose and clear the file.
-    void setFileChoiceEnabled(bool on);
+    /// Whether the file can be chosen and cleared; empty: it can.
+    void setFileChoiceUsable(const QString& whyNot);
     double deltaE() const { return m_deltaE; }
     double ratio() const { return m_ratio; }
 

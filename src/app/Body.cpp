@@ -6,6 +6,7 @@
 #include <QIntValidator>
 #include <QLabel>
 #include <QPainter>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include "analysis/Analysis2D.h"
@@ -16,6 +17,7 @@
 #include "app/CommandHandlers.h"
 #include "app/DarkData.h"
 #include "app/Globals.h"
+#include "app/ToolWindows.h"
 #include "batch/BatchCtrl.h"
 #include "batch/BatchDispatcher.h"
 #include "calibration/CalibCtrl.h"
@@ -56,8 +58,7 @@ Body::Body(QWidget* parent)
       m_ui(std::make_unique<Ui::Body>()),
       m_shiftMap(std::make_unique<Analyzed2DRes>()) {
     m_ui->setupUi(this);
-    m_ui->Position->setMinimumWidth(
-        fontMetrics().horizontalAdvance(QStringLiteral("(0000, 0000)")));
+    fitFormToFont();
     m_i1 = std::make_unique<Stack>(Stack::I1, m_ui->SelectI1Files);
     m_i0 = std::make_unique<Stack>(Stack::I0, m_ui->SelectI0Files);
     m_ui->SelectI1Files->setLabel(tr("I1 Data"));
@@ -78,6 +79,7 @@ Body::Body(QWidget* parent)
     m_analysis = std::make_unique<Analysis2D>(m_analyzer.get());
     m_xafsView = std::make_unique<XafsView>();
     m_xafsView->setWindowTitle(tr("Spectrum"));
+    m_xafsView->setObjectName(QStringLiteral("Spectrum"));
     m_saveDataCfg = std::make_unique<SaveDataCfg>();
     m_handlers = std::make_unique<CommandHandlers>(*this);
 
@@ -90,7 +92,15 @@ Body::Body(QWidget* parent)
     connectSaving();
     connectDark();
     buildBodyMenu(this);
+    auto* toolWindows = new ToolWindows(this);
+    for (QWidget* window : std::initializer_list<QWidget*>{
+             m_xafsView.get(), m_calib.get(), m_analyzer.get(), m_analyzer->view(),
+             m_batchCtrl.get(), m_saveDataCfg.get()}) {
+        toolWindows->add(window);
+    }
     redisplay();
+    updateSpectraButton();
+    m_ui->SelectI1Files->setFocus();
 }
 
 Body::~Body() {
@@ -112,6 +122,19 @@ void Body::closeEvent(QCloseEvent* event) {
     emit m_batchCtrl->batchStop();
     QMainWindow::closeEvent(event);
     emit finishing();
+}
+
+/// Sizes that follow the font; what the form's pixels could not.
+void Body::fitFormToFont() {
+    m_ui->Position->setMinimumWidth(
+        fontMetrics().horizontalAdvance(QStringLiteral("(0000, 0000)")));
+    const int line = fontMetrics().height();
+    m_ui->HCross->setFixedHeight(6 * line);
+    m_ui->VCross->setFixedWidth(7 * line);
+    m_ui->CBar->setFixedWidth(6 * line);
+    m_ui->Prev->setIcon(style()->standardIcon(QStyle::SP_MediaSeekBackward));
+    m_ui->Next->setIcon(style()->standardIcon(QStyle::SP_MediaSeekForward));
+    m_ui->Next->setLayoutDirection(Qt::RightToLeft);
 }
 
 void Body::startReaders() {
@@ -217,6 +240,8 @@ void Body::connectAnalyzer() {
     connect(m_analyzer.get(), &Analyzer::askRAAnalyze, this, &Body::startRA2DAnalysis);
     connect(m_analyzer.get(), &Analyzer::finished, this, &Body::analyzeASpectrumFinished);
     connect(m_analyzer.get(), &Analyzer::changedSelection, this, &Body::selectedNewRef);
+    connect(m_analyzer.get(), &Analyzer::busyChanged, this, &Body::updateControls);
+    connect(m_xafsView.get(), &XafsView::updated, this, &Body::updateSpectraButton);
 }
 
 void Body::makeDialogs() {

@@ -141,6 +141,7 @@ class Body : public QMainWindow {
     struct Stack;
 
     // construction (Body.cpp)
+    void fitFormToFont();
     void startReaders();
     void connectBatch();
     void connectImageControls();
@@ -179,6 +180,8 @@ class Body : public QMainWindow {
     void redisplaySoon();
     void updateSeekBar();
     void updateStatus();
+    void updateControls();
+    void updateSpectraButton();
     void updateValueAndCrossSections();
 
     // spectra and analyses

@@ -138,10 +138,7 @@ void Body::updateStatus() {
     const QString dark = darkState();
     m_state->setText(dark.isEmpty() ? text : text + QStringLiteral("   ") + dark);
 
-    Analyzed2DRes* target = deglitchTarget();
-    m_ui->ShowProcImg->setEnabled(target != nullptr && target->hasData());
-    const QSignalBlocker blocked(m_ui->ShowProcImg);
-    m_ui->ShowProcImg->setChecked(target != nullptr && target->showsProc());
+    updateControls();
 }
 
 void Body::onMouseMovedInDispA() {

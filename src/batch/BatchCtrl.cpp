@@ -2,6 +2,7 @@
 
 #include <QFileDialog>
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QPushButton>
 #include <QSaveFile>
 #include <QTextStream>
@@ -13,9 +14,12 @@
 BatchCtrl::BatchCtrl(QWidget* parent)
     : QMainWindow(parent), m_ui(std::make_unique<Ui::BatchCtrl>()) {
     m_ui->setupUi(this);
-    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    fixed.setPointSizeF(font().pointSizeF());
+    fixed.setFamily(QFontInfo(fixed).fixedPitch() ? fixed.family() : QStringLiteral("monospace"));
     m_ui->BatchCmds->setFont(fixed);
     m_ui->BatchLogs->setFont(fixed);
+    m_ui->BatchCmds->setFocus();
 
     const QStringList filters{tr("Batch File (*.bat)"), tr("Any Files (* *.*)")};
     m_loadDialog = new QFileDialog(this, tr("Load Batch File"), DataDir);

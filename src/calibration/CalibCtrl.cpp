@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <cmath>
 
+#include "app/Availability.h"
 #include "app/Globals.h"
 #include "imagedata/Units.h"
 #include "spectra/SpectrumFile.h"
@@ -133,6 +134,14 @@ void CalibCtrl::loadEShiftMap(const QString& fname) {
     emit loadEMap(fname);
 }
 
+void CalibCtrl::setMissing(const QString& forCalibration, const QString& forLoading, bool hasMap) {
+    const QString noMap = hasMap ? QString() : tr("There is no energy-shift map yet.");
+    setUsable(m_ui->ExecCalib, forCalibration);
+    setUsable(m_ui->LoadMap, forLoading);
+    setUsable(m_ui->SaveMap, noMap);
+    setUsable(m_ui->ClearMap, hasMap ? forLoading : noMap);
+}
+
 /// Says which standard there is, and at the buttons that need one what they do without it.
 void CalibCtrl::describeStandard() {
     const bool loaded = m_standard && !m_standard->isEmpty();
@@ -140,13 +149,15 @@ void CalibCtrl::describeStandard() {
                                   : tr("No standard loaded"));
     m_ui->StdName->setToolTip(loaded ? standardFileName() : QString());
     const QString missing = tr("No standard is loaded. Choose one with \"Select Std.\".");
-    m_ui->ExecCalib->setToolTip(
-        loaded ? tr("Measure the energy shift of every bin of the selected area against the "
-                    "standard.")
-               : missing + QLatin1Char('\n') +
-                     tr("Without one the map holds edge energies, not shifts."));
-    m_ui->SaveMap->setToolTip(
-        loaded ? tr("Save the energy-shift map as angles for this standard and crystal.")
-               : missing + QLatin1Char('\n') +
-                     tr("Without one the map is saved with the edge energy typed above."));
+    setOwnToolTip(m_ui->ExecCalib,
+                  loaded
+                      ? tr("Measure the energy shift of every bin of the selected area against the "
+                           "standard.")
+                      : missing + QLatin1Char('\n') +
+                            tr("Without one the map holds edge energies, not shifts."));
+    setOwnToolTip(m_ui->SaveMap,
+                  loaded
+                      ? tr("Save the energy-shift map as angles for this standard and crystal.")
+                      : missing + QLatin1Char('\n') +
+                            tr("Without one the map is saved with the edge energy typed above."));
 }

@@ -30,6 +30,9 @@ class CalibCtrl : public QWidget {
     const XafsSpectrum* standard() const;
     /// As the file selector shows it.
     QString standardFileName() const;
+    /// What stands against a calibration and against another map at present, for the user; empty:
+    /// nothing. Without a map there is none to save or to clear.
+    void setMissing(const QString& forCalibration, const QString& forLoading, bool hasMap);
 
   signals:
     void newStdFileLoaded();

@@ -7,6 +7,7 @@
 #include <QRegularExpression>
 #include <QSet>
 
+#include "app/Availability.h"
 #include "app/Globals.h"
 #include "imagedata/EnergyFromName.h"
 #include "imagedata/FileListing.h"
@@ -14,7 +15,9 @@
 
 namespace {
 constexpr qint64 SettledAfterMs = 1000;  // the detector may still be writing a younger file
-}
+constexpr int HeldDownMs = 700;          // when a press is no click any more
+constexpr int RepeatMs = 5000;
+}  // namespace
 
 SelectDataFiles::SelectDataFiles(QWidget* parent)
     : QWidget(parent),
@@ -29,7 +32,11 @@ SelectDataFiles::SelectDataFiles(QWidget* parent)
     m_ui->EngPattern->setMinimumWidth(patternWidth);
     m_ui->EngPattern->setMaximumWidth(patternWidth + patternWidth / 4);
     // The list shows the beginning of a long path, its tool tip the whole.
-    connect(m_ui->Selected, &QComboBox::currentTextChanged, m_ui->Selected, &QWidget::setToolTip);
+    const QString noFile = m_ui->Selected->toolTip();
+    connect(m_ui->Selected, &QComboBox::currentTextChanged, this,
+            [this, noFile](const QString& name) {
+                m_ui->Selected->setToolTip(name.isEmpty() ? noFile : name);
+            });
     m_dialog->setFileMode(QFileDialog::ExistingFiles);
     m_dialog->setAcceptMode(QFileDialog::AcceptOpen);
     m_dialog->setNameFilters(
@@ -39,10 +46,11 @@ SelectDataFiles::SelectDataFiles(QWidget* parent)
             SIGNAL(currentIndexChanged(int)));
     connect(m_ui->Select, SIGNAL(clicked()), m_dialog, SLOT(show()));
     connect(m_ui->Clear, &QPushButton::clicked, this, &SelectDataFiles::clear);
-    connect(m_ui->LoadNewFiles, &QPushButton::clicked, this, &SelectDataFiles::loadNewFiles);
+    connectLoadNew();
     connect(m_dialog, &QFileDialog::filesSelected, this, [this](const QStringList& files) {
         emit filesSelected(files, m_ui->AddFiles->isChecked());
     });
+    setFocusProxy(m_ui->Select);
     updateButtons();
 }
 
@@ -67,7 +75,14 @@ void SelectDataFiles::setLoading(bool loading) {
 
 void SelectDataFiles::updateButtons() {
     m_ui->Count->setText(QString::number(count()));
-    m_ui->LoadNewFiles->setEnabled(count() > 0 && !m_loading);
+    if (count() == 0) {
+        repeatLoadNew(false);
+    }
+    // While it repeats it must stay alive, to be switched off.
+    const bool usable = m_repeat.isActive() || (count() > 0 && !m_loading);
+    setUsable(m_ui->LoadNewFiles, usable      ? QString()
+                                  : m_loading ? tr("Wait until the stack is loaded.")
+                                              : tr("Select the first files first."));
 }
 
 double SelectDataFiles::newFile(const QString& fname) {
@@ -103,6 +118,39 @@ void SelectDataFiles::select(int i) {
     if (i >= 0 && i < count()) {
         m_ui->Selected->setCurrentIndex(i);
     }
+}
+
+void SelectDataFiles::connectLoadNew() {
+    QPushButton* button = m_ui->LoadNewFiles;
+    m_hold.setSingleShot(true);
+    m_hold.setInterval(HeldDownMs);
+    m_repeat.setInterval(RepeatMs);
+    connect(button, &QPushButton::pressed, this, [this] {
+        m_wasHeld = false;
+        m_hold.start();
+    });
+    connect(button, &QPushButton::released, &m_hold, &QTimer::stop);
+    connect(&m_hold, &QTimer::timeout, this, [this] { m_wasHeld = true; });
+    connect(&m_repeat, &QTimer::timeout, this, [this] {
+        if (!m_loading) {
+            loadNewFiles();
+        }
+    });
+    connect(button, &QPushButton::clicked, this, [this] {
+        const bool repeats = m_repeat.isActive();
+        repeatLoadNew(m_wasHeld && !repeats);
+        m_wasHeld = false;
+        if (!repeats) {
+            loadNewFiles();
+        }
+        updateButtons();
+    });
+}
+
+void SelectDataFiles::repeatLoadNew(bool on) {
+    on ? m_repeat.start() : m_repeat.stop();
+    m_ui->LoadNewFiles->setCheckable(on);
+    m_ui->LoadNewFiles->setChecked(on);
 }
 
 void SelectDataFiles::loadNewFiles() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QStringList>
+#include <QTimer>
 #include <QWidget>
 #include <memory>
 
@@ -46,6 +47,8 @@ class SelectDataFiles : public QWidget {
     void select(int i);
 
   private:
+    void connectLoadNew();
+    void repeatLoadNew(bool on);
     void loadNewFiles();
     void updateButtons();
 
@@ -53,4 +56,7 @@ class SelectDataFiles : public QWidget {
     QFileDialog* m_dialog;
     std::unique_ptr<QRegularExpression> m_pattern;  // compiled once, not for every file
     bool m_loading = false;
+    QTimer m_hold;    // tells a press that is held from a click
+    QTimer m_repeat;  // looks for new files while "Load New" stays down
+    bool m_wasHeld = false;
 };

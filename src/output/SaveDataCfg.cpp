@@ -2,6 +2,7 @@
 
 #include <QDoubleValidator>
 
+#include "app/Availability.h"
 #include "ui_SaveDataCfg.h"
 
 SaveDataCfg::SaveDataCfg(QWidget* parent)
@@ -101,6 +102,15 @@ void SaveDataCfg::updateControls() {
     m_ui->TiffPage->setEnabled(tiff);
     m_ui->TextPage->setEnabled(!tiff);
     m_ui->ScaleFields->setEnabled(fixed);
+    const QString notTiff = tiff ? QString() : tr("Only for \"Save as Tiff\".");
+    const QString notText = tiff ? tr("Only for \"Save as Text data\".") : QString();
+    setUsable(m_ui->TiffFixScale, notTiff);
+    for (QLineEdit* field : {m_ui->TiffScaleMin, m_ui->TiffScaleMax}) {
+        setUsable(field, tiff && !fixed ? tr("Only with \"Fixed Scale\".") : notTiff);
+    }
+    for (QRadioButton* choice : {m_ui->CSV, m_ui->SSV, m_ui->XYZ, m_ui->Vals}) {
+        setUsable(choice, notText);
+    }
 
     const TiffOptions options = tiffOptions();
     const bool reversed = fixed && !(options.scaleMax > options.scaleMin);

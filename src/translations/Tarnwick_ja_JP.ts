@@ -156,8 +156,44 @@
         <translation>試料</translation>
     </message>
     <message>
-        <source>Not while an analysis of the image runs</source>
-        <translation>画像の解析中は使えません</translation>
+        <source>Lower end of the scale of DMut images; in force with Fixed Scale</source>
+        <translation>DMut 画像のスケールの下限。「スケール固定」のときに有効です</translation>
+    </message>
+    <message>
+        <source>Upper end of the scale of DMut images; in force with Fixed Scale</source>
+        <translation>DMut 画像のスケールの上限。「スケール固定」のときに有効です</translation>
+    </message>
+    <message>
+        <source>Lower end of the scale of Ratio images; in force with Fixed Scale</source>
+        <translation>比率画像のスケールの下限。「スケール固定」のときに有効です</translation>
+    </message>
+    <message>
+        <source>Upper end of the scale of Ratio images; in force with Fixed Scale</source>
+        <translation>比率画像のスケールの上限。「スケール固定」のときに有効です</translation>
+    </message>
+    <message>
+        <source>Show the residual absorption in the main window</source>
+        <translation>残留吸収をメインウィンドウに表示します</translation>
+    </message>
+    <message>
+        <source>Show the edge jump of the residual-absorption analysis in the main window</source>
+        <translation>残留吸収解析で求めたエッジジャンプをメインウィンドウに表示します</translation>
+    </message>
+    <message>
+        <source>Show residual absorption over edge jump in the main window</source>
+        <translation>残留吸収とエッジジャンプの比をメインウィンドウに表示します</translation>
+    </message>
+    <message>
+        <source>Not while an analysis of the image runs.</source>
+        <translation>画像の解析中は使えません。</translation>
+    </message>
+    <message>
+        <source>Add two references first.</source>
+        <translation>先に参照を 2 つ追加してください。</translation>
+    </message>
+    <message>
+        <source>Choose the file of a reference and check its Use box first.</source>
+        <translation>先に参照のファイルを選び、「使用」にチェックを入れてください。</translation>
     </message>
 </context>
 <context>
@@ -246,6 +282,10 @@
         <source>Save Batch File</source>
         <translation>バッチファイルの保存</translation>
     </message>
+    <message>
+        <source>What the batch has done; &quot;Err:&quot; stands before a line that it does not know.</source>
+        <translation>バッチの実行記録。認識できない行には「Err:」が付きます。</translation>
+    </message>
 </context>
 <context>
     <name>Body</name>
@@ -294,10 +334,6 @@
         <translation>画像全体を表示します</translation>
     </message>
     <message>
-        <source>Value</source>
-        <translation>値</translation>
-    </message>
-    <message>
         <source>Value of the shown image at the position</source>
         <translation>表示中の画像のカーソル位置での値</translation>
     </message>
@@ -312,10 +348,6 @@
     <message>
         <source>Next frame</source>
         <translation>次のフレーム</translation>
-    </message>
-    <message>
-        <source>Position</source>
-        <translation>位置</translation>
     </message>
     <message>
         <source>Position: </source>
@@ -363,7 +395,7 @@
     </message>
     <message>
         <source>Show Cali. Ctrl.</source>
-        <translation>較正パネル表示</translation>
+        <translation>校正パネル表示</translation>
     </message>
     <message>
         <source>Show Analyzer</source>
@@ -575,6 +607,78 @@
         <source>Frames that have been read stay, the files still to be read are left out (Esc)</source>
         <translation>読み込み済みのフレームは残り、未読のファイルは読み込まれません (Esc)</translation>
     </message>
+    <message>
+        <source>Half width of the bin in pixels: it holds 2 xw + 1 columns</source>
+        <translation>ビンの横の半幅 (画素)。横幅は 2 xw + 1 画素です</translation>
+    </message>
+    <message>
+        <source>Half height of the bin in pixels: it holds 2 yw + 1 rows</source>
+        <translation>ビンの縦の半幅 (画素)。縦幅は 2 yw + 1 画素です</translation>
+    </message>
+    <message>
+        <source>At the cursor</source>
+        <translation>カーソル位置</translation>
+    </message>
+    <message>
+        <source>Value: </source>
+        <translation>値: </translation>
+    </message>
+    <message>
+        <source>The spectrum of the bin at the cursor</source>
+        <translation>カーソル位置のビンのスペクトルを表示します</translation>
+    </message>
+    <message>
+        <source>Standard, crystal and energy-shift map</source>
+        <translation>標準試料・分光結晶の選択とエネルギーシフトマップの作成</translation>
+    </message>
+    <message>
+        <source>References, fits (LCF, MLCF), residual absorption and the choice of the result shown</source>
+        <translation>参照の選択、フィット (LCF、MLCF)、残留吸収、表示する結果の選択</translation>
+    </message>
+    <message>
+        <source>Load the I0 frames first.</source>
+        <translation>先に I0 のフレームを読み込んでください。</translation>
+    </message>
+    <message>
+        <source>Load the I1 frames first.</source>
+        <translation>先に I1 のフレームを読み込んでください。</translation>
+    </message>
+    <message>
+        <source>Load some frames first.</source>
+        <translation>先にフレームを読み込んでください。</translation>
+    </message>
+    <message>
+        <source>There is no image on display yet.</source>
+        <translation>まだ画像が表示されていません。</translation>
+    </message>
+    <message>
+        <source>Analyze the image with references first.</source>
+        <translation>先に参照を使って画像を解析してください。</translation>
+    </message>
+    <message>
+        <source>Select a finished result in the Analyzer, or show the energy-shift map, first.</source>
+        <translation>先に解析ウィンドウで結果を選択するか、エネルギーシフトマップを表示してください。</translation>
+    </message>
+    <message>
+        <source>Show a result image or the energy-shift map first.</source>
+        <translation>先に結果画像かエネルギーシフトマップを表示してください。</translation>
+    </message>
+    <message>
+        <source>Make or load an energy-shift map first.</source>
+        <translation>先にエネルギーシフトマップを作成するか読み込んでください。</translation>
+    </message>
+    <message>
+        <source>Not while an analysis of the image runs.</source>
+        <translation>画像の解析中は使えません。</translation>
+    </message>
+    <message>
+        <source>Point at the image first, to form a spectrum.</source>
+        <translation>先に画像上にカーソルを置いてスペクトルを表示してください。</translation>
+    </message>
+    <message>
+        <source>Write and run a list of commands</source>
+        <translation>コマンドを並べたバッチの編集と実行</translation>
+    </message>
 </context>
 <context>
     <name>BodyMenu</name>
@@ -660,7 +764,7 @@
     </message>
     <message>
         <source>&amp;Calibration</source>
-        <translation>エネルギー較正(&amp;C)</translation>
+        <translation>エネルギー校正(&amp;C)</translation>
     </message>
     <message>
         <source>&amp;Analyzer</source>
@@ -684,7 +788,7 @@
     </message>
     <message>
         <source>Two-dimensional XAFS imaging: spectra, energy calibration and maps of chemical states.</source>
-        <translation>二次元 XAFS イメージング: スペクトル抽出、エネルギー較正、化学状態マップ</translation>
+        <translation>二次元 XAFS イメージング: スペクトル抽出、エネルギー校正、化学状態マップ</translation>
     </message>
     <message>
         <source>&amp;User Guide</source>
@@ -695,7 +799,7 @@
     <name>CalibCtrl</name>
     <message>
         <source>Calibration</source>
-        <translation>エネルギー較正</translation>
+        <translation>エネルギー校正</translation>
     </message>
     <message>
         <source>Standard</source>
@@ -763,7 +867,7 @@
     </message>
     <message>
         <source>Exec Calib.</source>
-        <translation>較正を実行</translation>
+        <translation>校正を実行</translation>
     </message>
     <message>
         <source>Save</source>
@@ -824,6 +928,14 @@
     <message>
         <source>Without one the map is saved with the edge energy typed above.</source>
         <translation>標準がないと、上に入力した吸収端エネルギーで保存します。</translation>
+    </message>
+    <message>
+        <source>Victreen curves need a long range on both sides of the edge.</source>
+        <translation>Victreen は吸収端の両側に広いエネルギー範囲が必要です。</translation>
+    </message>
+    <message>
+        <source>There is no energy-shift map yet.</source>
+        <translation>エネルギーシフトマップがまだありません。</translation>
     </message>
 </context>
 <context>
@@ -948,24 +1060,12 @@
         <translation>スケール固定</translation>
     </message>
     <message>
-        <source>Off: the lowest and the highest value of each map become 0 and 65535. On: the two values below, the same for every map. Used while saving as Tiff.</source>
-        <translation>オフ: マップごとの最小値と最大値が 0 と 65535 になります。オン: 下の 2 つの値をすべてのマップに使います。TIFF 保存時に有効です。</translation>
-    </message>
-    <message>
         <source>Minimum</source>
         <translation>最小値</translation>
     </message>
     <message>
-        <source>The value saved as 0. Used with Fixed Scale; values outside the range wrap around unless saved as analyzed.</source>
-        <translation>0 として保存する値。スケール固定時に使います。解析領域で保存しない場合、範囲外の値は桁あふれします。</translation>
-    </message>
-    <message>
         <source>Maximum</source>
         <translation>最大値</translation>
-    </message>
-    <message>
-        <source>The value saved as 65535. Used with Fixed Scale; values outside the range wrap around unless saved as analyzed.</source>
-        <translation>65535 として保存する値。スケール固定時に使います。解析領域で保存しない場合、範囲外の値は桁あふれします。</translation>
     </message>
     <message>
         <source>Save as Text data</source>
@@ -984,10 +1084,6 @@
         <translation>コンマ区切り</translation>
     </message>
     <message>
-        <source>Used while saving as text.</source>
-        <translation>テキスト保存時に有効です。</translation>
-    </message>
-    <message>
         <source>Space Separated</source>
         <translation>空白区切り</translation>
     </message>
@@ -1000,16 +1096,8 @@
         <translation>X Y 値 : 1 点 1 行</translation>
     </message>
     <message>
-        <source>Pixel x, pixel y and the value, one point a line. Used while saving as text.</source>
-        <translation>画素 x、画素 y、値を 1 点 1 行で書きます。テキスト保存時に有効です。</translation>
-    </message>
-    <message>
         <source>Val1 Val2 Val3... : each Y line</source>
         <translation>値1 値2 値3... : Y ごとに 1 行</translation>
-    </message>
-    <message>
-        <source>The values only, one image row a line. Used while saving as text.</source>
-        <translation>値だけを画像の 1 行ごとに 1 行で書きます。テキスト保存時に有効です。</translation>
     </message>
     <message>
         <source>Save as Analyzed Area Size and Resolution</source>
@@ -1047,6 +1135,46 @@
         <source>Minimum and maximum become 0 and 65535.</source>
         <translation>最小値と最大値が 0 と 65535 になります。</translation>
     </message>
+    <message>
+        <source>Off: the lowest and the highest value of each map become 0 and 65535. On: the two values below, the same for every map.</source>
+        <translation>オフ: マップごとの最小値と最大値が 0 と 65535 になります。オン: 下の 2 つの値をすべてのマップに使います。</translation>
+    </message>
+    <message>
+        <source>The value saved as 0. Values outside the range wrap around unless saved as analyzed.</source>
+        <translation>0 として保存する値。「解析領域の大きさと解像度で保存」でない場合、範囲外の値は桁あふれします。</translation>
+    </message>
+    <message>
+        <source>The value saved as 65535. Values outside the range wrap around unless saved as analyzed.</source>
+        <translation>65535 として保存する値。「解析領域の大きさと解像度で保存」でない場合、範囲外の値は桁あふれします。</translation>
+    </message>
+    <message>
+        <source>A comma between the values: for spreadsheets</source>
+        <translation>値をコンマで区切ります (表計算ソフト向け)</translation>
+    </message>
+    <message>
+        <source>One blank between the values</source>
+        <translation>値を空白 1 つで区切ります</translation>
+    </message>
+    <message>
+        <source>Pixel x, pixel y and the value, one point a line.</source>
+        <translation>画素 x、画素 y、値を 1 点 1 行で書きます。</translation>
+    </message>
+    <message>
+        <source>The values only, one image row a line.</source>
+        <translation>値だけを、画像の 1 行につき 1 行で書きます。</translation>
+    </message>
+    <message>
+        <source>Only for &quot;Save as Tiff&quot;.</source>
+        <translation>「TIFF で保存」のときだけ使います。</translation>
+    </message>
+    <message>
+        <source>Only for &quot;Save as Text data&quot;.</source>
+        <translation>「テキストで保存」のときだけ使います。</translation>
+    </message>
+    <message>
+        <source>Only with &quot;Fixed Scale&quot;.</source>
+        <translation>「スケール固定」のときだけ使います。</translation>
+    </message>
 </context>
 <context>
     <name>SelectDataFiles</name>
@@ -1069,10 +1197,6 @@
     <message>
         <source>Load New</source>
         <translation>新規分を追加</translation>
-    </message>
-    <message>
-        <source>Add the files that have come into the folder since: for a measurement that still runs</source>
-        <translation>フォルダーに新しくできたファイルを追加します (測定中のデータ用)</translation>
     </message>
     <message>
         <source>Clear</source>
@@ -1109,6 +1233,22 @@
     <message>
         <source>Any Files (* *.*)</source>
         <translation>すべてのファイル (* *.*)</translation>
+    </message>
+    <message>
+        <source>Add the files that have come into the folder since: for a measurement that still runs. Held down, it stays down and looks again every five seconds.</source>
+        <translation>フォルダーに新しくできたファイルを追加します (測定中のデータ用)。長押しすると押されたままになり、5 秒ごとに確認します。</translation>
+    </message>
+    <message>
+        <source>The files of this stack in the order of the frames; the one on display</source>
+        <translation>このスタックのファイル (フレーム順)。表示中のものを示します</translation>
+    </message>
+    <message>
+        <source>Wait until the stack is loaded.</source>
+        <translation>読み込みが終わるまでお待ちください。</translation>
+    </message>
+    <message>
+        <source>Select the first files first.</source>
+        <translation>先に「選択」で最初のファイルを選んでください。</translation>
     </message>
 </context>
 <context>
@@ -1148,6 +1288,10 @@
     <message>
         <source>Any Files (* *.*)</source>
         <translation>すべてのファイル (* *.*)</translation>
+    </message>
+    <message>
+        <source>No file chosen yet</source>
+        <translation>ファイル未選択</translation>
     </message>
 </context>
 <context>

@@ -13,7 +13,8 @@ using Rooms = QStringList;
 // Headers at the bottom of the house that every room may use.
 const QStringList& groundFloor() {
     static const QStringList headers = {QStringLiteral("app/Globals.h"),
-                                        QStringLiteral("app/DebugLog.h")};
+                                        QStringLiteral("app/DebugLog.h"),
+                                        QStringLiteral("app/Availability.h")};
     return headers;
 }
 

@@ -1,0 +1,78 @@
+// Which controls of the windows can be used at the moment, and what is missing for the others.
+
+#include "analysis/Analyzed2DRes.h"
+#include "analysis/Analyzer.h"
+#include "analysis/LCFReference.h"
+#include "app/Availability.h"
+#include "app/Body.h"
+#include "app/BodyStack.h"
+#include "calibration/CalibCtrl.h"
+#include "display/XafsView.h"
+#include "ui_Body.h"
+
+namespace {
+
+bool hasImageToSave(const Analyzer& analyzer) {
+    for (const LCFReference* reference : analyzer.references()) {
+        for (int kind = 0; kind < analyzer.imageKinds(); ++kind) {
+            if (reference->isUsed() && reference->hasSpectrum() &&
+                reference->result(kind)->img() != nullptr) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+void Body::updateControls() {
+    const auto unless = [](bool fulfilled, const QString& whyNot) {
+        return fulfilled ? QString() : whyNot;
+    };
+    const bool hasI1 = !m_i1->loader.frames().isEmpty();
+    const bool hasI0 = !m_i0->loader.frames().isEmpty();
+    const QString noImages = unless(
+        hasI1 && hasI0, hasI1 ? tr("Load the I0 frames first.") : tr("Load the I1 frames first."));
+    const QString noFrames =
+        unless(!shownStack().loader.frames().isEmpty(), tr("Load some frames first."));
+    setUsable(m_ui->Prev, noFrames);
+    setUsable(m_ui->Next, noFrames);
+    setUsable(m_ui->SeekBar, noFrames);
+
+    const Analyzed2DRes* result = shownResult();
+    const bool hasPicture =
+        shownFrame() != nullptr || (result != nullptr && result->img() != nullptr);
+    setUsable(m_ui->SaveImage, unless(hasPicture, tr("There is no image on display yet.")));
+    setUsable(m_ui->SaveAllImages,
+              unless(hasImageToSave(*m_analyzer), tr("Analyze the image with references first.")));
+
+    const Analyzed2DRes* selected = m_analyzer->selectedResult();
+    const bool hasValues =
+        selected != nullptr ? selected->hasData() : shown() == ShownShift && m_shiftMap->hasData();
+    setUsable(m_ui->SaveData,
+              unless(hasValues, tr("Select a finished result in the Analyzer, or show the "
+                                   "energy-shift map, first.")));
+
+    const Analyzed2DRes* target = deglitchTarget();
+    const QString noMap = unless(target != nullptr && target->hasData(),
+                                 tr("Show a result image or the energy-shift map first."));
+    setUsable(m_ui->DeGlitch, noMap);
+    setUsable(m_ui->ShowProcImg, noMap);
+    const QSignalBlocker blocked(m_ui->ShowProcImg);
+    m_ui->ShowProcImg->setChecked(target != nullptr && target->showsProc());
+    setUsable(m_ui->NormalizeEShift,
+              unless(m_shiftMap->hasData(), tr("Make or load an energy-shift map first.")));
+
+    m_analyzer->setMissing(noImages);
+    const QString analyzing =
+        unless(!m_analyzer->isBusy(), tr("Not while an analysis of the image runs."));
+    m_calib->setMissing(analyzing.isEmpty() ? noImages : analyzing, analyzing,
+                        m_shiftMap->hasData());
+}
+
+void Body::updateSpectraButton() {
+    setUsable(m_ui->SaveXAFSSpectra, m_xafsView->hasCurves()
+                                         ? QString()
+                                         : tr("Point at the image first, to form a spectrum."));
+}
