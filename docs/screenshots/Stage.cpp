@@ -33,6 +33,7 @@ void sendMouse(QWidget* to, QEvent::Type type, const QPointF& at, Qt::MouseButto
 }  // namespace
 
 Stage::Stage(const QString& prefix) : m_prefix(prefix) {
+    m_body.resize(1180, 740);
     m_body.show();
 }
 

@@ -3,6 +3,8 @@
 #include <QButtonGroup>
 #include <QFileInfo>
 #include <QRadioButton>
+#include <QScreen>
+#include <QStyle>
 #include <algorithm>
 
 #include "analysis/AnalyzeProc.h"
@@ -150,8 +152,19 @@ void Analyzer::addNewRef() {
     }
     applyScales();
     updateControls();
+    growWithReferences();
+}
+
+/// Makes the window as high as its references need, as far as the screen goes; then they scroll.
+void Analyzer::growWithReferences() {
+    const QSize needed = m_ui->RefBase->layout()->minimumSize();
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    m_ui->refScroll->setMinimumWidth(needed.width() + bar);
     layout()->activate();
-    resize(size().expandedTo(sizeHint()));
+    const int others = minimumSizeHint().height() - m_ui->refScroll->minimumSizeHint().height();
+    const int room = screen()->availableSize().height() - 2 * fontMetrics().height();
+    resize(size().expandedTo(
+        QSize(minimumSizeHint().width(), std::min(others + needed.height(), room))));
 }
 
 void Analyzer::putNextInTabOrder(QWidget* button, const LCFReference* reference) {

@@ -113,6 +113,7 @@ class Analyzer : public QFrame {
     void freezePanels();
     void handOver(const XafsSpectrum& spectrum, bool isSample);
     void showReferences();
+    void growWithReferences();
     void putNextInTabOrder(QWidget* button, const LCFReference* reference);
     void updateControls();
 

@@ -6,6 +6,7 @@
 #include <QIntValidator>
 #include <QLabel>
 #include <QPainter>
+#include <QScreen>
 #include <QStyle>
 #include <QVBoxLayout>
 
@@ -91,13 +92,13 @@ Body::Body(QWidget* parent)
     makeDialogs();
     connectSaving();
     connectDark();
-    buildBodyMenu(this);
+    const QWidgetList tools{m_xafsView.get(),   m_calib.get(),     m_analyzer.get(),
+                            m_analyzer->view(), m_batchCtrl.get(), m_saveDataCfg.get()};
     auto* toolWindows = new ToolWindows(this);
-    for (QWidget* window : std::initializer_list<QWidget*>{
-             m_xafsView.get(), m_calib.get(), m_analyzer.get(), m_analyzer->view(),
-             m_batchCtrl.get(), m_saveDataCfg.get()}) {
+    for (QWidget* window : tools) {
         toolWindows->add(window);
     }
+    buildBodyMenu(this, tools);
     redisplay();
     updateSpectraButton();
     m_ui->SelectI1Files->setFocus();
@@ -135,6 +136,8 @@ void Body::fitFormToFont() {
     m_ui->Prev->setIcon(style()->standardIcon(QStyle::SP_MediaSeekBackward));
     m_ui->Next->setIcon(style()->standardIcon(QStyle::SP_MediaSeekForward));
     m_ui->Next->setLayoutDirection(Qt::RightToLeft);
+    const QSize room = screen()->availableSize() - QSize(0, 2 * line);  // for the title bar
+    resize(QSize(72 * line, 46 * line).boundedTo(room));
 }
 
 void Body::startReaders() {

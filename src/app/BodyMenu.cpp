@@ -18,11 +18,13 @@ class BodyMenu {
     Q_DECLARE_TR_FUNCTIONS(BodyMenu)
 
   public:
-    explicit BodyMenu(QMainWindow* window) : m_window(window) {}
+    BodyMenu(QMainWindow* window, const QWidgetList& toolWindows)
+        : m_window(window), m_toolWindows(toolWindows) {}
 
     void build() const {
         addFileMenu();
         addShowMenu();
+        addProcessMenu();
         addWindowsMenu();
         addHelpMenu();
     }
@@ -30,32 +32,56 @@ class BodyMenu {
   private:
     void addFileMenu() const;
     void addShowMenu() const;
+    void addProcessMenu() const;
     void addWindowsMenu() const;
     void addHelpMenu() const;
-    QMenu* addMenu(const QString& title) const { return m_window->menuBar()->addMenu(title); }
-    void press(QMenu* menu, const QString& text, const QString& button,
-               const QKeySequence& keys = QKeySequence(), const QString& panel = QString()) const;
+    QMenu* addMenu(const QString& title) const;
+    QAbstractButton* buttonCalled(const QString& name, const QString& panel) const;
+    QAction* press(QMenu* menu, const QString& text, const QString& button,
+                   const QKeySequence& keys = QKeySequence(),
+                   const QString& panel = QString()) const;
     static void showGuide(QWidget* parent);
     static void showAbout(QWidget* parent);
+    static void showMouseAndKeys(QWidget* parent);
 
     QMainWindow* m_window;
+    QWidgetList m_toolWindows;
 };
+
+QMenu* BodyMenu::addMenu(const QString& title) const {
+    QMenu* menu = m_window->menuBar()->addMenu(title);
+    menu->setToolTipsVisible(true);
+    return menu;
+}
+
+QAbstractButton* BodyMenu::buttonCalled(const QString& name, const QString& panel) const {
+    if (!panel.isEmpty()) {
+        return m_window->findChild<QWidget*>(panel)->findChild<QAbstractButton*>(name);
+    }
+    auto* found = m_window->findChild<QAbstractButton*>(name);
+    for (const QWidget* tool : m_toolWindows) {
+        found = found != nullptr ? found : tool->findChild<QAbstractButton*>(name);
+    }
+    return found;
+}
 
 /// An action that clicks the button of this object name; the name of a panel finds one of two
 /// alike. The action does what the button does and, like it, nothing while that is disabled.
-void BodyMenu::press(QMenu* menu, const QString& text, const QString& button,
-                     const QKeySequence& keys, const QString& panel) const {
-    const QWidget* parent = panel.isEmpty() ? m_window : m_window->findChild<QWidget*>(panel);
-    auto* target = parent->findChild<QAbstractButton*>(button);
+QAction* BodyMenu::press(QMenu* menu, const QString& text, const QString& button,
+                         const QKeySequence& keys, const QString& panel) const {
+    QAbstractButton* target = buttonCalled(button, panel);
     QAction* action = menu->addAction(text);
     action->setObjectName(QStringLiteral("action") + panel + button);
     action->setShortcut(keys);
     QObject::connect(action, &QAction::triggered, target, &QAbstractButton::click);
-    QObject::connect(menu, &QMenu::aboutToShow, action,
-                     [=] { action->setEnabled(target->isEnabled()); });
+    QObject::connect(menu, &QMenu::aboutToShow, action, [=] {
+        action->setEnabled(target->isEnabled());
+        action->setToolTip(target->toolTip());
+    });
     // A shortcut must work again when the button does, though the menu has not been opened since.
     QObject::connect(
         menu, &QMenu::aboutToHide, action, [=] { action->setEnabled(true); }, Qt::QueuedConnection);
+    return action;
 }
 
 void BodyMenu::addFileMenu() const {
@@ -65,6 +91,7 @@ void BodyMenu::addFileMenu() const {
     press(menu, tr("Open I&0 Files..."), QStringLiteral("Select"),
           QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_O), QStringLiteral("SelectI0Files"));
     press(menu, tr("&Dark Data..."), QStringLiteral("SelectDark"));
+    menu->addAction(m_window->findChild<QAction*>(QStringLiteral("ClearDark")));
     menu->addSeparator();
     press(menu, tr("&Save Image..."), QStringLiteral("SaveImage"), QKeySequence::Save);
     press(menu, tr("Save &All Images..."), QStringLiteral("SaveAllImages"),
@@ -73,7 +100,6 @@ void BodyMenu::addFileMenu() const {
           QKeySequence(Qt::CTRL + Qt::Key_D));
     press(menu, tr("Save S&pectra..."), QStringLiteral("SaveXAFSSpectra"),
           QKeySequence(Qt::CTRL + Qt::Key_E));
-    press(menu, tr("&Form of Saved Data..."), QStringLiteral("SaveDataCfgB"));
     menu->addSeparator();
     QAction* quit = menu->addAction(tr("&Quit"));
     quit->setObjectName(QStringLiteral("actionQuit"));
@@ -96,15 +122,38 @@ void BodyMenu::addShowMenu() const {
           QKeySequence(Qt::CTRL + Qt::Key_0));
 }
 
+void BodyMenu::addProcessMenu() const {
+    QMenu* menu = addMenu(tr("&Process"));
+    press(menu, tr("&Calibrate the Area"), QStringLiteral("ExecCalib"),
+          QKeySequence(Qt::CTRL + Qt::Key_K));
+    press(menu, tr("&Fit the Area (LCF, MLCF), or Stop"), QStringLiteral("AskAnalyze"),
+          QKeySequence(Qt::CTRL + Qt::Key_L));
+    press(menu, tr("&Residual Absorption of the Area"), QStringLiteral("AskRAAnalyze"),
+          QKeySequence(Qt::CTRL + Qt::Key_R));
+    menu->addSeparator();
+    press(menu, tr("&Deglitch the Map"), QStringLiteral("DeGlitch"),
+          QKeySequence(Qt::CTRL + Qt::Key_G));
+    press(menu, tr("Show &Processed or Original Values"), QStringLiteral("ShowProcImg"),
+          QKeySequence(Qt::CTRL + Qt::Key_P));
+    press(menu, tr("Deglitch the Energy &Shifts"), QStringLiteral("NormalizeEShift"));
+}
+
 void BodyMenu::addWindowsMenu() const {
     QMenu* menu = addMenu(tr("&Windows"));
-    press(menu, tr("&Spectrum"), QStringLiteral("ShowXafsView"),
-          QKeySequence(Qt::CTRL + Qt::Key_1));
-    press(menu, tr("&Calibration"), QStringLiteral("OpenCalibCtrl"),
-          QKeySequence(Qt::CTRL + Qt::Key_2));
-    press(menu, tr("&Analyzer"), QStringLiteral("ShowAnalyzer"),
-          QKeySequence(Qt::CTRL + Qt::Key_3));
-    press(menu, tr("&Batch"), QStringLiteral("BatchCtrlB"), QKeySequence(Qt::CTRL + Qt::Key_4));
+    const QList<QAction*> actions{
+        press(menu, tr("&Spectrum"), QStringLiteral("ShowXafsView"),
+              QKeySequence(Qt::CTRL + Qt::Key_1)),
+        press(menu, tr("&Calibration"), QStringLiteral("OpenCalibCtrl"),
+              QKeySequence(Qt::CTRL + Qt::Key_2)),
+        press(menu, tr("&Analyzer"), QStringLiteral("ShowAnalyzer"),
+              QKeySequence(Qt::CTRL + Qt::Key_3)),
+        press(menu, tr("&Batch"), QStringLiteral("BatchCtrlB"), QKeySequence(Qt::CTRL + Qt::Key_4)),
+        press(menu, tr("&Form of Saved Data"), QStringLiteral("SaveDataCfgB"),
+              QKeySequence(Qt::CTRL + Qt::Key_5))};
+    // They work in every window, to go from one to the next without the mouse.
+    for (QAction* action : actions) {
+        action->setShortcutContext(Qt::ApplicationShortcut);
+    }
 }
 
 void BodyMenu::addHelpMenu() const {
@@ -116,6 +165,11 @@ void BodyMenu::addHelpMenu() const {
         QObject::connect(guide, &QAction::triggered, m_window,
                          [window = m_window] { showGuide(window); });
     }
+    QAction* keys = menu->addAction(tr("&Mouse and Keys"));
+    keys->setObjectName(QStringLiteral("actionMouseAndKeys"));
+    keys->setShortcut(QKeySequence(Qt::SHIFT + Qt::Key_F1));
+    QObject::connect(keys, &QAction::triggered, m_window,
+                     [window = m_window] { showMouseAndKeys(window); });
     QAction* about = menu->addAction(tr("&About Tarnwick"));
     about->setObjectName(QStringLiteral("actionAbout"));
     QObject::connect(about, &QAction::triggered, m_window,
@@ -142,8 +196,35 @@ void BodyMenu::showAbout(QWidget* parent) {
                     "chemical states.")));
 }
 
+/// Not modal: it can stand beside the windows that it explains.
+void BodyMenu::showMouseAndKeys(QWidget* parent) {
+    const QVector<QPair<QString, QString>> lines{
+        {tr("Wheel"), tr("zooms the image about the cursor")},
+        {tr("Middle drag, Shift + left drag"), tr("moves the image")},
+        {tr("Left drag"), tr("selects an area; a right click or Esc removes it")},
+        {tr("Click"), tr("pins the cursor, so that its spectrum stays; again frees it")},
+        {tr("Arrow keys"), tr("move the cursor by one bin")},
+        {tr("Double click"),
+         tr("shows the whole image, the whole plot, or each frame's own range")},
+        {tr("Drag in a plot"), tr("magnifies it")},
+        {tr("Drag an end of the colour bar"), tr("fixes the range of the frames")},
+        {tr("Tab, Space, Enter"), tr("go to the next control and press it")},
+        {tr("Ctrl+W"), tr("closes a tool window")}};
+    QString rows;
+    for (const auto& line : lines) {
+        rows +=
+            QStringLiteral("<tr><td><b>%1</b></td><td>%2</td></tr>").arg(line.first, line.second);
+    }
+    auto* box = new QMessageBox(QMessageBox::NoIcon, tr("Mouse and Keys"),
+                                QStringLiteral("<table cellpadding='4'>%1</table>").arg(rows),
+                                QMessageBox::Close, parent);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setModal(false);
+    box->show();
+}
+
 }  // namespace
 
-void buildBodyMenu(QMainWindow* window) {
-    BodyMenu(window).build();
+void buildBodyMenu(QMainWindow* window, const QWidgetList& toolWindows) {
+    BodyMenu(window, toolWindows).build();
 }

@@ -1,6 +1,8 @@
 #include "app/Startup.h"
 
 #include <QApplication>
+#include <QFontDatabase>
+#include <QIcon>
 #include <QTranslator>
 
 #include "app/Body.h"
@@ -13,6 +15,10 @@
 int runTarnwick(int argc, char** argv) {
     initGlobals();
     QApplication app(argc, argv);
+    QIcon icon(QStringLiteral(":/tarnwick-48.png"));
+    icon.addFile(QStringLiteral(":/tarnwick-128.png"));
+    QApplication::setWindowIcon(icon);
+    QGuiApplication::setDesktopFileName(QStringLiteral("tarnwick"));
     // Read after the application object has taken its own options out of argv.
     const CommandLine commandLine = readCommandLine(argc, argv);
     DebugFlag = commandLine.debug;
@@ -20,6 +26,11 @@ int runTarnwick(int argc, char** argv) {
     QTranslator translator;
     if (commandLine.translate) {
         installJapanese(&translator);
+        if (QFontDatabase().families(QFontDatabase::Japanese).isEmpty()) {
+            qWarning(
+                "No Japanese font is installed (Debian: fonts-ipafont-gothic); -e starts in "
+                "English");
+        }
     }
 
     Body body;

@@ -30,7 +30,10 @@ BatchCtrl::BatchCtrl(QWidget* parent)
     m_saveDialog->setFileMode(QFileDialog::AnyFile);
     m_saveDialog->setNameFilters(filters);
 
-    connect(m_ui->Exec, &QPushButton::clicked, this, &BatchCtrl::execCmds);
+    connect(m_ui->Exec, &QPushButton::clicked, this, [this] {
+        m_ui->Tabs->setCurrentWidget(m_ui->LogTab);
+        execCmds();
+    });
     connect(m_ui->Stop, &QPushButton::clicked, this, &BatchCtrl::batchStop);
     connect(m_ui->Clear, &QPushButton::clicked, this, &BatchCtrl::clear);
     connect(m_ui->ClearLog, &QPushButton::clicked, this, &BatchCtrl::clearLog);

@@ -715,10 +715,6 @@
         <translation>スペクトルを保存(&amp;P)...</translation>
     </message>
     <message>
-        <source>&amp;Form of Saved Data...</source>
-        <translation>データの保存形式(&amp;F)...</translation>
-    </message>
-    <message>
         <source>&amp;Quit</source>
         <translation>終了(&amp;Q)</translation>
     </message>
@@ -793,6 +789,126 @@
     <message>
         <source>&amp;User Guide</source>
         <translation>ユーザーガイド(&amp;U)</translation>
+    </message>
+    <message>
+        <source>&amp;Process</source>
+        <translation>処理(&amp;P)</translation>
+    </message>
+    <message>
+        <source>&amp;Calibrate the Area</source>
+        <translation>選択領域をエネルギー校正(&amp;C)</translation>
+    </message>
+    <message>
+        <source>&amp;Fit the Area (LCF, MLCF), or Stop</source>
+        <translation>選択領域をフィット (LCF、MLCF)／中止(&amp;F)</translation>
+    </message>
+    <message>
+        <source>&amp;Residual Absorption of the Area</source>
+        <translation>選択領域の残留吸収(&amp;R)</translation>
+    </message>
+    <message>
+        <source>&amp;Deglitch the Map</source>
+        <translation>マップのグリッチ除去(&amp;D)</translation>
+    </message>
+    <message>
+        <source>Show &amp;Processed or Original Values</source>
+        <translation>処理後／元の値の表示切り替え(&amp;P)</translation>
+    </message>
+    <message>
+        <source>Deglitch the Energy &amp;Shifts</source>
+        <translation>エネルギーシフトのグリッチ除去(&amp;S)</translation>
+    </message>
+    <message>
+        <source>&amp;Form of Saved Data</source>
+        <translation>データの保存形式(&amp;F)</translation>
+    </message>
+    <message>
+        <source>&amp;Mouse and Keys</source>
+        <translation>マウスとキーの操作(&amp;M)</translation>
+    </message>
+    <message>
+        <source>Wheel</source>
+        <translation>ホイール</translation>
+    </message>
+    <message>
+        <source>zooms the image about the cursor</source>
+        <translation>カーソルを中心に画像を拡大・縮小</translation>
+    </message>
+    <message>
+        <source>Middle drag, Shift + left drag</source>
+        <translation>中ボタンドラッグ、Shift + 左ドラッグ</translation>
+    </message>
+    <message>
+        <source>moves the image</source>
+        <translation>画像を移動</translation>
+    </message>
+    <message>
+        <source>Left drag</source>
+        <translation>左ドラッグ</translation>
+    </message>
+    <message>
+        <source>selects an area; a right click or Esc removes it</source>
+        <translation>領域を選択 (右クリックまたは Esc で解除)</translation>
+    </message>
+    <message>
+        <source>Click</source>
+        <translation>クリック</translation>
+    </message>
+    <message>
+        <source>pins the cursor, so that its spectrum stays; again frees it</source>
+        <translation>カーソルを固定してスペクトルを保持 (もう一度で解除)</translation>
+    </message>
+    <message>
+        <source>Arrow keys</source>
+        <translation>矢印キー</translation>
+    </message>
+    <message>
+        <source>move the cursor by one bin</source>
+        <translation>カーソルを 1 ビン移動</translation>
+    </message>
+    <message>
+        <source>Double click</source>
+        <translation>ダブルクリック</translation>
+    </message>
+    <message>
+        <source>shows the whole image, the whole plot, or each frame&apos;s own range</source>
+        <translation>画像やプロットの全体表示、カラーバーの自動範囲</translation>
+    </message>
+    <message>
+        <source>Drag in a plot</source>
+        <translation>プロット内でドラッグ</translation>
+    </message>
+    <message>
+        <source>magnifies it</source>
+        <translation>拡大</translation>
+    </message>
+    <message>
+        <source>Drag an end of the colour bar</source>
+        <translation>カラーバーの端をドラッグ</translation>
+    </message>
+    <message>
+        <source>fixes the range of the frames</source>
+        <translation>フレームの表示範囲を固定</translation>
+    </message>
+    <message>
+        <source>Tab, Space, Enter</source>
+        <translation>Tab、スペース、Enter</translation>
+    </message>
+    <message>
+        <source>go to the next control and press it</source>
+        <translation>次の項目へ移動、押す</translation>
+    </message>
+    <message>
+        <source>Ctrl+W</source>
+        <translation>Ctrl+W</translation>
+    </message>
+    <message>
+        <source>closes a tool window</source>
+        <translation>サブウィンドウを閉じる</translation>
+    </message>
+    <message>
+        <source>Mouse and Keys</source>
+        <translation>マウスとキーの操作</translation>
     </message>
 </context>
 <context>
