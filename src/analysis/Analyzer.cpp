@@ -35,6 +35,8 @@ Analyzer::Analyzer(QWidget* parent)
       m_raRest(std::make_unique<Analyzed2DRes>()),
       m_raRatio(std::make_unique<Analyzed2DRes>()) {
     m_ui->setupUi(this);
+    m_ui->refScroll->viewport()->setAutoFillBackground(false);
+    m_ui->RefBase->setAutoFillBackground(false);
     m_lastReferenceControl = m_ui->AddRef;
     m_view->setWindowTitle(tr("Analyzing Spectrum"));
     m_view->setObjectName(QStringLiteral("AnalyzingSpectrum"));

@@ -22,6 +22,7 @@ void ToolWindows::add(QWidget* window) {
         button->setAutoDefault(true);
     }
     window->installEventFilter(this);
+    m_windows << window;
 }
 
 bool ToolWindows::eventFilter(QObject* watched, QEvent* event) {
@@ -34,13 +35,33 @@ bool ToolWindows::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void ToolWindows::place(QWidget* window) {
-    const QRect screen = m_mainWindow->screen()->availableGeometry();
+    const QRect screen = m_mainWindow->screen()->availableGeometry().adjusted(0, 0, 0, -TitleBar);
     const QRect main = m_mainWindow->frameGeometry();
-    const QSize room(screen.width(), screen.height() - TitleBar);
-    window->resize(window->size().boundedTo(room));
-    const int shift = Step * m_placed++;
-    const int rightmost = screen.right() + 1 - window->width();
-    const int lowest = screen.top() + room.height() - window->height();
-    window->move(std::max(screen.left(), std::min(main.right() + Gap, rightmost - shift)),
-                 std::max(screen.top(), std::min(main.top() + shift, lowest)));
+    window->resize(window->size().boundedTo(screen.size()));
+    QPoint corner = screen.bottomRight() - QPoint(window->width() - 1, window->height() - 1);
+    const int beside = std::min(main.right() + Gap, corner.x());
+
+    // At the top or at the bottom, where the windows that are open leave more to see; over one of
+    // them a little aside, so that its edge stays in reach.
+    QPoint best(beside, std::min(main.top(), corner.y()));
+    const QPoint below(beside, corner.y());
+    if (overlap(QRect(below, window->size())) < overlap(QRect(best, window->size()))) {
+        best = below;
+    }
+    if (overlap(QRect(best, window->size())) > 0) {
+        best += QPoint(-Step, best.y() > screen.top() + Step ? -Step : Step) * m_cascaded++;
+    }
+    window->move(std::max(best.x(), screen.left()),
+                 std::max(screen.top(), std::min(best.y(), corner.y())));
+}
+
+int ToolWindows::overlap(const QRect& place) const {
+    int area = 0;
+    for (const QWidget* tool : m_windows) {
+        if (tool->isVisible() && tool->testAttribute(Qt::WA_Moved)) {
+            const QRect common = tool->frameGeometry() & place;
+            area += common.isValid() ? common.width() * common.height() : 0;
+        }
+    }
+    return area;
 }

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <QObject>
-
-class QWidget;
+#include <QWidgetList>
 
 /// What all windows beside the main one have in common: they open on the screen, beside the main
-/// window or cascaded over its right edge, and keep their place when they are opened again;
-/// Ctrl+W closes them and Enter presses the button that has the focus.
+/// window or over its right edge where they cover each other least, and keep their place when they
+/// are opened again; Ctrl+W closes them and Enter presses the button that has the focus.
 class ToolWindows : public QObject {
   public:
     explicit ToolWindows(QWidget* mainWindow);
@@ -17,7 +16,10 @@ class ToolWindows : public QObject {
 
   private:
     void place(QWidget* window);
+    /// Pixels of the windows that would be covered.
+    int overlap(const QRect& place) const;
 
     QWidget* m_mainWindow;
-    int m_placed = 0;
+    QWidgetList m_windows;
+    int m_cascaded = 0;
 };
