@@ -164,9 +164,16 @@ void Analyzer::growWithReferences() {
     m_ui->refScroll->setMinimumWidth(needed.width() + bar);
     layout()->activate();
     const int others = minimumSizeHint().height() - m_ui->refScroll->minimumSizeHint().height();
-    const int room = screen()->availableSize().height() - 2 * fontMetrics().height();
+    const QRect frame = screen()->availableGeometry();
+    const int room = frame.height() - 2 * fontMetrics().height();  // less the title bar
     resize(size().expandedTo(
         QSize(minimumSizeHint().width(), std::min(others + needed.height(), room))));
+    if (isVisible()) {
+        const QPoint corner =
+            frame.bottomRight() - QPoint(frameGeometry().width() - 1, frameGeometry().height() - 1);
+        move(std::max(frame.left(), std::min(x(), corner.x())),
+             std::max(frame.top(), std::min(y(), corner.y())));
+    }
 }
 
 void Analyzer::putNextInTabOrder(QWidget* button, const LCFReference* reference) {

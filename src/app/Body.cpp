@@ -34,7 +34,8 @@ namespace {
 
 /// A save dialog as every one of ours is: not modal, any name, opening in the data directory.
 QFileDialog* makeSaveDialog(QWidget* parent, const QStringList& filters, const QString& suffix) {
-    auto* dialog = new QFileDialog(parent, QString(), DataDir);
+    auto* dialog = new QFileDialog(parent);
+    dialog->setDirectory(DataDir);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setNameFilters(filters);
@@ -238,6 +239,7 @@ void Body::connectCalibration() {
 
 void Body::connectAnalyzer() {
     connect(m_ui->ShowAnalyzer, &QPushButton::clicked, m_analyzer.get(), &Analyzer::show);
+    connect(m_ui->ShowAnalyzer, &QPushButton::clicked, this, &Body::showSpectrumAgain);
     connect(m_ui->ShowXafsView, &QPushButton::clicked, m_xafsView.get(), &QWidget::show);
     connect(m_analyzer.get(), &Analyzer::askAnalyze, this, &Body::startLCF2DAnalysis);
     connect(m_analyzer.get(), &Analyzer::askRAAnalyze, this, &Body::startRA2DAnalysis);

@@ -10,7 +10,8 @@
 #include "ui_Body.h"
 
 void Body::connectDark() {
-    auto* dialog = new QFileDialog(this, tr("Dark Data"), DataDir);
+    auto* dialog = new QFileDialog(this, tr("Dark Data"));
+    dialog->setDirectory(DataDir);
     dialog->setObjectName(QStringLiteral("DarkDialog"));
     dialog->setFileMode(QFileDialog::ExistingFiles);
     dialog->setAcceptMode(QFileDialog::AcceptOpen);

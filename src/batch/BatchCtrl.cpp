@@ -22,10 +22,12 @@ BatchCtrl::BatchCtrl(QWidget* parent)
     m_ui->BatchCmds->setFocus();
 
     const QStringList filters{tr("Batch File (*.bat)"), tr("Any Files (* *.*)")};
-    m_loadDialog = new QFileDialog(this, tr("Load Batch File"), DataDir);
+    m_loadDialog = new QFileDialog(this, tr("Load Batch File"));
+    m_loadDialog->setDirectory(DataDir);
     m_loadDialog->setAcceptMode(QFileDialog::AcceptOpen);
     m_loadDialog->setNameFilters(filters);
-    m_saveDialog = new QFileDialog(this, tr("Save Batch File"), DataDir);
+    m_saveDialog = new QFileDialog(this, tr("Save Batch File"));
+    m_saveDialog->setDirectory(DataDir);
     m_saveDialog->setAcceptMode(QFileDialog::AcceptSave);
     m_saveDialog->setFileMode(QFileDialog::AnyFile);
     m_saveDialog->setNameFilters(filters);

@@ -22,7 +22,7 @@ constexpr int RepeatMs = 5000;
 SelectDataFiles::SelectDataFiles(QWidget* parent)
     : QWidget(parent),
       m_ui(std::make_unique<Ui::SelectDataFiles>()),
-      m_dialog(new QFileDialog(this, QString(), DataDir)),
+      m_dialog(new QFileDialog(this)),
       m_pattern(std::make_unique<QRegularExpression>()) {
     m_ui->setupUi(this);
     m_ui->SelectUnit->addItem(QStringLiteral("eV"), 1.0);
@@ -37,6 +37,7 @@ SelectDataFiles::SelectDataFiles(QWidget* parent)
             [this, noFile](const QString& name) {
                 m_ui->Selected->setToolTip(name.isEmpty() ? noFile : name);
             });
+    m_dialog->setDirectory(DataDir);
     m_dialog->setFileMode(QFileDialog::ExistingFiles);
     m_dialog->setAcceptMode(QFileDialog::AcceptOpen);
     m_dialog->setNameFilters(

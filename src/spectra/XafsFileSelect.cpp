@@ -8,12 +8,13 @@
 XafsFileSelect::XafsFileSelect(QWidget* parent)
     : QFrame(parent),
       m_ui(std::make_unique<Ui::XafsFileSelect>()),
-      m_dialog(new QFileDialog(this, tr("XAFS File Select"), DataDir)) {
+      m_dialog(new QFileDialog(this, tr("XAFS File Select"))) {
     m_ui->setupUi(this);
     const QString noFile = m_ui->Selected->toolTip();
     connect(m_ui->Selected, &QLineEdit::textChanged, this, [this, noFile](const QString& name) {
         m_ui->Selected->setToolTip(name.isEmpty() ? noFile : name);
     });
+    m_dialog->setDirectory(DataDir);
     m_dialog->setFileMode(QFileDialog::ExistingFile);
     m_dialog->setNameFilters({tr("XAFS Data File (*.dat)"), tr("Any Files (* *.*)")});
     connect(m_ui->Select, &QPushButton::clicked, m_dialog, &QWidget::show);

@@ -109,6 +109,18 @@ class TestSelectDataFiles : public QObject {
         QCOMPARE(spy[0][0].toStringList(),
                  QStringList({dir.filePath("Fe-9eV.TIF"), dir.filePath("Fe-10eV.tif")}));
         QCOMPARE(spy[0][1].toBool(), true);
+
+        // Held down it stays down until the next click, or until there is no list any more.
+        QTest::mousePress(button, Qt::LeftButton);
+        QTest::qWait(1000);
+        QTest::mouseRelease(button, Qt::LeftButton);
+        QCOMPARE(spy.size(), 2);
+        QVERIFY(button->isChecked());
+        panel.setLoading(true);
+        QVERIFY(button->isEnabled());
+        button->click();
+        QCOMPARE(spy.size(), 2);
+        QVERIFY(!button->isChecked());
     }
 };
 
