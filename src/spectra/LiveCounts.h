@@ -2,9 +2,10 @@
 
 #include <QtGlobal>
 
-// Exact numbers of live spectrum objects, for diagnostics. Points are counted with the buffers
-// that hold them, a whole buffer at a time: an atomic operation a point would cost more than the
-// spectrum itself. Every spectrum holds two more, its extremes.
+// Exact numbers of live spectrum objects, for diagnostics: exact whenever no other thread is making
+// or dropping spectra. Every thread keeps a count of its own, without any locked operation, and
+// points are counted with the buffers that hold them, a whole buffer at a time. Every spectrum
+// holds two more, its extremes.
 
 qint64 liveSpoints();
 qint64 liveSpectra();

@@ -5,18 +5,23 @@
 #include <new>
 
 #include "spectra/LiveCounts.h"
+#include "spectra/StorageCache.h"
+
+std::size_t PointBuffer::bytesOf(int capacity) {
+    return sizeof(Block) + static_cast<std::size_t>(capacity) * sizeof(Spoint);
+}
 
 PointBuffer::Block* PointBuffer::make(int capacity) {
-    const std::size_t bytes = sizeof(Block) + static_cast<std::size_t>(capacity) * sizeof(Spoint);
-    Block* block = new (::operator new(bytes)) Block;
+    Block* block = new (storagecache::take(bytesOf(capacity))) Block;
     block->capacity = capacity;
     return block;
 }
 
 void PointBuffer::drop(Block* block) {
     livecounts::addSpoints(-block->size);
+    const std::size_t bytes = bytesOf(block->capacity);
     block->~Block();
-    ::operator delete(block);
+    storagecache::give(block, bytes);
 }
 
 bool PointBuffer::ownsRoomFor(int n) const {

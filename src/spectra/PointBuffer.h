@@ -47,6 +47,7 @@ class PointBuffer {
         Spoint* points() { return reinterpret_cast<Spoint*>(this + 1); }
     };
 
+    static std::size_t bytesOf(int capacity);
     static Block* make(int capacity);
     static void drop(Block* block);
     bool ownsRoomFor(int n) const;

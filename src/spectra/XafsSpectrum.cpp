@@ -3,38 +3,88 @@
 #include <QDebug>
 
 #include "spectra/LiveCounts.h"
+#include "spectra/StorageCache.h"
 
-XafsSpectrum::XafsSpectrum() {
+namespace {
+// Curves and series of one set of results. Copies of a spectrum share them, and yet each counts
+// as having its own.
+constexpr qint64 SpectraInResults = 6;
+}  // namespace
+
+XafsSpectrum::Results::Results(const Results& other)
+    : preEdge(other.preEdge),
+      postEdge(other.postEdge),
+      midE(other.midE),
+      dMut(other.dMut),
+      postBased(other.postBased),
+      postBasedBySpan(other.postBasedBySpan),
+      normalized(other.normalized),
+      doubleNormalized(other.doubleNormalized) {}
+
+void* XafsSpectrum::Results::operator new(std::size_t bytes) {
+    return storagecache::take(bytes);
+}
+void XafsSpectrum::Results::operator delete(void* memory, std::size_t bytes) {
+    storagecache::give(memory, bytes);
+}
+
+XafsSpectrum::Results* XafsSpectrum::share() const {
+    m_results->ref.ref();
+    livecounts::addSpectra(SpectraInResults);
+    return m_results;
+}
+
+void XafsSpectrum::release(Results* results) {
+    if (results->ref.deref()) {
+        livecounts::addSpectra(-SpectraInResults);
+    } else {
+        delete results;
+    }
+}
+
+XafsSpectrum::XafsSpectrum() : m_results(new Results) {
     livecounts::addXafsSpectra(1);
 }
 
 XafsSpectrum::XafsSpectrum(const Spectrum& measured, int backgroundType, double energyCorrection)
-    : Spectrum(measured), m_backgroundType(backgroundType), m_energyCorrection(energyCorrection) {
+    : Spectrum(measured),
+      m_results(new Results),
+      m_backgroundType(backgroundType),
+      m_energyCorrection(energyCorrection) {
     livecounts::addXafsSpectra(1);
     normalise(backgroundType);
 }
 
 XafsSpectrum::XafsSpectrum(const XafsSpectrum& other)
     : Spectrum(other),
+      m_results(other.share()),
       m_not9809(other.m_not9809),
-      m_preEdge(other.m_preEdge),
-      m_postEdge(other.m_postEdge),
       m_backgroundType(other.m_backgroundType),
       m_preStart(other.m_preStart),
       m_preEnd(other.m_preEnd),
       m_postStart(other.m_postStart),
       m_postEnd(other.m_postEnd),
-      m_midE(other.m_midE),
-      m_dMut(other.m_dMut),
-      m_postBased(other.m_postBased),
-      m_postBasedBySpan(other.m_postBasedBySpan),
-      m_normalized(other.m_normalized),
-      m_doubleNormalized(other.m_doubleNormalized),
       m_energyCorrection(other.m_energyCorrection) {
     livecounts::addXafsSpectra(1);
 }
 
+XafsSpectrum& XafsSpectrum::operator=(const XafsSpectrum& other) {
+    Results* const old = m_results;
+    m_results = other.share();
+    release(old);
+    Spectrum::operator=(other);
+    m_not9809 = other.m_not9809;
+    m_backgroundType = other.m_backgroundType;
+    m_preStart = other.m_preStart;
+    m_preEnd = other.m_preEnd;
+    m_postStart = other.m_postStart;
+    m_postEnd = other.m_postEnd;
+    m_energyCorrection = other.m_energyCorrection;
+    return *this;
+}
+
 XafsSpectrum::~XafsSpectrum() {
+    release(m_results);
     livecounts::addXafsSpectra(-1);
 }
 
@@ -53,13 +103,19 @@ void XafsSpectrum::normalise(int backgroundType) {
         return;
     }
     m_backgroundType = backgroundType;
+    // Acquire: whoever shared the results has finished reading them before they are made anew.
+    if (m_results->ref.loadAcquire() != 1) {
+        auto* const own = new Results(*m_results);
+        release(m_results);
+        m_results = own;
+    }
     const double e0 = findE(0.5, 0);
     if (backgroundType == Simple) {
-        m_preEdge.fitLine(*this, e0 + m_preStart, e0 + m_preEnd);
-        m_postEdge.fitLine(*this, e0 + m_postStart, e0 + m_postEnd);
+        m_results->preEdge.fitLine(*this, e0 + m_preStart, e0 + m_preEnd);
+        m_results->postEdge.fitLine(*this, e0 + m_postStart, e0 + m_postEnd);
     } else {
-        m_preEdge.fitVictreen(*this, e0 + m_preStart, e0 + m_preEnd);
-        m_postEdge.fitVictreen(*this, e0 + m_postStart, e0 + m_postEnd);
+        m_results->preEdge.fitVictreen(*this, e0 + m_preStart, e0 + m_preEnd);
+        m_results->postEdge.fitVictreen(*this, e0 + m_postStart, e0 + m_postEnd);
     }
     findMidEandDMut(e0);
     fillSeries();
@@ -84,8 +140,8 @@ class Under {
 void XafsSpectrum::findMidEandDMut(double e0) {
     const double from = e0 + m_preEnd;
     const double to = e0 + m_postStart;
-    const Under preEdge(m_preEdge);
-    const Under postEdge(m_postEdge);
+    const Under preEdge(m_results->preEdge);
+    const Under postEdge(m_results->postEdge);
     double sum = 0.0;
     int crossings = 0;
     for (int i = 0; i + 1 < size(); ++i) {
@@ -103,9 +159,10 @@ void XafsSpectrum::findMidEandDMut(double e0) {
             ++crossings;
         }
     }
-    m_midE = crossings > 0 ? sum / crossings : 0.0;
-    m_dMut = m_postEdge.valueAt(m_midE) - m_preEdge.valueAt(m_midE);
-    if (m_dMut == 0.0) {
+    m_results->midE = crossings > 0 ? sum / crossings : 0.0;
+    m_results->dMut =
+        m_results->postEdge.valueAt(m_results->midE) - m_results->preEdge.valueAt(m_results->midE);
+    if (m_results->dMut == 0.0) {
         qDebug() << "dMut_ is 0 in findMidEandDMut";
     }
 }
@@ -114,9 +171,9 @@ void XafsSpectrum::fillSeries() {
     const Spoint* const measured = points();
     const double shift = offset();
     const int n = size();
-    const Under preEdge(m_preEdge);
-    const Under postEdge(m_postEdge);
-    const double jump = m_dMut;
+    const Under preEdge(m_results->preEdge);
+    const Under postEdge(m_results->postEdge);
+    const double jump = m_results->dMut;
     const auto fill = [=](Spoint* const* series) {
         Spoint* const normalized = series[0];
         Spoint* const doubleNormalized = series[1];
@@ -136,5 +193,7 @@ void XafsSpectrum::fillSeries() {
             bySpan[i] = {e, abovePost / span};
         }
     };
-    assignTogether({&m_normalized, &m_doubleNormalized, &m_postBased, &m_postBasedBySpan}, n, fill);
+    assignTogether({&m_results->normalized, &m_results->doubleNormalized, &m_results->postBased,
+                    &m_results->postBasedBySpan},
+                   n, fill);
 }

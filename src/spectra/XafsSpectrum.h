@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QAtomicInt>
 #include <QMetaType>
+#include <cstddef>
 
 #include "spectra/BgCurve.h"
 #include "spectra/Spectrum.h"
@@ -8,6 +10,9 @@
 /// An absorption spectrum (energy in eV, mu-t) that normalises itself: it finds its edge, fits a
 /// pre-edge and a post-edge background, and from them the mid-edge energy, the edge jump and four
 /// normalised series. Curves and series always belong to the last normalisation.
+///
+/// Copies share curves and series, behind one pointer, until one of them is normalised again, also
+/// between threads.
 ///
 /// Degenerate data give debug lines and series that are not finite, never an error.
 class XafsSpectrum : public Spectrum {
@@ -20,7 +25,7 @@ class XafsSpectrum : public Spectrum {
     /// what the calibration found for the position (eV, taken off when fitting and writing).
     XafsSpectrum(const Spectrum& measured, int backgroundType, double energyCorrection);
     XafsSpectrum(const XafsSpectrum& other);
-    XafsSpectrum& operator=(const XafsSpectrum& other) = default;
+    XafsSpectrum& operator=(const XafsSpectrum& other);
     ~XafsSpectrum();
 
     /// Normalises with this background type; does nothing without points.
@@ -41,22 +46,24 @@ class XafsSpectrum : public Spectrum {
     void setPreRange(double start, double end);
     void setPostRange(double start, double end);
 
-    const BgCurve& preEdge() const { return m_preEdge; }
-    const BgCurve& postEdge() const { return m_postEdge; }
+    const BgCurve& preEdge() const { return m_results->preEdge; }
+    const BgCurve& postEdge() const { return m_results->postEdge; }
 
     /// Mean energy (eV) at which mu-t crosses the middle between the backgrounds; 0.0 for none.
-    double midE() const { return m_midE; }
+    double midE() const { return m_results->midE; }
     /// Edge jump: post-edge minus pre-edge curve at midE.
-    double dMut() const { return m_dMut; }
+    double dMut() const { return m_results->dMut; }
 
-    const Spectrum& postBased() const { return m_postBased; }  ///< (mu-post) / dMut
+    const Spectrum& postBased() const { return m_results->postBased; }  ///< (mu-post) / dMut
     const Spectrum& postBasedBySpan() const {
-        return m_postBasedBySpan;
-    }                                                            ///< (mu-post) / (post-pre)
-    const Spectrum& normalized() const { return m_normalized; }  ///< (mu-post) / dMut + 1
+        return m_results->postBasedBySpan;
+    }  ///< (mu-post) / (post-pre)
+    const Spectrum& normalized() const { return m_results->normalized; }  ///< (mu-post) / dMut + 1
     /// (mu-pre) / (post-pre): what fits compare and spectrum files carry.
-    const Spectrum& doubleNormalizedPreBase() const { return m_doubleNormalized; }
-    double doubleNormalizedPreBase(double e) const { return m_doubleNormalized.valueAt(e); }
+    const Spectrum& doubleNormalizedPreBase() const { return m_results->doubleNormalized; }
+    double doubleNormalizedPreBase(double e) const {
+        return m_results->doubleNormalized.valueAt(e);
+    }
 
     double energyCorrection() const { return m_energyCorrection; }
     void setEnergyCorrection(double correction) { m_energyCorrection = correction; }
@@ -64,23 +71,36 @@ class XafsSpectrum : public Spectrum {
     double correctedEnergy(int i) const { return energy(i) - m_energyCorrection; }
 
   private:
+    /// What the last normalisation has made.
+    struct Results {
+        QAtomicInt ref{1};
+        BgCurve preEdge;
+        BgCurve postEdge;
+        double midE = 0.0;
+        double dMut = 0.0;
+        Spectrum postBased;
+        Spectrum postBasedBySpan;
+        Spectrum normalized;
+        Spectrum doubleNormalized;
+
+        Results() = default;
+        Results(const Results& other);
+        static void* operator new(std::size_t bytes);
+        static void operator delete(void* memory, std::size_t bytes);
+    };
+
+    Results* share() const;
+    static void release(Results* results);
     void findMidEandDMut(double e0);
     void fillSeries();
 
+    Results* m_results;  // never null
     int m_not9809 = 1;
-    BgCurve m_preEdge;
-    BgCurve m_postEdge;
     int m_backgroundType = Victreen;
     double m_preStart = -100.0;
     double m_preEnd = -10.0;
     double m_postStart = 10.0;
     double m_postEnd = 1000.0;
-    double m_midE = 0.0;
-    double m_dMut = 0.0;
-    Spectrum m_postBased;
-    Spectrum m_postBasedBySpan;
-    Spectrum m_normalized;
-    Spectrum m_doubleNormalized;
     double m_energyCorrection = 0.0;
 };
 

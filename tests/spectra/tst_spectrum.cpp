@@ -3,6 +3,7 @@
 #include <limits>
 #include <random>
 #include <thread>
+#include <vector>
 
 #include "TestMain.h"
 #include "spectra/LiveCounts.h"
@@ -199,6 +200,31 @@ class TestSpectrum : public QObject {
             QCOMPARE(liveXafsSpectra(), xafs + 1);
             QCOMPARE(liveSpectra(), spectra + 3 + 7);
             QCOMPARE(liveSpoints(), points + 13 + 7 * 2 + 6 * 4);
+            XafsSpectrum copy;
+            copy = xs;
+            QCOMPARE(liveSpectra(), spectra + 3 + 14);
+            QCOMPARE(liveSpoints(), points + 13 + 14 * 2 + 6 * 4);  // the points are shared
+            copy.normalise(XafsSpectrum::Victreen);
+            QCOMPARE(liveSpectra(), spectra + 3 + 14);
+            QCOMPARE(liveSpoints(), points + 13 + 14 * 2 + 12 * 4);
+            QCOMPARE(xs.preEdge().isVictreen(), false);
+        }
+        QCOMPARE(liveSpoints(), points);
+        QCOMPARE(liveSpectra(), spectra);
+        QCOMPARE(liveXafsSpectra(), xafs);
+
+        // Made in one thread, copied and dropped in others.
+        for (int round = 0; round < 3; ++round) {
+            std::vector<XafsSpectrum> made;
+            const double x[] = {1, 2, 3, 4};
+            Spectrum measured;
+            measured.assign(x, x, 4);
+            std::thread([&] { made.assign(50, XafsSpectrum(measured, 0, 0.0)); }).join();
+            QCOMPARE(liveXafsSpectra(), xafs + 50);
+            QCOMPARE(liveSpectra(), spectra + 1 + 50 * 7);
+            std::thread([&] { made.resize(20); }).join();
+            QCOMPARE(liveXafsSpectra(), xafs + 20);
+            QCOMPARE(liveSpectra(), spectra + 1 + 20 * 7);
         }
         QCOMPARE(liveSpoints(), points);
         QCOMPARE(liveSpectra(), spectra);
