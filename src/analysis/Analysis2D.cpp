@@ -4,6 +4,7 @@
 #include <QString>
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 #include "analysis/AnalyzeProc.h"
@@ -15,7 +16,7 @@
 
 namespace {
 
-void prepare(Analyzed2DRes* result, const AnalysisGrid& grid, int no) {
+void empty(Analyzed2DRes* result, const AnalysisGrid& grid, int no) {
     result->startOver(grid);
     result->setNo(no);
 }
@@ -32,8 +33,7 @@ bool Analysis2D::startLcf(const AnalysisGrid& grid, SpectrumAt spectrumAt, QStri
     m_spectrumAt = std::move(spectrumAt);
     m_grid = grid;
     m_grid.start();
-    const std::optional<Point> first = nextPoint(m_grid, true);
-    if (!first) {
+    if (!prepare(m_grid, true)) {
         *whyNot = QStringLiteral("no point of the area lies inside the image");
         return false;
     }
@@ -49,13 +49,13 @@ bool Analysis2D::startLcf(const AnalysisGrid& grid, SpectrumAt spectrumAt, QStri
     for (int kind = 0; kind < m_analyzer->imageKinds(); ++kind) {
         for (int r = 0; r < m_panels; ++r) {
             Analyzed2DRes* result = m_analyzer->references().at(r)->result(kind);
-            prepare(result, grid, m_panels * kind + r);
+            empty(result, grid, m_panels * kind + r);
             m_results.append(result);
         }
     }
     debugTimed(QStringLiteral("2da 2:"));
     if (!startPass(fitPass)) {
-        handOver(*first);
+        handOverPrepared();
     }
     return true;
 }
@@ -67,6 +67,7 @@ bool Analysis2D::startPass(const FitPass& fitPass) {
     const QVector<XafsSpectrum> references = m_analyzer->freezeReferences(&m_passPanels);
     if (!references.isEmpty()) {
         m_pass = fitPass(references, m_analyzer->method());
+        m_hasNext = false;
     }
     return m_pass != nullptr;
 }
@@ -116,29 +117,33 @@ Analysis2D::Progress Analysis2D::lcfRowsReady() {
     return Progress::NewRow;
 }
 
-std::optional<Analysis2D::Point> Analysis2D::nextPoint(AnalysisGrid grid, bool atFirst) const {
-    bool newRow = false;
+bool Analysis2D::prepare(AnalysisGrid grid, bool atFirst) {
+    Point& point = m_points[m_prepared];
+    point.newRow = false;
     for (;;) {
         if (!atFirst) {
             bool begun = false;
             if (!grid.step(&begun)) {
-                return std::nullopt;
+                return false;
             }
-            newRow = newRow || begun;
+            point.newRow = point.newRow || begun;
         }
         atFirst = false;
-        XafsSpectrum spectrum = m_spectrumAt(grid.x, grid.y);
-        if (!spectrum.isEmpty()) {
-            return Point{grid, spectrum, newRow};
+        point.spectrum = m_spectrumAt(grid.x, grid.y);
+        if (!point.spectrum.isEmpty()) {
+            point.grid = grid;
+            return true;
         }
     }
 }
 
-void Analysis2D::handOver(const Point& point) {
+void Analysis2D::handOverPrepared() {
+    const Point& point = m_points[m_prepared];
     m_grid = point.grid;
     m_analyzer->analyzeSpectrum(point.spectrum);
     // While the fitter works on this one.
-    m_next = nextPoint(m_grid, false);
+    m_prepared = (m_prepared + 1) % std::size(m_points);
+    m_hasNext = prepare(m_grid, false);
 }
 
 Analysis2D::Progress Analysis2D::lcfPointReported() {
@@ -150,12 +155,12 @@ Analysis2D::Progress Analysis2D::lcfPointReported() {
         return Progress::SamePoint;
     }
     recordPoint();
-    if (!m_next) {
+    if (!m_hasNext) {
         return Progress::Finished;
     }
-    const Point point = *m_next;
-    handOver(point);
-    if (!point.newRow) {
+    const bool newRow = m_points[m_prepared].newRow;
+    handOverPrepared();
+    if (!newRow) {
         return Progress::NextPoint;
     }
     m_analyzer->setProgress(m_grid.percent());
@@ -187,7 +192,9 @@ void Analysis2D::generateLcfImages() {
 void Analysis2D::idle() {
     m_running = false;
     m_pass.reset();
-    m_next.reset();
+    for (Point& point : m_points) {
+        point.spectrum = XafsSpectrum();
+    }
     m_spectrumAt = nullptr;
     m_analyzer->setContAccess(false);
 }
@@ -213,7 +220,7 @@ void Analysis2D::runRa(const AnalysisGrid& grid, const BinValuesAt& curvesAt,
     Analyzed2DRes* restImage = m_analyzer->raRest();
     m_analyzer->applyScales();
     for (Analyzed2DRes* result : {dmutImage, restImage, m_analyzer->raRatio()}) {
-        prepare(result, grid, -1);
+        empty(result, grid, -1);
     }
     AnalysisGrid current = grid;
     forEachPoint(

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QVector>
+#include <cstddef>
 #include <functional>
 #include <memory>
-#include <optional>
 
 #include "analysis/AnalysisGrid.h"
 #include "analysis/LinearFit.h"
@@ -66,15 +66,15 @@ class Analysis2D {
     void generateRaImages();
 
   private:
-    /// A point that waits for its fit.
+    /// A point with its spectrum.
     struct Point {
         AnalysisGrid grid;
         XafsSpectrum spectrum;
-        bool newRow;
+        bool newRow = false;
     };
 
-    std::optional<Point> nextPoint(AnalysisGrid grid, bool atFirst) const;
-    void handOver(const Point& point);
+    bool prepare(AnalysisGrid grid, bool atFirst);
+    void handOverPrepared();
     bool startPass(const FitPass& fitPass);
     void recordRow(const RasterPass::Row& row);
     void idle();
@@ -84,7 +84,11 @@ class Analysis2D {
     bool m_running = false;
     int m_reportsToIgnore = 0;
     AnalysisGrid m_grid;  // at the point that is being fitted
-    std::optional<Point> m_next;
+    // By turns the one prepared, the one that is being fitted and the one before, which the fitter
+    // may be letting go of: storage is taken over here only from one that it has done with.
+    Point m_points[3];
+    std::size_t m_prepared = 0;
+    bool m_hasNext = false;
     QVector<Analyzed2DRes*> m_results;  // all DMut images, then all Ratio images, in panel order
     int m_panels = 0;
     std::unique_ptr<RasterPass> m_pass;

@@ -83,8 +83,14 @@ BinRaster AnalysisGrid::raster() const {
     AnalysisGrid first = *this;
     first.start();
     const auto limited = [](qint64 n) { return static_cast<int>(std::min<qint64>(n, 1 << 30)); };
-    BinRaster raster{first.x, std::max(1, stepX), limited(columns()), first.y, std::max(1, stepY),
-                  limited(rows()), halfW, halfH};
+    BinRaster raster{first.x,
+                     std::max(1, stepX),
+                     limited(columns()),
+                     first.y,
+                     std::max(1, stepY),
+                     limited(rows()),
+                     halfW,
+                     halfH};
     raster.cutTo(width, height);
     return raster;
 }

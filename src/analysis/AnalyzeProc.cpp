@@ -9,17 +9,18 @@ void AnalyzeProc::setContAccess(bool on) {
     m_contAccess = on;
 }
 
-void AnalyzeProc::analyzeSpectrum0(XafsSpectrum sample, QVector<LCFReference*> lcfrs0,
+void AnalyzeProc::analyzeSpectrum0(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
                                    XafsSpectrum* fitted, bool isMLCF) {
     analyze(sample, lcfrs0, fitted, isMLCF ? LinearFit::Mlcf : LinearFit::Lcf);
 }
 
-void AnalyzeProc::analyzeSpectrumByLCF(XafsSpectrum sample, QVector<LCFReference*> lcfrs0,
-                                       XafsSpectrum* fitted) {
+void AnalyzeProc::analyzeSpectrumByLCF(const XafsSpectrum& sample,
+                                       const QVector<LCFReference*>& lcfrs0, XafsSpectrum* fitted) {
     analyze(sample, lcfrs0, fitted, LinearFit::Lcf);
 }
 
-void AnalyzeProc::analyzeSpectrumByMLCF(XafsSpectrum sample, QVector<LCFReference*> lcfrs0,
+void AnalyzeProc::analyzeSpectrumByMLCF(const XafsSpectrum& sample,
+                                        const QVector<LCFReference*>& lcfrs0,
                                         XafsSpectrum* fitted) {
     analyze(sample, lcfrs0, fitted, LinearFit::Mlcf);
 }
@@ -76,17 +77,18 @@ void AnalyzeProc::analyze(const XafsSpectrum& sample, const QVector<LCFReference
     m_dMuts = m_fit->dMuts();
 
     // Drawn from the shares that the panels hold: the new ones, or with contAccess the old.
-    std::vector<double> shares;
+    m_shares.clear();
     for (std::size_t u = 0; u < m_usedPanels.size(); ++u) {
         LCFReference* panel = panels.at(m_usedPanels[u]);
         if (m_contAccess) {
-            shares.push_back(panel->fitInput().storedRatio);
+            m_shares.push_back(panel->fitInput().storedRatio);
         } else {
             panel->setRatio(m_ratios[u]);
             panel->setDMut(m_dMuts[u]);
-            shares.push_back(m_ratios[u]);
+            m_shares.push_back(m_ratios[u]);
         }
     }
-    *fitted = m_fit->fittedCurve(shares);
+    *fitted = m_fit->fittedCurve(m_shares);
     emit finished();
+    m_reports.fetch_add(1, std::memory_order_release);
 }

@@ -27,6 +27,9 @@ class AnalyzeProc : public QObject {
     /// Indices of the panels that they belong to.
     const std::vector<int>& usedPanels() const { return m_usedPanels; }
 
+    /// Number of reports that have been sent, finished() included; from any thread.
+    unsigned reports() const { return m_reports.load(std::memory_order_acquire); }
+
   signals:
     /// A fit has ended that got as far as solving.
     void finished();
@@ -36,11 +39,11 @@ class AnalyzeProc : public QObject {
     /// that the panels held before. May be called from any thread.
     void setContAccess(bool on);
     /// A sample without points, or fewer than two panels: no fit and no finished().
-    void analyzeSpectrum0(XafsSpectrum sample, QVector<LCFReference*> lcfrs0, XafsSpectrum* fitted,
-                          bool isMLCF);
-    void analyzeSpectrumByLCF(XafsSpectrum sample, QVector<LCFReference*> lcfrs0,
+    void analyzeSpectrum0(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
+                          XafsSpectrum* fitted, bool isMLCF);
+    void analyzeSpectrumByLCF(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
                               XafsSpectrum* fitted);
-    void analyzeSpectrumByMLCF(XafsSpectrum sample, QVector<LCFReference*> lcfrs0,
+    void analyzeSpectrumByMLCF(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
                                XafsSpectrum* fitted);
 
   private:
@@ -50,9 +53,11 @@ class AnalyzeProc : public QObject {
     void prepareFor(const QVector<LCFReference*>& panels, LinearFit::Method method);
 
     std::atomic<bool> m_contAccess{false};
+    std::atomic<unsigned> m_reports{0};
     std::vector<double> m_ratios;
     std::vector<double> m_dMuts;
     std::vector<int> m_usedPanels;
+    std::vector<double> m_shares;  // that the fitted curve is drawn from
 
     std::unique_ptr<LinearFit> m_fit;
     LinearFit::Method m_method = LinearFit::Lcf;

@@ -10,6 +10,7 @@
 #include "analysis/AnalyzeProc.h"
 #include "analysis/Analyzed2DRes.h"
 #include "analysis/LCFReference.h"
+#include "analysis/PromptLoop.h"
 #include "app/Availability.h"
 #include "app/Globals.h"
 #include "display/XafsView.h"
@@ -31,6 +32,7 @@ Analyzer::Analyzer(QWidget* parent)
       m_choice(new QButtonGroup(this)),
       m_view(std::make_unique<XafsView>()),
       m_worker(std::make_unique<AnalyzeProc>()),
+      m_prompt(std::make_unique<PromptDelivery>()),
       m_raDmut(std::make_unique<Analyzed2DRes>()),
       m_raRest(std::make_unique<Analyzed2DRes>()),
       m_raRatio(std::make_unique<Analyzed2DRes>()) {
@@ -74,6 +76,7 @@ void Analyzer::connectControls() {
 
 void Analyzer::startWorker() {
     qRegisterMetaType<QVector<LCFReference*>>("QVector<LCFReference*>");
+    m_thread.setEventDispatcher(new PromptDispatcher);  // the thread takes it
     m_worker->moveToThread(&m_thread);
     connect(this, &Analyzer::analyzeSpectrum0, m_worker.get(), &AnalyzeProc::analyzeSpectrum0);
     connect(m_worker.get(), &AnalyzeProc::finished, this, &Analyzer::analyzeSpectrumFinished);
@@ -218,12 +221,13 @@ void Analyzer::handOver(const XafsSpectrum& spectrum, bool isSample) {
     freezePanels();
     if (!spectrum.isEmpty() && m_references.size() >= 2) {
         ++m_fitsOut;
+        ++m_fitsAsked;
         m_sampleIsOut = isSample;
     }
     emit analyzeSpectrum0(spectrum, m_references, &m_fitted, m_ui->MLCF->isChecked());
 }
 
-void Analyzer::analyzeSpectrum(XafsSpectrum spectrum) {
+void Analyzer::analyzeSpectrum(const XafsSpectrum& spectrum) {
     analyze(spectrum, false);
 }
 
@@ -248,9 +252,16 @@ void Analyzer::analyzeSpectrumFinished() {
         m_waiting.reset();
         handOver(next.spectrum, next.isSample);
     }
+    takeReportsAtOnce();
 }
 
-void Analyzer::analyzeAndShowSpectrum(XafsSpectrum spectrum) {
+void Analyzer::takeReportsAtOnce() {
+    m_prompt->run(
+        this, [this] { return m_busy && m_fitsOut > 0; },
+        [this] { return m_worker->reports() == m_fitsAsked; });
+}
+
+void Analyzer::analyzeAndShowSpectrum(const XafsSpectrum& spectrum) {
     m_sample = spectrum;
     m_view->setSample(spectrum, tr("Sample"));
     if (m_busy || spectrum.isEmpty()) {

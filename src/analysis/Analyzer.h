@@ -15,6 +15,7 @@ class Analyzer;
 class AnalyzeProc;
 class Analyzed2DRes;
 class LCFReference;
+class PromptDelivery;
 class QButtonGroup;
 class XafsView;
 
@@ -73,8 +74,8 @@ class Analyzer : public QFrame {
   signals:
     void askAnalyze();
     void askRAAnalyze();
-    void analyzeSpectrum0(XafsSpectrum sample, QVector<LCFReference*> lcfrs0, XafsSpectrum* fitted,
-                          bool isMLCF);
+    void analyzeSpectrum0(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
+                          XafsSpectrum* fitted, bool isMLCF);
     void changedSelection();
     void finished();
     /// A two-dimensional analysis has begun or ended.
@@ -90,8 +91,8 @@ class Analyzer : public QFrame {
     void show();
     void setContAccess(bool on);
     void setLCFMode(int mode);
-    void analyzeAndShowSpectrum(XafsSpectrum spectrum);
-    void analyzeSpectrum(XafsSpectrum spectrum);
+    void analyzeAndShowSpectrum(const XafsSpectrum& spectrum);
+    void analyzeSpectrum(const XafsSpectrum& spectrum);
     void reAnalyzeSpectrum();
     void setProgress(double perCent);
     /// An index outside the list does nothing.
@@ -116,6 +117,7 @@ class Analyzer : public QFrame {
     void growWithReferences();
     void putNextInTabOrder(QWidget* button, const LCFReference* reference);
     void updateControls();
+    void takeReportsAtOnce();
 
     std::unique_ptr<Ui::Analyzer> m_ui;
     QVector<LCFReference*> m_references;
@@ -128,6 +130,8 @@ class Analyzer : public QFrame {
     bool m_busy = false;
     QString m_missing;  // images
     int m_fitsOut = 0;
+    unsigned m_fitsAsked = 0;  // in all, of those that will be reported
+    std::unique_ptr<PromptDelivery> m_prompt;
     XafsSpectrum m_sample;
     XafsSpectrum m_fitted;       // written by the fitter; copied when it reports
     bool m_sampleIsOut = false;  // the fit that is out is of the sample on display

@@ -54,15 +54,15 @@ void LinearFit::prepare(const std::vector<double>& energies) {
 
     const std::size_t n =
         static_cast<std::size_t>(m_references.size()) + (m_method == Mlcf ? 2 : 0);
-    std::vector<double> normal(n * n, 0.0);
+    m_normal.assign(n * n, 0.0);
     for (const double* f = m_basis.data(); f != m_basis.data() + m_energies.size() * n; f += n) {
         for (std::size_t i = 0; i < n; ++i) {
             for (std::size_t j = 0; j < n; ++j) {
-                normal[i * n + j] += f[i] * f[j];
+                m_normal[i * n + j] += f[i] * f[j];
             }
         }
     }
-    m_decomposition.decompose(normal.data(), static_cast<int>(n));
+    m_decomposition.decompose(m_normal.data(), static_cast<int>(n));
 }
 
 void LinearFit::fit(const XafsSpectrum& sample) {
@@ -77,7 +77,8 @@ void LinearFit::fit(const XafsSpectrum& sample) {
     prepare(m_given);
 
     const std::size_t n = static_cast<std::size_t>(m_decomposition.size());
-    std::vector<double> right(n, 0.0);
+    m_right.assign(n, 0.0);
+    std::vector<double>& right = m_right;
     const Spectrum& normalised = sample.doubleNormalizedPreBase();
     const double* f = m_basis.data();
     for (int k : m_points) {

@@ -69,8 +69,10 @@ class LinearFit {
     std::vector<int> m_points;          // their indices
     std::vector<double> m_preBase;      // double-normalized-pre-base, point by point
     std::vector<double> m_basis;        // the rows of the fit, point by point
+    std::vector<double> m_normal;       // the normal matrix
     LuDecomposition m_decomposition;
 
+    std::vector<double> m_right;  // of the last sample: the right-hand side, then the solution
     std::vector<double> m_ratios;
     std::vector<double> m_dMuts;
 

@@ -1,0 +1,88 @@
+#include "analysis/PromptLoop.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEvent>
+#include <QPointer>
+#include <chrono>
+#include <thread>
+
+namespace {
+
+// Longer than the preparation of a spectrum takes, shorter than anybody notices.
+constexpr std::chrono::microseconds LookFor{20};
+constexpr int LooksAtATime = 16;
+
+constexpr int TurnMilliseconds = 2;
+// Qt walks past those delivered already at every delivery of a turn.
+constexpr int DeliveriesInATurn = 128;
+
+/// Looks for a few microseconds whether something has come true.
+template <typename Condition>
+bool soon(Condition condition) {
+    const auto end = std::chrono::steady_clock::now() + LookFor;
+    do {
+        for (int i = 0; i < LooksAtATime; ++i) {
+            if (condition()) {
+                return true;
+            }
+        }
+        std::this_thread::yield();
+    } while (std::chrono::steady_clock::now() < end);
+    return condition();
+}
+
+}  // namespace
+
+bool PromptDispatcher::processEvents(QEventLoop::ProcessEventsFlags flags) {
+    QCoreApplication::sendPostedEvents();
+    if (flags & QEventLoop::WaitForMoreEvents) {
+        wait();
+    }
+    // Whoever wakes us has posted, or asked to quit, before: the loop looks at both now.
+    return m_woken.exchange(false);
+}
+
+bool PromptDispatcher::hasPendingEvents() {
+    return m_woken.load();
+}
+
+void PromptDispatcher::wakeUp() {
+    if (!m_woken.exchange(true) && m_asleep.load()) {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_wake.notify_one();
+    }
+}
+
+void PromptDispatcher::wait() {
+    if (soon([this] { return m_woken.load(std::memory_order_relaxed); })) {
+        return;
+    }
+    emit aboutToBlock();
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_asleep.store(true);
+    m_wake.wait(lock, [this] { return m_woken.load(); });
+    m_asleep.store(false);
+    emit awake();
+}
+
+void PromptDelivery::run(QObject* receiver, const std::function<bool()>& underWay,
+                         const std::function<bool()>& arrived) {
+    if (m_running) {
+        return;
+    }
+    m_running = true;
+    const QPointer<QObject> alive(receiver);
+    QElapsedTimer turn;
+    turn.start();
+    for (int i = 0; i < DeliveriesInATurn && turn.elapsed() < TurnMilliseconds; ++i) {
+        if (!underWay() || !soon(arrived)) {
+            break;
+        }
+        QCoreApplication::sendPostedEvents(receiver, QEvent::MetaCall);
+        if (!alive) {
+            return;
+        }
+    }
+    m_running = false;
+}
