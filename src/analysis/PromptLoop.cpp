@@ -4,33 +4,12 @@
 #include <QElapsedTimer>
 #include <QEvent>
 #include <QPointer>
-#include <chrono>
-#include <thread>
 
 namespace {
-
-// Longer than the preparation of a spectrum takes, shorter than anybody notices.
-constexpr std::chrono::microseconds LookFor{20};
-constexpr int LooksAtATime = 16;
 
 constexpr int TurnMilliseconds = 2;
 // Qt walks past those delivered already at every delivery of a turn.
 constexpr int DeliveriesInATurn = 128;
-
-/// Looks for a few microseconds whether something has come true.
-template <typename Condition>
-bool soon(Condition condition) {
-    const auto end = std::chrono::steady_clock::now() + LookFor;
-    do {
-        for (int i = 0; i < LooksAtATime; ++i) {
-            if (condition()) {
-                return true;
-            }
-        }
-        std::this_thread::yield();
-    } while (std::chrono::steady_clock::now() < end);
-    return condition();
-}
 
 }  // namespace
 
@@ -55,7 +34,7 @@ void PromptDispatcher::wakeUp() {
 }
 
 void PromptDispatcher::wait() {
-    if (soon([this] { return m_woken.load(std::memory_order_relaxed); })) {
+    if (m_look.sees([this] { return m_woken.load(std::memory_order_relaxed); })) {
         return;
     }
     emit aboutToBlock();
@@ -76,7 +55,7 @@ void PromptDelivery::run(QObject* receiver, const std::function<bool()>& underWa
     QElapsedTimer turn;
     turn.start();
     for (int i = 0; i < DeliveriesInATurn && turn.elapsed() < TurnMilliseconds; ++i) {
-        if (!underWay() || !soon(arrived)) {
+        if (!underWay() || !m_look.sees(arrived)) {
             break;
         }
         QCoreApplication::sendPostedEvents(receiver, QEvent::MetaCall);

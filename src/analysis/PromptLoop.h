@@ -2,13 +2,53 @@
 
 #include <QAbstractEventDispatcher>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <thread>
 
 // Two threads that hand work to each other by queued signals lose most of their time in waking each
 // other up, when the work takes microseconds. Here both look for the other's signal for a few
 // microseconds more before they sleep, giving the processor away at every look.
+
+/// Looks for a few microseconds whether something has come true before its caller sleeps. On a busy
+/// machine another program takes a processor that is given away for far longer than that; a thread
+/// that sleeps gets it back sooner, so that the looks then stop for a while.
+class BriefLook {
+  public:
+    template <typename Condition>
+    bool sees(Condition condition) {
+        if (condition()) {
+            return true;
+        }
+        if (m_leaveOut > 0) {
+            --m_leaveOut;
+            return false;
+        }
+        const auto start = Clock::now();
+        Clock::duration passed{};
+        bool seen = false;
+        while (!seen && passed < LookFor) {
+            std::this_thread::yield();
+            seen = condition();
+            passed = Clock::now() - start;
+        }
+        if (passed > Busy) {
+            m_leaveOut = LeaveOut;
+        }
+        return seen;
+    }
+
+  private:
+    using Clock = std::chrono::steady_clock;
+    // Longer than the preparation of a spectrum takes, shorter than anybody notices.
+    static constexpr std::chrono::microseconds LookFor{20};
+    static constexpr std::chrono::microseconds Busy{100};
+    static constexpr int LeaveOut = 200;
+
+    int m_leaveOut = 0;
+};
 
 /// The event dispatcher of a worker thread that lives on queued signals alone: it knows no timers
 /// and no sockets. QThread::setEventDispatcher() takes it before the thread starts.
@@ -33,6 +73,7 @@ class PromptDispatcher : public QAbstractEventDispatcher {
   private:
     void wait();
 
+    BriefLook m_look;
     std::atomic<bool> m_woken{false};
     std::atomic<bool> m_asleep{false};
     std::mutex m_mutex;
@@ -50,5 +91,6 @@ class PromptDelivery {
              const std::function<bool()>& arrived);
 
   private:
+    BriefLook m_look;
     bool m_running = false;
 };
