@@ -30,10 +30,9 @@ void Body::updateControls() {
     const auto unless = [](bool fulfilled, const QString& whyNot) {
         return fulfilled ? QString() : whyNot;
     };
-    const bool hasI1 = !m_i1->loader.frames().isEmpty();
-    const bool hasI0 = !m_i0->loader.frames().isEmpty();
-    const QString noImages = unless(
-        hasI1 && hasI0, hasI1 ? tr("Load the I0 frames first.") : tr("Load the I1 frames first."));
+    // Without I0 frames the beam counts as 1.0 everywhere: only the I1 frames are a must.
+    const QString noImages =
+        unless(!m_i1->loader.frames().isEmpty(), tr("Load the I1 frames first."));
     const QString noFrames =
         unless(!shownStack().loader.frames().isEmpty(), tr("Load some frames first."));
     setUsable(m_ui->Prev, noFrames);

@@ -636,10 +636,6 @@
         <translation>参照の選択、フィット (LCF、MLCF)、残留吸収、表示する結果の選択</translation>
     </message>
     <message>
-        <source>Load the I0 frames first.</source>
-        <translation>先に I0 のフレームを読み込んでください。</translation>
-    </message>
-    <message>
         <source>Load the I1 frames first.</source>
         <translation>先に I1 のフレームを読み込んでください。</translation>
     </message>
