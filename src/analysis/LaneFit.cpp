@@ -44,9 +44,9 @@ void LaneFit::fit(const double* mu, const double* corrections, int count, double
         // The energies ascend, so that those in the range lie side by side.
         const std::vector<int>& points = m_fit.points();
         const int first = points.empty() ? 0 : points.front();
-        m_kernels.projections(y + static_cast<std::ptrdiff_t>(first) * Count,
-                              m_fit.basis().data(), m_fit.coefficientCount(),
-                              static_cast<int>(points.size()), m_sums.data());
+        m_kernels.projections(y + static_cast<std::ptrdiff_t>(first) * Count, m_fit.basis().data(),
+                              m_fit.coefficientCount(), static_cast<int>(points.size()),
+                              m_sums.data());
     };
     for (int l = 0; l < count; ++l) {
         const bool alike = m_prepared && l > 0 && corrections[l] == m_correction;
@@ -92,14 +92,14 @@ std::vector<RasterPass::Evaluate> backgroundEvaluators(int threads,
     std::vector<RasterPass::Evaluate> evaluators;
     for (int t = 0; t < threads; ++t) {
         const auto normaliser = std::make_shared<LaneNormaliser>(energies, backgroundType);
-        evaluators.push_back([normaliser, e](const double* mu, int, int, int count,
-                                             double* values) {
-            normaliser->normalise(mu);
-            for (int l = 0; l < count; ++l) {
-                values[2 * l] = normaliser->preAt(e, l);
-                values[2 * l + 1] = normaliser->postAt(e, l);
-            }
-        });
+        evaluators.push_back(
+            [normaliser, e](const double* mu, int, int, int count, double* values) {
+                normaliser->normalise(mu);
+                for (int l = 0; l < count; ++l) {
+                    values[2 * l] = normaliser->preAt(e, l);
+                    values[2 * l + 1] = normaliser->postAt(e, l);
+                }
+            });
     }
     return evaluators;
 }
