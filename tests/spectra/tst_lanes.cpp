@@ -176,12 +176,16 @@ class TestLanes : public QObject {
             std::vector<double> y(points.size() * Count);
             for (std::size_t first = 0; first < all.size(); first += Count) {
                 const std::vector<double> mu = packed(all, first);
+                double edges[Count];
+                lanes::kernels(units).risingEdge(mu.data(), e.data(), static_cast<int>(e.size()),
+                                                 0.7, edges);
                 normaliser.normalise(mu.data());
                 normaliser.doubleNormalised(mu.data(), points, y.data());
                 for (int l = 0; l < Count; ++l) {
                     Spectrum raw;
                     raw.assign(e.data(), all[first + static_cast<std::size_t>(l)].data(),
                                static_cast<int>(e.size()));
+                    QVERIFY(same(edges[l], raw.findE(0.7, 0)));
                     const XafsSpectrum alone(raw, type, 0.0);
                     QVERIFY(same(normaliser.midE()[l], alone.midE()));
                     QVERIFY(same(normaliser.dMut()[l], alone.dMut()));
