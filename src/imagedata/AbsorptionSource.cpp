@@ -131,9 +131,7 @@ void BlockRowSpectra::sumBlocks(const TiffData& frame, int y, double* sums) {
     if (halfWidth == 0 && top == bottom && m_stepX == 1) {
         const quint16* const row = frame.rows[static_cast<std::size_t>(top)] + from;
         const qint64 inside = to - from + 1;
-        for (qint64 block = 0; block < inside; ++block) {
-            sums[block] = row[block];
-        }
+        m_kernels.fromCounts(row, inside, sums);
         std::fill(sums + inside, sums + m_sumCount, 0.0);
         return;
     }
@@ -173,34 +171,34 @@ void BlockRowSpectra::sum(int y, int firstBlock, int blocks) {
     for (std::size_t i = 0; i < i1Frames; ++i) {
         sumBlocks(*m_source.m_i1.at(static_cast<int>(i)), y, &m_i1Sums[i * m_stride]);
     }
+    const double* dark = nullptr;
     if (m_source.m_dark != nullptr) {
         m_darkSums.resize(m_stride);
         for (int block = 0; block < blocks; ++block) {
             m_darkSums[static_cast<std::size_t>(block)] = m_source.darkSum(
                 m_firstX + (firstBlock + block) * m_stepX, y, m_halfWidth, m_halfHeight);
         }
+        dark = m_darkSums.data();
+    }
+    m_sums.resize(i1Frames);
+    for (std::size_t i = 0; i < i1Frames; ++i) {
+        lanes::Sums& sums = m_sums[i];
+        sums = {&m_i1Sums[i * m_stride], nullptr, nullptr, dark, 0.0, 0.0};
+        if (!m_source.m_brackets.empty()) {
+            const AbsorptionSource::Bracket& bracket = m_source.m_brackets[i];
+            sums.before = &m_i0Sums[static_cast<std::size_t>(bracket.first) * m_stride];
+            sums.after = sums.before + m_stride;
+            sums.fromBefore = bracket.fromFirst;
+            sums.span = bracket.span;
+        } else if (i0Frames == 1) {
+            sums.before = m_i0Sums.data();
+        }
     }
 }
 
 void BlockRowSpectra::formPack(int block, double* mu) const {
-    const std::size_t first = static_cast<std::size_t>(block);
-    const std::size_t energies = m_source.m_energies.size();
-    lanes::Sums sums = {};
-    sums.dark = m_darkSums.empty() ? nullptr : &m_darkSums[first];
-    if (m_source.m_i0.size() == 1) {
-        sums.before = &m_i0Sums[first];
-    }
-    for (std::size_t e = 0; e < energies; ++e) {
-        sums.i1 = &m_i1Sums[e * m_stride + first];
-        if (!m_source.m_brackets.empty()) {
-            const AbsorptionSource::Bracket& bracket = m_source.m_brackets[e];
-            sums.before = &m_i0Sums[static_cast<std::size_t>(bracket.first) * m_stride + first];
-            sums.after = sums.before + m_stride;
-            sums.fromBefore = bracket.fromFirst;
-            sums.span = bracket.span;
-        }
-        m_kernels.muT(sums, mu + e * lanes::Count);
-    }
+    m_kernels.muT(m_sums.data(), static_cast<int>(m_sums.size()), static_cast<std::size_t>(block),
+                  mu);
 }
 
 void BlockRowSpectra::formRow(int y) {

@@ -96,6 +96,7 @@ class BlockRowSpectra {
     std::size_t m_stride = 0;
     std::vector<double> m_i0Sums;
     std::vector<double> m_i1Sums;
-    std::vector<double> m_darkSums;  // empty without a dark frame
-    std::vector<quint32> m_columns;  // column sums of the frame being summed
+    std::vector<double> m_darkSums;
+    std::vector<lanes::Sums> m_sums;  // of every energy
+    std::vector<quint32> m_columns;   // column sums of the frame being summed
 };

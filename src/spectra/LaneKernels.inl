@@ -43,28 +43,40 @@ constexpr int Parts = Count / Width;
     return *std::max_element(p, p + Width);
 }
 
-void muT(const Sums& sums, double* out) {
+void fromCounts(const unsigned short* counts, std::ptrdiff_t n, double* out) {
+    for (std::ptrdiff_t i = 0; i < n; ++i) {
+        out[i] = counts[i];
+    }
+}
+
+[[gnu::always_inline]] inline void muTAt(const Sums& sums, std::size_t bin, double* mu) {
     // Counts are finite, so that a difference of 0 to the frame before leaves its sum as it is.
     const bool atFrame = sums.after == nullptr || (sums.fromBefore == 0.0 && sums.span > 1e-100);
-    for (int l = 0; l < Count; l += Width) {
-        Real s1 = load(sums.i1 + l);
+    for (std::size_t l = 0; l < Count; l += Width) {
+        Real s1 = load(sums.i1 + bin + l);
         Real s0 = Real{} + 1.0;
         if (sums.before != nullptr) {
-            s0 = load(sums.before + l);
+            s0 = load(sums.before + bin + l);
             if (!atFrame) {
-                const Real after = load(sums.after + l);
+                const Real after = load(sums.after + bin + l);
                 s0 = sums.span == 0.0 ? 0.5 * (s0 + after)
                                       : sums.fromBefore * ((after - s0) / sums.span) + s0;
             }
         }
         if (sums.dark != nullptr) {
-            const Real dark = load(sums.dark + l);
+            const Real dark = load(sums.dark + bin + l);
             s1 -= dark;
             s0 = sums.before != nullptr ? s0 - dark : s0;
         }
         Real ln;
         logarithmOf<Real, Bits>(s0 / s1, ln);
-        store(out + l, s0 * s1 > 0.0 ? ln : Real{} + 1.0);
+        store(mu + l, s0 * s1 > 0.0 ? ln : Real{} + 1.0);
+    }
+}
+
+void muT(const Sums* sums, int energies, std::size_t bin, double* mu) {
+    for (int i = 0; i < energies; ++i) {
+        muTAt(sums[i], bin, mu + i * Count);
     }
 }
 
@@ -247,4 +259,4 @@ void projections(const double* y, const double* f, int stride, int count, double
     }
 }
 
-constexpr Kernels All = {muT, risingEdge, rangeSums, middle, doubleNormalised, projections};
+constexpr Kernels All = {fromCounts, muT, risingEdge, rangeSums, middle, doubleNormalised, projections};

@@ -36,7 +36,7 @@ struct Range {
     int end[Count];
 };
 
-/// Where mu-t of a row of bins comes from at one energy.
+/// Where mu-t of a row of bins comes from at one energy: one number a bin.
 struct Sums {
     const double* i1;      ///< box sums of the I1 frame
     const double* before;  ///< of the I0 frame at or before the energy; null: s0 is 1.0
@@ -47,8 +47,12 @@ struct Sums {
 };
 
 struct Kernels {
-    /// out[l] = ln(s0 / s1) for the spectra of one pack, 1.0 where s0 s1 is not above 0.
-    void (*muT)(const Sums& sums, double* out);
+    /// Counts as doubles.
+    void (*fromCounts)(const unsigned short* counts, std::ptrdiff_t n, double* out);
+
+    /// mu-t of the pack of bins from `bin` on: mu[i * Count + l] = ln(s0 / s1) at energy i, 1.0
+    /// where s0 s1 is not above 0.
+    void (*muT)(const Sums* sums, int energies, std::size_t bin, double* mu);
 
     /// Energy at which each spectrum first rises through minimum + fraction (maximum - minimum),
     /// interpolated; e[0] where it does not. At least one point.

@@ -37,7 +37,10 @@ void decomposeInPlace(double* lu, int* row, int n) {
     }
 }
 
-void substitute(const double* lu, const int* row, int n, const double* b, double* x) {
+namespace {
+
+[[gnu::always_inline]] inline void substituteIn(const double* lu, const int* row, int n,
+                                                const double* b, double* x) {
     for (int i = 0; i < n; ++i) {
         double z = b[row[i]];
         for (int j = 0; j < i; ++j) {
@@ -51,6 +54,19 @@ void substitute(const double* lu, const int* row, int n, const double* b, double
             c -= lu[i * n + j] * x[j];
         }
         x[i] = c / lu[i * n + i];
+    }
+}
+
+}  // namespace
+
+void substitute(const double* lu, const int* row, int n, const double* b, double* x) {
+    // Known sizes are unrolled: two or three unknowns are solved for every spectrum.
+    if (n == 2) {
+        substituteIn(lu, row, 2, b, x);
+    } else if (n == 3) {
+        substituteIn(lu, row, 3, b, x);
+    } else {
+        substituteIn(lu, row, n, b, x);
     }
 }
 

@@ -145,9 +145,13 @@ class TestLanes : public QObject {
             const bool two = round % 3 != 0;
             const bool one = round % 7 != 0;
             const bool darkened = round % 2 != 0;
-            lanes::kernels(units).muT({s1, one ? before : nullptr, one && two ? after : nullptr,
-                                       darkened ? dark : nullptr, fromBefore, span},
-                                      out);
+            const lanes::Sums sums = {s1,
+                                      one ? before : nullptr,
+                                      one && two ? after : nullptr,
+                                      darkened ? dark : nullptr,
+                                      fromBefore,
+                                      span};
+            lanes::kernels(units).muT(&sums, 1, 0, out);
             for (int l = 0; l < Count; ++l) {
                 double s0 = 1.0;
                 if (one) {
