@@ -6,14 +6,27 @@
 #include <utility>
 
 LinearFit::LinearFit(QVector<XafsSpectrum> references, Method method)
-    : m_references(std::move(references)), m_method(method) {}
+    : m_references(std::move(references)), m_method(method) {
+    for (const XafsSpectrum& s : std::as_const(m_references)) {
+        m_preBaseSeries.emplace_back(s, s.doubleNormalizedPreBase());
+        m_basisSeries.emplace_back(s,
+                                   m_method == Mlcf ? s.normalized() : s.doubleNormalizedPreBase());
+    }
+}
 
-double LinearFit::seriesAt(const XafsSpectrum& reference, const Spectrum& series, double e) const {
-    const double shifted = reference.shiftOn() ? e + reference.shift() : e;
+LinearFit::Series::Series(const XafsSpectrum& reference, const Spectrum& series)
+    : curve(series),
+      referenceIsShifted(reference.shiftOn()),
+      referenceShift(reference.shift()),
+      isShifted(series.shiftOn()),
+      shift(series.shift()) {}
+
+double LinearFit::Series::at(double e) const {
+    const double shifted = referenceIsShifted ? e + referenceShift : e;
     if (std::isnan(shifted)) {
         qDebug() << "nan EeV in XafsSpectrum::doubleNormalizedPreBase";
     }
-    return series.valueAt(series.shiftOn() ? shifted + series.shift() : shifted);
+    return curve.valueAt(isShifted ? shifted + shift : shifted);
 }
 
 void LinearFit::prepare(const std::vector<double>& energies) {
@@ -32,7 +45,6 @@ void LinearFit::prepare(const std::vector<double>& energies) {
     }
     m_energies.clear();
     m_points.clear();
-    m_preBase.clear();
     m_basis.clear();
     for (std::size_t k = 0; k < size; ++k) {
         const double e = m_allEnergies[k];
@@ -45,10 +57,8 @@ void LinearFit::prepare(const std::vector<double>& energies) {
             m_basis.push_back(1.0);
             m_basis.push_back(e);
         }
-        for (const XafsSpectrum& s : std::as_const(m_references)) {
-            const double preBase = seriesAt(s, s.doubleNormalizedPreBase(), e);
-            m_preBase.push_back(preBase);
-            m_basis.push_back(m_method == Mlcf ? seriesAt(s, s.normalized(), e) : preBase);
+        for (const Series& series : m_basisSeries) {
+            m_basis.push_back(series.at(e));
         }
     }
 
@@ -57,9 +67,14 @@ void LinearFit::prepare(const std::vector<double>& energies) {
     m_normal.assign(n * n, 0.0);
     for (const double* f = m_basis.data(); f != m_basis.data() + m_energies.size() * n; f += n) {
         for (std::size_t i = 0; i < n; ++i) {
-            for (std::size_t j = 0; j < n; ++j) {
+            for (std::size_t j = 0; j <= i; ++j) {
                 m_normal[i * n + j] += f[i] * f[j];
             }
+        }
+    }
+    for (std::size_t i = 0; i < n; ++i) {
+        for (std::size_t j = 0; j < i; ++j) {
+            m_normal[j * n + i] = m_normal[i * n + j];
         }
     }
     m_decomposition.decompose(m_normal.data(), static_cast<int>(n));
@@ -126,10 +141,9 @@ const XafsSpectrum& LinearFit::fittedCurve(const std::vector<double>& shares) {
     Spectrum points;
     points.assignWith(static_cast<int>(m_energies.size()), [&](Spoint* out) {
         for (std::size_t k = 0; k < m_energies.size(); ++k) {
-            const double* f = row(m_preBase, k);
             double value = 0.0;
             for (std::size_t i = 0; i < shares.size(); ++i) {
-                value += f[i] * shares[i];
+                value += m_preBaseSeries[i].at(m_energies[k]) * shares[i];
             }
             out[k] = {m_energies[k], value};
         }

@@ -3,6 +3,7 @@
 #include <QVector>
 #include <vector>
 
+#include "spectra/CurveLookup.h"
 #include "spectra/LinearSolver.h"
 #include "spectra/XafsSpectrum.h"
 
@@ -54,12 +55,21 @@ class LinearFit {
     void shares(const double* coefficients, double edgeJump, double* ratios, double* dMuts) const;
 
   private:
-    double seriesAt(const XafsSpectrum& reference, const Spectrum& series, double e) const;
-    const double* row(const std::vector<double>& table, std::size_t point) const {
-        return table.data() + point * static_cast<std::size_t>(m_references.size());
-    }
+    /// A normalised series of a reference, with what is added to an energy to find its value.
+    struct Series {
+        CurveLookup curve;
+        bool referenceIsShifted;
+        double referenceShift;
+        bool isShifted;
+        double shift;
+
+        Series(const XafsSpectrum& reference, const Spectrum& series);
+        double at(double e) const;
+    };
 
     QVector<XafsSpectrum> m_references;
+    std::vector<Series> m_preBaseSeries;  // double-normalized-pre-base of every reference
+    std::vector<Series> m_basisSeries;    // what the fit is made of
     Method m_method;
 
     // Of the energies of the last sample.
@@ -67,7 +77,6 @@ class LinearFit {
     std::vector<double> m_given;        // those of the sample being fitted
     std::vector<double> m_energies;     // of the points in range
     std::vector<int> m_points;          // their indices
-    std::vector<double> m_preBase;      // double-normalized-pre-base, point by point
     std::vector<double> m_basis;        // the rows of the fit, point by point
     std::vector<double> m_normal;       // the normal matrix
     LuDecomposition m_decomposition;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "TestMain.h"
+#include "spectra/CurveLookup.h"
 #include "spectra/LiveCounts.h"
 #include "spectra/Spectrum.h"
 #include "spectra/XafsSpectrum.h"
@@ -170,6 +171,38 @@ class TestSpectrum : public QObject {
         QCOMPARE(make({{5, 3}}).valueAt(99.0), 3.0);
         QCOMPARE(make({{5, 3}, {5, 7}}).valueAt(5.0), 5.0);
         QVERIFY(std::isnan(s.valueAt(std::nan(""))));
+    }
+
+    /// The lookup against the search, on even and uneven steps and where it must search itself.
+    void aLookupGivesTheSameValues() {
+        std::mt19937 random(11);
+        const auto number = [&] { return static_cast<double>(random() % 10000) / 7.0; };
+        for (int kind = 0; kind < 6; ++kind) {
+            Spectrum s;
+            double e = 7000.0;
+            for (int i = 0; i < 200; ++i) {
+                e += kind == 0 ? 0.5 : kind == 1 ? 1e-9 + number() / (1 + i % 50) : number();
+                s.append(kind == 2 && i == 70 ? 6000.0 : e, number());
+            }
+            s.setShift(3.25);
+            s.setShiftOn(kind == 3);
+            if (kind >= 4) {
+                s = make(kind == 4 ? QVector<QPair<double, double>>{{5, 3}}
+                                   : QVector<QPair<double, double>>{{1, 1}, {1, 2}, {2, 7}});
+            }
+            const CurveLookup lookup(s);
+            const double first = s.energy(0);
+            const double span = s.energy(s.size() - 1) - first;
+            for (int i = 0; i < 4000; ++i) {
+                const double at =
+                    i < s.size() ? s.energy(i) : first + span * (number() / 1000 - 0.2);
+                const double a = s.valueAt(at);
+                const double b = lookup.valueAt(at);
+                QVERIFY(std::memcmp(&a, &b, sizeof a) == 0);
+            }
+            QCOMPARE(lookup.valueAt(1e300), s.valueAt(1e300));
+            QCOMPARE(std::isnan(lookup.valueAt(std::nan(""))), std::isnan(s.valueAt(std::nan(""))));
+        }
     }
 
     /// A copy must not change with the original, and the counts must come out even.

@@ -1,0 +1,281 @@
+// Fits of whole images on all cores against a loop written for nothing else.
+//
+// Ratios to read: Rows/threads:1 / Tight (from counts to fractions, one thread), Rows with one and
+// with two threads, Rows with energy corrections of their own for every bin (Corrected), and the
+// growth with pixels and energies (Growth/side/energies; growth_plot.py draws it).
+
+#include <benchmark/benchmark.h>
+
+#include <QCoreApplication>
+#include <cmath>
+#include <map>
+#include <memory>
+#include <random>
+
+#include "analysis/AnalysisGrid.h"
+#include "analysis/LaneFit.h"
+#include "app/Globals.h"
+#include "imagedata/AbsorptionSource.h"
+#include "imagedata/FrameSet.h"
+#include "imagedata/RasterPass.h"
+#include "spectra/Logarithm.h"
+
+namespace {
+
+constexpr double Beam = 40000.0;
+
+double muT(double e, double whiteLine) {
+    const double t = 1.0 / (1.0 + std::exp((7112.0 - e) / 2.0));
+    return 0.4 - 2e-4 * (e - 7000.0) + 0.8 * (t + whiteLine * t * (1.0 - t));
+}
+
+/// Two stacks in memory.
+struct Stacks {
+    int side;
+    std::vector<double> energies;
+    FrameSet i1;
+    FrameSet i0;
+
+    Stacks(int imageSide, int frames) : side(imageSide) {
+        std::mt19937 random(1);
+        const auto frame = [&](double e, const auto& value) {
+            auto made = std::make_unique<TiffData>();
+            made->width = made->height = static_cast<quint32>(side);
+            made->energy = e;
+            made->makeRows(static_cast<std::size_t>(side) * sizeof(quint16));
+            for (quint16* row : made->rows) {
+                for (int x = 0; x < side; ++x) {
+                    row[x] = static_cast<quint16>(value(x) + static_cast<double>(random() % 200));
+                }
+            }
+            return made;
+        };
+        for (int i = 0; i < frames; ++i) {
+            const double e = 7000.0 + 300.0 * i / (frames - 1);
+            const double a = muT(e, 2.0);
+            const double b = muT(e, 0.5);
+            energies.push_back(e);
+            i1.append(frame(e, [&](int x) {
+                const double share = static_cast<double>(x) / side;
+                return Beam * std::exp(-share * a - (1.0 - share) * b);
+            }));
+            i0.append(frame(e, [](int) { return Beam; }));
+        }
+    }
+};
+
+const Stacks& stacks(int side, int energies) {
+    static std::pair<int, int> kept;
+    static std::unique_ptr<Stacks> made;
+    if (!made || kept != std::make_pair(side, energies)) {
+        made = std::make_unique<Stacks>(side, energies);
+        kept = {side, energies};
+    }
+    return *made;
+}
+
+QVector<XafsSpectrum> references() {
+    QVector<XafsSpectrum> list;
+    for (double whiteLine : {2.0, 0.5}) {
+        Spectrum points;
+        for (double e = 6990.0; e <= 7310.0; e += 0.5) {
+            points.append(e, muT(e, whiteLine));
+        }
+        list.append(XafsSpectrum(points, XafsSpectrum::Simple, 0.0));
+    }
+    return list;
+}
+
+// --- the loop written for nothing else: straight lines, two references, single pixels
+
+constexpr int Tile = 64;
+
+struct Fit {
+    std::vector<double> f[2];  // the references at the energies
+    double inverse[4];         // of the normal matrix
+};
+
+Fit fitOf(const std::vector<double>& energies) {
+    Fit fit;
+    const QVector<XafsSpectrum> list = references();
+    double a = 0.0, b = 0.0, d = 0.0;
+    for (double e : energies) {
+        for (int r = 0; r < 2; ++r) {
+            fit.f[r].push_back(list[r].doubleNormalizedPreBase(e));
+        }
+        a += fit.f[0].back() * fit.f[0].back();
+        b += fit.f[0].back() * fit.f[1].back();
+        d += fit.f[1].back() * fit.f[1].back();
+    }
+    const double det = a * d - b * b;
+    const double inverse[] = {d / det, -b / det, -b / det, a / det};
+    std::copy_n(inverse, 4, fit.inverse);
+    return fit;
+}
+
+#ifdef __x86_64__
+#define TIGHT __attribute__((target_clones("avx512f", "avx2", "default")))
+#else
+#define TIGHT
+#endif
+
+TIGHT void tightTile(const quint16* const* i1, const quint16* const* i0, const double* e, int n,
+                     const Fit& fit, double* mu, double* out) {
+    double low[Tile], high[Tile], level[Tile], edge[Tile], open[Tile];
+    for (int p = 0; p < Tile; ++p) {
+        low[p] = 1e300;
+        high[p] = -1e300;
+        edge[p] = e[0];
+        open[p] = 1.0;
+    }
+    for (int i = 0; i < n; ++i) {
+        double* y = mu + i * Tile;
+        for (int p = 0; p < Tile; ++p) {
+            logarithmOf<double, unsigned long long>(
+                static_cast<double>(i0[i][p]) / static_cast<double>(i1[i][p]), y[p]);
+            low[p] = y[p] < low[p] ? y[p] : low[p];
+            high[p] = y[p] > high[p] ? y[p] : high[p];
+        }
+    }
+    for (int p = 0; p < Tile; ++p) {
+        level[p] = low[p] + 0.5 * (high[p] - low[p]);
+    }
+    for (int i = 0; i + 1 < n; ++i) {
+        const double* y = mu + i * Tile;
+        const double* next = y + Tile;
+        for (int p = 0; p < Tile; ++p) {
+            const bool here = (y[p] < level[p]) & (next[p] >= level[p]) & (open[p] > 0.0);
+            const double at = e[i] + (level[p] - y[p]) * (e[i + 1] - e[i]) / (next[p] - y[p]);
+            edge[p] = here ? at : edge[p];
+            open[p] = here ? 0.0 : open[p];
+        }
+    }
+    double c0[2][Tile], c1[2][Tile];
+    for (int side = 0; side < 2; ++side) {
+        const double from = side == 0 ? -100.0 : 10.0;
+        const double to = side == 0 ? -10.0 : 1000.0;
+        double count[Tile] = {}, se[Tile] = {}, see[Tile] = {}, sy[Tile] = {}, sey[Tile] = {};
+        for (int i = 0; i < n; ++i) {
+            const double* y = mu + i * Tile;
+            for (int p = 0; p < Tile; ++p) {
+                const bool in = (e[i] >= edge[p] + from) & (e[i] < edge[p] + to);
+                const double w = in ? 1.0 : 0.0;
+                count[p] += w;
+                se[p] += w * e[i];
+                see[p] += w * e[i] * e[i];
+                sy[p] += w * y[p];
+                sey[p] += w * y[p] * e[i];
+            }
+        }
+        for (int p = 0; p < Tile; ++p) {
+            const double det = count[p] * see[p] - se[p] * se[p];
+            c1[side][p] = (count[p] * sey[p] - se[p] * sy[p]) / det;
+            c0[side][p] = (sy[p] - c1[side][p] * se[p]) / count[p];
+        }
+    }
+    double right[2][Tile] = {};
+    for (int i = 0; i < n; ++i) {
+        const double* y = mu + i * Tile;
+        for (int p = 0; p < Tile; ++p) {
+            const double pre = c0[0][p] + c1[0][p] * e[i];
+            const double span = c0[1][p] + c1[1][p] * e[i] - pre;
+            const double v = (y[p] - pre) / span;
+            right[0][p] += fit.f[0][static_cast<std::size_t>(i)] * v;
+            right[1][p] += fit.f[1][static_cast<std::size_t>(i)] * v;
+        }
+    }
+    for (int p = 0; p < Tile; ++p) {
+        out[2 * p] = fit.inverse[0] * right[0][p] + fit.inverse[1] * right[1][p];
+        out[2 * p + 1] = fit.inverse[2] * right[0][p] + fit.inverse[3] * right[1][p];
+    }
+}
+
+void Tight(benchmark::State& state) {
+    const Stacks& s = stacks(512, 100);
+    const int n = static_cast<int>(s.energies.size());
+    const Fit fit = fitOf(s.energies);
+    std::vector<double> mu(static_cast<std::size_t>(n) * Tile);
+    std::vector<double> out(static_cast<std::size_t>(s.side) * 2);
+    std::vector<const quint16*> i1(static_cast<std::size_t>(n)), i0(static_cast<std::size_t>(n));
+    double sum = 0.0;
+    for (auto _ : state) {
+        for (int y = 0; y < s.side; ++y) {
+            for (int x = 0; x < s.side; x += Tile) {
+                for (int i = 0; i < n; ++i) {
+                    const std::size_t frame = static_cast<std::size_t>(i);
+                    i1[frame] = s.i1.at(i)->rows[static_cast<std::size_t>(y)] + x;
+                    i0[frame] = s.i0.at(i)->rows[static_cast<std::size_t>(y)] + x;
+                }
+                tightTile(i1.data(), i0.data(), s.energies.data(), n, fit, mu.data(),
+                          &out[static_cast<std::size_t>(2 * x)]);
+            }
+            sum += out[7];
+        }
+    }
+    benchmark::DoNotOptimize(sum);
+    state.counters["fraction"] = out[2 * 256];
+}
+BENCHMARK(Tight)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+// --- the way of the programs
+
+double fitRows(const Stacks& s, int threads, const std::function<double(int, int)>& correctionAt) {
+    const AbsorptionSource source(s.i1, s.i0, s.side, s.side);
+    BinRaster raster{0, 1, s.side, 0, 1, s.side, 0, 0};
+    RasterPass pass(source, raster, 4,
+                    fitEvaluators(threads, raster, references(), LinearFit::Lcf, s.energies,
+                                  XafsSpectrum::Simple, correctionAt));
+    double fraction = 0.0;
+    for (RasterPass::Row row = pass.take(); row.values != nullptr; row = pass.take()) {
+        fraction = row.values[4 * (s.side / 2) + 2];
+    }
+    return fraction;
+}
+
+void Rows(benchmark::State& state) {
+    for (auto _ : state) {
+        state.counters["fraction"] = fitRows(stacks(512, 100), static_cast<int>(state.range(0)),
+                                             [](int, int) { return 0.0; });
+    }
+}
+BENCHMARK(Rows)->ArgName("threads")->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+void Corrected(benchmark::State& state) {
+    for (auto _ : state) {
+        fitRows(stacks(512, 100), static_cast<int>(state.range(0)),
+                [](int x, int y) { return 0.001 * x + 0.0003 * y; });
+    }
+}
+BENCHMARK(Corrected)->ArgName("threads")->Arg(1)->Arg(2)->UseRealTime()->Unit(
+    benchmark::kMillisecond);
+
+void Growth(benchmark::State& state) {
+    const Stacks& s = stacks(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    for (auto _ : state) {
+        fitRows(s, 2, [](int, int) { return 0.0; });
+    }
+}
+BENCHMARK(Growth)
+    ->ArgNames({"side", "energies"})
+    ->Args({64, 100})
+    ->Args({128, 100})
+    ->Args({256, 100})
+    ->Args({512, 100})
+    ->Args({1024, 100})
+    ->Args({2048, 100})
+    ->Args({512, 30})
+    ->Args({512, 60})
+    ->Args({512, 200})
+    ->Args({512, 500})
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    initGlobals();
+    QCoreApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
