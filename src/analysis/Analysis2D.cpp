@@ -1,5 +1,6 @@
 #include "analysis/Analysis2D.h"
 
+#include <QCoreApplication>
 #include <QDebug>
 #include <QString>
 #include <algorithm>
@@ -27,14 +28,15 @@ bool Analysis2D::startLcf(const AnalysisGrid& grid, SpectrumAt spectrumAt, QStri
                           const FitPass& fitPass) {
     m_panels = m_analyzer->references().size();
     if (m_panels < 2) {
-        *whyNot = QStringLiteral("fewer than two reference panels");
+        *whyNot = QCoreApplication::translate("Analysis2D", "fewer than two reference panels");
         return false;
     }
     m_spectrumAt = std::move(spectrumAt);
     m_grid = grid;
     m_grid.start();
     if (!prepare(m_grid, true)) {
-        *whyNot = QStringLiteral("no point of the area lies inside the image");
+        *whyNot =
+            QCoreApplication::translate("Analysis2D", "no point of the area lies inside the image");
         return false;
     }
 

@@ -46,8 +46,12 @@ double numberIn(QLineEdit* field) {
     return field->text().toDouble();
 }
 
-const QString NoImages = QStringLiteral("no images are loaded");
-const QString NoMemory = QStringLiteral("memory ran out");
+QString noImages() {
+    return Body::tr("no images are loaded");
+}
+QString noMemory() {
+    return Body::tr("memory ran out");
+}
 
 }  // namespace
 
@@ -120,7 +124,7 @@ void Body::showSpectrumAgain() {
 
 bool Body::runBlocking(const std::function<void(const AnalysisGrid&)>& pass) {
     if (m_i1->loader.frames().isEmpty()) {
-        note(NoImages);
+        note(noImages());
         return false;
     }
     const WaitCursor waiting;
@@ -139,7 +143,7 @@ void Body::execCalibration() {
             calibrationEdge(m_calib->standard()),
             [this](double percent) { showProgress(percent); });
         if (pass.failed()) {
-            note(NoMemory);
+            note(noMemory());
         }
     });
     if (!done) {
@@ -149,9 +153,9 @@ void Body::execCalibration() {
     showSpectrumAgain();
     const XafsSpectrum* standard = m_calib->standard();
     if (standard == nullptr || standard->isEmpty()) {
-        note(QStringLiteral("no standard is loaded: the map holds edge energies, not shifts"));
+        note(tr("no standard is loaded: the map holds edge energies, not shifts"));
     } else if (!hasCalibrationEdge(*standard)) {
-        note(QStringLiteral("the standard has no rising edge to compare with"));
+        note(tr("the standard has no rising edge to compare with"));
     }
 }
 
@@ -172,10 +176,10 @@ void Body::normalizeEShift() {
 QString Body::startLcf() {
     if (m_analysis->lcfRunning()) {
         stop2DAnalysis();
-        return QStringLiteral("an analysis was running and has been stopped");
+        return tr("an analysis was running and has been stopped");
     }
     if (m_i1->loader.frames().isEmpty()) {
-        return NoImages;
+        return noImages();
     }
     const AnalysisGrid grid = gridOfArea();
     QString whyNot;
@@ -237,7 +241,7 @@ void Body::lcfRowsReady() {
         case Analysis2D::Progress::OutOfMemory:
             m_rows.reset();
             showProgress(100.0);
-            answerWaiting(BatchPacing::Work::Lcf, {NoMemory});
+            answerWaiting(BatchPacing::Work::Lcf, {noMemory()});
             break;
         default:
             break;
@@ -296,7 +300,7 @@ void Body::startRA2DAnalysis() {
         m_analysis->runRa(
             grid, [&](int x, int y) { return pass.at(x, y); }, progress);
         if (pass.failed()) {
-            note(NoMemory);
+            note(noMemory());
         }
     });
     if (done) {

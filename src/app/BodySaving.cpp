@@ -20,7 +20,7 @@
 namespace {
 
 QString unwritable(const QString& file) {
-    return QStringLiteral("cannot be written: ") + file;
+    return Body::tr("cannot be written: %1").arg(file);
 }
 
 /// What the table of a result says of its origin.
@@ -52,7 +52,7 @@ QVector<HeaderLine> originOf(const Analyzed2DRes* result, const Analyzer& analyz
 void Body::saveImage(const QString& fname) {
     const QImage picture = shownPicture();
     if (picture.isNull()) {
-        note(QStringLiteral("no image is shown"));
+        note(tr("no image is shown"));
     } else if (!writePicture(fname, picture)) {
         note(unwritable(fname));
     }
@@ -88,7 +88,7 @@ void Body::saveData(const QString& fname) {
         result = shownResult();
     }
     if (result == nullptr) {
-        note(QStringLiteral("no result image is selected"));
+        note(tr("no result image is selected"));
         return;
     }
     const bool written = m_saveDataCfg->savesAsTiff()
@@ -112,7 +112,7 @@ void Body::saveFlatDark() {
 
 void Body::saveXafsSpectra(const QString& fname) {
     if (!m_xafsView->hasCurves()) {
-        note(QStringLiteral("the spectrum window shows no spectrum"));
+        note(tr("the spectrum window shows no spectrum"));
         return;
     }
     if (!m_xafsView->saveData(fname)) {
@@ -134,7 +134,7 @@ void Body::saveEMap(const QString& fname) {
 void Body::loadEMap(const QString& fname) {
     QSize size(m_imageWidth, m_imageHeight);
     if (!readEMap(fname, m_calib->edgeEnergy(), &size, m_shiftMap.get())) {
-        note(QStringLiteral("no whole energy map of the images' size: ") + fname);
+        note(tr("no whole energy map of the images' size: %1").arg(fname));
     }
     if (size != QSize(m_imageWidth, m_imageHeight)) {
         m_imageWidth = size.width();

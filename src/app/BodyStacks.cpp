@@ -169,7 +169,7 @@ void Body::stopLoading(Stack& stack) {
         return;
     }
     const QString what =
-        QStringLiteral("%1 loading stopped by the user after %2 of %3 files")
+        tr("%1 loading stopped by the user after %2 of %3 files")
             .arg(stack.id == Stack::I1 ? QStringLiteral("I1") : QStringLiteral("I0"))
             .arg(loader.done())
             .arg(loader.total());

@@ -22,7 +22,7 @@ namespace {
 
 /// The texts of a line as the user knows them.
 QString unreadable(const QString& file) {
-    return QStringLiteral("cannot be read: ") + file;
+    return Body::tr("cannot be read: %1").arg(file);
 }
 
 bool isNew(const QString& mode) {
@@ -69,7 +69,7 @@ CommandHandlers::Answer CommandHandlers::execLcf(const CmdLine& cmd) {
     const bool any = std::any_of(references.begin(), references.end(), takesPart);
     const QString why = m_body.startLcf();
     if (why.isEmpty() && !any) {
-        m_body.note(QStringLiteral("no reference is in use"));  // the maps stay empty
+        m_body.note(Body::tr("no reference is in use"));  // the maps stay empty
     } else if (!why.isEmpty()) {
         m_body.answerWaiting(BatchPacing::Work::Lcf, {why});
     }
@@ -85,7 +85,7 @@ void CommandHandlers::setLcfStd(const CommandArgs& args) {
     }
     analyzer.setLCFStd(index, args.flag(1), args.text(3), args.real(2), args.text(4));
     if (index < 0 || index >= analyzer.references().size()) {
-        m_body.note(QStringLiteral("no reference panel %1").arg(index));
+        m_body.note(Body::tr("no reference panel %1").arg(index));
     } else if (!analyzer.references().at(index)->hasSpectrum()) {
         m_body.note(unreadable(args.text(3)));
     }
@@ -98,14 +98,14 @@ void CommandHandlers::selectRegion(const CommandArgs& args) {
     const bool none =
         std::all_of(std::begin(corners), std::end(corners), [](int c) { return c == 0; });
     if (!none && m_body.imageWidth() >= 0 && !view.hasSelection()) {
-        m_body.note(QStringLiteral("no part of the region lies inside the image"));
+        m_body.note(Body::tr("no part of the region lies inside the image"));
     }
 }
 
 void CommandHandlers::runUnknown(const CmdLine& cmd) {
     if (controlId(cmd.command) == NoControl) {
         m_body.m_batchCtrl->showCmdErr(cmd);
-        m_body.note(QStringLiteral("unknown command"));
+        m_body.note(Body::tr("unknown command"));
     }
 }
 
@@ -132,7 +132,7 @@ CommandHandlers::Answer CommandHandlers::run(const CmdLine& cmd) {
         case LoadI0FilesOfPattern: {
             const QStringList files = listImageFiles(args.text(1), args.from(2));
             if (files.isEmpty()) {
-                m_body.note(QStringLiteral("no file matches in ") + args.text(1));
+                m_body.note(Body::tr("no file matches in %1").arg(args.text(1)));
             }
             return load(cmd, id == LoadI1FilesOfPattern, files);
         }

@@ -2,6 +2,17 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="ja_JP">
 <context>
+    <name>Analysis2D</name>
+    <message>
+        <source>fewer than two reference panels</source>
+        <translation>参照パネルが 2 つ以上必要です</translation>
+    </message>
+    <message>
+        <source>no point of the area lies inside the image</source>
+        <translation>解析領域に画像内の点がありません</translation>
+    </message>
+</context>
+<context>
     <name>Analyzer</name>
     <message>
         <source>Analyzer</source>
@@ -674,6 +685,74 @@
     <message>
         <source>Write and run a list of commands</source>
         <translation>コマンドを並べたバッチの編集と実行</translation>
+    </message>
+    <message>
+        <source>no images are loaded</source>
+        <translation>画像が読み込まれていません</translation>
+    </message>
+    <message>
+        <source>memory ran out</source>
+        <translation>メモリが足りません</translation>
+    </message>
+    <message>
+        <source>no standard is loaded: the map holds edge energies, not shifts</source>
+        <translation>標準が読み込まれていません: マップの値はシフトではなく吸収端エネルギーです</translation>
+    </message>
+    <message>
+        <source>the standard has no rising edge to compare with</source>
+        <translation>標準に比較できる吸収端の立ち上がりがありません</translation>
+    </message>
+    <message>
+        <source>an analysis was running and has been stopped</source>
+        <translation>実行中の解析を中止しました</translation>
+    </message>
+    <message>
+        <source>cannot be written: %1</source>
+        <translation>書き込めません: %1</translation>
+    </message>
+    <message>
+        <source>no image is shown</source>
+        <translation>表示中の画像がありません</translation>
+    </message>
+    <message>
+        <source>no result image is selected</source>
+        <translation>解析結果の画像が選択されていません</translation>
+    </message>
+    <message>
+        <source>the spectrum window shows no spectrum</source>
+        <translation>スペクトルウィンドウに表示中のスペクトルがありません</translation>
+    </message>
+    <message>
+        <source>no whole energy map of the images&apos; size: %1</source>
+        <translation>画像と同じ大きさの完全なエネルギーマップではありません: %1</translation>
+    </message>
+    <message>
+        <source>%1 loading stopped by the user after %2 of %3 files</source>
+        <translation>%1 の読み込みは中止されました (%3 ファイル中 %2)</translation>
+    </message>
+    <message>
+        <source>cannot be read: %1</source>
+        <translation>読み込めません: %1</translation>
+    </message>
+    <message>
+        <source>no reference is in use</source>
+        <translation>使用する参照スペクトルがありません</translation>
+    </message>
+    <message>
+        <source>no reference panel %1</source>
+        <translation>参照パネル %1 はありません</translation>
+    </message>
+    <message>
+        <source>no part of the region lies inside the image</source>
+        <translation>選択領域が画像の外にあります</translation>
+    </message>
+    <message>
+        <source>unknown command</source>
+        <translation>不明なコマンドです</translation>
+    </message>
+    <message>
+        <source>no file matches in %1</source>
+        <translation>一致するファイルがありません: %1</translation>
     </message>
 </context>
 <context>
