@@ -1,15 +1,17 @@
 // The main window at its work, without a display, against the plain loops that do the same.
 //
-// Ratios to read: WindowLoad / ScanlineLoop (reading two stacks), WindowLcf / PlainLcf (fitting an
-// image), Calibration and ResidualAbsorption / FormAndNormalise (per point). The counters
-// "bytes_per_count" and "beside_stacks" are memory: resident bytes for each pixel of each frame
-// after a load, and what an analysis with its result images takes, as a share of the stacks'
-// counts.
+// Ratios to read: WindowLoad / ScanlineLoop (reading two stacks), ShownWindowLoad / ScanlineLoop
+// (the same into a window that paints; "first_frame" is when the first frame has been painted, as a
+// share of the load), WindowLcf / PlainLcf (fitting an image), Calibration and ResidualAbsorption /
+// FormAndNormalise (per point). The counters "bytes_per_count" and "beside_stacks" are memory:
+// resident bytes for each pixel of each frame after a load, and what an analysis with its result
+// images takes, as a share of the stacks' counts.
 
 #include <benchmark/benchmark.h>
 #include <tiffio.h>
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <thread>
 
@@ -94,6 +96,56 @@ void WindowLoad(benchmark::State& state) {
     }
 }
 BENCHMARK(WindowLoad)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+/// When the first frame of a load has been painted.
+class FirstPaint : public QObject {
+  public:
+    explicit FirstPaint(Body* body) : m_body(body) {
+        body->findChild<QWidget*>(QStringLiteral("dispA"))->installEventFilter(this);
+    }
+    void start() {
+        m_clock.start();
+        m_painted = -1;
+    }
+    double share() const {
+        return static_cast<double>(m_painted) / static_cast<double>(m_clock.nsecsElapsed());
+    }
+
+  private:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::Paint || m_painted >= 0 || m_body->imageWidth() <= 0) {
+            return false;
+        }
+        watched->removeEventFilter(this);
+        QCoreApplication::sendEvent(watched, event);
+        watched->installEventFilter(this);
+        m_painted = m_clock.nsecsElapsed();
+        return true;
+    }
+
+    Body* m_body;
+    QElapsedTimer m_clock;
+    qint64 m_painted = -1;
+};
+
+void ShownWindowLoad(benchmark::State& state) {
+    stacks();
+    Body body;
+    body.show();
+    QCoreApplication::processEvents();
+    FirstPaint first(&body);
+    for (auto _ : state) {
+        first.start();
+        loadBoth(body);
+        state.counters["first_frame"] = first.share();
+        state.PauseTiming();
+        body.clearI1Files();
+        body.clearI0Files();
+        QCoreApplication::processEvents();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(ShownWindowLoad)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 // --- whole images; the argument is the half width of the bins
 

@@ -159,27 +159,32 @@ void Body::loadNext(Stack& stack) {
 }
 
 void Body::stopLoading() {
-    stopLoading(*m_i1);
-    stopLoading(*m_i0);
+    QStringList said;
+    for (Stack* stack : {m_i1.get(), m_i0.get()}) {
+        if (stack->loader.isLoading()) {
+            said << tr("%1: loading stopped after %2 of %3 files")
+                        .arg(stack->id == Stack::I1 ? QStringLiteral("I1") : QStringLiteral("I0"))
+                        .arg(stack->loader.done())
+                        .arg(stack->loader.total());
+            stopLoading(*stack);
+        }
+    }
+    if (!said.isEmpty()) {
+        note(said.join(QStringLiteral("   ")));
+    }
 }
 
 void Body::stopLoading(Stack& stack) {
     StackLoader& loader = stack.loader;
-    if (!loader.isLoading()) {
-        return;
-    }
-    const QString what =
-        tr("%1 loading stopped by the user after %2 of %3 files")
-            .arg(stack.id == Stack::I1 ? QStringLiteral("I1") : QStringLiteral("I0"))
-            .arg(loader.done())
-            .arg(loader.total());
+    const QString what = QStringLiteral("loading stopped by the user after %1 of %2 files")
+                             .arg(loader.done())
+                             .arg(loader.total());
     loader.stop();
     loader.takeFailures();
     stack.panel->setLoading(false);
     tellProgress(stack);
     redisplay();
     debugTimed(what);
-    note(what);
     answerWaiting(stack.work(), {what});
 }
 

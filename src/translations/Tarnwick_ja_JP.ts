@@ -754,6 +754,10 @@
         <source>no file matches in %1</source>
         <translation>一致するファイルがありません: %1</translation>
     </message>
+    <message>
+        <source>%1: loading stopped after %2 of %3 files</source>
+        <translation>%1: %3 ファイル中 %2 ファイルで読み込みを中止しました</translation>
+    </message>
 </context>
 <context>
     <name>BodyMenu</name>
