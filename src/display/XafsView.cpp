@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <cmath>
 
+#include "app/DebugLog.h"
 #include "app/Globals.h"
 #include "display/DispA.h"
 #include "imagedata/Units.h"
@@ -163,7 +164,11 @@ bool XafsView::saveData(const QString& fname) {
     int number = 0;
     for (const Shown& shown : shownSpectra()) {
         const QString name = number == 0 ? fname : numberedName(fname, number);
-        written = writeSpectrumFile(name, *shown.spectrum, corrected) && written;
+        const bool saved = writeSpectrumFile(name, *shown.spectrum, corrected);
+        if (saved) {
+            debugFile("Saved", name);
+        }
+        written = saved && written;
         ++number;
     }
     return written && number > 0;
