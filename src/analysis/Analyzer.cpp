@@ -179,6 +179,21 @@ void Analyzer::growWithReferences() {
     }
 }
 
+QString Analyzer::selectedTitle() const {
+    const int id = m_choice->checkedId();
+    if (id < 0) {
+        return QString();
+    }
+    if (id >= m_references.size()) {
+        const QStringList titles{tr("Edge jump"), tr("Residual absorption"),
+                                 tr("Residual absorption over edge jump")};
+        return titles.value(id - m_references.size());
+    }
+    const QRadioButton* kind = imageType() == LCFReference::Ratio ? m_ui->SelRatio : m_ui->SelDMut;
+    return kind->text() + QStringLiteral("   ") +
+           QFileInfo(m_references.at(id)->fileName()).fileName();
+}
+
 void Analyzer::putNextInTabOrder(QWidget* button, const LCFReference* reference) {
     const QWidgetList controls = QWidgetList{button} + reference->findChildren<QWidget*>();
     for (QWidget* control : controls) {

@@ -59,6 +59,8 @@ class Analyzer : public QFrame {
     /// The image that the choice buttons name; null without a choice, or for a residual-absorption
     /// image that has not been made yet.
     Analyzed2DRes* selectedResult() const;
+    /// What the chosen image shows and of what, for the user; empty without a choice.
+    QString selectedTitle() const;
     Analyzed2DRes* raDmut() const { return m_raDmut.get(); }
     Analyzed2DRes* raRest() const { return m_raRest.get(); }
     Analyzed2DRes* raRatio() const { return m_raRatio.get(); }

@@ -126,9 +126,13 @@ void Body::updateStatus() {
                    .arg(count)
                    .arg(QString::asprintf("% 8.2f", frame->energy));
     } else if (shown() == ShownShift) {
-        text = tr("Energy-shift map");
+        text = m_shiftMap->hasData() ? tr("Energy-shift map") : tr("No energy-shift map yet");
     } else if (shown() == ShownResult) {
-        text = tr("Result image");
+        text = shownResult() != nullptr && shownResult()->hasData()
+                   ? tr("Result image") + QStringLiteral("   ") + m_analyzer->selectedTitle()
+                   : tr("No result yet: analyze the image and select a result in the Analyzer");
+    } else {
+        text = tr("No frames yet: select the files of I1 and I0");
     }
     const int left =
         m_i1->loader.total() - m_i1->loader.done() + m_i0->loader.total() - m_i0->loader.done();

@@ -212,8 +212,8 @@ void BodyMenu::showMouseAndKeys(QWidget* parent) {
         {tr("Ctrl+W"), tr("closes a tool window")}};
     QString rows;
     for (const auto& line : lines) {
-        rows +=
-            QStringLiteral("<tr><td><b>%1</b></td><td>%2</td></tr>").arg(line.first, line.second);
+        rows += QStringLiteral("<tr><td><nobr><b>%1</b></nobr></td><td><nobr>%2</nobr></td></tr>")
+                    .arg(line.first, line.second);
     }
     auto* box = new QMessageBox(QMessageBox::NoIcon, tr("Mouse and Keys"),
                                 QStringLiteral("<table cellpadding='4'>%1</table>").arg(rows),

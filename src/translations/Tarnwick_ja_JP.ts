@@ -140,7 +140,7 @@
     </message>
     <message>
         <source>Show the Rest</source>
-        <translation>残差を表示</translation>
+        <translation>残留分を表示</translation>
     </message>
     <message>
         <source>Show dmut</source>
@@ -205,6 +205,18 @@
     <message>
         <source>Choose the file of a reference and check its Use box first.</source>
         <translation>先に参照のファイルを選び、「使用」にチェックを入れてください。</translation>
+    </message>
+    <message>
+        <source>Edge jump</source>
+        <translation>エッジジャンプ</translation>
+    </message>
+    <message>
+        <source>Residual absorption</source>
+        <translation>残留吸収</translation>
+    </message>
+    <message>
+        <source>Residual absorption over edge jump</source>
+        <translation>残留吸収／エッジジャンプ</translation>
     </message>
 </context>
 <context>
@@ -518,7 +530,7 @@
     </message>
     <message>
         <source>NES</source>
-        <translation>NES</translation>
+        <translation>E シフトのグリッチ除去</translation>
     </message>
     <message>
         <source>Deglitch E-Shift Map</source>
@@ -607,7 +619,7 @@
     <message numerus="yes">
         <source>%n dark file(s) unreadable or not of the image&apos;s size</source>
         <translation>
-            <numerusform>読めないか画像とサイズの違うダーク %n ファイル</numerusform>
+            <numerusform>ダーク %n ファイルを除外 (読み込み不可またはサイズ違い)</numerusform>
         </translation>
     </message>
     <message>
@@ -757,6 +769,18 @@
     <message>
         <source>%1: loading stopped after %2 of %3 files</source>
         <translation>%1: %3 ファイル中 %2 ファイルで読み込みを中止しました</translation>
+    </message>
+    <message>
+        <source>No energy-shift map yet</source>
+        <translation>エネルギーシフトマップはまだありません</translation>
+    </message>
+    <message>
+        <source>No result yet: analyze the image and select a result in the Analyzer</source>
+        <translation>結果はまだありません: 画像を解析し、解析ウィンドウで結果を選択してください</translation>
+    </message>
+    <message>
+        <source>No frames yet: select the files of I1 and I0</source>
+        <translation>フレーム未読み込み: I1 と I0 のファイルを選択してください</translation>
     </message>
 </context>
 <context>
