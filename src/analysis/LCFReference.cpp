@@ -40,6 +40,12 @@ LCFReference::LCFReference(QWidget* parent)
     setWidth(m_ui->DeltaE, "-00.00M");
     setWidth(m_ui->R, "-000.00M");
     setWidth(m_ui->T, "-0.000000M");
+    // On their fixed light ground, whatever the desktop's colours are.
+    for (QLineEdit* field : {m_ui->DMut, m_ui->R}) {
+        QPalette dark = field->palette();
+        dark.setColor(QPalette::Text, Qt::black);
+        field->setPalette(dark);
+    }
     for (auto& result : m_results) {
         result = std::make_unique<Analyzed2DRes>();
     }

@@ -1,6 +1,6 @@
 #include "app/ToolWindows.h"
 
-#include <QEvent>
+#include <QKeyEvent>
 #include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
@@ -10,32 +10,46 @@ namespace {
 constexpr int Step = 32;      // from one window to the next, in pixels
 constexpr int Gap = 8;        // between the main window and one beside it
 constexpr int TitleBar = 40;  // left free for what the window manager adds
+
+/// Enter on a button, which has come up to the window because the button takes Space only.
+bool pressesButton(const QWidget* window, const QKeyEvent* key) {
+    auto* button = window ? qobject_cast<QPushButton*>(window->focusWidget()) : nullptr;
+    if (button == nullptr || (key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter)) {
+        return false;
+    }
+    button->click();
+    return true;
+}
+
 }  // namespace
 
-ToolWindows::ToolWindows(QWidget* mainWindow) : QObject(mainWindow), m_mainWindow(mainWindow) {}
+ToolWindows::ToolWindows(QWidget* mainWindow) : QObject(mainWindow), m_mainWindow(mainWindow) {
+    mainWindow->installEventFilter(this);
+}
 
 void ToolWindows::add(QWidget* window) {
-    auto* close = new QShortcut(QKeySequence::Close, window);
+    auto* close = new QShortcut(QKeySequence(Qt::CTRL + Qt::Key_W), window);
     connect(close, &QShortcut::activated, window, &QWidget::close);
-    const auto buttons = window->findChildren<QPushButton*>();
-    for (QPushButton* button : buttons) {
-        button->setAutoDefault(true);
-    }
     window->installEventFilter(this);
     m_windows << window;
 }
 
 bool ToolWindows::eventFilter(QObject* watched, QEvent* event) {
     auto* window = qobject_cast<QWidget*>(watched);
-    if (window != nullptr && event->type() == QEvent::Show && !event->spontaneous() &&
-        !window->testAttribute(Qt::WA_Moved)) {
+    if (event->type() == QEvent::KeyPress &&
+        pressesButton(window, static_cast<QKeyEvent*>(event))) {
+        return true;
+    }
+    if (window != m_mainWindow && window != nullptr && event->type() == QEvent::Show &&
+        !event->spontaneous() && !window->testAttribute(Qt::WA_Moved)) {
         place(window);
     }
     return QObject::eventFilter(watched, event);
 }
 
 void ToolWindows::place(QWidget* window) {
-    const QRect screen = m_mainWindow->screen()->availableGeometry().adjusted(0, 0, 0, -TitleBar);
+    const QRect screen =
+        m_mainWindow->screen()->availableGeometry().adjusted(0, 0, -Gap, -TitleBar);
     const QRect main = m_mainWindow->frameGeometry();
     window->resize(window->size().boundedTo(screen.size()));
     QPoint corner = screen.bottomRight() - QPoint(window->width() - 1, window->height() - 1);

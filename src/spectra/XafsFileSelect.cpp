@@ -10,6 +10,11 @@ XafsFileSelect::XafsFileSelect(QWidget* parent)
       m_ui(std::make_unique<Ui::XafsFileSelect>()),
       m_dialog(new QFileDialog(this, tr("XAFS File Select"))) {
     m_ui->setupUi(this);
+    // On the fixed light ground, whatever the desktop's colours are.
+    QPalette dark = m_ui->Selected->palette();
+    dark.setColor(QPalette::Text, Qt::black);
+    dark.setColor(QPalette::PlaceholderText, Qt::darkGray);
+    m_ui->Selected->setPalette(dark);
     const QString noFile = m_ui->Selected->toolTip();
     connect(m_ui->Selected, &QLineEdit::textChanged, this, [this, noFile](const QString& name) {
         m_ui->Selected->setToolTip(name.isEmpty() ? noFile : name);

@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTranslator>
 
@@ -127,6 +129,29 @@ class TestWindows : public QObject {
                          nameOf(chain[i - 1]) + " goes back to " + nameOf(chain[i]));
             }
         }
+    }
+
+    /// Tool windows open on the screen and come back where they were left; keys act in them.
+    void toolWindowsKeepTheirPlace() {
+        Body body;
+        body.show();
+        auto* open = body.findChild<QPushButton*>("OpenCalibCtrl");
+        open->setFocus();
+        QTest::keyClick(open, Qt::Key_Return);
+        QWidget* panel = nullptr;
+        const QWidgetList all = QApplication::topLevelWidgets();
+        for (QWidget* window : all) {
+            panel = window->objectName() == "CalibCtrl" && window->isVisible() ? window : panel;
+        }
+        QVERIFY(panel != nullptr);
+        QVERIFY(panel->screen()->availableGeometry().contains(panel->geometry()));
+        panel->move(7, 11);
+        panel->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(panel));
+        QTest::keyClick(panel, Qt::Key_W, Qt::ControlModifier);
+        QVERIFY(!panel->isVisible());
+        open->click();
+        QCOMPARE(panel->pos(), QPoint(7, 11));
     }
 
     void windowsFitASmallScreen_data() {
