@@ -346,7 +346,7 @@
     </message>
     <message>
         <source>Show the result image that is selected in the Analyzer</source>
-        <translation>解析ウィンドウで選択した結果画像を表示します</translation>
+        <translation>解析パネルで選択した結果画像を表示します</translation>
     </message>
     <message>
         <source>Reset Scale</source>
@@ -579,7 +579,7 @@
     <message numerus="yes">
         <source>%n file(s) could not be read: %1</source>
         <translation>
-            <numerusform>読めないファイル %n 件: %1</numerusform>
+            <numerusform>読み込めなかったファイル %n 件: %1</numerusform>
         </translation>
     </message>
     <message numerus="yes">
@@ -676,7 +676,7 @@
     </message>
     <message>
         <source>Select a finished result in the Analyzer, or show the energy-shift map, first.</source>
-        <translation>先に解析ウィンドウで結果を選択するか、エネルギーシフトマップを表示してください。</translation>
+        <translation>先に解析パネルで結果を選択するか、エネルギーシフトマップを表示してください。</translation>
     </message>
     <message>
         <source>Show a result image or the energy-shift map first.</source>
@@ -776,7 +776,7 @@
     </message>
     <message>
         <source>No result yet: analyze the image and select a result in the Analyzer</source>
-        <translation>結果はまだありません: 画像を解析し、解析ウィンドウで結果を選択してください</translation>
+        <translation>結果はまだありません: 画像を解析し、解析パネルで結果を選択してください</translation>
     </message>
     <message>
         <source>No frames yet: select the files of I1 and I0</source>
@@ -1038,7 +1038,7 @@
     </message>
     <message>
         <source>Straight lines (Simple) suit spectra that end near the edge; Victreen curves need a long range on both sides.</source>
-        <translation>吸収端の近くだけのスペクトルには直線 (Simple) が適します。Victreen には吸収端の前後に長い範囲が必要です。</translation>
+        <translation>吸収端の近くだけのスペクトルには直線が適します。Victreen には吸収端の前後に長い範囲が必要です。</translation>
     </message>
     <message>
         <source>Std. :</source>
@@ -1126,7 +1126,7 @@
     </message>
     <message>
         <source>No standard loaded</source>
-        <translation>標準は未選択です</translation>
+        <translation>標準試料は未選択です</translation>
     </message>
     <message>
         <source>No standard is loaded. Choose one with &quot;Select Std.&quot;.</source>
@@ -1423,7 +1423,7 @@
     </message>
     <message>
         <source>Empty this stack</source>
-        <translation>このスタックを空にします</translation>
+        <translation>読み込んだ画像をすべて消去します</translation>
     </message>
     <message>
         <source>Number of files</source>
@@ -1537,7 +1537,7 @@
     </message>
     <message>
         <source>Corrected</source>
-        <translation>補正済み</translation>
+        <translation>エネルギー補正</translation>
     </message>
     <message>
         <source>Save the energies with the correction of the energy-shift map</source>
@@ -1577,11 +1577,11 @@
     </message>
     <message>
         <source>Post based</source>
-        <translation>ポスト基準</translation>
+        <translation>ポストエッジ基準</translation>
     </message>
     <message>
         <source>Post based by span</source>
-        <translation>ポスト基準 (幅で規格化)</translation>
+        <translation>ポストエッジ基準 (幅で規格化)</translation>
     </message>
     <message>
         <source>Residual</source>
