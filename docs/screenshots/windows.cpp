@@ -1,5 +1,7 @@
 #include <QApplication>
+#include <QScrollArea>
 #include <QWidget>
+#include <algorithm>
 
 #include "Stage.h"
 #include "batch/BatchCtrl.h"
@@ -19,6 +21,11 @@ void makeWindowPictures(Stage& stage) {
     for (QWidget* window : windows) {
         if (!window->isVisible() || window->windowTitle().isEmpty()) {
             continue;
+        }
+        // The screen without a display is small: no room for all rows at a large font.
+        if (const auto* rows = window->findChild<QScrollArea*>(QStringLiteral("refScroll"))) {
+            const int hidden = rows->widget()->height() - rows->viewport()->height();
+            window->resize(window->width(), window->height() + std::max(0, hidden));
         }
         stage.save(window, window->objectName().toLower());
     }
