@@ -65,7 +65,10 @@ void BatchCtrl::execBatch() {
 }
 
 void BatchCtrl::clear() {
-    m_ui->BatchCmds->clear();
+    // Not the editor's own clear(), which leaves nothing to undo.
+    QTextCursor all(m_ui->BatchCmds->document());
+    all.select(QTextCursor::Document);
+    all.removeSelectedText();
 }
 
 void BatchCtrl::clearLog() {

@@ -42,6 +42,7 @@ SelectDataFiles::SelectDataFiles(QWidget* parent)
     m_dialog->setAcceptMode(QFileDialog::AcceptOpen);
     m_dialog->setNameFilters(
         {tr("IMG Files (*.img)"), tr("Tiff Files (*.tif *.tiff)"), tr("Any Files (* *.*)")});
+    m_dialog->selectNameFilter(m_dialog->nameFilters().at(1));  // the kind that can be read
 
     connect(m_ui->Selected, SIGNAL(currentIndexChanged(int)), this,
             SIGNAL(currentIndexChanged(int)));

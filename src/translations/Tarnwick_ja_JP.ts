@@ -266,10 +266,6 @@
         <translation>ログ消去</translation>
     </message>
     <message>
-        <source>Empty the batch</source>
-        <translation>バッチを消去します</translation>
-    </message>
-    <message>
         <source>Clear</source>
         <translation>クリア</translation>
     </message>
@@ -308,6 +304,10 @@
     <message>
         <source>What the batch has done; &quot;Err:&quot; stands before a line that it does not know.</source>
         <translation>バッチの実行記録。認識できない行には「Err:」が付きます。</translation>
+    </message>
+    <message>
+        <source>Empty the batch; Ctrl+Z brings it back</source>
+        <translation>バッチを消去します (Ctrl+Z で元に戻せます)</translation>
     </message>
 </context>
 <context>

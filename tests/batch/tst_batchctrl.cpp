@@ -63,6 +63,8 @@ class TestBatchCtrl : public QObject {
         click("Clear");
         QCOMPARE(cmds()->toPlainText(), QString());
         QCOMPARE(logs()->toPlainText(), QString("b"));
+        cmds()->undo();
+        QCOMPARE(cmds()->toPlainText(), QString("a"));
         click("ClearLog");
         QCOMPARE(logs()->toPlainText(), QString());
         QCOMPARE(m_window->windowTitle(), QString("Batch Ctrl."));
