@@ -26,6 +26,7 @@ void makeWindowPictures(Stage& stage) {
         if (const auto* rows = window->findChild<QScrollArea*>(QStringLiteral("refScroll"))) {
             const int hidden = rows->widget()->height() - rows->viewport()->height();
             window->resize(window->width(), window->height() + std::max(0, hidden));
+            stage.settle();
         }
         stage.save(window, window->objectName().toLower());
     }
