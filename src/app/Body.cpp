@@ -253,11 +253,13 @@ void Body::makeDialogs() {
     const QString any = tr("Any Files (* *.*)");
     const QStringList pictures{tr("Image File (*.png)"), any};
     m_imageDialog = makeSaveDialog(this, pictures, QStringLiteral("png"));
+    m_barImageDialog = makeSaveDialog(this, pictures, QStringLiteral("png"));
     m_allImagesDialog = makeSaveDialog(this, pictures, QStringLiteral("png"));
     m_spectraDialog =
         makeSaveDialog(this, {tr("XAFS Spectra (*.dat)"), any}, QStringLiteral("dat"));
     m_dataDialog = makeSaveDialog(this, {any}, QString());
     m_imageDialog->setWindowTitle(tr("Save Image"));
+    m_barImageDialog->setWindowTitle(tr("Save with Colour Bar"));
     m_allImagesDialog->setWindowTitle(tr("Save All Images"));
     m_spectraDialog->setWindowTitle(tr("Save XAFS Spectra"));
     m_dataDialog->setWindowTitle(tr("Save Data"));
@@ -265,12 +267,14 @@ void Body::makeDialogs() {
 
 void Body::connectSaving() {
     connect(m_ui->SaveImage, &QPushButton::clicked, m_imageDialog, &QWidget::show);
+    connect(m_ui->SaveImageWithBar, &QPushButton::clicked, m_barImageDialog, &QWidget::show);
     connect(m_ui->SaveAllImages, &QPushButton::clicked, m_allImagesDialog, &QWidget::show);
     connect(m_ui->SaveXAFSSpectra, &QPushButton::clicked, m_spectraDialog, &QWidget::show);
     connect(m_ui->SaveData, &QPushButton::clicked, this, &Body::showSaveDataDialog);
     connect(m_ui->SaveDataCfgB, &QPushButton::clicked, m_saveDataCfg.get(), &QWidget::show);
     connect(m_ui->SaveFlatDark, &QPushButton::clicked, this, &Body::saveFlatDark);
     connect(m_imageDialog, &QFileDialog::fileSelected, this, &Body::saveImage);
+    connect(m_barImageDialog, &QFileDialog::fileSelected, this, &Body::saveImageWithBar);
     connect(m_allImagesDialog, &QFileDialog::fileSelected, this, &Body::saveAllImages);
     connect(m_spectraDialog, &QFileDialog::fileSelected, this, &Body::saveXafsSpectra);
     connect(m_dataDialog, &QFileDialog::fileSelected, this, &Body::saveData);

@@ -22,6 +22,7 @@ class Analysis2D;
 struct AnalysisGrid;
 class Analyzed2DRes;
 class Analyzer;
+struct BarPicture;
 class BatchCtrl;
 class BatchDispatcher;
 class BlockRowSpectra;
@@ -125,6 +126,7 @@ class Body : public QMainWindow {
     void deglitch();
     void showProcImg(bool on);
     void saveImage(const QString& fname);
+    void saveImageWithBar(const QString& fname);
     void saveAllImages(const QString& fname);
     void showSaveDataDialog();
     void saveData(const QString& fname);
@@ -176,6 +178,8 @@ class Body : public QMainWindow {
     TiffData* shownFrame() const;
     Analyzed2DRes* shownResult() const;  // the shift map or the selected result, if on display
     QImage shownPicture() const;
+    QImage markedPicture() const;
+    BarPicture shownWithBar() const;
     void redisplay();
     void redisplaySoon();
     void updateSeekBar();
@@ -258,6 +262,7 @@ class Body : public QMainWindow {
     QElapsedTimer m_redisplayed;
     bool m_takingIn = false;  // a frame that has arrived
     QFileDialog* m_imageDialog = nullptr;
+    QFileDialog* m_barImageDialog = nullptr;
     QFileDialog* m_allImagesDialog = nullptr;
     QFileDialog* m_spectraDialog = nullptr;
     QFileDialog* m_dataDialog = nullptr;

@@ -42,7 +42,9 @@ void Body::updateControls() {
     const Analyzed2DRes* result = shownResult();
     const bool hasPicture =
         shownFrame() != nullptr || (result != nullptr && result->img() != nullptr);
-    setUsable(m_ui->SaveImage, unless(hasPicture, tr("There is no image on display yet.")));
+    const QString noPicture = unless(hasPicture, tr("There is no image on display yet."));
+    setUsable(m_ui->SaveImage, noPicture);
+    setUsable(m_ui->SaveImageWithBar, noPicture);
     setUsable(m_ui->SaveAllImages,
               unless(hasImageToSave(*m_analyzer), tr("Analyze the image with references first.")));
 

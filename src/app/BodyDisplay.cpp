@@ -64,13 +64,18 @@ QImage Body::shownPicture() const {
     return result != nullptr && result->img() != nullptr ? *result->img() : QImage();
 }
 
-void Body::draw(QPainter* p) {
-    QImage picture = shownPicture();
+QImage Body::markedPicture() const {
+    const QImage picture = shownPicture();
     const Analyzed2DRes* result = shownResult();
-    if (result != nullptr && !picture.isNull()) {
-        picture = withGapsMarked(picture, result->showsProc() ? result->proc() : result->data(),
-                                 result->grid().width, result->grid().height);
+    if (result == nullptr || picture.isNull()) {
+        return picture;
     }
+    return withGapsMarked(picture, result->showsProc() ? result->proc() : result->data(),
+                          result->grid().width, result->grid().height);
+}
+
+void Body::draw(QPainter* p) {
+    const QImage picture = markedPicture();
     if (!picture.isNull()) {
         m_ui->dispA->paintImage(p, picture);
     }

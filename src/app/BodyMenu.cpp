@@ -94,6 +94,8 @@ void BodyMenu::addFileMenu() const {
     menu->addAction(m_window->findChild<QAction*>(QStringLiteral("ClearDark")));
     menu->addSeparator();
     press(menu, tr("&Save Image..."), QStringLiteral("SaveImage"), QKeySequence::Save);
+    press(menu, tr("Save with Colour &Bar..."), QStringLiteral("SaveImageWithBar"),
+          QKeySequence(Qt::CTRL + Qt::Key_B));
     press(menu, tr("Save &All Images..."), QStringLiteral("SaveAllImages"),
           QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_S));
     press(menu, tr("Save Da&ta..."), QStringLiteral("SaveData"),

@@ -1,6 +1,7 @@
 // Saving and the energy-map file, as the main window drives them.
 
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QTextStream>
 
 #include "analysis/Analyzed2DRes.h"
@@ -9,8 +10,11 @@
 #include "app/Body.h"
 #include "calibration/CalibCtrl.h"
 #include "calibration/EnergyMapFile.h"
+#include "display/ColorBar.h"
 #include "display/ImageView.h"
 #include "display/XafsView.h"
+#include "imagedata/TiffData.h"
+#include "output/BarPicture.h"
 #include "output/FileNames.h"
 #include "output/FlatDark.h"
 #include "output/ResultWriter.h"
@@ -23,28 +27,41 @@ QString unwritable(const QString& file) {
     return Body::tr("cannot be written: %1").arg(file);
 }
 
-/// What the table of a result says of its origin.
-QVector<HeaderLine> originOf(const Analyzed2DRes* result, const Analyzer& analyzer) {
-    const QString source = QStringLiteral("source");
+/// What a result is and which spectrum it belongs to.
+struct Origin {
+    enum Kind { Shift, DMut, Ratio, RaDmut, RaRest, RaRatio };
+    Kind kind = Shift;
+    QString referenceFile;  // of DMut and Ratio
+};
+
+Origin originOf(const Analyzed2DRes* result, const Analyzer& analyzer) {
     if (result == analyzer.raDmut()) {
-        return {{source, QStringLiteral("dmut")}};
+        return {Origin::RaDmut, QString()};
     }
     if (result == analyzer.raRest()) {
-        return {{source, QStringLiteral("rest")}};
+        return {Origin::RaRest, QString()};
     }
     if (result == analyzer.raRatio()) {
-        return {{source, QStringLiteral("ratio")}};
+        return {Origin::RaRatio, QString()};
     }
-    const QStringList kinds{QStringLiteral("DMut"), QStringLiteral("Ratio")};
     for (const LCFReference* reference : analyzer.references()) {
-        for (int kind = 0; kind < kinds.size(); ++kind) {
-            if (reference->result(kind) == result) {
-                return {{source, kinds.at(kind)},
-                        {QStringLiteral("reference file"), reference->fileName()}};
+        for (Origin::Kind kind : {Origin::DMut, Origin::Ratio}) {
+            if (reference->result(kind - Origin::DMut) == result) {
+                return {kind, reference->fileName()};
             }
         }
     }
-    return {{source, QStringLiteral("E-shift")}};
+    return {};
+}
+
+/// What the table of a result says of its origin.
+QVector<HeaderLine> headerOf(const Origin& origin) {
+    static const char* const names[] = {"E-shift", "DMut", "Ratio", "dmut", "rest", "ratio"};
+    QVector<HeaderLine> lines{{QStringLiteral("source"), QString::fromLatin1(names[origin.kind])}};
+    if (origin.kind == Origin::DMut || origin.kind == Origin::Ratio) {
+        lines.append({QStringLiteral("reference file"), origin.referenceFile});
+    }
+    return lines;
 }
 
 }  // namespace
@@ -53,6 +70,50 @@ void Body::saveImage(const QString& fname) {
     const QImage picture = shownPicture();
     if (picture.isNull()) {
         note(tr("no image is shown"));
+    } else if (!writePicture(fname, picture)) {
+        note(unwritable(fname));
+    }
+}
+
+BarPicture Body::shownWithBar() const {
+    BarPicture parts;
+    parts.picture = markedPicture();
+    parts.low = m_ui->CBar->rangeMin();
+    parts.high = m_ui->CBar->rangeMax();
+    if (const TiffData* frame = shownFrame()) {
+        parts.title = shown() == ShownI0 ? tr("Incident beam (I0), %1 eV")
+                                         : tr("Transmitted beam (I1), %1 eV");
+        parts.title = parts.title.arg(QString::number(frame->energy, 'f', 2));
+        parts.source = QFileInfo(frame->fileName).fileName();
+        parts.unit = tr("counts");
+        return parts;
+    }
+    const Analyzed2DRes* result = shownResult();
+    if (result == nullptr) {
+        return parts;
+    }
+    const QString titles[] = {tr("Energy shift"),           tr("Edge jump due to the reference"),
+                              tr("Share of the reference"), tr("Edge jump"),
+                              tr("Residual absorption"),    tr("Share of the residual absorption")};
+    const QString muT = QStringLiteral("mu-t");
+    const QString units[] = {QStringLiteral("eV"), muT, tr("share"), muT, muT, tr("share")};
+    const Origin origin = originOf(result, *m_analyzer);
+    parts.isGrey = false;
+    parts.title = titles[origin.kind];
+    if (result->showsProc()) {
+        parts.title += tr(", processed");
+    }
+    parts.unit = units[origin.kind];
+    parts.source =
+        QFileInfo(origin.kind == Origin::Shift ? m_calib->standardFileName() : origin.referenceFile)
+            .fileName();
+    return parts;
+}
+
+void Body::saveImageWithBar(const QString& fname) {
+    const QImage picture = withColorBar(shownWithBar());
+    if (picture.isNull()) {
+        note(QStringLiteral("no image is shown"));
     } else if (!writePicture(fname, picture)) {
         note(unwritable(fname));
     }
@@ -94,7 +155,7 @@ void Body::saveData(const QString& fname) {
     const bool written = m_saveDataCfg->savesAsTiff()
                              ? writeResultTiff(fname, *result, m_saveDataCfg->tiffOptions())
                              : writeResultTable(fname, *result, m_saveDataCfg->tableOptions(),
-                                                originOf(result, *m_analyzer));
+                                                headerOf(originOf(result, *m_analyzer)));
     if (!written) {
         note(unwritable(fname));
     }

@@ -7,8 +7,8 @@
 #include <cmath>
 
 #include "app/Globals.h"
+#include "display/BarScale.h"
 #include "display/DrawText.h"
-#include "display/Ticks.h"
 
 namespace {
 constexpr double BarWidth = 20.0;
@@ -88,7 +88,9 @@ void ColorBar::paintBelow(QPainter& painter) {
     const QRectF bar = barRect();
     paintBar(painter, bar);
     if (rangeMax() >= rangeMin()) {
-        paintTicks(painter, bar);
+        paintEnds(painter, bar);
+        paintBarTicks(painter, bar, rangeMin(), rangeMax(), fontMetrics().height() / 2.0,
+                      QRectF(rect()));
     }
     if (m_table == Grey) {
         painter.setPen(palette().color(QPalette::Disabled, QPalette::WindowText));
@@ -98,42 +100,18 @@ void ColorBar::paintBelow(QPainter& painter) {
 }
 
 void ColorBar::paintBar(QPainter& painter, const QRectF& bar) const {
-    // Without a range everything looks like the lower end.
-    const int steps = std::max(1, toClampedInt(bar.height(), 1, 1 << 15));
-    for (int i = 0; i < steps; ++i) {
-        const double t = hasRange() ? 1.0 - (i + 0.5) / steps : 0.0;
-        const uchar* c = m_table == Grey ? greyOf(t) : colorOf(t);
-        painter.fillRect(QRectF(bar.left(), bar.top() + i, bar.width(), 1.0),
-                         m_table == Grey ? QColor(*c, *c, *c) : QColor(c[0], c[1], c[2]));
-    }
+    paintBarColors(painter, bar, m_table == Grey ? BarColors::Grey : BarColors::False, rangeMin(),
+                   rangeMax());
     painter.setPen(palette().color(QPalette::WindowText));
     painter.drawRect(bar.adjusted(-1, -1, 0, 0));
 }
 
-void ColorBar::paintTicks(QPainter& painter, const QRectF& bar) {
-    const double low = rangeMin();
-    const double high = rangeMax();
+void ColorBar::paintEnds(QPainter& painter, const QRectF& bar) const {
     const QRectF all(rect());
-    drawText(painter, QPointF(bar.left(), bar.top() - 3), QString::number(high, 'g', 6),
+    drawText(painter, QPointF(bar.left(), bar.top() - 3), QString::number(rangeMax(), 'g', 6),
              Qt::AlignLeft | Qt::AlignBottom, all);
-    drawText(painter, QPointF(bar.left(), bar.bottom() + 2), QString::number(low, 'g', 6),
+    drawText(painter, QPointF(bar.left(), bar.bottom() + 2), QString::number(rangeMin(), 'g', 6),
              Qt::AlignLeft | Qt::AlignTop, all);
-    m_coord.setScreen(0, 1, bar.bottom(), bar.top());
-    m_coord.setReal(0, 1, low, high);
-    const Ticks ticks = ticksBetween(low, high);
-    const double room = fontMetrics().height();
-    double last = 1e300;
-    for (double value : ticks.values) {
-        const double y = m_coord.r2sY(value);
-        painter.drawLine(QPointF(bar.right(), y), QPointF(bar.right() + 4, y));
-        // The end values have their own texts.
-        if (y < bar.top() + room / 2 || y > bar.bottom() - room / 2 || last - y < room) {
-            continue;
-        }
-        last = y;
-        drawText(painter, QPointF(bar.right() + 6, y), tickText(value, ticks.step),
-                 Qt::AlignLeft | Qt::AlignVCenter, all);
-    }
 }
 
 void ColorBar::startTyping(End end) {

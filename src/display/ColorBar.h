@@ -50,7 +50,7 @@ class ColorBar : public DispA {
     bool canBeChanged() const { return m_table == Grey; }
     bool hasRange() const { return rangeMax() > rangeMin(); }
     void paintBar(QPainter& painter, const QRectF& bar) const;
-    void paintTicks(QPainter& painter, const QRectF& bar);
+    void paintEnds(QPainter& painter, const QRectF& bar) const;
     void startTyping(End end);
     void takeTyped();
     void fix(double min, double max);

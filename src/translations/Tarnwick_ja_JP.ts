@@ -782,6 +782,58 @@
         <source>No frames yet: select the files of I1 and I0</source>
         <translation>フレーム未読み込み: I1 と I0 のファイルを選択してください</translation>
     </message>
+    <message>
+        <source>Save with Colour Bar</source>
+        <translation>カラーバー付きで保存</translation>
+    </message>
+    <message>
+        <source>Save the image on display as a picture with its colour bar, title and unit</source>
+        <translation>表示中の画像を、カラーバー・表題・単位とともに画像ファイルに保存します</translation>
+    </message>
+    <message>
+        <source>Incident beam (I0), %1 eV</source>
+        <translation>入射ビーム (I0), %1 eV</translation>
+    </message>
+    <message>
+        <source>Transmitted beam (I1), %1 eV</source>
+        <translation>透過ビーム (I1), %1 eV</translation>
+    </message>
+    <message>
+        <source>counts</source>
+        <translation>カウント</translation>
+    </message>
+    <message>
+        <source>Energy shift</source>
+        <translation>エネルギーシフト</translation>
+    </message>
+    <message>
+        <source>Edge jump due to the reference</source>
+        <translation>参照成分によるエッジジャンプ</translation>
+    </message>
+    <message>
+        <source>Share of the reference</source>
+        <translation>参照成分の割合</translation>
+    </message>
+    <message>
+        <source>Edge jump</source>
+        <translation>エッジジャンプ</translation>
+    </message>
+    <message>
+        <source>Residual absorption</source>
+        <translation>残留吸収</translation>
+    </message>
+    <message>
+        <source>Share of the residual absorption</source>
+        <translation>残留吸収の割合</translation>
+    </message>
+    <message>
+        <source>share</source>
+        <translation>割合</translation>
+    </message>
+    <message>
+        <source>, processed</source>
+        <translation>(処理済み)</translation>
+    </message>
 </context>
 <context>
     <name>BodyMenu</name>
@@ -1012,6 +1064,10 @@
     <message>
         <source>Mouse and Keys</source>
         <translation>マウスとキーの操作</translation>
+    </message>
+    <message>
+        <source>Save with Colour &amp;Bar...</source>
+        <translation>カラーバー付きで保存(&amp;B)...</translation>
     </message>
 </context>
 <context>
