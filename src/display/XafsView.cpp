@@ -1,6 +1,5 @@
 #include "display/XafsView.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QPainter>
 #include <cmath>
@@ -8,6 +7,7 @@
 #include "app/DebugLog.h"
 #include "app/Globals.h"
 #include "display/DispA.h"
+#include "imagedata/FileNames.h"
 #include "imagedata/Units.h"
 #include "spectra/SpectrumFile.h"
 #include "ui_XafsView.h"
@@ -15,13 +15,6 @@
 namespace {
 
 constexpr int DegreesIndex = 3;  // in UnitTable
-
-QString numberedName(const QString& fname, int number) {
-    const QFileInfo info(fname);
-    const QString name =
-        info.completeBaseName() + '-' + QString::number(number) + '.' + info.suffix();
-    return info.dir().absoluteFilePath(name);
-}
 
 }  // namespace
 
@@ -163,7 +156,7 @@ bool XafsView::saveData(const QString& fname) {
     const bool corrected = m_ui->Corrected->isChecked();
     int number = 0;
     for (const Shown& shown : shownSpectra()) {
-        const QString name = number == 0 ? fname : numberedName(fname, number);
+        const QString name = number == 0 ? fname : taggedName(fname, QString::number(number));
         const bool saved = writeSpectrumFile(name, *shown.spectrum, corrected);
         if (saved) {
             debugFile("Saved", name);

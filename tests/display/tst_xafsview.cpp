@@ -73,8 +73,6 @@ class XafsViewTest : public QObject {
 
   private slots:
     void savesWhatIsShown();
-    void namesOfFiles_data();
-    void namesOfFiles();
     void correctedOnDemand();
     void emptyPlotWritesNothing();
     void failureIsTold();
@@ -114,33 +112,6 @@ void XafsViewTest::savesWhatIsShown() {
     view.clearSample();
     QVERIFY(view.saveData(dir.filePath("rest.dat")));  // the standard comes first then
     QVERIFY(std::abs(lastMuT("rest.dat") - 2.22) < 1e-3);
-}
-
-void XafsViewTest::namesOfFiles_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("second");
-    QTest::newRow("plain") << "a.dat"
-                           << "a-1.dat";
-    QTest::newRow("dots") << "a.7112eV.dat"
-                          << "a.7112eV-1.dat";
-    QTest::newRow("no suffix") << "plain"
-                               << "plain-1.";
-    QTest::newRow("place holders") << "%2 %1.dat"
-                                   << "%2 %1-1.dat";
-    QTest::newRow("Japanese") << QString::fromUtf8("\u9244.dat")
-                              << QString::fromUtf8("\u9244-1.dat");
-}
-
-void XafsViewTest::namesOfFiles() {
-    QFETCH(QString, name);
-    QFETCH(QString, second);
-    QTemporaryDir dir;
-    View view;
-    view.setSample(edge(1.0), "Sample");
-    view.setStandard(edge(2.0), "standard");
-    QVERIFY(view.saveData(dir.filePath(name)));
-    QVERIFY(QFile::exists(dir.filePath(name)));
-    QVERIFY(QFile::exists(dir.filePath(second)));
 }
 
 void XafsViewTest::correctedOnDemand() {

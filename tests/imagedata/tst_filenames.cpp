@@ -1,7 +1,7 @@
 #include <QDir>
 
 #include "TestMain.h"
-#include "output/FileNames.h"
+#include "imagedata/FileNames.h"
 
 class TestFileNames : public QObject {
     Q_OBJECT

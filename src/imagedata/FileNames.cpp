@@ -1,4 +1,4 @@
-#include "output/FileNames.h"
+#include "imagedata/FileNames.h"
 
 #include <QDir>
 #include <QFileInfo>
