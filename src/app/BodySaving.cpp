@@ -14,6 +14,7 @@
 #include "display/ImageView.h"
 #include "display/XafsView.h"
 #include "imagedata/FileNames.h"
+#include "imagedata/PictureFile.h"
 #include "imagedata/TiffData.h"
 #include "output/BarPicture.h"
 #include "output/FlatDark.h"

@@ -1,14 +1,11 @@
 #include "output/ResultWriter.h"
 
-#include <QFileInfo>
-#include <QImage>
-#include <QImageWriter>
 #include <QSaveFile>
 #include <memory>
 
 #include "analysis/AnalysisGrid.h"
 #include "analysis/Analyzed2DRes.h"
-#include "app/DebugLog.h"
+#include "imagedata/PictureFile.h"
 #include "imagedata/TiffFile.h"
 
 namespace {
@@ -17,17 +14,6 @@ constexpr int kDigits = 9;  // enough that a table keeps what 16-bit counts lose
 
 QByteArray numberText(double value) {
     return QByteArray::number(value, 'g', kDigits);
-}
-
-bool saved(const QString& fileName) {
-    debugFile("Saved", fileName);
-    return true;
-}
-
-/// Puts the new file in the place of the old one, unless any of it could not be written. commit()
-/// alone does not notice when what was left in the buffer fails.
-bool finish(QSaveFile& file) {
-    return file.flush() && file.commit() && saved(file.fileName());
 }
 
 QByteArray headerText(QVector<HeaderLine> lines, const Analyzed2DRes& result) {
@@ -95,19 +81,6 @@ QByteArray rowText(const Analyzed2DRes& result, qint64 y, const Raster& columns,
 
 }  // namespace
 
-bool writePicture(const QString& fileName, const QImage& picture) {
-    const QByteArray format = QFileInfo(fileName).suffix().toLower().toLatin1();
-    if (picture.isNull() || !QImageWriter::supportedImageFormats().contains(format)) {
-        return false;
-    }
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return false;
-    }
-    QImageWriter writer(&file, format);
-    return writer.write(picture) && finish(file);
-}
-
 bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffOptions& options) {
     const std::unique_ptr<quint16[]> counts(result.tiffDataForSave(
         options.fixedScale, options.scaleMin, options.scaleMax, options.asAnalyzed));
@@ -117,7 +90,7 @@ bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffO
     const AnalysisGrid& grid = result.grid();
     const qint64 width = options.asAnalyzed ? grid.columns() : grid.width;
     const qint64 height = options.asAnalyzed ? grid.rows() : grid.height;
-    return writeTiff(fileName, quint32(width), int(height), counts.get()) && saved(fileName);
+    return writeTiff(fileName, quint32(width), int(height), counts.get()) && noteSaved(fileName);
 }
 
 bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
@@ -141,5 +114,5 @@ bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
     for (qint64 i = 0; i < rows.count; ++i) {
         file.write(rowText(result, rows.position(i), columns, options));
     }
-    return finish(file);
+    return putInPlace(file);
 }

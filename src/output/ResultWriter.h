@@ -4,9 +4,8 @@
 #include <QVector>
 
 class Analyzed2DRes;
-class QImage;
 
-// Writers of pictures and result images. Each returns whether the file was written, and says so in
+// Writers of result images. Each returns whether the file was written, and says so in
 // one debug line with its name. A writer that fails stays silent and leaves an existing file of
 // that name as it was.
 
@@ -35,10 +34,6 @@ struct HeaderLine {
     QString name;
     QString value;
 };
-
-/// Writes @p picture in the format that the suffix names, with default quality. Nothing is written
-/// for an empty picture, without a suffix or with a suffix that no picture format has.
-bool writePicture(const QString& fileName, const QImage& picture);
 
 /// Writes the shown values of @p result (processed ones while it shows them) as a 16-bit TIFF of
 /// the image's size, or of grid columns x grid rows when as analysed. A result without values

@@ -9,6 +9,7 @@
 #include "TestMain.h"
 #include "analysis/AnalysisGrid.h"
 #include "analysis/Analyzed2DRes.h"
+#include "imagedata/PictureFile.h"
 #include "imagedata/TiffData.h"
 #include "output/FlatDark.h"
 #include "output/ResultWriter.h"
