@@ -52,6 +52,14 @@ QColor readable(const QColor& color, const QColor& paper) {
 }
 }  // namespace
 
+QColor XafsView::ink() const {
+    return m_onPaper ? QColor(Qt::black) : palette().color(QPalette::WindowText);
+}
+
+QColor XafsView::paper() const {
+    return m_onPaper ? QColor(Qt::white) : palette().color(QPalette::Base);
+}
+
 double XafsView::abscissa(double energy) const {
     switch (m_ui->Abscissa->currentIndex()) {
         case 1:
@@ -99,7 +107,7 @@ QVector<XafsView::Curve> XafsView::curves() const {
         const XafsSpectrum& spectrum = *shown.spectrum;
         // The fit is drawn as it stands: it is a sum of double normalized spectra.
         const bool isFit = m_fit && &spectrum == &*m_fit;
-        const QColor color = readable(shown.color, palette().color(QPalette::Base));
+        const QColor color = readable(shown.color, paper());
         QString name = shown.name;
         const std::optional<double> r = isFit ? rFactor() : std::nullopt;
         if (r) {
@@ -151,7 +159,7 @@ QRectF XafsView::residualRect() const {
 void XafsView::draw(QPainter* painter) {
     const QRectF all(m_ui->Canvas->rect());
     const QRectF plot = plotRect();
-    painter->fillRect(all, palette().color(QPalette::Base));
+    painter->fillRect(all, paper());
     if (plot.width() < 20 || plot.height() < 20) {
         return;
     }
@@ -204,7 +212,6 @@ void XafsView::paintCurve(QPainter& painter, const Curve& curve) const {
 }
 
 void XafsView::paintResidual(QPainter& painter, const QRectF& plot) const {
-    const QColor ink = palette().color(QPalette::WindowText);
     QPolygonF points = residual();
     Range range;
     range.take(0.0);
@@ -223,7 +230,7 @@ void XafsView::paintResidual(QPainter& painter, const QRectF& plot) const {
     painter.drawLine(QPointF(plot.left(), yOf(0)), QPointF(plot.right(), yOf(0)));
     painter.setRenderHint(QPainter::Antialiasing);
     QPolygonF line;
-    painter.setPen(QPen(readable(getColor(0), palette().color(QPalette::Base)), 1.2));
+    painter.setPen(QPen(readable(getColor(0), paper()), 1.2));
     for (const QPointF& p : qAsConst(points)) {
         const double x = m_coord.r2sX(p.x());
         if (std::isfinite(x) && std::isfinite(p.y()) && std::abs(x) < 1e6) {
@@ -236,7 +243,7 @@ void XafsView::paintResidual(QPainter& painter, const QRectF& plot) const {
     painter.drawPolyline(line);
     painter.restore();
 
-    painter.setPen(ink);
+    painter.setPen(ink());
     painter.drawRect(plot);
     const QRectF all(m_ui->Canvas->rect());
     const double shown = reach / 1.1;
@@ -249,7 +256,6 @@ void XafsView::paintResidual(QPainter& painter, const QRectF& plot) const {
 }
 
 void XafsView::paintAxes(QPainter& painter, const QRectF& plot) const {
-    const QColor ink = palette().color(QPalette::WindowText);
     const QPen grid(QColor(128, 128, 128, 60), 1);
     const QRectF all(m_ui->Canvas->rect());
     const double foot = showsFit() ? residualRect().bottom() : plot.bottom();
@@ -265,7 +271,7 @@ void XafsView::paintAxes(QPainter& painter, const QRectF& plot) const {
             continue;
         }
         end = x + half;
-        painter.setPen(ink);
+        painter.setPen(ink());
         painter.drawLine(QPointF(x, foot), QPointF(x, foot + 4));
         drawText(painter, QPointF(x, foot + 5), text, Qt::AlignHCenter | Qt::AlignTop, all);
     }
@@ -274,12 +280,12 @@ void XafsView::paintAxes(QPainter& painter, const QRectF& plot) const {
         const double y = m_coord.r2sY(value);
         painter.setPen(grid);
         painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
-        painter.setPen(ink);
+        painter.setPen(ink());
         painter.drawLine(QPointF(plot.left() - 4, y), QPointF(plot.left(), y));
         drawText(painter, QPointF(plot.left() - 6, y), tickText(value, yTicks.step),
                  Qt::AlignRight | Qt::AlignVCenter, all);
     }
-    painter.setPen(ink);
+    painter.setPen(ink());
     painter.drawRect(plot);
     const int unit = m_ui->Abscissa->currentIndex();
     const QString titles[] = {tr("Energy [eV]"), tr("Energy [keV]"), tr("Wavelength [A]"),
@@ -346,9 +352,9 @@ void XafsView::paintLegend(QPainter& painter, const QRectF& plot,
             box = tried;
         }
     }
-    QColor paper = palette().color(QPalette::Base);
-    paper.setAlpha(215);
-    painter.fillRect(box, paper);
+    QColor veil = paper();
+    veil.setAlpha(215);
+    painter.fillRect(box, veil);
     double y = box.top() + 3;
     for (const Curve& curve : list) {
         if (curve.name.isEmpty()) {
@@ -357,7 +363,7 @@ void XafsView::paintLegend(QPainter& painter, const QRectF& plot,
         painter.setPen(QPen(curve.color, 2));
         painter.drawLine(QPointF(box.left() + 6, y + height / 2),
                          QPointF(box.left() + 26, y + height / 2));
-        painter.setPen(palette().color(QPalette::WindowText));
+        painter.setPen(ink());
         drawText(painter, QPointF(box.left() + 32, y),
                  painter.fontMetrics().elidedText(curve.name, Qt::ElideMiddle,
                                                   toClampedInt(widest + 2, 0, 1 << 20)),

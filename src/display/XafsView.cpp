@@ -27,6 +27,7 @@ XafsView::XafsView(QWidget* parent)
     for (const Unit& unit : UnitTable) {
         m_ui->Abscissa->addItem(QString::fromLatin1(unit.name));
     }
+    makeMenu();
     connect(m_ui->Canvas, &DispA::drawImage1, this, &XafsView::draw);
     connect(m_ui->Canvas, &DispA::mouseMoved0, this, &XafsView::onMouseMoved);
     connect(m_ui->Canvas, &DispA::mousePressed0, this, &XafsView::startZoom);
@@ -96,6 +97,7 @@ bool XafsView::hasCurves() const {
 }
 
 void XafsView::update() {
+    updateMenu();
     m_ui->Canvas->QWidget::update();
     emit updated();
 }
@@ -135,7 +137,7 @@ std::optional<double> XafsView::rFactor() const {
 QVector<XafsView::Shown> XafsView::shownSpectra() const {
     QVector<Shown> shown;
     if (m_sample && !m_sample->isEmpty()) {
-        shown.append({&*m_sample, m_sampleName, palette().color(QPalette::WindowText)});
+        shown.append({&*m_sample, m_sampleName, ink()});
     }
     if (showsFit()) {
         shown.append({&*m_fit, tr("Fit"), getColor(0)});
@@ -147,6 +149,9 @@ QVector<XafsView::Shown> XafsView::shownSpectra() const {
         if (reference.shown && !reference.spectrum.isEmpty()) {
             shown.append({&reference.spectrum, reference.name, reference.color});
         }
+    }
+    for (const Reference& pinned : m_pinned) {
+        shown.append({&pinned.spectrum, pinned.name, pinned.color});
     }
     return shown;
 }

@@ -13,6 +13,9 @@
 namespace Ui {
 class XafsView;
 }
+class QAction;
+class QFileDialog;
+class QMenu;
 class Units;
 
 /// The spectrum plot: a position's spectrum or a sample, with the standard, the references and the
@@ -32,6 +35,8 @@ class XafsView : public QFrame {
         QColor color;
     };
 
+    static constexpr int MostPinned = 8;
+
     explicit XafsView(QWidget* parent = nullptr);
     ~XafsView() override;
 
@@ -48,6 +53,9 @@ class XafsView : public QFrame {
     /// Energy (eV) marked by a line; none when not above 0.
     void setRaEnergy(double energy);
 
+    /// Pins the spectrum; for the menus and shortcuts of other windows, too.
+    QAction* pinAction() const { return m_pinAction; }
+
     /// Whether there is a spectrum that saveData() would write.
     bool hasCurves() const;
     /// Sum of squares of sample minus fit over that of the sample, at the fit's energies; nothing
@@ -63,9 +71,19 @@ class XafsView : public QFrame {
     void onMouseMoved();
     void update();
     /// Writes the sample (else the first shown spectrum) to the file and every further shown
-    /// spectrum, the fitted curve among them, to the name with "-1", "-2", ... before the suffix.
-    /// True when all were written; false, and nothing written, for an empty plot.
+    /// spectrum, the fitted curve among them and the pinned ones last, to the name with "-1", "-2",
+    /// ... before the suffix. True when all were written; false, and nothing written, for an empty
+    /// plot.
     bool saveData(const QString& fname);
+    /// Writes the plot as it is shown, on white paper: as vector drawing with the suffix "pdf",
+    /// otherwise as picture. False, with a debug line, when it cannot be written.
+    bool savePlot(const QString& fname);
+
+    /// Keeps a copy of the sample in the plot, with a colour of its own, until it is removed.
+    /// Nothing without a sample or when MostPinned are kept.
+    void pinSpectrum();
+    void removePinned(int index);
+    void removeAllPinned();
 
   private:
     enum Ordinate { MuT, Normalized, DoubleNormalized, PostBased, PostBasedBySpan };
@@ -82,7 +100,14 @@ class XafsView : public QFrame {
         QColor color;
     };
 
+    void makeMenu();
+    void updateMenu();
+    void listPinned();
+    void showSaveDialog();
+    QColor colorOfPinned() const;
     bool showsFit() const;
+    QColor ink() const;
+    QColor paper() const;
     QPolygonF residual() const;  // energy, sample minus fit
     QVector<Shown> shownSpectra() const;
     QVector<Curve> curves() const;
@@ -111,6 +136,13 @@ class XafsView : public QFrame {
     QString m_standardName;
     std::optional<XafsSpectrum> m_fit;
     QVector<Reference> m_references;
+    QVector<Reference> m_pinned;
+    QMenu* m_menu = nullptr;
+    QMenu* m_removeMenu = nullptr;
+    QAction* m_pinAction = nullptr;
+    QAction* m_removeAllAction = nullptr;
+    QFileDialog* m_plotDialog = nullptr;  // from the first use on
+    bool m_onPaper = false;               // black on white, whatever the desktop's colours
     double m_raEnergy = 0.0;
     std::optional<QRectF> m_zoom;  // real coordinates
     std::optional<QPoint> m_zoomStart;

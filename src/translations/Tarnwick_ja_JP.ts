@@ -1572,10 +1572,6 @@
 <context>
     <name>XafsView</name>
     <message>
-        <source>Drag to magnify, double click to show everything</source>
-        <translation>ドラッグで拡大、ダブルクリックで全体表示</translation>
-    </message>
-    <message>
         <source>What is plotted</source>
         <translation>縦軸</translation>
     </message>
@@ -1642,6 +1638,62 @@
     <message>
         <source>Residual</source>
         <translation>残差</translation>
+    </message>
+    <message>
+        <source>Drag to magnify, double click to show everything, right click for the menu</source>
+        <translation>ドラッグで拡大、ダブルクリックで全体表示、右クリックでメニュー</translation>
+    </message>
+    <message>
+        <source>Plot</source>
+        <translation>プロット</translation>
+    </message>
+    <message>
+        <source>Save the plot, keep spectra in it; also with a right click on the plot</source>
+        <translation>プロットの保存、スペクトルの固定。プロットの右クリックでも開きます</translation>
+    </message>
+    <message>
+        <source>Save Plot...</source>
+        <translation>プロットを保存...</translation>
+    </message>
+    <message>
+        <source>As picture (PNG) or as vector drawing (PDF)</source>
+        <translation>画像 (PNG) またはベクター図 (PDF) で保存します</translation>
+    </message>
+    <message>
+        <source>Pin Spectrum</source>
+        <translation>スペクトルを固定</translation>
+    </message>
+    <message>
+        <source>Remove Pinned</source>
+        <translation>固定したスペクトルを削除</translation>
+    </message>
+    <message>
+        <source>Remove All Pinned</source>
+        <translation>固定したスペクトルをすべて削除</translation>
+    </message>
+    <message>
+        <source>Point at a position of the image first.</source>
+        <translation>先に画像上の位置を指してください。</translation>
+    </message>
+    <message>
+        <source>Remove a pinned spectrum first.</source>
+        <translation>先に固定したスペクトルを削除してください。</translation>
+    </message>
+    <message>
+        <source>Keep the spectrum in the plot, to compare others with it</source>
+        <translation>ほかのスペクトルと比べるため、プロットに残します</translation>
+    </message>
+    <message>
+        <source>Vector Drawing (*.pdf)</source>
+        <translation>ベクター図 (*.pdf)</translation>
+    </message>
+    <message>
+        <source>Save Plot</source>
+        <translation>プロットを保存</translation>
+    </message>
+    <message>
+        <source>Image File (*.png)</source>
+        <translation>画像ファイル (*.png)</translation>
     </message>
 </context>
 </TS>

@@ -1,8 +1,11 @@
 #include <QAbstractButton>
+#include <QAction>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QImage>
 #include <QLabel>
+#include <QSet>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <cmath>
@@ -40,6 +43,12 @@ QList<QByteArray> linesOf(const QString& name) {
     return file.open(QIODevice::ReadOnly) ? file.readAll().split('\n') : QList<QByteArray>();
 }
 
+double lastMuT(const QString& name) {
+    const QList<QByteArray> lines = linesOf(name);
+    const QList<QByteArray> columns = lines.value(lines.size() - 2).split('\t');
+    return columns.size() == 5 ? columns[2].toDouble() : -1.0;
+}
+
 double firstEnergy(const QString& name) {
     for (const QByteArray& line : linesOf(name)) {
         if (!line.startsWith('#'))
@@ -74,6 +83,9 @@ class XafsViewTest : public QObject {
   private slots:
     void savesWhatIsShown();
     void correctedOnDemand();
+    void pinnedStayAndAreSaved();
+    void savesThePlot();
+    void unwritablePlotIsTold();
     void emptyPlotWritesNothing();
     void failureIsTold();
     void readsInAllUnits_data();
@@ -97,21 +109,16 @@ void XafsViewTest::savesWhatIsShown() {
     QVERIFY(view.saveData(dir.filePath("out.dat")));
     QCOMPARE(QDir(dir.path()).entryList(QDir::Files),
              (QStringList{"out-1.dat", "out-2.dat", "out.dat"}));
-    const auto lastMuT = [&](const QString& name) {
-        const QList<QByteArray> lines = linesOf(dir.filePath(name));
-        const QList<QByteArray> columns = lines[lines.size() - 2].split('\t');
-        return columns.size() == 5 ? columns[2].toDouble() : -1.0;
-    };
-    QVERIFY(std::abs(lastMuT("out.dat") - 1.22) < 1e-3);
-    QVERIFY(std::abs(lastMuT("out-1.dat") - 2.22) < 1e-3);
-    QVERIFY(std::abs(lastMuT("out-2.dat") - 4.22) < 1e-3);
+    QVERIFY(std::abs(lastMuT(dir.filePath("out.dat")) - 1.22) < 1e-3);
+    QVERIFY(std::abs(lastMuT(dir.filePath("out-1.dat")) - 2.22) < 1e-3);
+    QVERIFY(std::abs(lastMuT(dir.filePath("out-2.dat")) - 4.22) < 1e-3);
     view.setFit(fitOf(edge(1.0), 0.01));  // one shown curve more, after the sample
     QVERIFY(view.saveData(dir.filePath("fit.dat")));
     QCOMPARE(QDir(dir.path()).entryList({"fit*"}, QDir::Files).size(), 4);
-    QVERIFY(std::abs(lastMuT("fit-2.dat") - 2.22) < 1e-3);
+    QVERIFY(std::abs(lastMuT(dir.filePath("fit-2.dat")) - 2.22) < 1e-3);
     view.clearSample();
     QVERIFY(view.saveData(dir.filePath("rest.dat")));  // the standard comes first then
-    QVERIFY(std::abs(lastMuT("rest.dat") - 2.22) < 1e-3);
+    QVERIFY(std::abs(lastMuT(dir.filePath("rest.dat")) - 2.22) < 1e-3);
 }
 
 void XafsViewTest::correctedOnDemand() {
@@ -125,6 +132,70 @@ void XafsViewTest::correctedOnDemand() {
     QVERIFY(view.saveData(dir.filePath("raw.dat")));
     QCOMPARE(firstEnergy(dir.filePath("corrected.dat")), Edge - 101.5);
     QCOMPARE(firstEnergy(dir.filePath("raw.dat")), Edge - 100.0);
+}
+
+void XafsViewTest::pinnedStayAndAreSaved() {
+    QTemporaryDir dir;
+    View view;
+    auto* pin = view.findChild<QAction*>("PinSpectrum");
+    QVERIFY(!pin->isEnabled());
+    view.setStandard(edge(9.0), "standard");
+    for (int i = 1; i <= XafsView::MostPinned; ++i) {
+        view.setSample(edge(i), QString("Position (%1, 0)").arg(i));
+        QVERIFY(pin->isEnabled());
+        view.pinAction()->trigger();
+    }
+    QVERIFY(!pin->isEnabled());
+    view.pinSpectrum();  // one too many
+    view.clearSample();
+    view.removePinned(0);
+    view.removePinned(-1);
+    view.removePinned(XafsView::MostPinned);
+    QVERIFY(!view.grab().isNull());
+    QVERIFY(view.saveData(dir.filePath("out.dat")));  // after the standard
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), XafsView::MostPinned);
+    QVERIFY(std::abs(lastMuT(dir.filePath("out.dat")) - 9.22) < 1e-3);
+    QVERIFY(std::abs(lastMuT(dir.filePath("out-1.dat")) - 2.22) < 1e-3);
+    view.clearStandard();
+    view.removeAllPinned();
+    QVERIFY(!view.hasCurves());
+}
+
+void XafsViewTest::savesThePlot() {
+    QTemporaryDir dir;
+    View view;
+    view.setSample(edge(1.0), QString::fromUtf8("\u9244"));
+    view.setFit(fitOf(edge(1.0), 0.01));
+    const QString picture = dir.filePath("plot.png");
+    QTest::ignoreMessage(QtDebugMsg, qPrintable("Saved " + picture));
+    QVERIFY(view.savePlot(picture));
+    const QImage read(picture);
+    QCOMPARE(read.size(), 3 * view.canvas()->size());
+    QCOMPARE(read.pixelColor(2, read.height() - 2), QColor(Qt::white));
+    QSet<QRgb> colours;
+    for (int y = 0; y < read.height(); ++y) {
+        for (int x = 0; x < read.width(); ++x)
+            colours.insert(read.pixel(x, y));
+    }
+    QVERIFY(colours.contains(qRgb(0, 0, 0)));
+    QVERIFY(colours.contains(qRgb(255, 0, 0)));  // the fit
+    QVERIFY(view.savePlot(dir.filePath("plot.pdf")));
+    const QByteArray drawing = linesOf(dir.filePath("plot.pdf")).join('\n');
+    QVERIFY(drawing.startsWith("%PDF-1."));
+    QVERIFY(drawing.trimmed().endsWith("%%EOF"));
+    QVERIFY(!drawing.contains("/Subtype /Image"));  // lines, no picture of them
+}
+
+void XafsViewTest::unwritablePlotIsTold() {
+    QTemporaryDir dir;
+    View view;
+    view.setSample(edge(1.0), "Sample");
+    for (const char* name : {"none/plot.png", "none/plot.pdf", "plot.none", "plot"}) {
+        const QString file = dir.filePath(name);
+        QTest::ignoreMessage(QtDebugMsg, qPrintable("cannot be written: " + file));
+        QVERIFY(!view.savePlot(file));
+    }
+    QVERIFY(QDir(dir.path()).isEmpty());
 }
 
 void XafsViewTest::emptyPlotWritesNothing() {

@@ -257,15 +257,18 @@ class TestResultWriter : public QObject {
         const QString picture = path("old.bmp");
         put(tiff, "the old one");
         put(picture, "the old one");
+        const QString drawing = path("old.pdf");
+        put(drawing, "the old one");
         bool any = true;
         {
             const FullDisk full(40);
             any = writeResultTable(name, result, TableOptions(), {}) ||
                   writeResultTiff(tiff, result, TiffOptions()) ||
-                  writePicture(picture, QImage(50, 50, QImage::Format_RGB32));
+                  writePicture(picture, QImage(50, 50, QImage::Format_RGB32)) ||
+                  writeDrawing(drawing, QSize(50, 50), [](QPainter&) {});
         }
         QVERIFY(!any);
-        for (const QString& file : {name, tiff, picture}) {
+        for (const QString& file : {name, tiff, picture, drawing}) {
             QCOMPARE(contentOf(file), QByteArray("the old one"));
         }
     }
