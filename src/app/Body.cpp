@@ -82,6 +82,7 @@ Body::Body(QWidget* parent)
     m_xafsView = std::make_unique<XafsView>();
     m_xafsView->setWindowTitle(tr("Spectrum"));
     m_xafsView->setObjectName(QStringLiteral("Spectrum"));
+    addAction(m_xafsView->pinAction());  // its shortcut works while the mouse is over the image
     m_saveDataCfg = std::make_unique<SaveDataCfg>();
     m_handlers = std::make_unique<CommandHandlers>(*this);
 

@@ -211,6 +211,7 @@ void BodyMenu::showMouseAndKeys(QWidget* parent) {
         {tr("Drag in a plot"), tr("magnifies it")},
         {tr("Drag an end of the colour bar"), tr("fixes the range of the frames")},
         {tr("Tab, Space, Enter"), tr("go to the next control and press it")},
+        {tr("Ctrl+T"), tr("keeps the spectrum of the cursor in the spectrum plot")},
         {tr("Ctrl+W"), tr("closes a tool window")}};
     QString rows;
     for (const auto& line : lines) {

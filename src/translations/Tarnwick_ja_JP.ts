@@ -1069,6 +1069,14 @@
         <source>Save with Colour &amp;Bar...</source>
         <translation>カラーバー付きで保存(&amp;B)...</translation>
     </message>
+    <message>
+        <source>Ctrl+T</source>
+        <translation>Ctrl+T</translation>
+    </message>
+    <message>
+        <source>keeps the spectrum of the cursor in the spectrum plot</source>
+        <translation>カーソル位置のスペクトルをプロットに固定します</translation>
+    </message>
 </context>
 <context>
     <name>CalibCtrl</name>
