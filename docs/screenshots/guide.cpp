@@ -58,8 +58,8 @@ QImage numbered(Stage& stage) {
     constexpr int Margin = 34;
     constexpr double Radius = 13.0;
     const QList<const char*> parts = {"SelectI1Files", "SelectI0Files", "ShowData", "dispA",
-                                      "HCross",        "CBar",          "SeekBar",  "Position",
-                                      "HWidth",        "windowBox",     "ToolBox"};
+                                      "HCross",        "CBar",          "Prev",     "positionBox",
+                                      "binBox",        "windowBox",     "ToolBox"};
     const QImage window = stage.picture(&stage.body());
     QImage image(window.width() + 2 * Margin, window.height(), QImage::Format_RGB32);
     image.fill(Qt::white);
@@ -74,7 +74,7 @@ QImage numbered(Stage& stage) {
         const QWidget* control = stage.control(parts.at(i));
         const QRect at(control->mapTo(&stage.body(), QPoint(0, 0)), control->size());
         const bool atLeft = at.left() < Margin;
-        const bool atRight = at.left() > window.width() * 2 / 3 && at.width() > Margin;
+        const bool atRight = at.right() > window.width() - 2 * Margin;
         const double x = atLeft    ? Margin / 2.0
                          : atRight ? window.width() + Margin * 1.5
                                    : Margin + at.right() - Radius;
