@@ -78,8 +78,9 @@ QImage numbered(Stage& stage) {
         const double x = atLeft    ? Margin / 2.0
                          : atRight ? window.width() + Margin * 1.5
                                    : Margin + at.right() - Radius;
-        const double y =
-            atLeft || atRight ? at.top() + std::min(at.height() / 2, 60) : at.bottom() - Radius;
+        const double y = atLeft || atRight   ? at.top() + std::min(at.height() / 2, 60)
+                         : at.height() < 120 ? at.top() + Radius
+                                             : at.bottom() - Radius;
         painter.setPen(Qt::NoPen);
         painter.setBrush(QColor(0, 90, 170));
         painter.drawEllipse(QPointF(x, y), Radius, Radius);
