@@ -114,7 +114,7 @@ BarPicture Body::shownWithBar() const {
 void Body::saveImageWithBar(const QString& fname) {
     const QImage picture = withColorBar(shownWithBar());
     if (picture.isNull()) {
-        note(QStringLiteral("no image is shown"));
+        note(tr("no image is shown"));
     } else if (!writePicture(fname, picture)) {
         note(unwritable(fname));
     }
