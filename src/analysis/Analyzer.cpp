@@ -355,16 +355,16 @@ void Analyzer::updateControls() {
     for (LCFReference* reference : qAsConst(m_references)) {
         reference->setFileChoiceUsable(whileBusy);
     }
-    setUsable(m_ui->AskRAAnalyze, m_busy ? whileBusy : m_missing);
+    setUsable(m_ui->AskRAAnalyze, m_busy ? whileBusy : m_missing.value_or(QString()));
 
     // A second click on this one stops, so it stays alive while it is at work.
     const bool anyInUse =
         std::any_of(m_references.begin(), m_references.end(),
                     [](const LCFReference* r) { return r->isUsed() && r->hasSpectrum(); });
-    QString whyNot = m_missing;
-    if (whyNot.isEmpty() && m_references.size() < 2) {
+    QString whyNot = m_missing.value_or(QString());
+    if (m_missing && whyNot.isEmpty() && m_references.size() < 2) {
         whyNot = tr("Add two references first.");
-    } else if (whyNot.isEmpty() && !anyInUse) {
+    } else if (m_missing && whyNot.isEmpty() && !anyInUse) {
         whyNot = tr("Choose the file of a reference and check its Use box first.");
     }
     setUsable(m_ui->AskAnalyze, m_busy ? QString() : whyNot);

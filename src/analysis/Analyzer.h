@@ -130,7 +130,7 @@ class Analyzer : public QFrame {
     QThread m_thread;
 
     bool m_busy = false;
-    QString m_missing;  // images
+    std::optional<QString> m_missing;  // images; unset: nobody has said what an analysis needs
     int m_fitsOut = 0;
     unsigned m_fitsAsked = 0;  // in all, of those that will be reported
     std::unique_ptr<PromptDelivery> m_prompt;
