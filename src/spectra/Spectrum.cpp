@@ -7,10 +7,6 @@
 
 namespace {
 
-// Starting values far outside any index, kept as they have always been (0x8FFFFFFF, 0x70000001).
-constexpr qint32 NoMinIndex = -1879048193;
-constexpr qint32 NoMaxIndex = 1879048193;
-
 bool crosses(double y0, double y1, double level, int mode) {
     switch (mode) {
         case 0:
@@ -61,17 +57,14 @@ double asFirstHeld(const Spoint* p, double x) {
 }  // namespace
 
 Spectrum::Spectrum() {
-    resetExtremes();
     livecounts::addSpectra(1);
 }
 
 Spectrum::Spectrum(const Spectrum& other)
     : m_valid(other.m_valid),
+      m_extremesHeld(other.m_extremesHeld),
       m_points(other.m_points),
-      m_minimum(other.m_minimum),
-      m_maximum(other.m_maximum),
-      m_minIndex(other.m_minIndex),
-      m_maxIndex(other.m_maxIndex),
+      m_extremes(other.m_extremes),
       m_shiftOn(other.m_shiftOn),
       m_shift(other.m_shift) {
     livecounts::addSpectra(1);
@@ -86,13 +79,18 @@ void Spectrum::reserve(int n) {
 }
 
 void Spectrum::append(double x, double y) {
+    if (!m_extremesHeld) {
+        m_extremes = findExtremes();
+        m_extremesHeld = true;
+    }
     m_points.append({x, y});
     widen(size() - 1);
 }
 
 void Spectrum::clear() {
     m_points.clear();
-    resetExtremes();
+    m_extremes = Extremes();
+    m_extremesHeld = true;
 }
 
 void Spectrum::assign(const double* x, const double* y, int n) {
@@ -105,39 +103,32 @@ void Spectrum::assign(const double* x, const double* y, int n) {
 
 void Spectrum::widen(int i) {
     const Spoint& p = point(i);
-    if (p.x < m_minimum.x) {
-        m_minimum.x = p.x;
+    if (p.x < m_extremes.minimum.x) {
+        m_extremes.minimum.x = p.x;
     }
-    if (p.y < m_minimum.y) {
-        m_minimum.y = p.y;
-        m_minIndex = i;
+    if (p.y < m_extremes.minimum.y) {
+        m_extremes.minimum.y = p.y;
+        m_extremes.minIndex = i;
     }
-    if (p.x > m_maximum.x) {
-        m_maximum.x = p.x;
+    if (p.x > m_extremes.maximum.x) {
+        m_extremes.maximum.x = p.x;
     }
-    if (p.y > m_maximum.y) {
-        m_maximum.y = p.y;
-        m_maxIndex = i;
+    if (p.y > m_extremes.maximum.y) {
+        m_extremes.maximum.y = p.y;
+        m_extremes.maxIndex = i;
     }
 }
 
-void Spectrum::resetExtremes() {
-    m_minimum = {1e300, 1e300};
-    m_maximum = {-1e300, -1e300};
-    m_minIndex = NoMinIndex;
-    m_maxIndex = NoMaxIndex;
-}
-
-void Spectrum::findExtremes() {
-    resetExtremes();
+Spectrum::Extremes Spectrum::findExtremes() const {
+    Extremes found;
     const Spoint* p = points();
     const int n = size();
     // Four independent chains of comparisons: one alone would wait for itself at every point.
     constexpr int Lanes = 4;
     Pair lows[Lanes];
     Pair highs[Lanes];
-    std::fill_n(lows, Lanes, pairOf(m_minimum));
-    std::fill_n(highs, Lanes, pairOf(m_maximum));
+    std::fill_n(lows, Lanes, pairOf(found.minimum));
+    std::fill_n(highs, Lanes, pairOf(found.maximum));
     int i = 0;
     for (; i + Lanes <= n; i += Lanes) {
         for (int k = 0; k < Lanes; ++k) {
@@ -153,24 +144,29 @@ void Spectrum::findExtremes() {
         low = lows[k] < low ? lows[k] : low;
         high = highs[k] > high ? highs[k] : high;
     }
-    if (low[0] < m_minimum.x) {
-        m_minimum.x = asFirstHeld(p, low[0]);
+    if (low[0] < found.minimum.x) {
+        found.minimum.x = asFirstHeld(p, low[0]);
     }
-    if (low[1] < m_minimum.y) {
-        m_minIndex = firstWithValue(p, n, low[1]);
-        m_minimum.y = p[m_minIndex].y;
+    if (low[1] < found.minimum.y) {
+        found.minIndex = firstWithValue(p, n, low[1]);
+        found.minimum.y = p[found.minIndex].y;
     }
-    if (high[0] > m_maximum.x) {
-        m_maximum.x = asFirstHeld(p, high[0]);
+    if (high[0] > found.maximum.x) {
+        found.maximum.x = asFirstHeld(p, high[0]);
     }
-    if (high[1] > m_maximum.y) {
-        m_maxIndex = firstWithValue(p, n, high[1]);
-        m_maximum.y = p[m_maxIndex].y;
+    if (high[1] > found.maximum.y) {
+        found.maxIndex = firstWithValue(p, n, high[1]);
+        found.maximum.y = p[found.maxIndex].y;
     }
+    return found;
 }
 
-int Spectrum::findIndex(double fraction, int mode) const {
-    const double level = m_minimum.y + fraction * (m_maximum.y - m_minimum.y);
+double Spectrum::levelAt(double fraction) const {
+    const Extremes found = extremes();
+    return found.minimum.y + fraction * (found.maximum.y - found.minimum.y);
+}
+
+int Spectrum::firstCrossing(double level, int mode) const {
     for (int i = 0; i + 1 < size(); ++i) {
         if (crosses(value(i), value(i + 1), level, mode)) {
             return i;
@@ -179,16 +175,41 @@ int Spectrum::findIndex(double fraction, int mode) const {
     return -1;
 }
 
+int Spectrum::findIndex(double fraction, int mode) const {
+    return firstCrossing(levelAt(fraction), mode);
+}
+
 double Spectrum::findE(double fraction, int mode) const {
     if (isEmpty()) {
         return 0.0;
     }
-    const int i = findIndex(fraction, mode);
+    const double level = levelAt(fraction);
+    const int i = firstCrossing(level, mode);
     if (i < 0) {
         return energy(0);
     }
-    const double level = m_minimum.y + fraction * (m_maximum.y - m_minimum.y);
     return interpolate(level, value(i), energy(i), value(i + 1), energy(i + 1));
+}
+
+int Spectrum::pairAt(double e) const {
+    const int n = size();
+    if (e < energy(0)) {
+        return 0;
+    }
+    if (e >= energy(n - 1)) {
+        return n - 2;
+    }
+    int low = 0;
+    int high = n - 1;
+    while (high - low > 1) {
+        const int middle = low + (high - low) / 2;
+        if (e < energy(middle)) {
+            high = middle;
+        } else {
+            low = middle;
+        }
+    }
+    return low;
 }
 
 double Spectrum::valueAt(double e) const {
@@ -196,21 +217,6 @@ double Spectrum::valueAt(double e) const {
     if (n < 2) {
         return n == 0 ? 0.0 : value(0);
     }
-    int low = 0;
-    int high = n - 1;
-    if (e < energy(0)) {
-        high = 1;
-    } else if (e >= energy(n - 1)) {
-        low = n - 2;
-    } else {
-        while (high - low > 1) {
-            const int middle = low + (high - low) / 2;
-            if (e < energy(middle)) {
-                high = middle;
-            } else {
-                low = middle;
-            }
-        }
-    }
-    return interpolate(e, energy(low), value(low), energy(high), value(high));
+    const int low = pairAt(e);
+    return interpolate(e, energy(low), value(low), energy(low + 1), value(low + 1));
 }

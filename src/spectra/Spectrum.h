@@ -30,11 +30,12 @@ class Spectrum {
     void clear();
     /// The same as clear() and n append()s.
     void assign(const double* x, const double* y, int n);
-    /// Takes n points that fill(Spoint*) writes; the extremes follow as with append().
+    /// Takes n points that fill(Spoint*) writes; the extremes are those that append() would find,
+    /// worked out whenever somebody asks for them.
     template <typename Fill>
     void assignWith(int n, Fill fill) {
         fill(m_points.overwrite(n));
-        findExtremes();
+        m_extremesHeld = false;
     }
     /// The same for several spectra that one pass fills: fill(Spoint* const*), in their order.
     template <std::size_t Count, typename Fill>
@@ -45,18 +46,18 @@ class Spectrum {
         }
         fill(points);
         for (Spectrum* spectrum : spectra) {
-            spectrum->findExtremes();
+            spectrum->m_extremesHeld = false;
         }
     }
 
     /// Smallest energy and smallest value, as stored; (1e300, 1e300) without points.
-    const Spoint& minimum() const { return m_minimum; }
+    Spoint minimum() const { return extremes().minimum; }
     /// Largest energy and largest value, as stored; (-1e300, -1e300) without points.
-    const Spoint& maximum() const { return m_maximum; }
+    Spoint maximum() const { return extremes().maximum; }
     /// Index of the first point with the smallest (largest) value. Out of any range until a value
     /// has been found: check before use.
-    qint32 minIndex() const { return m_minIndex; }
-    qint32 maxIndex() const { return m_maxIndex; }
+    qint32 minIndex() const { return extremes().minIndex; }
+    qint32 maxIndex() const { return extremes().maxIndex; }
 
     bool shiftOn() const { return m_shiftOn; }
     double shift() const { return m_shift; }
@@ -75,18 +76,28 @@ class Spectrum {
     /// Value at an energy: linear between the two neighbours, beyond the ends through the two
     /// outermost points; the only value of one point, 0.0 without points.
     double valueAt(double e) const;
+    /// Index of the first of the two points that valueAt() takes; there must be two.
+    int pairAt(double e) const;
 
   private:
+    struct Extremes {
+        // Starting values far outside any index, kept as they have always been.
+        Spoint minimum{1e300, 1e300};
+        Spoint maximum{-1e300, -1e300};
+        qint32 minIndex = -1879048193;  // 0x8FFFFFFF
+        qint32 maxIndex = 1879048193;   // 0x70000001
+    };
+
+    Extremes extremes() const { return m_extremesHeld ? m_extremes : findExtremes(); }
+    Extremes findExtremes() const;
     void widen(int i);
-    void resetExtremes();
-    void findExtremes();
+    double levelAt(double fraction) const;
+    int firstCrossing(double level, int mode) const;
 
     bool m_valid = true;
+    bool m_extremesHeld = true;
     PointBuffer m_points;
-    Spoint m_minimum;
-    Spoint m_maximum;
-    qint32 m_minIndex;
-    qint32 m_maxIndex;
+    Extremes m_extremes;
     bool m_shiftOn = false;
     double m_shift = 0.0;
 };

@@ -135,6 +135,14 @@ class Under {
     int m_size;
 };
 
+/// The same number of two points.
+using Pair = double __attribute__((vector_size(2 * sizeof(double))));
+
+void store(Spoint* series, int first, int second, Pair e, Pair value) {
+    series[first] = {e[0], value[0]};
+    series[second] = {e[1], value[1]};
+}
+
 }  // namespace
 
 void XafsSpectrum::findMidEandDMut(double e0) {
@@ -179,18 +187,20 @@ void XafsSpectrum::fillSeries() {
         Spoint* const doubleNormalized = series[1];
         Spoint* const postBased = series[2];
         Spoint* const bySpan = series[3];
-        for (int i = 0; i < n; ++i) {
-            const double e = measured[i].x - shift;
-            const double mu = measured[i].y;
-            const double pre = preEdge[i];
-            const double post = postEdge[i];
-            const double abovePost = mu - post;
-            const double span = post - pre;
-            const double inJumps = abovePost / jump;
-            normalized[i] = {e, inJumps + 1.0};
-            doubleNormalized[i] = {e, (mu - pre) / span};
-            postBased[i] = {e, inJumps};
-            bySpan[i] = {e, abovePost / span};
+        // Two points at once: the divisions take most of the time, and one instruction divides two.
+        for (int i = 0; i < n; i += 2) {
+            const int next = i + 1 < n ? i + 1 : i;
+            const Pair e = Pair{measured[i].x, measured[next].x} - shift;
+            const Pair mu{measured[i].y, measured[next].y};
+            const Pair pre{preEdge[i], preEdge[next]};
+            const Pair post{postEdge[i], postEdge[next]};
+            const Pair abovePost = mu - post;
+            const Pair span = post - pre;
+            const Pair inJumps = abovePost / jump;
+            store(normalized, i, next, e, inJumps + 1.0);
+            store(doubleNormalized, i, next, e, (mu - pre) / span);
+            store(postBased, i, next, e, inJumps);
+            store(bySpan, i, next, e, abovePost / span);
         }
     };
     assignTogether({&m_results->normalized, &m_results->doubleNormalized, &m_results->postBased,
