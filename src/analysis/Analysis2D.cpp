@@ -142,7 +142,10 @@ bool Analysis2D::prepare(AnalysisGrid grid, bool atFirst) {
 void Analysis2D::handOverPrepared() {
     const Point& point = m_points[m_prepared];
     m_grid = point.grid;
-    m_analyzer->analyzeSpectrum(point.spectrum);
+    AnalysisGrid ahead = m_grid;
+    bool newRow = false;
+    const bool isLast = !ahead.step(&newRow);
+    m_analyzer->analyzePoint(point.spectrum, isLast);
     // While the fitter works on this one.
     m_prepared = (m_prepared + 1) % std::size(m_points);
     m_hasNext = prepare(m_grid, false);

@@ -88,7 +88,9 @@ void AnalyzeProc::analyze(const XafsSpectrum& sample, const QVector<LCFReference
             m_shares.push_back(m_ratios[u]);
         }
     }
-    *fitted = m_fit->fittedCurve(m_shares);
+    if (fitted != nullptr) {
+        *fitted = m_fit->fittedCurve(m_shares);
+    }
     emit finished();
     m_reports.fetch_add(1, std::memory_order_release);
 }

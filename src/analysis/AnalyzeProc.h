@@ -38,6 +38,7 @@ class AnalyzeProc : public QObject {
     /// On: fits leave the reference panels alone, and the fitted curve is drawn from the shares
     /// that the panels held before. May be called from any thread.
     void setContAccess(bool on);
+    /// Fits the sample with the panels' references; fitted, if not null, gets the fitted curve.
     /// A sample without points, or fewer than two panels: no fit and no finished().
     void analyzeSpectrum0(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
                           XafsSpectrum* fitted, bool isMLCF);

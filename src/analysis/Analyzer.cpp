@@ -231,7 +231,7 @@ LinearFit::Method Analyzer::method() const {
     return m_ui->MLCF->isChecked() ? LinearFit::Mlcf : LinearFit::Lcf;
 }
 
-void Analyzer::handOver(const XafsSpectrum& spectrum, bool isSample) {
+void Analyzer::handOver(const XafsSpectrum& spectrum, bool isSample, bool drawsCurve) {
     // The fitter reads what is frozen here; a fit that it will not report is not waited for.
     freezePanels();
     if (!spectrum.isEmpty() && m_references.size() >= 2) {
@@ -239,18 +239,23 @@ void Analyzer::handOver(const XafsSpectrum& spectrum, bool isSample) {
         ++m_fitsAsked;
         m_sampleIsOut = isSample;
     }
-    emit analyzeSpectrum0(spectrum, m_references, &m_fitted, m_ui->MLCF->isChecked());
+    emit analyzeSpectrum0(spectrum, m_references, drawsCurve ? &m_fitted : nullptr,
+                          m_ui->MLCF->isChecked());
 }
 
 void Analyzer::analyzeSpectrum(const XafsSpectrum& spectrum) {
     analyze(spectrum, false);
 }
 
-void Analyzer::analyze(const XafsSpectrum& spectrum, bool isSample) {
+void Analyzer::analyzePoint(const XafsSpectrum& spectrum, bool drawsCurve) {
+    analyze(spectrum, false, drawsCurve);
+}
+
+void Analyzer::analyze(const XafsSpectrum& spectrum, bool isSample, bool drawsCurve) {
     if (m_fitsOut > 0) {
         m_waiting = Waiting{spectrum, isSample};
     } else {
-        handOver(spectrum, isSample);
+        handOver(spectrum, isSample, drawsCurve);
     }
 }
 

@@ -45,6 +45,10 @@ class Analyzer : public QFrame {
     QVector<XafsSpectrum> freezeReferences(std::vector<int>* panels);
     LinearFit::Method method() const;
 
+    /// Fits the spectrum of a point of an image. Its curve is on display nowhere: the analysis has
+    /// it drawn for its last point alone.
+    void analyzePoint(const XafsSpectrum& spectrum, bool drawsCurve);
+
     bool dispOnTime() const;
     double raEnergy() const;
     double raFactor() const;
@@ -112,9 +116,9 @@ class Analyzer : public QFrame {
   private:
     void connectControls();
     void startWorker();
-    void analyze(const XafsSpectrum& spectrum, bool isSample);
+    void analyze(const XafsSpectrum& spectrum, bool isSample, bool drawsCurve = true);
     void freezePanels();
-    void handOver(const XafsSpectrum& spectrum, bool isSample);
+    void handOver(const XafsSpectrum& spectrum, bool isSample, bool drawsCurve = true);
     void showReferences();
     void growWithReferences();
     void putNextInTabOrder(QWidget* button, const LCFReference* reference);
