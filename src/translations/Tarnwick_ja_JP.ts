@@ -739,10 +739,6 @@
         <translation>画像と同じ大きさの完全なエネルギーマップではありません: %1</translation>
     </message>
     <message>
-        <source>%1 loading stopped by the user after %2 of %3 files</source>
-        <translation>%1 の読み込みは中止されました (%3 ファイル中 %2)</translation>
-    </message>
-    <message>
         <source>cannot be read: %1</source>
         <translation>読み込めません: %1</translation>
     </message>
