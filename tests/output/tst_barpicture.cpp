@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "TestMain.h"
+#include "imagedata/PictureFile.h"
 #include "output/BarPicture.h"
 #include "output/ResultWriter.h"
 
