@@ -2,7 +2,6 @@
 
 #include <QButtonGroup>
 #include <QCloseEvent>
-#include <QFileDialog>
 #include <QIntValidator>
 #include <QLabel>
 #include <QPainter>
@@ -31,18 +30,6 @@
 #include "ui_Body.h"
 
 namespace {
-
-/// A save dialog as every one of ours is: not modal, any name, opening in the data directory.
-QFileDialog* makeSaveDialog(QWidget* parent, const QStringList& filters, const QString& suffix) {
-    auto* dialog = new QFileDialog(parent);
-    dialog->setDirectory(DataDir);
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setFileMode(QFileDialog::AnyFile);
-    dialog->setNameFilters(filters);
-    dialog->setDefaultSuffix(suffix);
-    dialog->setModal(false);
-    return dialog;
-}
 
 /// Puts the view into one of the form's frames.
 CrossSection* fill(QFrame* frame, Qt::Orientation orientation) {
@@ -91,7 +78,6 @@ Body::Body(QWidget* parent)
     connectCalibration();
     connectAnalyzer();
     connectDeglitching();
-    makeDialogs();
     connectSaving();
     connectDark();
     const QWidgetList tools{m_xafsView.get(),   m_calib.get(),     m_analyzer.get(),
@@ -250,33 +236,26 @@ void Body::connectAnalyzer() {
     connect(m_xafsView.get(), &XafsView::updated, this, &Body::updateSpectraButton);
 }
 
-void Body::makeDialogs() {
-    const QString any = tr("Any Files (* *.*)");
-    const QStringList pictures{tr("Image File (*.png)"), any};
-    m_imageDialog = makeSaveDialog(this, pictures, QStringLiteral("png"));
-    m_barImageDialog = makeSaveDialog(this, pictures, QStringLiteral("png"));
-    m_allImagesDialog = makeSaveDialog(this, pictures, QStringLiteral("png"));
-    m_spectraDialog =
-        makeSaveDialog(this, {tr("XAFS Spectra (*.dat)"), any}, QStringLiteral("dat"));
-    m_dataDialog = makeSaveDialog(this, {any}, QString());
-    m_imageDialog->setWindowTitle(tr("Save Image"));
-    m_barImageDialog->setWindowTitle(tr("Save with Colour Bar"));
-    m_allImagesDialog->setWindowTitle(tr("Save All Images"));
-    m_spectraDialog->setWindowTitle(tr("Save XAFS Spectra"));
-    m_dataDialog->setWindowTitle(tr("Save Data"));
-}
-
 void Body::connectSaving() {
-    connect(m_ui->SaveImage, &QPushButton::clicked, m_imageDialog, &QWidget::show);
-    connect(m_ui->SaveImageWithBar, &QPushButton::clicked, m_barImageDialog, &QWidget::show);
-    connect(m_ui->SaveAllImages, &QPushButton::clicked, m_allImagesDialog, &QWidget::show);
-    connect(m_ui->SaveXAFSSpectra, &QPushButton::clicked, m_spectraDialog, &QWidget::show);
+    const QStringList pictures{tr("Image File (*.png)"), tr("Any Files (* *.*)")};
+    const QStringList spectra{tr("XAFS Spectra (*.dat)"), tr("Any Files (* *.*)")};
+    connect(m_ui->SaveImage, &QPushButton::clicked, this, [=] {
+        showSaveDialog(&m_imageDialog, tr("Save Image"), pictures, QStringLiteral("png"),
+                       &Body::saveImage);
+    });
+    connect(m_ui->SaveImageWithBar, &QPushButton::clicked, this, [=] {
+        showSaveDialog(&m_barImageDialog, tr("Save with Colour Bar"), pictures,
+                       QStringLiteral("png"), &Body::saveImageWithBar);
+    });
+    connect(m_ui->SaveAllImages, &QPushButton::clicked, this, [=] {
+        showSaveDialog(&m_allImagesDialog, tr("Save All Images"), pictures, QStringLiteral("png"),
+                       &Body::saveAllImages);
+    });
+    connect(m_ui->SaveXAFSSpectra, &QPushButton::clicked, this, [=] {
+        showSaveDialog(&m_spectraDialog, tr("Save XAFS Spectra"), spectra, QStringLiteral("dat"),
+                       &Body::saveXafsSpectra);
+    });
     connect(m_ui->SaveData, &QPushButton::clicked, this, &Body::showSaveDataDialog);
     connect(m_ui->SaveDataCfgB, &QPushButton::clicked, m_saveDataCfg.get(), &QWidget::show);
     connect(m_ui->SaveFlatDark, &QPushButton::clicked, this, &Body::saveFlatDark);
-    connect(m_imageDialog, &QFileDialog::fileSelected, this, &Body::saveImage);
-    connect(m_barImageDialog, &QFileDialog::fileSelected, this, &Body::saveImageWithBar);
-    connect(m_allImagesDialog, &QFileDialog::fileSelected, this, &Body::saveAllImages);
-    connect(m_spectraDialog, &QFileDialog::fileSelected, this, &Body::saveXafsSpectra);
-    connect(m_dataDialog, &QFileDialog::fileSelected, this, &Body::saveData);
 }

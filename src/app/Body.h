@@ -152,7 +152,6 @@ class Body : public QMainWindow {
     void connectDeglitching();
     void connectSaving();
     void connectDark();
-    void makeDialogs();
 
     // stacks
     void read(Stack& stack, const QStringList& files);
@@ -168,6 +167,7 @@ class Body : public QMainWindow {
     const AbsorptionSource& source();
 
     // dark frames
+    void showDarkDialog();
     void darkChanged();
     void takeNewDark();
     QString darkState() const;
@@ -207,6 +207,11 @@ class Body : public QMainWindow {
     void showLoadProgress();
     QString startLcf();
     Analyzed2DRes* deglitchTarget() const;
+
+    /// Made when it is first shown: a file dialog takes longer to make than the rest of a window,
+    /// and a batch has no use for one.
+    void showSaveDialog(QFileDialog** dialog, const QString& title, const QStringList& filters,
+                        const QString& suffix, void (Body::*save)(const QString& fname));
 
     // batch
     void answer(const CmdLine& cmd, const QStringList& problems);
@@ -261,6 +266,7 @@ class Body : public QMainWindow {
     QTimer m_redisplayTimer;
     QElapsedTimer m_redisplayed;
     bool m_takingIn = false;  // a frame that has arrived
+    QFileDialog* m_darkDialog = nullptr;
     QFileDialog* m_imageDialog = nullptr;
     QFileDialog* m_barImageDialog = nullptr;
     QFileDialog* m_allImagesDialog = nullptr;

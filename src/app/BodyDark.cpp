@@ -10,26 +10,32 @@
 #include "ui_Body.h"
 
 void Body::connectDark() {
-    auto* dialog = new QFileDialog(this, tr("Dark Data"));
-    dialog->setDirectory(DataDir);
-    dialog->setObjectName(QStringLiteral("DarkDialog"));
-    dialog->setFileMode(QFileDialog::ExistingFiles);
-    dialog->setAcceptMode(QFileDialog::AcceptOpen);
-    dialog->setNameFilters(
-        {tr("Tiff Files (*.tif *.tiff)"), tr("IMG Files (*.img)"), tr("Any Files (* *.*)")});
-    dialog->setModal(false);
     m_clearDark = new QAction(tr("Clear dark data"), this);
     m_clearDark->setObjectName(QStringLiteral("ClearDark"));
     m_ui->SelectDark->addAction(m_clearDark);
     m_ui->SelectDark->setContextMenuPolicy(Qt::ActionsContextMenu);
     m_darkToolTip = m_ui->SelectDark->toolTip();
 
-    connect(m_ui->SelectDark, &QPushButton::clicked, dialog, &QWidget::show);
-    connect(dialog, &QFileDialog::filesSelected, m_dark.get(), &DarkData::replace);
+    connect(m_ui->SelectDark, &QPushButton::clicked, this, &Body::showDarkDialog);
     connect(m_clearDark, &QAction::triggered, m_dark.get(), &DarkData::clear);
     connect(m_dark.get(), &DarkData::changed, this, &Body::darkChanged);
     connect(m_dark.get(), &DarkData::progressed, this, &Body::showDarkState);
     showDarkState();
+}
+
+void Body::showDarkDialog() {
+    if (m_darkDialog == nullptr) {
+        m_darkDialog = new QFileDialog(this, tr("Dark Data"));
+        m_darkDialog->setDirectory(DataDir);
+        m_darkDialog->setObjectName(QStringLiteral("DarkDialog"));
+        m_darkDialog->setFileMode(QFileDialog::ExistingFiles);
+        m_darkDialog->setAcceptMode(QFileDialog::AcceptOpen);
+        m_darkDialog->setNameFilters(
+            {tr("Tiff Files (*.tif *.tiff)"), tr("IMG Files (*.img)"), tr("Any Files (* *.*)")});
+        m_darkDialog->setModal(false);
+        connect(m_darkDialog, &QFileDialog::filesSelected, m_dark.get(), &DarkData::replace);
+    }
+    m_darkDialog->show();
 }
 
 void Body::darkChanged() {

@@ -8,6 +8,7 @@
 #include "analysis/Analyzer.h"
 #include "analysis/LCFReference.h"
 #include "app/Body.h"
+#include "app/Globals.h"
 #include "calibration/CalibCtrl.h"
 #include "calibration/EnergyMapFile.h"
 #include "display/ColorBar.h"
@@ -138,10 +139,24 @@ void Body::saveAllImages(const QString& fname) {
     }
 }
 
+void Body::showSaveDialog(QFileDialog** dialog, const QString& title, const QStringList& filters,
+                          const QString& suffix, void (Body::*save)(const QString& fname)) {
+    if (*dialog == nullptr) {
+        *dialog = new QFileDialog(this, title);
+        (*dialog)->setDirectory(DataDir);
+        (*dialog)->setAcceptMode(QFileDialog::AcceptSave);
+        (*dialog)->setFileMode(QFileDialog::AnyFile);
+        (*dialog)->setModal(false);
+        connect(*dialog, &QFileDialog::fileSelected, this, save);
+    }
+    (*dialog)->setNameFilters(filters);
+    (*dialog)->setDefaultSuffix(suffix);
+    (*dialog)->show();
+}
+
 void Body::showSaveDataDialog() {
-    m_dataDialog->setNameFilters(m_saveDataCfg->nameFilters());
-    m_dataDialog->setDefaultSuffix(m_saveDataCfg->suffix());
-    m_dataDialog->show();
+    showSaveDialog(&m_dataDialog, tr("Save Data"), m_saveDataCfg->nameFilters(),
+                   m_saveDataCfg->suffix(), &Body::saveData);
 }
 
 void Body::saveData(const QString& fname) {

@@ -21,17 +21,6 @@ BatchCtrl::BatchCtrl(QWidget* parent)
     m_ui->BatchLogs->setFont(fixed);
     m_ui->BatchCmds->setFocus();
 
-    const QStringList filters{tr("Batch File (*.bat)"), tr("Any Files (* *.*)")};
-    m_loadDialog = new QFileDialog(this, tr("Load Batch File"));
-    m_loadDialog->setDirectory(DataDir);
-    m_loadDialog->setAcceptMode(QFileDialog::AcceptOpen);
-    m_loadDialog->setNameFilters(filters);
-    m_saveDialog = new QFileDialog(this, tr("Save Batch File"));
-    m_saveDialog->setDirectory(DataDir);
-    m_saveDialog->setAcceptMode(QFileDialog::AcceptSave);
-    m_saveDialog->setFileMode(QFileDialog::AnyFile);
-    m_saveDialog->setNameFilters(filters);
-
     connect(m_ui->Exec, &QPushButton::clicked, this, [this] {
         m_ui->Tabs->setCurrentWidget(m_ui->LogTab);
         execCmds();
@@ -39,13 +28,31 @@ BatchCtrl::BatchCtrl(QWidget* parent)
     connect(m_ui->Stop, &QPushButton::clicked, this, &BatchCtrl::batchStop);
     connect(m_ui->Clear, &QPushButton::clicked, this, &BatchCtrl::clear);
     connect(m_ui->ClearLog, &QPushButton::clicked, this, &BatchCtrl::clearLog);
-    connect(m_ui->Load, &QPushButton::clicked, m_loadDialog, &QFileDialog::show);
-    connect(m_ui->Save, &QPushButton::clicked, m_saveDialog, &QFileDialog::show);
-    connect(m_loadDialog, &QFileDialog::fileSelected, this, &BatchCtrl::load);
-    connect(m_saveDialog, &QFileDialog::fileSelected, this, &BatchCtrl::save);
+    connect(m_ui->Load, &QPushButton::clicked, this, [this] {
+        if (m_loadDialog == nullptr) {
+            m_loadDialog = makeDialog(tr("Load Batch File"));
+            connect(m_loadDialog, &QFileDialog::fileSelected, this, &BatchCtrl::load);
+        }
+        m_loadDialog->show();
+    });
+    connect(m_ui->Save, &QPushButton::clicked, this, [this] {
+        if (m_saveDialog == nullptr) {
+            m_saveDialog = makeDialog(tr("Save Batch File"));
+            m_saveDialog->setAcceptMode(QFileDialog::AcceptSave);
+            connect(m_saveDialog, &QFileDialog::fileSelected, this, &BatchCtrl::save);
+        }
+        m_saveDialog->show();
+    });
 }
 
 BatchCtrl::~BatchCtrl() = default;
+
+QFileDialog* BatchCtrl::makeDialog(const QString& title) {
+    auto* dialog = new QFileDialog(this, title);
+    dialog->setDirectory(DataDir);
+    dialog->setNameFilters({tr("Batch File (*.bat)"), tr("Any Files (* *.*)")});
+    return dialog;
+}
 
 QStringList BatchCtrl::editorLines(Qt::SplitBehavior behaviour) const {
     return m_ui->BatchCmds->toPlainText().split(QLatin1Char('\n'), behaviour);

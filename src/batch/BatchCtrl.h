@@ -48,6 +48,8 @@ class BatchCtrl : public QMainWindow {
     void showCmdErr(CmdLine cmd);
 
   private:
+    QFileDialog* makeDialog(const QString& title);
+
     std::unique_ptr<Ui::BatchCtrl> m_ui;
     QStringList m_cmdLines;  // of the batch started last, shared with the dispatcher
     QFileDialog* m_loadDialog = nullptr;

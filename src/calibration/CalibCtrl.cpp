@@ -54,20 +54,31 @@ void CalibCtrl::connectControls() {
     connect(m_ui->ExecCalib, &QAbstractButton::clicked, this, &CalibCtrl::execCalibration);
     connect(m_ui->ClearMap, &QAbstractButton::clicked, this, &CalibCtrl::clearMap);
 
-    QFileDialog* saving = makeMapDialog("SaveMapDialog");
-    saving->setWindowTitle(tr("Save Energy-Shift Map"));
-    saving->setAcceptMode(QFileDialog::AcceptSave);
-    saving->setFileMode(QFileDialog::AnyFile);
-    saving->setDefaultSuffix(kMapSuffix);
-    connect(m_ui->SaveMap, &QAbstractButton::clicked, saving, &QWidget::show);
-    connect(saving, &QFileDialog::fileSelected, this,
-            [this](const QString& name) { emit saveEMap(withMapSuffix(name)); });
+    connect(m_ui->SaveMap, &QAbstractButton::clicked, this, &CalibCtrl::showSaveDialog);
+    connect(m_ui->LoadMap, &QAbstractButton::clicked, this, &CalibCtrl::showLoadDialog);
+}
 
-    QFileDialog* loading = makeMapDialog("LoadMapDialog");
-    loading->setWindowTitle(tr("Load Energy-Shift Map"));
-    loading->setFileMode(QFileDialog::ExistingFile);
-    connect(m_ui->LoadMap, &QAbstractButton::clicked, loading, &QWidget::show);
-    connect(loading, &QFileDialog::fileSelected, this, &CalibCtrl::loadEMap);
+void CalibCtrl::showSaveDialog() {
+    if (m_saveDialog == nullptr) {
+        m_saveDialog = makeMapDialog("SaveMapDialog");
+        m_saveDialog->setWindowTitle(tr("Save Energy-Shift Map"));
+        m_saveDialog->setAcceptMode(QFileDialog::AcceptSave);
+        m_saveDialog->setFileMode(QFileDialog::AnyFile);
+        m_saveDialog->setDefaultSuffix(kMapSuffix);
+        connect(m_saveDialog, &QFileDialog::fileSelected, this,
+                [this](const QString& name) { emit saveEMap(withMapSuffix(name)); });
+    }
+    m_saveDialog->show();
+}
+
+void CalibCtrl::showLoadDialog() {
+    if (m_loadDialog == nullptr) {
+        m_loadDialog = makeMapDialog("LoadMapDialog");
+        m_loadDialog->setWindowTitle(tr("Load Energy-Shift Map"));
+        m_loadDialog->setFileMode(QFileDialog::ExistingFile);
+        connect(m_loadDialog, &QFileDialog::fileSelected, this, &CalibCtrl::loadEMap);
+    }
+    m_loadDialog->show();
 }
 
 QFileDialog* CalibCtrl::makeMapDialog(const char* name) {

@@ -54,9 +54,13 @@ class CalibCtrl : public QWidget {
 
   private:
     void connectControls();
+    void showSaveDialog();
+    void showLoadDialog();
     QFileDialog* makeMapDialog(const char* name);
     void describeStandard();
 
     std::unique_ptr<Ui::CalibCtrl> m_ui;
     std::unique_ptr<XafsSpectrum> m_standard;
+    QFileDialog* m_saveDialog = nullptr;
+    QFileDialog* m_loadDialog = nullptr;
 };

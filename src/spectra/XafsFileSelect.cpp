@@ -6,9 +6,7 @@
 #include "ui_XafsFileSelect.h"
 
 XafsFileSelect::XafsFileSelect(QWidget* parent)
-    : QFrame(parent),
-      m_ui(std::make_unique<Ui::XafsFileSelect>()),
-      m_dialog(new QFileDialog(this, tr("XAFS File Select"))) {
+    : QFrame(parent), m_ui(std::make_unique<Ui::XafsFileSelect>()) {
     m_ui->setupUi(this);
     // On the fixed light ground, whatever the desktop's colours are.
     QPalette dark = m_ui->Selected->palette();
@@ -19,16 +17,23 @@ XafsFileSelect::XafsFileSelect(QWidget* parent)
     connect(m_ui->Selected, &QLineEdit::textChanged, this, [this, noFile](const QString& name) {
         m_ui->Selected->setToolTip(name.isEmpty() ? noFile : name);
     });
-    m_dialog->setDirectory(DataDir);
-    m_dialog->setFileMode(QFileDialog::ExistingFile);
-    m_dialog->setNameFilters({tr("XAFS Data File (*.dat)"), tr("Any Files (* *.*)")});
-    connect(m_ui->Select, &QPushButton::clicked, m_dialog, &QWidget::show);
-    connect(m_dialog, &QFileDialog::fileSelected, this, &XafsFileSelect::fileSelected);
+    connect(m_ui->Select, &QPushButton::clicked, this, &XafsFileSelect::showDialog);
     connect(m_ui->Clear, &QPushButton::clicked, this, &XafsFileSelect::clear);
     connect(m_ui->Use, &QCheckBox::toggled, this, &XafsFileSelect::changedUse);
 }
 
 XafsFileSelect::~XafsFileSelect() = default;
+
+void XafsFileSelect::showDialog() {
+    if (m_dialog == nullptr) {
+        m_dialog = new QFileDialog(this, tr("XAFS File Select"));
+        m_dialog->setDirectory(DataDir);
+        m_dialog->setFileMode(QFileDialog::ExistingFile);
+        m_dialog->setNameFilters({tr("XAFS Data File (*.dat)"), tr("Any Files (* *.*)")});
+        connect(m_dialog, &QFileDialog::fileSelected, this, &XafsFileSelect::fileSelected);
+    }
+    m_dialog->show();
+}
 
 QString XafsFileSelect::fileName() const {
     return m_ui->Selected->text();

@@ -37,7 +37,9 @@ class XafsFileSelect : public QFrame {
     void showUse(bool visible);
 
   private:
+    void showDialog();
+
     std::unique_ptr<Ui::XafsFileSelect> m_ui;
-    QFileDialog* m_dialog;
+    QFileDialog* m_dialog = nullptr;  // made when it is first shown: making one takes long
     bool m_selected = false;
 };

@@ -134,10 +134,10 @@ class TestCalibCtrl : public QObject {
         QCOMPARE(clear.count(), 1);
         QSignalSpy load(&panel, &CalibCtrl::loadEMap);
         QSignalSpy save(&panel, &CalibCtrl::saveEMap);
-        auto* saving = control<QFileDialog>(panel, "SaveMapDialog");
-        auto* loading = control<QFileDialog>(panel, "LoadMapDialog");
         control<QPushButton>(panel, "SaveMap")->click();
         control<QPushButton>(panel, "LoadMap")->click();
+        auto* saving = control<QFileDialog>(panel, "SaveMapDialog");
+        auto* loading = control<QFileDialog>(panel, "LoadMapDialog");
         QVERIFY(saving->isVisible() && !saving->isModal());
         QVERIFY(loading->isVisible() && !loading->isModal());
         QVERIFY(saving->nameFilters().value(0).contains(QLatin1String("(*.emp)")));

@@ -17,7 +17,9 @@ class TestXafsFileSelect : public QObject {
         QSignalSpy chosen(&select, &XafsFileSelect::newFile);
         auto* field = select.findChild<QLineEdit*>("Selected");
         QVERIFY(!select.isSelected());
+        select.findChild<QPushButton*>("Select")->click();
         auto* dialog = select.findChild<QFileDialog*>();
+        QVERIFY(dialog->isVisible());
         emit dialog->fileSelected("/a/b.dat");
         select.load("/a/b.dat");
         QCOMPARE(chosen.size(), 2);
