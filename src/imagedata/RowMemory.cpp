@@ -22,41 +22,46 @@ std::size_t roundedUp(std::size_t bytes, std::size_t unit) {
 class Chunk {
   public:
     explicit Chunk(std::size_t bytes)
-        : m_bytes(bytes),
-          m_memory(static_cast<char*>(
-              ::operator new(bytes, std::align_val_t(LargePage), std::nothrow))) {
+        : m_bytes(bytes), m_memory(allocateRow(bytes + LargePage)), m_start(aligned(m_memory)) {
 #ifdef MADV_HUGEPAGE
         // The end that would not fill a large page is left to small ones.
-        if (m_memory != nullptr && bytes >= LargePage) {
-            madvise(m_memory, bytes / LargePage * LargePage, MADV_HUGEPAGE);
+        if (m_start != nullptr && bytes >= LargePage) {
+            madvise(m_start, bytes / LargePage * LargePage, MADV_HUGEPAGE);
         }
 #endif
     }
     ~Chunk() {
-        ::operator delete(m_memory, std::align_val_t(LargePage));
+        freeRow(m_memory);
     }
     Chunk(const Chunk&) = delete;
     Chunk& operator=(const Chunk&) = delete;
 
     /// Null when it does not fit.
     char* take(std::size_t bytes) {
-        if (m_memory == nullptr || m_bytes - m_used < bytes) {
+        if (m_start == nullptr || m_bytes - m_used < bytes) {
             return nullptr;
         }
-        char* const place = m_memory + m_used;
+        char* const place = m_start + m_used;
         m_used += bytes;
         return place;
     }
 
   private:
+    /// The first large page in the memory, which holds one more than was asked for.
+    static char* aligned(void* memory) {
+        std::size_t space = 2 * LargePage;
+        return static_cast<char*>(std::align(LargePage, LargePage, memory, space));
+    }
+
     std::size_t m_bytes;
     std::size_t m_used = 0;
-    char* m_memory;
+    void* m_memory;
+    char* m_start;
 };
 
 std::shared_ptr<quint16> small(std::size_t bytes) {
-    return std::shared_ptr<quint16>(static_cast<quint16*>(::operator new(bytes, std::nothrow)),
-                                    [](quint16* memory) { ::operator delete(memory); });
+    auto* memory = static_cast<quint16*>(allocateRow(bytes));
+    return memory != nullptr ? std::shared_ptr<quint16>(memory, freeRow) : nullptr;
 }
 
 }  // namespace
