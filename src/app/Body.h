@@ -11,6 +11,7 @@
 
 #include "analysis/LinearFit.h"
 #include "app/BatchPacing.h"
+#include "app/ShareOfTime.h"
 #include "app/StackLoader.h"
 #include "calibration/EnergyMapFile.h"
 
@@ -236,6 +237,7 @@ class Body : public QMainWindow {
     std::unique_ptr<BlockRowSpectra> m_rows;
     int m_threads = QThread::idealThreadCount();
     bool m_fitsRows = false;
+    ShareOfTime m_shownOnTime;
     std::unique_ptr<Analyzed2DRes> m_shiftMap;
 
     std::unique_ptr<CalibCtrl> m_calib;

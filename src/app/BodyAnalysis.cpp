@@ -184,6 +184,7 @@ QString Body::startLcf() {
     const AnalysisGrid grid = gridOfArea();
     QString whyNot;
     m_rows.reset();
+    m_shownOnTime.start();
     const bool started = m_analysis->startLcf(
         grid, [this, grid](int x, int y) { return corrected(spectrumOnGrid(grid, x, y), x, y); },
         &whyNot,
@@ -252,7 +253,8 @@ void Body::analyzeASpectrumFinished() {
     switch (m_analysis->lcfPointReported()) {
         case Analysis2D::Progress::NewRow:
             if (m_analyzer->dispOnTime()) {
-                generateResImages();
+                // Large images of many rows would take far longer to show than to fit.
+                m_shownOnTime.spend([this] { generateResImages(); });
             }
             showProgress(m_analysis->lcfPercent());
             break;

@@ -69,6 +69,7 @@ class Analysis2DTest : public QObject {
     void useBoxToggledMidRun();
     void cursorSpectraStayOutOfARun();
     void stopAndRestart();
+    void restartInMidRun();
     void raMapsByHand();
 
   private:
@@ -427,6 +428,38 @@ void Analysis2DTest::stopAndRestart() {
     }
     // Closing everything with a fit out must end as well.
     QVERIFY(m_analysis->startLcf(gridOf(4, 2), spectrumAt, &why));
+}
+
+void Analysis2DTest::restartInMidRun() {
+    addReferences();
+    QString why;
+    const AnalysisGrid grid = gridOf(40, 2);
+    const auto start = [&](double share) {
+        return m_analysis->startLcf(
+            grid, [=](int x, int y) { return mixture(share + 0.001 * (x + y)); }, &why);
+    };
+    // The fit that is out belongs to the run before: its report must not be recorded.
+    int reports = 0;
+    bool done = false;
+    const auto connection = connect(m_analyzer.get(), &Analyzer::finished, this, [&] {
+        ++reports;
+        done = m_analysis->lcfPointReported() == Analysis2D::Progress::Finished;
+        if (reports == 20 || reports == 30) {
+            m_analysis->stopLcf();
+            QVERIFY(start(reports == 20 ? 0.1 : 0.2));
+        } else if (reports == 50) {
+            panel(1)->setUse(false);
+        }
+    });
+    QVERIFY(start(0.9));
+    QTRY_VERIFY(done);
+    disconnect(connection);
+    for (int x = 0; x < 40; ++x) {
+        const double share = panel(0)->result(LCFReference::Ratio)->valueAt(x, 0);
+        QVERIFY(x > 15 || near(share, 0.2 + 0.001 * x));
+        QVERIFY(share > 0.1 && share != 0.9 + 0.001 * x);
+    }
+    m_analysis->endLcf();
 }
 
 void Analysis2DTest::raMapsByHand() {

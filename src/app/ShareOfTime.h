@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <algorithm>
+
+/// Keeps what is repeated during a long work, such as showing what there is so far, from taking
+/// most of its time: free for the first moments, at most half of the time in all after that.
+class ShareOfTime {
+  public:
+    void start() {
+        m_used = 0;
+        m_since.start();
+    }
+
+    /// Does it, unless its share is used up.
+    template <typename Action>
+    void spend(Action action) {
+        const qint64 begun = m_since.nsecsElapsed();
+        if (m_used > std::max(Free, begun / 2)) {
+            return;
+        }
+        action();
+        m_used += m_since.nsecsElapsed() - begun;
+    }
+
+  private:
+    static constexpr qint64 Free = 200'000'000;  // ns
+
+    QElapsedTimer m_since;
+    qint64 m_used = 0;
+};
