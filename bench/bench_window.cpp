@@ -13,6 +13,10 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QMouseEvent>
+#include <atomic>
+#include <chrono>
+#include <memory>
 #include <thread>
 
 #include "RoundTrips.h"
@@ -165,8 +169,53 @@ void runBatch(Body& body, const QStringList& lines) {
     loop.exec();
 }
 
+/// Sends the window an event of the mouse again and again from another thread, as a display does,
+/// each when the one before has been handled, and keeps the longest time that one waited.
+class MouseEvents : public QObject {
+  public:
+    explicit MouseEvents(QWidget* target) : m_target(target) {
+        target->installEventFilter(this);
+        m_sender = std::thread([this] { send(); });
+    }
+    ~MouseEvents() override {
+        m_ended = true;
+        m_sender.join();
+    }
+    double worstMilliseconds() const { return static_cast<double>(m_worst) * 1e-6; }
+
+  protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::MouseMove && m_waiting) {
+            m_worst = std::max(m_worst, m_since.nsecsElapsed());
+            m_waiting = false;
+        }
+        return false;
+    }
+
+  private:
+    void send() {
+        while (!m_ended) {
+            if (!m_waiting) {
+                m_since.start();
+                m_waiting = true;
+                QCoreApplication::postEvent(
+                    m_target, new QMouseEvent(QEvent::MouseMove, QPointF(3, 3), Qt::NoButton,
+                                              Qt::NoButton, Qt::NoModifier));
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(3));
+        }
+    }
+
+    QWidget* m_target;
+    std::thread m_sender;
+    std::atomic<bool> m_ended{false};
+    std::atomic<bool> m_waiting{false};
+    QElapsedTimer m_since;
+    qint64 m_worst = 0;
+};
+
 /// Seconds go to one batch line on a loaded window.
-void windowLine(benchmark::State& state, const QString& line) {
+void windowLine(benchmark::State& state, const QString& line, bool withEvents = false) {
     Body body;
     loadBoth(body);
     const QString half = QString::number(state.range(0));
@@ -175,8 +224,15 @@ void windowLine(benchmark::State& state, const QString& line) {
                     "analyzer_set_LCF_std 1 1 0.0 " + stacks().reference(1) + " 0",
                     "calib_load_std " + stacks().reference(0), "analyzer_set_ra_energy 7112"});
     const qint64 before = residentBytes();
+    std::unique_ptr<MouseEvents> events;
+    if (withEvents) {
+        events = std::make_unique<MouseEvents>(&body);
+    }
     for (auto _ : state) {
         runBatch(body, {line});
+    }
+    if (events) {
+        state.counters["worst_wait_ms"] = events->worstMilliseconds();
     }
     state.counters["beside_stacks"] =
         static_cast<double>(residentBytes() - before) / (2.0 * counts());
@@ -184,6 +240,11 @@ void windowLine(benchmark::State& state, const QString& line) {
 
 void WindowLcf(benchmark::State& state) {
     windowLine(state, QStringLiteral("analyzer_exec_LCF"));
+}
+
+/// The same with events of the mouse meanwhile; the counter tells how long one waited at most.
+void WindowLcfEvents(benchmark::State& state) {
+    windowLine(state, QStringLiteral("analyzer_exec_LCF"), true);
 }
 void ResidualAbsorption(benchmark::State& state) {
     windowLine(state, QStringLiteral("analyzer_exec_ra"));
@@ -263,6 +324,7 @@ BENCHMARK(FormAndNormalise)->Arg(0)->Arg(2)->UseRealTime()->Unit(benchmark::kMil
 BENCHMARK(Calibration)->Arg(0)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(ResidualAbsorption)->Arg(0)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(PlainLcf)->Arg(0)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(WindowLcfEvents)->Arg(0)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(WindowLcf)->Arg(0)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void nowhere(QtMsgType, const QMessageLogContext&, const QString&) {}
