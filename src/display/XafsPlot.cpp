@@ -42,14 +42,6 @@ struct Range {
     }
 };
 
-/// A colour that is seen on the paper: the curves' colours are made for neither light nor dark.
-QColor readable(const QColor& color, const QColor& paper) {
-    const int luma = qGray(color.rgb());
-    if (paper.lightness() < 128) {
-        return luma < 90 ? QColor::fromHsl(color.hslHue(), color.hslSaturation(), 175) : color;
-    }
-    return luma > 140 ? color.darker(145) : color;
-}
 }  // namespace
 
 QColor XafsView::ink() const {
@@ -58,6 +50,15 @@ QColor XafsView::ink() const {
 
 QColor XafsView::paper() const {
     return m_onPaper ? QColor(Qt::white) : palette().color(QPalette::Base);
+}
+
+// A colour that is seen on the paper: the curves' colours are made for neither light nor dark.
+QColor XafsView::readable(const QColor& color) const {
+    const int luma = qGray(color.rgb());
+    if (paper().lightness() < 128) {
+        return luma < 90 ? QColor::fromHsl(color.hslHue(), color.hslSaturation(), 175) : color;
+    }
+    return luma > 120 ? color.darker(150) : color;
 }
 
 double XafsView::abscissa(double energy) const {
@@ -107,7 +108,7 @@ QVector<XafsView::Curve> XafsView::curves() const {
         const XafsSpectrum& spectrum = *shown.spectrum;
         // The fit is drawn as it stands: it is a sum of double normalized spectra.
         const bool isFit = m_fit && &spectrum == &*m_fit;
-        const QColor color = readable(shown.color, paper());
+        const QColor color = readable(shown.color);
         QString name = shown.name;
         const std::optional<double> r = isFit ? rFactor() : std::nullopt;
         if (r) {
@@ -230,7 +231,7 @@ void XafsView::paintResidual(QPainter& painter, const QRectF& plot) const {
     painter.drawLine(QPointF(plot.left(), yOf(0)), QPointF(plot.right(), yOf(0)));
     painter.setRenderHint(QPainter::Antialiasing);
     QPolygonF line;
-    painter.setPen(QPen(readable(getColor(0), paper()), 1.2));
+    painter.setPen(QPen(readable(getColor(0)), 1.2));
     for (const QPointF& p : qAsConst(points)) {
         const double x = m_coord.r2sX(p.x());
         if (std::isfinite(x) && std::isfinite(p.y()) && std::abs(x) < 1e6) {

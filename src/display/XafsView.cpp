@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <cmath>
 
+#include "app/Availability.h"
 #include "app/DebugLog.h"
 #include "app/Globals.h"
 #include "display/DispA.h"
@@ -27,6 +28,7 @@ XafsView::XafsView(QWidget* parent)
     for (const Unit& unit : UnitTable) {
         m_ui->Abscissa->addItem(QString::fromLatin1(unit.name));
     }
+    m_ui->ReadOut->setAttribute(Qt::WA_TransparentForMouseEvents);
     makeMenu();
     connect(m_ui->Canvas, &DispA::drawImage1, this, &XafsView::draw);
     connect(m_ui->Canvas, &DispA::mouseMoved0, this, &XafsView::onMouseMoved);
@@ -34,9 +36,10 @@ XafsView::XafsView(QWidget* parent)
     connect(m_ui->Canvas, &DispA::mouseReleased0, this, &XafsView::endZoom);
     connect(m_ui->Canvas, &DispA::mouseDoubleClicked0, this, &XafsView::resetZoom);
     connect(m_ui->Ordinate, qOverload<int>(&QComboBox::currentIndexChanged), this,
-            &XafsView::resetZoom);
+            &XafsView::newOrdinate);
     connect(m_ui->Abscissa, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &XafsView::resetZoom);
+    newOrdinate();
 }
 
 XafsView::~XafsView() = default;
@@ -98,6 +101,7 @@ bool XafsView::hasCurves() const {
 
 void XafsView::update() {
     updateMenu();
+    m_ui->ReadOut->clear();  // what is under the mouse has changed
     m_ui->Canvas->QWidget::update();
     emit updated();
 }
@@ -193,6 +197,7 @@ void XafsView::endZoom() {
         if (zoom.width() > 1e-9 * std::abs(zoom.right()) &&
             zoom.height() > 1e-9 * std::abs(zoom.bottom())) {
             m_zoom = zoom;
+            m_ui->ReadOut->clear();
         }
     }
     m_ui->Canvas->QWidget::update();
@@ -201,7 +206,14 @@ void XafsView::endZoom() {
 void XafsView::resetZoom() {
     m_zoom.reset();
     m_zoomStart.reset();
+    m_ui->ReadOut->clear();
     m_ui->Canvas->QWidget::update();
+}
+
+void XafsView::newOrdinate() {
+    setUsable(m_ui->Backgrounds,
+              m_ui->Ordinate->currentIndex() == MuT ? QString() : tr("Choose mu-t first."));
+    resetZoom();
 }
 
 void XafsView::onMouseMoved() {

@@ -108,6 +108,7 @@ class XafsView : public QFrame {
     bool showsFit() const;
     QColor ink() const;
     QColor paper() const;
+    QColor readable(const QColor& color) const;
     QPolygonF residual() const;  // energy, sample minus fit
     QVector<Shown> shownSpectra() const;
     QVector<Curve> curves() const;
@@ -123,6 +124,7 @@ class XafsView : public QFrame {
     void paintResidual(QPainter& painter, const QRectF& plot) const;
     void paintLegend(QPainter& painter, const QRectF& plot, const QVector<Curve>& list) const;
     void paintMarks(QPainter& painter, const QRectF& plot) const;
+    void newOrdinate();
     void startZoom();
     void endZoom();
     void resetZoom();

@@ -66,7 +66,7 @@ void XafsView::updateMenu() {
 void XafsView::listPinned() {
     m_removeMenu->clear();
     for (int i = 0; i < m_pinned.size(); ++i) {
-        m_removeMenu->addAction(swatch(m_pinned[i].color), m_pinned[i].name, this,
+        m_removeMenu->addAction(swatch(readable(m_pinned[i].color)), m_pinned[i].name, this,
                                 [this, i] { removePinned(i); });
     }
 }
@@ -74,7 +74,8 @@ void XafsView::listPinned() {
 void XafsView::showSaveDialog() {
     if (m_plotDialog == nullptr) {
         const QString drawing = tr("Vector Drawing (*.pdf)");
-        m_plotDialog = new QFileDialog(this, tr("Save Plot"), DataDir);
+        m_plotDialog = new QFileDialog(this, tr("Save Plot"));
+        m_plotDialog->setDirectory(DataDir);
         m_plotDialog->setObjectName(QStringLiteral("PlotDialog"));
         m_plotDialog->setAcceptMode(QFileDialog::AcceptSave);
         m_plotDialog->setFileMode(QFileDialog::AnyFile);

@@ -1699,5 +1699,9 @@
         <source>Image File (*.png)</source>
         <translation>画像ファイル (*.png)</translation>
     </message>
+    <message>
+        <source>Choose mu-t first.</source>
+        <translation>先に mu-t を選んでください。</translation>
+    </message>
 </context>
 </TS>
