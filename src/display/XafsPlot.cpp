@@ -4,10 +4,12 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 #include "app/Globals.h"
 #include "display/DispA.h"
 #include "display/DrawText.h"
+#include "display/LongLine.h"
 #include "display/Ticks.h"
 #include "display/XafsView.h"
 #include "imagedata/Units.h"
@@ -206,10 +208,10 @@ void XafsView::paintCurve(QPainter& painter, const Curve& curve) const {
                                 std::max(-Far, std::min(at.y(), Far))));
             continue;
         }
-        painter.drawPolyline(line);  // a gap
+        drawLongLine(painter, line);  // a gap
         line.clear();
     }
-    painter.drawPolyline(line);
+    drawLongLine(painter, line);
 }
 
 void XafsView::paintResidual(QPainter& painter, const QRectF& plot) const {
@@ -237,11 +239,11 @@ void XafsView::paintResidual(QPainter& painter, const QRectF& plot) const {
         if (std::isfinite(x) && std::isfinite(p.y()) && std::abs(x) < 1e6) {
             line.append(QPointF(x, std::max(-1e6, std::min(yOf(p.y()), 1e6))));
         } else {
-            painter.drawPolyline(line);
+            drawLongLine(painter, line);
             line.clear();
         }
     }
-    painter.drawPolyline(line);
+    drawLongLine(painter, line);
     painter.restore();
 
     painter.setPen(ink());
@@ -329,24 +331,33 @@ void XafsView::paintLegend(QPainter& painter, const QRectF& plot,
     const QSizeF size(widest + 38, rows * height + 6);
     // The place at a side in which the legend hides the least; the curves matter more than their
     // backgrounds.
+    struct Step {
+        QRectF box;
+        int weight;
+    };
+    std::vector<Step> steps;
+    for (const Curve& curve : list) {
+        const int weight = curve.style == Qt::SolidLine ? 4 : 1;
+        QPointF before;
+        for (const QPointF& p : curve.points) {
+            const QPointF at(m_coord.r2sX(p.x()), m_coord.r2sY(p.y()));
+            if (!before.isNull()) {
+                steps.push_back({QRectF(before, at).normalized().adjusted(-1, -1, 1, 1), weight});
+            }
+            before = at;
+        }
+    }
     QRectF box;
     int hiddenLeast = std::numeric_limits<int>::max();
-    for (int place = 0; place < 22; ++place) {  // from the lower right corner on
+    for (int place = 0; place < 22 && hiddenLeast > 0; ++place) {  // from the lower right corner on
         const QPointF side(place % 2 == 0 ? 1.0 : 0.0, (10 - place / 2) / 10.0);
         const QRectF tried(
             QPointF(plot.left() + 6 + side.x() * (plot.width() - size.width() - 12),
                     plot.top() + 6 + side.y() * (plot.height() - size.height() - 12)),
             size);
         int hidden = 0;
-        for (const Curve& curve : list) {
-            const int weight = curve.style == Qt::SolidLine ? 4 : 1;
-            QPointF before;
-            for (const QPointF& p : curve.points) {
-                const QPointF at(m_coord.r2sX(p.x()), m_coord.r2sY(p.y()));
-                const QRectF step = QRectF(before, at).normalized().adjusted(-1, -1, 1, 1);
-                hidden += !before.isNull() && tried.intersects(step) ? weight : 0;
-                before = at;
-            }
+        for (const Step& step : steps) {
+            hidden += tried.intersects(step.box) ? step.weight : 0;
         }
         if (hidden < hiddenLeast) {
             hiddenLeast = hidden;
