@@ -179,8 +179,9 @@ class Body : public QMainWindow {
     TiffData* shownFrame() const;
     Analyzed2DRes* shownResult() const;  // the shift map or the selected result, if on display
     QImage shownPicture() const;
-    QImage markedPicture() const;
-    BarPicture shownWithBar() const;
+    QImage markedPicture();
+    void forgetPainted();
+    BarPicture shownWithBar();
     void redisplay();
     void redisplaySoon();
     void updateSeekBar();
@@ -263,6 +264,8 @@ class Body : public QMainWindow {
     CrossSection* m_hCross = nullptr;
     CrossSection* m_vCross = nullptr;
     QLabel* m_state = nullptr;  // of the status bar; notices cover it for a while
+    QImage m_painted;           // when it is not the frame's or the result's own picture
+    qint64 m_paintedOf = 0;     // key of the result's picture
     QProgressBar* m_progressBar = nullptr;
     QToolButton* m_stopLoading = nullptr;
     QTimer m_redisplayTimer;

@@ -64,14 +64,37 @@ QImage Body::shownPicture() const {
     return result != nullptr && result->img() != nullptr ? *result->img() : QImage();
 }
 
-QImage Body::markedPicture() const {
+/// The shown picture as it is painted. What had to be made for that is kept, for it is painted anew
+/// with every move of the mouse.
+QImage Body::markedPicture() {
+    if (const TiffData* frame = shownFrame()) {
+        if (m_ui->CBar->isAuto()) {
+            return shownPicture();
+        }
+        if (m_painted.isNull()) {
+            m_painted = framePicture(*frame, m_ui->CBar->rangeMin(), m_ui->CBar->rangeMax());
+        }
+        return m_painted;
+    }
     const QImage picture = shownPicture();
     const Analyzed2DRes* result = shownResult();
-    if (result == nullptr || picture.isNull()) {
+    if (picture.isNull()) {
         return picture;
     }
-    return withGapsMarked(picture, result->showsProc() ? result->proc() : result->data(),
-                          result->grid().width, result->grid().height);
+    if (m_paintedOf != picture.cacheKey()) {
+        m_paintedOf = picture.cacheKey();
+        m_painted = withGapsMarked(picture, result->showsProc() ? result->proc() : result->data(),
+                                   result->grid().width, result->grid().height);
+        if (m_painted.cacheKey() == picture.cacheKey()) {
+            m_painted = QImage();  // no gaps; the memory of the picture is the result's
+        }
+    }
+    return m_painted.isNull() ? picture : m_painted;
+}
+
+void Body::forgetPainted() {
+    m_painted = QImage();
+    m_paintedOf = 0;
 }
 
 void Body::draw(QPainter* p) {
@@ -82,6 +105,7 @@ void Body::draw(QPainter* p) {
 }
 
 void Body::newCBar() {
+    forgetPainted();
     m_ui->dispA->QWidget::update();
 }
 
@@ -95,6 +119,7 @@ void Body::redisplaySoon() {
 
 void Body::redisplay() {
     m_redisplayTimer.stop();
+    forgetPainted();
     const TiffData* frame = shownFrame();
     const Analyzed2DRes* result = shownResult();
     m_ui->dispA->setResultDisplayed(shown() == ShownShift || shown() == ShownResult);

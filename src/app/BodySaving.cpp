@@ -77,7 +77,7 @@ void Body::saveImage(const QString& fname) {
     }
 }
 
-BarPicture Body::shownWithBar() const {
+BarPicture Body::shownWithBar() {
     BarPicture parts;
     parts.picture = markedPicture();
     parts.low = m_ui->CBar->rangeMin();
