@@ -215,7 +215,9 @@ void BodyMenu::showMouseAndKeys(QWidget* parent) {
         {tr("Ctrl+W"), tr("closes a tool window")}};
     QString rows;
     for (const auto& line : lines) {
-        rows += QStringLiteral("<tr><td><nobr><b>%1</b></nobr></td><td><nobr>%2</nobr></td></tr>")
+        rows += QStringLiteral(
+                    "<tr><td><p style='white-space:pre'><b>%1</b></p></td><td><p "
+                    "style='white-space:pre'>%2</p></td></tr>")
                     .arg(line.first, line.second);
     }
     auto* box = new QMessageBox(QMessageBox::NoIcon, tr("Mouse and Keys"),
