@@ -99,8 +99,12 @@ QImage Stage::picture(QWidget* widget) const {
     return widget->grab().toImage();
 }
 
+QString Stage::fileOf(const QString& name) const {
+    return m_prefix + name + QStringLiteral(".png");
+}
+
 void Stage::save(const QImage& image, const QString& name) const {
-    const QString file = m_prefix + name + QStringLiteral(".png");
+    const QString file = fileOf(name);
     if (!image.save(file)) {
         giveUp("cannot write", file);
     }

@@ -33,6 +33,7 @@ class Stage {
     void wheel(const QPoint& at, int notches);
 
     QImage picture(QWidget* widget) const;
+    QString fileOf(const QString& name) const;
     void save(const QImage& image, const QString& name) const;
     void save(QWidget* widget, const QString& name) const { save(picture(widget), name); }
 

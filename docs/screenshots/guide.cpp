@@ -124,6 +124,11 @@ void firstMap(Stage& stage) {
     stage.save(stage.picture(&stage.body()), "map");
 }
 
+/// The shown map as the program itself saves it for a paper.
+void colorBar(Stage& stage) {
+    stage.body().saveImageWithBar(stage.fileOf("with-bar"));
+}
+
 void imageView(Stage& stage) {
     stage.run({"select_disp_image 0"});
     stage.select(QPoint(60, 40), QPoint(200, 150));
@@ -225,6 +230,7 @@ void makeGuidePictures(Stage& stage, bool all) {
     stage.body().resize(MainWindow);
     firstMap(stage);
     if (all) {
+        colorBar(stage);
         imageView(stage);
         calibration(stage);
         batch(stage);
