@@ -13,7 +13,6 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QMouseEvent>
 #include <atomic>
 #include <chrono>
 #include <memory>
@@ -169,15 +168,15 @@ void runBatch(Body& body, const QStringList& lines) {
     loop.exec();
 }
 
-/// Sends the window an event of the mouse again and again from another thread, as a display does,
-/// each when the one before has been handled, and keeps the longest time that one waited.
-class MouseEvents : public QObject {
+/// Sends the window an event again and again from another thread, as a display does, each when the
+/// one before has been handled, and keeps the longest time that one waited.
+class OtherEvents : public QObject {
   public:
-    explicit MouseEvents(QWidget* target) : m_target(target) {
+    explicit OtherEvents(QWidget* target) : m_target(target) {
         target->installEventFilter(this);
         m_sender = std::thread([this] { send(); });
     }
-    ~MouseEvents() override {
+    ~OtherEvents() override {
         m_ended = true;
         m_sender.join();
     }
@@ -185,7 +184,7 @@ class MouseEvents : public QObject {
 
   protected:
     bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::MouseMove && m_waiting) {
+        if (event->type() == QEvent::User && m_waiting) {
             m_worst = std::max(m_worst, m_since.nsecsElapsed());
             m_waiting = false;
         }
@@ -198,9 +197,7 @@ class MouseEvents : public QObject {
             if (!m_waiting) {
                 m_since.start();
                 m_waiting = true;
-                QCoreApplication::postEvent(
-                    m_target, new QMouseEvent(QEvent::MouseMove, QPointF(3, 3), Qt::NoButton,
-                                              Qt::NoButton, Qt::NoModifier));
+                QCoreApplication::postEvent(m_target, new QEvent(QEvent::User));
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(3));
         }
@@ -224,9 +221,9 @@ void windowLine(benchmark::State& state, const QString& line, bool withEvents = 
                     "analyzer_set_LCF_std 1 1 0.0 " + stacks().reference(1) + " 0",
                     "calib_load_std " + stacks().reference(0), "analyzer_set_ra_energy 7112"});
     const qint64 before = residentBytes();
-    std::unique_ptr<MouseEvents> events;
+    std::unique_ptr<OtherEvents> events;
     if (withEvents) {
-        events = std::make_unique<MouseEvents>(&body);
+        events = std::make_unique<OtherEvents>(&body);
     }
     for (auto _ : state) {
         runBatch(body, {line});
@@ -242,7 +239,7 @@ void WindowLcf(benchmark::State& state) {
     windowLine(state, QStringLiteral("analyzer_exec_LCF"));
 }
 
-/// The same with events of the mouse meanwhile; the counter tells how long one waited at most.
+/// The same with other events meanwhile; the counter tells how long one waited at most.
 void WindowLcfEvents(benchmark::State& state) {
     windowLine(state, QStringLiteral("analyzer_exec_LCF"), true);
 }
