@@ -10,6 +10,7 @@
 #include "display/DispA.h"
 #include "display/DrawText.h"
 #include "display/LongLine.h"
+#include "display/PlotCurve.h"
 #include "display/Ticks.h"
 #include "display/XafsView.h"
 #include "imagedata/Units.h"
@@ -91,9 +92,10 @@ const Spectrum& XafsView::seriesOf(const XafsSpectrum& spectrum) const {
     }
 }
 
-void XafsView::addCurve(QVector<Curve>* list, const XafsSpectrum& spectrum, const Spectrum& series,
-                        const QColor& color, Qt::PenStyle style, const QString& name) const {
-    Curve curve{{}, color, style, name};
+void XafsView::addCurve(QVector<PlotCurve>* list, const XafsSpectrum& spectrum,
+                        const Spectrum& series, const QColor& color, Qt::PenStyle style,
+                        const QString& name) const {
+    PlotCurve curve{{}, color, style, name};
     const int n = std::min(spectrum.size(), series.size());
     curve.points.reserve(n);
     for (int i = 0; i < n; ++i) {
@@ -102,8 +104,8 @@ void XafsView::addCurve(QVector<Curve>* list, const XafsSpectrum& spectrum, cons
     list->append(curve);
 }
 
-QVector<XafsView::Curve> XafsView::curves() const {
-    QVector<Curve> list;
+QVector<PlotCurve> XafsView::curves() const {
+    QVector<PlotCurve> list;
     const bool backgrounds =
         m_ui->Ordinate->currentIndex() == MuT && m_ui->Backgrounds->isChecked();
     for (const Shown& shown : shownSpectra()) {
@@ -126,10 +128,10 @@ QVector<XafsView::Curve> XafsView::curves() const {
     return list;
 }
 
-QRectF XafsView::extent(const QVector<Curve>& list) const {
+QRectF XafsView::extent(const QVector<PlotCurve>& list) const {
     Range x;
     Range y;
-    for (const Curve& curve : list) {
+    for (const PlotCurve& curve : list) {
         for (const QPointF& p : curve.points) {
             if (std::isfinite(p.x()) && std::isfinite(p.y())) {
                 x.take(p.x());
@@ -166,7 +168,7 @@ void XafsView::draw(QPainter* painter) {
     if (plot.width() < 20 || plot.height() < 20) {
         return;
     }
-    const QVector<Curve> list = curves();
+    const QVector<PlotCurve> list = curves();
     if (list.isEmpty()) {
         painter->setPen(palette().color(QPalette::Disabled, QPalette::WindowText));
         painter->drawText(all, Qt::AlignCenter, tr("No spectrum"));
@@ -181,11 +183,11 @@ void XafsView::draw(QPainter* painter) {
     painter->setClipRect(plot);
     painter->setRenderHint(QPainter::Antialiasing);
     paintMarks(*painter, plot);
-    for (const Curve& curve : list) {
+    for (const PlotCurve& curve : list) {
         paintCurve(*painter, curve);
     }
     painter->restore();
-    paintLegend(*painter, plot, list);
+    paintLegend(*painter, plot, list, m_coord, {ink(), paper()});
     if (showsFit()) {
         paintResidual(*painter, residualRect());
     }
@@ -195,7 +197,7 @@ void XafsView::draw(QPainter* painter) {
     }
 }
 
-void XafsView::paintCurve(QPainter& painter, const Curve& curve) const {
+void XafsView::paintCurve(QPainter& painter, const PlotCurve& curve) const {
     painter.setPen(QPen(curve.color, curve.style == Qt::SolidLine ? 1.6 : 1.0, curve.style));
     // Far outside points would overflow the painter's own numbers.
     constexpr double Far = 1e6;
@@ -311,75 +313,9 @@ void XafsView::paintMarks(QPainter& painter, const QRectF& plot) const {
         line(m_sample->midE() - m_sample->energyCorrection(), QColor(110, 110, 110));
     }
     line(m_raEnergy, getColor(6));
-}
-
-void XafsView::paintLegend(QPainter& painter, const QRectF& plot,
-                           const QVector<Curve>& list) const {
-    const double height = painter.fontMetrics().height();
-    double widest = 0.0;
-    int rows = 0;
-    for (const Curve& curve : list) {
-        if (!curve.name.isEmpty()) {
-            widest = std::max<double>(widest, painter.fontMetrics().horizontalAdvance(curve.name));
-            ++rows;
-        }
-    }
-    if (rows == 0) {
-        return;
-    }
-    widest = std::min(widest, 0.45 * plot.width());
-    const QSizeF size(widest + 38, rows * height + 6);
-    // The place at a side in which the legend hides the least; the curves matter more than their
-    // backgrounds.
-    struct Step {
-        QRectF box;
-        int weight;
-    };
-    std::vector<Step> steps;
-    for (const Curve& curve : list) {
-        const int weight = curve.style == Qt::SolidLine ? 4 : 1;
-        QPointF before;
-        for (const QPointF& p : curve.points) {
-            const QPointF at(m_coord.r2sX(p.x()), m_coord.r2sY(p.y()));
-            if (!before.isNull()) {
-                steps.push_back({QRectF(before, at).normalized().adjusted(-1, -1, 1, 1), weight});
-            }
-            before = at;
-        }
-    }
-    QRectF box;
-    int hiddenLeast = std::numeric_limits<int>::max();
-    for (int place = 0; place < 22 && hiddenLeast > 0; ++place) {  // from the lower right corner on
-        const QPointF side(place % 2 == 0 ? 1.0 : 0.0, (10 - place / 2) / 10.0);
-        const QRectF tried(
-            QPointF(plot.left() + 6 + side.x() * (plot.width() - size.width() - 12),
-                    plot.top() + 6 + side.y() * (plot.height() - size.height() - 12)),
-            size);
-        int hidden = 0;
-        for (const Step& step : steps) {
-            hidden += tried.intersects(step.box) ? step.weight : 0;
-        }
-        if (hidden < hiddenLeast) {
-            hiddenLeast = hidden;
-            box = tried;
-        }
-    }
-    QColor veil = paper();
-    veil.setAlpha(215);
-    painter.fillRect(box, veil);
-    double y = box.top() + 3;
-    for (const Curve& curve : list) {
-        if (curve.name.isEmpty()) {
-            continue;
-        }
-        painter.setPen(QPen(curve.color, 2));
-        painter.drawLine(QPointF(box.left() + 6, y + height / 2),
-                         QPointF(box.left() + 26, y + height / 2));
-        painter.setPen(ink());
-        drawText(painter, QPointF(box.left() + 32, y),
-                 painter.fontMetrics().elidedText(curve.name, Qt::ElideMiddle,
-                                                  toClampedInt(widest + 2, 0, 1 << 20)),
-                 Qt::AlignLeft | Qt::AlignTop);
-        y += height;
+    const double x = m_coord.r2sX(abscissa(m_raEnergy));
+    if (m_raEnergy > 0.0 && x > plot.left() && x < plot.right()) {
+        drawText(painter, QPointF(x + 3, plot.top() + 2), QStringLiteral("RA"),
+                 Qt::AlignLeft | Qt::AlignTop, plot);
     }
 }

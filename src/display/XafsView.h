@@ -16,6 +16,7 @@ class XafsView;
 class QAction;
 class QFileDialog;
 class QMenu;
+struct PlotCurve;
 class Units;
 
 /// The spectrum plot: a position's spectrum or a sample, with the standard, the references and the
@@ -88,12 +89,6 @@ class XafsView : public QFrame {
   private:
     enum Ordinate { MuT, Normalized, DoubleNormalized, PostBased, PostBasedBySpan };
 
-    struct Curve {
-        QPolygonF points;
-        QColor color;
-        Qt::PenStyle style;
-        QString name;  // empty: not in the legend
-    };
     struct Shown {
         const XafsSpectrum* spectrum;
         QString name;
@@ -111,18 +106,17 @@ class XafsView : public QFrame {
     QColor readable(const QColor& color) const;
     QPolygonF residual() const;  // energy, sample minus fit
     QVector<Shown> shownSpectra() const;
-    QVector<Curve> curves() const;
-    void addCurve(QVector<Curve>* list, const XafsSpectrum& spectrum, const Spectrum& series,
+    QVector<PlotCurve> curves() const;
+    void addCurve(QVector<PlotCurve>* list, const XafsSpectrum& spectrum, const Spectrum& series,
                   const QColor& color, Qt::PenStyle style, const QString& name) const;
     const Spectrum& seriesOf(const XafsSpectrum& spectrum) const;
     double abscissa(double energy) const;
-    QRectF extent(const QVector<Curve>& list) const;
+    QRectF extent(const QVector<PlotCurve>& list) const;
     QRectF plotRect() const;
     QRectF residualRect() const;
     void paintAxes(QPainter& painter, const QRectF& plot) const;
-    void paintCurve(QPainter& painter, const Curve& curve) const;
+    void paintCurve(QPainter& painter, const PlotCurve& curve) const;
     void paintResidual(QPainter& painter, const QRectF& plot) const;
-    void paintLegend(QPainter& painter, const QRectF& plot, const QVector<Curve>& list) const;
     void paintMarks(QPainter& painter, const QRectF& plot) const;
     void newOrdinate();
     void startZoom();
