@@ -71,7 +71,8 @@ void Analyzer::connectControls() {
     }
     connect(m_ui->MLCF, &QCheckBox::toggled, this, &Analyzer::reAnalyzeSpectrum);
     connect(m_ui->RAAtEV, &QLineEdit::textChanged, this,
-            [this] { m_view->setRaEnergy(raEnergy()); });
+            [this] { emit raEnergyChanged(raEnergy()); });
+    connect(this, &Analyzer::raEnergyChanged, m_view.get(), &XafsView::setRaEnergy);
 }
 
 void Analyzer::startWorker() {

@@ -83,6 +83,8 @@ class Analyzer : public QFrame {
     void analyzeSpectrum0(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
                           XafsSpectrum* fitted, bool isMLCF);
     void changedSelection();
+    /// In eV; 0 when the field holds no number.
+    void raEnergyChanged(double energy);
     void finished();
     /// A two-dimensional analysis has begun or ended.
     void busyChanged(bool busy);
