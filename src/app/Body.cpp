@@ -185,6 +185,7 @@ void Body::connectImageControls() {
     connect(m_ui->dispA, &DispA::drawImage2, this, &Body::draw);
     connect(m_ui->dispA, &DispA::mouseMoved0, this, &Body::onMouseMovedInDispA);
     connect(m_ui->CBar, &ColorBar::newBar, this, &Body::newCBar);
+    connect(m_ui->CBar, &ColorBar::percentilesAsked, this, &Body::fixPercentiles);
 
     m_hCross = fill(m_ui->HCross, Qt::Horizontal);
     m_vCross = fill(m_ui->VCross, Qt::Vertical);

@@ -181,6 +181,7 @@ class Body : public QMainWindow {
     QImage shownPicture() const;
     QImage markedPicture();
     void forgetPainted();
+    void fixPercentiles();
     BarPicture shownWithBar();
     void redisplay();
     void redisplaySoon();

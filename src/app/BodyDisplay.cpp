@@ -106,7 +106,15 @@ void Body::draw(QPainter* p) {
 
 void Body::newCBar() {
     forgetPainted();
+    updateValueAndCrossSections();
     m_ui->dispA->QWidget::update();
+}
+
+void Body::fixPercentiles() {
+    if (const TiffData* frame = shownFrame()) {
+        const auto [low, high] = countPercentiles(*frame, 0.01);
+        m_ui->CBar->fix(low, high);
+    }
 }
 
 void Body::redisplaySoon() {
@@ -205,6 +213,12 @@ void Body::updateValueAndCrossSections() {
     m_ui->Value->setText(inside ? QString::number(valueAt(x, y), 'g', 6) : nothing);
     m_hCross->setProfile(rowProfile(width, height, valueAt, y, halfHeight()), 0);
     m_vCross->setProfile(columnProfile(width, height, valueAt, x, halfWidth()), 0);
+    const bool isFixed =
+        frame != nullptr ? !m_ui->CBar->isAuto() : result != nullptr && result->isFixedScale();
+    for (CrossSection* section : {m_hCross, m_vCross}) {
+        section->setValueRange(isFixed ? m_ui->CBar->rangeMin() : 0.0,
+                               isFixed ? m_ui->CBar->rangeMax() : 0.0);
+    }
     m_hCross->setMarker(position.x());
     m_vCross->setMarker(position.y());
 }

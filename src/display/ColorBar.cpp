@@ -1,6 +1,8 @@
 #include "display/ColorBar.h"
 
+#include <QContextMenuEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 #include <algorithm>
@@ -18,7 +20,8 @@ constexpr double WheelStep = 1.1;
 ColorBar::ColorBar(QWidget* parent) : DispA(parent) {
     setToolTip(
         tr("Frames: drag an end or click on its value to fix the range, turn the wheel to "
-           "widen or narrow it; double click for each frame's own"));
+           "widen or narrow it; right click for more, double click for each frame's own. "
+           "Results: the Analyzer sets the range"));
     m_editor = new QLineEdit(this);
     m_editor->hide();
     connect(m_editor, &QLineEdit::editingFinished, this, &ColorBar::takeTyped);
@@ -194,4 +197,20 @@ void ColorBar::wheelEvent(QWheelEvent* event) {
         const double half = 0.5 * (rangeMax() - rangeMin()) * factor;
         fix(middle - half, middle + half);
     }
+}
+
+void ColorBar::contextMenuEvent(QContextMenuEvent* event) {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    if (canBeChanged()) {
+        menu->addAction(tr("Percentile 1-99"), this, &ColorBar::percentilesAsked);
+        menu->addAction(tr("Whole range"), this, [this] { fix(m_min, m_max); });
+        QAction* own = menu->addAction(tr("Each frame's own"));
+        own->setCheckable(true);
+        own->setChecked(m_auto);
+        connect(own, &QAction::toggled, this, &ColorBar::setAuto);
+    } else {
+        menu->addAction(tr("The range of results is set in the Analyzer"))->setEnabled(false);
+    }
+    menu->popup(event->globalPos());
 }

@@ -7,9 +7,9 @@ class QLineEdit;
 /// The colour bar: the colours of the shown image with the values that they stand for.
 ///
 /// Frames: each has its own range until the user drags an end, widens or narrows the bar with the
-/// wheel, or clicks on an end value and types another, which fixes the range for all frames; a
-/// double click goes back. Results: the range that the result reports, which cannot be changed
-/// here.
+/// wheel, clicks on an end value and types another, or takes a range from the context menu, which
+/// fixes the range for all frames; a double click goes back. Results: the range that the result
+/// reports, which cannot be changed here.
 class ColorBar : public DispA {
     Q_OBJECT
 
@@ -29,10 +29,14 @@ class ColorBar : public DispA {
     /// Off: the range in use stays for all frames.
     bool isAuto() const { return m_auto; }
     void setAuto(bool on);
+    /// Fixes the range of all frames; an empty one, or one that is not finite, changes nothing.
+    void fix(double min, double max);
 
   signals:
     /// The range in use has changed.
     void newBar();
+    /// The range is to be fixed at the percentiles 1 and 99 of the shown frame.
+    void percentilesAsked();
 
   protected:
     void paintBelow(QPainter& painter) override;
@@ -41,6 +45,7 @@ class ColorBar : public DispA {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
   private:
     enum class End { None, Low, High };
@@ -53,7 +58,6 @@ class ColorBar : public DispA {
     void paintEnds(QPainter& painter, const QRectF& bar) const;
     void startTyping(End end);
     void takeTyped();
-    void fix(double min, double max);
 
     Table m_table = Grey;
     double m_min = 0.0;

@@ -5,7 +5,9 @@
 #include <QPainterPath>
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
+#include <vector>
 
 #include "app/Globals.h"
 #include "display/DrawText.h"
@@ -14,7 +16,9 @@
 
 namespace {
 constexpr double Margin = 6.0;
-}
+constexpr std::size_t FewOfSeen = 33;  // values at either end that may be wild: 3 per cent
+constexpr double FarOut = 30.0;        // times what the others span
+}  // namespace
 
 CrossSection::CrossSection(Qt::Orientation orientation, QWidget* parent)
     : DispA(parent), m_orientation(orientation) {
@@ -34,6 +38,12 @@ void CrossSection::setProfile(const QVector<double>& values, int firstPixel) {
     update();
 }
 
+void CrossSection::setValueRange(double low, double high) {
+    const bool isRange = high > low && std::isfinite(high - low);
+    m_valueRange = isRange ? std::make_optional(qMakePair(low, high)) : std::nullopt;
+    update();
+}
+
 void CrossSection::setMarker(double position) {
     m_marker = position;
     update();
@@ -44,6 +54,41 @@ void CrossSection::visibleIndices(int* first, int* end) const {
     const double to = isAcross() ? m_coord.rx1 : m_coord.ry1;
     *first = toClampedInt(std::floor(from) - m_firstPixel, 0, m_values.size());
     *end = toClampedInt(std::ceil(to) - m_firstPixel, 0, m_values.size());
+}
+
+/// Of the finite values that are seen, or some range around them when they are all equal. A few
+/// values that lie far out of what all others span do not flatten the line; it runs out of sight
+/// there.
+QPair<double, double> CrossSection::rangeOfSeen() const {
+    int first = 0;
+    int end = 0;
+    visibleIndices(&first, &end);
+    std::vector<double> seen;
+    std::copy_if(m_values.begin() + first, m_values.begin() + end, std::back_inserter(seen),
+                 [](double value) { return std::isfinite(value); });
+    if (seen.empty()) {
+        return {0.0, 1.0};
+    }
+    std::sort(seen.begin(), seen.end());
+    double low = seen.front();
+    double high = seen.back();
+    const std::size_t few = seen.size() / FewOfSeen;
+    const double usualLow = seen[few];
+    const double usualHigh = seen[seen.size() - 1 - few];
+    const double span = usualHigh - usualLow;
+    if (span > 0.0 && usualLow - low > FarOut * span) {
+        low = usualLow - span;
+    }
+    if (span > 0.0 && high - usualHigh > FarOut * span) {
+        high = usualHigh + span;
+    }
+    if (!(high - low > std::max(1e-200, 1e-12 * std::max(std::abs(low), std::abs(high))))) {
+        const double half = low == 0.0 ? 1.0 : std::max(std::abs(low) * 0.1, 1e-100);
+        low -= half;
+        high += half;
+    }
+    constexpr double Limit = 1e300;  // spans stay finite
+    return {std::max(low, -Limit), std::min(high, Limit)};
 }
 
 void CrossSection::updateCoord() {
@@ -63,28 +108,7 @@ void CrossSection::updateCoord() {
         m_coord.setScreen(Margin, width() - Margin, image.sy0 + shift.y(), image.sy1 + shift.y());
         m_coord.setReal(0, 1, image.ry0, image.ry1);
     }
-    int first = 0;
-    int end = 0;
-    visibleIndices(&first, &end);
-    double low = std::numeric_limits<double>::infinity();
-    double high = -low;
-    for (int i = first; i < end; ++i) {
-        if (std::isfinite(m_values[i])) {
-            low = std::min(low, m_values[i]);
-            high = std::max(high, m_values[i]);
-        }
-    }
-    if (low > high) {
-        low = 0.0;
-        high = 1.0;
-    } else if (!(high - low > std::max(1e-200, 1e-12 * std::max(std::abs(low), std::abs(high))))) {
-        const double half = low == 0.0 ? 1.0 : std::max(std::abs(low) * 0.1, 1e-100);
-        low -= half;
-        high += half;
-    }
-    const double limit = 1e300;  // spans stay finite
-    low = std::max(low, -limit);
-    high = std::min(high, limit);
+    const auto [low, high] = m_valueRange ? *m_valueRange : rangeOfSeen();
     if (across) {
         m_coord.setReal(image.rx0, image.rx1, low, high);
     } else {
@@ -146,6 +170,8 @@ void CrossSection::paintProfile(QPainter& painter) const {
     int first = 0;
     int end = 0;
     visibleIndices(&first, &end);
+    const double low = isAcross() ? m_coord.ry0 : m_coord.rx0;
+    const double high = isAcross() ? m_coord.ry1 : m_coord.rx1;
     QPainterPath line;
     bool broken = true;
     for (int i = first; i < end; ++i) {
@@ -153,9 +179,11 @@ void CrossSection::paintProfile(QPainter& painter) const {
             broken = true;
             continue;
         }
-        const QPointF from = onScreen(m_firstPixel + i, m_values[i]);
+        // What lies out of sight stays near it, for the painter's numbers are small.
+        const double value = std::max(2 * low - high, std::min(m_values[i], 2 * high - low));
+        const QPointF from = onScreen(m_firstPixel + i, value);
         broken ? line.moveTo(from) : line.lineTo(from);
-        line.lineTo(onScreen(m_firstPixel + i + 1.0, m_values[i]));
+        line.lineTo(onScreen(m_firstPixel + i + 1.0, value));
         broken = false;
     }
     const bool isDark = palette().color(QPalette::Base).lightness() < 128;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QPair>
 #include <QString>
 #include <QVector>
+#include <optional>
 
 #include "display/DispA.h"
 
@@ -21,6 +23,9 @@ class CrossSection : public DispA {
 
     /// One value a pixel from firstPixel on; what is no number breaks the line.
     void setProfile(const QVector<double>& values, int firstPixel);
+    /// Values at both ends of the value axis; without a range (low not below high) those that are
+    /// seen, a few far out of all others left aside.
+    void setValueRange(double low, double high);
     /// Position along the axis, in pixels.
     void setMarker(double position);
 
@@ -35,6 +40,7 @@ class CrossSection : public DispA {
   private:
     bool isAcross() const { return m_orientation == Qt::Horizontal; }
     void updateCoord();
+    QPair<double, double> rangeOfSeen() const;
     void visibleIndices(int* first, int* end) const;
     void paintProfile(QPainter& painter) const;
     void paintReadOut(QPainter& painter) const;
@@ -44,6 +50,7 @@ class CrossSection : public DispA {
     const ImageView* m_view = nullptr;
     QVector<double> m_values;
     int m_firstPixel = 0;
+    std::optional<QPair<double, double>> m_valueRange;
     double m_marker = -1.0;
     int m_hovered = -1;  // pixel
 };

@@ -30,6 +30,26 @@ QImage framePicture(const TiffData& frame, double low, double high) {
     return picture;
 }
 
+QPair<double, double> countPercentiles(const TiffData& frame, double share) {
+    std::vector<quint64> pixelsOf(65536);
+    for (const quint16* row : frame.rows) {
+        for (quint32 x = 0; x < frame.width; ++x) {
+            ++pixelsOf[row[x]];
+        }
+    }
+    const double all = static_cast<double>(frame.rows.size()) * frame.width;
+    const auto notExceededBy = [&](double pixels) {
+        double sum = 0.0;
+        std::size_t count = 0;
+        while (count < pixelsOf.size() - 1 &&
+               (sum += static_cast<double>(pixelsOf[count])) < pixels) {
+            ++count;
+        }
+        return static_cast<double>(count);
+    };
+    return {notExceededBy(share * all), notExceededBy((1.0 - share) * all)};
+}
+
 QImage withGapsMarked(const QImage& picture, const double* values, int width, int height) {
     if (values == nullptr || picture.width() != width || picture.height() != height) {
         return picture;

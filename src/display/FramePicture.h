@@ -1,12 +1,17 @@
 #pragma once
 
 #include <QImage>
+#include <QPair>
 
 struct TiffData;
 
 /// Grey picture of a frame's counts with the given range from black to white, of its own memory.
 /// A range that is empty or not finite gives a black picture.
 QImage framePicture(const TiffData& frame, double low, double high);
+
+/// The counts that a share of the frame's pixels, and all but that share, do not exceed: 0.01 gives
+/// the percentiles 1 and 99. (0, 0) for a frame without pixels.
+QPair<double, double> countPercentiles(const TiffData& frame, double share);
 
 /// The picture with the pixels whose value is no number in mid grey, a colour outside the map. The
 /// values lie row by row, one a pixel. The picture itself when there is none such, or when the

@@ -1224,12 +1224,28 @@
         <translation>自動</translation>
     </message>
     <message>
-        <source>Frames: drag an end or click on its value to fix the range, turn the wheel to widen or narrow it; double click for each frame&apos;s own</source>
-        <translation>フレーム: 端をドラッグするか値をクリックして範囲を固定します。ホイールで広げたり狭めたり、ダブルクリックでフレームごとの範囲に戻ります</translation>
-    </message>
-    <message>
         <source>Fixed</source>
         <translation>固定</translation>
+    </message>
+    <message>
+        <source>Frames: drag an end or click on its value to fix the range, turn the wheel to widen or narrow it; right click for more, double click for each frame&apos;s own. Results: the Analyzer sets the range</source>
+        <translation>フレーム: 端をドラッグするか値をクリックして範囲を固定、ホイールで拡大・縮小、右クリックでメニュー、ダブルクリックでフレームごとの範囲に戻ります。結果の範囲は解析ウィンドウで設定します</translation>
+    </message>
+    <message>
+        <source>Percentile 1-99</source>
+        <translation>1-99 パーセンタイル</translation>
+    </message>
+    <message>
+        <source>Whole range</source>
+        <translation>全範囲</translation>
+    </message>
+    <message>
+        <source>Each frame&apos;s own</source>
+        <translation>フレームごと (自動)</translation>
+    </message>
+    <message>
+        <source>The range of results is set in the Analyzer</source>
+        <translation>結果の表示範囲は解析ウィンドウで設定します</translation>
     </message>
 </context>
 <context>

@@ -1,4 +1,6 @@
+#include <QContextMenuEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QSignalSpy>
 #include <cmath>
 #include <limits>
@@ -25,6 +27,14 @@ struct Bar : ColorBar {
     }
 };
 
+// What a right click offers.
+QList<QAction*> menuOf(ColorBar* bar) {
+    qDeleteAll(bar->findChildren<QMenu*>());
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(12, 150), QPoint(12, 150));
+    QApplication::sendEvent(bar, &event);
+    return bar->findChild<QMenu*>()->actions();
+}
+
 // Number of pixels of a colour's kind in a column of a grab.
 int inkIn(const QImage& grab, int x, const QColor& ink) {
     int count = 0;
@@ -46,6 +56,7 @@ class BarsTest : public QObject {
     void wheelWidensAndNarrows();
     void typingAnEndFixesTheRange_data();
     void typingAnEndFixesTheRange();
+    void menuFixesTheRange();
     void resultsCannotBeChanged();
     void barShowsTheTable();
     void barsWithoutARange_data();
@@ -53,6 +64,7 @@ class BarsTest : public QObject {
     void sectionsShareTheViewsAxis();
     void sectionsReadOut();
     void sectionsScaleToWhatIsSeen();
+    void wildValuesDoNotFlatten();
     void gapsBreakTheLine();
     void sectionsOfAnyValues_data();
     void sectionsOfAnyValues();
@@ -148,6 +160,24 @@ void BarsTest::typingAnEndFixesTheRange() {
     QTEST(bar.rangeMax(), "high");
     QCOMPARE(bar.isAuto(), !fixed);
     QCOMPARE(changed.count(), fixed ? 1 : 0);
+}
+
+void BarsTest::menuFixesTheRange() {
+    Bar bar;
+    QSignalSpy percentiles(&bar, &ColorBar::percentilesAsked);
+    QCOMPARE(menuOf(&bar).size(), 3);
+    menuOf(&bar)[0]->trigger();
+    QCOMPARE(percentiles.count(), 1);
+    menuOf(&bar)[1]->trigger();  // the whole range of this frame
+    QVERIFY(!bar.isAuto());
+    bar.setDataRange(0, 65535);
+    QCOMPARE(bar.rangeMax(), 500.0);
+    QVERIFY(!menuOf(&bar)[2]->isChecked());
+    menuOf(&bar)[2]->trigger();
+    QVERIFY(bar.isAuto());
+    bar.setTable(ColorBar::False);
+    QCOMPARE(menuOf(&bar).size(), 1);
+    QVERIFY(!menuOf(&bar)[0]->isEnabled());
 }
 
 void BarsTest::resultsCannotBeChanged() {
@@ -276,6 +306,33 @@ void BarsTest::sectionsScaleToWhatIsSeen() {
     section.grab();
     QCOMPARE(section.coord().ry0, 0.0);
     QVERIFY(section.coord().ry1 < 35.0);
+}
+
+void BarsTest::wildValuesDoNotFlatten() {
+    ImageView view;
+    view.resize(400, 400);
+    view.setImageSize(100, 100);
+    view.grab();
+    CrossSection section(Qt::Horizontal);
+    section.resize(400, 110);
+    section.follow(&view);
+    QVector<double> values(100);
+    for (int i = 0; i < 100; ++i)
+        values[i] = 0.01 * (i % 11);
+    values[50] = 2.0;  // a grain
+    section.setProfile(values, 0);
+    section.grab();
+    QCOMPARE(section.coord().ry1, 2.0);
+    values[50] = -5000.0;
+    values[70] = 4000.0;
+    section.setProfile(values, 0);
+    section.grab();
+    QVERIFY(section.coord().ry0 > -1.0 && section.coord().ry1 < 1.0);
+    QVERIFY(section.coord().ry0 < 0.0 && section.coord().ry1 > 0.1);
+    section.setValueRange(-0.5, 1.5);  // that of the colour bar
+    section.grab();
+    QCOMPARE(section.coord().ry0, -0.5);
+    QCOMPARE(section.coord().ry1, 1.5);
 }
 
 void BarsTest::gapsBreakTheLine() {

@@ -21,6 +21,7 @@ class PicturesTest : public QObject {
   private slots:
     void framesGoThroughTheGreyTable_data();
     void framesGoThroughTheGreyTable();
+    void percentilesLeaveOutliersAside();
     void gapsAreGrey();
     void profilesAreMeansOverTheBin_data();
     void profilesAreMeansOverTheBin();
@@ -58,6 +59,17 @@ void PicturesTest::framesGoThroughTheGreyTable() {
             QCOMPARE(qGray(picture.pixel(x, y)), grey);
         }
     }
+}
+
+void PicturesTest::percentilesLeaveOutliersAside() {
+    const auto counts = [](int x, int y) {
+        const int i = x + 20 * y;  // 0..399; 4 pixels are a hundredth
+        return static_cast<quint16>(i < 3 ? 0 : i > 395 ? 65535 : 1000 + i);
+    };
+    const auto frame = tinyFrame(20, 20, 7000.0, counts);
+    QCOMPARE(countPercentiles(*frame, 0.01), qMakePair(1003.0, 1395.0));
+    QCOMPARE(countPercentiles(*frame, 0.0), qMakePair(0.0, 65535.0));
+    QCOMPARE(countPercentiles(TiffData(), 0.01), qMakePair(0.0, 0.0));
 }
 
 void PicturesTest::gapsAreGrey() {
