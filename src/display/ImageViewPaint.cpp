@@ -141,6 +141,7 @@ void ImageView::paintSelection(QPainter& painter) const {
     const QString size =
         QStringLiteral("%1 x %2").arg(QString::number(m_selection.width(), 'f', 0),
                                       QString::number(m_selection.height(), 'f', 0));
+    // Light: red is hard to read on dark pictures.
     drawLabel(painter, area.bottomLeft() + QPointF(2, 2), size, Qt::AlignLeft | Qt::AlignTop,
-              QRectF(rect()), getColor(0));
+              QRectF(rect()), QColor(255, 225, 225));
 }
