@@ -1229,7 +1229,7 @@
     </message>
     <message>
         <source>Frames: drag an end or click on its value to fix the range, turn the wheel to widen or narrow it; right click for more, double click for each frame&apos;s own. Results: the Analyzer sets the range</source>
-        <translation>フレーム: 端をドラッグするか値をクリックして範囲を固定、ホイールで拡大・縮小、右クリックでメニュー、ダブルクリックでフレームごとの範囲に戻ります。結果の範囲は解析ウィンドウで設定します</translation>
+        <translation>フレーム: 端をドラッグするか値をクリックして範囲を固定、ホイールで拡大・縮小、右クリックでメニュー、ダブルクリックでフレームごとの範囲に戻ります。結果の範囲は解析パネルで設定します</translation>
     </message>
     <message>
         <source>Percentile 1-99</source>
@@ -1245,7 +1245,7 @@
     </message>
     <message>
         <source>The range of results is set in the Analyzer</source>
-        <translation>結果の表示範囲は解析ウィンドウで設定します</translation>
+        <translation>結果の表示範囲は解析パネルで設定します</translation>
     </message>
 </context>
 <context>
