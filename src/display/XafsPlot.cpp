@@ -3,8 +3,6 @@
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
-#include <limits>
-#include <vector>
 
 #include "app/Globals.h"
 #include "display/DispA.h"
