@@ -116,18 +116,25 @@ void CrossSection::updateCoord() {
     }
 }
 
-void CrossSection::paintTicks(QPainter& painter) const {
+void CrossSection::paintProfileOnTicks(QPainter& painter) const {
     const bool across = m_orientation == Qt::Horizontal;
     const QColor grid = palette().color(QPalette::Mid);
     const QRectF all(rect());
     const Ticks ticks =
         across ? ticksBetween(m_coord.ry0, m_coord.ry1) : ticksBetween(m_coord.rx0, m_coord.rx1);
-    double taken = -1.0;  // by labels, from the low end of the widget on
     for (double value : ticks.values) {
         const double s = across ? m_coord.r2sY(value) : m_coord.r2sX(value);
         painter.setPen(QPen(grid, 0, Qt::DotLine));
         painter.drawLine(across ? QPointF(0, s) : QPointF(s, 0),
                          across ? QPointF(width(), s) : QPointF(s, height()));
+    }
+    paintProfile(painter);
+    // The numbers last, on paper of their own: a noisy line would hide them.
+    QColor paper = palette().color(QPalette::Base);
+    paper.setAlpha(200);
+    double taken = -1.0;  // by labels, from the low end of the widget on
+    for (double value : ticks.values) {
+        const double s = across ? m_coord.r2sY(value) : m_coord.r2sX(value);
         const QString text = tickText(value, ticks.step);
         const double size =
             across ? fontMetrics().height() : fontMetrics().horizontalAdvance(text) + 6;
@@ -138,9 +145,13 @@ void CrossSection::paintTicks(QPainter& painter) const {
             continue;
         }
         taken = begin + size;
+        const QPointF anchor = across ? QPointF(2, s) : QPointF(s, 2);
+        const Qt::Alignment side =
+            across ? Qt::AlignLeft | Qt::AlignVCenter : Qt::AlignHCenter | Qt::AlignTop;
+        painter.setPen(Qt::NoPen);
+        painter.fillRect(drawText(painter, anchor, text, side, all), paper);
         painter.setPen(palette().color(QPalette::WindowText));
-        drawText(painter, across ? QPointF(2, s) : QPointF(s, 2), text,
-                 across ? Qt::AlignLeft | Qt::AlignVCenter : Qt::AlignHCenter | Qt::AlignTop, all);
+        drawText(painter, anchor, text, side, all);
     }
 }
 
@@ -150,8 +161,7 @@ void CrossSection::paintBelow(QPainter& painter) {
         return;
     }
     updateCoord();
-    paintTicks(painter);
-    paintProfile(painter);
+    paintProfileOnTicks(painter);
     if (m_marker >= 0.0) {
         const double middle = std::floor(m_marker) + 0.5;
         const double s = isAcross() ? m_coord.r2sX(middle) : m_coord.r2sY(middle);

@@ -44,7 +44,7 @@ class CrossSection : public DispA {
     void visibleIndices(int* first, int* end) const;
     void paintProfile(QPainter& painter) const;
     void paintReadOut(QPainter& painter) const;
-    void paintTicks(QPainter& painter) const;
+    void paintProfileOnTicks(QPainter& painter) const;
 
     Qt::Orientation m_orientation;
     const ImageView* m_view = nullptr;
