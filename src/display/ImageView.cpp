@@ -75,6 +75,7 @@ void ImageView::setBinBox(int halfWidth, int halfHeight) {
 }
 
 void ImageView::resetImageViewWindow() {
+    m_wheelAnchor.reset();
     zoomTo(wholeScale(), imageRect().center());
 }
 
@@ -121,6 +122,7 @@ void ImageView::showAgain() {
 
 void ImageView::bringIntoView(const QPointF& real) {
     if (!m_visible.isEmpty() && !m_visible.contains(real)) {
+        m_wheelAnchor.reset();
         m_centre = real;
         showAgain();
     }
@@ -132,6 +134,7 @@ QPointF ImageView::toReal(const QPointF& screen) const {
 
 void ImageView::resizeEvent(QResizeEvent* event) {
     DispA::resizeEvent(event);
+    m_wheelAnchor.reset();
     showAgain();
 }
 
@@ -156,6 +159,7 @@ void ImageView::mouseMoveEvent(QMouseEvent* event) {
     if (event->source() != Qt::MouseEventNotSynthesized) {
         return;
     }
+    m_wheelAnchor.reset();
     const QPointF real = toReal(event->localPos());
     const bool follows = m_drag == Drag::None && !m_pinned;
     if (follows) {
@@ -244,12 +248,16 @@ void ImageView::wheelEvent(QWheelEvent* event) {
         return;
     }
     const double before = m_zoom * wholeScale();
-    const QPointF fixed = toReal(event->position());
+    if (!m_wheelAnchor || m_wheelAt != event->position()) {
+        m_wheelAnchor = toReal(event->position());
+        m_wheelAt = event->position();
+    }
     const double factor = std::pow(ZoomStep, event->angleDelta().y() / WheelNotch);
     const double scale = std::max(wholeScale(), std::min(before * factor, closestScale()));
-    // What lies under the cursor stays there.
-    const QPointF middle = toReal(QPointF(width() / 2.0, height() / 2.0));
-    zoomTo(scale, fixed + (middle - fixed) * (before / scale));
+    // What lies under the cursor stays there, or comes back once the image has outgrown the bars
+    // beside it.
+    const QPointF middle(width() / 2.0, height() / 2.0);
+    zoomTo(scale, *m_wheelAnchor + (middle - m_wheelAt) / scale);
 }
 
 void ImageView::keyPressEvent(QKeyEvent* event) {

@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QPointF>
 #include <QRectF>
+#include <optional>
 
 #include "display/DispA.h"
 
@@ -105,8 +106,10 @@ class ImageView : public DispA {
     double m_zoom = 1.0;  // times the scale at which the whole image fits
     QPointF m_centre;
     QRectF m_visible;
-    QRectF m_selection;        // inside the image
-    QRectF m_wantedSelection;  // as it was asked for
+    std::optional<QPointF> m_wheelAnchor;  // what the wheel zooms about, until the mouse moves
+    QPointF m_wheelAt;                     // and where that was on the screen
+    QRectF m_selection;                    // inside the image
+    QRectF m_wantedSelection;              // as it was asked for
     bool m_resultDisplayed = false;
     int m_halfWidth = 0;
     int m_halfHeight = 0;

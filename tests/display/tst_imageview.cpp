@@ -198,6 +198,12 @@ void ImageViewTest::wheelZoomsAboutTheCursor() {
     view.resetImageViewWindow();
     QCOMPARE(changed.count(), 1);
     QCOMPARE(view.visibleRect(), rect(0, 0, 400, 300));
+    // Beside an upright image there are bars at first, then it is under the cursor again.
+    view.setImageSize(75, 300);
+    for (int notch = 1; notch <= 12; ++notch) {
+        Mouse::wheel(&view, QPointF(192.5, 220), 1);
+    }
+    QVERIFY(near(onScreen(view, 30, 220), QPointF(192.5, 220), 1e-6));
 }
 
 void ImageViewTest::zoomHasLimits_data() {
