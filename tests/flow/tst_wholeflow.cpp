@@ -26,6 +26,7 @@ class TestWholeFlow : public QObject {
     Q_OBJECT
 
     std::unique_ptr<Phantom> m_phantom;
+    std::unique_ptr<Phantom> m_large;
     QStringList m_lines;
 
     /// Does something once in the middle of the first analysis.
@@ -46,7 +47,12 @@ class TestWholeFlow : public QObject {
         options.fractionOfA = fractionOfA;
         m_phantom = std::make_unique<Phantom>(options);
         QVERIFY(m_phantom->isValid());
-        m_lines = m_phantom->loadAndSetReferences() +
+        // Enough points for events to come in between.
+        options.width = 40;
+        options.height = 24;
+        m_large = std::make_unique<Phantom>(options);
+        QVERIFY(m_large->isValid());
+        m_lines = m_large->loadAndSetReferences() +
                   QStringList{"analyzer_exec_LCF", "set_band_w 0", "what", "analyzer_exec_LCF",
                               "set_band_h 0"};
     }
@@ -140,8 +146,8 @@ class TestWholeFlow : public QObject {
     void whateverHappens_data() {
         QTest::addColumn<Action>("action");
         QTest::addColumn<int>("problems");  // "what" is one
-        const QString i1 = m_phantom->file("i1-7000_000eV.tif");
-        const QString i0 = m_phantom->file("i0-7000_000eV.tif");
+        const QString i1 = m_large->file("i1-7000_000eV.tif");
+        const QString i0 = m_large->file("i0-7000_000eV.tif");
         const auto row = [](const char* name, int problems, const Action& action) {
             QTest::newRow(name) << action << problems;
         };
