@@ -1,12 +1,13 @@
 // The kernels of Lanes.h for one width of vector: included once for each, inside a namespace that
-// sets `Width`, the doubles of one vector, and the processor units that the compiler may use. What
-// is included before must bring every header that this needs.
+// has `Width`, the doubles of one vector, and any(mask), and where the compiler may use the units
+// for it. What is included before must bring every header that this needs.
 
 using Real = double __attribute__((vector_size(Width * 8)));
 using Bits = unsigned long long __attribute__((vector_size(Width * 8)));
 using Mask = decltype(Real() < Real());
 
-constexpr int Parts = Count / Width;
+constexpr double SmallestNormal = std::numeric_limits<double>::min();
+constexpr double LargestNumber = std::numeric_limits<double>::max();
 
 [[gnu::always_inline]] inline Real load(const double* p) {
     Real v;
@@ -16,14 +17,6 @@ constexpr int Parts = Count / Width;
 
 [[gnu::always_inline]] inline void store(double* p, const Real& v) {
     std::memcpy(p, &v, sizeof v);
-}
-
-[[gnu::always_inline]] inline bool any(const Mask& mask) {
-    long long bits = 0;
-    for (int l = 0; l < Width; ++l) {
-        bits |= mask[l];
-    }
-    return bits != 0;
 }
 
 /// Indices as doubles, to be compared with a broadcast index.
@@ -68,8 +61,13 @@ void fromCounts(const unsigned short* counts, std::ptrdiff_t n, double* out) {
             s1 -= dark;
             s0 = sums.before != nullptr ? s0 - dark : s0;
         }
+        const Real ratio = s0 / s1;
         Real ln;
-        logarithmOf<Real, Bits>(s0 / s1, ln);
+        if (any((ratio < SmallestNormal) | (ratio > LargestNumber) | (ratio != ratio))) {
+            logarithmOf<Real, Bits>(ratio, ln);
+        } else {
+            logarithmOfNormal<Real, Bits>(ratio, Real{}, ln);
+        }
         store(mu + l, s0 * s1 > 0.0 ? ln : Real{} + 1.0);
     }
 }
@@ -259,4 +257,5 @@ void projections(const double* y, const double* f, int stride, int count, double
     }
 }
 
-constexpr Kernels All = {fromCounts, muT, risingEdge, rangeSums, middle, doubleNormalised, projections};
+constexpr Kernels All = {fromCounts,       muT,        risingEdge, rangeSums, middle,
+                         doubleNormalised, projections};

@@ -1,7 +1,12 @@
 #include "spectra/Lanes.h"
 
+#ifdef __x86_64__
+#include <immintrin.h>
+#endif
+
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 #include "spectra/Logarithm.h"
 
@@ -12,6 +17,10 @@ namespace lanes {
 
 namespace baseline {
 constexpr int Width = 2;
+template <typename Mask>
+[[gnu::always_inline]] inline bool any(const Mask& mask) {
+    return (mask[0] | mask[1]) != 0;
+}
 #include "spectra/LaneKernels.inl"
 }  // namespace baseline
 
@@ -21,6 +30,12 @@ constexpr int Width = 2;
 #pragma GCC target("avx2")
 namespace wide4 {
 constexpr int Width = 4;
+template <typename Mask>
+[[gnu::always_inline]] inline bool any(const Mask& mask) {
+    __m256d bits;
+    std::memcpy(&bits, &mask, sizeof bits);
+    return _mm256_movemask_pd(bits) != 0;
+}
 #include "spectra/LaneKernels.inl"
 }  // namespace wide4
 #pragma GCC pop_options
@@ -29,6 +44,12 @@ constexpr int Width = 4;
 #pragma GCC target("avx512f,avx512dq,avx512vl")
 namespace wide8 {
 constexpr int Width = 8;
+template <typename Mask>
+[[gnu::always_inline]] inline bool any(const Mask& mask) {
+    __m512i bits;
+    std::memcpy(&bits, &mask, sizeof bits);
+    return _mm512_movepi64_mask(bits) != 0;
+}
 #include "spectra/LaneKernels.inl"
 }  // namespace wide8
 #pragma GCC pop_options
