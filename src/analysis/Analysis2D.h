@@ -46,6 +46,8 @@ class Analysis2D {
                   const FitPass& fitPass = {});
     void stopLcf();
     bool lcfRunning() const { return m_running; }
+    /// A pass over the raster is under way: its threads read frames and energy shifts.
+    bool fitsRows() const { return m_pass != nullptr; }
     double lcfPercent() const { return m_grid.percent(); }
     /// The fitter has reported: records its point and hands over the next. After Finished the
     /// caller makes the images and ends the analysis.

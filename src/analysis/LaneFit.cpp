@@ -36,7 +36,7 @@ void LaneFit::prepare(double correction) {
 void LaneFit::fit(const double* mu, const double* corrections, int count, double* results) {
     const double* y = mu;
     if (m_method == LinearFit::Lcf) {
-        m_normaliser.normalise(mu);
+        m_normaliser.normalise(mu, count);
         m_normaliser.doubleNormalised(mu, m_allPoints, m_y.data());
         y = m_y.data();
     }
@@ -94,7 +94,7 @@ std::vector<RasterPass::Evaluate> backgroundEvaluators(int threads,
         const auto normaliser = std::make_shared<LaneNormaliser>(energies, backgroundType);
         evaluators.push_back(
             [normaliser, e](const double* mu, int, int, int count, double* values) {
-                normaliser->normalise(mu);
+                normaliser->normalise(mu, count);
                 for (int l = 0; l < count; ++l) {
                     values[2 * l] = normaliser->preAt(e, l);
                     values[2 * l + 1] = normaliser->postAt(e, l);

@@ -234,8 +234,7 @@ void Body::connectAnalyzer() {
     connect(m_analyzer.get(), &Analyzer::finished, this, &Body::analyzeASpectrumFinished);
     connect(m_analyzer.get(), &Analyzer::changedSelection, this, &Body::selectedNewRef);
     connect(m_analyzer.get(), &Analyzer::busyChanged, this, &Body::updateControls);
-    connect(m_analyzer.get(), &Analyzer::raEnergyChanged, m_xafsView.get(),
-            &XafsView::setRaEnergy);
+    connect(m_analyzer.get(), &Analyzer::raEnergyChanged, m_xafsView.get(), &XafsView::setRaEnergy);
     m_xafsView->setRaEnergy(m_analyzer->raEnergy());
     connect(m_xafsView.get(), &XafsView::updated, this, &Body::updateSpectraButton);
 }

@@ -201,6 +201,7 @@ class Body : public QMainWindow {
     void showSpectrumAgain();
     /// A pass over the area that blocks the window; false without images.
     void lcfRowsReady();
+    void stopFittingRows();
     std::unique_ptr<RasterPass> fitPass(const AnalysisGrid& grid,
                                         const QVector<XafsSpectrum>& references,
                                         LinearFit::Method method);

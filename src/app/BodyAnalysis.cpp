@@ -136,6 +136,7 @@ bool Body::runBlocking(const std::function<void(const AnalysisGrid&)>& pass) {
 }
 
 void Body::execCalibration() {
+    stopFittingRows();
     const bool done = runBlocking([this](const AnalysisGrid& grid) {
         RasterPass pass(source(), grid.raster(), 1, edgeEvaluators(m_threads, source().energies()));
         calibrate(
@@ -160,6 +161,7 @@ void Body::execCalibration() {
 }
 
 void Body::clearShiftMap() {
+    stopFittingRows();
     ::clearShiftMap(m_shiftMap.get());
     redisplay();
     showSpectrumAgain();
@@ -167,6 +169,7 @@ void Body::clearShiftMap() {
 
 void Body::normalizeEShift() {
     if (m_shiftMap->grid().width > 0) {
+        stopFittingRows();
         smoothShiftMap(m_shiftMap.get());
         redisplay();
         showSpectrumAgain();
@@ -219,6 +222,12 @@ void Body::startLCF2DAnalysis() {
     if (!why.isEmpty()) {
         debugTimed(QStringLiteral("LCF not started: ") + why);
         note(why);
+    }
+}
+
+void Body::stopFittingRows() {
+    if (m_analysis && m_analysis->fitsRows()) {
+        stop2DAnalysis();
     }
 }
 

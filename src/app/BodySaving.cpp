@@ -209,6 +209,7 @@ void Body::saveEMap(const QString& fname) {
 }
 
 void Body::loadEMap(const QString& fname) {
+    stopFittingRows();
     QSize size(m_imageWidth, m_imageHeight);
     if (!readEMap(fname, m_calib->edgeEnergy(), &size, m_shiftMap.get())) {
         note(tr("no whole energy map of the images' size: %1").arg(fname));

@@ -112,6 +112,7 @@ void Body::clear(Stack& stack) {
         m_frame = -1;
     }
     stack.panel->clearFiles();
+    stopFittingRows();
     stack.loader.clear();
     stacksChanged();
     if (stack.id == Stack::I1) {
@@ -194,6 +195,7 @@ bool Body::arrived(Stack& stack, TiffData* loaded) {
     if (!frame) {
         return false;
     }
+    stopFittingRows();
     // The panel's list and the stack hold the same files in the same order.
     m_takingIn = true;
     frame->energy = stack.panel->newFile(frame->fileName);
@@ -209,6 +211,7 @@ void Body::tellProgress(const Stack& stack) {
 }
 
 void Body::stacksChanged() {
+    stopFittingRows();
     m_rows.reset();
     m_source.reset();
 }

@@ -1,5 +1,6 @@
 #include "spectra/LaneNormaliser.h"
 
+#include <QDebug>
 #include <algorithm>
 #include <cmath>
 
@@ -142,7 +143,7 @@ void LaneNormaliser::fit(const double* mu, const double* edges, double start, do
     }
 }
 
-void LaneNormaliser::normalise(const double* mu) {
+void LaneNormaliser::normalise(const double* mu, int count) {
     const int n = static_cast<int>(m_energies.size());
     double edges[Count];
     m_kernels.risingEdge(mu, m_energies.data(), n, EdgeFraction, edges);
@@ -165,6 +166,9 @@ void LaneNormaliser::normalise(const double* mu) {
         const int pair = pairAround(m_midE[l]);
         m_dMut[l] =
             interpolatedAt(m_post, m_midE[l], pair, l) - interpolatedAt(m_pre, m_midE[l], pair, l);
+        if (l < count && m_dMut[l] == 0.0) {
+            qDebug() << "dMut_ is 0 in findMidEandDMut";
+        }
     }
 }
 

@@ -20,8 +20,9 @@ class LaneNormaliser {
     LaneNormaliser(const std::vector<double>& energies, int backgroundType,
                    lanes::Units units = lanes::bestUnits());
 
-    /// Normalises the pack mu[energy * lanes::Count + spectrum].
-    void normalise(const double* mu);
+    /// Normalises the pack mu[energy * lanes::Count + spectrum], whose first `count` spectra
+    /// matter. One of them without an edge jump gives a debug line.
+    void normalise(const double* mu, int count = lanes::Count);
 
     // Of the last pack, one for each of its spectra.
     const double* midE() const { return m_midE; }

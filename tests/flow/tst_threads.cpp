@@ -1,6 +1,7 @@
 #include <QFile>
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <memory>
 
 #include "BatchRun.h"
@@ -25,6 +26,8 @@ QByteArray mapsOf(const QVector<Analyzed2DRes*>& results) {
 }
 
 }  // namespace
+
+Q_DECLARE_METATYPE(std::function<void(Body&)>)
 
 /// Whole maps, byte for byte: one point at a time through the fitter's thread, as in the window,
 /// against rows of bins in any number of threads.
@@ -79,6 +82,35 @@ class TestThreads : public QObject {
             QVERIFY(!analyzerWindow()->isBusy());
             QCOMPARE(analyzerWindow()->fitsOut(), 0);
         }
+    }
+
+    void whatItsThreadsReadMayChange_data() {
+        QTest::addColumn<std::function<void(Body&)>>("change");
+        using Change = std::function<void(Body&)>;
+        const QString frame = m_phantom->file("i1-7000_000eV.tif");
+        QTest::newRow("frames cleared") << Change([](Body& body) { body.clearI0Files(); });
+        QTest::newRow("frames added")
+            << Change([=](Body& body) { body.readI1Files({frame}, false); });
+        QTest::newRow("map made") << Change([](Body& body) { body.execCalibration(); });
+        QTest::newRow("map cleared") << Change([](Body& body) { body.clearShiftMap(); });
+    }
+
+    /// The analysis ends before they do, and the batch goes on.
+    void whatItsThreadsReadMayChange() {
+        QFETCH(std::function<void(Body&)>, change);
+        Body body;
+        body.setFitsRows(true);
+        BatchRun batch(body);
+        QVERIFY(batch.run(m_phantom->loadAndSetReferences()));
+        connect(&body, &Body::analysisProgress, &body, [&, done = false](double percent) mutable {
+            if (!done && percent > 0.0 && percent < 100.0) {
+                done = true;
+                change(body);
+            }
+        });
+        QVERIFY(batch.run({"analyzer_exec_LCF", "set_band_w 1"}));
+        QCOMPARE(batch.done(), 2);
+        QVERIFY(!analyzerWindow()->isBusy());
     }
 
   private:
