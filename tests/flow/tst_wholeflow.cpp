@@ -52,9 +52,9 @@ class TestWholeFlow : public QObject {
         options.height = 24;
         m_large = std::make_unique<Phantom>(options);
         QVERIFY(m_large->isValid());
-        m_lines = m_large->loadAndSetReferences() +
-                  QStringList{"analyzer_exec_LCF", "set_band_w 0", "what", "analyzer_exec_LCF",
-                              "set_band_h 0"};
+        m_lines = m_large->loadAndSetReferences() + QStringList{"analyzer_exec_LCF", "set_band_w 0",
+                                                                "what", "analyzer_exec_LCF",
+                                                                "set_band_h 0"};
     }
 
     /// The counts are integers of about 20000: mu-t is off by at most 1 / 40000 a point. The
