@@ -220,7 +220,7 @@ std::unique_ptr<RasterPass> Body::fitPass(const AnalysisGrid& grid,
 void Body::startLCF2DAnalysis() {
     const QString why = startLcf();
     if (!why.isEmpty()) {
-        debugTimed(QStringLiteral("LCF not started: ") + why);
+        debugTimed(QStringLiteral("LCF not started: "));  // why: in the window's language alone
         note(why);
     }
 }
