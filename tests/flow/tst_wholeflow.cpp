@@ -186,7 +186,9 @@ class TestWholeFlow : public QObject {
         QVERIFY(batch.run(m_lines));
         QTest::qWait(20);  // a late answer would come now
         QCOMPARE(order, m_lines);
-        QCOMPARE(answers.count(), m_lines.size());
+        // A load of the user's that outlasts the batch is said once more, when no line waits.
+        const int more = answers.count() - m_lines.size();
+        QVERIFY2(more == 0 || more == 1, qPrintable(QString::number(more)));
         // One more when the second analysis begins before the other frames are there.
         QVERIFY2(batch.problems().size() == problems || batch.problems().last().contains("images"),
                  qPrintable(batch.problems().join('\n')));
