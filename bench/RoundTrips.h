@@ -3,9 +3,9 @@
 #include <QCoreApplication>
 #include <QThread>
 
-#include "analysis/AnalyzeProc.h"
-#include "analysis/LCFReference.h"
-#include "analysis/PromptLoop.h"
+#include "panels/AnalyzeProc.h"
+#include "panels/LCFReference.h"
+#include "panels/PromptLoop.h"
 
 /// The other side: answers at once, in a thread of its own.
 class Answerer : public QObject {

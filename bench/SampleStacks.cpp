@@ -11,7 +11,7 @@
 #include <random>
 #include <vector>
 
-#include "imagedata/TiffFile.h"
+#include "frames/TiffFile.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-#include "imagedata/FrameSet.h"
+#include "frames/FrameSet.h"
 
 /// Two stacks of an absorption edge with counting noise on disk, and spectra of two references.
 /// They are written once and taken away with the object.

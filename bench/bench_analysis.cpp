@@ -5,8 +5,8 @@
 
 #include <cmath>
 
-#include "analysis/LinearFit.h"
-#include "app/Globals.h"
+#include "base/Globals.h"
+#include "fitting/LinearFit.h"
 
 namespace {
 

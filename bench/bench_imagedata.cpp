@@ -7,10 +7,10 @@
 #include <thread>
 #include <vector>
 
-#include "app/Globals.h"
-#include "imagedata/AbsorptionSource.h"
-#include "imagedata/FrameSet.h"
-#include "imagedata/TiffFile.h"
+#include "absorption/AbsorptionSource.h"
+#include "base/Globals.h"
+#include "frames/FrameSet.h"
+#include "frames/TiffFile.h"
 
 // Read pairs of rows as ratios: Load against ScanlineLoop (reading), BlockRows against
 // PointByPoint (spectra of a whole image), BoxSum against PlainBox.

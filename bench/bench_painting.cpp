@@ -18,16 +18,16 @@
 #include <limits>
 
 #include "SampleStacks.h"
-#include "analysis/Analyzed2DRes.h"
-#include "analysis/Analyzer.h"
-#include "app/Body.h"
-#include "app/Globals.h"
-#include "batch/BatchCtrl.h"
+#include "base/Globals.h"
 #include "display/ColorBar.h"
 #include "display/CrossSection.h"
 #include "display/ImageView.h"
 #include "display/XafsView.h"
-#include "imagedata/TiffFile.h"
+#include "frames/TiffFile.h"
+#include "maps/Analyzed2DRes.h"
+#include "panels/Analyzer.h"
+#include "panels/BatchCtrl.h"
+#include "window/Body.h"
 
 namespace {
 

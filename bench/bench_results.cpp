@@ -7,8 +7,8 @@
 #include <memory>
 #include <vector>
 
-#include "analysis/Analyzed2DRes.h"
-#include "app/Globals.h"
+#include "base/Globals.h"
+#include "maps/Analyzed2DRes.h"
 
 namespace {
 

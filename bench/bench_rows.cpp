@@ -12,12 +12,12 @@
 #include <memory>
 #include <random>
 
-#include "analysis/AnalysisGrid.h"
-#include "analysis/LaneFit.h"
-#include "app/Globals.h"
-#include "imagedata/AbsorptionSource.h"
-#include "imagedata/FrameSet.h"
-#include "imagedata/RasterPass.h"
+#include "absorption/AbsorptionSource.h"
+#include "absorption/RasterPass.h"
+#include "base/Globals.h"
+#include "fitting/LaneFit.h"
+#include "frames/FrameSet.h"
+#include "maps/AnalysisGrid.h"
 #include "spectra/Logarithm.h"
 
 namespace {

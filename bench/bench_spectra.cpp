@@ -4,7 +4,7 @@
 #include <cmath>
 #include <vector>
 
-#include "app/Globals.h"
+#include "base/Globals.h"
 #include "spectra/LinearSolver.h"
 #include "spectra/XafsSpectrum.h"
 

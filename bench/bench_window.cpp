@@ -20,16 +20,16 @@
 
 #include "RoundTrips.h"
 #include "SampleStacks.h"
-#include "analysis/AnalysisGrid.h"
-#include "analysis/Analyzed2DRes.h"
-#include "analysis/LinearFit.h"
-#include "app/Body.h"
-#include "app/Globals.h"
-#include "batch/BatchCtrl.h"
+#include "absorption/AbsorptionSource.h"
+#include "base/Globals.h"
 #include "calibration/EnergyShift.h"
-#include "imagedata/AbsorptionSource.h"
-#include "imagedata/TiffFile.h"
+#include "fitting/LinearFit.h"
+#include "frames/TiffFile.h"
+#include "maps/AnalysisGrid.h"
+#include "maps/Analyzed2DRes.h"
+#include "panels/BatchCtrl.h"
 #include "spectra/SpectrumFile.h"
+#include "window/Body.h"
 
 namespace {
 

@@ -10,9 +10,9 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "batch/BatchCtrl.h"
 #include "batch/BatchDispatcher.h"
 #include "display/ImageView.h"
+#include "panels/BatchCtrl.h"
 
 namespace {
 

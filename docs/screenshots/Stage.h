@@ -5,7 +5,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "app/Body.h"
+#include "window/Body.h"
 
 class QPoint;
 class QWidget;

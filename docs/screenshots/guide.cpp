@@ -10,15 +10,15 @@
 #include <QTabWidget>
 
 #include "Stage.h"
-#include "analysis/Analyzed2DRes.h"
-#include "analysis/Analyzer.h"
-#include "analysis/LCFReference.h"
-#include "app/Globals.h"
-#include "batch/BatchCtrl.h"
-#include "calibration/CalibCtrl.h"
+#include "base/Globals.h"
 #include "display/ColorBar.h"
 #include "display/XafsView.h"
-#include "output/SaveDataCfg.h"
+#include "maps/Analyzed2DRes.h"
+#include "panels/Analyzer.h"
+#include "panels/BatchCtrl.h"
+#include "panels/CalibCtrl.h"
+#include "panels/LCFReference.h"
+#include "panels/SaveDataCfg.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <cstdio>
 
 #include "Stage.h"
-#include "app/Globals.h"
-#include "app/Translation.h"
+#include "base/Globals.h"
+#include "window/Translation.h"
 
 namespace {
 /// What most desktops set; the platform without a display has 12.

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "Stage.h"
-#include "batch/BatchCtrl.h"
+#include "panels/BatchCtrl.h"
 
 void makeWindowPictures(Stage& stage) {
     stage.run({QStringLiteral("analyzer_show_window"), QStringLiteral("calib_show_window"),

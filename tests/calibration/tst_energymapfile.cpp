@@ -7,9 +7,9 @@
 #include "Files.h"
 #include "FullDisk.h"
 #include "TestMain.h"
-#include "analysis/AnalysisGrid.h"
-#include "analysis/Analyzed2DRes.h"
 #include "calibration/EnergyMapFile.h"
+#include "maps/AnalysisGrid.h"
+#include "maps/Analyzed2DRes.h"
 #include "spectra/Spectrum.h"
 
 namespace {

@@ -6,9 +6,9 @@
 #include "DebugLines.h"
 
 #include "TestMain.h"
-#include "analysis/AnalysisGrid.h"
-#include "analysis/Analyzed2DRes.h"
 #include "calibration/EnergyShift.h"
+#include "maps/AnalysisGrid.h"
+#include "maps/Analyzed2DRes.h"
 #include "spectra/Spectrum.h"
 
 namespace {

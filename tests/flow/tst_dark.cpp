@@ -10,9 +10,9 @@
 #include "BatchRun.h"
 #include "Phantom.h"
 #include "TestMain.h"
-#include "analysis/Analyzed2DRes.h"
-#include "analysis/Analyzer.h"
-#include "analysis/LCFReference.h"
+#include "maps/Analyzed2DRes.h"
+#include "panels/Analyzer.h"
+#include "panels/LCFReference.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include "BatchRun.h"
 #include "Phantom.h"
 #include "TestMain.h"
-#include "analysis/Analyzed2DRes.h"
-#include "analysis/LCFReference.h"
+#include "maps/Analyzed2DRes.h"
+#include "panels/LCFReference.h"
 
 namespace {
 

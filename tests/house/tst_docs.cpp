@@ -115,7 +115,7 @@ void DocsTest::quotedLogLinesAreThoseOfTheProgram() {
 }
 
 void DocsTest::japaneseNamesAreThoseOfTheInterface() {
-    const QString texts = textOf(Root + "src/translations/Tarnwick_ja_JP.ts");
+    const QString texts = textOf(Root + "src/ui/translations/Tarnwick_ja_JP.ts");
     int checked = 0;
     for (const QString& document : filesBelow("docs/guide/ja", {"*.md"})) {
         for (QString name : captures(textOf(document), QStringLiteral("「([^」]+)」"))) {

@@ -2,7 +2,7 @@
 
 #include <QtTest>
 
-#include "app/Globals.h"
+#include "base/Globals.h"
 
 // QTEST_MAIN and its kin with the process-wide tables built first, as in the programs.
 #define TARNWICK_TEST_MAIN(APPLICATION, TEST)   \

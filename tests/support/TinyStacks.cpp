@@ -1,6 +1,6 @@
 #include "TinyStacks.h"
 
-#include "imagedata/TiffFile.h"
+#include "frames/TiffFile.h"
 
 std::unique_ptr<TiffData> tinyFrame(int width, int height, double energy,
                                     const std::function<quint16(int, int)>& count) {

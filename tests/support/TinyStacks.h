@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "imagedata/FrameSet.h"
+#include "frames/FrameSet.h"
 
 /// Count of a pixel: frame number, x, y.
 using CountAt = std::function<quint16(int, int, int)>;

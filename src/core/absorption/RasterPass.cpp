@@ -1,0 +1,178 @@
+#include "absorption/RasterPass.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include "absorption/AbsorptionSource.h"
+
+namespace {
+
+// Rows that may be finished before they are taken: enough that a thread seldom waits.
+constexpr std::size_t RowsAhead = 8;
+
+// Bytes of the counts of a few bins over all frames that a core keeps near itself.
+constexpr std::size_t NearMemory = std::size_t(1) << 18;
+
+}  // namespace
+
+RasterPass::RasterPass(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
+                       std::vector<Evaluate> evaluators, std::function<void()> ready)
+    : m_source(source),
+      m_raster(raster),
+      m_valuesPerBin(valuesPerBin),
+      m_evaluators(std::move(evaluators)),
+      m_ready(std::move(ready)),
+      m_slots(m_evaluators.size() + RowsAhead) {
+    for (const Evaluate& evaluate : m_evaluators) {
+        m_threads.emplace_back([this, &evaluate] { work(evaluate); });
+    }
+}
+
+RasterPass::~RasterPass() {
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_stopped = true;
+    }
+    m_roomMade.notify_all();
+    for (std::thread& thread : m_threads) {
+        thread.join();
+    }
+}
+
+void RasterPass::work(const Evaluate& evaluate) {
+    try {
+        evaluateRows(evaluate);
+        return;
+    } catch (const std::bad_alloc&) {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_failed = true;
+        m_stopped = true;
+    }
+    m_roomMade.notify_all();
+    m_rowDone.notify_all();
+    if (m_ready) {
+        m_ready();
+    }
+}
+
+void RasterPass::evaluateRows(const Evaluate& evaluate) {
+    constexpr int Pack = lanes::Count;
+    const std::size_t energies = static_cast<std::size_t>(m_source.energyCount());
+    BlockRowSpectra bins(m_source, m_raster.firstX, m_raster.stepX,
+                         m_raster.x(m_raster.columns - 1) + 1, m_raster.halfWidth,
+                         m_raster.halfHeight);
+    const int packs = static_cast<int>(
+        std::max<std::size_t>(4, NearMemory / (2 * sizeof(double) * Pack * (energies + 1))));
+    std::vector<double> mu(energies * Pack);
+    std::vector<double> values;
+    int row = 0;
+    while (nextRow(&row)) {
+        values.resize(static_cast<std::size_t>(m_raster.columns) *
+                      static_cast<std::size_t>(m_valuesPerBin));
+        for (int first = 0; first < m_raster.columns; first += packs * Pack) {
+            const int count = std::min(packs * Pack, m_raster.columns - first);
+            bins.sum(m_raster.y(row), first, count);
+            for (int bin = 0; bin < count; bin += Pack) {
+                bins.formPack(bin, mu.data());
+                evaluate(mu.data(), row, first + bin, std::min(Pack, count - bin),
+                         &values[static_cast<std::size_t>(first + bin) *
+                                 static_cast<std::size_t>(m_valuesPerBin)]);
+            }
+        }
+        finish(row, &values);
+    }
+}
+
+bool RasterPass::nextRow(int* row) {
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_roomMade.wait(lock, [this] {
+        return m_stopped || m_begun >= m_raster.rows ||
+               static_cast<std::size_t>(m_begun - m_taken) < m_slots.size();
+    });
+    if (m_stopped || m_begun >= m_raster.rows) {
+        return false;
+    }
+    *row = m_begun++;
+    slotOf(*row).row = *row;
+    slotOf(*row).done = false;
+    return true;
+}
+
+void RasterPass::finish(int row, std::vector<double>* values) {
+    bool awaited = false;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        Slot& slot = slotOf(row);
+        std::swap(slot.values, *values);
+        slot.done = true;
+        awaited = row == m_taken;
+    }
+    if (awaited) {
+        m_rowDone.notify_all();
+        if (m_ready) {
+            m_ready();
+        }
+    }
+}
+
+bool RasterPass::isReady() const {
+    if (m_failed || m_taken >= m_raster.rows) {
+        return true;
+    }
+    const Slot& slot = m_slots[static_cast<std::size_t>(m_taken) % m_slots.size()];
+    return slot.done && slot.row == m_taken;
+}
+
+RasterPass::Row RasterPass::taken() {
+    if (m_failed || m_taken >= m_raster.rows) {
+        return {};
+    }
+    const int row = m_taken++;
+    Slot& slot = slotOf(row);
+    std::swap(m_current, slot.values);
+    slot.done = false;
+    return {row, m_current.data()};
+}
+
+RasterPass::Row RasterPass::take() {
+    Row row;
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_rowDone.wait(lock, [this] { return isReady(); });
+        row = taken();
+    }
+    m_roomMade.notify_one();
+    return row;
+}
+
+const double* RasterPass::at(int x, int y) {
+    const int column = (x - m_raster.firstX) / std::max(1, m_raster.stepX);
+    if (x < m_raster.firstX || column >= m_raster.columns || y < m_raster.firstY ||
+        y > m_raster.y(m_raster.rows - 1)) {
+        return nullptr;
+    }
+    while (m_row.values == nullptr || m_raster.y(m_row.row) < y) {
+        m_row = take();
+        if (m_row.values == nullptr) {
+            return nullptr;
+        }
+    }
+    return m_row.values + static_cast<std::ptrdiff_t>(column) * m_valuesPerBin;
+}
+
+RasterPass::Row RasterPass::tryTake(bool* pending) {
+    Row row;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        *pending = !isReady();
+        row = *pending ? Row{} : taken();
+    }
+    m_roomMade.notify_one();
+    return row;
+}
+
+bool RasterPass::failed() const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_failed;
+}

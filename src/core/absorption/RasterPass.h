@@ -1,0 +1,82 @@
+#pragma once
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "maps/BinRaster.h"
+
+class AbsorptionSource;
+
+/// Forms the spectra of a raster and works something out from each, several rows of bins at a time
+/// in threads of its own; the rows come out in order. Every spectrum is worked on by itself, so
+/// that the results are the same to the last bit whatever the number of threads.
+///
+/// The source, the frames behind it and the evaluators stay as they are until the pass has gone.
+class RasterPass {
+  public:
+    /// Works out `valuesPerBin` numbers for each of `count` spectra (at most lanes::Count) that
+    /// belong to columns `column`, ... of a row; spectra as in BlockRowSpectra::formPack().
+    using Evaluate =
+        std::function<void(const double* mu, int row, int column, int count, double* values)>;
+
+    /// A row of results, column after column; null with the last row taken or after a failure.
+    struct Row {
+        int row = 0;
+        const double* values = nullptr;
+    };
+
+    /// One evaluator for each thread; they are called there. ready, which may be empty, is called
+    /// from any of the threads when a row that take() waits for has been finished.
+    RasterPass(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
+               std::vector<Evaluate> evaluators, std::function<void()> ready = {});
+    /// Stops the threads in mid-work.
+    ~RasterPass();
+
+    /// The next row, which is valid until the next call; waits for it.
+    Row take();
+    /// Results of the bin around (x, y), taking the rows up to its own; bins are asked for row by
+    /// row. Null for what is not in the raster and after a failure.
+    const double* at(int x, int y);
+    /// take() without waiting; *pending when it is still being worked on.
+    Row tryTake(bool* pending);
+    /// Memory ran out; no more rows come.
+    bool failed() const;
+
+    const BinRaster& raster() const { return m_raster; }
+
+  private:
+    struct Slot {
+        int row = -1;
+        bool done = false;
+        std::vector<double> values;
+    };
+
+    void work(const Evaluate& evaluate);
+    void evaluateRows(const Evaluate& evaluate);
+    bool nextRow(int* row);
+    void finish(int row, std::vector<double>* values);
+    Row taken();
+    bool isReady() const;
+    Slot& slotOf(int row) { return m_slots[static_cast<std::size_t>(row) % m_slots.size()]; }
+
+    const AbsorptionSource& m_source;
+    const BinRaster m_raster;
+    const int m_valuesPerBin;
+    const std::vector<Evaluate> m_evaluators;
+    const std::function<void()> m_ready;
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_rowDone;
+    std::condition_variable m_roomMade;
+    std::vector<Slot> m_slots;  // a few rows ahead of the one to be taken next
+    int m_begun = 0;            // rows that a thread has begun or done
+    int m_taken = 0;
+    bool m_stopped = false;
+    bool m_failed = false;
+    std::vector<double> m_current;  // the row taken last
+    Row m_row;                      // the row that at() is in
+    std::vector<std::thread> m_threads;
+};

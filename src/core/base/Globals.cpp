@@ -1,0 +1,75 @@
+#include "base/Globals.h"
+
+#include <cmath>
+
+QString DataDir;
+QList<QColor> Colors;
+std::array<unsigned char, 256> GreyTable;
+std::array<std::array<unsigned char, 3>, 768> ColorMap;
+bool DebugFlag = false;
+
+namespace {
+
+constexpr int LastColor = 766;
+
+void buildColors() {
+    Colors = {QColor(255, 0, 0),   QColor(0, 255, 0),   QColor(0, 0, 255),
+              QColor(255, 200, 0), QColor(255, 0, 200), QColor(200, 255, 0),
+              QColor(200, 0, 255), QColor(0, 255, 200), QColor(0, 200, 255)};
+}
+
+void buildColorMap() {
+    using Byte = unsigned char;
+    for (std::size_t i = 0; i < 256; ++i) {
+        ColorMap[i] = {static_cast<Byte>(i), 0, 0};
+    }
+    for (std::size_t k = 1; k < 256; ++k) {
+        ColorMap[255 + k] = {255, static_cast<Byte>(k), 0};
+        ColorMap[510 + k] = {255, 255, static_cast<Byte>(k)};
+    }
+    ColorMap[LastColor] = {255, 255, 255};
+}
+
+}  // namespace
+
+void buildColourTables() {
+    buildColors();
+    for (std::size_t i = 0; i < GreyTable.size(); ++i) {
+        GreyTable[i] = static_cast<unsigned char>(i);
+    }
+    buildColorMap();
+}
+
+int toClampedInt(double v, int low, int high) {
+    if (!(v > static_cast<double>(low))) {  // also NaN
+        return low;
+    }
+    return v >= static_cast<double>(high) ? high : static_cast<int>(v);
+}
+
+int toPixel(double position) {
+    constexpr int Far = 1 << 30;
+    return toClampedInt(std::floor(position), -Far, Far);
+}
+
+QColor getColor(int i) {
+    const int n = Colors.size();
+    return n == 0 ? QColor(0, 0, 0, 255) : Colors.at(((i % n) + n) % n);
+}
+
+const unsigned char* greyOf(double v) {
+    return greyOf(toClampedInt(v * 256.0, 0, 255));
+}
+
+const unsigned char* greyOf(int i) {
+    return &GreyTable[static_cast<std::size_t>(i < 0 ? 0 : (i > 255 ? 255 : i))];
+}
+
+const unsigned char* colorOf(double v) {
+    return colorOf(toClampedInt(v * 766.0, 0, LastColor));
+}
+
+const unsigned char* colorOf(int i) {
+    const int j = i < 0 ? 0 : (i > LastColor ? LastColor : i);
+    return ColorMap[static_cast<std::size_t>(j)].data();
+}

@@ -1,0 +1,55 @@
+#include "batch/BatchText.h"
+
+#include <QFile>
+#include <QTextStream>
+
+#include "batch/LineItems.h"
+
+QString readLogicalLine(const QStringList& lines, int* index) {
+    QString line = lines.value(*index);
+    while (hasContinuation(line) && *index + 1 < lines.size()) {
+        ++*index;
+        line += lines.at(*index);
+    }
+    return line;
+}
+
+bool readBatchFile(const QString& fileName, QStringList* lines) {
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        return false;
+    }
+    QTextStream in(&file);
+    in.setCodec("UTF-8");
+    lines->clear();
+    QString line;
+    while (in.readLineInto(&line)) {
+        lines->append(line);
+    }
+    return true;
+}
+
+BatchText BatchText::fromLines(const QStringList& all) {
+    BatchText text;
+    bool continued = false;
+    for (int i = 0; i < all.size(); ++i) {
+        const QString& line = all.at(i);
+        if (line.isEmpty() || (!continued && line.trimmed().isEmpty())) {
+            continue;
+        }
+        QString copy = line;
+        continued = hasContinuation(copy);
+        text.lines.append(line);
+        text.numbers.append(i + 1);
+    }
+    for (int i = 0; i < text.lines.size(); ++i) {
+        const int start = i;
+        readLogicalLine(text.lines, &i);
+        text.first.insert(text.first.size(), i + 1 - start, start);
+    }
+    return text;
+}
+
+int BatchText::lineNumber(int index) const {
+    return index < 0 || index >= first.size() ? 0 : numbers.at(first.at(index));
+}

@@ -1,0 +1,257 @@
+#include "calibration/EnergyMapFile.h"
+
+#include <QDateTime>
+#include <QDebug>
+#include <QFile>
+#include <QRectF>
+#include <QSaveFile>
+#include <QTextStream>
+#include <cmath>
+#include <memory>
+#include <new>
+
+#include "base/DebugLog.h"
+#include "maps/AnalysisGrid.h"
+#include "maps/Analyzed2DRes.h"
+#include "spectra/Spectrum.h"
+#include "spectra/Units.h"
+
+namespace {
+
+constexpr qint64 kMostPixels = qint64(1) << 28;
+constexpr qint64 kLongestLine = 1 << 16;  // of a header; keeps a foreign binary file out of memory
+constexpr double kHalfHeight = 0.5;
+constexpr int kRisingEdge = 0;
+
+const QLatin1String kShortTag("###TWEM");
+const QLatin1String kTag("###Tarnwick::TWEM");
+const QLatin1String kDataFollows("##-----------------");
+
+const QLatin1String kRecordDate("Record Date             : ");
+const QLatin1String kStdEdgeEnergy("Std Edge Energy [eV]    : ");
+const QLatin1String kSpacing("Spacing [nm]            : ");
+const QLatin1String kWidth("Width [pix]             : ");
+const QLatin1String kHeight("Height [pix]            : ");
+const QLatin1String kBinHalfWidth("Bin Half Width [pix]    : ");
+const QLatin1String kBinHalfHeight("Bin Half Height [pix]   : ");
+const QLatin1String kAreaX0("Area X0                 : ");
+const QLatin1String kAreaX1("Area X1                 : ");
+const QLatin1String kAreaY0("Area Y0                 : ");
+const QLatin1String kAreaY1("Area Y1                 : ");
+const QLatin1String kStdFileName("Std File Name           : ");
+const QLatin1String kShiftMapHeight("Shift Map Height        : ");
+const QLatin1String kShiftMapWidth("Shift Map Width         : ");
+
+struct IntegerLabel {
+    QLatin1String label;
+    qint32 EMPHeader::*field;
+};
+
+// Files of this kind are square for their readers: the height is taken from the width line.
+const IntegerLabel kIntegerLabels[] = {
+    {kWidth, &EMPHeader::width},
+    {kWidth, &EMPHeader::height},
+    {kBinHalfWidth, &EMPHeader::binHalfWidth},
+    {kBinHalfHeight, &EMPHeader::binHalfHeight},
+    {kAreaX0, &EMPHeader::areaX0},
+    {kAreaX1, &EMPHeader::areaX1},
+    {kAreaY0, &EMPHeader::areaY0},
+    {kAreaY1, &EMPHeader::areaY1},
+};
+
+QString firstItem(const QString& line, QLatin1String label) {
+    return line.mid(label.size()).simplified().section(QLatin1Char(' '), 0, 0);
+}
+
+/// Whether a map of this size can be held. The memory is tried before the present map is given up.
+bool sizeIsUsable(const EMPHeader& header) {
+    const qint64 pixels = qint64(header.width) * header.height;
+    if (header.width < 0 || header.height < 0 || pixels > kMostPixels) {
+        return false;
+    }
+    constexpr size_t kArrays = 2;  // the values and the processed ones
+    const std::unique_ptr<double[]> trial(new (std::nothrow) double[size_t(pixels) * kArrays]);
+    return trial != nullptr;
+}
+
+AnalysisGrid gridOf(const EMPHeader& header) {
+    // In doubles, since corners from a file may lie farther apart than an integer holds.
+    const QRectF area(header.areaX0, header.areaY0, double(header.areaX1) - header.areaX0,
+                      double(header.areaY1) - header.areaY0);
+    return AnalysisGrid::ofArea(header.width, header.height, header.binHalfWidth,
+                                header.binHalfHeight, area);
+}
+
+/// Reads the angles behind the header into the shifts of @p map; false when some were missing.
+bool readShifts(QTextStream& stream, double edgeEnergy, double spacing, Analyzed2DRes* map) {
+    const double angle0 = braggAngle(edgeEnergy, spacing);
+    const int width = map->grid().width;
+    const int height = map->grid().height;
+    bool complete = true;
+    QString item;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            // Each row ends with a blank, so white space may be all that is left.
+            stream.skipWhiteSpace();
+            double angle = 0.0;
+            if (stream.atEnd()) {
+                qDebug() << "run out!";
+                complete = false;
+            } else {
+                stream >> item;
+                angle = item.toDouble();
+            }
+            map->setData(x, y, 0, 0, edgeEnergy - energyOfAngle(angle + angle0, spacing));
+        }
+    }
+    return complete;
+}
+
+void writeHeader(QTextStream& out, const AnalysisGrid& grid, const EMapInfo& info) {
+    QString standard = info.standardFileName;
+    standard.replace(QLatin1Char('\n'), QLatin1Char(' '));
+    out << kTag << '\n'
+        << kRecordDate
+        << QDateTime::currentDateTime().toString(QStringLiteral("yy/MM/dd hh:mm:ss.zzz")) << '\n'
+        << kStdEdgeEnergy << info.edgeEnergy << '\n'
+        << kSpacing << info.spacing << '\n'
+        << kWidth << info.imageSize.width() << '\n'
+        << kHeight << info.imageSize.height() << '\n'
+        << kBinHalfWidth << grid.halfW << '\n'
+        << kBinHalfHeight << grid.halfH << '\n'
+        << kAreaX0 << grid.x0 << '\n'
+        << kAreaX1 << grid.x1 << '\n'
+        << kAreaY0 << grid.y0 << '\n'
+        << kAreaY1 << grid.y1 << '\n'
+        << kStdFileName << standard << '\n'
+        << kShiftMapHeight << grid.height << '\n';
+    for (int row = 0; row < grid.height; ++row) {
+        out << kShiftMapWidth << row << ' ' << grid.width << '\n';
+    }
+    out << kDataFollows << '\n';
+}
+
+void writeAngles(QTextStream& out, const Analyzed2DRes& map, const EMapInfo& info) {
+    const double angle0 = braggAngle(info.edgeEnergy, info.spacing);
+    double lastShift = std::nan("");  // all pixels of a block share one shift, and so one text
+    QString text;
+    for (int y = 0; y < info.imageSize.height(); ++y) {
+        for (int x = 0; x < info.imageSize.width(); ++x) {
+            const double shift = map.valueAt(x, y);
+            if (!(shift == lastShift)) {
+                lastShift = shift;
+                const double angle = braggAngle(info.edgeEnergy - shift, info.spacing) - angle0;
+                text = QString::number(angle, 'g', 6) + QLatin1Char(' ');
+            }
+            out << text;
+        }
+        out << '\n';
+    }
+}
+
+}  // namespace
+
+EMPHeader readEMapHeader(QTextStream& stream) {
+    EMPHeader header;
+    if (stream.atEnd()) {
+        return header;
+    }
+    const QString tag = stream.readLine(kLongestLine);
+    if (!tag.startsWith(kShortTag) && !tag.startsWith(kTag)) {
+        qDebug() << "Not a emp file.";
+        return header;
+    }
+    bool widthSeen = false;
+    bool energySeen = false;
+    bool spacingSeen = false;
+    while (!stream.atEnd()) {
+        const QString line = stream.readLine(kLongestLine);
+        if (line.startsWith(kDataFollows)) {
+            break;
+        }
+        for (const IntegerLabel& integer : kIntegerLabels) {
+            if (line.startsWith(integer.label)) {
+                header.*integer.field = firstItem(line, integer.label).toInt();
+            }
+        }
+        widthSeen = widthSeen || line.startsWith(kWidth);
+        if (line.startsWith(kStdEdgeEnergy)) {
+            header.stdEdgeEnergy = firstItem(line, kStdEdgeEnergy).toDouble();
+            energySeen = true;
+        }
+        if (line.startsWith(kSpacing)) {
+            header.spacing = firstItem(line, kSpacing).toDouble();
+            spacingSeen = true;
+        }
+    }
+    header.ok = widthSeen && energySeen && spacingSeen;
+    return header;
+}
+
+bool readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize, Analyzed2DRes* map) {
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        debugFile("Can not open", fileName);
+        return false;
+    }
+    QTextStream stream(&file);
+    stream.setCodec("UTF-8");
+    const EMPHeader header = readEMapHeader(stream);
+    if (!header.ok || !sizeIsUsable(header)) {
+        debugFile("Invalid Energy Map Data File : ", fileName);
+        return false;
+    }
+    const QSize size(header.width, header.height);
+    if (size != *imageSize) {
+        if (imageSize->width() >= 0 || imageSize->height() >= 0) {
+            qDebug().noquote() << QStringLiteral(
+                                      "Loading Energy Map size : %1 x %2 : is not matched to the "
+                                      "current image size : %3 x %4")
+                                      .arg(size.width())
+                                      .arg(size.height())
+                                      .arg(imageSize->width())
+                                      .arg(imageSize->height());
+            return false;
+        }
+        *imageSize = size;
+    }
+
+    debugTimed(QStringLiteral("Start Reading EMP file "));
+    map->startOver(gridOf(header));
+    const double edge = edgeEnergy > 0.0 ? edgeEnergy : header.stdEdgeEnergy;
+    const bool complete = readShifts(stream, edge, header.spacing, map);
+    map->updateExtremes();
+    map->genImg();
+    debugTimed(QStringLiteral("End Reading EMP file   "));
+    return complete;
+}
+
+bool writeEMap(const QString& fileName, const Analyzed2DRes& map, const EMapInfo& info) {
+    if (info.imageSize.isEmpty()) {
+        return false;
+    }
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly)) {
+        debugFile("Can not open", fileName);
+        return false;
+    }
+    QTextStream out(&file);
+    out.setCodec("UTF-8");
+    writeHeader(out, map.grid(), info);
+    debugTimed(QStringLiteral("EMap Write Start : "));
+    writeAngles(out, map, info);
+    debugTimed(QStringLiteral("EMap Write End   : "));
+    out.flush();
+    // commit() alone does not notice when what was left in the buffer fails.
+    if (out.status() != QTextStream::Ok || !file.flush() || !file.commit()) {
+        debugFile("Error on writing", fileName);
+        return false;
+    }
+    debugFile("Saved", fileName);
+    return true;
+}
+
+double edgeEnergyForMap(const Spectrum* standard, double panelEdgeEnergy) {
+    const double edge = standard ? standard->findE(kHalfHeight, kRisingEdge) : 0.0;
+    return edge > 0.0 || !(panelEdgeEnergy > 0.0) ? edge : panelEdgeEnergy;
+}

@@ -1,0 +1,39 @@
+#include "drawing/BarScale.h"
+
+#include <QPainter>
+
+#include "base/Globals.h"
+#include "drawing/ChCoord.h"
+#include "drawing/DrawText.h"
+#include "drawing/Ticks.h"
+
+void paintBarColors(QPainter& painter, const QRectF& bar, BarColors colors, double low,
+                    double high) {
+    const int steps = toClampedInt(bar.height(), 2, 1 << 15);
+    for (int i = 0; i < steps; ++i) {
+        const double t = high > low ? 1.0 - i / (steps - 1.0) : 0.0;
+        const uchar* c = colors == BarColors::Grey ? greyOf(t) : colorOf(t);
+        painter.fillRect(QRectF(bar.left(), bar.top() + i, bar.width(), 1.0),
+                         colors == BarColors::Grey ? QColor(*c, *c, *c) : QColor(c[0], c[1], c[2]));
+    }
+}
+
+void paintBarTicks(QPainter& painter, const QRectF& bar, double low, double high, double keepOff,
+                   const QRectF& inside) {
+    ChCoord coord;
+    coord.setScreen(0, 1, bar.bottom(), bar.top());
+    coord.setReal(0, 1, low, high);
+    const Ticks ticks = ticksBetween(low, high);
+    const double room = painter.fontMetrics().height();
+    double last = 1e300;
+    for (double value : ticks.values) {
+        const double y = coord.r2sY(value);
+        painter.drawLine(QPointF(bar.right(), y), QPointF(bar.right() + room / 4, y));
+        if (y < bar.top() + keepOff || y > bar.bottom() - keepOff || last - y < room) {
+            continue;
+        }
+        last = y;
+        drawText(painter, QPointF(bar.right() + room / 3, y), tickText(value, ticks.step),
+                 Qt::AlignLeft | Qt::AlignVCenter, inside);
+    }
+}

@@ -1,0 +1,90 @@
+#include <QPainter>
+#include <algorithm>
+#include <limits>
+#include <vector>
+
+#include "base/Globals.h"
+#include "drawing/ChCoord.h"
+#include "drawing/DrawText.h"
+#include "drawing/PlotCurve.h"
+
+namespace {
+
+/// The place at a side in which a box hides the least; the curves matter more than their
+/// backgrounds.
+QRectF emptiestPlace(const QSizeF& size, const QRectF& plot, const QVector<PlotCurve>& list,
+                     const ChCoord& coord) {
+    struct Step {
+        QRectF box;
+        int weight;
+    };
+    std::vector<Step> steps;
+    for (const PlotCurve& curve : list) {
+        const int weight = curve.style == Qt::SolidLine ? 4 : 1;
+        QPointF before;
+        for (const QPointF& p : curve.points) {
+            const QPointF at(coord.r2sX(p.x()), coord.r2sY(p.y()));
+            if (!before.isNull()) {
+                steps.push_back({QRectF(before, at).normalized().adjusted(-1, -1, 1, 1), weight});
+            }
+            before = at;
+        }
+    }
+    QRectF box;
+    int hiddenLeast = std::numeric_limits<int>::max();
+    for (int place = 0; place < 22 && hiddenLeast > 0; ++place) {  // from the lower right corner on
+        const QPointF side(place % 2 == 0 ? 1.0 : 0.0, (10 - place / 2) / 10.0);
+        const QRectF tried(
+            QPointF(plot.left() + 6 + side.x() * (plot.width() - size.width() - 12),
+                    plot.top() + 6 + side.y() * (plot.height() - size.height() - 12)),
+            size);
+        int hidden = 0;
+        for (const Step& step : steps) {
+            hidden += tried.intersects(step.box) ? step.weight : 0;
+        }
+        if (hidden < hiddenLeast) {
+            hiddenLeast = hidden;
+            box = tried;
+        }
+    }
+    return box;
+}
+
+}  // namespace
+
+void paintLegend(QPainter& painter, const QRectF& plot, const QVector<PlotCurve>& list,
+                 const ChCoord& coord, const PlotColors& colors) {
+    const double height = painter.fontMetrics().height();
+    double widest = 0.0;
+    int rows = 0;
+    for (const PlotCurve& curve : list) {
+        if (!curve.name.isEmpty()) {
+            widest = std::max<double>(widest, painter.fontMetrics().horizontalAdvance(curve.name));
+            ++rows;
+        }
+    }
+    if (rows == 0) {
+        return;
+    }
+    widest = std::min(widest, 0.45 * plot.width());
+    const QSizeF size(widest + 38, rows * height + 6);
+    const QRectF box = emptiestPlace(size, plot, list, coord);
+    QColor veil = colors.paper;
+    veil.setAlpha(215);
+    painter.fillRect(box, veil);
+    double y = box.top() + 3;
+    for (const PlotCurve& curve : list) {
+        if (curve.name.isEmpty()) {
+            continue;
+        }
+        painter.setPen(QPen(curve.color, 2));
+        painter.drawLine(QPointF(box.left() + 6, y + height / 2),
+                         QPointF(box.left() + 26, y + height / 2));
+        painter.setPen(colors.ink);
+        drawText(painter, QPointF(box.left() + 32, y),
+                 painter.fontMetrics().elidedText(curve.name, Qt::ElideMiddle,
+                                                  toClampedInt(widest + 2, 0, 1 << 20)),
+                 Qt::AlignLeft | Qt::AlignTop);
+        y += height;
+    }
+}

@@ -1,0 +1,85 @@
+#include "files/PictureFile.h"
+
+#include <QFileInfo>
+#include <QImage>
+#include <QImageWriter>
+#include <QMarginsF>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QSaveFile>
+
+#include "base/DebugLog.h"
+
+namespace {
+
+constexpr int Magnification = 3;  // about 300 dots per inch: what journals ask for
+constexpr double PointsPerInch = 72.0;
+
+QByteArray suffixOf(const QString& fileName) {
+    return QFileInfo(fileName).suffix().toLower().toLatin1();
+}
+
+bool writePdf(const QString& fileName, const QSize& size,
+              const std::function<void(QPainter&)>& paint) {
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    QPdfWriter writer(&file);
+    // As many dots per inch as a picture on the screen has, so that its fonts come out alike.
+    const int resolution = QImage(1, 1, QImage::Format_RGB32).logicalDpiX();
+    writer.setResolution(resolution);
+    writer.setPageSize(QPageSize(QSizeF(size) * PointsPerInch / resolution, QPageSize::Point,
+                                 QString(), QPageSize::ExactMatch));
+    writer.setPageMargins(QMarginsF(0, 0, 0, 0));
+    writer.setCreator(QStringLiteral("Tarnwick"));
+    writer.setTitle(QFileInfo(fileName).completeBaseName());
+    QPainter painter(&writer);
+    paint(painter);
+    return painter.end() && putInPlace(file);
+}
+
+}  // namespace
+
+bool writePicture(const QString& fileName, const QImage& picture) {
+    const QByteArray format = suffixOf(fileName);
+    if (picture.isNull() || !QImageWriter::supportedImageFormats().contains(format)) {
+        return false;
+    }
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    QImageWriter writer(&file, format);
+    return writer.write(picture) && putInPlace(file);
+}
+
+bool writeDrawing(const QString& fileName, const QSize& size,
+                  const std::function<void(QPainter&)>& paint) {
+    if (size.isEmpty()) {
+        return false;
+    }
+    if (suffixOf(fileName) == "pdf") {
+        return writePdf(fileName, size, paint);
+    }
+    QImage picture(size * Magnification, QImage::Format_RGB32);
+    picture.fill(Qt::white);
+    QPainter painter(&picture);
+    painter.scale(Magnification, Magnification);
+    paint(painter);
+    painter.end();
+    picture.setDotsPerMeterX(picture.dotsPerMeterX() * Magnification);
+    picture.setDotsPerMeterY(picture.dotsPerMeterY() * Magnification);
+    return writePicture(fileName, picture);
+}
+
+bool noteSaved(const QString& fileName) {
+    debugFile("Saved", fileName);
+    return true;
+}
+
+bool putInPlace(QSaveFile& file) {
+    // commit() alone does not notice when what was left in the buffer fails.
+    return file.flush() && file.commit() && noteSaved(file.fileName());
+}

@@ -1,0 +1,105 @@
+#include "fitting/LaneFit.h"
+
+#include <algorithm>
+#include <memory>
+#include <numeric>
+
+using lanes::Count;
+
+LaneFit::LaneFit(const QVector<XafsSpectrum>& references, LinearFit::Method method,
+                 const std::vector<double>& energies, int backgroundType, lanes::Units units)
+    : m_fit(references, method),
+      m_method(method),
+      m_energies(energies),
+      m_kernels(lanes::kernels(units)),
+      m_normaliser(energies, backgroundType, units),
+      m_allPoints(energies.size()),
+      m_corrected(energies.size()),
+      m_y(energies.size() * Count) {
+    std::iota(m_allPoints.begin(), m_allPoints.end(), 0);
+}
+
+void LaneFit::prepare(double correction) {
+    if (m_prepared && correction == m_correction) {
+        return;
+    }
+    for (std::size_t i = 0; i < m_energies.size(); ++i) {
+        m_corrected[i] = m_energies[i] - correction;
+    }
+    m_fit.prepare(m_corrected);
+    m_correction = correction;
+    m_prepared = true;
+    m_sums.resize(static_cast<std::size_t>(m_fit.coefficientCount()) * Count);
+    m_coefficients.resize(static_cast<std::size_t>(m_fit.coefficientCount()));
+}
+
+void LaneFit::fit(const double* mu, const double* corrections, int count, double* results) {
+    const double* y = mu;
+    if (m_method == LinearFit::Lcf) {
+        m_normaliser.normalise(mu, count);
+        m_normaliser.doubleNormalised(mu, m_allPoints, m_y.data());
+        y = m_y.data();
+    }
+    const auto project = [&] {
+        // The energies ascend, so that those in the range lie side by side.
+        const std::vector<int>& points = m_fit.points();
+        const int first = points.empty() ? 0 : points.front();
+        m_kernels.projections(y + static_cast<std::ptrdiff_t>(first) * Count, m_fit.basis().data(),
+                              m_fit.coefficientCount(), static_cast<int>(points.size()),
+                              m_sums.data());
+    };
+    for (int l = 0; l < count; ++l) {
+        const bool alike = m_prepared && l > 0 && corrections[l] == m_correction;
+        if (!alike) {
+            prepare(corrections[l]);
+            project();
+        }
+        finish(m_sums.data(), l, results + static_cast<std::ptrdiff_t>(l) * 2 * referenceCount());
+    }
+}
+
+void LaneFit::finish(const double* sums, int l, double* results) {
+    for (std::size_t k = 0; k < m_coefficients.size(); ++k) {
+        m_coefficients[k] = sums[k * Count + static_cast<std::size_t>(l)];
+    }
+    m_fit.solve(m_coefficients.data());
+    m_fit.shares(m_coefficients.data(), m_normaliser.dMut()[l], results + referenceCount(),
+                 results);
+}
+
+std::vector<RasterPass::Evaluate> fitEvaluators(
+    int threads, const BinRaster& raster, const QVector<XafsSpectrum>& references,
+    LinearFit::Method method, const std::vector<double>& energies, int backgroundType,
+    const std::function<double(int x, int y)>& correctionAt) {
+    std::vector<RasterPass::Evaluate> evaluators;
+    for (int t = 0; t < threads; ++t) {
+        const auto fit = std::make_shared<LaneFit>(references, method, energies, backgroundType);
+        evaluators.push_back([fit, raster, correctionAt](const double* mu, int row, int column,
+                                                         int count, double* values) {
+            double corrections[Count];
+            for (int l = 0; l < count; ++l) {
+                corrections[l] = correctionAt(raster.x(column + l), raster.y(row));
+            }
+            fit->fit(mu, corrections, count, values);
+        });
+    }
+    return evaluators;
+}
+
+std::vector<RasterPass::Evaluate> backgroundEvaluators(int threads,
+                                                       const std::vector<double>& energies,
+                                                       int backgroundType, double e) {
+    std::vector<RasterPass::Evaluate> evaluators;
+    for (int t = 0; t < threads; ++t) {
+        const auto normaliser = std::make_shared<LaneNormaliser>(energies, backgroundType);
+        evaluators.push_back(
+            [normaliser, e](const double* mu, int, int, int count, double* values) {
+                normaliser->normalise(mu, count);
+                for (int l = 0; l < count; ++l) {
+                    values[2 * l] = normaliser->preAt(e, l);
+                    values[2 * l + 1] = normaliser->postAt(e, l);
+                }
+            });
+    }
+    return evaluators;
+}

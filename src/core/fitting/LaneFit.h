@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "absorption/RasterPass.h"
+#include "fitting/LinearFit.h"
+#include "spectra/LaneNormaliser.h"
+
+/// Fits a pack of spectra of the same energies as LinearFit does one, to the same bits. For one
+/// thread.
+class LaneFit {
+  public:
+    /// The energies must suit LaneNormaliser.
+    LaneFit(const QVector<XafsSpectrum>& references, LinearFit::Method method,
+            const std::vector<double>& energies, int backgroundType,
+            lanes::Units units = lanes::bestUnits());
+
+    int referenceCount() const { return m_fit.referenceCount(); }
+
+    /// Fits the first `count` spectra of the pack mu[energy * lanes::Count + spectrum]; of each,
+    /// the energy correction in eV is taken off its energies. results: for every spectrum the edge
+    /// jumps due to all references, then their ratios.
+    void fit(const double* mu, const double* corrections, int count, double* results);
+
+  private:
+    void prepare(double correction);
+    void finish(const double* sums, int l, double* results);
+
+    LinearFit m_fit;
+    LinearFit::Method m_method;
+    std::vector<double> m_energies;
+    const lanes::Kernels& m_kernels;
+    LaneNormaliser m_normaliser;
+    std::vector<int> m_allPoints;
+
+    std::vector<double> m_corrected;
+    double m_correction = 0.0;
+    bool m_prepared = false;
+    std::vector<double> m_y;
+    std::vector<double> m_sums;
+    std::vector<double> m_coefficients;
+};
+
+/// What a RasterPass works out with fits: for each bin the edge jumps due to all references, then
+/// their ratios. The energy correction (eV) of a bin is that at its centre; correctionAt is called
+/// from the threads. The energies must suit LaneNormaliser.
+std::vector<RasterPass::Evaluate> fitEvaluators(
+    int threads, const BinRaster& raster, const QVector<XafsSpectrum>& references,
+    LinearFit::Method method, const std::vector<double>& energies, int backgroundType,
+    const std::function<double(int x, int y)>& correctionAt);
+
+/// What a RasterPass works out for residual absorption: for each bin the values of the pre-edge and
+/// of the post-edge curve at an energy (eV). The energies must suit LaneNormaliser.
+std::vector<RasterPass::Evaluate> backgroundEvaluators(int threads,
+                                                       const std::vector<double>& energies,
+                                                       int backgroundType, double e);

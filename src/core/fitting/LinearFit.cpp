@@ -1,0 +1,155 @@
+#include "fitting/LinearFit.h"
+
+#include <QDebug>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+LinearFit::LinearFit(QVector<XafsSpectrum> references, Method method)
+    : m_references(std::move(references)), m_method(method) {
+    for (const XafsSpectrum& s : std::as_const(m_references)) {
+        m_preBaseSeries.emplace_back(s, s.doubleNormalizedPreBase());
+        m_basisSeries.emplace_back(s,
+                                   m_method == Mlcf ? s.normalized() : s.doubleNormalizedPreBase());
+    }
+}
+
+LinearFit::Series::Series(const XafsSpectrum& reference, const Spectrum& series)
+    : curve(series),
+      referenceIsShifted(reference.shiftOn()),
+      referenceShift(reference.shift()),
+      isShifted(series.shiftOn()),
+      shift(series.shift()) {}
+
+double LinearFit::Series::at(double e) const {
+    const double shifted = referenceIsShifted ? e + referenceShift : e;
+    if (std::isnan(shifted)) {
+        qDebug() << "nan EeV in XafsSpectrum::doubleNormalizedPreBase";
+    }
+    return curve.valueAt(isShifted ? shifted + shift : shifted);
+}
+
+void LinearFit::prepare(const std::vector<double>& energies) {
+    const std::size_t size = energies.size();
+    if (size > 0 && m_allEnergies == energies) {
+        return;
+    }
+    m_allEnergies = energies;
+
+    m_curveValid = false;
+    double from = 0.0;
+    double to = 1e100;
+    for (const XafsSpectrum& s : std::as_const(m_references)) {
+        from = std::max(from, s.energy(0));
+        to = std::min(to, s.energy(s.size() - 1));
+    }
+    m_energies.clear();
+    m_points.clear();
+    m_basis.clear();
+    for (std::size_t k = 0; k < size; ++k) {
+        const double e = m_allEnergies[k];
+        if (e < from || e > to) {
+            continue;
+        }
+        m_energies.push_back(e);
+        m_points.push_back(static_cast<int>(k));
+        if (m_method == Mlcf) {
+            m_basis.push_back(1.0);
+            m_basis.push_back(e);
+        }
+        for (const Series& series : m_basisSeries) {
+            m_basis.push_back(series.at(e));
+        }
+    }
+
+    const std::size_t n =
+        static_cast<std::size_t>(m_references.size()) + (m_method == Mlcf ? 2 : 0);
+    m_normal.assign(n * n, 0.0);
+    for (const double* f = m_basis.data(); f != m_basis.data() + m_energies.size() * n; f += n) {
+        for (std::size_t i = 0; i < n; ++i) {
+            for (std::size_t j = 0; j <= i; ++j) {
+                m_normal[i * n + j] += f[i] * f[j];
+            }
+        }
+    }
+    for (std::size_t i = 0; i < n; ++i) {
+        for (std::size_t j = 0; j < i; ++j) {
+            m_normal[j * n + i] = m_normal[i * n + j];
+        }
+    }
+    m_decomposition.decompose(m_normal.data(), static_cast<int>(n));
+}
+
+void LinearFit::fit(const XafsSpectrum& sample) {
+    if (m_curveType != sample.backgroundType()) {
+        m_curveType = sample.backgroundType();
+        m_curveValid = false;
+    }
+    m_given.resize(static_cast<std::size_t>(sample.size()));
+    for (std::size_t k = 0; k < m_given.size(); ++k) {
+        m_given[k] = sample.correctedEnergy(static_cast<int>(k));
+    }
+    prepare(m_given);
+
+    const std::size_t n = static_cast<std::size_t>(m_decomposition.size());
+    m_right.assign(n, 0.0);
+    std::vector<double>& right = m_right;
+    const Spectrum& normalised = sample.doubleNormalizedPreBase();
+    const double* f = m_basis.data();
+    for (int k : m_points) {
+        const double y = m_method == Mlcf        ? sample.value(k)
+                         : k < normalised.size() ? normalised.value(k)
+                                                 : 0.0;
+        for (std::size_t i = 0; i < n; ++i) {
+            right[i] += f[i] * y;
+        }
+        f += n;
+    }
+    solve(right.data());
+    m_ratios.resize(static_cast<std::size_t>(m_references.size()));
+    m_dMuts.resize(m_ratios.size());
+    shares(right.data(), sample.dMut(), m_ratios.data(), m_dMuts.data());
+}
+
+void LinearFit::shares(const double* coefficients, double edgeJump, double* ratios,
+                       double* dMuts) const {
+    const int n = referenceCount();
+    if (m_method == Lcf) {
+        const double jump = std::fmax(0.0, edgeJump);
+        for (int i = 0; i < n; ++i) {
+            ratios[i] = coefficients[i];
+            dMuts[i] = coefficients[i] * jump;
+        }
+        return;
+    }
+    double sum = 0.0;
+    for (int i = 0; i < n; ++i) {
+        const double c = coefficients[i + 2];
+        sum += c;
+        dMuts[i] = c < 0.0 ? 0.0 : c;
+    }
+    const double divisor = std::fmax(0.0, sum);
+    for (int i = 0; i < n; ++i) {
+        ratios[i] = dMuts[i] / divisor;
+    }
+}
+
+const XafsSpectrum& LinearFit::fittedCurve(const std::vector<double>& shares) {
+    if (m_curveValid && shares == m_curveShares) {
+        return m_curve;
+    }
+    Spectrum points;
+    points.assignWith(static_cast<int>(m_energies.size()), [&](Spoint* out) {
+        for (std::size_t k = 0; k < m_energies.size(); ++k) {
+            double value = 0.0;
+            for (std::size_t i = 0; i < shares.size(); ++i) {
+                value += m_preBaseSeries[i].at(m_energies[k]) * shares[i];
+            }
+            out[k] = {m_energies[k], value};
+        }
+    });
+    m_curve = XafsSpectrum(points, m_curveType, 0.0);
+    m_curveShares = shares;
+    m_curveValid = true;
+    return m_curve;
+}

@@ -1,0 +1,98 @@
+#include "frames/DarkData.h"
+
+#include <QDebug>
+
+#include "base/DebugLog.h"
+
+DarkData::DarkData() {
+    m_reader.moveToThread(&m_thread);
+    connect(this, &DarkData::load, &m_reader, &LoadTiff::loadTiff);
+    connect(&m_reader, &LoadTiff::loaded, this, &DarkData::arrived);
+    m_thread.start(QThread::InheritPriority);
+}
+
+DarkData::~DarkData() {
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void DarkData::setImageSize(int width, int height) {
+    if (width == m_imageWidth && height == m_imageHeight) {
+        return;
+    }
+    m_imageWidth = width;
+    m_imageHeight = height;
+    const int unused = loaded() - fitting();
+    if (unused > 0 && !m_saidUnused) {
+        m_saidUnused = true;
+        qDebug().noquote() << "Dark frames of another size than the images, not used :" << unused;
+    }
+    if (loaded() > 0 && !isLoading()) {
+        changeMean();
+    }
+}
+
+void DarkData::replace(const QStringList& files) {
+    m_loader.clear();
+    m_refused = 0;
+    m_saidUnused = false;
+    m_loader.enqueue(files);
+    loadNext();
+    emit progressed();
+}
+
+void DarkData::clear() {
+    m_loader.clear();
+    m_refused = 0;
+    m_saidUnused = false;
+    changeMean();
+}
+
+int DarkData::fitting() const {
+    int count = 0;
+    for (int i = 0; i < loaded(); ++i) {
+        count += isRefused(*m_loader.frames().at(i)) ? 0 : 1;
+    }
+    return count;
+}
+
+const DarkFrame* DarkData::mean() {
+    if (m_meanIsStale) {
+        m_mean = DarkFrame(m_loader.frames(), m_imageWidth, m_imageHeight);
+        m_meanIsStale = false;
+    }
+    // While other frames are being read, the mean may still be that of images before these.
+    const bool fits = m_mean.width() == m_imageWidth && m_mean.height() == m_imageHeight;
+    return m_mean.frameCount() > 0 && fits ? &m_mean : nullptr;
+}
+
+void DarkData::loadNext() {
+    if (const auto request = m_loader.next()) {
+        emit load(request->fileName, request->frame);
+    } else if (!m_loader.isLoading()) {
+        changeMean();
+    }
+}
+
+void DarkData::arrived(TiffData* data) {
+    std::unique_ptr<TiffData> frame = m_loader.arrived(data);
+    if (frame && isRefused(*frame)) {
+        ++m_refused;
+        debugFile("Dark frame of another size than the images", frame->fileName);
+    } else if (frame) {
+        m_loader.frames().append(std::move(frame));
+    }
+    m_refused += m_loader.takeFailures().size();
+    loadNext();
+    emit progressed();
+}
+
+bool DarkData::isRefused(const TiffData& frame) const {
+    return m_imageWidth > 0 && m_imageHeight > 0 &&
+           !DarkFrame::fits(frame, m_imageWidth, m_imageHeight);
+}
+
+void DarkData::changeMean() {
+    m_meanIsStale = true;
+    emit changed();
+}

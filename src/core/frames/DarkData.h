@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QObject>
+#include <QThread>
+
+#include "frames/DarkFrame.h"
+#include "frames/LoadTiff.h"
+#include "frames/StackLoader.h"
+
+/// The dark frames of a measurement: reads them in a thread of its own and holds their mean.
+///
+/// Frames of another size than the images are refused with a debug line each. Frames that came
+/// before the images and turn out to be of another size stay unused, which is said once.
+class DarkData : public QObject {
+    Q_OBJECT
+
+  public:
+    DarkData();
+    /// Waits for the frame that is being read.
+    ~DarkData() override;
+
+    /// Size of the images; -1 while there are none.
+    void setImageSize(int width, int height);
+
+    /// Reads these files; from the end of the reading they stand for the frames before them.
+    void replace(const QStringList& files);
+    void clear();
+
+    bool isLoading() const { return m_loader.isLoading(); }
+    int filesLeft() const { return m_loader.total() - m_loader.done(); }
+    int loaded() const { return m_loader.frames().size(); }
+    /// How many of the loaded frames have the images' size; all of them while there are no images.
+    int fitting() const;
+    /// Files of the last reading that could not be read or were refused.
+    int refused() const { return m_refused; }
+
+    /// Mean of the fitting frames as of the last changed(), null when there is none of the images'
+    /// size. Valid until the next call.
+    const DarkFrame* mean();
+
+  signals:
+    /// mean() is another one.
+    void changed();
+    /// A frame has arrived or was refused.
+    void progressed();
+    void load(QString fname, TiffData* data);
+
+  private:
+    void loadNext();
+    void arrived(TiffData* data);
+    bool isRefused(const TiffData& frame) const;
+    void changeMean();
+
+    StackLoader m_loader;
+    QThread m_thread;
+    LoadTiff m_reader;
+    int m_imageWidth = -1;
+    int m_imageHeight = -1;
+    int m_refused = 0;
+    bool m_saidUnused = false;
+    bool m_meanIsStale = false;
+    DarkFrame m_mean;
+};

@@ -1,0 +1,106 @@
+#include "frames/ImgFile.h"
+
+#include <QFile>
+
+#include "base/DebugLog.h"
+#include "frames/TiffData.h"
+
+// IMG files: a 64-byte header ("IM", length of the comment in bytes 2 and 3, little-endian), the
+// comment, then 16-bit little-endian counts row by row.
+
+namespace {
+
+constexpr int FixedHeader = 64;
+
+quint32 firstNumber(const QByteArray& text) {
+    const QList<QByteArray> words = text.simplified().split(' ');
+    const qlonglong value = words.first().toLongLong();
+    return value < 0 || value > 0xFFFFFFFFLL ? 0 : static_cast<quint32>(value);
+}
+
+void readItem(const QByteArray& item, TiffData* frame) {
+    const QByteArray width("Prop_ImageWidth=");
+    const QByteArray height("Prop_ImageHeight=");
+    if (item.startsWith(width)) {
+        frame->width = firstNumber(item.mid(width.size()));
+    } else if (item.startsWith(height)) {
+        frame->height = firstNumber(item.mid(height.size()));
+    }
+}
+
+}  // namespace
+
+bool readImgComment(QIODevice& in, int length, TiffData* frame) {
+    QByteArray item;
+    for (int i = 0; i < length; ++i) {
+        char c = 0;
+        if (!in.getChar(&c)) {
+            return false;
+        }
+        if (c == ',') {
+            readItem(item, frame);
+            item.clear();
+        } else {
+            item.append(c);
+        }
+    }
+    return true;
+}
+
+int TiffData::readImgHeader(const QString& name) {
+    width = 0;
+    height = 0;
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly)) {
+        debugFile("Can not open", name);
+        return 0;
+    }
+    char head[10];
+    if (file.read(head, sizeof head) < static_cast<qint64>(sizeof head)) {
+        debugFile("Error on reading", name);
+        return 0;
+    }
+    const int length = static_cast<uchar>(head[2]) + 256 * static_cast<uchar>(head[3]);
+    // The text part is to be read through a second open of the same file, which a file that is
+    // still open refuses (isOpen() spares the warning that open() would print): the detector's IMG
+    // files are recognised and refused, only TIFF stacks load. Kept until such files can be tried
+    // for real.
+    if (file.isOpen() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        debugFile("Can not open", name);
+        return 0;
+    }
+    file.seek(FixedHeader);
+    if (!readImgComment(file, length, this)) {
+        debugFile("Error on reading", name);
+        return 0;
+    }
+    return length + FixedHeader;
+}
+
+bool TiffData::readImg(const QString& name) {
+    const int offset = readImgHeader(name);
+    if (offset < 1 || height > maxPixels || static_cast<quint64>(width) * height > maxPixels) {
+        return false;
+    }
+    clearRows();
+    fileName = name;
+    min = 0xFFFFFFFFu;
+    max = 0;
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly)) {
+        debugFile("Can not open (2)", name);
+        return false;
+    }
+    file.seek(offset);
+    const qint64 rowBytes = static_cast<qint64>(width) * 2;
+    for (quint32 y = 0; y < height; ++y) {
+        quint16* row = appendRow(static_cast<std::size_t>(rowBytes));
+        if (row == nullptr || file.read(reinterpret_cast<char*>(row), rowBytes) < rowBytes) {
+            debugFile("Error on reading (2)", name);
+            return false;
+        }
+        foldIn(row);
+    }
+    dropPicture();
+    return true;
+}

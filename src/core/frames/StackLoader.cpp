@@ -1,0 +1,62 @@
+#include "frames/StackLoader.h"
+
+#include <algorithm>
+#include <utility>
+
+void StackLoader::clear() {
+    stop();
+    m_frames.clear();
+    m_failures.clear();
+    m_done = 0;
+}
+
+void StackLoader::stop() {
+    m_queue.clear();
+    for (UnderWay& item : m_underWay) {
+        item.isStale = true;
+    }
+}
+
+void StackLoader::enqueue(const QStringList& files) {
+    if (!isLoading()) {
+        m_done = 0;
+    }
+    for (const QString& file : files) {
+        m_queue.enqueue(file);
+    }
+}
+
+int StackLoader::total() const {
+    const auto wanted = std::count_if(m_underWay.begin(), m_underWay.end(),
+                                      [](const UnderWay& item) { return !item.isStale; });
+    return m_done + m_queue.size() + static_cast<int>(wanted);
+}
+
+std::optional<StackLoader::Request> StackLoader::next() {
+    if (m_queue.isEmpty() || static_cast<int>(m_underWay.size()) >= m_atOnce) {
+        return std::nullopt;
+    }
+    m_underWay.push_back({m_queue.dequeue(), std::make_unique<TiffData>(), false});
+    return Request{m_underWay.back().fileName, m_underWay.back().frame.get()};
+}
+
+std::unique_ptr<TiffData> StackLoader::arrived(const TiffData* frame) {
+    if (m_underWay.empty() || frame == nullptr || frame != m_underWay.front().frame.get()) {
+        return nullptr;
+    }
+    UnderWay returned = std::move(m_underWay.front());
+    m_underWay.pop_front();
+    if (returned.isStale) {
+        return nullptr;
+    }
+    ++m_done;
+    if (!returned.frame->loaded) {
+        m_failures.append(returned.fileName);
+        return nullptr;
+    }
+    return std::move(returned.frame);
+}
+
+QStringList StackLoader::takeFailures() {
+    return std::exchange(m_failures, {});
+}

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QQueue>
+#include <QStringList>
+#include <deque>
+#include <memory>
+#include <optional>
+
+#include "frames/FrameSet.h"
+#include "frames/TiffData.h"
+
+/// One stack of frames and the files that are still to be read into it.
+///
+/// A frame is with the reader from next() until arrived(); frames return in the order in which they
+/// went. One that was under way when the stack was cleared or the loading stopped is dropped on its
+/// return, and the queue goes on.
+class StackLoader {
+  public:
+    /// At most so many frames are under way: with two the reader always has its next one.
+    explicit StackLoader(int atOnce = 1) : m_atOnce(atOnce) {}
+
+    /// A file to read and the empty frame to read it into; the frame stays owned by the loader.
+    struct Request {
+        QString fileName;
+        TiffData* frame;
+    };
+
+    /// Deletes every frame, empties the queue and forgets the failures.
+    void clear();
+
+    /// Appends files to the queue; a queue that had run empty starts a new count.
+    void enqueue(const QStringList& files);
+
+    /// Drops the files that are still to be read, and those under way on their return.
+    void stop();
+
+    /// The next file to read; nothing while enough frames are under way or when the queue is empty.
+    std::optional<Request> next();
+
+    /// Takes the frame back from the reader. The result is the frame when it is to be appended;
+    /// empty when it could not be read or is not wanted any more.
+    std::unique_ptr<TiffData> arrived(const TiffData* frame);
+
+    /// Whether frames are still to come.
+    bool isLoading() const { return done() < total(); }
+    int done() const { return m_done; }
+    int total() const;
+
+    /// Names of the files that could not be read since the last call.
+    QStringList takeFailures();
+
+    FrameSet& frames() { return m_frames; }
+    const FrameSet& frames() const { return m_frames; }
+
+  private:
+    struct UnderWay {
+        QString fileName;
+        std::unique_ptr<TiffData> frame;
+        bool isStale;
+    };
+
+    int m_atOnce;
+    FrameSet m_frames;
+    QQueue<QString> m_queue;
+    std::deque<UnderWay> m_underWay;
+    int m_done = 0;
+    QStringList m_failures;
+};

@@ -1,0 +1,319 @@
+#include "frames/TiffFile.h"
+
+#include <sys/stat.h>
+#include <tiffio.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "frames/RowMemory.h"
+#include "frames/TiffData.h"
+
+namespace {
+
+struct CloseTiff {
+    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+};
+using TiffHandle = std::unique_ptr<TIFF, CloseTiff>;
+
+/// Pixels that the narrowest row counts as against TiffData::maxPixels.
+constexpr quint64 SmallestRow = 32;
+
+/// The names under which a file is tried: as Latin-1 where that can hold it, then in the system's
+/// own encoding, which reaches what the first does not (a folder named in UTF-8).
+std::vector<QByteArray> pathsOf(const QString& name) {
+    const QByteArray latin = name.toLatin1();
+    const QByteArray local = QFile::encodeName(name);
+    if (latin == local || QString::fromLatin1(latin) != name) {
+        return {local};
+    }
+    return {latin, local};
+}
+
+TiffHandle openTiff(const QString& name, const char* mode) {
+    TiffHandle tiff;
+    for (const QByteArray& path : pathsOf(name)) {
+        tiff.reset(TIFFOpen(path.constData(), mode));
+        if (tiff) {
+            break;
+        }
+    }
+    return tiff;
+}
+
+/// Pixels are folded into the extremes in pieces that are still in the processor's cache.
+constexpr quint64 PieceBytes = 256 * 1024;
+
+/// Reads the rows of a sound file of the plainest kind (whole strips of uncompressed 16-bit counts)
+/// straight to where they belong. False for any other file, which is to be read row by row then:
+/// what is read here is what TIFFReadScanline() would have given for every row.
+class PlainReader {
+  public:
+    PlainReader(TIFF* tiff, quint32 width, quint32 height)
+        : m_tiff(tiff), m_width(width), m_height(height), m_rowBytes(quint64(width) * 2) {}
+
+    bool canRead() {
+        return TIFFIsTiled(m_tiff) == 0 && has(TIFFTAG_COMPRESSION, COMPRESSION_NONE) &&
+               has(TIFFTAG_BITSPERSAMPLE, 16) && has(TIFFTAG_SAMPLESPERPIXEL, 1) &&
+               has(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
+               has(TIFFTAG_FILLORDER, FILLORDER_MSB2LSB) && findRuns();
+    }
+
+    /// Into a frame that has its rows.
+    bool read(TiffData* frame) {
+        quint64 y = 0;
+        for (const Run& run : m_runs) {
+            if (TIFFGetSeekProc(m_tiff)(TIFFClientdata(m_tiff), run.offset, SEEK_SET) !=
+                run.offset) {
+                return false;
+            }
+            const quint64 step = std::max<quint64>(1, PieceBytes / m_rowBytes);
+            for (const quint64 end = y + run.rows; y < end;) {
+                const quint64 n = std::min(step, end - y);
+                if (!readPiece(frame, frame->rows[static_cast<std::size_t>(y)], n)) {
+                    return false;
+                }
+                y += n;
+            }
+        }
+        return true;
+    }
+
+  private:
+    /// Rows that lie one after another in the file: a strip, or several neighbours.
+    struct Run {
+        quint64 offset;
+        quint64 rows;
+    };
+
+    bool has(uint32_t tag, uint16_t value) const {
+        uint16_t found = 0;
+        return TIFFGetFieldDefaulted(m_tiff, tag, &found) == 1 && found == value;
+    }
+
+    /// The file's strips in order; false when one is not there as a whole.
+    bool findRuns() {
+        uint32_t rowsPerStrip = 0;
+        TIFFGetFieldDefaulted(m_tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
+        if (rowsPerStrip == 0 || m_rowBytes == 0) {
+            return false;
+        }
+        const quint64 fileBytes = TIFFGetSizeProc(m_tiff)(TIFFClientdata(m_tiff));
+        uint32_t strip = 0;
+        for (quint64 y = 0; y < m_height; y += rowsPerStrip, ++strip) {
+            const quint64 offset = TIFFGetStrileOffset(m_tiff, strip);
+            const quint64 bytes = TIFFGetStrileByteCount(m_tiff, strip);
+            const quint64 rows = std::min<quint64>(rowsPerStrip, m_height - y);
+            if (offset == 0 || bytes < rows * m_rowBytes || bytes > fileBytes ||
+                offset > fileBytes - bytes) {
+                return false;
+            }
+            if (!m_runs.empty() &&
+                m_runs.back().offset + m_runs.back().rows * m_rowBytes == offset) {
+                m_runs.back().rows += rows;
+            } else {
+                m_runs.push_back({offset, rows});
+            }
+        }
+        return true;
+    }
+
+    bool readPiece(TiffData* frame, quint16* counts, quint64 rows) const {
+        const auto bytes = static_cast<tmsize_t>(rows * m_rowBytes);
+        if (TIFFGetReadProc(m_tiff)(TIFFClientdata(m_tiff), counts, bytes) != bytes) {
+            return false;
+        }
+        const auto n = static_cast<std::size_t>(rows) * m_width;
+        if (TIFFIsByteSwapped(m_tiff) != 0) {
+            TIFFSwabArrayOfShort(counts, static_cast<tmsize_t>(n));
+        }
+        frame->foldIn(counts, n);
+        return true;
+    }
+
+    TIFF* m_tiff;
+    quint32 m_width;
+    quint32 m_height;
+    quint64 m_rowBytes;
+    std::vector<Run> m_runs;
+};
+
+bool setTags(TIFF* tiff, quint32 width, int height) {
+    return TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, width) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 16) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) == 1;
+}
+
+bool writeStrips(TIFF* tiff, int height, const quint16* data, quint64 dataCount) {
+    uint32_t rowsPerStrip = 0;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
+    if (rowsPerStrip == 0 || height <= 0) {
+        return false;
+    }
+    const quint64 rowCount = static_cast<quint64>(height);
+    const quint64 dataBytes = dataCount * sizeof(quint16);
+    const auto* bytes = reinterpret_cast<const char*>(data);
+    std::vector<char> strip;
+    quint64 place = 0;
+    uint32_t s = 0;
+    for (quint64 r = 0; r < rowCount; r += rowsPerStrip, ++s) {
+        const quint64 n = std::min<quint64>(rowsPerStrip, rowCount - r);
+        const tmsize_t size = TIFFVStripSize(tiff, static_cast<uint32_t>(n));
+        strip.assign(static_cast<std::size_t>(size), 0);
+        if (place < dataBytes) {
+            std::memcpy(strip.data(), bytes + place,
+                        std::min<quint64>(static_cast<quint64>(size), dataBytes - place));
+        }
+        if (TIFFWriteEncodedStrip(tiff, s, strip.data(), size) < 0) {
+            return false;
+        }
+        place += 2 * static_cast<quint64>(size);
+    }
+    return TIFFFlush(tiff) == 1;  // a full disk shows at the latest here
+}
+
+/// What a link points to, also when that is not there yet; other names as they are.
+QString behindLinks(const QString& name) {
+    const QFileInfo info(name);
+    if (!info.isSymLink()) {
+        return name;
+    }
+    const QString file = info.canonicalFilePath();
+    return file.isEmpty() ? info.symLinkTarget() : file;
+}
+
+/// Puts the finished file in the place of the old one, with the permissions of that.
+bool replace(const QByteArray& part, const QByteArray& path) {
+    struct stat old;
+    if (::stat(path.constData(), &old) == 0) {
+        const bool ours = S_ISREG(old.st_mode) && ::access(path.constData(), W_OK) == 0;
+        if (!ours || ::chmod(part.constData(), old.st_mode & 07777) != 0) {
+            return false;
+        }
+    }
+    // Over an existing file in one step, which QFile::rename would refuse.
+    return std::rename(part.constData(), path.constData()) == 0;
+}
+
+/// Writes beside the file and then takes its place, so that a failure leaves the old one whole.
+bool writeFile(const QString& name, quint32 width, int height, const quint16* data,
+               quint64 dataCount) {
+    for (const QByteArray& path : pathsOf(behindLinks(name))) {
+        const QByteArray part = path + ".part";
+        TiffHandle tiff(TIFFOpen(part.constData(), "w"));
+        if (!tiff) {
+            continue;
+        }
+        const bool written =
+            setTags(tiff.get(), width, height) && writeStrips(tiff.get(), height, data, dataCount);
+        tiff.reset();
+        const bool withoutPixels = width == 0 || height <= 0;
+        if ((written || withoutPixels) && replace(part, path)) {
+            return written;
+        }
+        std::remove(part.constData());
+        return false;
+    }
+    return false;
+}
+
+}  // namespace
+
+void* allocateRow(std::size_t bytes) {
+    return _TIFFmalloc(static_cast<tmsize_t>(bytes));
+}
+
+void freeRow(void* row) {
+    _TIFFfree(row);
+}
+
+void silenceTiffMessages() {
+    TIFFSetWarningHandler(nullptr);
+    TIFFSetErrorHandler(nullptr);
+}
+
+bool TiffData::readTiff(const QString& name) {
+    // Mapping a file into memory costs more than reading it once, but the reader of rows finds out
+    // by it which strips are whole.
+    TiffHandle tiff = openTiff(name, "rm");
+    if (!tiff) {
+        tiff = openTiff(name, "r");
+    }
+    if (!tiff) {
+        return false;
+    }
+    clearRows();
+    fileName = name;
+    min = 0xFFFFFFFFu;
+    max = 0;
+    width = 0;
+    height = 0;
+    TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height);
+    TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width);
+    const tmsize_t lineBytes = TIFFScanlineSize(tiff.get());
+    // A row costs memory of its own however narrow it is.
+    const quint64 rowCost = std::max<quint64>(width, SmallestRow);
+    if (height > 0 && (lineBytes <= 0 || lineBytes > 0x7FFFFFFF || rowCost * height > maxPixels ||
+                       static_cast<quint64>(lineBytes) * height > 8 * maxPixels)) {
+        return false;
+    }
+    scanlineSize = static_cast<qint32>(lineBytes);
+    const std::size_t longest =
+        std::max(static_cast<std::size_t>(lineBytes), static_cast<std::size_t>(width) * 2);
+    const std::size_t rowBytes = (longest + 1) / 2 * 2;
+    makeRows(rowBytes);
+    if (rows.size() < height) {
+        return false;
+    }
+    PlainReader plain(tiff.get(), width, height);
+    if (!(plain.canRead() && plain.read(this))) {
+        tiff.reset();
+        tiff = openTiff(name, "r");
+        min = 0xFFFFFFFFu;
+        max = 0;
+        for (quint32 y = 0; y < height; ++y) {
+            // Only what the file does not fill is cleared: writing every row twice costs time.
+            const std::size_t filled = tiff && TIFFReadScanline(tiff.get(), rows[y], y, 0) == 1
+                                           ? static_cast<std::size_t>(lineBytes)
+                                           : 0;
+            std::memset(reinterpret_cast<char*>(rows[y]) + filled, 0, rowBytes - filled);
+            foldIn(rows[y]);
+        }
+    }
+    dropPicture();
+    return true;
+}
+
+bool writeTiff(const QString& name, quint32 width, int height, const quint16* data) {
+    return writeFile(name, width, height, data, static_cast<quint64>(std::max(0, height)) * width);
+}
+
+bool writeConstTiff(const QString& name, quint32 width, quint32 height, quint16 value) {
+    // Long enough for the doubled step between strips, so that tall frames are right as well.
+    const quint64 count = 2 * static_cast<quint64>(width) * height;
+    if (count > 2 * TiffData::maxPixels) {
+        return false;
+    }
+    const std::vector<quint16> values(static_cast<std::size_t>(count), value);
+    return writeFile(name, width, static_cast<int>(height), values.data(), count);
+}
+
+bool writeOnesTiff(const QString& name, quint32 width, quint32 height) {
+    return writeConstTiff(name, width, height, 1);
+}
+
+bool writeZerosTiff(const QString& name, quint32 width, quint32 height) {
+    return writeConstTiff(name, width, height, 0);
+}

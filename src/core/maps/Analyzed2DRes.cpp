@@ -1,0 +1,214 @@
+#include "maps/Analyzed2DRes.h"
+
+#include <QImage>
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+#include "base/Globals.h"
+
+namespace {
+
+int sizeOf(const AnalysisGrid& grid) {
+    const qint64 count = static_cast<qint64>(grid.width) * grid.height;
+    return grid.width > 0 && grid.height > 0 && count <= std::numeric_limits<int>::max()
+               ? static_cast<int>(count)
+               : 0;
+}
+
+void widen(double value, double* min, double* max) {
+    if (std::isfinite(value)) {
+        *max = std::max(*max, value);
+        *min = std::min(*min, value);
+    }
+}
+
+/// The low 16 bits of the value cut to an integer; 0 for what has none.
+quint16 lowBits(double value) {
+    constexpr double Limit = 9223372036854775808.0;  // 2^63
+    if (!(value > -Limit && value < Limit)) {
+        return 0;
+    }
+    return static_cast<quint16>(static_cast<qint64>(value) & 0xFFFF);
+}
+
+}  // namespace
+
+Analyzed2DRes::Analyzed2DRes(QObject* parent) : QObject(parent) {}
+
+Analyzed2DRes::~Analyzed2DRes() = default;
+
+double Analyzed2DRes::at(const Array& array, qint64 x, qint64 y) const {
+    if (array.isEmpty() || !m_grid.isInsideImage(x, y)) {
+        return 0.0;
+    }
+    return array.constData()[y * m_grid.width + x];
+}
+
+const Analyzed2DRes::Array& Analyzed2DRes::procArray() const {
+    if (m_proc.isEmpty() && !m_data.isEmpty()) {
+        m_proc.fill(0.0, m_data.size());
+    }
+    return m_proc;
+}
+
+double Analyzed2DRes::rangeMin() const {
+    return m_fixedScale ? m_scaleMin : (m_showProc ? m_procMin : m_dataMin);
+}
+
+double Analyzed2DRes::rangeMax() const {
+    return m_fixedScale ? m_scaleMax : (m_showProc ? m_procMax : m_dataMax);
+}
+
+void Analyzed2DRes::setProcRange(double min, double max) {
+    m_procMin = min;
+    m_procMax = max;
+}
+
+void Analyzed2DRes::updateExtremes() {
+    m_dataMin = 1e300;
+    m_dataMax = -1e300;
+    for (double value : qAsConst(m_data)) {
+        widen(value, &m_dataMin, &m_dataMax);
+    }
+}
+
+void Analyzed2DRes::dropPicture() {
+    m_toPaint.reset();
+    m_image.reset();
+    m_pixels = {};
+    m_valid = false;
+}
+
+void Analyzed2DRes::clear() {
+    m_grid.start();
+    setProcRange(0.0, 1.0);
+    m_dataMin = 1e300;
+    m_dataMax = -1e300;
+    dropPicture();
+    m_proc = Array();
+    m_data = Array();
+    m_data.fill(0.0, sizeOf(m_grid));
+}
+
+void Analyzed2DRes::startOver(const AnalysisGrid& grid) {
+    m_showProc = false;
+    setGrid(grid);
+    clear();
+}
+
+void Analyzed2DRes::setNo(int no) {
+    m_no = no;
+}
+int Analyzed2DRes::no() const {
+    return m_no;
+}
+
+void Analyzed2DRes::fillBin(Array* array, int ix, int iy, int xw, int yw, double t) const {
+    const qint64 left = std::max<qint64>(0, static_cast<qint64>(ix) - xw);
+    const qint64 right = std::min<qint64>(m_grid.width - 1, static_cast<qint64>(ix) + xw);
+    const qint64 top = std::max<qint64>(0, static_cast<qint64>(iy) - yw);
+    const qint64 bottom = std::min<qint64>(m_grid.height - 1, static_cast<qint64>(iy) + yw);
+    if (array->isEmpty() || left > right) {
+        return;
+    }
+    double* const values = array->data();
+    for (qint64 row = top; row <= bottom; ++row) {
+        double* const first = values + row * m_grid.width;
+        std::fill(first + left, first + right + 1, t);
+    }
+}
+
+void Analyzed2DRes::setData(int ix, int iy, int xw, int yw, double t) {
+    widen(t, &m_dataMin, &m_dataMax);
+    fillBin(&m_data, ix, iy, xw, yw, t);
+}
+
+void Analyzed2DRes::genImg() {
+    dropPicture();
+    const Array& source = shownArray();
+    if (!source.isEmpty()) {
+        // The values of this moment: setting others leaves these as they are.
+        m_toPaint = Picture{source, m_grid.width, m_grid.height, rangeMin(), rangeMax()};
+        m_valid = true;
+    }
+}
+
+void Analyzed2DRes::paint(const Picture& picture) const {
+    m_pixels.resize(3 * static_cast<std::size_t>(picture.values.size()));
+    uchar* pixel = m_pixels.data();
+    for (double value : picture.values) {
+        std::memcpy(pixel, colorOf((value - picture.min) / (picture.max - picture.min)), 3);
+        pixel += 3;
+    }
+    m_image = std::make_unique<QImage>(m_pixels.data(), picture.width, picture.height,
+                                       3 * picture.width, QImage::Format_RGB888);
+}
+
+QImage* Analyzed2DRes::img() const {
+    if (m_toPaint) {
+        paint(*m_toPaint);
+        m_toPaint.reset();
+    }
+    return m_image.get();
+}
+
+quint16* Analyzed2DRes::tiffDataForSave(bool fixedScale, double scaleMin, double scaleMax,
+                                        bool asAnalyzed) {
+    const Array& source = shownArray();
+    if (source.isEmpty()) {
+        m_count = 0;
+        return nullptr;
+    }
+    const double min = fixedScale ? scaleMin : (m_showProc ? m_procMin : m_dataMin);
+    const double max = fixedScale ? scaleMax : (m_showProc ? m_procMax : m_dataMax);
+    const std::size_t points =
+        static_cast<std::size_t>(asAnalyzed ? m_grid.pointCount() : source.size());
+    auto* values = new quint16[std::max(static_cast<std::size_t>(source.size()), points)]();
+    std::size_t n = 0;
+    if (asAnalyzed) {
+        forEachPoint(m_grid, [&](int x, int y) {
+            const double value = at(source, x, y);
+            const double clamped = value < min ? min : (value > max ? max : value);
+            values[n++] = lowBits((clamped - min) / (max - min) * 65535);
+        });
+    } else {
+        for (double value : source) {
+            values[n++] = lowBits((value - min) / (max - min) * 65535);
+        }
+    }
+    m_count = static_cast<int>(n);
+    return values;
+}
+
+void Analyzed2DRes::setDeglitchConds(double f, double r) {
+    m_deglitchFactor = f;
+    m_deglitchRatio = r;
+}
+
+void Analyzed2DRes::selectProcImg(bool on) {
+    m_showProc = on;
+    genImg();
+}
+
+void Analyzed2DRes::copyProc2Data() {
+    if (m_data.isEmpty()) {
+        return;
+    }
+    qDebug("copy");
+    m_data = procArray();
+    m_dataMin = m_procMin;
+    m_dataMax = m_procMax;
+}
+
+void Analyzed2DRes::setFixedScale(bool on) {
+    m_fixedScale = on;
+    genImg();
+}
+
+void Analyzed2DRes::setScale(double min, double max) {
+    m_scaleMin = min;
+    m_scaleMax = max;
+    genImg();
+}

@@ -1,0 +1,132 @@
+#pragma once
+
+#include <QObject>
+#include <QVector>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "maps/AnalysisGrid.h"
+
+class QImage;
+
+/// One result image of an analysis: a width x height array of values that the analysis fills point
+/// by point, a second one for processed values (deglitched, or the glitch measure), and the
+/// picture of either through the colour map.
+///
+/// Both arrays and the picture exist from clear() and genImg() on as far as anybody can see, but
+/// take memory only when they are needed: processed values that are those of the analysis, or not
+/// yet any, and a picture that nobody looks at cost nothing.
+class Analyzed2DRes : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit Analyzed2DRes(QObject* parent = nullptr);
+    ~Analyzed2DRes() override;
+
+    /// Geometry for the next clear(), which allocates the arrays.
+    void setGrid(const AnalysisGrid& grid) { m_grid = grid; }
+    /// An image of zeros for a new run over a grid; the processed values of the old run, now gone,
+    /// are not what it shows.
+    void startOver(const AnalysisGrid& grid);
+    const AnalysisGrid& grid() const { return m_grid; }
+
+    /// Whether the picture is up to date with a filled image; false from clear() to genImg().
+    bool isValid() const { return m_valid; }
+    bool hasData() const { return !m_data.isEmpty(); }
+
+    /// Value of a pixel (row by row in data and proc), 0.0 outside the image.
+    double valueAt(qint64 x, qint64 y) const { return at(m_data, x, y); }
+    double shownValueAt(qint64 x, qint64 y) const { return at(shownArray(), x, y); }
+    const double* data() const { return m_data.constData(); }
+    const double* proc() const { return procArray().constData(); }
+
+    // Ranges of the finite values; dataMin > dataMax until a value is set.
+    double dataMin() const { return m_dataMin; }
+    double dataMax() const { return m_dataMax; }
+    double procMin() const { return m_procMin; }
+    double procMax() const { return m_procMax; }
+    /// The range in use: the fixed scale, else that of the array shown.
+    double rangeMin() const;
+    double rangeMax() const;
+    bool showsProc() const { return m_showProc; }
+    bool isFixedScale() const { return m_fixedScale; }
+    /// Number of values written by the last tiffDataForSave().
+    int count() const { return m_count; }
+
+    void setProcRange(double min, double max);
+    /// dataMin and dataMax over all pixels that are finite.
+    void updateExtremes();
+
+  public slots:
+    /// Frees picture and arrays, allocates arrays of zeros for the grid's size, resets the ranges.
+    void clear();
+    void setNo(int no);
+    int no() const;
+    /// Sets the value over the bin of half-width xw and half-height yw around (ix, iy), clipped to
+    /// the image, and widens the range with it.
+    void setData(int ix, int iy, int xw, int yw, double t);
+    void genImg();
+    /// The picture as of the last genImg(), whatever has been set since; null before.
+    QImage* img() const;
+    /// The shown values as 16 bit: (value - min) / (max - min) x 65535, cut to an integer whose low
+    /// 16 bits are kept; what is not a number is 0. min and max are the arguments with fixedScale,
+    /// else the range of the array shown. asAnalyzed: one value a point in grid order, clamped to
+    /// the range, instead of one a pixel; count() tells how many. The caller frees the array with
+    /// delete[]; null without values.
+    quint16* tiffDataForSave(bool fixedScale, double scaleMin, double scaleMax, bool asAnalyzed);
+    /// Replaces points that stand out from their neighbours by more than factor times the mean and
+    /// lie near an end of the range by the mean of their four neighbours, into proc.
+    void deglitch();
+    void setDeglitchConds(double f, double r);
+    void selectProcImg(bool on);
+    /// Replaces points further than limit from the mean by the mean of their eight neighbours that
+    /// are nearer (0.0 without any), into proc. The mean is that of the values of magnitude below
+    /// limit.
+    void deglitch2(double limit);
+    void copyProc2Data();
+    void setFixedScale(bool on);
+    void setScale(double min, double max);
+
+  private:
+    using Array = QVector<double>;  // copies share their memory until one is written to
+
+    /// What a picture is to show.
+    struct Picture {
+        Array values;
+        int width;
+        int height;
+        double min;
+        double max;
+    };
+
+    const Array& procArray() const;
+    const Array& shownArray() const { return m_showProc ? procArray() : m_data; }
+    void paint(const Picture& picture) const;
+    double at(const Array& array, qint64 x, qint64 y) const;
+    void fillBin(Array* array, int ix, int iy, int xw, int yw, double t) const;
+    double glitchMeasure(int x, int y) const;
+    double meanOfNeighbours(int x, int y) const;
+    void setProcPoint(int x, int y, double t);
+    void dropPicture();
+
+    int m_no = -1;
+    AnalysisGrid m_grid;
+    bool m_valid = false;
+    mutable std::optional<Picture> m_toPaint;
+    mutable std::vector<uchar> m_pixels;
+    mutable std::unique_ptr<QImage> m_image;
+    Array m_data;
+    double m_dataMin = 1e300;
+    double m_dataMax = -1e300;
+    bool m_fixedScale = false;
+    double m_scaleMin = 0.0;
+    double m_scaleMax = 1.0;
+    int m_count = 0;
+    double m_procMin = 0.0;
+    double m_procMax = 1.0;
+    mutable Array m_proc;  // empty: zeros, as many as values
+    double m_deglitchFactor = 2.0;
+    double m_deglitchRatio = 0.1;
+    bool m_showProc = false;
+};

@@ -1,0 +1,109 @@
+#include "spectra/SpectrumFile.h"
+
+#include <QFile>
+#include <QSaveFile>
+#include <QTextStream>
+#include <cmath>
+
+#include "base/DebugLog.h"
+#include "spectra/Constants.h"
+#include "spectra/XafsSpectrum.h"
+
+namespace {
+
+QStringList itemsOf(const QString& line) {
+    return line.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+/// The last d-spacing (angstrom) that the header names; reads up to and including "Offset".
+double readDSpacing(QTextStream& in) {
+    double d = 0.0;
+    while (!in.atEnd()) {
+        const QStringList items = itemsOf(in.readLine());
+        for (int i = 1; i < items.size(); ++i) {
+            if (items.at(i - 1) == QLatin1String("D=")) {
+                d = items.at(i).toDouble();
+            }
+        }
+        if (!items.isEmpty() && items.first() == QLatin1String("Offset")) {
+            break;
+        }
+    }
+    return d;
+}
+
+double valueOr0(const Spectrum& series, int i) {
+    return i < series.size() ? series.value(i) : 0.0;
+}
+
+}  // namespace
+
+bool isFirstLineOf9809(const QString& line) {
+    return line.simplified().left(4) == QLatin1String("9809");
+}
+
+bool readSpectrumFile(const QString& fileName, XafsSpectrum* spectrum) {
+    spectrum->clear();
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        debugFile("Can not open", fileName);
+        spectrum->setNot9809(1);
+        spectrum->setValid(false);
+        return false;
+    }
+    const bool is9809 = isFirstLineOf9809(QString::fromUtf8(file.readLine()));
+    file.seek(0);
+    QTextStream in(&file);
+    in.setCodec("UTF-8");
+    spectrum->setNot9809(is9809 ? 0 : 1);
+    spectrum->setValid(true);
+    if (is9809) {
+        read9809(in, spectrum);
+    } else {
+        readPlain(in, spectrum);
+    }
+    return true;
+}
+
+void readPlain(QTextStream& in, XafsSpectrum* spectrum) {
+    while (!in.atEnd()) {
+        const QStringList items = itemsOf(in.readLine());
+        if (items.size() >= 2 && !items.first().startsWith(QLatin1Char('#'))) {
+            spectrum->append(items.at(0).toDouble(), items.at(1).toDouble());
+        }
+    }
+}
+
+void read9809(QTextStream& in, XafsSpectrum* spectrum) {
+    const double d = readDSpacing(in);
+    while (!in.atEnd()) {
+        const QStringList items = itemsOf(in.readLine());
+        if (items.size() < 5) {
+            continue;
+        }
+        const double angle = items.at(1).toDouble();
+        const double i0 = items.at(3).toDouble();
+        const double i1 = items.at(4).toDouble();
+        const double energy = Hc / (2.0 * d * std::sin(angle * PiTenDigits / 180.0));
+        spectrum->append(energy, i0 * i1 > 0.0 ? std::log(i0 / i1) : 1.0);
+    }
+}
+
+bool writeSpectrumFile(const QString& fileName, const XafsSpectrum& spectrum, bool corrected) {
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+        return false;
+    }
+    QTextStream out(&file);
+    out.setCodec("UTF-8");
+    out << "###Tarnwick::XafsSpectrum\n";
+    out << "# x  double-normalized-pre-base y pre post\n";
+    const Spectrum& normalised = spectrum.doubleNormalizedPreBase();
+    for (int i = 0; i < spectrum.size(); ++i) {
+        out << (corrected ? spectrum.correctedEnergy(i) : spectrum.energy(i)) << '\t'
+            << valueOr0(normalised, i) << '\t' << spectrum.value(i) << '\t'
+            << valueOr0(spectrum.preEdge(), i) << '\t' << valueOr0(spectrum.postEdge(), i) << '\n';
+    }
+    out.flush();
+    return out.status() == QTextStream::Ok && file.commit();
+}

@@ -1,6 +1,0 @@
-#include "imagedata/LoadTiff.h"
-
-void LoadTiff::loadTiff(const QString& fname, TiffData* data) {
-    data->load(fname);
-    emit loaded(data);
-}

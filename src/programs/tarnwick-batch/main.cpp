@@ -1,0 +1,157 @@
+// tarnwick-batch: the main window without a display, driven by a batch file.
+
+#include <unistd.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QIcon>
+#include <QPixmap>
+#include <QProxyStyle>
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+
+#include "base/CleanEnd.h"
+#include "base/Globals.h"
+#include "batch/BatchCheck.h"
+#include "batch/BatchDispatcher.h"
+#include "panels/BatchCtrl.h"
+#include "tarnwick-batch/BatchSession.h"
+#include "tarnwick-batch/Console.h"
+#include "tarnwick-batch/RunnerOptions.h"
+#include "window/Body.h"
+
+namespace {
+
+Console* debugConsole = nullptr;  // where debug lines go; null: nowhere
+
+void writeMessage(QtMsgType, const QMessageLogContext&, const QString& message) {
+    // What Qt says about a missing display or session is no news to an unattended program.
+    const bool isNews = !message.startsWith(QLatin1String("This plugin does not support")) &&
+                        !message.startsWith(QLatin1String("QStandardPaths: "));
+    if (debugConsole && isNews) {
+        debugConsole->note(message);
+    }
+}
+
+/// A style without icons: reading those of the file dialogs, which nobody sees here, took most of
+/// the program's start.
+class WithoutIcons : public QProxyStyle {
+  public:
+    using QProxyStyle::QProxyStyle;
+    QIcon standardIcon(StandardPixmap, const QStyleOption*, const QWidget*) const override {
+        return {};
+    }
+    QPixmap standardPixmap(StandardPixmap, const QStyleOption*, const QWidget*) const override {
+        return {};
+    }
+};
+
+void prepareEnvironment() {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Unattended programs are often started without a locale; file names need not be ASCII.
+    const char* locale = std::setlocale(LC_CTYPE, "");
+    if (!locale || std::strcmp(locale, "C") == 0 || std::strcmp(locale, "POSIX") == 0) {
+        qputenv("LC_ALL", "C.UTF-8");
+    }
+    // A reader of the log that goes away does not end the batch.
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+QString counted(int n, const QString& what) {
+    return QStringLiteral("%1 %2%3").arg(QString::number(n), what,
+                                         n == 1 ? QString() : QStringLiteral("s"));
+}
+
+int check(const QStringList& lines, const QString& file, Console& console) {
+    debugConsole = nullptr;
+    int errors = 0;
+    const QVector<Finding> findings = checkBatch(lines);
+    for (const Finding& finding : findings) {
+        errors += finding.warning ? 0 : 1;
+        console.logLine(
+            QStringLiteral("%1:%2: %3: %4")
+                .arg(file, QString::number(finding.line),
+                     finding.warning ? QStringLiteral("warning") : QStringLiteral("error"),
+                     finding.text));
+    }
+    console.logLine(QStringLiteral("%1: %2, %3")
+                        .arg(file, counted(errors, QStringLiteral("error")),
+                             counted(findings.size() - errors, QStringLiteral("warning"))));
+    return errors == 0 ? BatchSession::AllDone : BatchSession::SomeFailed;
+}
+
+int run(const BatchText& text, int threads, Console& console) {
+    QApplication::setQuitOnLastWindowClosed(false);
+    Body body;
+    body.setFitsRows(true);
+    if (threads > 0) {
+        body.setThreads(threads);
+    }
+    BatchDispatcher* dispatcher = body.dispatcher();
+    BatchSession session(&console, text, [dispatcher] { return dispatcher->lineInWork(); });
+    QObject::connect(body.batchCtrl(), &BatchCtrl::logged, &session, &BatchSession::log);
+    QObject::connect(&body, &Body::commandDone, &session, &BatchSession::commandDone);
+    QObject::connect(&body, &Body::loadProgress, &session, &BatchSession::loadProgress);
+    QObject::connect(&body, &Body::analysisProgress, &session, &BatchSession::analysisProgress);
+    QObject::connect(dispatcher, &BatchDispatcher::ended, &session, &BatchSession::end);
+    const CleanEnd cleanEnd;
+    QObject::connect(&cleanEnd, &CleanEnd::requested, &session, &BatchSession::interrupt);
+    QObject::connect(&session, &BatchSession::finished, qApp, &QCoreApplication::exit,
+                     Qt::QueuedConnection);
+    body.batchCtrl()->dispatchLines(text.lines);
+    const int code = QApplication::exec();
+    body.close();
+    return code;
+}
+
+int perform(const RunnerOptions& options, Console& console) {
+    switch (options.action) {
+        case RunnerOptions::Action::Help:
+            console.log(options.text);
+            return BatchSession::AllDone;
+        case RunnerOptions::Action::Version:
+            console.logLine(QStringLiteral("tarnwick-batch ") + QApplication::applicationVersion());
+            return BatchSession::AllDone;
+        case RunnerOptions::Action::BadUsage:
+            console.note(
+                QStringLiteral("tarnwick-batch: %1 See tarnwick-batch --help.").arg(options.text));
+            return BatchSession::BadUsage;
+        case RunnerOptions::Action::Check:
+        case RunnerOptions::Action::Run:
+            break;
+    }
+    QStringList lines;
+    if (!readBatchFile(options.file, &lines)) {
+        console.note(QStringLiteral("tarnwick-batch: cannot open ") + options.file);
+        return BatchSession::BadUsage;
+    }
+    return options.action == RunnerOptions::Action::Check
+               ? check(lines, options.file, console)
+               : run(BatchText::fromLines(lines), options.threads, console);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    prepareEnvironment();
+    initGlobals();
+    QFile out;
+    QFile err;
+    out.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered);
+    err.open(STDERR_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered);
+    const bool plain = qgetenv("TERM") == "dumb";
+    Console console(&out, &err, !plain && isatty(STDOUT_FILENO) == 1,
+                    !plain && isatty(STDERR_FILENO) == 1);
+    debugConsole = &console;
+    qInstallMessageHandler(writeMessage);
+
+    QApplication::setStyle(new WithoutIcons(QStringLiteral("Fusion")));
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("tarnwick-batch"));
+    QApplication::setApplicationVersion(QStringLiteral(TARNWICK_VERSION));
+    const int code = perform(RunnerOptions::parse(QApplication::arguments()), console);
+    qInstallMessageHandler(nullptr);
+    return code;
+}

@@ -1,0 +1,5 @@
+#include "window/Startup.h"
+
+int main(int argc, char** argv) {
+    return runTarnwick(argc, argv);
+}

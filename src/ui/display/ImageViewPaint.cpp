@@ -1,0 +1,147 @@
+// What the image view paints: the picture in its place, ticks, the position mark, the selection.
+
+#include <QPainter>
+#include <cmath>
+
+#include "base/Globals.h"
+#include "display/ImageView.h"
+#include "drawing/DrawText.h"
+
+namespace {
+
+constexpr double TickSpacing = 70.0;
+constexpr double TickLength = 9.0;
+
+/// A line that is seen on any picture.
+void drawOutlined(QPainter& painter, const QLineF& line, const QColor& color) {
+    painter.setPen(QPen(QColor(0, 0, 0, 90), 3));
+    painter.drawLine(line);
+    painter.setPen(QPen(color, 1));
+    painter.drawLine(line);
+}
+
+void drawOutlined(QPainter& painter, const QRectF& area, const QColor& color) {
+    painter.setPen(QPen(QColor(0, 0, 0, 90), 3));
+    painter.drawRect(area);
+    painter.setPen(QPen(color, 1));
+    painter.drawRect(area);
+}
+
+/// A text that is read on any picture.
+void drawLabel(QPainter& painter, const QPointF& anchor, const QString& text,
+               Qt::Alignment alignment, const QRectF& inside, const QColor& color) {
+    painter.setPen(QColor(0, 0, 0, 150));
+    for (const QPointF& shift : {QPointF(1, 1), QPointF(-1, 0), QPointF(0, -1)}) {
+        drawText(painter, anchor + shift, text, alignment, inside.translated(shift));
+    }
+    painter.setPen(color);
+    drawText(painter, anchor, text, alignment, inside);
+}
+
+}  // namespace
+
+QRectF ImageView::onScreen(const QRectF& real) const {
+    return QRectF(QPointF(m_coord.r2sX(real.left()), m_coord.r2sY(real.top())),
+                  QPointF(m_coord.r2sX(real.right()), m_coord.r2sY(real.bottom())));
+}
+
+void ImageView::paintImage(QPainter* p, const QImage& picture) const {
+    if (picture.isNull() || m_visible.isEmpty()) {
+        return;
+    }
+    if (m_coord.r2sLengthX(1.0) < 1.0) {
+        paintReduced(p, picture);
+    } else {
+        p->save();
+        p->setRenderHint(QPainter::SmoothPixmapTransform, false);
+        p->drawImage(onScreen(m_visible), picture, m_visible);
+        p->restore();
+    }
+}
+
+void ImageView::paintReduced(QPainter* p, const QImage& picture) const {
+    const QRect part = m_visible.toAlignedRect() & picture.rect();
+    const QRect target = onScreen(QRectF(part)).toRect();
+    if (part.isEmpty() || target.isEmpty()) {
+        return;
+    }
+    if (m_reduced.key != picture.cacheKey() || m_reduced.part != part ||
+        m_reduced.image.size() != target.size()) {
+        m_reduced.key = picture.cacheKey();
+        m_reduced.part = part;
+        m_reduced.image = picture.copy(part).scaled(target.size(), Qt::IgnoreAspectRatio,
+                                                    Qt::SmoothTransformation);
+    }
+    p->drawImage(target.topLeft(), m_reduced.image);
+}
+
+void ImageView::paintBelow(QPainter& painter) {
+    painter.fillRect(rect(), QColor(40, 42, 46));
+}
+
+void ImageView::paintAbove(QPainter& painter) {
+    if (imageRect().isEmpty()) {
+        painter.setPen(QColor(170, 174, 180));
+        painter.drawText(rect(), Qt::AlignCenter, tr("No image"));
+        return;
+    }
+    paintTicks(painter);
+    paintPosition(painter);
+    paintSelection(painter);
+}
+
+void ImageView::paintTicks(QPainter& painter) const {
+    const QColor ink(235, 235, 235, 200);
+    const QRectF shown = onScreen(m_visible);
+    const double step = m_coord.tickStepX(1.0, TickSpacing);
+    for (double x = step * std::ceil(m_visible.left() / step); x < m_visible.right(); x += step) {
+        const double s = m_coord.r2sX(x);
+        drawOutlined(painter, QLineF(s, shown.top(), s, shown.top() + TickLength), ink);
+        drawLabel(painter, QPointF(s + 3, shown.top() + 1), tickText(x, step),
+                  Qt::AlignLeft | Qt::AlignTop, QRectF(rect()), ink);
+    }
+    const double skip = painter.fontMetrics().height() + TickLength;  // room of the upper labels
+    for (double y = step * std::ceil(m_visible.top() / step); y < m_visible.bottom(); y += step) {
+        const double s = m_coord.r2sY(y);
+        if (s < shown.top() + skip) {
+            continue;
+        }
+        // Below its tick: beside it, the tick would read as a minus.
+        drawOutlined(painter, QLineF(shown.left(), s, shown.left() + TickLength, s), ink);
+        drawLabel(painter, QPointF(shown.left() + 2, s + 1), tickText(y, step),
+                  Qt::AlignLeft | Qt::AlignTop, QRectF(rect()), ink);
+    }
+}
+
+void ImageView::paintPosition(QPainter& painter) const {
+    if (!isInside(m_position)) {
+        return;
+    }
+    const QRectF shown = onScreen(m_visible);
+    const QPointF pixel(std::floor(m_position.x()), std::floor(m_position.y()));
+    const double x = m_coord.r2sX(pixel.x() + 0.5);
+    const double y = m_coord.r2sY(pixel.y() + 0.5);
+    painter.save();
+    painter.setClipRect(shown.adjusted(-1, -1, 1, 1));
+    const QColor ink(255, 255, 255, m_pinned ? 240 : 150);
+    drawOutlined(painter, QLineF(x, shown.top(), x, shown.bottom()), ink);
+    drawOutlined(painter, QLineF(shown.left(), y, shown.right(), y), ink);
+    const QRectF bin(pixel.x() - m_halfWidth, pixel.y() - m_halfHeight, 2.0 * m_halfWidth + 1,
+                     2.0 * m_halfHeight + 1);
+    drawOutlined(painter, onScreen(bin.intersected(imageRect())), getColor(1));
+    painter.restore();
+}
+
+void ImageView::paintSelection(QPainter& painter) const {
+    if (!hasSelection()) {
+        return;
+    }
+    const QRectF area = onScreen(m_selection);
+    drawOutlined(painter, area, getColor(0));
+    const QString size =
+        QStringLiteral("%1 x %2").arg(QString::number(m_selection.width(), 'f', 0),
+                                      QString::number(m_selection.height(), 'f', 0));
+    // Light: red is hard to read on dark pictures.
+    drawLabel(painter, area.bottomLeft() + QPointF(2, 2), size, Qt::AlignLeft | Qt::AlignTop,
+              QRectF(rect()), QColor(255, 225, 225));
+}

@@ -1,0 +1,141 @@
+// The menu of the spectrum plot: saving the plot, pinned spectra.
+
+#include <QAction>
+#include <QFileDialog>
+#include <QMenu>
+#include <QPainter>
+#include <QScopedValueRollback>
+
+#include "base/DebugLog.h"
+#include "base/Globals.h"
+#include "display/DispA.h"
+#include "display/XafsView.h"
+#include "files/PictureFile.h"
+#include "ui_XafsView.h"
+
+namespace {
+
+QIcon swatch(const QColor& color) {
+    QPixmap picture(16, 16);
+    picture.fill(Qt::transparent);
+    QPainter(&picture).fillRect(QRect(1, 6, 14, 4), color);
+    return QIcon(picture);
+}
+
+}  // namespace
+
+void XafsView::makeMenu() {
+    m_menu = new QMenu(this);
+    m_menu->setToolTipsVisible(true);
+    QAction* save = m_menu->addAction(tr("Save Plot..."), this, &XafsView::showSaveDialog);
+    save->setObjectName(QStringLiteral("SavePlot"));
+    save->setToolTip(tr("As picture (PNG) or as vector drawing (PDF)"));
+    save->setShortcut(QKeySequence::Save);
+    m_menu->addSeparator();
+    m_pinAction = m_menu->addAction(tr("Pin Spectrum"), this, &XafsView::pinSpectrum);
+    m_pinAction->setObjectName(QStringLiteral("PinSpectrum"));
+    m_pinAction->setShortcut(QKeySequence(Qt::CTRL + Qt::Key_T));
+    m_pinAction->setAutoRepeat(false);
+    m_removeMenu = m_menu->addMenu(tr("Remove Pinned"));
+    m_removeMenu->setObjectName(QStringLiteral("RemovePinned"));
+    connect(m_removeMenu, &QMenu::aboutToShow, this, &XafsView::listPinned);
+    m_removeAllAction =
+        m_menu->addAction(tr("Remove All Pinned"), this, &XafsView::removeAllPinned);
+    m_removeAllAction->setObjectName(QStringLiteral("RemoveAllPinned"));
+    m_removeAllAction->setShortcut(QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_T));
+    addActions({save, m_pinAction, m_removeAllAction});
+    m_ui->PlotMenu->setMenu(m_menu);
+    m_ui->Canvas->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_ui->Canvas, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& at) { m_menu->popup(m_ui->Canvas->mapToGlobal(at)); });
+    updateMenu();
+}
+
+void XafsView::updateMenu() {
+    const bool anySample = m_sample && !m_sample->isEmpty();
+    const bool full = m_pinned.size() >= MostPinned;
+    m_pinAction->setEnabled(anySample && !full);
+    m_pinAction->setToolTip(!anySample ? tr("Point at a position of the image first.")
+                            : full
+                                ? tr("Remove a pinned spectrum first.")
+                                : tr("Keep the spectrum in the plot, to compare others with it"));
+    m_removeMenu->setEnabled(!m_pinned.isEmpty());
+    m_removeAllAction->setEnabled(!m_pinned.isEmpty());
+}
+
+void XafsView::listPinned() {
+    m_removeMenu->clear();
+    for (int i = 0; i < m_pinned.size(); ++i) {
+        m_removeMenu->addAction(swatch(readable(m_pinned[i].color)), m_pinned[i].name, this,
+                                [this, i] { removePinned(i); });
+    }
+}
+
+void XafsView::showSaveDialog() {
+    if (m_plotDialog == nullptr) {
+        const QString drawing = tr("Vector Drawing (*.pdf)");
+        m_plotDialog = new QFileDialog(this, tr("Save Plot"));
+        m_plotDialog->setDirectory(DataDir);
+        m_plotDialog->setObjectName(QStringLiteral("PlotDialog"));
+        m_plotDialog->setAcceptMode(QFileDialog::AcceptSave);
+        m_plotDialog->setFileMode(QFileDialog::AnyFile);
+        m_plotDialog->setNameFilters({tr("Image File (*.png)"), drawing});
+        m_plotDialog->setDefaultSuffix(QStringLiteral("png"));
+        m_plotDialog->setModal(false);
+        connect(m_plotDialog, &QFileDialog::filterSelected, this, [=](const QString& filter) {
+            m_plotDialog->setDefaultSuffix(filter == drawing ? QStringLiteral("pdf")
+                                                             : QStringLiteral("png"));
+        });
+        connect(m_plotDialog, &QFileDialog::fileSelected, this, &XafsView::savePlot);
+    }
+    m_plotDialog->show();
+}
+
+bool XafsView::savePlot(const QString& fname) {
+    const QScopedValueRollback<bool> onPaper(m_onPaper, true);
+    const bool written = writeDrawing(fname, m_ui->Canvas->size(), [this](QPainter& painter) {
+        painter.setFont(m_ui->Canvas->font());
+        draw(&painter);
+    });
+    if (!written) {
+        debugFile("cannot be written:", fname);
+    }
+    return written;
+}
+
+QColor XafsView::colorOfPinned() const {
+    // The first colour that no other curve has.
+    QList<QColor> taken{getColor(0), getColor(2)};
+    for (const QVector<Reference>& others : {m_references, m_pinned}) {
+        for (const Reference& other : others) {
+            taken.append(other.color);
+        }
+    }
+    for (int i = 0; i < 3 * Colors.size(); ++i) {
+        const QColor color = getColor(i).darker(100 + 50 * (i / Colors.size()));
+        if (!taken.contains(color)) {
+            return color;
+        }
+    }
+    return ink();
+}
+
+void XafsView::pinSpectrum() {
+    if (!m_sample || m_sample->isEmpty() || m_pinned.size() >= MostPinned) {
+        return;
+    }
+    m_pinned.append({*m_sample, m_sampleName, true, colorOfPinned()});
+    update();
+}
+
+void XafsView::removePinned(int index) {
+    if (index >= 0 && index < m_pinned.size()) {
+        m_pinned.remove(index);
+        update();
+    }
+}
+
+void XafsView::removeAllPinned() {
+    m_pinned.clear();
+    update();
+}

@@ -1,0 +1,96 @@
+#include "panels/AnalyzeProc.h"
+
+#include "panels/LCFReference.h"
+
+AnalyzeProc::AnalyzeProc(QObject* parent) : QObject(parent) {}
+AnalyzeProc::~AnalyzeProc() = default;
+
+void AnalyzeProc::setContAccess(bool on) {
+    m_contAccess = on;
+}
+
+void AnalyzeProc::analyzeSpectrum0(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
+                                   XafsSpectrum* fitted, bool isMLCF) {
+    analyze(sample, lcfrs0, fitted, isMLCF ? LinearFit::Mlcf : LinearFit::Lcf);
+}
+
+void AnalyzeProc::analyzeSpectrumByLCF(const XafsSpectrum& sample,
+                                       const QVector<LCFReference*>& lcfrs0, XafsSpectrum* fitted) {
+    analyze(sample, lcfrs0, fitted, LinearFit::Lcf);
+}
+
+void AnalyzeProc::analyzeSpectrumByMLCF(const XafsSpectrum& sample,
+                                        const QVector<LCFReference*>& lcfrs0,
+                                        XafsSpectrum* fitted) {
+    analyze(sample, lcfrs0, fitted, LinearFit::Mlcf);
+}
+
+bool AnalyzeProc::isPreparedFor(const QVector<LCFReference*>& panels,
+                                LinearFit::Method method) const {
+    if (!m_fit || m_method != method ||
+        m_revisions.size() != static_cast<std::size_t>(panels.size())) {
+        return false;
+    }
+    for (int r = 0; r < panels.size(); ++r) {
+        if (panels.at(r)->fitInput().revision != m_revisions[static_cast<std::size_t>(r)]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+QVector<XafsSpectrum> usedReferences(const QVector<LCFReference*>& panels,
+                                     std::vector<int>* usedPanels) {
+    QVector<XafsSpectrum> references;
+    usedPanels->clear();
+    for (int r = 0; r < panels.size(); ++r) {
+        const LCFReference::FitInput& input = panels.at(r)->fitInput();
+        if (input.used) {
+            references.append(input.spectrum);
+            usedPanels->push_back(r);
+        }
+    }
+    return references;
+}
+
+void AnalyzeProc::prepareFor(const QVector<LCFReference*>& panels, LinearFit::Method method) {
+    m_revisions.clear();
+    for (LCFReference* panel : panels) {
+        m_revisions.push_back(panel->fitInput().revision);
+    }
+    m_method = method;
+    m_fit = std::make_unique<LinearFit>(usedReferences(panels, &m_usedPanels), method);
+}
+
+void AnalyzeProc::analyze(const XafsSpectrum& sample, const QVector<LCFReference*>& panels,
+                          XafsSpectrum* fitted, LinearFit::Method method) {
+    m_ratios.clear();
+    m_dMuts.clear();
+    if (sample.isEmpty() || panels.size() < 2) {
+        return;
+    }
+    if (!isPreparedFor(panels, method)) {
+        prepareFor(panels, method);
+    }
+    m_fit->fit(sample);
+    m_ratios = m_fit->ratios();
+    m_dMuts = m_fit->dMuts();
+
+    // Drawn from the shares that the panels hold: the new ones, or with contAccess the old.
+    m_shares.clear();
+    for (std::size_t u = 0; u < m_usedPanels.size(); ++u) {
+        LCFReference* panel = panels.at(m_usedPanels[u]);
+        if (m_contAccess) {
+            m_shares.push_back(panel->fitInput().storedRatio);
+        } else {
+            panel->setRatio(m_ratios[u]);
+            panel->setDMut(m_dMuts[u]);
+            m_shares.push_back(m_ratios[u]);
+        }
+    }
+    if (fitted != nullptr) {
+        *fitted = m_fit->fittedCurve(m_shares);
+    }
+    emit finished();
+    m_reports.fetch_add(1, std::memory_order_release);
+}

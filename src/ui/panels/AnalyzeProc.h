@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QObject>
+#include <QVector>
+#include <atomic>
+#include <memory>
+#include <vector>
+
+#include "fitting/LinearFit.h"
+
+class LCFReference;
+
+/// Fits one spectrum at a time with the reference panels' spectra, in a thread of its own. It reads
+/// what each panel has frozen for it and touches no widget; what it finds is read by the panel's
+/// thread between fits.
+class AnalyzeProc : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit AnalyzeProc(QObject* parent = nullptr);
+    ~AnalyzeProc() override;
+
+    /// Shares and edge jumps of the references used in the last fit, in the order of the panels.
+    /// Empty until the first.
+    const std::vector<double>& ratios() const { return m_ratios; }
+    const std::vector<double>& dMuts() const { return m_dMuts; }
+    /// Indices of the panels that they belong to.
+    const std::vector<int>& usedPanels() const { return m_usedPanels; }
+
+    /// Number of reports that have been sent, finished() included; from any thread.
+    unsigned reports() const { return m_reports.load(std::memory_order_acquire); }
+
+  signals:
+    /// A fit has ended that got as far as solving.
+    void finished();
+
+  public slots:
+    /// On: fits leave the reference panels alone, and the fitted curve is drawn from the shares
+    /// that the panels held before. May be called from any thread.
+    void setContAccess(bool on);
+    /// Fits the sample with the panels' references; fitted, if not null, gets the fitted curve.
+    /// A sample without points, or fewer than two panels: no fit and no finished().
+    void analyzeSpectrum0(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
+                          XafsSpectrum* fitted, bool isMLCF);
+    void analyzeSpectrumByLCF(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
+                              XafsSpectrum* fitted);
+    void analyzeSpectrumByMLCF(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
+                               XafsSpectrum* fitted);
+
+  private:
+    void analyze(const XafsSpectrum& sample, const QVector<LCFReference*>& panels,
+                 XafsSpectrum* fitted, LinearFit::Method method);
+    bool isPreparedFor(const QVector<LCFReference*>& panels, LinearFit::Method method) const;
+    void prepareFor(const QVector<LCFReference*>& panels, LinearFit::Method method);
+
+    std::atomic<bool> m_contAccess{false};
+    std::atomic<unsigned> m_reports{0};
+    std::vector<double> m_ratios;
+    std::vector<double> m_dMuts;
+    std::vector<int> m_usedPanels;
+    std::vector<double> m_shares;  // that the fitted curve is drawn from
+
+    std::unique_ptr<LinearFit> m_fit;
+    LinearFit::Method m_method = LinearFit::Lcf;
+    std::vector<quint64> m_revisions;  // of the panels' input that m_fit was made from
+};
+
+/// The spectra of the panels whose frozen input is in use, and the panels' indices.
+QVector<XafsSpectrum> usedReferences(const QVector<LCFReference*>& panels,
+                                     std::vector<int>* usedPanels);
+
+Q_DECLARE_METATYPE(QVector<LCFReference*>)

@@ -1,0 +1,49 @@
+#include "window/Startup.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+#include <QIcon>
+#include <QTranslator>
+
+#include "base/CleanEnd.h"
+#include "base/Globals.h"
+#include "panels/BatchCtrl.h"
+#include "window/Body.h"
+#include "window/CommandLine.h"
+#include "window/Translation.h"
+
+int runTarnwick(int argc, char** argv) {
+    initGlobals();
+    QApplication app(argc, argv);
+    QIcon icon(QStringLiteral(":/tarnwick-48.png"));
+    icon.addFile(QStringLiteral(":/tarnwick-128.png"));
+    QApplication::setWindowIcon(icon);
+    QGuiApplication::setDesktopFileName(QStringLiteral("tarnwick"));
+    // Read after the application object has taken its own options out of argv.
+    const CommandLine commandLine = readCommandLine(argc, argv);
+    DebugFlag = commandLine.debug;
+
+    QTranslator translator;
+    if (commandLine.translate) {
+        installJapanese(&translator);
+        if (QFontDatabase().families(QFontDatabase::Japanese).isEmpty()) {
+            qWarning(
+                "No Japanese font is installed (Debian: fonts-ipafont-gothic); -e starts in "
+                "English");
+        }
+    }
+
+    Body body;
+    QObject::connect(&body, SIGNAL(finishing()), &app, SLOT(closeAllWindows()));
+    const CleanEnd cleanEnd;
+    QObject::connect(&cleanEnd, &CleanEnd::requested, &body, &QWidget::close);
+    body.show();
+
+    if (!commandLine.batchFile.isEmpty()) {
+        body.batchCtrl()->setBatchFile(commandLine.batchFile);
+    }
+    if (commandLine.execute) {
+        body.batchCtrl()->dispatchLines(body.batchCtrl()->editorLines(Qt::SkipEmptyParts));
+    }
+    return QApplication::exec();
+}

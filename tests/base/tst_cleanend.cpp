@@ -1,0 +1,59 @@
+#include <QSignalSpy>
+#include <csignal>
+
+#include "TestMain.h"
+#include "base/CleanEnd.h"
+
+class TestCleanEnd : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void signalsArriveInTheEventLoop() {
+        CleanEnd end;
+        QSignalSpy spy(&end, &CleanEnd::requested);
+        std::raise(SIGTERM);
+        QCOMPARE(spy.count(), 0);
+        QTRY_COMPARE(spy.count(), 1);
+        QCOMPARE(spy.at(0).at(0).toInt(), SIGTERM);
+        std::raise(SIGINT);
+        QTRY_COMPARE(spy.count(), 2);
+        QCOMPARE(spy.at(1).at(0).toInt(), SIGINT);
+    }
+
+    void theSecondOfAKindIsNotCaught() {
+        const CleanEnd end;
+        std::raise(SIGINT);
+        struct sigaction now {};
+        sigaction(SIGINT, nullptr, &now);
+        QVERIFY(now.sa_handler == SIG_DFL);
+    }
+
+    void ignoredSignalsStayIgnored() {
+        const auto before = std::signal(SIGHUP, SIG_IGN);
+        {
+            const CleanEnd end;
+            struct sigaction now {};
+            sigaction(SIGHUP, nullptr, &now);
+            QVERIFY(now.sa_handler == SIG_IGN);
+        }
+        std::signal(SIGHUP, before);
+    }
+
+    void whatWasThereBeforeComesBack() {
+        const auto before = std::signal(SIGINT, SIG_IGN);
+        { const CleanEnd end; }
+        QVERIFY(std::signal(SIGINT, before) == SIG_IGN);
+        struct sigaction old {};
+        sigaction(SIGTERM, nullptr, &old);
+        {
+            const CleanEnd end;
+            std::raise(SIGTERM);  // never delivered: the object is gone first
+        }
+        struct sigaction now {};
+        sigaction(SIGTERM, nullptr, &now);
+        QVERIFY(now.sa_handler == old.sa_handler);
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestCleanEnd)
+#include "tst_cleanend.moc"

@@ -1,0 +1,106 @@
+#include "TestMain.h"
+#include "batch/BatchPacing.h"
+#include "frames/StackLoader.h"
+
+class TestStackLoader : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void oneFrameAtATimeInOrder() {
+        StackLoader loader;
+        QVERIFY(!loader.next());
+        loader.enqueue({"a", "b"});
+        const auto first = loader.next();
+        QVERIFY(first);
+        QCOMPARE(first->fileName, QString("a"));
+        QVERIFY(!loader.next());
+        first->frame->loaded = true;
+        QCOMPARE(loader.arrived(first->frame).get(), first->frame);
+        QCOMPARE(loader.next()->fileName, QString("b"));
+        QCOMPARE(loader.total(), 2);
+    }
+
+    void unreadableFramesAreDroppedAndNamed() {
+        StackLoader loader;
+        loader.enqueue({"bad", "good"});
+        QVERIFY(!loader.arrived(loader.next()->frame));
+        const auto good = loader.next();
+        good->frame->loaded = true;
+        QVERIFY(loader.arrived(good->frame));
+        QCOMPARE(loader.takeFailures(), QStringList{"bad"});
+        QCOMPARE(loader.takeFailures(), QStringList());
+    }
+
+    /// A frame on its way when the stack is cleared must not turn up in the new stack.
+    void clearingDropsTheFrameUnderWay() {
+        StackLoader loader;
+        loader.enqueue({"old1", "old2"});
+        const auto stale = loader.next();
+        loader.clear();
+        loader.enqueue({"new"});
+        QVERIFY(!loader.next());
+        QCOMPARE(loader.total(), 1);
+        stale->frame->loaded = true;
+        QVERIFY(!loader.arrived(stale->frame));
+        const auto fresh = loader.next();
+        QCOMPARE(fresh->fileName, QString("new"));
+        fresh->frame->loaded = true;
+        QVERIFY(loader.arrived(fresh->frame));
+        QVERIFY(!loader.isLoading());
+        QVERIFY(loader.takeFailures().isEmpty());
+    }
+
+    /// Frames on their way when the loading is stopped do not come in later, also when more files
+    /// are asked for meanwhile.
+    void stoppingKeepsWhatHasArrived() {
+        StackLoader loader(2);
+        loader.enqueue({"a", "b", "c", "d"});
+        const auto a = loader.next();
+        const auto b = loader.next();
+        QVERIFY(a && b && !loader.next());
+        a->frame->loaded = true;
+        QVERIFY(!loader.arrived(b->frame));  // not its turn
+        QVERIFY(loader.arrived(a->frame));
+        const auto c = loader.next();
+        loader.stop();
+        QVERIFY(!loader.isLoading() && !loader.next());
+        QCOMPARE(loader.done(), 1);
+        QCOMPARE(loader.total(), 1);
+        loader.enqueue({"e"});
+        QCOMPARE(loader.total(), 1);
+        for (const auto& stale : {b, c}) {
+            stale->frame->loaded = true;
+            QVERIFY(!loader.arrived(stale->frame));
+        }
+        const auto e = loader.next();
+        QCOMPARE(e->fileName, QString("e"));
+        e->frame->loaded = true;
+        QVERIFY(loader.arrived(e->frame));
+        QVERIFY(!loader.isLoading());
+    }
+
+    void onlyTheAwaitedWorkAnswersABatch() {
+        using Work = BatchPacing::Work;
+        BatchPacing pacing;
+        QVERIFY(!pacing.isActive());
+        pacing.batchRequested();
+        QVERIFY(pacing.isActive());
+        QVERIFY(!pacing.acceptsLines());  // lines of the batch before
+        pacing.batchEnded();              // of the batch before
+        QVERIFY(pacing.isActive());
+        pacing.batchStarted();
+        QVERIFY(pacing.acceptsLines());
+        pacing.wait(CmdLine::parse("load_I1_files NEW a"), Work::LoadI1);
+        QVERIFY(!pacing.isWaitingFor(Work::LoadI0));
+        QVERIFY(!pacing.isWaitingFor(Work::Lcf));
+        QVERIFY(pacing.isWaitingFor(Work::LoadI1));
+        pacing.batchRequested();  // Exec. during the load
+        QVERIFY(!pacing.isWaitingFor(Work::LoadI1));
+        pacing.batchStarted();
+        pacing.batchEnded();
+        QVERIFY(!pacing.isActive());
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestStackLoader)
+#include "tst_stackloader.moc"

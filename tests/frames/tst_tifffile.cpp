@@ -1,0 +1,382 @@
+#include <tiffio.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QThread>
+#include <climits>
+#include <numeric>
+
+#include "TestMain.h"
+#include "TinyStacks.h"
+#include "frames/LoadTiff.h"
+#include "frames/TiffFile.h"
+
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
+
+namespace {
+
+QByteArray contentOf(const QString& name) {
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void put(const QString& name, const QByteArray& content) {
+    QFile file(name);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), qint64(content.size()));
+}
+
+std::vector<quint16> counting(int n) {
+    std::vector<quint16> data(static_cast<std::size_t>(n));
+    std::iota(data.begin(), data.end(), quint16(1));
+    return data;
+}
+
+}  // namespace
+
+/// Layout of a file of 16-bit counts that its pixels follow.
+struct Layout {
+    bool bigEndian = false;
+    quint32 rowsPerStrip = 6;
+    quint32 gap = 0;         // bytes before each strip
+    bool backwards = false;  // the last strip comes first in the file
+    quint32 bits = 16;
+    quint32 samples = 1;
+    quint32 fillOrder = 1;
+    quint32 byteCountOff = 0;  // what the header says too little of each strip
+};
+Q_DECLARE_METATYPE(Layout)
+
+namespace {
+
+constexpr quint32 Columns = 4;
+constexpr quint32 Rows = 6;
+
+QByteArray tiffOf(const Layout& layout) {
+    QByteArray out(layout.bigEndian ? "MM" : "II");
+    const auto put = [&](quint32 v, int bytes) {
+        for (int i = 0; i < bytes; ++i) {
+            out.append(static_cast<char>(v >> 8 * (layout.bigEndian ? bytes - 1 - i : i)));
+        }
+    };
+    const auto tag = [&](quint32 number, quint32 count, quint32 value) {
+        put(number, 2);
+        put(4, 2);  // LONG
+        put(count, 4);
+        put(value, 4);
+    };
+    const quint32 rowBytes = Columns * layout.samples * layout.bits / 8;
+    const quint32 strips = (Rows + layout.rowsPerStrip - 1) / layout.rowsPerStrip;
+    const quint32 stripBytes = rowBytes * layout.rowsPerStrip;
+    const quint32 arrays = 8 + 2 + 10 * 12 + 4;
+    const quint32 pixels = arrays + 8 * strips + 8;
+    const auto offset = [&](quint32 s) {
+        const quint32 place = layout.backwards ? strips - 1 - s : s;
+        return pixels + place * (stripBytes + layout.gap) + layout.gap;
+    };
+    put(42, 2);
+    put(8, 4);
+    put(10, 2);
+    tag(256, 1, Columns);
+    tag(257, 1, Rows);
+    tag(258, 1, layout.bits);
+    tag(259, 1, 1);
+    tag(262, 1, 1);
+    tag(266, 1, layout.fillOrder);
+    tag(273, strips, strips == 1 ? offset(0) : arrays);
+    tag(277, 1, layout.samples);
+    tag(278, 1, layout.rowsPerStrip);
+    const quint32 byteCount = stripBytes - layout.byteCountOff;
+    tag(279, strips, strips == 1 ? byteCount : arrays + 4 * strips);
+    put(0, 4);
+    for (quint32 s = 0; s < strips; ++s) {
+        put(offset(s), 4);
+    }
+    for (quint32 s = 0; s < strips; ++s) {
+        put(byteCount, 4);
+    }
+    while (static_cast<quint32>(out.size()) < pixels + strips * (stripBytes + layout.gap)) {
+        out.append(static_cast<char>(37 * out.size() % 251));
+    }
+    return out;
+}
+
+/// The rows as libtiff gives them one by one; those that it can not read are 0.
+std::vector<quint16> scanlines(const QString& name) {
+    std::vector<quint16> counts;
+    if (TIFF* tiff = TIFFOpen(name.toLatin1().constData(), "r")) {
+        const auto bytes = static_cast<std::size_t>(TIFFScanlineSize(tiff));
+        for (quint32 y = 0; y < Rows; ++y) {
+            std::vector<quint16> row(std::max<std::size_t>(Columns, (bytes + 1) / 2));
+            if (TIFFReadScanline(tiff, row.data(), y, 0) != 1) {
+                row.assign(row.size(), 0);
+            }
+            counts.insert(counts.end(), row.begin(), row.begin() + Columns);
+        }
+        TIFFClose(tiff);
+    }
+    return counts;
+}
+
+}  // namespace
+
+class TestTiffFile : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void initTestCase() { silenceTiffMessages(); }
+
+    void whatIsWrittenIsRead_data() {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("plain") << "a.tif";
+        QTest::newRow("beyond Latin-1") << QString::fromUtf8("鉄-7112eV.tif");
+        QTest::newRow("in a folder within Latin-1") << QString::fromUtf8("é/é-7112eV.tif");
+    }
+    void whatIsWrittenIsRead() {
+        QFETCH(QString, name);
+        QTemporaryDir dir;
+        const auto data = counting(30 * 10);
+        const QDir folder = QFileInfo(dir.filePath(name)).dir();
+        QVERIFY(folder.mkpath("."));
+        for (int again = 0; again < 2; ++again) {  // also over an old file
+            QVERIFY(writeTiff(dir.filePath(name), 30, 10, data.data()));
+        }
+        QCOMPARE(folder.entryList(QDir::Files).size(), 1);
+        TiffData frame;
+        for (int again = 0; again < 2; ++again) {  // also into a frame used before
+            QVERIFY(frame.load(dir.filePath(name)));
+            QVERIFY(frame.loaded);
+            QCOMPARE(frame.fileName, dir.filePath(name));
+            QCOMPARE(frame.rows.size(), std::size_t(10));
+            QCOMPARE(frame.width, 30u);
+            QCOMPARE(frame.height, 10u);
+            QCOMPARE(frame.min, 1u);
+            QCOMPARE(frame.max, 300u);
+            QCOMPARE(frame.scanlineSize, 60);
+            for (std::size_t y = 0; y < 10; ++y) {
+                QVERIFY(std::equal(frame.rows[y], frame.rows[y] + 30, &data[30 * y]));
+            }
+        }
+    }
+
+    /// Strips of `width` rows, each taken from twice as far on as the one before it.
+    void tallImagesKeepTheirStrips() {
+        QTemporaryDir dir;
+        const auto data = counting(10 * 30);
+        QVERIFY(writeTiff(dir.filePath("tall.tif"), 10, 30, data.data()));
+        TiffData frame;
+        QVERIFY(frame.load(dir.filePath("tall.tif")));
+        QCOMPARE(frame.rows[0][0], quint16(1));
+        QCOMPARE(frame.rows[9][9], quint16(100));
+        QCOMPARE(frame.rows[10][0], quint16(201));
+        QCOMPARE(frame.rows[19][9], quint16(300));
+        QCOMPARE(frame.rows[20][0], quint16(0));
+        QCOMPARE(frame.rows[29][9], quint16(0));
+
+        QVERIFY(writeOnesTiff(dir.filePath("ones.dat"), 10, 35));
+        QVERIFY(frame.load(dir.filePath("ones.dat")));
+        QCOMPARE(frame.boxSum(0, 0, 99, 99), 350.0);
+        QVERIFY(writeZerosTiff(dir.filePath("zeros.dat"), 10, 35));
+        QVERIFY(frame.load(dir.filePath("zeros.dat")));
+        QCOMPARE(frame.max, 0u);
+    }
+
+    void withoutPixelsThereIsAFileAllTheSame() {
+        QTemporaryDir dir;
+        const quint16 nothing = 0;
+        QVERIFY(!writeOnesTiff(dir.filePath("a"), 0, 0));
+        QVERIFY(!writeOnesTiff(dir.filePath("b"), 10, 0));
+        QVERIFY(!writeOnesTiff(dir.filePath("c"), 0, 10));
+        QVERIFY(!writeTiff(dir.filePath("d"), 10, -1, &nothing));
+        QVERIFY(!writeTiff(dir.filePath("e"), 10, INT_MIN, &nothing));
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList({"a", "b", "c", "d", "e"}));
+        TiffData frame;
+        QVERIFY(!frame.load(dir.filePath("a")) || frame.rows.empty());
+    }
+
+#ifdef Q_OS_UNIX
+    /// A link stays a link, and who may read the file stays the same.
+    void oldFilesAreReplacedInTheirPlace() {
+        QTemporaryDir dir;
+        const QString file = dir.filePath("a.tif");
+        const auto permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup;
+        TiffData frame;
+        QVERIFY(QFile::link("a.tif", dir.filePath("link")));  // first to a file that is to come
+        for (const quint16 value : {quint16(1), quint16(2)}) {
+            QVERIFY(writeConstTiff(dir.filePath("link"), 4, 4, value));
+            QVERIFY(QFileInfo(dir.filePath("link")).isSymLink());
+            QVERIFY(frame.load(file));
+            QCOMPARE(frame.max, quint32(value));
+            QVERIFY(QFile::setPermissions(file, permissions));
+        }
+        constexpr int Owners = 0x6000 | 0x0070 | 0x0007;  // the user's own come and go
+        QCOMPARE(int(QFile::permissions(file)) & Owners, int(permissions) & Owners);
+        QVERIFY(QFile::copy(file, dir.filePath(QString::fromUtf8("é.tif"))));
+        QVERIFY(frame.load(dir.filePath(QString::fromUtf8("é.tif"))));
+    }
+#endif
+
+    void failedWritesLeaveTheOldFile() {
+        QTemporaryDir dir;
+        QVERIFY(!writeOnesTiff(dir.filePath("missing/a.tif"), 4, 4));
+        QVERIFY(QDir(dir.path()).mkdir("folder"));
+        QVERIFY(!writeOnesTiff(dir.filePath("folder"), 4, 4));
+        QVERIFY(QDir(dir.path()).entryList(QDir::Files).isEmpty());
+#ifdef Q_OS_UNIX
+        // A file that may not grow is what a full disk looks like.
+        const QString name = dir.filePath("a.tif");
+        QVERIFY(writeOnesTiff(name, 50, 50));
+        const QByteArray old = contentOf(name);
+        const auto before = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit free{};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &free), 0);
+        bool written[2] = {true, true};
+        for (int i = 0; i < 2; ++i) {
+            rlimit full = free;
+            full.rlim_cur = i == 0 ? 1000 : 5010;  // within the pixels, within the directory
+            setrlimit(RLIMIT_FSIZE, &full);
+            written[i] = writeZerosTiff(name, 50, 50);
+            setrlimit(RLIMIT_FSIZE, &free);
+        }
+        std::signal(SIGXFSZ, before);
+        QVERIFY(!written[0]);
+        QVERIFY(!written[1]);
+        QCOMPARE(contentOf(name), old);
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList("a.tif"));
+#endif
+    }
+
+    void damagedFilesAreReadAsFarAsTheyGo() {
+        QTemporaryDir dir;
+        const QString name = dir.filePath("a.tif");
+        TiffData frame;
+
+        put(name, rawTiff(4, 2, 8, "abcdABCD"));  // half of each row
+        QVERIFY(frame.load(name));
+        QCOMPARE(frame.rows[0][1], quint16('c' + 256 * 'd'));
+        QCOMPARE(frame.rows[1][0], quint16('A' + 256 * 'B'));
+        QCOMPARE(frame.rows[1][2], quint16(0));
+        QCOMPARE(frame.rows[1][3], quint16(0));
+
+        const auto data = counting(40 * 40);
+        QVERIFY(writeTiff(name, 40, 40, data.data()));
+        const QByteArray whole = rawTiff(
+            40, 40, 16, QByteArray(reinterpret_cast<const char*>(data.data()), 40 * 40 * 2));
+        put(name, whole.left(whole.size() - 1600));
+        QVERIFY(frame.load(name));
+        QCOMPARE(frame.rows.size(), std::size_t(40));
+        QCOMPARE(frame.rows[39][39], quint16(0));
+
+        for (const QSize size : {QSize(2000000000, 2000000000), QSize(INT_MAX, 1),
+                                 QSize(1, INT_MAX), QSize(1, 1 << 28)}) {
+            put(name, rawTiff(static_cast<quint32>(size.width()),
+                              static_cast<quint32>(size.height()), 16, "ab"));
+            QVERIFY(!frame.load(name));
+            QVERIFY(frame.rows.empty());
+            QCOMPARE(frame.boxSum(0, 0, 5, 5), 0.0);
+        }
+    }
+
+    void rowsAreThoseOfLibtiff_data() {
+        QTest::addColumn<Layout>("layout");
+        const auto row = [](const char* name, auto change) {
+            Layout layout;
+            change(&layout);
+            QTest::newRow(name) << layout;
+        };
+        row("one strip", [](Layout*) {});
+        row("two strips", [](Layout* l) { l->rowsPerStrip = 3; });
+        row("uneven strips", [](Layout* l) { l->rowsPerStrip = 4; });
+        row("strips of a row, apart", [](Layout* l) { l->rowsPerStrip = 1, l->gap = 3; });
+        row("backwards", [](Layout* l) { l->rowsPerStrip = 2, l->backwards = true; });
+        row("big-endian", [](Layout* l) { l->bigEndian = true, l->rowsPerStrip = 2; });
+        row("8 bits", [](Layout* l) { l->bits = 8; });
+        row("32 bits", [](Layout* l) { l->bits = 32, l->bigEndian = true; });
+        row("three samples", [](Layout* l) { l->samples = 3; });
+        row("bits backwards", [](Layout* l) { l->fillOrder = 2; });
+        row("byte counts too small", [](Layout* l) { l->rowsPerStrip = 3, l->byteCountOff = 10; });
+    }
+    /// Whole, and cut at every byte.
+    void rowsAreThoseOfLibtiff() {
+        QFETCH(Layout, layout);
+        QTemporaryDir dir;
+        const QString name = dir.filePath("a.tif");
+        const QByteArray whole = tiffOf(layout);
+        int read = 0;
+        for (int size = whole.size(); size > 150; --size) {
+            put(name, whole.left(size));
+            const std::vector<quint16> expected = scanlines(name);
+            TiffData frame;
+            QCOMPARE(frame.load(name), !expected.empty());
+            std::vector<quint16> counts;
+            for (const quint16* row : frame.rows) {
+                counts.insert(counts.end(), row, row + Columns);
+            }
+            QCOMPARE(counts, expected);
+            if (!expected.empty()) {
+                ++read;
+                const auto ends = std::minmax_element(expected.begin(), expected.end());
+                QCOMPARE(frame.min, quint32(*ends.first));
+                QCOMPARE(frame.max, quint32(*ends.second));
+            }
+        }
+        QVERIFY(read > 0);
+    }
+
+    /// Memory of rows that are side by side: a frame must not end another's.
+    void framesOfAStackLiveAndDieAlone() {
+        QTemporaryDir dir;
+        const QString name = dir.filePath("a.tif");
+        std::vector<std::unique_ptr<TiffData>> frames;
+        for (quint16 i = 0; i < 6; ++i) {
+            const quint32 width = i == 3 ? 1500 : 300;  // one of another size between them
+            QVERIFY(writeConstTiff(name, width, 200, i));
+            frames.push_back(std::make_unique<TiffData>());
+            QVERIFY(frames.back()->load(name));
+            if (i % 2 == 1) {
+                frames[i - 1u].reset();
+            }
+        }
+        for (quint16 i = 1; i < 6; i = static_cast<quint16>(i + 2)) {
+            QCOMPARE(frames[i]->boxSum(0, 0, 2000, 200), i * 200.0 * frames[i]->width);
+        }
+    }
+
+    void theWorkerAnswersForEveryFile() {
+        QTemporaryDir dir;
+        const QStringList names =
+            writeTinyStack(dir.path(), "Fe", 8, 4, {7112.5, 7113},
+                           [](int i, int x, int) { return static_cast<quint16>(i + x); });
+        QCOMPARE(names.size(), 2);
+        QVERIFY(names.first().endsWith("Fe-7112_5000eV.tif"));
+        qRegisterMetaType<TiffData*>();
+        QThread thread;
+        LoadTiff worker;
+        worker.moveToThread(&thread);
+        QSignalSpy spy(&worker, &LoadTiff::loaded);
+        thread.start();
+        TiffData good;
+        TiffData bad;
+        QMetaObject::invokeMethod(&worker, "loadTiff", Qt::QueuedConnection,
+                                  Q_ARG(QString, names.last()), Q_ARG(TiffData*, &good));
+        QMetaObject::invokeMethod(&worker, "loadTiff", Qt::QueuedConnection,
+                                  Q_ARG(QString, dir.path()), Q_ARG(TiffData*, &bad));
+        QTRY_COMPARE(spy.size(), 2);
+        thread.quit();
+        thread.wait();
+        QCOMPARE(spy[0][0].value<TiffData*>(), &good);
+        QVERIFY(good.loaded);
+        QCOMPARE(good.rows[3][7], quint16(8));
+        QVERIFY(!bad.loaded);
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestTiffFile)
+#include "tst_tifffile.moc"

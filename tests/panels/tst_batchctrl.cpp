@@ -1,0 +1,136 @@
+#include <QApplication>
+#include <QFileDialog>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include "Files.h"
+#include "TestMain.h"
+#include "panels/BatchCtrl.h"
+
+class TestBatchCtrl : public QObject {
+    Q_OBJECT
+
+    BatchCtrl* m_window = nullptr;
+
+    QPlainTextEdit* cmds() const { return m_window->findChild<QPlainTextEdit*>("BatchCmds"); }
+    QPlainTextEdit* logs() const { return m_window->findChild<QPlainTextEdit*>("BatchLogs"); }
+    void click(const char* name) {
+        QTest::mouseClick(m_window->findChild<QPushButton*>(name), Qt::LeftButton);
+    }
+    QFileDialog* visibleDialog() const {
+        for (QFileDialog* dialog : m_window->findChildren<QFileDialog*>()) {
+            if (dialog->isVisible()) {
+                return dialog;
+            }
+        }
+        return nullptr;
+    }
+
+  private slots:
+    void init() {
+        m_window = new BatchCtrl;
+        m_window->show();
+    }
+
+    void cleanup() {
+        delete m_window;
+        m_window = nullptr;
+    }
+
+    void execHandsOverEveryLine() {
+        QSignalSpy spy(m_window, &BatchCtrl::doDispatchCmds);
+        click("Exec");
+        QCOMPARE(spy.takeFirst().at(0).toStringList(), QStringList{""});
+        cmds()->setPlainText("a\n\nb\n");
+        click("Exec");
+        QCOMPARE(spy.takeFirst().at(0).toStringList(), (QStringList{"a", "", "b", ""}));
+        m_window->execBatch();
+        QCOMPARE(spy.takeFirst().at(0).toStringList(), (QStringList{"a", "", "b", ""}));
+        QCOMPARE(m_window->editorLines(Qt::SkipEmptyParts), (QStringList{"a", "b"}));
+        m_window->dispatchLines({"a", "b"});
+        QCOMPARE(spy.takeFirst().at(0).toStringList(), (QStringList{"a", "b"}));
+        QCOMPARE(cmds()->toPlainText(), QString("a\n\nb\n"));
+    }
+
+    void buttons() {
+        QSignalSpy stop(m_window, &BatchCtrl::batchStop);
+        click("Stop");
+        QCOMPARE(stop.count(), 1);
+        cmds()->setPlainText("a");
+        m_window->logmsg("b");
+        click("Clear");
+        QCOMPARE(cmds()->toPlainText(), QString());
+        QCOMPARE(logs()->toPlainText(), QString("b"));
+        cmds()->undo();
+        QCOMPARE(cmds()->toPlainText(), QString("a"));
+        click("ClearLog");
+        QCOMPARE(logs()->toPlainText(), QString());
+        QCOMPARE(m_window->windowTitle(), QString("Batch Ctrl."));
+    }
+
+    void logScrollsAlongWithoutLineFeeds() {
+        QVERIFY(logs()->isReadOnly());
+        QVERIFY(!logs()->isUndoRedoEnabled());
+        QSignalSpy logged(m_window, &BatchCtrl::logged);
+        m_window->logmsg("echo a");
+        CmdLine cmd;
+        cmd.text = "# %1 note ";
+        m_window->showCmdErr(cmd);
+        m_window->logmsg("set_band_w : 1\n");
+        QCOMPARE(logs()->toPlainText(), QString("echo aErr: # %1 note set_band_w : 1\n"));
+        QVERIFY(logs()->textCursor().atEnd());
+        QCOMPARE(logged.count(), 3);
+        // A click moves the place of the next text only.
+        logs()->moveCursor(QTextCursor::Start);
+        m_window->logmsg("x\n");
+        m_window->logmsg("y\n");
+        QCOMPARE(logs()->toPlainText(), QString("x\necho aErr: # %1 note set_band_w : 1\ny\n"));
+    }
+
+    void loadAndSave() {
+        QTemporaryDir dir;
+        const QString japanese = QString::fromUtf8("save_image \xE9\x89\x84.png");
+        cmds()->setPlainText("a\n" + japanese);
+        m_window->save(dir.filePath("a.bat"));
+        QCOMPARE(contentOf(dir.filePath("a.bat")), ("a\n" + japanese).toUtf8());
+        cmds()->setPlainText("other");
+        m_window->setBatchFile(dir.filePath("a.bat"));
+        QCOMPARE(cmds()->toPlainText(), "a\n" + japanese + "\n");
+        m_window->load(dir.filePath("missing.bat"));
+        QCOMPARE(cmds()->toPlainText(), "a\n" + japanese + "\n");
+        m_window->save(dir.filePath("no/such/dir.bat"));
+        m_window->load(dir.filePath("a.bat"));
+        QCOMPARE(cmds()->toPlainText(), "a\n" + japanese + "\n");
+    }
+
+    void dialogs_data() {
+        QTest::addColumn<QByteArray>("button");
+        QTest::addColumn<int>("mode");
+        QTest::newRow("load") << QByteArray("Load") << int(QFileDialog::AcceptOpen);
+        QTest::newRow("save") << QByteArray("Save") << int(QFileDialog::AcceptSave);
+    }
+
+    void dialogs() {
+        QFETCH(QByteArray, button);
+        QTemporaryDir dir;
+        cmds()->setPlainText("text");
+        m_window->save(dir.filePath("x.bat"));
+        cmds()->setPlainText("changed");
+        QVERIFY(!visibleDialog());
+        click(button);
+        QFileDialog* dialog = visibleDialog();
+        QVERIFY(dialog);
+        QVERIFY(!dialog->isModal());
+        QTEST(int(dialog->acceptMode()), "mode");
+        QCOMPARE(dialog->nameFilters(), (QStringList{"Batch File (*.bat)", "Any Files (* *.*)"}));
+        emit dialog->fileSelected(dir.filePath("x.bat"));
+        QStringList lines{button == "Load" ? "text" : "changed"};
+        m_window->load(dir.filePath("x.bat"));
+        QCOMPARE(cmds()->toPlainText(), lines.join('\n') + "\n");
+    }
+};
+
+TARNWICK_TEST_MAIN(QApplication, TestBatchCtrl)
+#include "tst_batchctrl.moc"

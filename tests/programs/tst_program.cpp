@@ -1,0 +1,301 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <cmath>
+#include <csignal>
+#include <memory>
+
+#include "Files.h"
+#include "Phantom.h"
+#include "TestMain.h"
+#include "frames/TiffData.h"
+
+namespace {
+
+using Table = QVector<QVector<double>>;
+
+/// The numbers of a file, line by line, without its header and the lines that begin with "#".
+Table readNumbers(const QString& fileName, int headerLines = 0) {
+    Table rows;
+    QFile file(fileName);
+    file.open(QIODevice::ReadOnly | QIODevice::Text);
+    QTextStream in(&file);
+    for (int i = 0; !in.atEnd(); ++i) {
+        const QString line = in.readLine();
+        if (i < headerLines || line.startsWith('#')) {
+            continue;
+        }
+        QVector<double> row;
+        for (const QString& item : line.split(' ', Qt::SkipEmptyParts)) {
+            row << item.toDouble();
+        }
+        rows << row;
+    }
+    return rows;
+}
+
+template <typename Value>
+double worstError(const Table& table, Value value) {
+    double worst = 0.0;
+    for (int y = 0; y < table.size(); ++y) {
+        for (int x = 0; x < table[y].size(); ++x) {
+            worst = std::max(worst, std::abs(table[y][x] - value(x, y)));
+        }
+    }
+    return worst;
+}
+
+const QStringList SaveNumbers = {"saveDataCfg_save_as_text", "saveDataCfg_text_as_ssv",
+                                 "saveDataCfg_text_as_vals"};
+
+}  // namespace
+
+/// tarnwick-batch as a script starts it, without a display, at real work on known samples.
+class TestProgram : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<Phantom> m_phantom;
+
+    QString file(const QString& name) const { return m_dir.filePath(name); }
+
+    /// As a script does it: without a display and a locale.
+    void start(QProcess* process, const QStringList& arguments) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "LANG"}) {
+            environment.remove(name);
+        }
+        environment.insert("LC_ALL", "C");
+        process->setProcessEnvironment(environment);
+        process->setWorkingDirectory(m_dir.path());
+        process->start(TARNWICK_BATCH, arguments);
+    }
+
+    QString batchOf(const QStringList& lines) {
+        put(file("b.bat"), lines.join('\n').toUtf8());
+        return "b.bat";
+    }
+
+    struct Run {
+        int code = -1;
+        QString out;
+        QString verdict;  // its last line
+        QString problems;
+    };
+    Run runWith(const QStringList& arguments) {
+        QProcess process;
+        start(&process, arguments);
+        Run result;
+        if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit) {
+            result.code = process.exitCode();
+        }
+        result.out = QString::fromUtf8(process.readAllStandardOutput());
+        result.verdict = result.out.trimmed().section('\n', -1);
+        result.problems = QString::fromUtf8(process.readAllStandardError());
+        return result;
+    }
+    Run run(const QStringList& lines) { return runWith({batchOf(lines)}); }
+
+    static double fractionOfA(int x, int y) { return std::min(1.0, 0.05 * x + 0.06 * y); }
+
+  private slots:
+    void initTestCase() {
+        // A script in the background starts its programs with Ctrl-C ignored; not this one.
+        std::signal(SIGINT, SIG_DFL);
+        std::signal(SIGTERM, SIG_DFL);
+        Phantom::Options options;
+        options.fractionOfA = fractionOfA;
+        m_phantom = std::make_unique<Phantom>(options);
+        QVERIFY(m_phantom->isValid() && m_dir.isValid());
+    }
+
+    void usage_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("said");
+        const auto row = [](const QStringList& arguments, int code, const char* said) {
+            QTest::newRow(said) << arguments << code << said;
+        };
+        row({}, 2, "No batch file given");
+        row({"missing.bat"}, 2, "cannot open missing.bat");
+        row({"."}, 2, "cannot open .");
+        row({"--check", "missing.bat"}, 2, "cannot open missing.bat");
+        row({"--version"}, 0, "tarnwick-batch ");
+        row({"--help"}, 0, "--check");
+    }
+
+    void usage() {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, code);
+        QFETCH(QString, said);
+        const Run result = runWith(arguments);
+        QCOMPARE(result.code, code);
+        QVERIFY2((code == 0 ? result.out : result.problems).contains(said),
+                 qPrintable(result.out + result.problems));
+        QVERIFY(code == 0 ? result.problems.isEmpty()
+                          : result.out.isEmpty() && result.problems.count('\n') == 1);
+    }
+
+    void whatIsSaidToTheLetter() {
+        const Run result =
+            run({"", "# note", "set_band_h \\", " 3", QString::fromUtf8("calib_load_std 鉄.dat")});
+        QCOMPARE(result.out,
+                 QString::fromUtf8("Err: # noteset_band_h : 3\ncalib_load_std : 鉄.dat\n"
+                                   "1 line done, 2 failed: line 2 (#), line 5 (calib_load_std)\n"));
+        QCOMPARE(result.code, 1);
+    }
+
+    void check() {
+        QCOMPARE(runWith({"--check", batchOf({"set_band_w 1"})}).code, 0);
+        const Run bad =
+            runWith({"--check", batchOf({"set_band_w 1", "", "set_band_x 1", "set_band_w 1.0"})});
+        QCOMPARE(bad.code, 1);
+        QCOMPARE(bad.out, QString("b.bat:3: error: unknown command 'set_band_x' (did you mean "
+                                  "set_band_w?)\n"
+                                  "b.bat:4: warning: '1.0' is not an integer and counts as 0\n"
+                                  "b.bat: 1 error, 1 warning\n"));
+    }
+
+    /// What fails is named by its line in the file, and the rest is done.
+    void aBatchWithFaults() {
+        QStringList lines = m_phantom->loadAndSetReferences();
+        lines.insert(2, "");
+        lines.insert(3, "load_I1_files ADD missing.tif");
+        lines += SaveNumbers;
+        lines += {"calib_load_std missing.dat",
+                  "analyzer_exec_LCF",
+                  "analyzer_select_image_type 1",
+                  "analyzer_select_image 1",
+                  ":for i %i 0 2",
+                  "save_data_as_tiff nowhere/b%i.dat",
+                  ":next i",
+                  "save_data_as_tiff b.dat"};
+        const Run result = run(lines);
+        QCOMPARE(result.code, 1);
+        QCOMPARE(result.verdict, QString("17 lines done, 5 failed: line 4 (load_I1_files), line 12 "
+                                         "(calib_load_std), line 17 (save_data_as_tiff, 3 times)"));
+        QVERIFY2(result.problems.contains("line 4: load_I1_files: ") &&
+                     result.problems.contains("missing.tif"),
+                 qPrintable(result.problems));
+        const Table fractions = readNumbers(file("b.dat"));
+        QCOMPARE(fractions.size(), 8);
+        QVERIFY(worstError(fractions, [](int x, int y) { return 1.0 - fractionOfA(x, y); }) < 2e-4);
+    }
+
+    void interrupted_data() {
+        QTest::addColumn<int>("number");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("while it loads")
+            << SIGINT << "load_I1_files_of_pattern NEW " + m_phantom->dir() + " i1-*.tif";
+        QTest::newRow("while it fits") << SIGTERM << "analyzer_exec_LCF";
+        QTest::newRow("while it calibrates") << SIGINT << "calib_exec";
+        QTest::newRow("while it saves") << SIGINT << "save_data_as_tiff whole.tif";
+    }
+
+    void interrupted() {
+        QFETCH(int, number);
+        QFETCH(QString, line);
+        QProcess process;
+        start(&process, {batchOf(m_phantom->loadAndSetReferences() +
+                                 QStringList{"calib_load_std " + m_phantom->file("a.dat"),
+                                             "analyzer_exec_LCF", "analyzer_select_image 0",
+                                             ":for i %i 1 1000000", line, ":next i"})});
+        QByteArray out;
+        while (out.count("next i") < 3) {
+            QVERIFY2(process.waitForReadyRead(60000), out.constData());
+            out += process.readAllStandardOutput();
+        }
+        ::kill(static_cast<pid_t>(process.processId()), number);
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 128 + number);
+        const QByteArray verdict =
+            (out + process.readAllStandardOutput()).trimmed().split('\n').last();
+        QVERIFY2(verdict.startsWith("Interrupted at line ") && verdict.endsWith(", 0 failed"),
+                 verdict.constData());
+        QCOMPARE(QDir(m_dir.path()).entryList({"*.part"}), QStringList());
+        if (line.contains("whole.tif")) {
+            TiffData saved;
+            QVERIFY(saved.load(file("whole.tif")));
+            QCOMPARE(int(saved.rows.size()), 8);
+        }
+    }
+
+    /// The beam's energy drifts over the field. It is measured on a foil, saved, and taken off the
+    /// sample's energies.
+    ///
+    /// The edge is found by straight lines between energies 1 eV apart. Where the edge of 12 eV
+    /// bends most, at 0.8 (pi / 12)^2 / 2 = 0.027 / eV^2, that puts mu-t off by up to 0.0034, and
+    /// the energy, at a slope of about 0.1 / eV, by 0.03 eV. Finer steps help with their square.
+    void driftIsMeasuredAndTakenOff() {
+        const auto drift = [](int x, int y) { return 0.4 * (x - 5.5) + 0.1 * y; };
+        const auto sampleFraction = [](int x, int) { return 0.1 + 0.07 * x; };
+        Phantom::Options options;
+        options.height = options.width;  // maps load on square images alone
+        options.energies = 301;
+        options.i0Energies = 2;
+        options.energyShift = drift;
+        options.fractionOfA = sampleFraction;
+        const Phantom sample(options);
+        options.fractionOfA = [](int, int) { return 1.0; };
+        const Phantom foil(options);
+        QVERIFY(sample.isValid() && foil.isValid());
+
+        const Run result =
+            run(SaveNumbers +
+                QStringList{"load_I0_files_of_pattern NEW " + foil.dir() + " i0-*.tif",
+                            "load_I1_files_of_pattern NEW " + foil.dir() + " i1-*.tif",
+                            "set_band_w 0", "set_band_h 0", "calib_load_std " + foil.file("a.dat"),
+                            "calib_exec", "calib_save_map drift.emp", "calib_clear_map"} +
+                sample.loadAndSetReferences() +
+                QStringList{"analyzer_select_image_type 1", "analyzer_select_image 0",
+                            "analyzer_exec_LCF", "save_data_as_tiff before.dat",
+                            "calib_load_map drift.emp", "analyzer_exec_LCF",
+                            "save_data_as_tiff after.dat", "calib_save_map again.emp"});
+        QVERIFY2(result.code == 0, qPrintable(result.verdict));
+
+        // Angles, see the format of the file: here with the standard's edge and Si(111).
+        const int header = 15 + options.height;
+        const Table map = readNumbers(file("drift.emp"), header);
+        const Table again = readNumbers(file("again.emp"), header);
+        QCOMPARE(map.size(), options.height);
+        QCOMPARE(map[0].size(), options.width);
+        QCOMPARE(again.size(), map.size());
+        double edge = 0.0;
+        double spacing = 0.0;
+        for (const QByteArray& line : contentOf(file("drift.emp")).split('\n')) {
+            const double value = line.mid(line.indexOf(':') + 1).trimmed().toDouble();
+            edge = line.startsWith("Std Edge Energy") ? value : edge;
+            spacing = line.startsWith("Spacing") ? value : spacing;
+        }
+        const double degree = 3.1415926535 / 180.0;
+        const auto angle = [&](double e) {
+            return std::asin(12398.424360387684 / e / (2.0 * spacing)) / degree;
+        };
+        // By the slope of the angle: d theta = -tan(theta) dE / E, and the angle falls by the
+        // shift.
+        const double perEv = std::tan(angle(edge) * degree) / edge / degree;
+        double worst = 0.0;
+        double worstAgain = 0.0;
+        for (int y = 0; y < map.size(); ++y) {
+            for (int x = 0; x < map[y].size(); ++x) {
+                worst = std::max(worst, std::abs(map[y][x] / perEv - drift(x, y)));
+                worstAgain = std::max(worstAgain, std::abs(again[y][x] - map[y][x]) / perEv);
+            }
+        }
+        qInfo() << "worst error of the drift (eV)" << worst << "edge" << edge << "d" << spacing;
+        QVERIFY(worst < 0.1);
+        QVERIFY(worstAgain < 1e-3);
+
+        const double before = worstError(readNumbers(file("before.dat")), sampleFraction);
+        const double after = worstError(readNumbers(file("after.dat")), sampleFraction);
+        qInfo() << "worst error of a fraction: before" << before << "after" << after;
+        QVERIFY(before > 0.1);
+        QVERIFY(after <= 0.1 * before);
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestProgram)
+#include "tst_program.moc"

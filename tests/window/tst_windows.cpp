@@ -1,0 +1,197 @@
+#include <QAbstractButton>
+#include <QAbstractSlider>
+#include <QApplication>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
+#include <QTranslator>
+
+#include "BatchRun.h"
+#include "TestMain.h"
+#include "display/ImageView.h"
+#include "window/Translation.h"
+
+namespace {
+
+const QSize SmallScreen(1366, 728);  // less the title bar
+
+/// All windows of the program, with three references in the analyzer.
+class Windows {
+  public:
+    Windows() {
+        m_body.show();
+        for (int i = 0; i < 3; ++i) {
+            analyzerWindow()->addNewRef();
+        }
+        const QWidgetList all = QApplication::topLevelWidgets();
+        for (QWidget* window : all) {
+            const bool ours = window == &m_body || window->parentWidget() == nullptr;
+            if (ours && !window->windowTitle().isEmpty()) {
+                window->show();
+                m_windows << window;
+            }
+        }
+        QCoreApplication::processEvents();
+    }
+    const QWidgetList& list() const { return m_windows; }
+
+  private:
+    Body m_body;
+    QWidgetList m_windows;
+};
+
+/// Buttons, fields, lists, sliders and canvases of a window, without the inner parts of others.
+QWidgetList controls(const QWidget* window) {
+    QWidgetList found;
+    const auto all = window->findChildren<QWidget*>();
+    for (QWidget* w : all) {
+        const bool control = qobject_cast<QAbstractButton*>(w) || qobject_cast<QLineEdit*>(w) ||
+                             qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractSlider*>(w) ||
+                             qobject_cast<QPlainTextEdit*>(w) || qobject_cast<DispA*>(w);
+        const bool inner = w->objectName().isEmpty() || w->objectName().startsWith("qt_") ||
+                           w->parent()->objectName().startsWith("qt_") ||
+                           qobject_cast<QScrollBar*>(w);
+        // A tip over the image would hide what one looks at; the help menu explains the mouse.
+        if (qobject_cast<ImageView*>(w)) {
+            continue;
+        }
+        if (control && !inner && w->window() == window) {
+            found << w;
+        }
+    }
+    return found;
+}
+
+QByteArray nameOf(const QWidget* w) {
+    return (w->window()->objectName() + '/' + w->parentWidget()->objectName() + '/' +
+            w->objectName())
+        .toUtf8();
+}
+
+QString ownText(const QWidget* w) {
+    return qobject_cast<const QAbstractButton*>(w) ? w->property("text").toString() : QString();
+}
+
+bool isPlainWord(const QString& text) {
+    return text == "Close" || text == "Simple";
+}
+
+}  // namespace
+
+class TestWindows : public QObject {
+    Q_OBJECT
+
+  private slots:
+    /// What is not plain is explained, and what can not be used says what is missing.
+    void everyControlExplainsItself() {
+        const Windows windows;
+        QCOMPARE(windows.list().size(), 7);
+        int disabled = 0;
+        for (const QWidget* window : windows.list()) {
+            for (const QWidget* w : controls(window)) {
+                if (!isPlainWord(ownText(w))) {
+                    QVERIFY2(!w->toolTip().isEmpty(), nameOf(w) + " is not explained");
+                }
+                const QString whyNot = w->property("whyNot").toString();
+                QVERIFY2(whyNot.isEmpty() == w->isEnabled(), nameOf(w) + " does not say why");
+                QVERIFY2(w->toolTip().endsWith(whyNot), nameOf(w) + " says something else");
+                disabled += w->isEnabled() ? 0 : 1;
+            }
+        }
+        QVERIFY(disabled > 10);
+    }
+
+    /// From each control Tab goes to the right or down.
+    void tabFollowsTheLayout() {
+        const Windows windows;
+        for (QWidget* window : windows.list()) {
+            QWidgetList chain;
+            for (QWidget* w = window->nextInFocusChain(); w != window; w = w->nextInFocusChain()) {
+                if ((w->focusPolicy() & Qt::TabFocus) != 0 && w->focusProxy() == nullptr &&
+                    w->isVisibleTo(window) && w->window() == window && !w->objectName().isEmpty() &&
+                    !w->objectName().startsWith("qt_")) {
+                    chain << w;
+                }
+            }
+            QVERIFY2(chain.size() > 1, window->objectName().toUtf8());
+            for (int i = 1; i < chain.size(); ++i) {
+                const auto rect = [window](const QWidget* w) {
+                    return QRect(w->mapTo(window, QPoint()), w->size());
+                };
+                const QRect from = rect(chain[i - 1]);
+                const QRect to = rect(chain[i]);
+                QVERIFY2(to.left() >= from.right() || to.top() >= from.bottom(),
+                         nameOf(chain[i - 1]) + " goes back to " + nameOf(chain[i]));
+            }
+        }
+    }
+
+    /// Tool windows open on the screen and come back where they were left; keys act in them.
+    void toolWindowsKeepTheirPlace() {
+        Body body;
+        body.show();
+        auto* open = body.findChild<QPushButton*>("OpenCalibCtrl");
+        open->setFocus();
+        QTest::keyClick(open, Qt::Key_Return);
+        QWidget* panel = nullptr;
+        const QWidgetList all = QApplication::topLevelWidgets();
+        for (QWidget* window : all) {
+            panel = window->objectName() == "CalibCtrl" && window->isVisible() ? window : panel;
+        }
+        QVERIFY(panel != nullptr);
+        QVERIFY(panel->screen()->availableGeometry().contains(panel->geometry()));
+        panel->move(7, 11);
+        panel->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(panel));
+        QTest::keyClick(panel, Qt::Key_W, Qt::ControlModifier);
+        QVERIFY(!panel->isVisible());
+        open->click();
+        QCOMPARE(panel->pos(), QPoint(7, 11));
+    }
+
+    void windowsFitASmallScreen_data() {
+        QTest::addColumn<bool>("japanese");
+        QTest::addColumn<double>("points");
+        for (const bool japanese : {false, true}) {
+            for (const double points : {10.0, 15.0}) {
+                QTest::addRow("%s, %g points", japanese ? "ja" : "en", points)
+                    << japanese << points;
+            }
+        }
+    }
+    void windowsFitASmallScreen() {
+        QFETCH(bool, japanese);
+        QFETCH(double, points);
+        QTranslator translator;
+        if (japanese) {
+            installJapanese(&translator);
+        }
+        QFont font("Sans Serif");
+        font.setPointSizeF(points);
+        QApplication::setFont(font);
+        const Windows windows;
+        for (const QWidget* window : windows.list()) {
+            const QSize size = window->size().expandedTo(window->minimumSizeHint());
+            QVERIFY2(size.boundedTo(SmallScreen) == size, window->objectName().toUtf8());
+            const auto buttons = window->findChildren<QAbstractButton*>();
+            for (const QAbstractButton* w : buttons) {
+                const bool shown = !w->objectName().isEmpty() && w->isVisible();
+                QVERIFY2(!shown || w->width() >= w->minimumSizeHint().width(),
+                         nameOf(w) + " is clipped");
+            }
+            const auto labels = window->findChildren<QLabel*>();
+            for (const QLabel* w : labels) {
+                QVERIFY2(!w->isVisible() || w->width() >= w->minimumSizeHint().width(),
+                         nameOf(w) + " is clipped");
+            }
+        }
+    }
+};
+
+TARNWICK_TEST_MAIN(QApplication, TestWindows)
+#include "tst_windows.moc"
