@@ -1,6 +1,7 @@
 #include "frames/DarkData.h"
 
 #include <QDebug>
+#include <QFileInfo>
 
 #include "base/DebugLog.h"
 
@@ -54,6 +55,16 @@ int DarkData::fitting() const {
         count += isRefused(*m_loader.frames().at(i)) ? 0 : 1;
     }
     return count;
+}
+
+QStringList DarkData::files() const {
+    QStringList names;
+    for (int i = 0; i < loaded(); ++i) {
+        if (!isRefused(*m_loader.frames().at(i))) {
+            names << QFileInfo(m_loader.frames().at(i)->fileName).absoluteFilePath();
+        }
+    }
+    return names;
 }
 
 const DarkFrame* DarkData::mean() {

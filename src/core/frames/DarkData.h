@@ -31,6 +31,8 @@ class DarkData : public QObject {
     int loaded() const { return m_loader.frames().size(); }
     /// How many of the loaded frames have the images' size; all of them while there are no images.
     int fitting() const;
+    /// Absolute paths of the frames that went into the mean, or will.
+    QStringList files() const;
     /// Files of the last reading that could not be read or were refused.
     int refused() const { return m_refused; }
 

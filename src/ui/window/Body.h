@@ -13,7 +13,7 @@
 #include "calibration/EnergyMapFile.h"
 #include "fitting/LinearFit.h"
 #include "frames/StackLoader.h"
-#include "window/ShareOfTime.h"
+#include "base/ShareOfTime.h"
 
 namespace Ui {
 class Body;

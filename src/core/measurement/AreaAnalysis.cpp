@@ -1,0 +1,237 @@
+#include "measurement/AreaAnalysis.h"
+
+#include <QDebug>
+#include <cmath>
+
+#include "absorption/AbsorptionSource.h"
+#include "base/DebugLog.h"
+#include "calibration/EnergyShift.h"
+#include "fitting/LaneFit.h"
+#include "measurement/Reference.h"
+#include "spectra/LiveCounts.h"
+
+AreaAnalysis::AreaAnalysis(const AnalysisGrid& grid, std::shared_ptr<Run> run)
+    : m_grid(grid), m_run(std::move(run)) {}
+
+AreaAnalysis::~AreaAnalysis() = default;
+
+void AreaAnalysis::startOver(Result* result, int number) {
+    result->image.startOver(m_grid);
+    result->image.setNo(number);
+    result->run = m_run;
+    result->deglitched.reset();
+}
+
+namespace {
+
+class Calibration : public AreaAnalysis {
+  public:
+    Calibration(const AnalysisGrid& grid, std::shared_ptr<Run> run, Result* newMap,
+                double standardEdge)
+        : AreaAnalysis(grid, std::move(run)), m_map(newMap), m_standardEdge(standardEdge) {}
+
+    int valuesPerBin() const override { return 1; }
+
+    std::vector<RasterPass::Evaluate> evaluators(int threads,
+                                                 const AbsorptionSource& source) const override {
+        return edgeEvaluators(threads, source.energies());
+    }
+
+    void begin() override {
+        debugTimed(QStringLiteral("Start Calibration"));
+        startOver(m_map, m_map->image.no());
+        sayProgress(m_grid.y);
+    }
+
+    void take(const RasterPass::Row& row, const BinRaster& raster) override {
+        const int y = raster.y(row.row);
+        if (row.row > 0) {
+            sayProgress(y);
+        }
+        for (int column = 0; column < raster.columns; ++column) {
+            m_map->image.setData(raster.x(column), y, m_grid.halfW, m_grid.halfH,
+                                 row.values[column] - m_standardEdge);
+        }
+    }
+
+    void finish() override {
+        m_map->image.updateExtremes();
+        m_map->image.genImg();
+        debugTimed(QStringLiteral("End Calibration   "));
+    }
+
+  private:
+    void sayProgress(int y) {
+        AnalysisGrid at = m_grid;
+        at.y = y;
+        qDebug() << "progress" << at.percent();
+    }
+
+    Result* m_map;
+    double m_standardEdge;
+};
+
+class Fit : public AreaAnalysis {
+  public:
+    Fit(const AnalysisGrid& grid, std::shared_ptr<Run> run,
+        const std::vector<std::unique_ptr<Reference>>& references, const Analyzed2DRes& map)
+        : AreaAnalysis(grid, std::move(run)), m_map(map) {
+        for (int kind = 0; kind < Reference::KindCount; ++kind) {
+            for (const auto& reference : references) {
+                m_results.push_back(&reference->result(kind));
+            }
+        }
+        m_panels = references.size();
+        for (std::size_t i = 0; i < m_panels; ++i) {
+            if (references[i]->takesPart()) {
+                m_spectra.append(references[i]->spectrum());
+                m_taking.push_back(i);
+            }
+        }
+    }
+
+    int valuesPerBin() const override { return 2 * m_spectra.size(); }
+
+    std::vector<RasterPass::Evaluate> evaluators(int threads,
+                                                 const AbsorptionSource& source) const override {
+        return fitEvaluators(threads, m_grid.raster(), m_spectra, m_run->inputs.method,
+                             source.energies(), m_run->inputs.background,
+                             [&map = m_map](int x, int y) { return shiftAt(&map, x, y); });
+    }
+
+    void begin() override {
+        logObjectCounts();
+        debugTimed(QStringLiteral("2da 1:"));
+        int number = 0;
+        for (Result* result : m_results) {
+            startOver(result, number++);
+        }
+        debugTimed(QStringLiteral("2da 2:"));
+    }
+
+    void take(const RasterPass::Row& row, const BinRaster& raster) override {
+        const int y = raster.y(row.row);
+        const std::size_t taking = m_taking.size();
+        // One image after the other, so that each is written along its rows.
+        for (std::size_t kind = 0; kind < Reference::KindCount; ++kind) {
+            for (std::size_t u = 0; u < taking; ++u) {
+                Analyzed2DRes& image = m_results[m_panels * kind + m_taking[u]]->image;
+                const double* value = row.values + kind * taking + u;
+                for (int column = 0; column < raster.columns; ++column) {
+                    image.setData(raster.x(column), y, m_grid.halfW, m_grid.halfH, *value);
+                    value += 2 * taking;
+                }
+            }
+        }
+    }
+
+    void remakePictures() override {
+        qDebug() << "generate res images" << static_cast<int>(m_results.size());
+        for (Result* result : m_results) {
+            result->image.genImg();
+        }
+    }
+
+    void finish() override {
+        remakePictures();
+        debugTimed(QStringLiteral("2da 3:"));
+        logObjectCounts();
+    }
+
+    void stopped() override {
+        for (Result* result : m_results) {
+            result->image.genImg();
+        }
+        debugTimed(QStringLiteral("2da 4:"));
+    }
+
+  private:
+    const Analyzed2DRes& m_map;
+    std::vector<Result*> m_results;  // all edge jumps, then all ratios, in order of the references
+    std::size_t m_panels = 0;
+    QVector<XafsSpectrum> m_spectra;    // of those that take part
+    std::vector<std::size_t> m_taking;  // and their indices
+};
+
+class Residual : public AreaAnalysis {
+  public:
+    Residual(const AnalysisGrid& grid, std::shared_ptr<Run> run, Result* dMut, Result* rest,
+             Result* ratio)
+        : AreaAnalysis(grid, std::move(run)), m_dMut(dMut), m_rest(rest), m_ratio(ratio) {}
+
+    int valuesPerBin() const override { return 2; }
+
+    std::vector<RasterPass::Evaluate> evaluators(int threads,
+                                                 const AbsorptionSource& source) const override {
+        return backgroundEvaluators(threads, source.energies(), m_run->inputs.background,
+                                    m_run->inputs.raEnergy);
+    }
+
+    void begin() override {
+        for (Result* result : {m_dMut, m_rest, m_ratio}) {
+            startOver(result, -1);
+        }
+    }
+
+    void take(const RasterPass::Row& row, const BinRaster& raster) override {
+        const int y = raster.y(row.row);
+        if (row.row > 0) {
+            qDebug() << y;
+        }
+        for (int column = 0; column < raster.columns; ++column) {
+            const double pre = row.values[2 * column];
+            const double dmut = row.values[2 * column + 1] - pre;
+            const int x = raster.x(column);
+            m_dMut->image.setData(x, y, m_grid.halfW, m_grid.halfH, dmut);
+            m_rest->image.setData(x, y, m_grid.halfW, m_grid.halfH,
+                                  pre - m_run->inputs.raFactor * dmut);
+        }
+    }
+
+    void finish() override { makeResidualRatio(&m_dMut->image, &m_rest->image, &m_ratio->image); }
+    void stopped() override { finish(); }
+
+  private:
+    Result* m_dMut;
+    Result* m_rest;
+    Result* m_ratio;
+};
+
+}  // namespace
+
+void makeResidualRatio(Analyzed2DRes* dMut, Analyzed2DRes* rest, Analyzed2DRes* ratio) {
+    const int width = rest->grid().width;
+    const int height = rest->hasData() ? rest->grid().height : 0;
+    double lowest = 1e300;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const double value = rest->valueAt(x, y);
+            lowest = std::isfinite(value) && value < lowest ? value : lowest;
+        }
+    }
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const double b = rest->valueAt(x, y) - lowest;
+            ratio->setData(x, y, 0, 0, b / (dMut->valueAt(x, y) + b));
+        }
+    }
+    for (Analyzed2DRes* result : {dMut, rest, ratio}) {
+        result->genImg();
+    }
+}
+
+std::unique_ptr<AreaAnalysis> makeCalibration(const AnalysisGrid& grid, std::shared_ptr<Run> run,
+                                              Result* newMap, double standardEdge) {
+    return std::make_unique<Calibration>(grid, std::move(run), newMap, standardEdge);
+}
+
+std::unique_ptr<AreaAnalysis> makeFit(const AnalysisGrid& grid, std::shared_ptr<Run> run,
+                                      const std::vector<std::unique_ptr<Reference>>& references,
+                                      const Analyzed2DRes& map) {
+    return std::make_unique<Fit>(grid, std::move(run), references, map);
+}
+
+std::unique_ptr<AreaAnalysis> makeResidual(const AnalysisGrid& grid, std::shared_ptr<Run> run,
+                                           Result* dMut, Result* rest, Result* ratio) {
+    return std::make_unique<Residual>(grid, std::move(run), dMut, rest, ratio);
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "absorption/RasterPass.h"
+#include "maps/AnalysisGrid.h"
+#include "measurement/Result.h"
+
+class AbsorptionSource;
+class Reference;
+
+/// An analysis of an area: what is worked out for every bin, and what becomes of a row of it. It
+/// works on the inputs of its run; its results are others' and outlive it.
+class AreaAnalysis {
+  public:
+    AreaAnalysis(const AnalysisGrid& grid, std::shared_ptr<Run> run);
+    virtual ~AreaAnalysis();
+    AreaAnalysis(const AreaAnalysis&) = delete;
+    AreaAnalysis& operator=(const AreaAnalysis&) = delete;
+
+    const AnalysisGrid& grid() const { return m_grid; }
+    const std::shared_ptr<Run>& run() const { return m_run; }
+
+    virtual int valuesPerBin() const = 0;
+    /// One for each thread.
+    virtual std::vector<RasterPass::Evaluate> evaluators(int threads,
+                                                         const AbsorptionSource& source) const = 0;
+    /// Empties the results.
+    virtual void begin() = 0;
+    virtual void take(const RasterPass::Row& row, const BinRaster& raster) = 0;
+    /// All rows are in.
+    virtual void finish() = 0;
+    /// Stopped before its end.
+    virtual void stopped() {}
+    /// Makes pictures of what there is so far.
+    virtual void remakePictures() {}
+
+  protected:
+    /// An empty result of this run.
+    void startOver(Result* result, int number);
+
+    AnalysisGrid m_grid;
+    std::shared_ptr<Run> m_run;
+};
+
+/// The energy shift of every bin against the standard, into a map of its own that replaces the one
+/// in force at the end. standardEdge in eV, see calibrationEdge().
+std::unique_ptr<AreaAnalysis> makeCalibration(const AnalysisGrid& grid, std::shared_ptr<Run> run,
+                                              Result* newMap, double standardEdge);
+
+/// LCF or MLCF: edge jump and ratio of every reference that takes part. The map of energy shifts,
+/// which may be without values, stays as it is during the run.
+std::unique_ptr<AreaAnalysis> makeFit(const AnalysisGrid& grid, std::shared_ptr<Run> run,
+                                      const std::vector<std::unique_ptr<Reference>>& references,
+                                      const Analyzed2DRes& map);
+
+/// Residual absorption: the edge jump at an energy, what is left of the pre-edge there, and the
+/// share of the latter.
+std::unique_ptr<AreaAnalysis> makeResidual(const AnalysisGrid& grid, std::shared_ptr<Run> run,
+                                           Result* dMut, Result* rest, Result* ratio);
+
+/// The ratio image of residual absorption from the other two: with m the lowest finite rest,
+/// (rest - m) / (dmut + rest - m); then all three pictures.
+void makeResidualRatio(Analyzed2DRes* dMut, Analyzed2DRes* rest, Analyzed2DRes* ratio);

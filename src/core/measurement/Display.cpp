@@ -1,0 +1,124 @@
+#include "measurement/Display.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+#include "drawing/FramePicture.h"
+
+TiffData* shownFrame(Measurement& measurement) {
+    const Shown shown = measurement.settings().shown;
+    return shown == Shown::I1 || shown == Shown::I0
+               ? measurement.shownStack().frames().at(measurement.frame())
+               : nullptr;
+}
+
+QImage shownPicture(Measurement& measurement) {
+    if (TiffData* frame = shownFrame(measurement)) {
+        const ViewRange& range = measurement.settings().viewRange;
+        return !range.fixed && frame->picture() != nullptr
+                   ? *frame->picture()
+                   : framePicture(*frame, range.low, range.high);
+    }
+    const Result* result = measurement.shownResult();
+    return result != nullptr && result->image.img() != nullptr ? *result->image.img() : QImage();
+}
+
+namespace {
+
+BarPicture frameWithBar(Measurement& measurement, const TiffData& frame) {
+    BarPicture parts;
+    const ViewRange& range = measurement.settings().viewRange;
+    parts.picture = shownPicture(measurement);
+    parts.low = range.fixed ? range.low : frame.min;
+    parts.high = range.fixed ? range.high : frame.max;
+    const bool isI0 = measurement.settings().shown == Shown::I0;
+    parts.title =
+        (isI0 ? QStringLiteral("Incident beam (I0), %1 eV")
+              : QStringLiteral("Transmitted beam (I1), %1 eV"))
+            .arg(QString::number(frame.energy, 'f', 2));
+    parts.source = QFileInfo(frame.fileName).fileName();
+    parts.unit = QStringLiteral("counts");
+    return parts;
+}
+
+QString sourceOf(const Result& result, const Measurement& measurement) {
+    if (const ReferenceInput* reference = result.referenceInput()) {
+        return reference->file.name;
+    }
+    if (result.id == ResultId::Shift && result.run) {
+        return result.run->inputs.standard.name;
+    }
+    const auto& map = measurement.mapInput();
+    return result.id == ResultId::Shift && map ? map->file.name : QString();
+}
+
+}  // namespace
+
+BarPicture shownWithBar(Measurement& measurement) {
+    if (const TiffData* frame = shownFrame(measurement)) {
+        return frameWithBar(measurement, *frame);
+    }
+    BarPicture parts;
+    const Result* result = measurement.shownResult();
+    if (result == nullptr) {
+        return parts;
+    }
+    const Analyzed2DRes& image = result->image;
+    parts.picture = shownPicture(measurement);
+    if (!parts.picture.isNull()) {
+        parts.picture =
+            withGapsMarked(parts.picture, image.showsProc() ? image.proc() : image.data(),
+                           image.grid().width, image.grid().height);
+    }
+    parts.isGrey = false;
+    parts.low = image.rangeMin();
+    parts.high = image.rangeMax();
+    parts.title = QString::fromLatin1(result->kind().title);
+    if (image.showsProc()) {
+        parts.title += QStringLiteral(", processed");
+    }
+    const Difference difference = measurement.differenceOf(*result);
+    if (difference != Difference::None) {
+        parts.title += QStringLiteral(", ") + QString::fromLatin1(differenceText(difference));
+    }
+    parts.unit = QString::fromLatin1(result->kind().unit);
+    parts.source = QFileInfo(sourceOf(*result, measurement)).fileName();
+    return parts;
+}
+
+Outcome fixPercentiles(Measurement& measurement) {
+    const TiffData* frame = shownFrame(measurement);
+    if (frame == nullptr) {
+        return Outcome::failure(
+            QCoreApplication::translate("Measurement", "there is no frame on display"));
+    }
+    const auto [low, high] = countPercentiles(*frame, 0.01);
+    if (high > low) {
+        measurement.set(&Settings::viewRange, ViewRange{true, low, high});
+    }
+    return {};
+}
+
+const char* differenceText(Difference difference) {
+    switch (difference) {
+        case Difference::None:
+            return "";
+        case Difference::Frames:
+            return QT_TRANSLATE_NOOP("Difference", "of earlier frames");
+        case Difference::Dark:
+            return QT_TRANSLATE_NOOP("Difference", "with other dark frames");
+        case Difference::Map:
+            return QT_TRANSLATE_NOOP("Difference", "before the energy calibration");
+        case Difference::References:
+            return QT_TRANSLATE_NOOP("Difference", "with earlier references");
+        case Difference::Bins:
+            return QT_TRANSLATE_NOOP("Difference", "with other bins");
+        case Difference::Area:
+            return QT_TRANSLATE_NOOP("Difference", "of another area");
+        case Difference::Background:
+            return QT_TRANSLATE_NOOP("Difference", "with another background");
+        case Difference::Settings:
+            return QT_TRANSLATE_NOOP("Difference", "with other settings");
+    }
+    return "";
+}

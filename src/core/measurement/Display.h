@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QImage>
+
+#include "drawing/BarPicture.h"
+#include "measurement/Measurement.h"
+
+// What a measurement has on display, as pictures and words. Titles are English, context
+// "ResultKind" of the translation.
+
+/// The frame on display; null while a result is, or without frames.
+TiffData* shownFrame(Measurement& measurement);
+
+/// The picture on display at full resolution: of a frame in the range of the view, of a result
+/// through the colour map; null for nothing.
+QImage shownPicture(Measurement& measurement);
+
+/// The same with title, source, unit and range, pixels that are no number in grey.
+BarPicture shownWithBar(Measurement& measurement);
+
+/// Fixes the view's range at the percentiles 1 and 99 of the frame on display.
+Outcome fixPercentiles(Measurement& measurement);
+
+/// What keeps a result from being one of the present inputs, for behind its title: "of earlier
+/// frames", "before the energy calibration"; empty for nothing. English, context "Difference".
+const char* differenceText(Difference difference);

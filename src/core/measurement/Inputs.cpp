@@ -1,0 +1,84 @@
+#include "measurement/Inputs.h"
+
+#include <algorithm>
+
+namespace {
+
+bool sameReference(const ReferenceInput& a, const ReferenceInput& b) {
+    return a.file.revision == b.file.revision && a.deltaE == b.deltaE &&
+           a.background == b.background;
+}
+
+/// Those that take no part do not count.
+bool sameReferences(const Inputs& a, const Inputs& b) {
+    const std::size_t n = std::max(a.references.size(), b.references.size());
+    const ReferenceInput none;
+    for (std::size_t i = 0; i < n; ++i) {
+        const ReferenceInput& x = i < a.references.size() ? a.references[i] : none;
+        const ReferenceInput& y = i < b.references.size() ? b.references[i] : none;
+        if (x.takesPart != y.takesPart || (x.takesPart && !sameReference(x, y))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool sameMap(const Inputs& a, const Inputs& b) {
+    return a.map == b.map || (a.map && b.map && a.map->revision == b.map->revision);
+}
+
+Difference ofFit(const Inputs& a, const Inputs& b) {
+    if (!sameMap(a, b)) {
+        return Difference::Map;
+    }
+    if (!sameReferences(a, b)) {
+        return Difference::References;
+    }
+    if (a.background != b.background) {
+        return Difference::Background;
+    }
+    return a.method == b.method ? Difference::None : Difference::Settings;
+}
+
+Difference ofResidual(const Inputs& a, const Inputs& b) {
+    if (a.background != b.background) {
+        return Difference::Background;
+    }
+    return a.raEnergy == b.raEnergy && a.raFactor == b.raFactor ? Difference::None
+                                                                : Difference::Settings;
+}
+
+Difference ofCalibration(const Inputs& a, const Inputs& b) {
+    if (a.standard.revision != b.standard.revision) {
+        return Difference::References;
+    }
+    return a.standardBackground == b.standardBackground ? Difference::None : Difference::Background;
+}
+
+}  // namespace
+
+Difference difference(const Inputs& a, const Inputs& b, Work work) {
+    if (a.i1.revision != b.i1.revision || a.i0.revision != b.i0.revision || a.size != b.size) {
+        return Difference::Frames;
+    }
+    if (a.darkRevision != b.darkRevision) {
+        return Difference::Dark;
+    }
+    if (a.halfWidth != b.halfWidth || a.halfHeight != b.halfHeight) {
+        return Difference::Bins;
+    }
+    if (a.area.within(a.size.width(), a.size.height()) !=
+        b.area.within(b.size.width(), b.size.height())) {
+        return Difference::Area;
+    }
+    switch (work) {
+        case Work::Fit:
+            return ofFit(a, b);
+        case Work::Residual:
+            return ofResidual(a, b);
+        case Work::Calibrate:
+            return ofCalibration(a, b);
+        default:
+            return Difference::None;
+    }
+}

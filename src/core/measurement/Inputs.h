@@ -1,0 +1,75 @@
+#pragma once
+
+#include <QByteArray>
+#include <QSize>
+#include <QStringList>
+#include <QVector>
+#include <memory>
+#include <vector>
+
+#include "measurement/Settings.h"
+#include "measurement/Stack.h"
+
+// Everything that a run works on, as it was at its start: what a result was made from. Values, to
+// be copied and compared; nothing here follows the measurement.
+
+/// What works for a while in the background.
+enum class Work { None, LoadI1, LoadI0, LoadDark, Calibrate, Fit, Residual };
+
+/// A text file that was read as a whole.
+struct FileInput {
+    QString name;  ///< as it was given; empty: none
+    QString path;  ///< absolute
+    QByteArray sha256;
+    quint64 revision = 0;
+};
+
+struct StackInputs {
+    QVector<Stack::File> files;
+    quint64 revision = 0;
+};
+
+struct ReferenceInput {
+    FileInput file;
+    bool used = false;
+    bool takesPart = false;  ///< in use and with a spectrum
+    double deltaE = 0.0;     ///< energy offset in eV
+    int background = 0;
+};
+
+struct MapInput;
+
+struct Inputs {
+    StackInputs i1;
+    StackInputs i0;
+    QSize size;  ///< of the images
+    QStringList dark;  ///< absolute paths
+    quint64 darkRevision = 0;
+    int halfWidth = 0;
+    int halfHeight = 0;
+    Area area;
+    int background = 0;
+    std::vector<ReferenceInput> references;
+    LinearFit::Method method = LinearFit::Lcf;
+    double raEnergy = 0.0;
+    double raFactor = 0.0;
+    FileInput standard;
+    int standardBackground = 0;
+    int crystal = 0;
+    QString edgeEnergy;
+    std::shared_ptr<const MapInput> map;  ///< null: no energy shift
+};
+
+/// Where an energy-shift map comes from: a calibration of these inputs, or a file.
+struct MapInput {
+    std::shared_ptr<const Inputs> calibration;  ///< null for a map from a file
+    FileInput file;
+    QString edgeEnergy;  ///< of the panel when the file was read
+    bool smoothed = false;
+    quint64 revision = 0;
+};
+
+/// What differs of the inputs that this work goes by, in the order in which a user would look for
+/// it; None: nothing.
+enum class Difference { None, Frames, Dark, Map, References, Bins, Area, Background, Settings };
+Difference difference(const Inputs& a, const Inputs& b, Work work);

@@ -1,0 +1,362 @@
+#include "measurement/Measurement.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "absorption/AbsorptionSource.h"
+#include "base/DebugLog.h"
+#include "base/Globals.h"
+#include "calibration/EnergyMapFile.h"
+#include "calibration/EnergyShift.h"
+#include "measurement/Revision.h"
+#include "spectra/Units.h"
+
+Measurement::Measurement()
+    : m_map(std::make_unique<Result>(ResultId::Shift)),
+      m_threads(QThread::idealThreadCount()),
+      m_job([this](const RasterPass::Row& row, const BinRaster& raster) {
+          m_analysis->take(row, raster);
+      }) {
+    m_residual[0] = std::make_unique<Result>(ResultId::RaDmut);
+    m_residual[1] = std::make_unique<Result>(ResultId::RaRest);
+    m_residual[2] = std::make_unique<Result>(ResultId::RaRatio);
+    connectStack(m_i1);
+    connectStack(m_i0);
+    connect(&m_dark, &DarkData::changed, this, [this] {
+        m_darkRevision = nextRevision();
+        m_darkIsNew = true;
+        inputsChanged(Dark);
+        if (m_loadsDark && !m_dark.isLoading()) {
+            m_loadsDark = false;
+            emit ended(Work::LoadDark,
+                       m_dark.refused() == 0
+                           ? Outcome()
+                           : Outcome::failure(tr("%n dark file(s) unreadable or not of the image's "
+                                                 "size",
+                                                 nullptr, m_dark.refused())));
+        }
+    });
+    connect(&m_dark, &DarkData::progressed, this, [this] { emit changed(AtWork); });
+    connect(&m_job, &RowJob::progressed, this, &Measurement::rowsTaken);
+    connect(&m_job, &RowJob::finished, this, &Measurement::passEnded);
+    applyScales();
+}
+
+Measurement::~Measurement() {
+    m_job.stop();
+    for (QObject* part : {static_cast<QObject*>(&m_i1), static_cast<QObject*>(&m_i0),
+                          static_cast<QObject*>(&m_dark)}) {
+        part->disconnect(this);
+    }
+}
+
+void Measurement::connectStack(Stack& stack) {
+    const StackId id = stack.id();
+    const Work work = id == StackId::I1 ? Work::LoadI1 : Work::LoadI0;
+    connect(&stack, &Stack::changing, this, [this] {
+        stop();
+        m_source.reset();
+    });
+    connect(&stack, &Stack::changed, this, [this, id] { frameArrived(id); });
+    connect(&stack, &Stack::progressed, this,
+            [this, &stack, work] { emit progressed(work, stack.done(), stack.total()); });
+    connect(&stack, &Stack::finished, this, [this, id] { loadEnded(id); });
+}
+
+void Measurement::frameArrived(StackId id) {
+    const int count = stack(id).size();
+    int& current = m_frame[static_cast<int>(id)];
+    // The newest I1 frame is shown; of I0 the one that was.
+    current = count == 0 ? -1 : id == StackId::I1 ? count - 1 : std::max(0, current);
+    if (id == StackId::I1 && count == 1) {
+        const TiffData& first = *m_i1.frames().at(0);
+        setImageSize(QSize(static_cast<int>(first.width), static_cast<int>(first.height)));
+    }
+    inputsChanged(Changes(Frames) | Display);
+}
+
+void Measurement::setImageSize(const QSize& size) {
+    m_size = size;
+    m_dark.setImageSize(size.width(), size.height());
+    // Between two stacks there is no image; the area waits for the next one.
+    if (!size.isEmpty() && !m_settings.area.isWhole()) {
+        const QRect inside = selection().toRect();
+        m_settings.area = {inside.left(), inside.top(), inside.left() + inside.width(),
+                           inside.top() + inside.height()};
+    }
+}
+
+void Measurement::inputsChanged(Changes what) {
+    m_sample.reset();
+    emit changed(what | Position);
+}
+
+void Measurement::load(StackId id, const QStringList& files, bool replace) {
+    if (replace) {
+        clear(id);
+    }
+    stack(id).setNames(m_settings.names[static_cast<int>(id)]);
+    stack(id).read(files);
+    emit changed(AtWork);
+}
+
+void Measurement::clear(StackId id) {
+    if (id == StackId::I1) {
+        stop();
+        setImageSize(QSize(-1, -1));
+    }
+    stack(id).clear();
+}
+
+void Measurement::loadEnded(StackId id) {
+    Outcome outcome;
+    const QStringList unread = stack(id).takeFailures();
+    for (const QString& file : unread) {
+        outcome.failures << tr("cannot be read: %1").arg(file);
+    }
+    emit changed(AtWork);
+    emit ended(id == StackId::I1 ? Work::LoadI1 : Work::LoadI0, outcome);
+}
+
+void Measurement::stopLoading() {
+    for (Stack* stack : {&m_i1, &m_i0}) {
+        if (!stack->isLoading()) {
+            continue;
+        }
+        const QString what = QStringLiteral("loading stopped by the user after %1 of %2 files")
+                                 .arg(stack->done())
+                                 .arg(stack->total());
+        debugTimed(what);
+        const Outcome stopped = Outcome::failure(tr("%1: loading stopped after %2 of %3 files")
+                                                     .arg(stack->name())
+                                                     .arg(stack->done())
+                                                     .arg(stack->total()));
+        stack->stop();
+        emit progressed(stack == &m_i1 ? Work::LoadI1 : Work::LoadI0, stack->done(),
+                        stack->total());
+        emit changed(Changes(AtWork) | Display);
+        emit ended(stack == &m_i1 ? Work::LoadI1 : Work::LoadI0, stopped);
+    }
+}
+
+void Measurement::loadDark(const QStringList& files) {
+    m_loadsDark = true;
+    m_dark.replace(files);
+}
+
+void Measurement::setNames(StackId id, const NamePattern& names) {
+    NamePattern& present = m_settings.names[static_cast<int>(id)];
+    if (!(present == names)) {
+        present = names;
+        stack(id).setNames(names);
+        emit changed(Setting);
+    }
+}
+
+void Measurement::settingChanged(const Settings& before) {
+    Changes what = Setting;
+    const Settings& now = m_settings;
+    if (!(before.area == now.area) || before.halfWidth != now.halfWidth ||
+        before.halfHeight != now.halfHeight || before.targetBackground != now.targetBackground) {
+        m_sample.reset();
+        what |= Position;
+    }
+    if (before.standardBackground != now.standardBackground && m_hasStandard) {
+        m_standard.spectrum.normalise(now.standardBackground);
+        what |= Standard;
+    }
+    if (before.fixedScale != now.fixedScale || before.dMutMin != now.dMutMin ||
+        before.dMutMax != now.dMutMax || before.ratioMin != now.ratioMin ||
+        before.ratioMax != now.ratioMax) {
+        applyScales();
+        what |= Changes(Results) | Display;
+    }
+    if (before.shown != now.shown || before.selected != now.selected ||
+        before.resultType != now.resultType || !(before.viewRange == now.viewRange)) {
+        what |= Display;
+    }
+    emit changed(what);
+}
+
+void Measurement::applyScales() {
+    const auto apply = [this](Result& result) {
+        const ResultScale scale = result.kind().scale;
+        if (scale == ResultScale::Own) {
+            return;
+        }
+        const bool isDMut = scale == ResultScale::DMut;
+        result.image.setScale(isDMut ? m_settings.dMutMin : m_settings.ratioMin,
+                              isDMut ? m_settings.dMutMax : m_settings.ratioMax);
+        result.image.setFixedScale(m_settings.fixedScale);
+    };
+    for (const auto& reference : m_references) {
+        apply(reference->result(Reference::DMut));
+        apply(reference->result(Reference::Ratio));
+    }
+    for (const auto& result : m_residual) {
+        apply(*result);
+    }
+}
+
+double Measurement::spacing() const {
+    const auto last = static_cast<int>(CrystalTable.size()) - 1;
+    return CrystalTable[static_cast<std::size_t>(std::clamp(m_settings.crystal, 0, last))].spacing;
+}
+
+double Measurement::edgeEnergy() const {
+    const double energy = m_settings.edgeEnergy.toDouble();
+    return std::isfinite(energy) ? energy : 0.0;
+}
+
+QRectF Measurement::area() const {
+    const QRectF selected = selection();
+    return selected.isEmpty()
+               ? QRectF(0, 0, std::max(0, m_size.width()), std::max(0, m_size.height()))
+               : selected;
+}
+
+Outcome Measurement::loadStandard(const QString& fileName) {
+    const bool read = m_standard.read(fileName, m_settings.standardBackground);
+    m_hasStandard = true;
+    if (read) {
+        m_settings.edgeEnergy = fieldText(m_standard.spectrum.midE());
+    }
+    emit changed(Changes(Standard) | Setting | Position);
+    return read && !m_standard.spectrum.isEmpty()
+               ? Outcome()
+               : Outcome::failure(tr("cannot be read: %1").arg(fileName));
+}
+
+Outcome Measurement::loadMap(const QString& fileName) {
+    stop();
+    QSize size = m_size;
+    auto loaded = std::make_unique<Result>(ResultId::Shift);
+    const bool whole = readEMap(fileName, edgeEnergy(), &size, &loaded->image);
+    if (loaded->image.hasData()) {
+        MapInput input;
+        input.file = fileInput(fileName);
+        input.edgeEnergy = m_settings.edgeEnergy;
+        input.revision = nextRevision();
+        m_map = std::move(loaded);
+        m_mapInput = std::make_shared<const MapInput>(input);
+    }
+    if (size != m_size) {
+        setImageSize(size);
+    }
+    inputsChanged(Changes(Map) | Frames | Results | Display);
+    return whole
+               ? Outcome()
+               : Outcome::failure(tr("no whole energy map of the images' size: %1").arg(fileName));
+}
+
+void Measurement::clearMap() {
+    stop();
+    m_map = std::make_unique<Result>(ResultId::Shift);
+    m_mapInput.reset();
+    inputsChanged(Changes(Map) | Results | Display);
+}
+
+Outcome Measurement::smoothMap() {
+    if (m_map->image.grid().width <= 0) {
+        return Outcome::failure(tr("there is no energy-shift map"));
+    }
+    stop();
+    smoothShiftMap(&m_map->image);
+    if (m_mapInput) {
+        MapInput input = *m_mapInput;
+        input.smoothed = true;
+        input.revision = nextRevision();
+        m_mapInput = std::make_shared<const MapInput>(input);
+    }
+    inputsChanged(Changes(Map) | Results | Display);
+    return {};
+}
+
+Outcome Measurement::addReference() {
+    if (working() != Work::None) {
+        return Outcome::failure(tr("not while an analysis of the image runs"));
+    }
+    constexpr int UsedFromTheStart = 2;
+    const int index = referenceCount();
+    // Ids of the residual-absorption results follow those of the references.
+    if (m_settings.selected >= index) {
+        ++m_settings.selected;
+    }
+    m_references.push_back(std::make_unique<Reference>(index));
+    m_references.back()->setUse(referenceCount() <= UsedFromTheStart);
+    applyScales();
+    emit changed(Changes(References) | Setting);
+    return {};
+}
+
+void Measurement::change(int reference, const std::function<void(Reference&)>& how) {
+    how(*m_references[static_cast<std::size_t>(reference)]);
+    emit changed(References);
+}
+
+void Measurement::setFrame(StackId id, int n) {
+    int& current = m_frame[static_cast<int>(id)];
+    if (n >= 0 && n < stack(id).size() && n != current) {
+        current = n;
+        emit changed(Display);
+    }
+}
+
+Result* Measurement::selectedResult() const {
+    const int id = m_settings.selected;
+    const int n = referenceCount();
+    if (id < 0 || id >= n + 3) {
+        return nullptr;
+    }
+    if (id < n) {
+        return &m_references[static_cast<std::size_t>(id)]->result(m_settings.resultType);
+    }
+    Result* made = m_residual[id - n].get();
+    return made->image.isValid() ? made : nullptr;
+}
+
+Result* Measurement::shownResult() const {
+    switch (m_settings.shown) {
+        case Shown::Map:
+            return m_map->image.grid().width > 0 ? m_map.get() : nullptr;
+        case Shown::Result:
+            return selectedResult();
+        default:
+            return nullptr;
+    }
+}
+
+Result* Measurement::deglitchTarget() const {
+    Result* shown = shownResult();
+    return shown != nullptr ? shown : selectedResult();
+}
+
+void Measurement::setPosition(double x, double y) {
+    m_position = QPointF(x, y);
+    m_sample.reset();
+    emit changed(Position);
+}
+
+const AbsorptionSource& Measurement::source() {
+    // A run under way ends with the dark frames with which it began.
+    if (m_darkIsNew && working() == Work::None) {
+        m_darkIsNew = false;
+        m_source.reset();
+    }
+    if (!m_source) {
+        m_source = std::make_unique<AbsorptionSource>(m_i1.frames(), m_i0.frames(), m_size.width(),
+                                                      m_size.height(), m_dark.mean());
+    }
+    return *m_source;
+}
+
+const XafsSpectrum& Measurement::sample() {
+    if (!m_sample) {
+        const int x = toPixel(m_position.x());
+        const int y = toPixel(m_position.y());
+        const Spectrum raw = source().spectrumAt(x, y, m_settings.halfWidth, m_settings.halfHeight);
+        m_sample = std::make_unique<XafsSpectrum>(raw, m_settings.targetBackground,
+                                                  shiftAt(&m_map->image, x, y));
+    }
+    return *m_sample;
+}

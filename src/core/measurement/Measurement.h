@@ -1,0 +1,164 @@
+#pragma once
+
+#include <functional>
+
+#include "base/ShareOfTime.h"
+#include "frames/DarkData.h"
+#include "measurement/AreaAnalysis.h"
+#include "measurement/Outcome.h"
+#include "measurement/Reference.h"
+#include "measurement/RowJob.h"
+
+/// A measurement: its stacks, dark frames, standard, energy-shift map, references, results and all
+/// settings. It loads, calibrates, fits and deglitches on all cores, stoppable, and knows what each
+/// result was made from; Display.h and Saving.h show and save it. Windows are views of it and send
+/// it actions, as a batch does. It lives on one thread; its work runs on others.
+class Measurement : public QObject {
+    Q_OBJECT
+
+  public:
+    enum Change {
+        Frames = 1,       ///< of a stack, or the size of the images
+        Dark = 2,         ///< dark frames
+        Standard = 4,     ///< its file or background
+        Map = 8,          ///< the energy shifts in force
+        References = 16,  ///< their number, files, offsets, backgrounds or use
+        Results = 32,     ///< values or pictures of results
+        Setting = 64,
+        Display = 128,   ///< what is on display
+        Position = 256,  ///< of the spectrum
+        AtWork = 512     ///< work has begun or ended
+    };
+    Q_DECLARE_FLAGS(Changes, Change)
+    enum class Window { Analyzer, Calibration, SaveForm };
+
+    Measurement();
+    ~Measurement() override;
+
+    // Settings
+    const Settings& settings() const { return m_settings; }
+    template <class T, class V>
+    void set(T Settings::*setting, const V& value) {
+        if (!(m_settings.*setting == value)) {
+            const Settings before = m_settings;
+            m_settings.*setting = value;
+            settingChanged(before);
+        }
+    }
+    void setNames(StackId stack, const NamePattern& names);
+    void setThreads(int threads) { m_threads = threads; }  ///< of passes over an area
+    double spacing() const;                                ///< of the crystal, in angstrom
+    double edgeEnergy() const;                             ///< as typed, in eV; 0.0 for no number
+    QRectF area() const;  ///< the selected area, else the whole image, in pixels
+    QRectF selection() const { return m_settings.area.within(m_size.width(), m_size.height()); }
+
+    // Frames
+    Stack& stack(StackId id) { return id == StackId::I1 ? m_i1 : m_i0; }
+    const Stack& stack(StackId id) const { return id == StackId::I1 ? m_i1 : m_i0; }
+    /// Replaces the frames, or adds to them, by files that are read in the background.
+    void load(StackId id, const QStringList& files, bool replace);
+    void clear(StackId id);
+    void stopLoading();
+    QSize imageSize() const { return m_size; }  ///< of the first I1 frame; -1 x -1 without
+    DarkData& dark() { return m_dark; }
+    const DarkData& dark() const { return m_dark; }
+    void loadDark(const QStringList& files);
+
+    // Standard, energy shifts, references
+    /// Null before the first file; without points after one that could not be read.
+    const XafsSpectrum* standard() const { return m_hasStandard ? &m_standard.spectrum : nullptr; }
+    QString standardFile() const { return m_standard.file.name; }
+    Outcome loadStandard(const QString& fileName);
+    Result& map() const { return *m_map; }
+    /// Where the energy shifts in force come from; null while there are none.
+    const std::shared_ptr<const MapInput>& mapInput() const { return m_mapInput; }
+    Outcome loadMap(const QString& fileName);
+    void clearMap();
+    Outcome smoothMap();
+    const std::vector<std::unique_ptr<Reference>>& references() const { return m_references; }
+    int referenceCount() const { return static_cast<int>(m_references.size()); }
+    Outcome addReference();  ///< fails during a run: its images belong to those it began with
+    void change(int reference, const std::function<void(Reference&)>& how);
+
+    // Analyses of the area
+    /// Starts calibration, fit or residual absorption. Failed: it has not begun; otherwise ended()
+    /// follows.
+    Outcome start(Work work);
+    void stop();
+    Work working() const { return m_analysis ? m_analysis->run()->work : Work::None; }
+    bool isAtWork(Work work) const;
+    Inputs inputs() const;  ///< what a run would work on that begins now
+    Difference differenceOf(const Result& result) const;
+    void remakePictures();  ///< of all references' results
+    void remakeResidual();  ///< the ratio image of RA and all three pictures
+    Outcome deglitch(double factor, double ratio);
+    Outcome showProcessed(bool on);
+    Result& residual(int i) const { return *m_residual[i]; }  ///< dmut, rest, ratio
+    /// What a fitter has found for the current point of the last fit's grid, and the step to the
+    /// next; nothing while a pass runs.
+    void recordPoint(const std::vector<int>& references, const std::vector<double>& dMuts,
+                     const std::vector<double>& ratios);
+    void stepPoint();
+
+    // Display and position
+    int frame() const { return m_frame[m_settings.shown == Shown::I0 ? 0 : 1]; }
+    Stack& shownStack() { return stack(m_settings.shown == Shown::I0 ? StackId::I0 : StackId::I1); }
+    int frameOf(StackId id) const { return m_frame[static_cast<int>(id)]; }
+    void setFrame(StackId id, int n);  ///< nothing for a frame that there is not
+    Result* selectedResult() const;    ///< null: none, or of RA and not made yet
+    Result* shownResult() const;       ///< the map or the selected result, if on display
+    Result* deglitchTarget() const;
+    QPointF position() const { return m_position; }
+    void setPosition(double x, double y);
+    const XafsSpectrum& sample();  ///< at the position, corrected; without points for none
+    const AbsorptionSource& source();
+    void askForWindow(Window window) { emit windowAsked(window); }
+
+  signals:
+    void changed(Measurement::Changes what);
+    void progressed(Work work, double done, double of);  ///< files of a load, or rows of a pass
+    void ended(Work work, const Outcome& outcome);
+    void windowAsked(Measurement::Window window);
+
+  private:
+    void connectStack(Stack& stack);
+    void frameArrived(StackId id);
+    void loadEnded(StackId id);
+    void settingChanged(const Settings& before);
+    void setImageSize(const QSize& size);
+    void applyScales();
+    void inputsChanged(Changes what);
+    AnalysisGrid grid() const;
+    std::unique_ptr<AreaAnalysis> makeAnalysis(Work work);
+    Outcome whyNotStart(Work work) const;
+    Outcome warningsOf(const Run& run) const;
+    void rowsTaken(int rows, int of);
+    void passEnded(bool outOfMemory);
+
+    Settings m_settings;
+    Stack m_i1{StackId::I1};
+    Stack m_i0{StackId::I0};
+    DarkData m_dark;
+    quint64 m_darkRevision = 0;
+    bool m_darkIsNew = false;
+    QSize m_size{-1, -1};
+    int m_frame[2] = {-1, -1};  // by StackId
+    NormalisedFile m_standard;
+    bool m_hasStandard = false;
+    std::unique_ptr<Result> m_map;
+    std::shared_ptr<const MapInput> m_mapInput;
+    std::vector<std::unique_ptr<Reference>> m_references;
+    std::unique_ptr<Result> m_residual[3];
+    std::unique_ptr<Result> m_newMap;  // of a calibration that runs
+    std::unique_ptr<AbsorptionSource> m_source;
+    QPointF m_position{-1.0, -1.0};
+    std::unique_ptr<XafsSpectrum> m_sample;  // null: to be formed again
+    int m_threads;
+    std::unique_ptr<AreaAnalysis> m_analysis;
+    RowJob m_job;
+    ShareOfTime m_eachRow;
+    AnalysisGrid m_point;  // of the last fit
+    bool m_loadsDark = false;
+};
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(Measurement::Changes)

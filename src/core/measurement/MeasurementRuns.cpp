@@ -1,0 +1,263 @@
+// The analyses of an area: their start, their end, and what their results rest on.
+
+#include <QDebug>
+#include <algorithm>
+#include <utility>
+
+#include "absorption/AbsorptionSource.h"
+#include "calibration/EnergyShift.h"
+#include "measurement/Measurement.h"
+#include "measurement/Revision.h"
+
+AnalysisGrid Measurement::grid() const {
+    return AnalysisGrid::ofArea(m_size.width(), m_size.height(), m_settings.halfWidth,
+                                m_settings.halfHeight, area());
+}
+
+Inputs Measurement::inputs() const {
+    Inputs now;
+    now.i1 = {m_i1.files(), m_i1.revision()};
+    now.i0 = {m_i0.files(), m_i0.revision()};
+    now.size = m_size;
+    now.dark = m_dark.files();
+    now.darkRevision = m_darkRevision;
+    now.halfWidth = m_settings.halfWidth;
+    now.halfHeight = m_settings.halfHeight;
+    now.area = m_settings.area;
+    now.background = m_settings.targetBackground;
+    for (const auto& reference : m_references) {
+        now.references.push_back(reference->input());
+    }
+    now.method = m_settings.method;
+    now.raEnergy = m_settings.raEnergy;
+    now.raFactor = m_settings.raFactor;
+    now.standard = m_standard.file;
+    now.standardBackground = m_settings.standardBackground;
+    now.crystal = m_settings.crystal;
+    now.edgeEnergy = m_settings.edgeEnergy;
+    now.map = m_mapInput;
+    return now;
+}
+
+Difference Measurement::differenceOf(const Result& result) const {
+    return result.run && result.run->state != Run::State::Running
+               ? difference(result.run->inputs, inputs(), result.run->work)
+               : Difference::None;
+}
+
+bool Measurement::isAtWork(Work work) const {
+    switch (work) {
+        case Work::None:
+            return false;
+        case Work::LoadI1:
+            return m_i1.isLoading();
+        case Work::LoadI0:
+            return m_i0.isLoading();
+        case Work::LoadDark:
+            return m_loadsDark;
+        default:
+            return working() == work;
+    }
+}
+
+Outcome Measurement::whyNotStart(Work work) const {
+    if (m_i1.frames().isEmpty()) {
+        return Outcome::failure(tr("no images are loaded"));
+    }
+    if (work == Work::Fit && referenceCount() < 2) {
+        return Outcome::failure(tr("fewer than two reference panels"));
+    }
+    return grid().raster().rows > 0
+               ? Outcome()
+               : Outcome::failure(tr("no point of the area lies inside the image"));
+}
+
+std::unique_ptr<AreaAnalysis> Measurement::makeAnalysis(Work work) {
+    auto run = std::make_shared<Run>();
+    run->work = work;
+    run->inputs = inputs();
+    if (work == Work::Calibrate) {
+        m_newMap = std::make_unique<Result>(ResultId::Shift);
+        return makeCalibration(grid(), run, m_newMap.get(), calibrationEdge(standard()));
+    }
+    if (work == Work::Fit) {
+        m_point = grid();
+        return makeFit(grid(), run, m_references, m_map->image);
+    }
+    return makeResidual(grid(), run, m_residual[0].get(), m_residual[1].get(), m_residual[2].get());
+}
+
+Outcome Measurement::start(Work work) {
+    if (working() != Work::None) {
+        stop();
+        return Outcome::failure(tr("an analysis was running and has been stopped"));
+    }
+    const Outcome whyNot = whyNotStart(work);
+    if (whyNot.failed()) {
+        return whyNot;
+    }
+    const AbsorptionSource& frames = source();
+    m_analysis = makeAnalysis(work);
+    m_eachRow.start();
+    emit changed(AtWork);
+    emit progressed(work, 0.0, 100.0);
+    m_analysis->begin();
+    BinRaster raster = m_analysis->grid().raster();
+    if (m_analysis->valuesPerBin() == 0) {
+        raster.rows = 0;  // no reference is in use: the maps stay empty
+    }
+    m_job.start(frames, raster, m_analysis->valuesPerBin(),
+                m_analysis->evaluators(std::max(1, m_threads), frames));
+    emit changed(Changes(Results) | Display);
+    return {};
+}
+
+void Measurement::rowsTaken(int rows, int) {
+    AnalysisGrid at = m_analysis->grid();
+    at.y = at.raster().y(rows - 1);
+    m_analysis->run()->percent = at.percent();
+    const Work work = working();
+    if (m_settings.showsEachRow) {
+        // Large images of many rows would take far longer to show than to fit.
+        m_eachRow.spend([this] {
+            m_analysis->remakePictures();
+            emit changed(Changes(Results) | Display);
+        });
+    }
+    emit progressed(work, at.percent(), 100.0);
+}
+
+void Measurement::passEnded(bool outOfMemory) {
+    const std::unique_ptr<AreaAnalysis> analysis = std::move(m_analysis);
+    Run& run = *analysis->run();
+    Outcome outcome;
+    Changes what = Changes(AtWork) | Results | Display;
+    if (outOfMemory) {
+        run.state = Run::State::Stopped;
+        analysis->stopped();
+        m_newMap.reset();
+        outcome = Outcome::failure(tr("memory ran out"));
+    } else {
+        analysis->finish();
+        run.state = Run::State::Complete;
+        run.percent = 100.0;
+        outcome = warningsOf(run);
+    }
+    if (m_newMap) {
+        MapInput input;
+        input.calibration = std::make_shared<const Inputs>(run.inputs);
+        input.revision = nextRevision();
+        m_map = std::move(m_newMap);
+        m_mapInput = std::make_shared<const MapInput>(input);
+        m_sample.reset();
+        what |= Changes(Map) | Position;
+    }
+    emit changed(what);
+    emit progressed(run.work, 100.0, 100.0);
+    emit ended(run.work, outcome);
+}
+
+Outcome Measurement::warningsOf(const Run& run) const {
+    if (run.work == Work::Fit) {
+        const auto& references = run.inputs.references;
+        const bool any = std::any_of(references.begin(), references.end(),
+                                     [](const ReferenceInput& r) { return r.takesPart; });
+        return any ? Outcome() : Outcome::failure(tr("no reference is in use"));
+    }
+    if (run.work == Work::Calibrate) {
+        const XafsSpectrum* spectrum = standard();
+        if (spectrum == nullptr || spectrum->isEmpty()) {
+            return Outcome::warning(
+                tr("no standard is loaded: the map holds edge energies, not shifts"));
+        }
+        if (!hasCalibrationEdge(*spectrum)) {
+            return Outcome::warning(tr("the standard has no rising edge to compare with"));
+        }
+    }
+    return {};
+}
+
+void Measurement::stop() {
+    if (!m_analysis) {
+        return;
+    }
+    m_job.stop();
+    const std::unique_ptr<AreaAnalysis> analysis = std::move(m_analysis);
+    Run& run = *analysis->run();
+    run.state = Run::State::Stopped;
+    analysis->stopped();
+    m_newMap.reset();
+    emit changed(Changes(AtWork) | Results | Display);
+    emit progressed(run.work, 100.0, 100.0);
+    emit ended(run.work, Outcome::failure(tr("stopped before its end")));
+}
+
+void Measurement::remakePictures() {
+    if (working() == Work::Fit) {
+        m_analysis->remakePictures();
+    } else {
+        qDebug() << "generate res images" << Reference::KindCount * referenceCount();
+        for (const auto& reference : m_references) {
+            reference->result(Reference::DMut).image.genImg();
+            reference->result(Reference::Ratio).image.genImg();
+        }
+    }
+    emit changed(Changes(Results) | Display);
+}
+
+void Measurement::remakeResidual() {
+    makeResidualRatio(&m_residual[0]->image, &m_residual[1]->image, &m_residual[2]->image);
+    emit changed(Changes(Results) | Display);
+}
+
+void Measurement::recordPoint(const std::vector<int>& references, const std::vector<double>& dMuts,
+                              const std::vector<double>& ratios) {
+    const std::size_t n = std::min({references.size(), dMuts.size(), ratios.size()});
+    for (std::size_t u = 0; working() == Work::None && u < n; ++u) {
+        if (references[u] < 0 || references[u] >= referenceCount()) {
+            continue;
+        }
+        Reference& reference = *m_references[static_cast<std::size_t>(references[u])];
+        reference.result(Reference::DMut)
+            .image.setData(m_point.x, m_point.y, m_point.halfW, m_point.halfH, dMuts[u]);
+        reference.result(Reference::Ratio)
+            .image.setData(m_point.x, m_point.y, m_point.halfW, m_point.halfH, ratios[u]);
+    }
+}
+
+void Measurement::stepPoint() {
+    bool newRow = false;
+    if (working() == Work::None && m_point.step(&newRow) && newRow) {
+        emit progressed(Work::Fit, m_point.percent(), 100.0);
+    }
+}
+
+Outcome Measurement::deglitch(double factor, double ratio) {
+    Result* target = deglitchTarget();
+    if (target == nullptr || !target->image.hasData()) {
+        return Outcome::failure(tr("there is no map to deglitch"));
+    }
+    if (target->run && target->run->state == Run::State::Running) {
+        return Outcome::failure(tr("not while an analysis of the image runs"));
+    }
+    m_settings.deglitchFactor = inField(factor);
+    m_settings.deglitchRatio = inField(ratio);
+    target->image.setDeglitchConds(m_settings.deglitchFactor, m_settings.deglitchRatio);
+    target->image.deglitch();
+    target->image.selectProcImg(true);
+    target->deglitched = {m_settings.deglitchFactor, m_settings.deglitchRatio};
+    emit changed(Changes(Results) | Display | Setting);
+    return {};
+}
+
+Outcome Measurement::showProcessed(bool on) {
+    Result* target = deglitchTarget();
+    if (target == nullptr || !target->image.hasData()) {
+        return Outcome::failure(tr("there is no map on display"));
+    }
+    target->image.selectProcImg(on);
+    emit changed(Changes(Results) | Display);
+    return on && !target->deglitched
+               ? Outcome::warning(tr("nothing has been deglitched: the processed values are 0"))
+               : Outcome();
+}

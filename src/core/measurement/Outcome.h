@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QStringList>
+
+/// How an action ended and what is to be said of it, one line a text: done; done, with a warning
+/// (somebody should look); failed (it did not happen, or not as a whole).
+struct Outcome {
+    QStringList failures;
+    QStringList warnings;
+
+    static Outcome failure(const QString& text) { return {{text}, {}}; }
+    static Outcome warning(const QString& text) { return {{}, {text}}; }
+
+    bool failed() const { return !failures.isEmpty(); }
+    /// Failures first.
+    QStringList texts() const { return failures + warnings; }
+
+    Outcome& operator+=(const Outcome& other) {
+        failures += other.failures;
+        warnings += other.warnings;
+        return *this;
+    }
+};

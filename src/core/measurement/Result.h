@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "fitting/ResultKinds.h"
+#include "maps/Analyzed2DRes.h"
+#include "measurement/Inputs.h"
+
+/// One pass over an area: what it was made from and how far it came. Shared by all its results.
+struct Run {
+    enum class State { Running, Complete, Stopped };
+
+    Work work = Work::None;
+    Inputs inputs;
+    State state = State::Running;
+    double percent = 0.0;  ///< done, when it was stopped
+};
+
+/// A result image with what it was made from.
+struct Result {
+    /// The conditions of the last deglitching.
+    struct Deglitched {
+        double factor;
+        double ratio;
+    };
+
+    explicit Result(ResultId resultId, int referenceIndex = -1)
+        : id(resultId), reference(referenceIndex) {}
+
+    const ResultKind& kind() const { return resultKind(id); }
+    /// The input of the reference that it belongs to; null for a result of none.
+    const ReferenceInput* referenceInput() const;
+
+    ResultId id;
+    int reference;  ///< index; -1: of none
+    Analyzed2DRes image;
+    std::shared_ptr<const Run> run;  ///< null: empty, or a map that was loaded
+    std::optional<Deglitched> deglitched;
+};

@@ -1,0 +1,67 @@
+#include "measurement/RowJob.h"
+
+#include <QElapsedTimer>
+
+#include "absorption/AbsorptionSource.h"
+
+namespace {
+constexpr int TurnMilliseconds = 8;  // then other events have theirs
+}
+
+void RowJob::start(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
+                   std::vector<RasterPass::Evaluate> evaluators) {
+    stop();
+    m_running = true;
+    m_rows = 0;
+    const auto ready = [this, generation = m_generation] { postTakeRows(generation); };
+    if (raster.rows > 0 && raster.columns > 0) {
+        m_pass = std::make_unique<RasterPass>(source, raster, valuesPerBin, std::move(evaluators),
+                                              ready);
+    } else {
+        ready();  // no bin lies inside the image
+    }
+}
+
+void RowJob::postTakeRows(int generation) {
+    QMetaObject::invokeMethod(
+        this, [this, generation] { takeRows(generation); }, Qt::QueuedConnection);
+}
+
+void RowJob::stop() {
+    m_pass.reset();
+    m_running = false;
+    ++m_generation;
+}
+
+void RowJob::takeRows(int generation) {
+    if (generation != m_generation || !m_running) {
+        return;
+    }
+    bool pending = false;
+    QElapsedTimer turn;
+    turn.start();
+    while (m_pass && turn.elapsed() < TurnMilliseconds) {
+        const RasterPass::Row row = m_pass->tryTake(&pending);
+        if (row.values == nullptr) {
+            break;
+        }
+        m_take(row, m_pass->raster());
+        ++m_rows;
+    }
+    const bool outOfTime = m_pass && turn.elapsed() >= TurnMilliseconds;
+    if (m_pass && m_rows > 0) {
+        emit progressed(m_rows, m_pass->raster().rows);
+    }
+    if (generation != m_generation) {
+        return;  // stopped by who was told
+    }
+    if (outOfTime) {
+        postTakeRows(generation);
+    }
+    if (outOfTime || pending) {
+        return;
+    }
+    const bool outOfMemory = m_pass && m_pass->failed();
+    stop();
+    emit finished(outOfMemory);
+}

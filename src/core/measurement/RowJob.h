@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QObject>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "absorption/RasterPass.h"
+
+/// A pass over the bins of an area on several threads whose rows are taken in on the thread of this
+/// object, in order, as they come.
+class RowJob : public QObject {
+    Q_OBJECT
+
+  public:
+    /// Takes a row in; called on this object's thread.
+    using Take = std::function<void(const RasterPass::Row& row, const BinRaster& raster)>;
+
+    explicit RowJob(Take take) : m_take(std::move(take)) {}
+
+    /// Begins; finished() follows, in any case later than this call. What the evaluators and the
+    /// source read stays as it is until then, or until stop().
+    void start(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
+               std::vector<RasterPass::Evaluate> evaluators);
+    /// Ends the threads in mid-work; nothing is emitted any more.
+    void stop();
+    bool isRunning() const { return m_running; }
+
+  signals:
+    /// Some rows have been taken in; that many of all.
+    void progressed(int rows, int of);
+    /// All rows have been taken in, or memory ran out.
+    void finished(bool outOfMemory);
+
+  private:
+    void postTakeRows(int generation);
+    void takeRows(int generation);
+
+    Take m_take;
+    std::unique_ptr<RasterPass> m_pass;
+    bool m_running = false;
+    int m_generation = 0;  // of calls that are still on their way
+    int m_rows = 0;
+};

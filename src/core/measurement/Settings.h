@@ -1,0 +1,92 @@
+#pragma once
+
+#include <QRectF>
+#include <QString>
+
+#include "fitting/LinearFit.h"
+#include "output/ResultWriter.h"
+
+// What a user chooses. Windows show these values and set them; batches and records speak of them.
+
+/// The value that a field shows of a number: six significant digits.
+inline QString fieldText(double value) {
+    return QString::number(value, 'g', 6);
+}
+inline double inField(double value) {
+    return fieldText(value).toDouble();
+}
+
+/// How energies are found in the names of a stack's files.
+struct NamePattern {
+    QString pattern = QStringLiteral("[\\d_]+eV");
+    bool isKeV = false;  ///< unit of the number found; eV otherwise
+
+    double factor() const { return isKeV ? 1000.0 : 1.0; }
+    QString unit() const { return isKeV ? QStringLiteral("keV") : QStringLiteral("eV"); }
+    bool operator==(const NamePattern& o) const { return pattern == o.pattern && isKeV == o.isKeV; }
+};
+
+/// Two corners in pixels, in any order, the larger ones not included; all zero: the whole image.
+struct Area {
+    int x0 = 0;
+    int y0 = 0;
+    int x1 = 0;
+    int y1 = 0;
+
+    bool isWhole() const { return x0 == 0 && y0 == 0 && x1 == 0 && y1 == 0; }
+    /// The part of the area that lies inside the image, empty for none.
+    QRectF within(int width, int height) const;
+    bool operator==(const Area& o) const {
+        return x0 == o.x0 && y0 == o.y0 && x1 == o.x1 && y1 == o.y1;
+    }
+};
+
+/// The range of counts from black to white; each frame's own while it is not fixed.
+struct ViewRange {
+    bool fixed = false;
+    double low = 0.0;
+    double high = 1.0;
+
+    bool operator==(const ViewRange& o) const {
+        return fixed == o.fixed && low == o.low && high == o.high;
+    }
+};
+
+/// What is on display; the ids of select_disp_image.
+enum class Shown { I1 = 0, I0 = 1, Map = 2, Result = 3 };
+
+struct Settings {
+    NamePattern names[2];  ///< by StackId
+    int halfWidth = 10;    ///< of a bin, in pixels; counts by magnitude
+    int halfHeight = 10;
+    Area area;
+
+    int standardBackground = 0;  ///< XafsSpectrum::Background
+    int targetBackground = 0;
+    int crystal = 0;     ///< in CrystalTable
+    QString edgeEnergy;  ///< eV, as typed
+
+    LinearFit::Method method = LinearFit::Lcf;
+    double raEnergy = 8200.0;  ///< eV
+    double raFactor = 1.0;
+
+    bool fixedScale = false;
+    double dMutMin = 0.0;
+    double dMutMax = 1.0;
+    double ratioMin = 0.0;
+    double ratioMax = 1.0;
+
+    double deglitchFactor = 2.0;
+    double deglitchRatio = 0.1;
+
+    bool savesTiff = true;
+    TiffOptions tiff;
+    TableOptions table;
+    bool correctedSpectra = true;  ///< energies of saved spectra less the energy correction
+
+    Shown shown = Shown::I1;
+    int selected = -1;   ///< the result chosen: references, then the three of RA; -1: none
+    int resultType = 0;  ///< of a reference: 0 DMut, 1 Ratio
+    ViewRange viewRange;
+    bool showsEachRow = false;  ///< pictures of a fit are made anew after each row
+};
