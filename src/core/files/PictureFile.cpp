@@ -42,7 +42,11 @@ bool writePdf(const QString& fileName, const QSize& size,
 
 }  // namespace
 
-bool writePicture(const QString& fileName, const QImage& picture) {
+QString originChunkKey() {
+    return QStringLiteral("Tarnwick origin");
+}
+
+bool writePicture(const QString& fileName, const QImage& picture, const QString& origin) {
     const QByteArray format = suffixOf(fileName);
     if (picture.isNull() || !QImageWriter::supportedImageFormats().contains(format)) {
         return false;
@@ -51,8 +55,12 @@ bool writePicture(const QString& fileName, const QImage& picture) {
     if (!file.open(QIODevice::WriteOnly)) {
         return false;
     }
+    QImage withText = picture;
+    if (!origin.isEmpty() && format == "png") {
+        withText.setText(originChunkKey(), origin);  // the writer's setText() folds line ends
+    }
     QImageWriter writer(&file, format);
-    return writer.write(picture) && putInPlace(file);
+    return writer.write(withText) && putInPlace(file);
 }
 
 bool writeDrawing(const QString& fileName, const QSize& size,

@@ -13,8 +13,12 @@ class QSaveFile;
 // was.
 
 /// Writes @p picture in the format that the suffix names, with default quality. Nothing is written
-/// for an empty picture, without a suffix or with a suffix that no picture format has.
-bool writePicture(const QString& fileName, const QImage& picture);
+/// for an empty picture, without a suffix or with a suffix that no picture format has. A PNG file
+/// carries the text of the picture's origin, if it has one, in a chunk; the pixels are the same.
+bool writePicture(const QString& fileName, const QImage& picture, const QString& origin = {});
+
+/// The key of that chunk.
+QString originChunkKey();
 
 /// Writes what @p paint paints on a canvas of @p size screen pixels: with the suffix "pdf" as lines
 /// and text on a page of that size, otherwise as a picture of three times as many pixels.

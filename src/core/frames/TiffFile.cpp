@@ -144,7 +144,7 @@ class PlainReader {
     std::vector<Run> m_runs;
 };
 
-bool setTags(TIFF* tiff, quint32 width, int height) {
+bool setTags(TIFF* tiff, quint32 width, int height, const QByteArray& description) {
     return TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width) == 1 &&
            TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height) == 1 &&
            TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE) == 1 &&
@@ -153,7 +153,9 @@ bool setTags(TIFF* tiff, quint32 width, int height) {
            TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1) == 1 &&
            TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 16) == 1 &&
            TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == 1 &&
-           TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) == 1;
+           TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) == 1 &&
+           (description.isEmpty() ||
+            TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, description.constData()) == 1);
 }
 
 bool writeStrips(TIFF* tiff, int height, const quint16* data, quint64 dataCount) {
@@ -209,15 +211,15 @@ bool replace(const QByteArray& part, const QByteArray& path) {
 
 /// Writes beside the file and then takes its place, so that a failure leaves the old one whole.
 bool writeFile(const QString& name, quint32 width, int height, const quint16* data,
-               quint64 dataCount) {
+               quint64 dataCount, const QByteArray& description = {}) {
     for (const QByteArray& path : pathsOf(behindLinks(name))) {
         const QByteArray part = path + ".part";
         TiffHandle tiff(TIFFOpen(part.constData(), "w"));
         if (!tiff) {
             continue;
         }
-        const bool written =
-            setTags(tiff.get(), width, height) && writeStrips(tiff.get(), height, data, dataCount);
+        const bool written = setTags(tiff.get(), width, height, description) &&
+                             writeStrips(tiff.get(), height, data, dataCount);
         tiff.reset();
         const bool withoutPixels = width == 0 || height <= 0;
         if ((written || withoutPixels) && replace(part, path)) {
@@ -296,8 +298,17 @@ bool TiffData::readTiff(const QString& name) {
     return true;
 }
 
-bool writeTiff(const QString& name, quint32 width, int height, const quint16* data) {
-    return writeFile(name, width, height, data, static_cast<quint64>(std::max(0, height)) * width);
+bool writeTiff(const QString& name, quint32 width, int height, const quint16* data,
+               const QString& origin) {
+    return writeFile(name, width, height, data, static_cast<quint64>(std::max(0, height)) * width,
+                     origin.toUtf8());
+}
+
+QString tiffDescription(const QString& name) {
+    const TiffHandle tiff = openTiff(name, "rm");
+    const char* text = nullptr;
+    const bool found = tiff && TIFFGetField(tiff.get(), TIFFTAG_IMAGEDESCRIPTION, &text) == 1;
+    return found ? QString::fromUtf8(text) : QString();
 }
 
 bool writeConstTiff(const QString& name, quint32 width, quint32 height, quint16 value) {

@@ -11,7 +11,15 @@
 ///
 /// The file appears whole or not at all; false on failure. A width or height of 0 is a failure
 /// after which the file exists all the same, without pixels.
-bool writeTiff(const QString& name, quint32 width, int height, const quint16* data);
+///
+/// A text of the image's origin becomes the file's description (ImageDescription, in UTF-8);
+/// without one the file has none.
+bool writeTiff(const QString& name, quint32 width, int height, const quint16* data,
+               const QString& origin = {});
+
+/// The description in a TIFF file, of which no pixel is read; empty where there is none, or where
+/// the file cannot be opened as TIFF.
+QString tiffDescription(const QString& name);
 
 /// A frame whose every pixel holds the value, also when taller than wide.
 bool writeConstTiff(const QString& name, quint32 width, quint32 height, quint16 value);

@@ -53,6 +53,20 @@ QByteArray headerText(QVector<HeaderLine> lines, const Analyzed2DRes& result) {
     return text.toUtf8();
 }
 
+QByteArray asComments(const QString& text) {
+    QString comments;
+    QStringList lines = text.split(QLatin1Char('\n'));
+    if (lines.last().isEmpty()) {
+        lines.removeLast();
+    }
+    for (const QString& line : qAsConst(lines)) {
+        comments += QLatin1Char('#');
+        comments += line.isEmpty() ? line : QLatin1Char(' ') + line;
+        comments += QLatin1Char('\n');
+    }
+    return comments.toUtf8();
+}
+
 /// The columns or rows that a table visits: count positions from first, step apart.
 struct Raster {
     qint64 first = 0;
@@ -81,7 +95,8 @@ QByteArray rowText(const Analyzed2DRes& result, qint64 y, const Raster& columns,
 
 }  // namespace
 
-bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffOptions& options) {
+bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffOptions& options,
+                     const QString& origin) {
     const std::unique_ptr<quint16[]> counts(result.tiffDataForSave(
         options.fixedScale, options.scaleMin, options.scaleMax, options.asAnalyzed));
     if (!counts) {
@@ -90,11 +105,13 @@ bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffO
     const AnalysisGrid& grid = result.grid();
     const qint64 width = options.asAnalyzed ? grid.columns() : grid.width;
     const qint64 height = options.asAnalyzed ? grid.rows() : grid.height;
-    return writeTiff(fileName, quint32(width), int(height), counts.get()) && noteSaved(fileName);
+    return writeTiff(fileName, quint32(width), int(height), counts.get(), origin) &&
+           noteSaved(fileName);
 }
 
 bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
-                      const TableOptions& options, const QVector<HeaderLine>& header) {
+                      const TableOptions& options, const QVector<HeaderLine>& header,
+                      const QString& origin) {
     if (!result.hasData()) {
         return false;
     }
@@ -111,6 +128,7 @@ bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
         return false;
     }
     file.write(headerText(header, result));
+    file.write(asComments(origin));
     for (qint64 i = 0; i < rows.count; ++i) {
         file.write(rowText(result, rows.position(i), columns, options));
     }

@@ -37,12 +37,15 @@ struct HeaderLine {
 
 /// Writes the shown values of @p result (processed ones while it shows them) as a 16-bit TIFF of
 /// the image's size, or of grid columns x grid rows when as analysed. A result without values
-/// writes nothing.
-bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffOptions& options);
+/// writes nothing. The text of its @p origin goes into the file's description.
+bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffOptions& options,
+                     const QString& origin = {});
 
 /// Writes the shown values of @p result as a text table in UTF-8: the @p header lines, then the
 /// geometry and the range of the values, also as "# name = value", then the data with nine
 /// significant digits, a dot as decimal sign and "nan" where there is no number. Whatever the fixed
-/// scale, the values are written as they are. A result without values writes nothing.
+/// scale, the values are written as they are. A result without values writes nothing. The lines of
+/// the @p origin, each after "# " (an empty one: "#"), stand between head and data.
 bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
-                      const TableOptions& options, const QVector<HeaderLine>& header);
+                      const TableOptions& options, const QVector<HeaderLine>& header,
+                      const QString& origin = {});

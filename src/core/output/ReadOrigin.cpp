@@ -1,0 +1,71 @@
+#include "output/ReadOrigin.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include "files/PictureFile.h"
+#include "files/PictureText.h"
+#include "frames/TiffFile.h"
+
+namespace {
+
+/// The lines of a table from where its origin begins up to its values, without their "#". A table
+/// that ends before its values has lost lines of its origin, so that none of it counts.
+QString textInTable(QFile& file) {
+    QString text;
+    qint64 left = OriginText::mostBytes;
+    while (left > 1 && !file.atEnd()) {
+        const QByteArray raw = file.readLine(left);
+        if (!raw.startsWith('#')) {
+            return text;
+        }
+        left -= raw.size();
+        const QString line = QString::fromUtf8(raw.mid(raw.startsWith("# ") ? 2 : 1));
+        if (!text.isEmpty() || OriginText::beginsIn(line)) {
+            text += line;
+        }
+    }
+    return QString();
+}
+
+bool isTiff(const QByteArray& start) {
+    return start.startsWith("II\x2a") || start.startsWith("II\x2b") ||
+           start.startsWith(QByteArray("MM\0\x2a", 4)) ||
+           start.startsWith(QByteArray("MM\0\x2b", 4));
+}
+
+QString textIn(QFile& file) {
+    const QByteArray start = file.peek(8);
+    if (isTiff(start)) {
+        return tiffDescription(file.fileName());
+    }
+    if (start == "\x89PNG\r\n\x1a\n") {
+        return pngText(file, originChunkKey());
+    }
+    return start.startsWith('#') ? textInTable(file) : QString();
+}
+
+}  // namespace
+
+std::optional<OriginText> readOrigin(const QString& fileName, QString* whyNot) {
+    QFile file(fileName);
+    const QFileInfo info(fileName);
+    QString problem;
+    std::optional<OriginText> origin;
+    if (!info.exists()) {
+        // A TIFF file may have its name in Latin-1, whatever the system's encoding.
+        const QString text = tiffDescription(fileName);
+        problem = QStringLiteral("there is no such file");
+        origin = text.isEmpty() ? std::nullopt : OriginText::fromText(text, &problem);
+    } else if (!info.isFile()) {  // reading a pipe might never end
+        problem = QStringLiteral("not a file");
+    } else if (!file.open(QIODevice::ReadOnly)) {
+        problem = file.errorString();
+    } else {
+        origin = OriginText::fromText(textIn(file), &problem);
+    }
+    if (whyNot && !origin) {
+        *whyNot = problem;
+    }
+    return origin;
+}
