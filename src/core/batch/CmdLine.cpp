@@ -8,10 +8,10 @@ CmdLine CmdLine::parse(const QString& line) {
     if (line.isEmpty()) {
         return parsed;
     }
-    QString rest = takeItem(line, &parsed.command);
-    while (!rest.isEmpty()) {
-        QString item;
-        rest = takeItem(rest, &item);
+    int place = 0;
+    parsed.command = takeItemAt(line, &place);
+    while (place < line.size()) {
+        const QString item = takeItemAt(line, &place);
         if (!item.isEmpty()) {
             parsed.args.append(item);
         }

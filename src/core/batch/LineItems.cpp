@@ -1,33 +1,41 @@
 #include "batch/LineItems.h"
 
 #include <QDebug>
-#include <QRegularExpression>
 
 namespace {
 
 const QChar Quote = QLatin1Char('"');
 
-int firstNonBlank(const QString& line) {
-    static const QRegularExpression nonBlank(QStringLiteral("\\S"));
-    return line.indexOf(nonBlank);
+// White space of ASCII only: any other is part of an item.
+bool separates(QChar c) {
+    return c == QLatin1Char(' ') || (c >= QLatin1Char('\t') && c <= QLatin1Char('\r'));
+}
+
+int firstNonBlank(const QString& line, int from) {
+    while (from < line.size() && separates(line.at(from))) {
+        ++from;
+    }
+    return from;
 }
 
 int firstBlank(const QString& line, int from) {
-    static const QRegularExpression blank(QStringLiteral("\\s"));
-    return line.indexOf(blank, from);
+    while (from < line.size() && !separates(line.at(from))) {
+        ++from;
+    }
+    return from;
 }
 
-QString takeQuoted(const QString& line, int from, QString* item) {
+QString takeQuoted(const QString& line, int from, int* place) {
     const int end = line.indexOf(Quote, from);
     if (end < 0) {
         qDebug().noquote()
             << QStringLiteral("In a line [%1] item is started from quote but not ended by quote")
-                   .arg(line);
-        *item = line.mid(from);
-        return QString();
+                   .arg(line.mid(*place));
+        *place = line.size();
+        return line.mid(from);
     }
-    *item = line.mid(from, end - from);
-    return line.mid(end + 1);
+    *place = end + 1;
+    return line.mid(from, end - from);
 }
 
 }  // namespace
@@ -42,8 +50,10 @@ bool isBlank(const QString& line) {
 }
 
 bool hasContinuation(QString& line) {
-    static const QRegularExpression nonBlank(QStringLiteral("\\S"));
-    const int last = line.lastIndexOf(nonBlank);
+    int last = line.size() - 1;
+    while (last >= 0 && separates(line.at(last))) {
+        --last;
+    }
     if (last < 0 || line.at(last) != QLatin1Char('\\')) {
         return false;
     }
@@ -57,26 +67,27 @@ QString withoutContinuation(const QString& line) {
     return cut;
 }
 
-QString takeItem(const QString& line, QString* item) {
-    const int start = firstNonBlank(line);
-    if (start < 0) {
-        item->clear();
+QString takeItemAt(const QString& line, int* place) {
+    const int start = firstNonBlank(line, *place);
+    if (start == line.size()) {
+        *place = start;
         return QString();
     }
     if (line.at(start) == Quote) {
-        return takeQuoted(line, start + 1, item);
+        return takeQuoted(line, start + 1, place);
     }
     const int end = firstBlank(line, start);
-    if (end < 0) {
-        if (line.endsWith(Quote)) {
-            qDebug().noquote()
-                << QStringLiteral(
-                       "In a line [%1] item is started from not quote but ended by quote")
-                       .arg(line);
-        }
-        *item = line.mid(start);
-        return QString();
+    if (end == line.size() && line.endsWith(Quote)) {
+        qDebug().noquote()
+            << QStringLiteral("In a line [%1] item is started from not quote but ended by quote")
+                   .arg(line.mid(*place));
     }
-    *item = line.mid(start, end - start);
-    return line.mid(end);
+    *place = end;
+    return line.mid(start, end - start);
+}
+
+QString takeItem(const QString& line, QString* item) {
+    int place = 0;
+    *item = takeItemAt(line, &place);
+    return line.mid(place);
 }
