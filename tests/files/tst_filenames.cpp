@@ -29,6 +29,36 @@ class TestFileNames : public QObject {
         QTEST(taggedName(base, QStringLiteral("1-0")), "tagged");
         QTEST(withSuffix(base, QStringLiteral("tif")), "suffixed");
     }
+
+    void folders_data() {
+        QTest::addColumn<QStringList>("files");
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<QStringList>("seen");
+        using L = QStringList;
+        const QString here = QDir::currentPath();
+        QTest::newRow("none") << L{} << "" << L{};
+        QTest::newRow("one") << L{"/d/e/a.tif"} << "/d/e" << L{"a.tif"};
+        QTest::newRow("beside") << L{"/d/i0/a", "/d/i1/a"} << "/d" << L{"i0/a", "i1/a"};
+        QTest::newRow("below") << L{"/d/a", "/d/i1/a"} << "/d" << L{"a", "i1/a"};
+        QTest::newRow("alike") << L{"/d/run1/a", "/d/run10/a"} << "/d" << L{"run1/a", "run10/a"};
+        QTest::newRow("root") << L{"/d/a", "/e/a"} << "/" << L{"d/a", "e/a"};
+        QTest::newRow("in the root") << L{"/a", "/e/a"} << "/" << L{"a", "e/a"};
+        QTest::newRow("not clean") << L{"/d/./x/../a", "/d//b"} << "/d" << L{"a", "b"};
+        QTest::newRow("relative") << L{"a", "b/c"} << here << L{"a", "b/c"};
+        QTest::newRow("colon") << L{"/d/:a"} << "/d" << L{"./:a"};
+    }
+
+    void folders() {
+        QFETCH(QStringList, files);
+        const QString folder = deepestFolder(files);
+        QTEST(folder, "folder");
+        QStringList seen;
+        for (const QString& file : files) {
+            seen << relativeTo(folder, file);
+        }
+        QTEST(seen, "seen");
+        QCOMPARE(relativeTo("/d/e", "/d/f g/a"), QString("../f g/a"));
+    }
 };
 
 TARNWICK_TEST_MAIN(QCoreApplication, TestFileNames)

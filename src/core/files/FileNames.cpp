@@ -23,3 +23,31 @@ QString withSuffix(const QString& base, const QString& defaultSuffix) {
     const QString suffix = info.suffix().isEmpty() ? defaultSuffix : info.suffix();
     return besideBase(info, info.completeBaseName() + QLatin1Char('.') + suffix);
 }
+
+QString deepestFolder(const QStringList& files) {
+    QStringList common;
+    bool first = true;
+    for (const QString& file : files) {
+        const QString folder = QDir::cleanPath(QFileInfo(file).absolutePath());
+        // The root ends in the slash that stands between the others: "/" has one empty part.
+        const QStringList parts =
+            (folder.endsWith(QLatin1Char('/')) ? folder.chopped(1) : folder).split('/');
+        if (first) {
+            common = parts;
+        }
+        int same = 0;
+        while (same < qMin(common.size(), parts.size()) && common.at(same) == parts.at(same)) {
+            ++same;
+        }
+        common = common.mid(0, same);
+        first = false;
+    }
+    const bool isRoot = common.size() == 1;
+    return common.join(QLatin1Char('/')) + (isRoot ? QStringLiteral("/") : QString());
+}
+
+QString relativeTo(const QString& folder, const QString& file) {
+    const QString name = QDir(folder).relativeFilePath(QFileInfo(file).absoluteFilePath());
+    // A name that begins with a colon stands for a resource of the program.
+    return name.startsWith(QLatin1Char(':')) ? QStringLiteral("./") + name : name;
+}

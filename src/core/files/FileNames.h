@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 /// The name of one file out of several that are saved together: directory of @p base (made
 /// absolute), its complete base name, "-", @p tag, "." and its suffix. "/d/res.png" with tag "1-0"
@@ -10,3 +11,11 @@ QString taggedName(const QString& base, const QString& tag);
 /// @p base (made absolute) with @p defaultSuffix, given without its dot, if it has no suffix of its
 /// own; otherwise its own suffix stays.
 QString withSuffix(const QString& base, const QString& defaultSuffix);
+
+/// The deepest folder that holds all of the files, absolute and cleaned; empty without a file, or
+/// where they have none in common.
+QString deepestFolder(const QStringList& files);
+
+/// The name of @p file seen from @p folder, with "../" where it lies outside and '/' between the
+/// parts; opened in that folder it is that file.
+QString relativeTo(const QString& folder, const QString& file);

@@ -14,7 +14,8 @@ class QSaveFile;
 
 /// Writes @p picture in the format that the suffix names, with default quality. Nothing is written
 /// for an empty picture, without a suffix or with a suffix that no picture format has. A PNG file
-/// carries the text of the picture's origin, if it has one, in a chunk; the pixels are the same.
+/// carries the text of the picture's origin, if it has one, in a chunk (readers refuse one of more
+/// than 8 million bytes); the pixels are the same.
 bool writePicture(const QString& fileName, const QImage& picture, const QString& origin = {});
 
 /// The key of that chunk.
