@@ -120,7 +120,7 @@ class DryRun {
                 return;
             }
         }
-        m_commands.check(line.command, cmd);
+        m_commands.check(*commandRow(line.command), cmd);
     }
 
     const QVector<CheckedLine>& m_lines;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "batch/CmdLine.h"
+#include "measurement/Inputs.h"
 
 /// Keeps the promise that paces a batch: every line is answered exactly once, when its work is
 /// done, and nothing else answers while a batch runs.
@@ -12,8 +13,6 @@
 /// lines under way for the rest of the batch.
 class BatchPacing {
   public:
-    enum class Work { None, LoadI1, LoadI0, Lcf };
-
     /// A batch was asked for; lines that are still on their way belong to the batch before it.
     void batchRequested() {
         m_active = true;

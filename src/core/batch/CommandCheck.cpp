@@ -6,8 +6,17 @@
 #include <cmath>
 
 #include "batch/FileProblems.h"
+#include "spectra/Units.h"
 
 namespace {
+
+QStringList crystalNames() {
+    QStringList names;
+    for (const Crystal& crystal : CrystalTable) {
+        names << QString::fromLatin1(crystal.name);
+    }
+    return names;
+}
 
 QString absolute(const QString& name) {
     return QDir::cleanPath(QFileInfo(name).absoluteFilePath());
@@ -15,72 +24,14 @@ QString absolute(const QString& name) {
 
 }  // namespace
 
-void CommandCheck::check(int commandId, const CmdLine& cmd) {
-    const CommandRow& row = commandTable()[static_cast<std::size_t>(commandId)];
+void CommandCheck::check(const CommandRow& row, const CmdLine& cmd) {
     const int kinds = static_cast<int>(row.args.size());
     const int count = row.repeats ? cmd.args.size() : std::min(cmd.args.size(), kinds);
     for (int i = 0; i < count; ++i) {
         checkArgument(row.args[static_cast<std::size_t>(std::min(i, kinds - 1))], cmd.args.at(i));
     }
-    switch (commandId) {
-        case ClearI1Files:
-            m_hasI1 = false;
-            break;
-        case ClearI0Files:
-            m_hasI0 = false;
-            break;
-        case LoadI1FilesOfPattern:
-        case LoadI0FilesOfPattern:
-            checkListing(cmd);
-            (commandId == LoadI1FilesOfPattern ? m_hasI1 : m_hasI0) = true;
-            break;
-        case LoadI1Files:
-        case LoadI0Files:
-            checkFrameNames(cmd.args.mid(1));
-            (commandId == LoadI1Files ? m_hasI1 : m_hasI0) = true;
-            break;
-        case SelectDispImage:
-            checkRange(cmd, 0, 3);
-            break;
-        case SaveImage:
-        case SaveAllImages:
-            error(pictureProblem(cmd.arg(0)));
-            break;
-        case SaveDataAsTiff:
-            for (const char* suffix : {".tif", ".dat"}) {  // added where there is none
-                m_written.insert(absolute(cmd.arg(0) + QLatin1String(suffix)));
-            }
-            break;
-        case MovePosition:
-            m_moved = true;
-            break;
-        case SelectRegion:
-            checkRegion(cmd);
-            break;
-        case SaveSpectra:
-            if (!m_moved) {
-                warn(QStringLiteral("there is no spectrum to save: no move_position before"));
-            }
-            break;
-        case AnalyzerSetLcfStd:
-            checkReference(cmd);
-            break;
-        case AnalyzerSelectImage:
-            checkRange(cmd, 0, m_references.size() + 2);
-            break;
-        case AnalyzerSelectImageType:
-            checkRange(cmd, 0, 1);
-            break;
-        case CalibLoadStd:
-            m_hasStandard = !cmd.arg(0).isEmpty();
-            break;
-        case AnalyzerExecLcf:
-        case AnalyzerExecRa:
-        case CalibExec:
-            checkAnalysis(commandId);
-            break;
-        default:
-            break;
+    if (row.check != nullptr) {
+        row.check(*this, cmd);
     }
 }
 
@@ -123,11 +74,29 @@ void CommandCheck::checkArgument(ArgKind kind, const QString& text) {
         case ArgKind::OutFile:
             checkOutput(text);
             break;
+        case ArgKind::Stack:
+            checkWord(text, {QStringLiteral("I1"), QStringLiteral("I0")});
+            break;
+        case ArgKind::Unit:
+            checkWord(text, {QStringLiteral("eV"), QStringLiteral("keV")});
+            break;
+        case ArgKind::Background:
+            checkWord(text, {backgroundWord(0), backgroundWord(1)});
+            break;
+        case ArgKind::Crystal:
+            checkWord(text, crystalNames());
+            break;
         case ArgKind::Text:
         case ArgKind::Directory:
         case ArgKind::Pattern:
         case ArgKind::VictreenWord:
             break;
+    }
+}
+
+void CommandCheck::checkWord(const QString& text, const QStringList& words) {
+    if (!words.contains(text, Qt::CaseInsensitive)) {
+        error(QStringLiteral("'%1' is none of %2").arg(text, words.join(QStringLiteral(", "))));
     }
 }
 
@@ -164,25 +133,68 @@ void CommandCheck::checkOutput(const QString& name) {
     m_writtenTo.insert(QFileInfo(file).path());
 }
 
-void CommandCheck::checkListing(const CmdLine& cmd) {
-    const QString dir = cmd.arg(1);
+void CommandCheck::checkFolder(const QString& dir, const QStringList& patterns,
+                               bool needsEnergies) {
     if (dir.isEmpty() || m_writtenTo.contains(absolute(dir))) {
         return;
     }
-    const QStringList patterns = cmd.args.mid(2);
     const QString key = dir + QLatin1Char('\n') + patterns.join(QLatin1Char('\n'));
     auto known = m_known.find(key);
     if (known == m_known.end()) {
         known = m_known.insert(key, listingProblem(dir, patterns));
-        warn(energyProblem(dir, patterns));
+        if (needsEnergies) {
+            warn(energyProblem(dir, patterns));
+        }
     }
     error(*known);
 }
 
-void CommandCheck::checkFrameNames(const QStringList& files) {
-    for (const QString& file : files) {
+void CommandCheck::checkListing(StackId stack, const CmdLine& cmd) {
+    checkFolder(cmd.arg(1), cmd.args.mid(2), true);
+    setLoaded(stack, true);
+}
+
+void CommandCheck::checkDarkListing(const CmdLine& cmd) {
+    checkFolder(cmd.arg(0), cmd.args.mid(1), false);
+}
+
+void CommandCheck::checkFrames(StackId stack, const CmdLine& cmd) {
+    for (const QString& file : cmd.args.mid(1)) {
         warn(energyProblem(file));
     }
+    setLoaded(stack, true);
+}
+
+void CommandCheck::checkLoadNew(const CmdLine& cmd) {
+    const bool isI1 = cmd.arg(0).compare(QLatin1String("I1"), Qt::CaseInsensitive) == 0;
+    if (!m_loaded[isI1 ? 1 : 0]) {
+        error(QStringLiteral("no %1 files are loaded beside which to look for new ones")
+                  .arg(isI1 ? QStringLiteral("I1") : QStringLiteral("I0")));
+    }
+}
+
+void CommandCheck::checkPicture(const CmdLine& cmd) {
+    error(pictureProblem(cmd.arg(0)));
+}
+
+void CommandCheck::noteData(const CmdLine& cmd) {
+    for (const char* suffix : {".tif", ".dat"}) {  // added where there is none
+        m_written.insert(absolute(cmd.arg(0) + QLatin1String(suffix)));
+    }
+}
+
+void CommandCheck::checkMoved() {
+    if (!m_moved) {
+        warn(QStringLiteral("there is no spectrum to save: no move_position before"));
+    }
+}
+
+void CommandCheck::noteTargetBackground(const CmdLine& cmd) {
+    m_targetBackground = std::max(0, backgroundOfWord(cmd.arg(0)));
+}
+
+void CommandCheck::checkResult(const CmdLine& cmd) {
+    checkRange(cmd, 0, m_references.size() + 2);
 }
 
 void CommandCheck::checkReference(const CmdLine& cmd) {
@@ -203,7 +215,8 @@ void CommandCheck::checkReference(const CmdLine& cmd) {
         m_references[index] = use;
     }
     const QString word = cmd.arg(4).toUpper();
-    if (use && (word.isEmpty() || word == QLatin1String("VIC") || word.toInt() > 0)) {
+    const bool isVictreen = word.isEmpty() || word == QLatin1String("VIC") || word.toInt() > 0;
+    if (use && isVictreen && m_targetBackground == 0) {
         warn(QStringLiteral("reference %1 is normalised with Victreen curves, the image with "
                             "straight lines: end the line with 0 for straight lines")
                  .arg(index));
@@ -234,18 +247,18 @@ void CommandCheck::checkRegion(const CmdLine& cmd) {
     }
 }
 
-void CommandCheck::checkAnalysis(int commandId) {
+void CommandCheck::checkAnalysis(Work work) {
     QStringList missing;
-    if (!m_hasI1) {
+    if (!m_loaded[1]) {
         missing.append(QStringLiteral("no I1 files are loaded"));
     }
-    if (!m_hasI0) {
+    if (!m_loaded[0]) {
         missing.append(QStringLiteral("no I0 files are loaded"));
     }
-    if (commandId == CalibExec && !m_hasStandard) {
+    if (work == Work::Calibrate && !m_hasStandard) {
         missing.append(QStringLiteral("no standard is loaded (calib_load_std)"));
     }
-    if (commandId == AnalyzerExecLcf) {
+    if (work == Work::Fit) {
         const int used = m_references.count(true);
         if (m_references.size() < 2) {
             missing.append(

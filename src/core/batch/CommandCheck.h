@@ -21,7 +21,27 @@ class CommandCheck {
     explicit CommandCheck(Report report) : m_report(std::move(report)) {}
 
     /// Checks one command, loop variables filled in, after all commands before it.
-    void check(int commandId, const CmdLine& cmd);
+    void check(const CommandRow& row, const CmdLine& cmd);
+
+    // What the rows of the commands ask for.
+    void setLoaded(StackId stack, bool loaded) { m_loaded[static_cast<int>(stack)] = loaded; }
+    void checkFrames(StackId stack, const CmdLine& cmd);
+    void checkListing(StackId stack, const CmdLine& cmd);
+    void checkDarkListing(const CmdLine& cmd);
+    void checkLoadNew(const CmdLine& cmd);
+    void checkRange(const CmdLine& cmd, int low, int high);
+    void checkRegion(const CmdLine& cmd);
+    void setMoved() { m_moved = true; }
+    void checkMoved();
+    void checkPicture(const CmdLine& cmd);
+    /// Files that are written under the name with a suffix, where it has none.
+    void noteData(const CmdLine& cmd);
+    void addReference() { m_references.append(false); }
+    void checkReference(const CmdLine& cmd);
+    void checkResult(const CmdLine& cmd);
+    void checkAnalysis(Work work);
+    void noteStandard(const CmdLine& cmd) { m_hasStandard = !cmd.arg(0).isEmpty(); }
+    void noteTargetBackground(const CmdLine& cmd);
 
   private:
     // An empty text is no finding.
@@ -29,23 +49,19 @@ class CommandCheck {
     void warn(const QString& text);
 
     void checkArgument(ArgKind kind, const QString& text);
+    void checkWord(const QString& text, const QStringList& words);
     void checkMode(const QString& word);
     void checkInput(const QString& name);
     void checkOutput(const QString& name);
-    void checkListing(const CmdLine& cmd);
-    void checkFrameNames(const QStringList& files);
-    void checkReference(const CmdLine& cmd);
-    void checkRange(const CmdLine& cmd, int low, int high);
-    void checkAnalysis(int commandId);
-    void checkRegion(const CmdLine& cmd);
+    void checkFolder(const QString& dir, const QStringList& patterns, bool needsEnergies);
 
     Report m_report;
-    QHash<QString, QString> m_known;  // problems found before, by file or listing
-    QSet<QString> m_written;          // absolute names of files that the batch writes
-    QSet<QString> m_writtenTo;        // and the directories they are in
-    bool m_hasI1 = false;
-    bool m_hasI0 = false;
+    QHash<QString, QString> m_known;    // problems found before, by file or listing
+    QSet<QString> m_written;            // absolute names of files that the batch writes
+    QSet<QString> m_writtenTo;          // and the directories they are in
+    bool m_loaded[2] = {false, false};  // by StackId
     bool m_hasStandard = false;
     bool m_moved = false;
+    int m_targetBackground = 0;
     QVector<bool> m_references;  // whether they are in use
 };

@@ -1,6 +1,10 @@
 #include "batch/CommandTables.h"
 
+#include <algorithm>
+
 #include <utility>
+
+#include "batch/CommandRows.h"
 
 namespace {
 
@@ -11,79 +15,14 @@ struct Tables {
 };
 
 std::vector<CommandRow> commandRows() {
-    using K = ArgKind;
-    constexpr Finish now = Finish::AtOnce;
-    return {
-        {ClearI1Files, "clear_I1_files", {}, 0, false, now},
-        {ClearI0Files, "clear_I0_files", {}, 0, false, now},
-        {LoadI1Files, "load_I1_files", {K::Mode, K::InFile}, 2, true, Finish::WhenLoaded},
-        {LoadI0Files, "load_I0_files", {K::Mode, K::InFile}, 2, true, Finish::WhenLoaded},
-        {LoadI1FilesOfPattern,
-         "load_I1_files_of_pattern",
-         {K::Mode, K::Directory, K::Pattern},
-         2,
-         true,
-         Finish::WhenLoaded},
-        {LoadI0FilesOfPattern,
-         "load_I0_files_of_pattern",
-         {K::Mode, K::Directory, K::Pattern},
-         2,
-         true,
-         Finish::WhenLoaded},
-        {SetBandW, "set_band_w", {K::Integer}, 1, false, now},
-        {SetBandH, "set_band_h", {K::Integer}, 1, false, now},
-        {SelectDispImage, "select_disp_image", {K::Integer}, 1, false, now},
-        {SaveImage, "save_image", {K::OutFile}, 1, false, now},
-        {SaveAllImages, "save_all_images", {K::OutFile}, 1, false, now},
-        {SaveDataAsTiff, "save_data_as_tiff", {K::OutFile}, 1, false, now},
-        {MovePosition, "move_position", {K::Integer, K::Integer}, 2, false, now},
-        {SelectRegion,
-         "select_region",
-         {K::Integer, K::Integer, K::Integer, K::Integer},
-         4,
-         false,
-         now},
-        {SaveSpectra, "save_spectra", {K::OutFile}, 1, false, now},
-        {AnalyzerShowWindow, "analyzer_show_window", {}, 0, false, now},
-        {AnalyzerSetLcfStd,
-         "analyzer_set_LCF_std",
-         {K::Integer, K::Flag, K::Real, K::InFile, K::VictreenWord},
-         4,
-         false,
-         now},
-        {AnalyzerSetLcfMode, "analyzer_set_LCF_mode", {K::Flag}, 1, false, now},
-        {AnalyzerExecLcf, "analyzer_exec_LCF", {}, 0, false, Finish::WhenAnalysed},
-        {AnalyzerSelectImage, "analyzer_select_image", {K::Integer}, 1, false, now},
-        {AnalyzerSelectImageType, "analyzer_select_image_type", {K::Integer}, 1, false, now},
-        {AnalyzerSetRaEnergy, "analyzer_set_ra_energy", {K::Real}, 1, false, now},
-        {AnalyzerSetRaFactor, "analyzer_set_ra_factor", {K::Real}, 1, false, now},
-        {AnalyzerExecRa, "analyzer_exec_ra", {}, 0, false, now},
-        {AnalyzerSetFixedScale, "analyzer_set_fixed_scale", {K::Flag}, 1, false, now},
-        {AnalyzerSetScaleMax, "analyzer_set_scale_max", {K::Real}, 1, false, now},
-        {AnalyzerSetScaleMin, "analyzer_set_scale_min", {K::Real}, 1, false, now},
-        {AnalyzerSetDMutScaleMax, "analyzer_set_dMut_scale_max", {K::Real}, 1, false, now},
-        {AnalyzerSetDMutScaleMin, "analyzer_set_dMut_scale_min", {K::Real}, 1, false, now},
-        {AnalyzerSetRatioScaleMax, "analyzer_set_ratio_scale_max", {K::Real}, 1, false, now},
-        {AnalyzerSetRatioScaleMin, "analyzer_set_ratio_scale_min", {K::Real}, 1, false, now},
-        {CalibShowWindow, "calib_show_window", {}, 0, false, now},
-        {CalibLoadStd, "calib_load_std", {K::InFile}, 1, false, now},
-        {CalibSetEdgeEv, "calib_set_edge_eV", {K::Text}, 1, false, now},
-        {CalibExec, "calib_exec", {}, 0, false, now},
-        {CalibLoadMap, "calib_load_map", {K::InFile}, 1, false, now},
-        {CalibClearMap, "calib_clear_map", {}, 0, false, now},
-        {CalibSaveMap, "calib_save_map", {K::OutFile}, 1, false, now},
-        {SaveDataCfgShowWindow, "saveDataCfg_show_window", {}, 0, false, now},
-        {SaveDataCfgSaveAsTiff, "saveDataCfg_save_as_tiff", {}, 0, false, now},
-        {SaveDataCfgSaveAsText, "saveDataCfg_save_as_text", {}, 0, false, now},
-        {SaveDataCfgTiffFixScale, "saveDataCfg_tiff_fix_scale", {K::Flag}, 1, false, now},
-        {SaveDataCfgTiffScaleMin, "saveDataCfg_tiff_scale_min", {K::Real}, 1, false, now},
-        {SaveDataCfgTiffScaleMax, "saveDataCfg_tiff_scale_max", {K::Real}, 1, false, now},
-        {SaveDataCfgTiffAsAnalyzed, "saveDataCfg_tiff_as_analyzed", {K::Flag}, 1, false, now},
-        {SaveDataCfgTextAsCsv, "saveDataCfg_text_as_csv", {}, 0, false, now},
-        {SaveDataCfgTextAsSsv, "saveDataCfg_text_as_ssv", {}, 0, false, now},
-        {SaveDataCfgTextAsXyz, "saveDataCfg_text_as_xyz", {}, 0, false, now},
-        {SaveDataCfgTextAsVals, "saveDataCfg_text_as_vals", {}, 0, false, now},
-    };
+    std::vector<CommandRow> rows;
+    for (const auto& add : {addStackCommands, addViewCommands, addSaveCommands, addAnalyzerCommands,
+                            addCalibrationCommands, addSaveFormCommands}) {
+        add(&rows);
+    }
+    std::sort(rows.begin(), rows.end(),
+              [](const CommandRow& a, const CommandRow& b) { return a.id < b.id; });
+    return rows;
 }
 
 Tables buildTables() {
@@ -125,6 +64,13 @@ const std::vector<CommandRow>& commandTable() {
     return tables().rows;
 }
 
+const CommandRow* commandRow(int id) {
+    const auto& rows = tables().rows;
+    const auto row =
+        std::find_if(rows.begin(), rows.end(), [id](const CommandRow& r) { return r.id == id; });
+    return row == rows.end() ? nullptr : &*row;
+}
+
 int controlId(const QString& name) {
     return idOf(tables().controls, name, NoControl);
 }
@@ -153,7 +99,13 @@ QString argKindName(ArgKind kind) {
         case ArgKind::Pattern:
             return QStringLiteral("pattern");
         case ArgKind::VictreenWord:
+        case ArgKind::Background:
+        case ArgKind::Crystal:
             return QStringLiteral("word");
+        case ArgKind::Stack:
+            return QStringLiteral("I1|I0");
+        case ArgKind::Unit:
+            return QStringLiteral("unit");
     }
     return QString();
 }
@@ -171,14 +123,15 @@ QString commandSyntax(const CommandRow& row) {
     return syntax;
 }
 
-QString finishName(Finish finish) {
-    switch (finish) {
-        case Finish::AtOnce:
+QString finishName(const CommandRow& row) {
+    switch (row.work) {
+        case Work::None:
             return QStringLiteral("at once");
-        case Finish::WhenLoaded:
+        case Work::LoadI1:
+        case Work::LoadI0:
+        case Work::LoadDark:
             return QStringLiteral("when loaded");
-        case Finish::WhenAnalysed:
+        default:
             return QStringLiteral("when analysed");
     }
-    return QString();
 }

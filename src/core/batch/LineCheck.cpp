@@ -158,7 +158,7 @@ class LineChecker {
     }
 
     void checkCount(const CheckedLine& line) {
-        const CommandRow& row = commandTable()[static_cast<std::size_t>(line.command)];
+        const CommandRow& row = *commandRow(line.command);
         const int count = line.cmd.args.size();
         if (count < row.required) {
             error(line.number, QStringLiteral("too few arguments: ") + commandSyntax(row));

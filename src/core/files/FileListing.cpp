@@ -1,6 +1,9 @@
 #include "files/FileListing.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QFileInfo>
+#include <QSet>
 #include <algorithm>
 
 namespace {
@@ -67,4 +70,21 @@ QStringList listImageFiles(const QString& directory, const QStringList& patterns
         name = dir.filePath(name);
     }
     return names;
+}
+
+QStringList listNewFiles(const QStringList& listed) {
+    constexpr qint64 SettledAfterMs = 1000;
+    const QFileInfo last(listed.isEmpty() ? QString() : listed.last());
+    const QSet<QString> known(listed.begin(), listed.end());
+    const QDateTime now = QDateTime::currentDateTime();
+    QStringList fresh;
+    for (const QString& file : listImageFiles(last.absolutePath(), {})) {
+        const QFileInfo info(file);
+        if (info.suffix().compare(last.suffix(), Qt::CaseInsensitive) == 0 &&
+            !known.contains(info.absoluteFilePath()) &&
+            info.lastModified().msecsTo(now) >= SettledAfterMs) {
+            fresh << file;
+        }
+    }
+    return fresh;
 }

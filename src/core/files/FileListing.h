@@ -10,3 +10,8 @@ QStringList listImageFiles(const QString& directory, const QStringList& patterns
 
 /// The order of listImageFiles for two names.
 bool comesBefore(const QString& a, const QString& b);
+
+/// The files beside the last of @p listed (absolute paths) that have its suffix and are not in the
+/// list, in the order of listImageFiles. Those changed within the last second are left out: they
+/// may still be being written.
+QStringList listNewFiles(const QStringList& listed);

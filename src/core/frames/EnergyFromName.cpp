@@ -1,8 +1,7 @@
 #include "frames/EnergyFromName.h"
 
-#include <QDebug>
-
-std::optional<double> numberFromName(const QString& path, const QRegularExpression& pattern) {
+std::optional<double> numberFromName(const QString& path, const QRegularExpression& pattern,
+                                     QString* matched) {
     if (!pattern.isValid()) {
         return std::nullopt;  // asking it would print a warning for every file
     }
@@ -10,7 +9,9 @@ std::optional<double> numberFromName(const QString& path, const QRegularExpressi
     if (!match.hasMatch()) {
         return std::nullopt;
     }
-    qDebug().noquote() << "match captured" << match.captured(0);
+    if (matched != nullptr) {
+        *matched = match.captured(0);
+    }
     QString number = match.captured(0).toUpper();
     number.replace(QLatin1Char('_'), QLatin1Char('.'));
     number.remove(QStringLiteral("KEV"));

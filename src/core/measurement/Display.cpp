@@ -32,10 +32,9 @@ BarPicture frameWithBar(Measurement& measurement, const TiffData& frame) {
     parts.low = range.fixed ? range.low : frame.min;
     parts.high = range.fixed ? range.high : frame.max;
     const bool isI0 = measurement.settings().shown == Shown::I0;
-    parts.title =
-        (isI0 ? QStringLiteral("Incident beam (I0), %1 eV")
-              : QStringLiteral("Transmitted beam (I1), %1 eV"))
-            .arg(QString::number(frame.energy, 'f', 2));
+    parts.title = (isI0 ? QStringLiteral("Incident beam (I0), %1 eV")
+                        : QStringLiteral("Transmitted beam (I1), %1 eV"))
+                      .arg(QString::number(frame.energy, 'f', 2));
     parts.source = QFileInfo(frame.fileName).fileName();
     parts.unit = QStringLiteral("counts");
     return parts;

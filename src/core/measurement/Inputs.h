@@ -42,7 +42,7 @@ struct MapInput;
 struct Inputs {
     StackInputs i1;
     StackInputs i0;
-    QSize size;  ///< of the images
+    QSize size;        ///< of the images
     QStringList dark;  ///< absolute paths
     quint64 darkRevision = 0;
     int halfWidth = 0;

@@ -8,6 +8,7 @@
 #include "base/Globals.h"
 #include "calibration/EnergyMapFile.h"
 #include "calibration/EnergyShift.h"
+#include "files/FileListing.h"
 #include "measurement/Revision.h"
 #include "spectra/Units.h"
 
@@ -98,6 +99,21 @@ void Measurement::load(StackId id, const QStringList& files, bool replace) {
     stack(id).setNames(m_settings.names[static_cast<int>(id)]);
     stack(id).read(files);
     emit changed(AtWork);
+}
+
+Outcome Measurement::loadNew(StackId id) {
+    QStringList listed;
+    for (const Stack::File& file : stack(id).files()) {
+        listed << file.path;
+    }
+    if (listed.isEmpty()) {
+        return Outcome::failure(tr("no %1 frames are loaded yet").arg(stack(id).name()));
+    }
+    const QStringList fresh = listNewFiles(listed);
+    if (!fresh.isEmpty()) {
+        load(id, fresh, false);
+    }
+    return {};
 }
 
 void Measurement::clear(StackId id) {
@@ -300,6 +316,13 @@ void Measurement::setFrame(StackId id, int n) {
         current = n;
         emit changed(Display);
     }
+}
+
+void Measurement::select(int id) {
+    if (id >= 0 && id < referenceCount() + 3) {
+        m_settings.selected = id;
+    }
+    emit changed(Changes(Display) | Setting);
 }
 
 Result* Measurement::selectedResult() const {

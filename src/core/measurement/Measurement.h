@@ -6,6 +6,7 @@
 #include "frames/DarkData.h"
 #include "measurement/AreaAnalysis.h"
 #include "measurement/Outcome.h"
+#include "measurement/RecordLines.h"
 #include "measurement/Reference.h"
 #include "measurement/RowJob.h"
 
@@ -58,6 +59,7 @@ class Measurement : public QObject {
     /// Replaces the frames, or adds to them, by files that are read in the background.
     void load(StackId id, const QStringList& files, bool replace);
     void clear(StackId id);
+    Outcome loadNew(StackId id);  ///< the files that have come beside the last one loaded
     void stopLoading();
     QSize imageSize() const { return m_size; }  ///< of the first I1 frame; -1 x -1 without
     DarkData& dark() { return m_dark; }
@@ -106,12 +108,15 @@ class Measurement : public QObject {
     int frameOf(StackId id) const { return m_frame[static_cast<int>(id)]; }
     void setFrame(StackId id, int n);  ///< nothing for a frame that there is not
     Result* selectedResult() const;    ///< null: none, or of RA and not made yet
+    void select(int id);               ///< a result, if there is one of that id; tells in any case
     Result* shownResult() const;       ///< the map or the selected result, if on display
     Result* deglitchTarget() const;
     QPointF position() const { return m_position; }
     void setPosition(double x, double y);
     const XafsSpectrum& sample();  ///< at the position, corrected; without points for none
     const AbsorptionSource& source();
+    void setRecorder(const Recorder& recorder) { m_recorder = recorder; }
+    RecordLines recordOf(const Result& result, const QString& savedBy) const;
     void askForWindow(Window window) { emit windowAsked(window); }
 
   signals:
@@ -159,6 +164,7 @@ class Measurement : public QObject {
     ShareOfTime m_eachRow;
     AnalysisGrid m_point;  // of the last fit
     bool m_loadsDark = false;
+    Recorder m_recorder;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(Measurement::Changes)

@@ -261,3 +261,10 @@ Outcome Measurement::showProcessed(bool on) {
                ? Outcome::warning(tr("nothing has been deglitched: the processed values are 0"))
                : Outcome();
 }
+
+RecordLines Measurement::recordOf(const Result& result, const QString& savedBy) const {
+    if (result.run && result.run->state != Run::State::Complete) {
+        return {{}, tr("the run was stopped before its end")};
+    }
+    return m_recorder ? m_recorder(*this, result, savedBy) : RecordLines();
+}

@@ -9,3 +9,17 @@ QRectF Area::within(int width, int height) const {
         QRectF(low, high).intersected(QRectF(0, 0, std::max(0, width), std::max(0, height)));
     return inside.isEmpty() ? QRectF() : inside;
 }
+
+QString backgroundWord(int background) {
+    return background == XafsSpectrum::Victreen ? QStringLiteral("Victreen")
+                                                : QStringLiteral("Simple");
+}
+
+int backgroundOfWord(const QString& word) {
+    for (const int background : {XafsSpectrum::Simple, XafsSpectrum::Victreen}) {
+        if (word.compare(backgroundWord(background), Qt::CaseInsensitive) == 0) {
+            return background;
+        }
+    }
+    return -1;
+}

@@ -16,6 +16,11 @@ inline double inField(double value) {
     return fieldText(value).toDouble();
 }
 
+/// The word of a background in batches and records.
+QString backgroundWord(int background);
+/// The background that such a word names, in any case; -1 for none.
+int backgroundOfWord(const QString& word);
+
 /// How energies are found in the names of a stack's files.
 struct NamePattern {
     QString pattern = QStringLiteral("[\\d_]+eV");

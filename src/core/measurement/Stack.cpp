@@ -13,7 +13,12 @@ double frameEnergy(const QString& fileName, const NamePattern& names, int before
     if (expression.pattern() != names.pattern) {
         expression.setPattern(names.pattern);
     }
-    const double number = numberFromName(fileName, expression).value_or(before - 1);
+    QString matched;
+    const std::optional<double> found = numberFromName(fileName, expression, &matched);
+    if (found) {
+        qDebug().noquote() << "match captured" << matched;
+    }
+    const double number = found.value_or(before - 1);
     const double energy = number * names.factor();
     qDebug().noquote() << "energy from file name" << fileName << ":" << energy;
     return energy;
@@ -75,8 +80,7 @@ void Stack::loaded(TiffData* data) {
     if (frame) {
         emit changing();
         frame->energy = frameEnergy(frame->fileName, m_names, size());
-        m_files.append(
-            {QFileInfo(frame->fileName).absoluteFilePath(), frame->energy, m_names});
+        m_files.append({QFileInfo(frame->fileName).absoluteFilePath(), frame->energy, m_names});
         frames().append(std::move(frame));
         m_revision = nextRevision();
         emit changed();

@@ -15,6 +15,11 @@ struct TiffOptions {
     double scaleMin = 0.0;
     double scaleMax = 1.0;
     bool asAnalyzed = false;  ///< one pixel per analysed point instead of one per image pixel
+
+    bool operator==(const TiffOptions& o) const {
+        return fixedScale == o.fixedScale && scaleMin == o.scaleMin && scaleMax == o.scaleMax &&
+               asAnalyzed == o.asAnalyzed;
+    }
 };
 
 /// How a result becomes text.
@@ -27,6 +32,10 @@ struct TableOptions {
     Separator separator = Separator::Comma;
     Layout layout = Layout::Points;
     bool asAnalyzed = false;  ///< the analysed points (bin centres) instead of every image pixel
+
+    bool operator==(const TableOptions& o) const {
+        return separator == o.separator && layout == o.layout && asAnalyzed == o.asAnalyzed;
+    }
 };
 
 /// "# name = value" above a table.

@@ -1,0 +1,92 @@
+#include "batch/BatchRunner.h"
+
+#include <QCoreApplication>
+
+#include "batch/Action.h"
+#include "batch/CommandTables.h"
+#include "batch/Record.h"
+
+BatchRunner::BatchRunner(Measurement& measurement) : m_measurement(measurement) {
+    m_dispatcher.moveToThread(&m_thread);
+    connect(this, &BatchRunner::linesAsked, &m_dispatcher, &BatchDispatcher::doDispatchCmds);
+    connect(this, &BatchRunner::stopAsked, &m_dispatcher, &BatchDispatcher::batchStop);
+    connect(this, &BatchRunner::finishBatchExec, &m_dispatcher, &BatchDispatcher::finishBatchExec);
+    connect(&m_dispatcher, &BatchDispatcher::execCmd, this, &BatchRunner::execCmd);
+    connect(&m_dispatcher, &BatchDispatcher::started, this, [this] { m_pacing.batchStarted(); });
+    connect(&m_dispatcher, &BatchDispatcher::ended, this, [this] { m_pacing.batchEnded(); });
+    connect(&measurement, &Measurement::ended, this, &BatchRunner::workEnded);
+    measurement.setRecorder([](const Measurement& m, const Result& result, const QString& savedBy) {
+        return recordOf(m, result, savedBy);
+    });
+    m_thread.start(QThread::InheritPriority);
+}
+
+BatchRunner::~BatchRunner() {
+    // The interpreter must be at rest before it goes.
+    m_dispatcher.disconnect(this);
+    disconnect(&m_dispatcher);
+    m_measurement.disconnect(this);
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void BatchRunner::start(const QStringList& lines) {
+    // Noted before the request travels to the interpreter.
+    m_pacing.batchRequested();
+    m_digests = digestsInRecord(lines);
+    emit linesAsked(lines);
+}
+
+void BatchRunner::execCmd(const CmdLine& cmd, bool inRem) {
+    if (!m_pacing.acceptsLines()) {
+        return;  // left over from a batch that has been started anew meanwhile
+    }
+    if (inRem) {
+        answer(cmd, {});
+    } else {
+        run(cmd);
+    }
+}
+
+void BatchRunner::run(const CmdLine& cmd) {
+    const CommandRow* row = commandRow(commandId(CmdLine::parse(cmd.command).command));
+    if (row == nullptr) {
+        Outcome outcome;
+        if (controlId(cmd.command) == NoControl) {
+            emit unknownCommand(cmd);
+            outcome = Outcome::failure(QCoreApplication::translate("Batch", "unknown command"));
+        }
+        answer(cmd, outcome);
+        return;
+    }
+    // What is ended before the row has run answers, too.
+    m_pacing.wait(cmd, row->work);
+    Action action{m_measurement, CommandArgs(cmd.args), m_digests, row->work, {}};
+    m_outcome = {};
+    row->run(action);
+    m_outcome = action.outcome;
+    if (row->work != Work::None && !m_pacing.isWaitingFor(row->work)) {
+        return;  // answered, or overtaken
+    }
+    if (m_measurement.isAtWork(action.awaited)) {
+        m_pacing.wait(cmd, action.awaited);
+        return;
+    }
+    m_pacing.take();
+    answer(cmd, m_outcome);
+}
+
+void BatchRunner::answer(const CmdLine& cmd, const Outcome& outcome) {
+    emit commandDone(cmd, outcome);
+    emit finishBatchExec();
+}
+
+void BatchRunner::workEnded(Work work, const Outcome& outcome) {
+    if (m_pacing.isWaitingFor(work)) {
+        Outcome all = m_outcome;
+        all += outcome;
+        answer(m_pacing.take(), all);
+    } else if (!m_pacing.isActive()) {
+        emit finishBatchExec();
+    }
+}

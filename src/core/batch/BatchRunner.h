@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QThread>
+
+#include "batch/BatchDispatcher.h"
+#include "batch/BatchPacing.h"
+#include "measurement/Measurement.h"
+
+/// Runs batches on a measurement: owns the interpreter and its thread, carries out one line at a
+/// time and answers it once, when its work has ended.
+class BatchRunner : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit BatchRunner(Measurement& measurement);
+    ~BatchRunner() override;
+
+    BatchDispatcher* dispatcher() { return &m_dispatcher; }
+
+  public slots:
+    /// Starts a batch; one that runs is overtaken.
+    void start(const QStringList& lines);
+    /// No further line is read.
+    void stop() { emit stopAsked(); }
+    /// Carries out a line that the interpreter hands out.
+    void execCmd(const CmdLine& cmd, bool inRem);
+
+  signals:
+    /// A line has been dealt with. Emitted just before finishBatchExec().
+    void commandDone(const CmdLine& cmd, const Outcome& outcome);
+    void finishBatchExec();
+    /// A line whose word is no command.
+    void unknownCommand(const CmdLine& cmd);
+    void linesAsked(const QStringList& lines);  // to the interpreter
+    void stopAsked();
+
+  private:
+    void run(const CmdLine& cmd);
+    void answer(const CmdLine& cmd, const Outcome& outcome);
+    void workEnded(Work work, const Outcome& outcome);
+
+    Measurement& m_measurement;
+    QThread m_thread;
+    BatchDispatcher m_dispatcher;
+    BatchPacing m_pacing;
+    Outcome m_outcome;  // of the line that is being carried out
+    QHash<QString, QByteArray> m_digests;
+};

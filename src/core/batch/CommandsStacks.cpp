@@ -1,0 +1,154 @@
+// Commands that load and clear frames.
+
+#include <QCoreApplication>
+
+#include "batch/CommandRows.h"
+#include "files/FileListing.h"
+
+namespace {
+
+QString tr(const char* text) {
+    return QCoreApplication::translate("Batch", text);
+}
+
+void loadOfPattern(Action& a, StackId id) {
+    const QStringList files = listImageFiles(a.args.text(1), a.args.from(2));
+    if (files.isEmpty()) {
+        a.fail(tr("no file matches in %1").arg(a.args.text(1)));
+    }
+    a.measurement.load(id, files, a.args.isNew(0));
+}
+
+bool stackOf(Action& a, StackId* id) {
+    const QString name = a.args.text(0).toUpper();
+    if (name != QLatin1String("I1") && name != QLatin1String("I0")) {
+        a.fail(tr("neither I1 nor I0: %1").arg(a.args.text(0)));
+        return false;
+    }
+    *id = name == QLatin1String("I1") ? StackId::I1 : StackId::I0;
+    return true;
+}
+
+void setEnergyPattern(Action& a) {
+    StackId id = StackId::I1;
+    if (!stackOf(a, &id)) {
+        return;
+    }
+    const QString unit = a.args.text(2).toLower();
+    if (unit != QLatin1String("ev") && unit != QLatin1String("kev")) {
+        a.fail(tr("neither eV nor keV: %1").arg(a.args.text(2)));
+        return;
+    }
+    a.measurement.setNames(id, {a.args.text(1), unit == QLatin1String("kev")});
+}
+
+void loadNew(Action& a) {
+    StackId id = StackId::I1;
+    if (stackOf(a, &id)) {
+        a.awaited = id == StackId::I1 ? Work::LoadI1 : Work::LoadI0;
+        a.outcome += a.measurement.loadNew(id);
+    }
+}
+
+void loadDarkOfPattern(Action& a) {
+    const QStringList files = listImageFiles(a.args.text(0), a.args.from(1));
+    if (files.isEmpty()) {
+        a.fail(tr("no file matches in %1").arg(a.args.text(0)));
+        return;
+    }
+    a.measurement.loadDark(files);
+}
+
+}  // namespace
+
+void addStackCommands(std::vector<CommandRow>* rows) {
+    using K = ArgKind;
+    const std::vector<CommandRow> mine{
+        {0,
+         "clear_I1_files",
+         {},
+         0,
+         false,
+         Work::None,
+         [](Action& a) { a.measurement.clear(StackId::I1); },
+         [](CommandCheck& c, const CmdLine&) { c.setLoaded(StackId::I1, false); }},
+        {1,
+         "clear_I0_files",
+         {},
+         0,
+         false,
+         Work::None,
+         [](Action& a) { a.measurement.clear(StackId::I0); },
+         [](CommandCheck& c, const CmdLine&) { c.setLoaded(StackId::I0, false); }},
+        {2,
+         "load_I1_files",
+         {K::Mode, K::InFile},
+         2,
+         true,
+         Work::LoadI1,
+         [](Action& a) { a.measurement.load(StackId::I1, a.args.from(1), a.args.isNew(0)); },
+         [](CommandCheck& c, const CmdLine& cmd) { c.checkFrames(StackId::I1, cmd); }},
+        {3,
+         "load_I0_files",
+         {K::Mode, K::InFile},
+         2,
+         true,
+         Work::LoadI0,
+         [](Action& a) { a.measurement.load(StackId::I0, a.args.from(1), a.args.isNew(0)); },
+         [](CommandCheck& c, const CmdLine& cmd) { c.checkFrames(StackId::I0, cmd); }},
+        {4,
+         "load_I1_files_of_pattern",
+         {K::Mode, K::Directory, K::Pattern},
+         2,
+         true,
+         Work::LoadI1,
+         [](Action& a) { loadOfPattern(a, StackId::I1); },
+         [](CommandCheck& c, const CmdLine& cmd) { c.checkListing(StackId::I1, cmd); }},
+        {5,
+         "load_I0_files_of_pattern",
+         {K::Mode, K::Directory, K::Pattern},
+         2,
+         true,
+         Work::LoadI0,
+         [](Action& a) { loadOfPattern(a, StackId::I0); },
+         [](CommandCheck& c, const CmdLine& cmd) { c.checkListing(StackId::I0, cmd); }},
+        {50,
+         "load_dark_files",
+         {K::InFile},
+         1,
+         true,
+         Work::LoadDark,
+         [](Action& a) { a.measurement.loadDark(a.args.from(0)); }},
+        {51,
+         "load_dark_files_of_pattern",
+         {K::Directory, K::Pattern},
+         1,
+         true,
+         Work::LoadDark,
+         loadDarkOfPattern,
+         [](CommandCheck& c, const CmdLine& cmd) { c.checkDarkListing(cmd); }},
+        {52,
+         "clear_dark",
+         {},
+         0,
+         false,
+         Work::None,
+         [](Action& a) { a.measurement.dark().clear(); }},
+        {53,
+         "set_energy_pattern",
+         {K::Stack, K::Text, K::Unit},
+         3,
+         false,
+         Work::None,
+         setEnergyPattern},
+        {65,
+         "load_new",
+         {K::Stack},
+         1,
+         false,
+         Work::LoadI1,
+         loadNew,
+         [](CommandCheck& c, const CmdLine& cmd) { c.checkLoadNew(cmd); }},
+    };
+    rows->insert(rows->end(), mine.begin(), mine.end());
+}

@@ -1,0 +1,122 @@
+// Commands for bins, area, position and what is on display.
+
+#include <QCoreApplication>
+
+#include "batch/CommandRows.h"
+#include "measurement/Display.h"
+
+namespace {
+
+QString tr(const char* text) {
+    return QCoreApplication::translate("Batch", text);
+}
+
+void selectRegion(Action& a) {
+    Measurement& m = a.measurement;
+    const Area area{a.args.integer(0), a.args.integer(1), a.args.integer(2), a.args.integer(3)};
+    m.set(&Settings::area, area);
+    if (!area.isWhole() && m.imageSize().width() >= 0 && m.selection().isEmpty()) {
+        a.fail(tr("no part of the region lies inside the image"));
+    }
+}
+
+void selectDisplay(Action& a) {
+    const int n = a.args.integer(0);
+    if (n >= static_cast<int>(Shown::I1) && n <= static_cast<int>(Shown::Result)) {
+        a.measurement.set(&Settings::shown, static_cast<Shown>(n));
+    }
+}
+
+void showFrame(Action& a) {
+    Stack& stack = a.measurement.shownStack();
+    const int n = a.args.integer(0);
+    if (n < 0 || n >= stack.size()) {
+        a.fail(tr("there is no frame %1").arg(n));
+        return;
+    }
+    a.measurement.setFrame(stack.id(), n);
+}
+
+/// Two numbers fix the range; none leaves each frame its own.
+void setViewRange(Action& a) {
+    if (a.args.from(0).isEmpty()) {
+        a.measurement.set(&Settings::viewRange, ViewRange());
+        return;
+    }
+    const ViewRange range{true, a.args.real(0), a.args.real(1)};
+    if (!(range.high > range.low)) {
+        a.fail(tr("the upper end of a range must lie above the lower one"));
+        return;
+    }
+    a.measurement.set(&Settings::viewRange, range);
+}
+
+}  // namespace
+
+void addViewCommands(std::vector<CommandRow>* rows) {
+    using K = ArgKind;
+    const std::vector<CommandRow> mine{
+        {6,
+         "set_band_w",
+         {K::Integer},
+         1,
+         false,
+         Work::None,
+         [](Action& a) { a.measurement.set(&Settings::halfWidth, a.args.integer(0)); }},
+        {7,
+         "set_band_h",
+         {K::Integer},
+         1,
+         false,
+         Work::None,
+         [](Action& a) { a.measurement.set(&Settings::halfHeight, a.args.integer(0)); }},
+        {8,
+         "select_disp_image",
+         {K::Integer},
+         1,
+         false,
+         Work::None,
+         selectDisplay,
+         [](CommandCheck& c, const CmdLine& cmd) { c.checkRange(cmd, 0, 3); }},
+        {12,
+         "move_position",
+         {K::Integer, K::Integer},
+         2,
+         false,
+         Work::None,
+         [](Action& a) { a.measurement.setPosition(a.args.integer(0), a.args.integer(1)); },
+         [](CommandCheck& c, const CmdLine&) { c.setMoved(); }},
+        {13,
+         "select_region",
+         {K::Integer, K::Integer, K::Integer, K::Integer},
+         4,
+         false,
+         Work::None,
+         selectRegion,
+         [](CommandCheck& c, const CmdLine& cmd) { c.checkRegion(cmd); }},
+        {59,
+         "show_processed",
+         {K::Flag},
+         1,
+         false,
+         Work::None,
+         [](Action& a) { a.outcome += a.measurement.showProcessed(a.args.flag(0)); }},
+        {60, "show_frame", {K::Integer}, 1, false, Work::None, showFrame},
+        {61,
+         "set_spectra_corrected",
+         {K::Flag},
+         1,
+         false,
+         Work::None,
+         [](Action& a) { a.measurement.set(&Settings::correctedSpectra, a.args.flag(0)); }},
+        {66, "set_view_range", {K::Real, K::Real}, 0, false, Work::None, setViewRange},
+        {67,
+         "set_percentiles",
+         {},
+         0,
+         false,
+         Work::None,
+         [](Action& a) { a.outcome += fixPercentiles(a.measurement); }},
+    };
+    rows->insert(rows->end(), mine.begin(), mine.end());
+}

@@ -1,0 +1,218 @@
+#include "batch/Record.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include "base/Globals.h"
+#include "batch/RecordWriter.h"
+#include "files/PictureFile.h"
+#include "measurement/Display.h"
+#include "measurement/Origin.h"
+#include "spectra/Units.h"
+
+namespace {
+
+constexpr int Version = 1;
+const QLatin1String FirstLine("Tarnwick record ");
+const QLatin1String Digest("sha256 ");
+
+QString tr(const char* text) {
+    return QCoreApplication::translate("Batch", text);
+}
+
+/// The lines behind a remark that says what they are, which files they need and what is left out.
+RecordLines withRemark(const RecordWriter& writer, const QStringList& leftOut = {}) {
+    if (!writer.failure().isEmpty()) {
+        return {{}, writer.failure()};
+    }
+    QStringList lines{QStringLiteral(":rem_start"), FirstLine + QString::number(Version)};
+    for (const auto& digest : writer.digests()) {
+        // A line that ends in a backslash would take the next one with it.
+        if (!digest.first.endsWith(QLatin1Char('\\'))) {
+            lines << Digest + QString::fromLatin1(digest.second) + QLatin1Char(' ') + digest.first;
+        }
+    }
+    lines += leftOut;
+    lines << QStringLiteral(":rem_end");
+    return {lines + writer.lines(), {}};
+}
+
+void execLine(RecordWriter& writer, Work work) {
+    if (work == Work::Fit) {
+        writer.line(QStringLiteral("analyzer_exec_LCF"));
+    } else if (work == Work::Residual) {
+        writer.line(QStringLiteral("analyzer_exec_ra"));
+    }
+}
+
+/// The energy map is made by what it is in force for, or by itself.
+void makeAgain(RecordWriter& writer, const Measurement& measurement, const Result& result) {
+    if (result.id == ResultId::Shift) {
+        writer.map(measurement.mapInput());
+        return;
+    }
+    writer.inputs(result.run->inputs, result.run->work);
+    execLine(writer, result.run->work);
+}
+
+QString nameOf(const Result& result) {
+    const ReferenceInput* reference = result.referenceInput();
+    const QString kind = QString::fromLatin1(result.kind().title);
+    return reference == nullptr
+               ? kind
+               : kind + QLatin1Char(' ') + QFileInfo(reference->file.name).fileName();
+}
+
+/// All results that have been made, those of a run beside one another.
+QVector<const Result*> resultsOf(const Measurement& m) {
+    QVector<const Result*> results{&m.map()};
+    for (const int kind : {Reference::DMut, Reference::Ratio}) {
+        for (const auto& reference : m.references()) {
+            results << &reference->result(kind);
+        }
+    }
+    for (int i = 0; i < 3; ++i) {
+        results << &m.residual(i);
+    }
+    results.erase(std::remove_if(results.begin(), results.end(),
+                                 [](const Result* r) { return !r->image.hasData(); }),
+                  results.end());
+    return results;
+}
+
+QString whyLeftOut(const Measurement& measurement, const Result& result) {
+    if (result.id == ResultId::Shift) {
+        return QString();  // in force, whatever it was made of
+    }
+    if (!result.run || result.run->state != Run::State::Complete) {
+        return stateOf(result);
+    }
+    return QString::fromLatin1(differenceText(measurement.differenceOf(result)));
+}
+
+void presentSettings(RecordWriter& w, const Measurement& m) {
+    const Settings& s = m.settings();
+    const auto text = [](int n) { return QString::number(n); };
+    const Inputs in = m.inputs();
+    w.inputs(in, Work::Residual);
+    w.map(in.map);
+    w.frames(in);  // a map from a file is read without images
+    w.put(QStringLiteral("crystal"), QStringLiteral("calib_set_crystal"),
+          {QString::fromLatin1(
+              CrystalTable[static_cast<std::size_t>(toClampedInt(s.crystal, 0, 4))].name)});
+    w.standard(in.standard, in.standardBackground);
+    w.put(QStringLiteral("edge"), QStringLiteral("calib_set_edge_eV"),
+          s.edgeEnergy.isEmpty() ? QStringList() : QStringList{s.edgeEnergy});
+    w.inputs(in, Work::Fit);
+    for (const ResultId id : {ResultId::DMut, ResultId::Ratio}) {
+        w.scaleOf(resultKind(id), s);
+    }
+    w.saveForm(s, !s.savesTiff);
+    w.saveForm(s, s.savesTiff);
+    w.put(QStringLiteral("corrected"), QStringLiteral("set_spectra_corrected"),
+          {s.correctedSpectra ? QStringLiteral("1") : QStringLiteral("0")});
+    w.viewRange(s.viewRange);
+    if (s.selected >= 0) {
+        w.put(QStringLiteral("selected"), QStringLiteral("analyzer_select_image"),
+              {text(s.selected)});
+    }
+    w.put(QStringLiteral("type"), QStringLiteral("analyzer_select_image_type"),
+          {text(s.resultType)});
+    w.put(QStringLiteral("display"), QStringLiteral("select_disp_image"),
+          {text(static_cast<int>(s.shown))});
+    const Stack& stack = m.stack(s.shown == Shown::I0 ? StackId::I0 : StackId::I1);
+    const int newest = stack.id() == StackId::I1 ? stack.size() - 1 : 0;
+    if ((s.shown == Shown::I1 || s.shown == Shown::I0) && m.frame() >= 0 && m.frame() != newest) {
+        w.line(QStringLiteral("show_frame"), {text(m.frame())});
+    }
+    if (m.position().x() >= 0.0 && m.position().y() >= 0.0) {
+        w.line(QStringLiteral("move_position"),
+               {text(toPixel(m.position().x())), text(toPixel(m.position().y()))});
+    }
+}
+
+}  // namespace
+
+RecordLines recordOf(const Measurement& measurement, const Result& result, const QString& savedBy) {
+    Inputs inputs = result.run ? result.run->inputs : Inputs();
+    if (result.id == ResultId::Shift) {
+        inputs.map = measurement.mapInput();
+        if (!inputs.map) {
+            return {{}, tr("there is no energy-shift map")};
+        }
+    } else if (!result.run) {
+        return {{}, tr("nothing has been analysed")};
+    }
+    RecordWriter writer(originFolder(inputs));
+    makeAgain(writer, measurement, result);
+    writer.show(result);
+    if (savedBy == QLatin1String("save_data_as_tiff")) {
+        writer.saveForm(measurement.settings(), measurement.settings().savesTiff);
+    } else {
+        writer.scaleOf(result.kind(), measurement.settings());
+    }
+    return withRemark(writer);
+}
+
+RecordLines recordOf(const Measurement& measurement) {
+    const Inputs now = measurement.inputs();
+    RecordWriter writer(originFolder(now));
+    QStringList leftOut;
+    const Run* last = nullptr;
+    for (const Result* result : resultsOf(measurement)) {
+        const QString why = whyLeftOut(measurement, *result);
+        if (!why.isEmpty()) {
+            leftOut << QStringLiteral("left out: %1, %2").arg(nameOf(*result), why);
+            continue;
+        }
+        if (result->id == ResultId::Shift || result->run.get() != last) {
+            makeAgain(writer, measurement, *result);
+            last = result->id == ResultId::Shift ? nullptr : result->run.get();
+        }
+        if (result->image.showsProc()) {
+            writer.show(*result);
+        }
+    }
+    presentSettings(writer, measurement);
+    return withRemark(writer, leftOut);
+}
+
+Outcome saveRecord(const Measurement& measurement, const QString& fileName) {
+    const RecordLines record = recordOf(measurement);
+    if (!record.whyNot.isEmpty()) {
+        return Outcome::failure(record.whyNot);
+    }
+    QSaveFile file(fileName);
+    const QByteArray text = (record.lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
+    const bool written =
+        file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && putInPlace(file);
+    return written ? Outcome() : Outcome::failure(tr("cannot be written: %1").arg(fileName));
+}
+
+int recordVersion(const QStringList& lines) {
+    const bool isRecord = lines.size() > 1 &&
+                          lines.at(0).trimmed() == QLatin1String(":rem_start") &&
+                          lines.at(1).startsWith(FirstLine);
+    return isRecord ? std::max(1, lines.at(1).mid(FirstLine.size()).trimmed().toInt()) : 0;
+}
+
+QHash<QString, QByteArray> digestsInRecord(const QStringList& lines) {
+    QHash<QString, QByteArray> digests;
+    if (recordVersion(lines) == 0) {
+        return digests;
+    }
+    for (const QString& line : lines.mid(2)) {
+        if (line.trimmed() == QLatin1String(":rem_end")) {
+            break;
+        }
+        const QString entry = line.startsWith(Digest) ? line.mid(Digest.size()) : QString();
+        const int blank = entry.indexOf(QLatin1Char(' '));
+        if (blank > 0) {
+            digests.insert(QFileInfo(entry.mid(blank + 1)).absoluteFilePath(),
+                           entry.left(blank).toLatin1());
+        }
+    }
+    return digests;
+}

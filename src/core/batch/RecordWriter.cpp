@@ -1,0 +1,327 @@
+#include "batch/RecordWriter.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <QRegularExpression>
+
+#include "batch/BatchLine.h"
+#include "files/FileNames.h"
+#include "frames/EnergyFromName.h"
+#include "spectra/Units.h"
+
+namespace {
+
+QString number(int n) {
+    return QString::number(n);
+}
+
+QString flag(bool on) {
+    return on ? QStringLiteral("1") : QStringLiteral("0");
+}
+
+QString exact(double value) {
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
+QString joined(const QString& command, const QStringList& args) {
+    return command + QLatin1Char('\n') + args.join(QLatin1Char('\n'));
+}
+
+QStringList namesArgs(const QString& stack, const NamePattern& names) {
+    return {stack, names.pattern, names.unit()};
+}
+
+}  // namespace
+
+RecordWriter::RecordWriter(const QString& folder) : m_folder(folder) {
+    const auto atStart = [this](const char* key, const char* command, const QStringList& args) {
+        assume(QString::fromLatin1(key), joined(QString::fromLatin1(command), args));
+    };
+    const Settings s;
+    atStart("pattern I1", "set_energy_pattern", namesArgs(QStringLiteral("I1"), s.names[1]));
+    atStart("pattern I0", "set_energy_pattern", namesArgs(QStringLiteral("I0"), s.names[0]));
+    atStart("width", "set_band_w", {number(s.halfWidth)});
+    atStart("height", "set_band_h", {number(s.halfHeight)});
+    atStart("area", "select_region", {"0", "0", "0", "0"});
+    atStart("target background", "calib_set_target_background", {backgroundWord(0)});
+    atStart("standard background", "calib_set_std_background", {backgroundWord(0)});
+    atStart("crystal", "calib_set_crystal", {QString::fromLatin1(CrystalTable[0].name)});
+    atStart("edge", "calib_set_edge_eV", {});
+    atStart("method", "analyzer_set_LCF_mode", {"0"});
+    atStart("ra energy", "analyzer_set_ra_energy", {fieldText(s.raEnergy)});
+    atStart("ra factor", "analyzer_set_ra_factor", {fieldText(s.raFactor)});
+    atStart("fixed scale", "analyzer_set_fixed_scale", {"0"});
+    atStart("dmut min", "analyzer_set_dMut_scale_min", {fieldText(s.dMutMin)});
+    atStart("dmut max", "analyzer_set_dMut_scale_max", {fieldText(s.dMutMax)});
+    atStart("ratio min", "analyzer_set_ratio_scale_min", {fieldText(s.ratioMin)});
+    atStart("ratio max", "analyzer_set_ratio_scale_max", {fieldText(s.ratioMax)});
+    atStart("form", "saveDataCfg_save_as_tiff", {});
+    atStart("tiff fixed", "saveDataCfg_tiff_fix_scale", {flag(s.tiff.fixedScale)});
+    atStart("tiff min", "saveDataCfg_tiff_scale_min", {fieldText(s.tiff.scaleMin)});
+    atStart("tiff max", "saveDataCfg_tiff_scale_max", {fieldText(s.tiff.scaleMax)});
+    atStart("as analyzed", "saveDataCfg_tiff_as_analyzed", {flag(s.tiff.asAnalyzed)});
+    atStart("separator", "saveDataCfg_text_as_csv", {});
+    atStart("layout", "saveDataCfg_text_as_xyz", {});
+    atStart("corrected", "set_spectra_corrected", {"1"});
+    atStart("display", "select_disp_image", {"0"});
+    atStart("type", "analyzer_select_image_type", {"0"});
+    atStart("view range", "set_view_range", {});
+}
+
+void RecordWriter::put(const QString& key, const QString& command, const QStringList& args) {
+    const QString wanted = joined(command, args);
+    if (!isInForce(key, wanted)) {
+        assume(key, wanted);
+        line(command, args);
+    }
+}
+
+void RecordWriter::line(const QString& command, const QStringList& args) {
+    QString refused;
+    const auto physical = batchLine(command, args, &refused);
+    if (physical) {
+        m_lines += *physical;
+    } else if (m_failure.isEmpty()) {
+        m_failure =
+            QCoreApplication::translate("Batch", "a batch cannot carry the name %1").arg(refused);
+    }
+}
+
+QString RecordWriter::fileName(const QString& path) const {
+    return relativeTo(m_folder, path);
+}
+
+void RecordWriter::digest(const FileInput& file) {
+    const QPair<QString, QByteArray> entry{fileName(file.path), file.sha256};
+    if (!file.sha256.isEmpty() && !m_digests.contains(entry)) {
+        m_digests.append(entry);
+    }
+}
+
+bool RecordWriter::energyIsKept(const Stack::File& file, const QString& relative,
+                                int before) const {
+    thread_local QRegularExpression expression;
+    if (expression.pattern() != file.names.pattern) {
+        expression.setPattern(file.names.pattern);
+    }
+    const double found = numberFromName(relative, expression).value_or(before - 1);
+    return found * file.names.factor() == file.energy;
+}
+
+void RecordWriter::loadGroup(const char* name, bool first, const QVector<Stack::File>& files) {
+    const QString stack = QString::fromLatin1(name);
+    put(QStringLiteral("pattern ") + stack, QStringLiteral("set_energy_pattern"),
+        namesArgs(stack, files.first().names));
+    QStringList args{first ? QStringLiteral("NEW") : QStringLiteral("ADD")};
+    for (const Stack::File& file : files) {
+        args << fileName(file.path);
+    }
+    line(QStringLiteral("load_%1_files").arg(stack), args);
+}
+
+void RecordWriter::stack(const char* name, const StackInputs& stack) {
+    const QString key = QStringLiteral("stack ") + QString::fromLatin1(name);
+    const QString value = stack.files.isEmpty() ? QString() : QString::number(stack.revision);
+    if (isInForce(key, value)) {
+        return;
+    }
+    assume(key, value);
+    if (stack.files.isEmpty()) {
+        line(QStringLiteral("clear_%1_files").arg(QString::fromLatin1(name)));
+        return;
+    }
+    QVector<Stack::File> group;
+    bool first = true;
+    for (int i = 0; i < stack.files.size(); ++i) {
+        const Stack::File& file = stack.files.at(i);
+        if (m_failure.isEmpty() && !energyIsKept(file, fileName(file.path), i)) {
+            m_failure = QCoreApplication::translate(
+                            "Batch", "the energy of %1 stands in the name of its folder")
+                            .arg(fileName(file.path));
+        }
+        if (!group.isEmpty() && !(group.last().names == file.names)) {
+            loadGroup(name, first, group);
+            first = false;
+            group.clear();
+        }
+        group.append(file);
+    }
+    loadGroup(name, first, group);
+}
+
+void RecordWriter::frames(const Inputs& in) {
+    stack("I1", in.i1);
+    stack("I0", in.i0);
+    const QString dark = in.dark.join(QLatin1Char('\n'));
+    if (!isInForce(QStringLiteral("dark"), dark)) {
+        assume(QStringLiteral("dark"), dark);
+        QStringList names;
+        for (const QString& file : in.dark) {
+            names << fileName(file);
+        }
+        line(names.isEmpty() ? QStringLiteral("clear_dark") : QStringLiteral("load_dark_files"),
+             names);
+    }
+}
+
+void RecordWriter::standard(const FileInput& file, int background) {
+    put(QStringLiteral("standard background"), QStringLiteral("calib_set_std_background"),
+        {backgroundWord(background)});
+    const QString value = file.name.isEmpty() ? QString() : QString::number(file.revision);
+    if (!isInForce(QStringLiteral("standard"), value) && !value.isEmpty()) {
+        assume(QStringLiteral("standard"), value);
+        assume(QStringLiteral("edge"), QStringLiteral("that of the standard"));
+        digest(file);
+        line(QStringLiteral("calib_load_std"), {fileName(file.path)});
+    }
+}
+
+void RecordWriter::map(const std::shared_ptr<const MapInput>& map) {
+    const QString key = QStringLiteral("map");
+    if (!map) {
+        if (!isInForce(key, QString())) {
+            assume(key, QString());
+            line(QStringLiteral("calib_clear_map"));
+        }
+        return;
+    }
+    if (isInForce(key, QString::number(map->revision))) {
+        return;
+    }
+    assume(key, QString::number(map->revision));
+    if (map->calibration) {
+        inputs(*map->calibration, Work::Calibrate);
+        line(QStringLiteral("calib_exec"));
+    } else {
+        // A map is held against the images that are loaded, if any are.
+        stack("I1", {});
+        put(QStringLiteral("edge"), QStringLiteral("calib_set_edge_eV"),
+            map->edgeEnergy.isEmpty() ? QStringList() : QStringList{map->edgeEnergy});
+        digest(map->file);
+        line(QStringLiteral("calib_load_map"), {fileName(map->file.path)});
+    }
+    if (map->smoothed) {
+        line(QStringLiteral("calib_smooth_map"));
+    }
+}
+
+void RecordWriter::references(const std::vector<ReferenceInput>& references) {
+    int index = 0;
+    for (const ReferenceInput& reference : references) {
+        const QString key = QStringLiteral("reference %1").arg(index);
+        if (reference.file.name.isEmpty()) {
+            if (index >= m_references) {
+                line(QStringLiteral("analyzer_add_ref"));
+            }
+        } else {
+            digest(reference.file);
+            put(key, QStringLiteral("analyzer_set_LCF_std"),
+                {number(index), flag(reference.used), exact(reference.deltaE),
+                 fileName(reference.file.path),
+                 reference.background == XafsSpectrum::Victreen ? QStringLiteral("VIC")
+                                                                : QStringLiteral("0")});
+        }
+        ++index;
+    }
+    m_references = std::max(m_references, index);
+}
+
+void RecordWriter::inputs(const Inputs& in, Work work) {
+    if (work == Work::Fit) {
+        map(in.map);
+    }
+    frames(in);
+    put(QStringLiteral("width"), QStringLiteral("set_band_w"), {number(in.halfWidth)});
+    put(QStringLiteral("height"), QStringLiteral("set_band_h"), {number(in.halfHeight)});
+    put(QStringLiteral("area"), QStringLiteral("select_region"),
+        {number(in.area.x0), number(in.area.y0), number(in.area.x1), number(in.area.y1)});
+    if (work == Work::Calibrate) {
+        standard(in.standard, in.standardBackground);
+        return;
+    }
+    put(QStringLiteral("target background"), QStringLiteral("calib_set_target_background"),
+        {backgroundWord(in.background)});
+    if (work == Work::Fit) {
+        references(in.references);
+        put(QStringLiteral("method"), QStringLiteral("analyzer_set_LCF_mode"),
+            {flag(in.method == LinearFit::Mlcf)});
+    } else if (work == Work::Residual) {
+        put(QStringLiteral("ra energy"), QStringLiteral("analyzer_set_ra_energy"),
+            {fieldText(in.raEnergy)});
+        put(QStringLiteral("ra factor"), QStringLiteral("analyzer_set_ra_factor"),
+            {fieldText(in.raFactor)});
+    }
+}
+
+void RecordWriter::show(const Result& result) {
+    const bool isShift = result.id == ResultId::Shift;
+    if (!isShift) {
+        const int ofResidual =
+            static_cast<int>(result.id) - static_cast<int>(ResultId::RaDmut) + m_references;
+        put(QStringLiteral("selected"), QStringLiteral("analyzer_select_image"),
+            {number(result.reference >= 0 ? result.reference : ofResidual)});
+        if (result.reference >= 0) {
+            put(QStringLiteral("type"), QStringLiteral("analyzer_select_image_type"),
+                {number(result.id == ResultId::Ratio ? 1 : 0)});
+        }
+    }
+    put(QStringLiteral("display"), QStringLiteral("select_disp_image"),
+        {number(static_cast<int>(isShift ? Shown::Map : Shown::Result))});
+    if (result.image.showsProc() && result.deglitched) {
+        line(QStringLiteral("deglitch"),
+             {fieldText(result.deglitched->factor), fieldText(result.deglitched->ratio)});
+    } else if (result.image.showsProc()) {
+        line(QStringLiteral("show_processed"), {QStringLiteral("1")});
+    }
+}
+
+void RecordWriter::scaleOf(const ResultKind& kind, const Settings& s) {
+    if (kind.scale == ResultScale::Own) {
+        return;
+    }
+    put(QStringLiteral("fixed scale"), QStringLiteral("analyzer_set_fixed_scale"),
+        {flag(s.fixedScale)});
+    if (!s.fixedScale) {
+        return;
+    }
+    if (kind.scale == ResultScale::DMut) {
+        put(QStringLiteral("dmut min"), QStringLiteral("analyzer_set_dMut_scale_min"),
+            {fieldText(s.dMutMin)});
+        put(QStringLiteral("dmut max"), QStringLiteral("analyzer_set_dMut_scale_max"),
+            {fieldText(s.dMutMax)});
+    } else {
+        put(QStringLiteral("ratio min"), QStringLiteral("analyzer_set_ratio_scale_min"),
+            {fieldText(s.ratioMin)});
+        put(QStringLiteral("ratio max"), QStringLiteral("analyzer_set_ratio_scale_max"),
+            {fieldText(s.ratioMax)});
+    }
+}
+
+void RecordWriter::saveForm(const Settings& s, bool isTiff) {
+    put(QStringLiteral("form"), isTiff ? QStringLiteral("saveDataCfg_save_as_tiff")
+                                       : QStringLiteral("saveDataCfg_save_as_text"));
+    put(QStringLiteral("as analyzed"), QStringLiteral("saveDataCfg_tiff_as_analyzed"),
+        {flag(s.tiff.asAnalyzed)});
+    if (isTiff) {
+        put(QStringLiteral("tiff fixed"), QStringLiteral("saveDataCfg_tiff_fix_scale"),
+            {flag(s.tiff.fixedScale)});
+        if (s.tiff.fixedScale) {
+            put(QStringLiteral("tiff min"), QStringLiteral("saveDataCfg_tiff_scale_min"),
+                {fieldText(s.tiff.scaleMin)});
+            put(QStringLiteral("tiff max"), QStringLiteral("saveDataCfg_tiff_scale_max"),
+                {fieldText(s.tiff.scaleMax)});
+        }
+        return;
+    }
+    put(QStringLiteral("separator"), s.table.separator == TableOptions::Separator::Comma
+                                         ? QStringLiteral("saveDataCfg_text_as_csv")
+                                         : QStringLiteral("saveDataCfg_text_as_ssv"));
+    put(QStringLiteral("layout"), s.table.layout == TableOptions::Layout::Points
+                                      ? QStringLiteral("saveDataCfg_text_as_xyz")
+                                      : QStringLiteral("saveDataCfg_text_as_vals"));
+}
+
+void RecordWriter::viewRange(const ViewRange& range) {
+    put(QStringLiteral("view range"), QStringLiteral("set_view_range"),
+        range.fixed ? QStringList{exact(range.low), exact(range.high)} : QStringList());
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QHash>
+#include <QMap>
+#include <QStringList>
+
+#include "measurement/Measurement.h"
+
+/// Writes inputs and settings as batch lines, leaving out what is in force already: at first the
+/// state of a program that has just started.
+class RecordWriter {
+  public:
+    /// File names are written relative to the folder.
+    explicit RecordWriter(const QString& folder);
+
+    const QStringList& lines() const { return m_lines; }
+    /// Why the batch language cannot say what it should; empty: it can.
+    const QString& failure() const { return m_failure; }
+    /// Names of files with their digests, in the order in which they are used.
+    const QVector<QPair<QString, QByteArray>>& digests() const { return m_digests; }
+
+    /// What this work goes by.
+    void inputs(const Inputs& in, Work work);
+    void frames(const Inputs& in);
+    void references(const std::vector<ReferenceInput>& references);
+    void standard(const FileInput& file, int background);
+    void map(const std::shared_ptr<const MapInput>& map);
+
+    /// Puts a result on display and processes it as it is.
+    void show(const Result& result);
+    void scaleOf(const ResultKind& kind, const Settings& settings);
+    void saveForm(const Settings& settings, bool isTiff);
+    void viewRange(const ViewRange& range);
+
+    /// A line, unless the same one is in force under this key.
+    void put(const QString& key, const QString& command, const QStringList& args = {});
+    /// A line in any case.
+    void line(const QString& command, const QStringList& args = {});
+    /// What is in force under a key without a line of its own.
+    void assume(const QString& key, const QString& value) { m_inForce[key] = value; }
+    bool isInForce(const QString& key, const QString& value) const {
+        return m_inForce.value(key) == value;
+    }
+    int referencesInForce() const { return m_references; }
+
+  private:
+    void stack(const char* name, const StackInputs& stack);
+    void loadGroup(const char* name, bool first, const QVector<Stack::File>& files);
+    bool energyIsKept(const Stack::File& file, const QString& relative, int before) const;
+    QString fileName(const QString& path) const;
+    void digest(const FileInput& file);
+
+    QString m_folder;
+    QStringList m_lines;
+    QString m_failure;
+    QHash<QString, QString> m_inForce;
+    QVector<QPair<QString, QByteArray>> m_digests;
+    int m_references = 0;
+};

@@ -1,0 +1,187 @@
+#include "measurement/Origin.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLocale>
+
+#include "files/FileNames.h"
+#include "spectra/Units.h"
+
+namespace {
+
+using Entries = QVector<QPair<QString, QString>>;
+
+QString exact(double value) {
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
+/// Writes entries with a prefix before each key.
+class Writer {
+  public:
+    Writer(Entries* entries, QString folder, QString prefix = {})
+        : m_entries(entries), m_folder(std::move(folder)), m_prefix(std::move(prefix)) {}
+
+    void add(const char* key, const QString& value) {
+        m_entries->append({m_prefix + QString::fromLatin1(key), value});
+    }
+    void addFile(const QString& key, const FileInput& file) {
+        add(qPrintable(key), relativeTo(m_folder, file.path));
+        add(qPrintable(key + QStringLiteral(" sha256")), QString::fromLatin1(file.sha256));
+    }
+    void frames(const char* key, const StackInputs& stack) {
+        for (const Stack::File& file : stack.files) {
+            add(key, exact(file.energy) + QStringLiteral(" eV ") + relativeTo(m_folder, file.path));
+        }
+    }
+    void area(const Inputs& in);
+    void references(const Inputs& in);
+    void map(const std::shared_ptr<const MapInput>& map);
+    void inputs(const Inputs& in, Work work);
+    Writer below(const char* prefix) {
+        return Writer(m_entries, m_folder, m_prefix + QString::fromLatin1(prefix));
+    }
+
+  private:
+    Entries* m_entries;
+    QString m_folder;
+    QString m_prefix;
+};
+
+void Writer::area(const Inputs& in) {
+    add("bins",
+        QStringLiteral("half width %1, half height %2").arg(in.halfWidth).arg(in.halfHeight));
+    const Area& a = in.area;
+    add("area", a.isWhole()
+                    ? QStringLiteral("whole")
+                    : QStringLiteral("%1 %2 %3 %4").arg(a.x0).arg(a.y0).arg(a.x1).arg(a.y1));
+}
+
+void Writer::references(const Inputs& in) {
+    int number = 0;
+    for (const ReferenceInput& reference : in.references) {
+        const QString key = QStringLiteral("reference %1").arg(number++);
+        if (!reference.takesPart) {
+            continue;
+        }
+        addFile(key, reference.file);
+        add(qPrintable(key + QStringLiteral(" shift")), exact(reference.deltaE) + " eV");
+        add(qPrintable(key + QStringLiteral(" background")), backgroundWord(reference.background));
+    }
+}
+
+void Writer::map(const std::shared_ptr<const MapInput>& map) {
+    if (!map) {
+        add("energy map", QStringLiteral("none"));
+        return;
+    }
+    if (map->calibration) {
+        add("energy map", QStringLiteral("calibration"));
+        below("energy map ").inputs(*map->calibration, Work::Calibrate);
+    } else {
+        add("energy map", QStringLiteral("file"));
+        addFile(QStringLiteral("energy map file"), map->file);
+        add("energy map edge energy", map->edgeEnergy);
+    }
+    add("energy map smoothed", map->smoothed ? QStringLiteral("yes") : QStringLiteral("no"));
+}
+
+void Writer::inputs(const Inputs& in, Work work) {
+    add("size", QStringLiteral("%1 x %2").arg(in.size.width()).arg(in.size.height()));
+    frames("I1", in.i1);
+    frames("I0", in.i0);
+    for (const QString& file : in.dark) {
+        add("dark", relativeTo(m_folder, file));
+    }
+    area(in);
+    if (work == Work::Calibrate) {
+        addFile(QStringLiteral("standard"), in.standard);
+        add("standard background", backgroundWord(in.standardBackground));
+        return;
+    }
+    add("background", backgroundWord(in.background));
+    if (work == Work::Residual) {
+        add("method", QStringLiteral("residual absorption"));
+        add("energy", fieldText(in.raEnergy) + " eV");
+        add("factor", fieldText(in.raFactor));
+        return;
+    }
+    add("method", in.method == LinearFit::Mlcf ? QStringLiteral("MLCF") : QStringLiteral("LCF"));
+    references(in);
+    map(in.map);
+}
+
+/// What the result of no run came from: an energy map that was loaded.
+Inputs loadedMap(const Measurement& measurement) {
+    Inputs in;
+    in.map = measurement.mapInput();
+    return in;
+}
+
+}  // namespace
+
+QString originFolder(const Inputs& inputs) {
+    QStringList files;
+    for (const StackInputs* stack : {&inputs.i1, &inputs.i0}) {
+        for (const Stack::File& file : stack->files) {
+            files << file.path;
+        }
+    }
+    if (files.isEmpty() && inputs.map && !inputs.map->calibration) {
+        files << inputs.map->file.path;
+    }
+    return deepestFolder(files);
+}
+
+QString stateOf(const Result& result) {
+    if (!result.run) {
+        return QString();
+    }
+    return result.run->state == Run::State::Complete
+               ? QStringLiteral("complete")
+               : QStringLiteral("stopped at %1 %").arg(static_cast<int>(result.run->percent));
+}
+
+QString nameInHead(const FileInput& file, const Inputs& inputs) {
+    return QDir::isAbsolutePath(file.name) ? relativeTo(originFolder(inputs), file.path)
+                                           : file.name;
+}
+
+OriginText originOf(const Measurement& measurement, const Result& result, const QString& savedBy) {
+    OriginText origin;
+    const Inputs inputs = result.run ? result.run->inputs : loadedMap(measurement);
+    Writer writer(&origin.entries, originFolder(inputs));
+    writer.add("program", QStringLiteral("Tarnwick " TARNWICK_VERSION));
+    writer.add("result", QString::fromLatin1(result.kind().source));
+    writer.add("title", QString::fromLatin1(result.kind().title));
+    writer.add("unit", QString::fromLatin1(result.kind().unit));
+    if (const ReferenceInput* reference = result.referenceInput()) {
+        writer.add("of reference", relativeTo(originFolder(inputs), reference->file.path));
+    }
+    if (result.run) {
+        writer.add("state", stateOf(result));
+    }
+    QString processed = QStringLiteral("no");
+    if (result.image.showsProc()) {
+        processed = result.deglitched ? QStringLiteral("deglitched %1 %2")
+                                            .arg(fieldText(result.deglitched->factor),
+                                                 fieldText(result.deglitched->ratio))
+                                      : QStringLiteral("yes");
+    }
+    writer.add("processed", processed);
+    if (!result.run) {
+        writer.map(inputs.map);
+    } else {
+        writer.inputs(inputs, result.run->work);
+        if (result.id == ResultId::Shift && measurement.mapInput()) {
+            writer.add("smoothed", measurement.mapInput()->smoothed ? QStringLiteral("yes")
+                                                                    : QStringLiteral("no"));
+        }
+    }
+    writer.add(qPrintable(OriginText::savedByKey()), savedBy);
+    const RecordLines record = measurement.recordOf(result, savedBy);
+    origin.record = record.lines;
+    if (record.lines.isEmpty()) {
+        writer.add(qPrintable(OriginText::recordKey()), record.whyNot);
+    }
+    return origin;
+}

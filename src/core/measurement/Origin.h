@@ -1,0 +1,22 @@
+#pragma once
+
+#include "files/OriginText.h"
+#include "measurement/Measurement.h"
+
+// What a result was made from, in words. Nothing in them differs between two right runs: no time,
+// host, user, program, number of threads or output name, and file names relative to the folder of
+// the frames.
+
+/// The deepest folder that holds all frames of both stacks; without frames that of the map's file.
+QString originFolder(const Inputs& inputs);
+
+/// The origin of a result, with the record that the measurement's recorder makes of it. savedBy is
+/// the command word that saves the file.
+OriginText originOf(const Measurement& measurement, const Result& result, const QString& savedBy);
+
+/// A file's name for the head of a table: a relative one as it was given, an absolute one relative
+/// to the folder of the frames, so that it is the same wherever they lie.
+QString nameInHead(const FileInput& file, const Inputs& inputs);
+
+/// "complete" or "stopped at 43 %"; empty for what no run has made.
+QString stateOf(const Result& result);

@@ -1,0 +1,173 @@
+#include "measurement/Saving.h"
+
+#include <QCoreApplication>
+#include <QGuiApplication>
+
+#include "base/DebugLog.h"
+#include "calibration/EnergyMapFile.h"
+#include "drawing/BarPicture.h"
+#include "files/FileNames.h"
+#include "files/PictureFile.h"
+#include "measurement/Display.h"
+#include "measurement/Origin.h"
+#include "output/FlatDark.h"
+#include "output/ResultWriter.h"
+#include "spectra/SpectrumFile.h"
+
+namespace {
+
+QString tr(const char* text) {
+    return QCoreApplication::translate("Saving", text);
+}
+
+Outcome unwritable(const QString& file) {
+    return Outcome::failure(tr("cannot be written: %1").arg(file));
+}
+
+Outcome written(bool done, const QString& file) {
+    return done ? Outcome() : unwritable(file);
+}
+
+/// What somebody should know of a result that is saved.
+Outcome judgement(const Measurement& measurement, const Result& result) {
+    Outcome outcome;
+    if (result.run && result.run->state == Run::State::Stopped) {
+        outcome.warnings << tr("the run was stopped before its end");
+    }
+    const Difference difference = measurement.differenceOf(result);
+    if (difference != Difference::None) {
+        outcome.warnings << tr("the result is %1")
+                                .arg(QCoreApplication::translate("Difference",
+                                                                 differenceText(difference)));
+    }
+    return outcome;
+}
+
+QString originText(const Measurement& measurement, const Result& result, const char* savedBy) {
+    return originOf(measurement, result, QString::fromLatin1(savedBy)).toText();
+}
+
+Outcome savePicture(Measurement& measurement, const QString& fileName, const QImage& picture,
+                    const char* savedBy) {
+    if (picture.isNull()) {
+        return Outcome::failure(tr("no image is shown"));
+    }
+    const Result* result = measurement.shownResult();
+    const QString origin =
+        result != nullptr ? originText(measurement, *result, savedBy) : QString();
+    Outcome outcome = written(writePicture(fileName, picture, origin), fileName);
+    if (result != nullptr && !outcome.failed()) {
+        outcome += judgement(measurement, *result);
+    }
+    return outcome;
+}
+
+/// What the head of a result's table says of where it comes from.
+QVector<HeaderLine> headOf(const Result& result) {
+    QVector<HeaderLine> lines{
+        {QStringLiteral("source"), QString::fromLatin1(result.kind().source)}};
+    if (const ReferenceInput* reference = result.referenceInput()) {
+        lines.append(
+            {QStringLiteral("reference file"), nameInHead(reference->file, result.run->inputs)});
+    }
+    return lines;
+}
+
+}  // namespace
+
+Outcome saveImage(Measurement& measurement, const QString& fileName) {
+    return savePicture(measurement, fileName, shownPicture(measurement), "save_image");
+}
+
+Outcome saveImageWithBar(Measurement& measurement, const QString& fileName) {
+    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr) {
+        return Outcome::failure(tr("there are no letters to draw with"));
+    }
+    return savePicture(measurement, fileName, withColorBar(shownWithBar(measurement)),
+                       "save_image_with_bar");
+}
+
+Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
+    Outcome outcome;
+    for (int kind = 0; kind < Reference::KindCount; ++kind) {
+        for (int i = 0; i < measurement.referenceCount(); ++i) {
+            const Reference& reference = *measurement.references()[static_cast<std::size_t>(i)];
+            const Result& result = reference.result(kind);
+            if (!reference.takesPart() || result.image.img() == nullptr) {
+                continue;
+            }
+            const QString name = taggedName(fileName, QStringLiteral("%1-%2").arg(i).arg(kind));
+            const QString origin = originText(measurement, result, "save_image");
+            outcome += written(writePicture(name, *result.image.img(), origin), name);
+            if (outcome.texts().isEmpty()) {
+                outcome += judgement(measurement, result);  // once for all of them
+            }
+        }
+    }
+    return outcome;
+}
+
+Outcome saveData(const Measurement& measurement, const QString& fileName) {
+    Result* result = measurement.selectedResult();
+    if (result == nullptr && measurement.settings().shown == Shown::Map) {
+        result = measurement.shownResult();
+    }
+    if (result == nullptr) {
+        return Outcome::failure(tr("no result image is selected"));
+    }
+    if (!result->image.hasData()) {
+        return Outcome::failure(tr("the selected result holds no values"));
+    }
+    const Settings& form = measurement.settings();
+    const QString origin = originText(measurement, *result, "save_data_as_tiff");
+    const bool done = form.savesTiff ? writeResultTiff(fileName, result->image, form.tiff, origin)
+                                     : writeResultTable(fileName, result->image, form.table,
+                                                        headOf(*result), origin);
+    return done ? judgement(measurement, *result) : unwritable(fileName);
+}
+
+Outcome saveSpectra(Measurement& measurement, const QString& fileName,
+                    const QVector<XafsSpectrum>& more) {
+    QVector<XafsSpectrum> spectra;
+    Outcome outcome;
+    if (!measurement.sample().isEmpty()) {
+        spectra << measurement.sample();
+    }
+    const XafsSpectrum* standard = measurement.standard();
+    if (standard != nullptr && !standard->isEmpty()) {
+        if (spectra.isEmpty()) {
+            outcome.warnings << tr("there is no spectrum at the position: this is the standard");
+        }
+        spectra << *standard;
+    }
+    spectra << more;
+    if (spectra.isEmpty()) {
+        return Outcome::failure(tr("the spectrum window shows no spectrum"));
+    }
+    int number = 0;
+    for (const XafsSpectrum& spectrum : qAsConst(spectra)) {
+        const QString name = number == 0 ? fileName : taggedName(fileName, QString::number(number));
+        ++number;
+        if (writeSpectrumFile(name, spectrum, measurement.settings().correctedSpectra)) {
+            debugFile("Saved", name);
+        } else {
+            outcome += unwritable(name);
+        }
+    }
+    return outcome;
+}
+
+Outcome saveMap(const Measurement& measurement, const QString& fileName) {
+    EMapInfo info;
+    info.imageSize = measurement.imageSize();
+    info.edgeEnergy = edgeEnergyForMap(measurement.standard(), measurement.edgeEnergy());
+    info.spacing = measurement.spacing();
+    info.standardFileName = measurement.standardFile();
+    return written(writeEMap(fileName, measurement.map().image, info), fileName);
+}
+
+Outcome saveFlatDark(const Measurement& measurement) {
+    const QSize size = measurement.imageSize();
+    return written(writeFlatDark(size.width(), size.height()),
+                   QStringLiteral("flat.dat, dark.dat"));
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "measurement/Measurement.h"
+
+// What a measurement writes. Files appear whole or not at all; a failure says which could not be
+// written. Results carry their origin; one that the present inputs would not give again is saved
+// with a warning.
+
+/// The picture on display, in the format of the name's suffix.
+Outcome saveImage(Measurement& measurement, const QString& fileName);
+/// The same with title, source and colour bar. Needs a QGuiApplication for its letters.
+Outcome saveImageWithBar(Measurement& measurement, const QString& fileName);
+/// The picture of every result of the references in use, each under the name with "-R-K" before
+/// the suffix (reference R, kind K).
+Outcome saveAllImages(const Measurement& measurement, const QString& fileName);
+/// The result selected, else the energy-shift map on display, in the form chosen.
+Outcome saveData(const Measurement& measurement, const QString& fileName);
+/// The spectrum at the position, and the standard and what else is given under names with "-1",
+/// "-2", ... before the suffix.
+Outcome saveSpectra(Measurement& measurement, const QString& fileName,
+                    const QVector<XafsSpectrum>& more = {});
+/// The energy-shift map as changes of the Bragg angle.
+Outcome saveMap(const Measurement& measurement, const QString& fileName);
+/// "flat.dat" and "dark.dat" of the images' size, in the present folder.
+Outcome saveFlatDark(const Measurement& measurement);
