@@ -1,10 +1,15 @@
 #include <QBuffer>
+#include <QImage>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 
 #include "TestMain.h"
+#include "files/OriginText.h"
+#include "files/PictureFile.h"
 #include "tarnwick-batch/BatchSession.h"
 #include "tarnwick-batch/Console.h"
 #include "tarnwick-batch/RunnerOptions.h"
+#include "tarnwick-batch/SavedOrigin.h"
 
 namespace {
 
@@ -152,17 +157,64 @@ class TestSession : public QObject {
         QTest::newRow("two files") << L{"a", "b"} << int(A::BadUsage) << "";
         QTest::newRow("unknown option") << L{"-x", "a"} << int(A::BadUsage) << "";
         QTest::newRow("check of nothing") << L{"--check"} << int(A::BadUsage) << "";
+        QTest::newRow("origin") << L{"--origin", "a.tif"} << int(A::Origin) << "a.tif";
+        QTest::newRow("record") << L{"--record", "a.tif"} << int(A::Record) << "a.tif";
+        QTest::newRow("folder") << L{"-C", "d", "a.bat"} << int(A::Run) << "a.bat";
+        const QVector<L> bad = {{"--threads", "0", "a.bat"},
+                                {"--threads", "1025", "a.bat"},
+                                {"--threads", "two", "a.bat"},
+                                {"--threads", "a.bat"},
+                                {"--origin"},
+                                {"--origin", "--record", "a.tif"},
+                                {"--check", "--record", "a"},
+                                {"-C", "a.bat"},
+                                {"-C", "", "a.bat"},
+                                {"-C", "d", "--origin", "a.tif"}};
+        for (const L& args : bad) {
+            QTest::newRow(qPrintable(args.join(' '))) << args << int(A::BadUsage) << "";
+        }
     }
 
     void options() {
         QFETCH(QStringList, args);
         const RunnerOptions options = RunnerOptions::parse(QStringList{"tarnwick-batch"} + args);
         QTEST(int(options.action), "action");
-        QTEST(options.file, "file");
-        if (options.action == RunnerOptions::Action::BadUsage) {
+        if (options.action != RunnerOptions::Action::BadUsage) {
+            QTEST(options.file, "file");
+            QCOMPARE(options.folder, args.contains("-C") ? QString("d") : QString());
+        } else {
             QVERIFY(!options.text.isEmpty());
             QVERIFY(!options.text.contains('\n'));
         }
+    }
+
+    void savedFilesTell() {
+        QTemporaryDir dir;
+        OriginText origin;
+        origin.entries = {{"source", "Ratio"}, {"saved by", "save_image"}};
+        origin.record = QStringList{"load \\", "a.tif"};
+        const auto save = [&](const QString& name) {
+            const QString file = dir.filePath(name);
+            return writePicture(file, QImage(2, 2, QImage::Format_RGB32), origin.toText()) ? file
+                                                                                           : "";
+        };
+        QString why;
+        QString file = save("a map.png");
+        QCOMPARE(originLines(file, &why).value(),
+                 QString("source = Ratio\nsaved by = save_image\n"));
+        QCOMPARE(recordedBatch(file, &why).value(),
+                 "load \\\na.tif\nsave_image \"" + file + "\"\n");
+        QVERIFY(!recordedBatch(save("a \"map\".png"), &why));
+        QVERIFY2(why.contains("name"), qPrintable(why));
+        origin.entries.removeLast();
+        QVERIFY(!recordedBatch(save("a.png"), &why));
+        QVERIFY2(why.contains("what saved it"), qPrintable(why));
+        origin.record.clear();
+        origin.entries += qMakePair(QString("record"), QString("stopped"));
+        QVERIFY(!recordedBatch(save("a.png"), &why));
+        QCOMPARE(why, QString("no record in it: stopped"));
+        QVERIFY(!originLines(dir.filePath("none"), &why));
+        QCOMPARE(why, QString("there is no such file"));
     }
 };
 

@@ -3,30 +3,84 @@
 #include <QCommandLineParser>
 
 namespace {
+
 constexpr int MostThreads = 1024;
+
+const char* const Description =
+    "Runs a Tarnwick batch file to its end, without a display, or says how a saved\n"
+    "result was made. File names in the batch are taken relative to the current\n"
+    "directory, or to the folder of -C.\n"
+    "\n"
+    "Exit code: 0 every line did its work, 1 a line failed (with --check: has an error;\n"
+    "with --origin and --record: the file does not tell), 2 wrong usage or unreadable\n"
+    "batch file, 130 after Ctrl-C.";
+
+/// The switches and what they say in the help text.
+struct Switches {
+    QCommandLineOption check{"check", "Check the batch without running it."};
+    QCommandLineOption threads{"threads",
+                               "Threads for analyses: 1 to 1024 (one for each core). The results "
+                               "are the same for any number.",
+                               "N"};
+    QCommandLineOption folder{
+        "C", "Go to this folder before the batch runs. FILE is looked for before.", "FOLDER"};
+    QCommandLineOption origin{
+        "origin", "Print what the saved result FILE (TIFF, PNG, table) says of how it was made."};
+    QCommandLineOption record{"record", "Print the batch that makes the saved result FILE again."};
+    QCommandLineOption help{{"h", "help"}, "Show this text."};
+    QCommandLineOption version{{"v", "version"}, "Show the version."};
+
+    QList<QCommandLineOption> all() const {
+        return {check, threads, folder, origin, record, help, version};
+    }
+};
+
+/// What is done with FILE; BadUsage where more than one thing is asked for.
+RunnerOptions::Action actionOf(const QCommandLineParser& parser, const Switches& switches) {
+    using Action = RunnerOptions::Action;
+    Action action = Action::Run;
+    for (const auto& [option, asked] :
+         {std::pair(switches.check, Action::Check), std::pair(switches.origin, Action::Origin),
+          std::pair(switches.record, Action::Record)}) {
+        if (parser.isSet(option)) {
+            action = action == Action::Run ? asked : Action::BadUsage;
+        }
+    }
+    return action;
 }
 
+/// What is wrong with the values, one line; empty: nothing.
+QString takeValues(const QCommandLineParser& parser, const Switches& switches,
+                   RunnerOptions* options) {
+    if (parser.isSet(switches.threads)) {
+        bool ok = false;
+        options->threads = parser.value(switches.threads).toInt(&ok);
+        if (!ok || options->threads < 1 || options->threads > MostThreads) {
+            return QStringLiteral("--threads needs a number from 1 to 1024.");
+        }
+    }
+    options->folder = parser.value(switches.folder);
+    if (parser.isSet(switches.folder) && options->folder.isEmpty()) {
+        return QStringLiteral("-C needs a folder.");
+    }
+    const QStringList files = parser.positionalArguments();
+    if (files.size() != 1) {
+        return files.isEmpty() ? QStringLiteral("No file given.")
+                               : QStringLiteral("More than one file given.");
+    }
+    options->file = files.first();
+    return QString();
+}
+
+}  // namespace
+
 RunnerOptions RunnerOptions::parse(const QStringList& args) {
+    const Switches switches;
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Runs a Tarnwick batch file to its end, without a display.\n"
-        "File names in the batch are taken relative to the current directory.\n"
-        "\n"
-        "Exit code: 0 every line did its work, 1 a line failed (with --check: has an error),\n"
-        "2 wrong usage or unreadable batch file, 130 after Ctrl-C."));
-    const QCommandLineOption check(QStringLiteral("check"),
-                                   QStringLiteral("Check the batch without running it."));
-    const QCommandLineOption threads(
-        QStringLiteral("threads"),
-        QStringLiteral("Threads for analyses: 1 to 1024 (one for each core). The results are the "
-                       "same for any number."),
-        QStringLiteral("N"));
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Show this text."));
-    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
-                                     QStringLiteral("Show the version."));
-    parser.addOptions({check, threads, help, version});
-    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The batch file."),
+    parser.setApplicationDescription(QString::fromLatin1(Description));
+    parser.addOptions(switches.all());
+    parser.addPositionalArgument(QStringLiteral("FILE"),
+                                 QStringLiteral("The batch file, or the saved result."),
                                  QStringLiteral("FILE"));
 
     RunnerOptions options;
@@ -34,30 +88,25 @@ RunnerOptions RunnerOptions::parse(const QStringList& args) {
         options.text = parser.errorText();
         return options;
     }
-    if (parser.isSet(help)) {
+    if (parser.isSet(switches.help)) {
         options.action = Action::Help;
         options.text = parser.helpText();
         return options;
     }
-    if (parser.isSet(version)) {
+    if (parser.isSet(switches.version)) {
         options.action = Action::Version;
         return options;
     }
-    if (parser.isSet(threads)) {
-        bool ok = false;
-        options.threads = parser.value(threads).toInt(&ok);
-        if (!ok || options.threads < 1 || options.threads > MostThreads) {
-            options.text = QStringLiteral("--threads needs a number from 1 to 1024.");
-            return options;
-        }
+    const Action action = actionOf(parser, switches);
+    options.text = takeValues(parser, switches, &options);
+    if (options.text.isEmpty() && action == Action::BadUsage) {
+        options.text =
+            QStringLiteral("Only one of --check, --origin and --record can be asked for.");
     }
-    const QStringList files = parser.positionalArguments();
-    if (files.size() != 1) {
-        options.text = files.isEmpty() ? QStringLiteral("No batch file given.")
-                                       : QStringLiteral("More than one batch file given.");
-        return options;
+    const bool runs = action == Action::Run || action == Action::Check;
+    if (options.text.isEmpty() && !runs && !options.folder.isEmpty()) {
+        options.text = QStringLiteral("-C goes with a batch only.");
     }
-    options.file = files.first();
-    options.action = parser.isSet(check) ? Action::Check : Action::Run;
+    options.action = options.text.isEmpty() ? action : Action::BadUsage;
     return options;
 }

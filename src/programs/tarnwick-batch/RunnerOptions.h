@@ -5,11 +5,12 @@
 
 /// What the command line of tarnwick-batch asks for.
 struct RunnerOptions {
-    enum class Action { Run, Check, Help, Version, BadUsage };
+    enum class Action { Run, Check, Origin, Record, Help, Version, BadUsage };
 
     Action action = Action::BadUsage;
     int threads = 0;  ///< Run: for analyses; 0: one for each core
-    QString file;     ///< Run, Check: the batch file
+    QString file;     ///< Run, Check: the batch file; Origin, Record: the saved file
+    QString folder;   ///< Run, Check: where to go once the batch file is read; empty: nowhere
     QString text;     ///< Help: what to print; BadUsage: what is wrong, one line
 
     /// args[0] is the program, as in main.

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QIcon>
 #include <QPixmap>
@@ -20,6 +21,7 @@
 #include "tarnwick-batch/BatchSession.h"
 #include "tarnwick-batch/Console.h"
 #include "tarnwick-batch/RunnerOptions.h"
+#include "tarnwick-batch/SavedOrigin.h"
 #include "window/Body.h"
 
 namespace {
@@ -106,6 +108,20 @@ int run(const BatchText& text, int threads, Console& console) {
     return code;
 }
 
+/// Prints what a saved file tells, or why it does not.
+int tell(const RunnerOptions& options, Console& console) {
+    QString problem;
+    const auto text = options.action == RunnerOptions::Action::Record
+                          ? recordedBatch(options.file, &problem)
+                          : originLines(options.file, &problem);
+    if (!text) {
+        console.note(QStringLiteral("tarnwick-batch: %1: %2").arg(options.file, problem));
+        return BatchSession::SomeFailed;
+    }
+    console.log(*text);
+    return BatchSession::AllDone;
+}
+
 int perform(const RunnerOptions& options, Console& console) {
     switch (options.action) {
         case RunnerOptions::Action::Help:
@@ -118,6 +134,9 @@ int perform(const RunnerOptions& options, Console& console) {
             console.note(
                 QStringLiteral("tarnwick-batch: %1 See tarnwick-batch --help.").arg(options.text));
             return BatchSession::BadUsage;
+        case RunnerOptions::Action::Origin:
+        case RunnerOptions::Action::Record:
+            return tell(options, console);
         case RunnerOptions::Action::Check:
         case RunnerOptions::Action::Run:
             break;
@@ -125,6 +144,10 @@ int perform(const RunnerOptions& options, Console& console) {
     QStringList lines;
     if (!readBatchFile(options.file, &lines)) {
         console.note(QStringLiteral("tarnwick-batch: cannot open ") + options.file);
+        return BatchSession::BadUsage;
+    }
+    if (!options.folder.isEmpty() && !QDir::setCurrent(options.folder)) {
+        console.note(QStringLiteral("tarnwick-batch: cannot enter ") + options.folder);
         return BatchSession::BadUsage;
     }
     return options.action == RunnerOptions::Action::Check
