@@ -11,6 +11,7 @@
 #include <new>
 
 #include "base/DebugLog.h"
+#include "files/WholeFile.h"
 #include "maps/AnalysisGrid.h"
 #include "maps/Analyzed2DRes.h"
 #include "spectra/Spectrum.h"
@@ -231,7 +232,7 @@ bool writeEMap(const QString& fileName, const Analyzed2DRes& map, const EMapInfo
         return false;
     }
     QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly)) {
+    if (!openBeside(file)) {
         debugFile("Can not open", fileName);
         return false;
     }

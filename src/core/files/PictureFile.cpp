@@ -9,7 +9,7 @@
 #include <QPdfWriter>
 #include <QSaveFile>
 
-#include "base/DebugLog.h"
+#include "files/WholeFile.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ QByteArray suffixOf(const QString& fileName) {
 bool writePdf(const QString& fileName, const QSize& size,
               const std::function<void(QPainter&)>& paint) {
     QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly)) {
+    if (!openBeside(file)) {
         return false;
     }
     QPdfWriter writer(&file);
@@ -52,7 +52,7 @@ bool writePicture(const QString& fileName, const QImage& picture, const QString&
         return false;
     }
     QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly)) {
+    if (!openBeside(file)) {
         return false;
     }
     QImage withText = picture;
@@ -80,14 +80,4 @@ bool writeDrawing(const QString& fileName, const QSize& size,
     picture.setDotsPerMeterX(picture.dotsPerMeterX() * Magnification);
     picture.setDotsPerMeterY(picture.dotsPerMeterY() * Magnification);
     return writePicture(fileName, picture);
-}
-
-bool noteSaved(const QString& fileName) {
-    debugFile("Saved", fileName);
-    return true;
-}
-
-bool putInPlace(QSaveFile& file) {
-    // commit() alone does not notice when what was left in the buffer fails.
-    return file.flush() && file.commit() && noteSaved(file.fileName());
 }

@@ -6,7 +6,6 @@
 
 class QImage;
 class QPainter;
-class QSaveFile;
 
 // Writers of pictures. Each returns whether the file was written, and says so in one debug line
 // with its name. A writer that fails stays silent and leaves an existing file of that name as it
@@ -25,10 +24,3 @@ QString originChunkKey();
 /// and text on a page of that size, otherwise as a picture of three times as many pixels.
 bool writeDrawing(const QString& fileName, const QSize& size,
                   const std::function<void(QPainter&)>& paint);
-
-/// The debug line of a saved file; true.
-bool noteSaved(const QString& fileName);
-
-/// Puts the new file in the place of the old one, with the debug line, unless any of it could not
-/// be written.
-bool putInPlace(QSaveFile& file);

@@ -1,17 +1,14 @@
 #include "frames/TiffFile.h"
 
-#include <sys/stat.h>
 #include <tiffio.h>
-#include <unistd.h>
 
 #include <QFile>
-#include <QFileInfo>
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <vector>
 
+#include "files/WholeFile.h"
 #include "frames/RowMemory.h"
 #include "frames/TiffData.h"
 
@@ -186,35 +183,15 @@ bool writeStrips(TIFF* tiff, int height, const quint16* data, quint64 dataCount)
     return TIFFFlush(tiff) == 1;  // a full disk shows at the latest here
 }
 
-/// What a link points to, also when that is not there yet; other names as they are.
-QString behindLinks(const QString& name) {
-    const QFileInfo info(name);
-    if (!info.isSymLink()) {
-        return name;
-    }
-    const QString file = info.canonicalFilePath();
-    return file.isEmpty() ? info.symLinkTarget() : file;
-}
-
-/// Puts the finished file in the place of the old one, with the permissions of that.
-bool replace(const QByteArray& part, const QByteArray& path) {
-    struct stat old;
-    if (::stat(path.constData(), &old) == 0) {
-        const bool ours = S_ISREG(old.st_mode) && ::access(path.constData(), W_OK) == 0;
-        if (!ours || ::chmod(part.constData(), old.st_mode & 07777) != 0) {
-            return false;
-        }
-    }
-    // Over an existing file in one step, which QFile::rename would refuse.
-    return std::rename(part.constData(), path.constData()) == 0;
-}
-
 /// Writes beside the file and then takes its place, so that a failure leaves the old one whole.
 bool writeFile(const QString& name, quint32 width, int height, const quint16* data,
                quint64 dataCount, const QByteArray& description = {}) {
-    for (const QByteArray& path : pathsOf(behindLinks(name))) {
-        const QByteArray part = path + ".part";
-        TiffHandle tiff(TIFFOpen(part.constData(), "w"));
+    for (const QByteArray& path : pathsOf(name)) {
+        WholeFile file(path);
+        TiffHandle tiff(file.isMade() ? TIFFOpen(file.part().constData(), "w") : nullptr);
+        if (file.isTaken()) {
+            return false;
+        }
         if (!tiff) {
             continue;
         }
@@ -222,11 +199,7 @@ bool writeFile(const QString& name, quint32 width, int height, const quint16* da
                              writeStrips(tiff.get(), height, data, dataCount);
         tiff.reset();
         const bool withoutPixels = width == 0 || height <= 0;
-        if ((written || withoutPixels) && replace(part, path)) {
-            return written;
-        }
-        std::remove(part.constData());
-        return false;
+        return (written || withoutPixels) && file.putInPlace() && written;
     }
     return false;
 }

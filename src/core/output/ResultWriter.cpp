@@ -3,7 +3,7 @@
 #include <QSaveFile>
 #include <memory>
 
-#include "files/PictureFile.h"
+#include "files/WholeFile.h"
 #include "frames/TiffFile.h"
 #include "maps/AnalysisGrid.h"
 #include "maps/Analyzed2DRes.h"
@@ -124,7 +124,7 @@ bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
     }
 
     QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly)) {
+    if (!openBeside(file)) {
         return false;
     }
     file.write(headerText(header, result));

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "base/DebugLog.h"
+#include "files/WholeFile.h"
 #include "spectra/Constants.h"
 #include "spectra/XafsSpectrum.h"
 
@@ -91,7 +92,7 @@ void read9809(QTextStream& in, XafsSpectrum* spectrum) {
 
 bool writeSpectrumFile(const QString& fileName, const XafsSpectrum& spectrum, bool corrected) {
     QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+    if (!openBeside(file, QIODevice::WriteOnly | QIODevice::Text)) {
         return false;
     }
     QTextStream out(&file);
