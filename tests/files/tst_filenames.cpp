@@ -1,5 +1,7 @@
 #include <QDir>
+#include <QTemporaryDir>
 
+#include "Files.h"
 #include "TestMain.h"
 #include "files/FileNames.h"
 
@@ -58,6 +60,18 @@ class TestFileNames : public QObject {
         }
         QTEST(seen, "seen");
         QCOMPARE(relativeTo("/d/e", "/d/f g/a"), QString("../f g/a"));
+    }
+
+    void aFolderBehindALink() {
+        QTemporaryDir dir;
+        const QDir root(dir.path());
+        QVERIFY(root.mkpath("far/away/frames") && root.mkdir("refs"));
+        QVERIFY(QFile::link(root.filePath("far/away/frames"), root.filePath("frames")));
+        const QString file = root.filePath("refs/metal.dat");
+        put(file, "1");
+        const QString name = relativeTo(root.filePath("frames"), file);
+        QCOMPARE(name, QString("../../../refs/metal.dat"));
+        QVERIFY(QFile::exists(root.filePath("frames/" + name)));
     }
 };
 
