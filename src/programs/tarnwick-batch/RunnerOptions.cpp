@@ -23,7 +23,8 @@ struct Switches {
                                "are the same for any number.",
                                "N"};
     QCommandLineOption folder{
-        "C", "Go to this folder before the batch runs. FILE is looked for before.", "FOLDER"};
+        "C", "Run the batch in this folder. FILE is taken from where the program is started.",
+        "FOLDER"};
     QCommandLineOption origin{
         "origin", "Print what the saved result FILE (TIFF, PNG, table) says of how it was made."};
     QCommandLineOption record{"record", "Print the batch that makes the saved result FILE again."};
