@@ -58,6 +58,7 @@ struct CommandRow {
     Work work;     ///< the line is answered when this has ended; None: at once
     Run run;
     Check check = nullptr;
+    bool drawsLetters = false;  ///< needs a QGuiApplication
 };
 
 /// How a time of finishing is written in the reference: "at once", "when loaded" ...

@@ -70,7 +70,7 @@ void addSaveCommands(std::vector<CommandRow>* rows) {
          false,
          Work::None,
          [](Action& a) { a.outcome += saveImageWithBar(a.measurement, a.args.text(0)); },
-         [](CommandCheck& c, const CmdLine& cmd) { c.checkPicture(cmd); }},
+         [](CommandCheck& c, const CmdLine& cmd) { c.checkPicture(cmd); }, true},
         {64,
          "save_flat_dark",
          {},

@@ -7,7 +7,7 @@
 
 #include "base/Globals.h"
 #include "batch/RecordWriter.h"
-#include "files/PictureFile.h"
+#include "files/WholeFile.h"
 #include "measurement/Display.h"
 #include "measurement/Origin.h"
 #include "spectra/Units.h"
@@ -187,7 +187,7 @@ Outcome saveRecord(const Measurement& measurement, const QString& fileName) {
     QSaveFile file(fileName);
     const QByteArray text = (record.lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
     const bool written =
-        file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && putInPlace(file);
+        openBeside(file) && file.write(text) == text.size() && putInPlace(file);
     return written ? Outcome() : Outcome::failure(tr("cannot be written: %1").arg(fileName));
 }
 

@@ -19,7 +19,11 @@ void BatchSession::log(const QString& text) {
     }
 }
 
-void BatchSession::commandDone(const CmdLine& cmd, const QStringList& problems) {
+void BatchSession::unknown(const CmdLine& cmd) {
+    log(QStringLiteral("Err: %1").arg(cmd.text));
+}
+
+void BatchSession::commandDone(const CmdLine& cmd, const Outcome& outcome) {
     if (m_finished) {
         return;
     }
@@ -32,34 +36,40 @@ void BatchSession::commandDone(const CmdLine& cmd, const QStringList& problems) 
     if (m_inRemark) {
         return;
     }
-    if (problems.isEmpty()) {
+    const int line = m_text.lineNumber(m_lineInWork());
+    const auto say = [&](const QString& text) {
+        m_console->note(
+            QStringLiteral("line %1: %2: %3").arg(QString::number(line), cmd.command, text));
+    };
+    for (const QString& failure : outcome.failures) {
+        say(failure);
+    }
+    for (const QString& warning : outcome.warnings) {
+        say(QStringLiteral("warning: ") + warning);
+    }
+    if (!outcome.failed()) {
         ++m_done;
+        m_warned += outcome.warnings.isEmpty() ? 0 : 1;
         return;
     }
     ++m_failed;
-    const int line = m_text.lineNumber(m_lineInWork());
     Failure& failure = m_failures[line];
     failure.command = cmd.command;
     ++failure.times;
-    for (const QString& problem : problems) {
-        m_console->note(
-            QStringLiteral("line %1: %2: %3").arg(QString::number(line), cmd.command, problem));
-    }
 }
 
-void BatchSession::loadProgress(int stack, int done, int total) {
-    if (!m_finished && total > 0) {
-        m_console->showBar(stack == 0 ? QStringLiteral("I0") : QStringLiteral("I1"),
-                           static_cast<double>(done) / total,
-                           QStringLiteral("%1/%2").arg(done).arg(total));
+void BatchSession::progress(Work work, double done, double of) {
+    if (m_finished || !(of > 0.0)) {
+        return;
     }
-}
-
-void BatchSession::analysisProgress(double percent) {
-    if (!m_finished) {
-        m_console->showBar(QStringLiteral("Analysis"), percent / 100.0,
-                           QStringLiteral("%1 %").arg(toClampedInt(percent, 0, 100)));
-    }
+    const bool isLoad = work == Work::LoadI1 || work == Work::LoadI0;
+    const int part = toClampedInt(done, 0, 1 << 30);
+    const QString what = work == Work::LoadI1   ? QStringLiteral("I1")
+                         : work == Work::LoadI0 ? QStringLiteral("I0")
+                                                : QStringLiteral("Analysis");
+    m_console->showBar(what, done / of,
+                       isLoad ? QStringLiteral("%1/%2").arg(part).arg(toClampedInt(of, 0, 1 << 30))
+                              : QStringLiteral("%1 %").arg(part));
 }
 
 void BatchSession::end() {
@@ -97,6 +107,9 @@ QString BatchSession::verdict() const {
     }
     QString text =
         m_done == 1 ? QStringLiteral("1 line done") : QStringLiteral("%1 lines done").arg(m_done);
+    if (m_warned > 0) {
+        text += QStringLiteral(", %1 with a warning").arg(m_warned);
+    }
     text += QStringLiteral(", %1 failed").arg(m_failed);
     return named.isEmpty() ? text : text + QLatin1String(": ") + named.join(QLatin1String(", "));
 }

@@ -7,6 +7,8 @@
 
 #include "batch/BatchText.h"
 #include "batch/CmdLine.h"
+#include "measurement/Inputs.h"
+#include "measurement/Outcome.h"
 
 class Console;
 
@@ -23,16 +25,16 @@ class BatchSession : public QObject {
     BatchSession(Console* console, BatchText text, std::function<int()> lineInWork,
                  QObject* parent = nullptr);
 
-    /// "12 lines done, 0 failed" or "10 lines done, 3 failed: line 4 (load_I1_files), line 7 (abc,
-    /// 2 times)"; "0 lines" when there was none.
+    /// "12 lines done, 0 failed", "12 lines done, 1 with a warning, 0 failed" or "10 lines done, 3
+    /// failed: line 4 (load_I1_files), line 7 (abc, 2 times)"; "0 lines" when there was none.
     QString verdict() const;
 
   public slots:
     void log(const QString& text);
-    void commandDone(const CmdLine& cmd, const QStringList& problems);
-    /// Stack 1 is I1, 0 is I0.
-    void loadProgress(int stack, int done, int total);
-    void analysisProgress(double percent);
+    /// A line whose word is no command.
+    void unknown(const CmdLine& cmd);
+    void commandDone(const CmdLine& cmd, const Outcome& outcome);
+    void progress(Work work, double done, double of);
     /// The batch has come to its end.
     void end();
     /// The user or the system wants the program to end.
@@ -54,6 +56,7 @@ class BatchSession : public QObject {
     BatchText m_text;
     std::function<int()> m_lineInWork;
     qint64 m_done = 0;
+    qint64 m_warned = 0;  // of those done
     qint64 m_failed = 0;
     QMap<int, Failure> m_failures;  // by line number
     bool m_inRemark = false;

@@ -1,28 +1,27 @@
-// tarnwick-batch: the main window without a display, driven by a batch file.
+// tarnwick-batch: a measurement without a window, driven by a batch file.
 
 #include <unistd.h>
 
-#include <QApplication>
 #include <QDir>
 #include <QFile>
-#include <QIcon>
-#include <QPixmap>
-#include <QProxyStyle>
+#include <QGuiApplication>
+#include <algorithm>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 #include "base/CleanEnd.h"
 #include "base/Globals.h"
 #include "batch/BatchCheck.h"
-#include "batch/BatchDispatcher.h"
-#include "panels/BatchCtrl.h"
+#include "batch/BatchRunner.h"
+#include "batch/CommandTables.h"
+#include "batch/LineCheck.h"
 #include "tarnwick-batch/BatchSession.h"
 #include "tarnwick-batch/Console.h"
 #include "tarnwick-batch/RunnerOptions.h"
 #include "tarnwick-batch/SavedOrigin.h"
-#include "window/Body.h"
 
 namespace {
 
@@ -37,21 +36,7 @@ void writeMessage(QtMsgType, const QMessageLogContext&, const QString& message) 
     }
 }
 
-/// A style without icons: reading those of the file dialogs, which nobody sees here, took most of
-/// the program's start.
-class WithoutIcons : public QProxyStyle {
-  public:
-    using QProxyStyle::QProxyStyle;
-    QIcon standardIcon(StandardPixmap, const QStyleOption*, const QWidget*) const override {
-        return {};
-    }
-    QPixmap standardPixmap(StandardPixmap, const QStyleOption*, const QWidget*) const override {
-        return {};
-    }
-};
-
 void prepareEnvironment() {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
     // Unattended programs are often started without a locale; file names need not be ASCII.
     const char* locale = std::setlocale(LC_CTYPE, "");
     if (!locale || std::strcmp(locale, "C") == 0 || std::strcmp(locale, "POSIX") == 0) {
@@ -85,27 +70,50 @@ int check(const QStringList& lines, const QString& file, Console& console) {
 }
 
 int run(const BatchText& text, int threads, Console& console) {
-    QApplication::setQuitOnLastWindowClosed(false);
-    Body body;
-    body.setFitsRows(true);
+    Measurement measurement;
     if (threads > 0) {
-        body.setThreads(threads);
+        measurement.setThreads(threads);
     }
-    BatchDispatcher* dispatcher = body.dispatcher();
+    BatchRunner runner(measurement);
+    BatchDispatcher* dispatcher = runner.dispatcher();
     BatchSession session(&console, text, [dispatcher] { return dispatcher->lineInWork(); });
-    QObject::connect(body.batchCtrl(), &BatchCtrl::logged, &session, &BatchSession::log);
-    QObject::connect(&body, &Body::commandDone, &session, &BatchSession::commandDone);
-    QObject::connect(&body, &Body::loadProgress, &session, &BatchSession::loadProgress);
-    QObject::connect(&body, &Body::analysisProgress, &session, &BatchSession::analysisProgress);
+    QObject::connect(dispatcher, &BatchDispatcher::log, &session, &BatchSession::log);
+    QObject::connect(&runner, &BatchRunner::unknownCommand, &session, &BatchSession::unknown);
+    QObject::connect(&runner, &BatchRunner::commandDone, &session, &BatchSession::commandDone);
+    QObject::connect(&measurement, &Measurement::progressed, &session, &BatchSession::progress);
     QObject::connect(dispatcher, &BatchDispatcher::ended, &session, &BatchSession::end);
     const CleanEnd cleanEnd;
     QObject::connect(&cleanEnd, &CleanEnd::requested, &session, &BatchSession::interrupt);
     QObject::connect(&session, &BatchSession::finished, qApp, &QCoreApplication::exit,
                      Qt::QueuedConnection);
-    body.batchCtrl()->dispatchLines(text.lines);
-    const int code = QApplication::exec();
-    body.close();
-    return code;
+    runner.start(text.lines);
+    return QCoreApplication::exec();
+}
+
+/// Whether a batch has a line that draws letters, for which Qt needs more than a bare program.
+bool drawsLetters(const QString& fileName) {
+    QStringList lines;
+    if (!readBatchFile(fileName, &lines)) {
+        return false;
+    }
+    const QVector<CheckedLine> logical = logicalLines(BatchText::fromLines(lines));
+    return std::any_of(logical.begin(), logical.end(), [](const CheckedLine& line) {
+        const CommandRow* row = commandRow(line.command);
+        return row != nullptr && row->drawsLetters && !line.inRemark;
+    });
+}
+
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
+    QStringList args;
+    for (int i = 0; i < argc; ++i) {
+        args << QString::fromLocal8Bit(argv[i]);
+    }
+    const RunnerOptions options = RunnerOptions::parse(args);
+    if (options.action == RunnerOptions::Action::Run && drawsLetters(options.file)) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        return std::make_unique<QGuiApplication>(argc, argv);
+    }
+    return std::make_unique<QCoreApplication>(argc, argv);
 }
 
 /// Prints what a saved file tells, or why it does not.
@@ -128,7 +136,8 @@ int perform(const RunnerOptions& options, Console& console) {
             console.log(options.text);
             return BatchSession::AllDone;
         case RunnerOptions::Action::Version:
-            console.logLine(QStringLiteral("tarnwick-batch ") + QApplication::applicationVersion());
+            console.logLine(QStringLiteral("tarnwick-batch ") +
+                            QCoreApplication::applicationVersion());
             return BatchSession::AllDone;
         case RunnerOptions::Action::BadUsage:
             console.note(
@@ -170,11 +179,10 @@ int main(int argc, char** argv) {
     debugConsole = &console;
     qInstallMessageHandler(writeMessage);
 
-    QApplication::setStyle(new WithoutIcons(QStringLiteral("Fusion")));
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("tarnwick-batch"));
-    QApplication::setApplicationVersion(QStringLiteral(TARNWICK_VERSION));
-    const int code = perform(RunnerOptions::parse(QApplication::arguments()), console);
+    const std::unique_ptr<QCoreApplication> app = makeApplication(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("tarnwick-batch"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TARNWICK_VERSION));
+    const int code = perform(RunnerOptions::parse(QCoreApplication::arguments()), console);
     qInstallMessageHandler(nullptr);
     return code;
 }
