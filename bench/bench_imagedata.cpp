@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "absorption/AbsorptionSource.h"
+#include "absorption/BinRowSpectra.h"
 #include "base/Globals.h"
 #include "frames/FrameSet.h"
 #include "frames/TiffFile.h"
@@ -141,7 +142,7 @@ void BlockRows(benchmark::State& state) {
     const FrameSet i0 = loadedStack(1, Frames / 4);
     const AbsorptionSource source(i1, i0, Width, Height);
     const int half = static_cast<int>(state.range(0));
-    BlockRowSpectra rows(source, half, 2 * half + 1, Width, half, half);
+    BinRowSpectra rows(source, half, 2 * half + 1, Width, half, half);
     wholeImage(state, [&](int x, int y) { return rows.at(x, y); });
 }
 BENCHMARK(BlockRows)->Arg(0)->Arg(1)->Arg(4)->Unit(benchmark::kMillisecond);

@@ -21,6 +21,7 @@
 #include "RoundTrips.h"
 #include "SampleStacks.h"
 #include "absorption/AbsorptionSource.h"
+#include "absorption/BinRowSpectra.h"
 #include "base/Globals.h"
 #include "calibration/EnergyShift.h"
 #include "fitting/LinearFit.h"
@@ -259,7 +260,7 @@ void plainLoop(benchmark::State& state, Done done) {
     const int half = static_cast<int>(state.range(0));
     const int step = 2 * half + 1;
     for (auto _ : state) {
-        BlockRowSpectra rows(source, half, step, stacks().width(), half, half);
+        BinRowSpectra rows(source, half, step, stacks().width(), half, half);
         for (int y = half; y < stacks().height(); y += step) {
             for (int x = half; x < stacks().width(); x += step) {
                 const XafsSpectrum spectrum(rows.at(x, y), XafsSpectrum::Simple, 0.0);

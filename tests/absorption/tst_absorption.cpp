@@ -2,14 +2,20 @@
 #include <climits>
 #include <cmath>
 #include <cstring>
+#include <iterator>
+#include <map>
 #include <random>
 
 #include "TestMain.h"
 #include "TinyStacks.h"
 #include "absorption/AbsorptionSource.h"
+#include "absorption/BinRowSpectra.h"
+#include "base/Numbers.h"
 #include "frames/DarkFrame.h"
 #include "frames/RowMemory.h"
 #include "spectra/Logarithm.h"
+
+Q_DECLARE_METATYPE(std::vector<double>)
 
 namespace {
 
@@ -36,20 +42,46 @@ FrameSet noisyStack(const std::vector<double>& energies, unsigned seed) {
     return set;
 }
 
-/// What a spectrum is, word for word.
-double plainValue(const FrameSet& i1, const FrameSet& i0, int i, int x, int y, int hw, int hh) {
-    const double s1 = i1.at(i)->boxSum(x, y, hw, hh);
-    const double s0 = setValueAt(i0, i1.at(i)->energy, x, y, hw, hh);
-    return s0 * s1 > 0 ? logarithm(s0 / s1) : 1.0;
+/// Frames by energy, those of one energy in order of arrival.
+std::map<double, std::vector<const TiffData*>> byEnergy(const FrameSet& set) {
+    std::map<double, std::vector<const TiffData*>> frames;
+    for (int i = 0; i < set.size(); ++i) {
+        frames[set.at(i)->energy].push_back(set.at(i));
+    }
+    return frames;
 }
 
-/// The same with the dark sum taken off both sums.
-double darkValue(const FrameSet& i1, const FrameSet& i0, double dark, int i, int x, int y, int hw,
-                 int hh) {
-    const double s1 = i1.at(i)->boxSum(x, y, hw, hh) - dark;
-    const double interpolated = setValueAt(i0, i1.at(i)->energy, x, y, hw, hh);
-    const double s0 = i0.isEmpty() ? interpolated : interpolated - dark;
-    return s0 * s1 > 0 ? logarithm(s0 / s1) : 1.0;
+/// What a spectrum is, word for word; with the dark sum taken off both sums.
+std::vector<Spoint> plainSpectrum(const FrameSet& i1, const FrameSet& i0, double dark, int x, int y,
+                                  int hw, int hh) {
+    const auto before = byEnergy(i0);
+    const auto mean = [&](const std::vector<const TiffData*>& frames) {
+        double sum = 0.0;
+        for (const TiffData* frame : frames) {
+            sum += frame->boxSum(x, y, hw, hh);
+        }
+        return sum / static_cast<double>(frames.size());
+    };
+    const auto i0At = [&](double e) {
+        const auto same = before.find(e);
+        if (before.size() == 1 || (same != before.end() && same->second.size() > 1)) {
+            return mean(before.size() == 1 ? before.begin()->second : same->second);
+        }
+        auto after = before.upper_bound(e);
+        after = after == before.end() ? std::prev(after) : after;
+        after = after == before.begin() ? std::next(after) : after;
+        const auto [e0, first] = *std::prev(after);
+        return lerp(e, e0, mean(first), after->first, mean(after->second));
+    };
+    std::vector<Spoint> spectrum;
+    for (const auto& [e, frames] : byEnergy(i1)) {
+        for (const TiffData* frame : frames) {
+            const double s1 = frame->boxSum(x, y, hw, hh) - dark;
+            const double s0 = before.empty() ? 1.0 : i0At(e) - dark;
+            spectrum.push_back({e, s0 * s1 > 0 ? logarithm(s0 / s1) : 1.0});
+        }
+    }
+    return spectrum;
 }
 
 }  // namespace
@@ -59,26 +91,41 @@ class TestAbsorption : public QObject {
 
   private slots:
     void everyPathGivesTheSameBits_data() {
-        QTest::addColumn<QVector<double>>("i0Energies");
+        using Energies = std::vector<double>;
+        QTest::addColumn<Energies>("i1Energies");
+        QTest::addColumn<Energies>("i0Energies");
         QTest::addColumn<int>("halfWidth");
         QTest::addColumn<int>("halfHeight");
-        const QVector<double> few{7100, 7110, 7150};
-        QTest::newRow("no I0") << QVector<double>{} << 1 << 1;
-        QTest::newRow("one I0 frame") << QVector<double>{7000} << 1 << 0;
-        QTest::newRow("two I0 frames") << QVector<double>{7105, 7118} << 2 << 1;
-        QTest::newRow("equal energies") << QVector<double>{7110, 7110} << 1 << 2;
-        QTest::newRow("single pixels") << few << 0 << 0;
-        QTest::newRow("wide boxes") << few << 3 << 2;
-        QTest::newRow("negative half widths") << few << -1 << -3;
-        QTest::newRow("boxes beyond the image") << few << 2000000000 << 2000000000;
-        QTest::newRow("the smallest integer") << few << INT_MIN << INT_MIN;
+        const Energies ascending{7090, 7100, 7105.5, 7110, 7110, 7120, 7200};
+        const Energies shuffled{7120, 7090, 7110, 7200, 7105.5, 7100, 7110};
+        const Energies few{7100, 7110, 7150};
+        QTest::newRow("no I0") << ascending << Energies{} << 1 << 1;
+        QTest::newRow("one I0 frame") << ascending << Energies{7000} << 1 << 0;
+        QTest::newRow("two I0 frames") << ascending << Energies{7105, 7118} << 2 << 1;
+        QTest::newRow("one I0 energy") << ascending << Energies{7110, 7110, 7110} << 1 << 2;
+        QTest::newRow("single pixels") << ascending << few << 0 << 0;
+        QTest::newRow("wide boxes") << ascending << few << 3 << 2;
+        QTest::newRow("negative half widths") << ascending << few << -1 << -3;
+        QTest::newRow("boxes beyond the image") << ascending << few << 2000000000 << 2000000000;
+        QTest::newRow("the smallest integer") << ascending << few << INT_MIN << INT_MIN;
+        QTest::newRow("any order") << shuffled << Energies{7150, 7100, 7110} << 1 << 0;
+        QTest::newRow("descending") << Energies{7200, 7110, 7090} << Energies{7150, 7090} << 0 << 0;
+        QTest::newRow("repeated in the middle")
+            << shuffled << Energies{7150, 7110, 7100, 7110} << 1 << 1;
+        QTest::newRow("repeated at the ends")
+            << shuffled << Energies{7110, 7100, 7105, 7100, 7110, 7110} << 0 << 0;
+        QTest::newRow("two energies, all repeated")
+            << ascending << Energies{7105, 7105, 7100, 7100} << 1 << 0;
+        QTest::newRow("one I1 frame") << Energies{7105} << few << 1 << 1;
+        QTest::newRow("one I1 energy") << Energies{7105, 7105} << Energies{7105, 7105} << 0 << 1;
     }
     void everyPathGivesTheSameBits() {
-        QFETCH(QVector<double>, i0Energies);
+        QFETCH(std::vector<double>, i1Energies);
+        QFETCH(std::vector<double>, i0Energies);
         QFETCH(int, halfWidth);
         QFETCH(int, halfHeight);
-        FrameSet i1 = noisyStack({7090, 7100, 7105.5, 7110, 7110, 7120, 7200}, 1);
-        FrameSet i0 = noisyStack(std::vector<double>(i0Energies.begin(), i0Energies.end()), 2);
+        FrameSet i1 = noisyStack(i1Energies, 1);
+        FrameSet i0 = noisyStack(i0Energies, 2);
         // A wider, taller frame, a smaller one and one whose reading broke off.
         i1.append(tinyFrame(Width + 9, Height + 5, 7210,
                             [](int x, int y) { return static_cast<quint16>(x * y + 1); }));
@@ -97,27 +144,30 @@ class TestAbsorption : public QObject {
         const DarkFrame noDark;
         const AbsorptionSource undarkened(i1, i0, Width, Height, &noDark);
         const int stepX = halfWidth == 0 ? 1 : 3;
-        BlockRowSpectra darkRows(darkened, 1, stepX, Width, halfWidth, halfHeight);
-        BlockRowSpectra rows(source, 1, stepX, Width, halfWidth, halfHeight);
+        BinRowSpectra darkRows(darkened, 1, stepX, Width, halfWidth, halfHeight);
+        BinRowSpectra rows(source, 1, stepX, Width, halfWidth, halfHeight);
         for (int y = 0; y < Height; ++y) {
-            for (int x = 0; x < Width; ++x) {  // most of them lie between the blocks
+            for (int x = 0; x < Width; ++x) {  // most of them lie between the bins
                 const Spectrum a = source.spectrumAt(x, y, halfWidth, halfHeight);
                 const Spectrum b = rows.at(x, y);
                 const Spectrum c = darkened.spectrumAt(x, y, halfWidth, halfHeight);
                 const Spectrum d = darkRows.at(x, y);
                 const Spectrum none = undarkened.spectrumAt(x, y, halfWidth, halfHeight);
                 const double darkSum = dark.boxSum(x, y, halfWidth, halfHeight);
+                const auto plain = plainSpectrum(i1, i0, 0.0, x, y, halfWidth, halfHeight);
+                const auto dimmed = plainSpectrum(i1, i0, darkSum, x, y, halfWidth, halfHeight);
                 QCOMPARE(a.size(), i1.size());
                 QCOMPARE(b.size(), i1.size());
                 for (int i = 0; i < a.size(); ++i) {
-                    const double v = plainValue(i1, i0, i, x, y, halfWidth, halfHeight);
-                    QVERIFY(sameBits(a.value(i), v));
-                    QVERIFY(sameBits(b.value(i), v));
-                    QVERIFY(sameBits(none.value(i), v));
-                    const double w = darkValue(i1, i0, darkSum, i, x, y, halfWidth, halfHeight);
+                    const Spoint& v = plain[static_cast<std::size_t>(i)];
+                    QVERIFY(sameBits(a.value(i), v.y));
+                    QVERIFY(sameBits(b.value(i), v.y));
+                    QVERIFY(sameBits(none.value(i), v.y));
+                    const double w = dimmed[static_cast<std::size_t>(i)].y;
                     QVERIFY(sameBits(c.value(i), w));
                     QVERIFY(sameBits(d.value(i), w));
-                    QCOMPARE(b.energy(i), i1.at(i)->energy);
+                    QCOMPARE(a.energy(i), v.x);
+                    QCOMPARE(b.energy(i), v.x);
                 }
                 QCOMPARE(a.minIndex(), b.minIndex());
                 QCOMPARE(a.maxIndex(), b.maxIndex());
@@ -129,7 +179,7 @@ class TestAbsorption : public QObject {
         const FrameSet i1 = noisyStack({1, 2}, 3);
         const FrameSet none;
         const AbsorptionSource source(i1, none, Width, Height);
-        BlockRowSpectra rows(source, INT_MIN, 3, INT_MAX, 1, 1);
+        BinRowSpectra rows(source, INT_MIN, 3, INT_MAX, 1, 1);
         for (const QPoint p : {QPoint(-1, 0), QPoint(0, -1), QPoint(Width, 0), QPoint(0, Height),
                                QPoint(INT_MAX, INT_MIN)}) {
             QVERIFY(source.spectrumAt(p.x(), p.y(), 1, 1).isEmpty());

@@ -2,14 +2,19 @@
 
 #include <QStringList>
 #include <QtGlobal>
+#include <mutex>
 
-/// Collects the debug lines written during its life instead of printing them.
+/// Collects the debug lines written during its life, by any thread, instead of printing them.
 class DebugLines {
   public:
     DebugLines() {
         lines().clear();
-        m_previous = qInstallMessageHandler(
-            [](QtMsgType, const QMessageLogContext&, const QString& text) { lines() << text; });
+        m_previous =
+            qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
+                static std::mutex mutex;
+                const std::lock_guard<std::mutex> lock(mutex);
+                lines() << text;
+            });
     }
     ~DebugLines() { qInstallMessageHandler(m_previous); }
     DebugLines(const DebugLines&) = delete;

@@ -16,6 +16,7 @@
 #include "TestMain.h"
 #include "TinyStacks.h"
 #include "absorption/AbsorptionSource.h"
+#include "absorption/BinRowSpectra.h"
 #include "panels/AnalyzeProc.h"
 #include "panels/Analyzer.h"
 #include "panels/LCFReference.h"
@@ -122,7 +123,7 @@ void AllocationsTest::noneForAPoint() {
     });
     const FrameSet i0 = tinyStack(Points, 1, {7000.0, 7300.0}, [](int, int, int) { return 20000; });
     const AbsorptionSource source(i1, i0, Points, 1);
-    BlockRowSpectra rows(source, 0, 1, Points, 0, 0);
+    BinRowSpectra rows(source, 0, 1, Points, 0, 0);
 
     Analyzer analyzer;
     QTemporaryDir dir;

@@ -2,7 +2,6 @@
 
 #include <vector>
 
-#include "spectra/Lanes.h"
 #include "spectra/Spectrum.h"
 
 class DarkFrame;
@@ -14,8 +13,12 @@ struct TiffData;
 /// product of the sums is not above 0. With a dark frame both sums first lose its sum over the same
 /// box, s0 after the interpolation; without I0 frames s0 is 1.0 and loses nothing.
 ///
-/// Holds which I0 frames lie around each I1 energy: valid until either stack or the dark frame
-/// changes.
+/// The frames count in order of energy, whatever the order of their arrival. Several I1 frames of
+/// one energy are points of their own, in order of arrival. Several I0 frames of one energy count
+/// as one, the mean of their sums: at that energy it is the value, elsewhere the interpolation runs
+/// through it. One energy in the whole I0 stack gives one value for all.
+///
+/// Holds the frames in that order: valid until either stack or the dark frame changes.
 class AbsorptionSource {
   public:
     /// Frames count as images of width x height pixels (those of the first I1 frame).
@@ -23,80 +26,39 @@ class AbsorptionSource {
                      const DarkFrame* dark = nullptr);
 
     int energyCount() const { return static_cast<int>(m_energies.size()); }
+    /// Of the I1 frames in eV, ascending.
     const std::vector<double>& energies() const { return m_energies; }
 
-    /// One point an I1 frame, in their order; empty outside the image or without frames.
+    /// One point an I1 frame, in order of energy; empty outside the image or without frames.
     Spectrum spectrumAt(int x, int y, int halfWidth, int halfHeight) const;
 
   private:
-    friend class BlockRowSpectra;
+    friend class BinRowSpectra;
 
-    /// Where an I1 energy lies among the I0 frames.
-    struct Bracket {
-        int first = 0;
-        double fromFirst = 0.0;  // energy less that of the first frame
-        double span = 0.0;       // energy between both frames
+    /// The I0 frames of one energy.
+    struct I0Energy {
+        double energy = 0.0;
+        std::vector<const TiffData*> frames;
     };
 
+    /// Where an I1 energy lies among the I0 energies.
+    struct Bracket {
+        std::size_t first = 0;
+        bool isInterpolated = false;  // else the value of `first` alone
+        double fromFirst = 0.0;       // energy less the first
+        double span = 0.0;            // from the first to the next
+    };
+
+    void gatherI0(const FrameSet& i0);
+    Bracket bracketOf(double e) const;
     bool isInside(int x, int y) const { return x >= 0 && y >= 0 && x < m_width && y < m_height; }
-    double interpolated(const Bracket& bracket, double y0, double y1) const;
     double darkSum(int x, int y, int halfWidth, int halfHeight) const;
 
-    const FrameSet& m_i1;
-    const FrameSet& m_i0;
     int m_width;
     int m_height;
     const DarkFrame* m_dark;
+    std::vector<const TiffData*> m_i1;
     std::vector<double> m_energies;
-    std::vector<Bracket> m_brackets;  // one an I1 frame, when there are two or more I0 frames
-};
-
-/// The spectra of a raster of positions, formed a whole row of blocks at a time: every frame's rows
-/// are read once, in order, instead of once a position. The same numbers as spectrumAt().
-class BlockRowSpectra {
-  public:
-    /// Positions firstX, firstX + stepX, ... below endX and inside the image.
-    BlockRowSpectra(const AbsorptionSource& source, int firstX, int stepX, int endX, int halfWidth,
-                    int halfHeight);
-
-    /// Positions of a row.
-    int count() const { return m_count; }
-
-    /// Spectrum at a position. Forms its row when that is not the one held; a position off the
-    /// raster is formed on its own.
-    Spectrum at(int x, int y);
-
-    /// Sums up the bins of `blocks` positions of row y from the given one on; what at() holds is
-    /// kept.
-    void sum(int y, int firstBlock, int blocks);
-    /// mu-t of a pack of the bins summed last, mu[energy * lanes::Count + block]: those from
-    /// `block` on, a multiple of lanes::Count counted from their first. What lies beyond the last
-    /// bin is some number.
-    void formPack(int block, double* mu) const;
-
-  private:
-    void formRow(int y);
-    void sumBlocks(const TiffData& frame, int y, double* sums);
-
-    const AbsorptionSource& m_source;
-    int m_firstX;
-    int m_stepX;
-    int m_count;
-    int m_halfWidth;
-    int m_halfHeight;
-    const lanes::Kernels& m_kernels;
-
-    int m_row = -1;
-    std::vector<double> m_values;  // of the row held: energies of block 0, of block 1, ...
-    std::vector<double> m_pack;
-
-    // Of the bins summed last, whole packs of them for every frame.
-    int m_sumFirst = 0;
-    int m_sumCount = 0;
-    std::size_t m_stride = 0;
-    std::vector<double> m_i0Sums;
-    std::vector<double> m_i1Sums;
-    std::vector<double> m_darkSums;
-    std::vector<lanes::Sums> m_sums;  // of every energy
-    std::vector<quint32> m_columns;   // column sums of the frame being summed
+    std::vector<I0Energy> m_i0;
+    std::vector<Bracket> m_brackets;  // one an I1 frame; none without I0 frames
 };

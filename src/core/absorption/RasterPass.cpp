@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <new>
+#include <stdexcept>
 #include <utility>
 
 #include "absorption/AbsorptionSource.h"
+#include "absorption/BinRowSpectra.h"
+#include "spectra/Lanes.h"
 
 namespace {
 
@@ -24,8 +27,16 @@ RasterPass::RasterPass(const AbsorptionSource& source, const BinRaster& raster, 
       m_evaluators(std::move(evaluators)),
       m_ready(std::move(ready)),
       m_slots(m_evaluators.size() + RowsAhead) {
-    for (const Evaluate& evaluate : m_evaluators) {
-        m_threads.emplace_back([this, &evaluate] { work(evaluate); });
+    m_threads.reserve(m_evaluators.size());
+    try {
+        for (const Evaluate& evaluate : m_evaluators) {
+            m_threads.emplace_back([this, &evaluate] { work(evaluate); });
+        }
+    } catch (const std::exception&) {
+        // No thread or no memory for it: the rows are shared out among the threads that there are.
+    }
+    if (m_threads.empty()) {
+        fail(Failure::NoThread);
     }
 }
 
@@ -45,8 +56,16 @@ void RasterPass::work(const Evaluate& evaluate) {
         evaluateRows(evaluate);
         return;
     } catch (const std::bad_alloc&) {
+        fail(Failure::Memory);
+    } catch (const std::length_error&) {
+        fail(Failure::Memory);
+    }
+}
+
+void RasterPass::fail(Failure why) {
+    {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_failed = true;
+        m_failure = why;
         m_stopped = true;
     }
     m_roomMade.notify_all();
@@ -59,9 +78,9 @@ void RasterPass::work(const Evaluate& evaluate) {
 void RasterPass::evaluateRows(const Evaluate& evaluate) {
     constexpr int Pack = lanes::Count;
     const std::size_t energies = static_cast<std::size_t>(m_source.energyCount());
-    BlockRowSpectra bins(m_source, m_raster.firstX, m_raster.stepX,
-                         m_raster.x(m_raster.columns - 1) + 1, m_raster.halfWidth,
-                         m_raster.halfHeight);
+    BinRowSpectra bins(m_source, m_raster.firstX, m_raster.stepX,
+                       m_raster.x(m_raster.columns - 1) + 1, m_raster.halfWidth,
+                       m_raster.halfHeight);
     const int packs = static_cast<int>(
         std::max<std::size_t>(4, NearMemory / (2 * sizeof(double) * Pack * (energies + 1))));
     std::vector<double> mu(energies * Pack);
@@ -117,7 +136,7 @@ void RasterPass::finish(int row, std::vector<double>* values) {
 }
 
 bool RasterPass::isReady() const {
-    if (m_failed || m_taken >= m_raster.rows) {
+    if (m_failure != Failure::None || m_taken >= m_raster.rows) {
         return true;
     }
     const Slot& slot = m_slots[static_cast<std::size_t>(m_taken) % m_slots.size()];
@@ -125,7 +144,7 @@ bool RasterPass::isReady() const {
 }
 
 RasterPass::Row RasterPass::taken() {
-    if (m_failed || m_taken >= m_raster.rows) {
+    if (m_failure != Failure::None || m_taken >= m_raster.rows) {
         return {};
     }
     const int row = m_taken++;
@@ -172,7 +191,7 @@ RasterPass::Row RasterPass::tryTake(bool* pending) {
     return row;
 }
 
-bool RasterPass::failed() const {
+RasterPass::Failure RasterPass::failure() const {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_failed;
+    return m_failure;
 }

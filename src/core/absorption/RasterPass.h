@@ -18,7 +18,7 @@ class AbsorptionSource;
 class RasterPass {
   public:
     /// Works out `valuesPerBin` numbers for each of `count` spectra (at most lanes::Count) that
-    /// belong to columns `column`, ... of a row; spectra as in BlockRowSpectra::formPack().
+    /// belong to columns `column`, ... of a row; spectra as in BinRowSpectra::formPack().
     using Evaluate =
         std::function<void(const double* mu, int row, int column, int count, double* values)>;
 
@@ -28,8 +28,12 @@ class RasterPass {
         const double* values = nullptr;
     };
 
-    /// One evaluator for each thread; they are called there. ready, which may be empty, is called
-    /// from any of the threads when a row that take() waits for has been finished.
+    enum class Failure { None, Memory, NoThread };
+
+    /// One evaluator for each thread; they are called there. Where the system gives fewer threads,
+    /// those do the whole work; where it gives none, the pass has failed and ready is called here.
+    /// ready, which may be empty, is called from any of the threads when a row that take() waits
+    /// for has been finished.
     RasterPass(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
                std::vector<Evaluate> evaluators, std::function<void()> ready = {});
     /// Stops the threads in mid-work.
@@ -42,8 +46,9 @@ class RasterPass {
     const double* at(int x, int y);
     /// take() without waiting; *pending when it is still being worked on.
     Row tryTake(bool* pending);
-    /// Memory ran out; no more rows come.
-    bool failed() const;
+    /// Why no more rows come.
+    Failure failure() const;
+    bool failed() const { return failure() != Failure::None; }
 
     const BinRaster& raster() const { return m_raster; }
 
@@ -55,6 +60,7 @@ class RasterPass {
     };
 
     void work(const Evaluate& evaluate);
+    void fail(Failure why);
     void evaluateRows(const Evaluate& evaluate);
     bool nextRow(int* row);
     void finish(int row, std::vector<double>* values);
@@ -75,7 +81,7 @@ class RasterPass {
     int m_begun = 0;            // rows that a thread has begun or done
     int m_taken = 0;
     bool m_stopped = false;
-    bool m_failed = false;
+    Failure m_failure = Failure::None;
     std::vector<double> m_current;  // the row taken last
     Row m_row;                      // the row that at() is in
     std::vector<std::thread> m_threads;

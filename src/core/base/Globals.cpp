@@ -1,7 +1,5 @@
 #include "base/Globals.h"
 
-#include <cmath>
-
 QString DataDir;
 QList<QColor> Colors;
 std::array<unsigned char, 256> GreyTable;
@@ -38,18 +36,6 @@ void buildColourTables() {
         GreyTable[i] = static_cast<unsigned char>(i);
     }
     buildColorMap();
-}
-
-int toClampedInt(double v, int low, int high) {
-    if (!(v > static_cast<double>(low))) {  // also NaN
-        return low;
-    }
-    return v >= static_cast<double>(high) ? high : static_cast<int>(v);
-}
-
-int toPixel(double position) {
-    constexpr int Far = 1 << 30;
-    return toClampedInt(std::floor(position), -Far, Far);
 }
 
 QColor getColor(int i) {

@@ -5,6 +5,8 @@
 #include <QString>
 #include <array>
 
+#include "base/Numbers.h"
+
 // Values that every room reads. initGlobals() fills them before the application object exists;
 // afterwards only DataDir and DebugFlag may change, and only on the interface thread. The tables
 // are read from worker threads and must never change again.
@@ -45,10 +47,3 @@ const unsigned char* greyOf(int i);
 const unsigned char* colorOf(double v);
 /// False colour by index, clamped to 0..766.
 const unsigned char* colorOf(int i);
-
-/// trunc(v) clamped to [low, high]; NaN gives low. Never undefined, whatever v holds.
-int toClampedInt(double v, int low, int high);
-
-/// The pixel that a position lies in: pixel n covers n to n + 1. Positions far outside any image
-/// are cut to +-2^30, NaN to -2^30.
-int toPixel(double position);

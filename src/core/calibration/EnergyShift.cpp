@@ -62,7 +62,11 @@ void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid, const BinValuesAt& 
 
 std::vector<RasterPass::Evaluate> edgeEvaluators(int threads, const std::vector<double>& energies) {
     const auto evaluate = [energies](const double* mu, int, int, int count, double* values) {
-        double edges[lanes::Count];
+        double edges[lanes::Count] = {};
+        if (energies.empty()) {
+            std::copy_n(edges, count, values);
+            return;
+        }
         lanes::kernels(lanes::bestUnits())
             .risingEdge(mu, energies.data(), static_cast<int>(energies.size()), kCalibrationLevel,
                         edges);

@@ -67,39 +67,96 @@ void LaneFit::finish(const double* sums, int l, double* results) {
                  results);
 }
 
-std::vector<RasterPass::Evaluate> fitEvaluators(
-    int threads, const BinRaster& raster, const QVector<XafsSpectrum>& references,
-    LinearFit::Method method, const std::vector<double>& energies, int backgroundType,
-    const std::function<double(int x, int y)>& correctionAt) {
+namespace {
+
+/// Bin l of a pack as a spectrum of its own.
+Spectrum spectrumOf(const std::vector<double>& energies, const double* mu, int l) {
+    Spectrum spectrum;
+    spectrum.assignWith(static_cast<int>(energies.size()), [&](Spoint* points) {
+        for (std::size_t i = 0; i < energies.size(); ++i) {
+            points[i] = {energies[i], mu[i * Count + static_cast<std::size_t>(l)]};
+        }
+    });
+    return spectrum;
+}
+
+/// What a thread works out of the spectra of a raster.
+template <typename Make>
+std::vector<RasterPass::Evaluate> ofEachThread(int threads, Make make) {
     std::vector<RasterPass::Evaluate> evaluators;
     for (int t = 0; t < threads; ++t) {
-        const auto fit = std::make_shared<LaneFit>(references, method, energies, backgroundType);
-        evaluators.push_back([fit, raster, correctionAt](const double* mu, int row, int column,
-                                                         int count, double* values) {
-            double corrections[Count];
-            for (int l = 0; l < count; ++l) {
-                corrections[l] = correctionAt(raster.x(column + l), raster.y(row));
-            }
-            fit->fit(mu, corrections, count, values);
-        });
+        evaluators.push_back(make());
     }
     return evaluators;
+}
+
+RasterPass::Evaluate fitOneByOne(const BinRaster& raster, const QVector<XafsSpectrum>& references,
+                                 LinearFit::Method method, const std::vector<double>& energies,
+                                 int backgroundType, const CorrectionAt& correctionAt) {
+    const auto fit = std::make_shared<LinearFit>(references, method);
+    return [=](const double* mu, int row, int column, int count, double* values) {
+        for (int l = 0; l < count; ++l) {
+            fit->fit(XafsSpectrum(spectrumOf(energies, mu, l), backgroundType,
+                                  correctionAt(raster.x(column + l), raster.y(row))));
+            values = std::copy(fit->dMuts().begin(), fit->dMuts().end(), values);
+            values = std::copy(fit->ratios().begin(), fit->ratios().end(), values);
+        }
+    };
+}
+
+RasterPass::Evaluate fitPacks(const BinRaster& raster, const QVector<XafsSpectrum>& references,
+                              LinearFit::Method method, const std::vector<double>& energies,
+                              int backgroundType, const CorrectionAt& correctionAt) {
+    const auto fit = std::make_shared<LaneFit>(references, method, energies, backgroundType);
+    return [=](const double* mu, int row, int column, int count, double* values) {
+        double corrections[Count];
+        for (int l = 0; l < count; ++l) {
+            corrections[l] = correctionAt(raster.x(column + l), raster.y(row));
+        }
+        fit->fit(mu, corrections, count, values);
+    };
+}
+
+RasterPass::Evaluate curvesOneByOne(const std::vector<double>& energies, int backgroundType,
+                                    double e) {
+    return [=](const double* mu, int, int, int count, double* values) {
+        for (int l = 0; l < count; ++l) {
+            const XafsSpectrum spectrum(spectrumOf(energies, mu, l), backgroundType, 0.0);
+            *values++ = spectrum.preEdge().valueAt(e);
+            *values++ = spectrum.postEdge().valueAt(e);
+        }
+    };
+}
+
+RasterPass::Evaluate curvesOfPacks(const std::vector<double>& energies, int backgroundType,
+                                   double e) {
+    const auto normaliser = std::make_shared<LaneNormaliser>(energies, backgroundType);
+    return [normaliser, e](const double* mu, int, int, int count, double* values) {
+        normaliser->normalise(mu, count);
+        for (int l = 0; l < count; ++l) {
+            *values++ = normaliser->preAt(e, l);
+            *values++ = normaliser->postAt(e, l);
+        }
+    };
+}
+
+}  // namespace
+
+std::vector<RasterPass::Evaluate> fitEvaluators(int threads, const BinRaster& raster,
+                                                const QVector<XafsSpectrum>& references,
+                                                LinearFit::Method method,
+                                                const std::vector<double>& energies,
+                                                int backgroundType,
+                                                const CorrectionAt& correctionAt) {
+    const auto make = LaneNormaliser::suits(energies) ? fitPacks : fitOneByOne;
+    return ofEachThread(threads, [&] {
+        return make(raster, references, method, energies, backgroundType, correctionAt);
+    });
 }
 
 std::vector<RasterPass::Evaluate> backgroundEvaluators(int threads,
                                                        const std::vector<double>& energies,
                                                        int backgroundType, double e) {
-    std::vector<RasterPass::Evaluate> evaluators;
-    for (int t = 0; t < threads; ++t) {
-        const auto normaliser = std::make_shared<LaneNormaliser>(energies, backgroundType);
-        evaluators.push_back(
-            [normaliser, e](const double* mu, int, int, int count, double* values) {
-                normaliser->normalise(mu, count);
-                for (int l = 0; l < count; ++l) {
-                    values[2 * l] = normaliser->preAt(e, l);
-                    values[2 * l + 1] = normaliser->postAt(e, l);
-                }
-            });
-    }
-    return evaluators;
+    const auto make = LaneNormaliser::suits(energies) ? curvesOfPacks : curvesOneByOne;
+    return ofEachThread(threads, [&] { return make(energies, backgroundType, e); });
 }

@@ -42,16 +42,24 @@ class LaneFit {
     std::vector<double> m_coefficients;
 };
 
-/// What a RasterPass works out with fits: for each bin the edge jumps due to all references, then
-/// their ratios. The energy correction (eV) of a bin is that at its centre; correctionAt is called
-/// from the threads. The energies must suit LaneNormaliser.
-std::vector<RasterPass::Evaluate> fitEvaluators(
-    int threads, const BinRaster& raster, const QVector<XafsSpectrum>& references,
-    LinearFit::Method method, const std::vector<double>& energies, int backgroundType,
-    const std::function<double(int x, int y)>& correctionAt);
+/// Energy correction (eV) at a pixel; called from several threads.
+using CorrectionAt = std::function<double(int x, int y)>;
 
-/// What a RasterPass works out for residual absorption: for each bin the values of the pre-edge and
-/// of the post-edge curve at an energy (eV). The energies must suit LaneNormaliser.
+// What a RasterPass works out, one evaluator for each thread. The energies are those of the source,
+// any: where packs cannot be worked on, the spectra are taken one by one, with the same results as
+// LinearFit and XafsSpectrum give.
+
+/// With fits: for each bin the edge jumps due to all references, then their ratios; its energy
+/// correction is that at its centre.
+std::vector<RasterPass::Evaluate> fitEvaluators(int threads, const BinRaster& raster,
+                                                const QVector<XafsSpectrum>& references,
+                                                LinearFit::Method method,
+                                                const std::vector<double>& energies,
+                                                int backgroundType,
+                                                const CorrectionAt& correctionAt);
+
+/// For residual absorption: for each bin the values of the pre-edge and of the post-edge curve at
+/// an energy (eV); 0.0 where there are too few points for a curve.
 std::vector<RasterPass::Evaluate> backgroundEvaluators(int threads,
                                                        const std::vector<double>& energies,
                                                        int backgroundType, double e);

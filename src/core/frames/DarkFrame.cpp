@@ -1,8 +1,8 @@
 #include "frames/DarkFrame.h"
 
 #include <algorithm>
-#include <cstdlib>
 
+#include "base/Numbers.h"
 #include "frames/FrameSet.h"
 
 bool DarkFrame::fits(const TiffData& frame, int width, int height) {
@@ -38,16 +38,12 @@ DarkFrame::DarkFrame(const FrameSet& frames, int width, int height) {
 }
 
 double DarkFrame::boxSum(int x, int y, int halfWidth, int halfHeight) const {
-    const qint64 hw = std::abs(static_cast<qint64>(halfWidth));
-    const qint64 hh = std::abs(static_cast<qint64>(halfHeight));
-    const qint64 left = std::max<qint64>(0, x - hw);
-    const qint64 right = std::min<qint64>(m_width - 1, x + hw);
-    const qint64 top = std::max<qint64>(0, y - hh);
-    const qint64 bottom = std::min<qint64>(m_height - 1, y + hh);
+    const PixelRange columns = clippedAround(x, halfWidth, m_width);
+    const PixelRange lines = clippedAround(y, halfHeight, m_height);
     double sum = 0.0;
-    for (qint64 r = top; r <= bottom; ++r) {
+    for (qint64 r = lines.first; r <= lines.last; ++r) {
         const double* row = m_mean.data() + r * m_width;
-        for (qint64 c = left; c <= right; ++c) {
+        for (qint64 c = columns.first; c <= columns.last; ++c) {
             sum += row[c];
         }
     }

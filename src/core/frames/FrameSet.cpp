@@ -1,5 +1,11 @@
 #include "frames/FrameSet.h"
 
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "base/Numbers.h"
+
 TiffData* FrameSet::at(int i) {
     return i >= 0 && i < size() ? m_frames[static_cast<std::size_t>(i)].get() : nullptr;
 }
@@ -8,24 +14,15 @@ const TiffData* FrameSet::at(int i) const {
     return const_cast<FrameSet*>(this)->at(i);
 }
 
-int bracketOf(const FrameSet& set, double e) {
-    int low = 0;
-    int high = set.size() - 1;
-    if (e < set.at(low)->energy) {
-        return low;
-    }
-    if (e >= set.at(high)->energy) {
-        return high - 1;
-    }
-    while (high - low > 1) {
-        const int middle = low + (high - low) / 2;
-        if (e < set.at(middle)->energy) {
-            high = middle;
-        } else {
-            low = middle;
-        }
-    }
-    return low;
+std::vector<int> inOrderOfEnergy(const FrameSet& set) {
+    std::vector<int> order(static_cast<std::size_t>(set.size()));
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(), [&set](int a, int b) {
+        const double ea = set.at(a)->energy;
+        const double eb = set.at(b)->energy;
+        return std::isnan(eb) ? !std::isnan(ea) : ea < eb;
+    });
+    return order;
 }
 
 double setValueAt(const FrameSet& set, double e, int x, int y, int halfWidth, int halfHeight) {
@@ -35,7 +32,7 @@ double setValueAt(const FrameSet& set, double e, int x, int y, int halfWidth, in
     if (set.size() == 1) {
         return set.at(0)->boxSum(x, y, halfWidth, halfHeight);
     }
-    const int i = bracketOf(set, e);
+    const int i = pairAround(set.size(), e, [&set](int k) { return set.at(k)->energy; });
     const TiffData* a = set.at(i);
     const TiffData* b = set.at(i + 1);
     return lerp(e, a->energy, a->boxSum(x, y, halfWidth, halfHeight), b->energy,

@@ -5,8 +5,7 @@
 
 #include "frames/TiffData.h"
 
-/// An ordered list of frames that it owns, in the order in which they arrived; ascending energy is
-/// expected of them.
+/// An ordered list of frames that it owns, in the order in which they arrived.
 class FrameSet {
   public:
     int size() const { return static_cast<int>(m_frames.size()); }
@@ -21,15 +20,10 @@ class FrameSet {
     std::vector<std::unique_ptr<TiffData>> m_frames;
 };
 
-/// (e - e0) ((y1 - y0) / (e1 - e0)) + y0; the mean of y0 and y1 when e1 equals e0.
-inline double lerp(double e, double e0, double y0, double e1, double y1) {
-    return e1 == e0 ? 0.5 * (y0 + y1) : (e - e0) * ((y1 - y0) / (e1 - e0)) + y0;
-}
+/// Indices of the frames in order of energy, those of equal energy in order of arrival; what has no
+/// number for an energy comes last.
+std::vector<int> inOrderOfEnergy(const FrameSet& set);
 
-/// Index i of the frame of the pair i, i + 1 between whose energies e lies: the first pair below
-/// the first energy, the last at or above the last. At least two frames.
-int bracketOf(const FrameSet& set, double e);
-
-/// Box sum of the set at an energy, interpolated linearly between frames and extrapolated beyond
-/// them. 1.0 of an empty set; that of the only frame whatever the energy.
+/// Box sum of a set of ascending energies at an energy, interpolated linearly between frames and
+/// extrapolated beyond them. 1.0 of an empty set; that of the only frame whatever the energy.
 double setValueAt(const FrameSet& set, double e, int x, int y, int halfWidth, int halfHeight);

@@ -3,7 +3,6 @@
 #include <QFile>
 #include <QImage>
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -11,6 +10,7 @@
 
 #include "base/DebugLog.h"
 #include "base/Globals.h"
+#include "base/Numbers.h"
 #include "frames/RowMemory.h"
 
 TiffData::TiffData(int pictureFormat) : format(pictureFormat) {}
@@ -157,17 +157,13 @@ void TiffData::makeImage() {
 }
 
 double TiffData::boxSum(int x, int y, int halfWidth, int halfHeight) const {
-    const qint64 hw = std::abs(static_cast<qint64>(halfWidth));
-    const qint64 hh = std::abs(static_cast<qint64>(halfHeight));
-    const qint64 left = std::max<qint64>(0, x - hw);
-    const qint64 right = std::min<qint64>(static_cast<qint64>(width) - 1, x + hw);
-    const qint64 top = std::max<qint64>(0, y - hh);
-    const qint64 bottom = std::min<qint64>(static_cast<qint64>(rows.size()) - 1, y + hh);
+    const PixelRange columns = clippedAround(x, halfWidth, width);
+    const PixelRange lines = clippedAround(y, halfHeight, static_cast<qint64>(rows.size()));
     // Whole numbers below 2^53: the sum is the same in any order, and in a double.
     quint64 sum = 0;
-    for (qint64 r = top; r <= bottom; ++r) {
+    for (qint64 r = lines.first; r <= lines.last; ++r) {
         const quint16* row = rows[static_cast<std::size_t>(r)];
-        for (qint64 c = left; c <= right; ++c) {
+        for (qint64 c = columns.first; c <= columns.last; ++c) {
             sum += row[c];
         }
     }

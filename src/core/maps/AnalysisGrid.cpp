@@ -6,7 +6,7 @@
 #include <tuple>
 #include <utility>
 
-#include "base/Globals.h"
+#include "base/Numbers.h"
 
 namespace {
 

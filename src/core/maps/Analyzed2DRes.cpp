@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "base/Globals.h"
+#include "base/Numbers.h"
 
 namespace {
 
@@ -106,17 +107,15 @@ int Analyzed2DRes::no() const {
 }
 
 void Analyzed2DRes::fillBin(Array* array, int ix, int iy, int xw, int yw, double t) const {
-    const qint64 left = std::max<qint64>(0, static_cast<qint64>(ix) - xw);
-    const qint64 right = std::min<qint64>(m_grid.width - 1, static_cast<qint64>(ix) + xw);
-    const qint64 top = std::max<qint64>(0, static_cast<qint64>(iy) - yw);
-    const qint64 bottom = std::min<qint64>(m_grid.height - 1, static_cast<qint64>(iy) + yw);
-    if (array->isEmpty() || left > right) {
+    const PixelRange columns = clipped(qint64(ix) - xw, qint64(ix) + xw, m_grid.width);
+    const PixelRange lines = clipped(qint64(iy) - yw, qint64(iy) + yw, m_grid.height);
+    if (array->isEmpty() || columns.isEmpty()) {
         return;
     }
     double* const values = array->data();
-    for (qint64 row = top; row <= bottom; ++row) {
+    for (qint64 row = lines.first; row <= lines.last; ++row) {
         double* const first = values + row * m_grid.width;
-        std::fill(first + left, first + right + 1, t);
+        std::fill(first + columns.first, first + columns.last + 1, t);
     }
 }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "spectra/Interpolation.h"
+#include "base/Numbers.h"
 
 CurveLookup::CurveLookup(const Spectrum& curve) : m_curve(curve) {
     const int n = curve.size();
@@ -38,24 +38,19 @@ CurveLookup::CurveLookup(const Spectrum& curve) : m_curve(curve) {
 }
 
 int CurveLookup::pairAround(double e) const {
-    const int last = static_cast<int>(m_energies.size()) - 2;
+    const int n = static_cast<int>(m_energies.size());
     if (e < m_energies.front()) {
         return 0;
     }
     if (e >= m_energies.back()) {
-        return last;
+        return n - 2;
     }
     const double step = (e - m_energies.front()) * m_perEv;
     const double* const energies = m_energies.data();
-    int i = m_pairs[static_cast<std::size_t>(
+    const int nearBy = m_pairs[static_cast<std::size_t>(
         std::min(step, static_cast<double>(m_pairs.size()) - 1.0))];
-    while (i < last && energies[i + 1] <= e) {
-        ++i;
-    }
-    while (i > 0 && energies[i] > e) {
-        --i;
-    }
-    return i;
+    return ::pairAround(
+        n, e, [energies](int i) { return energies[i]; }, nearBy);
 }
 
 double CurveLookup::valueAt(double e) const {

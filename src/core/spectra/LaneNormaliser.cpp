@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/Numbers.h"
 #include "spectra/Constants.h"
-#include "spectra/Interpolation.h"
 #include "spectra/LinearSolver.h"
 #include "spectra/XafsSpectrum.h"
 
@@ -173,11 +173,9 @@ void LaneNormaliser::normalise(const double* mu, int count) {
 }
 
 int LaneNormaliser::pairAround(double e) const {
-    const int n = static_cast<int>(m_energies.size());
-    // Not a number lies beyond all energies, as for Spectrum::valueAt().
-    const int above = static_cast<int>(std::upper_bound(m_energies.begin(), m_energies.end(), e) -
-                                       m_energies.begin());
-    return std::isnan(e) ? n - 2 : std::clamp(above - 1, 0, n - 2);
+    const double* const energies = m_energies.data();
+    return ::pairAround(static_cast<int>(m_energies.size()), e,
+                        [energies](int i) { return energies[i]; });
 }
 
 double LaneNormaliser::curveAt(const lanes::Curve& curve, int i, int l) const {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "spectra/Interpolation.h"
+#include "base/Numbers.h"
 #include "spectra/LiveCounts.h"
 
 namespace {
@@ -192,24 +192,7 @@ double Spectrum::findE(double fraction, int mode) const {
 }
 
 int Spectrum::pairAt(double e) const {
-    const int n = size();
-    if (e < energy(0)) {
-        return 0;
-    }
-    if (e >= energy(n - 1)) {
-        return n - 2;
-    }
-    int low = 0;
-    int high = n - 1;
-    while (high - low > 1) {
-        const int middle = low + (high - low) / 2;
-        if (e < energy(middle)) {
-            high = middle;
-        } else {
-            low = middle;
-        }
-    }
-    return low;
+    return pairAround(size(), e, [this](int i) { return energy(i); });
 }
 
 double Spectrum::valueAt(double e) const {

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "absorption/AbsorptionSource.h"
+#include "absorption/BinRowSpectra.h"
 #include "base/Globals.h"
 #include "batch/BatchDispatcher.h"
 #include "display/CrossSection.h"

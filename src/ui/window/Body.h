@@ -26,7 +26,7 @@ class Analyzer;
 struct BarPicture;
 class BatchCtrl;
 class BatchDispatcher;
-class BlockRowSpectra;
+class BinRowSpectra;
 class CalibCtrl;
 class CommandHandlers;
 class CrossSection;
@@ -237,7 +237,7 @@ class Body : public QMainWindow {
     QString m_darkToolTip;
 
     std::unique_ptr<AbsorptionSource> m_source;
-    std::unique_ptr<BlockRowSpectra> m_rows;
+    std::unique_ptr<BinRowSpectra> m_rows;
     int m_threads = QThread::idealThreadCount();
     bool m_fitsRows = false;
     ShareOfTime m_shownOnTime;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "absorption/AbsorptionSource.h"
+#include "absorption/BinRowSpectra.h"
 #include "absorption/RasterPass.h"
 #include "base/DebugLog.h"
 #include "base/Globals.h"
@@ -77,7 +78,7 @@ XafsSpectrum Body::corrected(const Spectrum& spectrum, int x, int y) const {
 
 Spectrum Body::spectrumOnGrid(const AnalysisGrid& grid, int x, int y) {
     if (!m_rows) {
-        m_rows = std::make_unique<BlockRowSpectra>(source(), grid.x0 + grid.halfW, grid.stepX,
+        m_rows = std::make_unique<BinRowSpectra>(source(), grid.x0 + grid.halfW, grid.stepX,
                                                    grid.x1, grid.halfW, grid.halfH);
     }
     return m_rows->at(x, y);

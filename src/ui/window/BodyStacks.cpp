@@ -4,6 +4,7 @@
 #include <QSlider>
 
 #include "absorption/AbsorptionSource.h"
+#include "absorption/BinRowSpectra.h"
 #include "base/DebugLog.h"
 #include "display/ImageView.h"
 #include "frames/DarkData.h"

@@ -1,0 +1,209 @@
+#include <pthread.h>
+#include <sys/resource.h>
+
+#include <QFile>
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+
+#include "DebugLines.h"
+#include "Edges.h"
+#include "TestMain.h"
+#include "TinyStacks.h"
+#include "absorption/AbsorptionSource.h"
+#include "absorption/BinRowSpectra.h"
+#include "calibration/EnergyShift.h"
+#include "fitting/LaneFit.h"
+
+using Energies = std::vector<double>;
+Q_DECLARE_METATYPE(Energies)
+
+namespace {
+
+constexpr int Width = 21;
+constexpr int Height = 4;
+constexpr double At = 7101.25;  // eV, for residual absorption
+constexpr double Nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double Infinity = std::numeric_limits<double>::infinity();
+
+bool same(double a, double b) {
+    return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
+}
+
+/// Noisy steps at various energies.
+FrameSet edgeStack(const Energies& energies) {
+    std::mt19937 random(3);
+    return tinyStack(Width, Height, energies, [&](int i, int x, int y) {
+        const double e = energies[static_cast<std::size_t>(i)];
+        const double mu = std::isfinite(e) ? edges::step(e + x - y, 0.2) : 0.5;
+        return static_cast<quint16>(4000.0 * std::exp(-mu) + static_cast<double>(random() % 50));
+    });
+}
+
+FrameSet flatStack() {
+    return tinyStack(Width, Height, {7000, 7300},
+                     [](int, int x, int) { return quint16(8000 + x); });
+}
+
+double correctionAt(int x, int y) {
+    return 0.25 * (x / 3) - y;
+}
+
+BinRaster wholeImage() {
+    return BinRaster{0, 1, Width, 0, 1, Height, 1, 0};
+}
+
+/// All values of a pass, row after row.
+Energies valuesOf(RasterPass& pass, int perBin) {
+    Energies values;
+    for (RasterPass::Row row = pass.take(); row.values != nullptr; row = pass.take()) {
+        values.insert(values.end(), row.values, row.values + Width * perBin);
+    }
+    return values;
+}
+
+Energies evenly(double from, double to, double step) {
+    const QVector<double> list = edges::energies(from, to, step);
+    return {list.begin(), list.end()};
+}
+
+/// What threads ask of the system for themselves, for as long as it lives.
+class ThreadCost {
+  public:
+    explicit ThreadCost(std::size_t bytes) {
+        pthread_getattr_default_np(&m_old);
+        pthread_attr_t attributes;
+        pthread_getattr_default_np(&attributes);
+        pthread_attr_setstacksize(&attributes, bytes);
+        pthread_setattr_default_np(&attributes);
+        pthread_attr_destroy(&attributes);
+    }
+    ~ThreadCost() {
+        pthread_setattr_default_np(&m_old);
+        pthread_attr_destroy(&m_old);
+    }
+
+  private:
+    pthread_attr_t m_old;
+};
+
+}  // namespace
+
+/// What a pass over rows of bins works out, against one spectrum at a time.
+class TestRasterPass : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void anyStackGivesTheSameBits_data() {
+        QTest::addColumn<Energies>("energies");
+        Energies shuffled = evenly(7000, 7300, 4);
+        std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(1));
+        Energies repeated = shuffled;
+        repeated.insert(repeated.end(), {7096, 7100, 7100, 7000, 7300});
+        Energies withoutNumber = repeated;
+        withoutNumber.insert(withoutNumber.begin() + 5, {Nan, Infinity, Nan, -Infinity});
+        QTest::newRow("ascending") << evenly(7000, 7300, 4);
+        QTest::newRow("any order") << shuffled;
+        QTest::newRow("repeated") << repeated;
+        QTest::newRow("not finite") << withoutNumber;
+        QTest::newRow("one energy") << Energies(6, 7100.0);
+        QTest::newRow("one frame") << Energies{7100};
+        QTest::newRow("two frames") << Energies{7120, 7080};
+        QTest::newRow("three frames") << Energies{7080, 7120, 7100};
+        QTest::newRow("three energies of four") << Energies{7080, 7120, 7100, 7100};
+        QTest::newRow("outside the references") << evenly(6000, 6040, 2);
+    }
+    void anyStackGivesTheSameBits() {
+        QFETCH(Energies, energies);
+        const DebugLines quiet;
+        const FrameSet i1 = edgeStack(energies);
+        const FrameSet i0 = flatStack();
+        const AbsorptionSource source(i1, i0, Width, Height);
+        const BinRaster raster = wholeImage();
+        const QVector<XafsSpectrum> references{edges::reference(0.1), edges::reference(0.4)};
+        for (int type : {XafsSpectrum::Simple, XafsSpectrum::Victreen}) {
+            RasterPass lcf(source, raster, 4,
+                           fitEvaluators(2, raster, references, LinearFit::Lcf, source.energies(),
+                                         type, correctionAt));
+            RasterPass mlcf(source, raster, 4,
+                            fitEvaluators(2, raster, references, LinearFit::Mlcf, source.energies(),
+                                          type, correctionAt));
+            RasterPass curves(source, raster, 2,
+                              backgroundEvaluators(2, source.energies(), type, At));
+            RasterPass edge(source, raster, 1, edgeEvaluators(2, source.energies()));
+            LinearFit alone(references, LinearFit::Lcf);
+            LinearFit aloneM(references, LinearFit::Mlcf);
+            for (int y = 0; y < Height; ++y) {
+                for (int x = 0; x < Width; ++x) {
+                    const XafsSpectrum spectrum(source.spectrumAt(x, y, 1, 0), type,
+                                                correctionAt(x, y));
+                    alone.fit(spectrum);
+                    aloneM.fit(spectrum);
+                    for (std::size_t r = 0; r < 2; ++r) {
+                        QVERIFY(same(lcf.at(x, y)[r], alone.dMuts()[r]));
+                        QVERIFY(same(lcf.at(x, y)[2 + r], alone.ratios()[r]));
+                        QVERIFY(same(mlcf.at(x, y)[r], aloneM.dMuts()[r]));
+                        QVERIFY(same(mlcf.at(x, y)[2 + r], aloneM.ratios()[r]));
+                    }
+                    QVERIFY(same(curves.at(x, y)[0], spectrum.preEdge().valueAt(At)));
+                    QVERIFY(same(curves.at(x, y)[1], spectrum.postEdge().valueAt(At)));
+                    QVERIFY(same(edge.at(x, y)[0], calibrationEdge(&spectrum)));
+                }
+            }
+        }
+    }
+
+    void withoutFramesAnEdgeIsZero() {
+        const double mu = 0.0;
+        double edge = 1.0;
+        edgeEvaluators(1, {})[0](&mu, 0, 0, 1, &edge);
+        QCOMPARE(edge, 0.0);
+    }
+
+    void goesOnWithTheThreadsThatThereAre_data() {
+        QTest::addColumn<int>("threads");
+        QTest::addColumn<int>("stacks");  // that the process has room for
+        QTest::newRow("all of them") << 3 << 100;
+        QTest::newRow("fewer") << 20 << 2;
+        QTest::newRow("none") << 3 << 0;
+        QTest::newRow("none asked for") << 0 << 100;
+    }
+    void goesOnWithTheThreadsThatThereAre() {
+#ifdef __SANITIZE_ADDRESS__
+        QSKIP("the sanitizer needs address space of its own");
+#endif
+        QFETCH(int, threads);
+        QFETCH(int, stacks);
+        const FrameSet i1 = edgeStack(evenly(7000, 7300, 4));
+        const FrameSet i0;
+        const AbsorptionSource source(i1, i0, Width, Height);
+        RasterPass whole(source, wholeImage(), 1, edgeEvaluators(2, source.energies()));
+        const Energies expected = valuesOf(whole, 1);
+
+        constexpr rlim_t Stack = rlim_t(8) << 30;
+        rlimit old;
+        getrlimit(RLIMIT_AS, &old);
+        QFile memory("/proc/self/statm");
+        QVERIFY(memory.open(QIODevice::ReadOnly));
+        const rlim_t used = memory.readAll().split(' ').first().toULongLong() * 4096;
+        const rlimit limit = {used + Stack / 2 + static_cast<rlim_t>(stacks) * Stack, old.rlim_max};
+        const ThreadCost dear(Stack);
+        setrlimit(RLIMIT_AS, &limit);
+        std::atomic<int> calls{0};
+        RasterPass pass(source, wholeImage(), 1, edgeEvaluators(threads, source.energies()),
+                        [&] { ++calls; });
+        const Energies values = valuesOf(pass, 1);
+        setrlimit(RLIMIT_AS, &old);
+
+        const bool works = threads > 0 && stacks > 0;
+        QCOMPARE(pass.failure(), works ? RasterPass::Failure::None : RasterPass::Failure::NoThread);
+        QCOMPARE(values, works ? expected : Energies());
+        QVERIFY(calls > 0);
+    }
+};
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestRasterPass)
+#include "tst_rasterpass.moc"
