@@ -124,7 +124,7 @@ class TestRasterPass : public QObject {
         const AbsorptionSource source(i1, i0, Width, Height);
         const BinRaster raster = wholeImage();
         const QVector<XafsSpectrum> references{edges::reference(0.1), edges::reference(0.4)};
-        for (int type : {XafsSpectrum::Simple, XafsSpectrum::Victreen}) {
+        for (int type = 0; type < background::Count; ++type) {
             RasterPass lcf(source, raster, 4,
                            fitEvaluators(2, raster, references, LinearFit::Lcf, source.energies(),
                                          type, correctionAt));

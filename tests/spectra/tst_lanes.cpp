@@ -175,7 +175,7 @@ class TestLanes : public QObject {
         for (int i = 10; i < 110; ++i) {
             points.push_back(i);
         }
-        for (int type : {XafsSpectrum::Simple, XafsSpectrum::Victreen}) {
+        for (int type = 0; type < background::Count; ++type) {
             LaneNormaliser normaliser(e, type, units);
             std::vector<double> y(points.size() * Count);
             for (std::size_t first = 0; first < all.size(); first += Count) {

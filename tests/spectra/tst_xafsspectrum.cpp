@@ -250,10 +250,10 @@ class TestXafsSpectrum : public QObject {
         for (int i = 0; i < 5; ++i) {
             s.append(i, 10.0 * i);
         }
-        curve.fitLine(s, 2.0, 3.0);
+        curve.fit(XafsSpectrum::Simple, s, 2.0, 3.0);
         QCOMPARE(curve.c0(), 20.0);
         QCOMPARE(curve.c3(), 0.0);
-        curve.fitLine(s, 7.0, 9.0);
+        curve.fit(XafsSpectrum::Simple, s, 7.0, 9.0);
         QCOMPARE(curve.c0(), 0.0);
         QCOMPARE(curve.value(4), 0.0);
     }

@@ -1,6 +1,7 @@
 #include "spectra/BgCurve.h"
 
-#include "spectra/Constants.h"
+#include <algorithm>
+
 #include "spectra/LinearSolver.h"
 
 namespace {
@@ -24,78 +25,59 @@ void forRange(const Spectrum& spectrum, double start, double end, Add add) {
 
 }  // namespace
 
-template <typename Function>
-void BgCurve::evaluate(const Spectrum& spectrum, Function function) {
+template <typename Kind>
+void BgCurve::evaluate(const Spectrum& spectrum, const double* coefficients) {
+    double c[Kind::Terms];
+    std::copy_n(coefficients, Kind::Terms, c);
     const Spoint* const measured = spectrum.points();
     const double offset = spectrum.offset();
     const int size = spectrum.size();
     assignWith(size, [=](Spoint* points) {
         for (int i = 0; i < size; ++i) {
             const double e = measured[i].x - offset;
-            points[i] = {e, function(e)};
+            const background::Abscissa at = Kind::at(e);
+            points[i].x = e;
+            Kind::value(c, at.x, at.z, points[i].y);
         }
     });
 }
 
-void BgCurve::fitLine(const Spectrum& spectrum, double start, double end) {
-    m_victreen = false;
-    const int size = spectrum.size();
-    if (size < 3) {
+template <typename Kind>
+void BgCurve::fit(const Spectrum& spectrum, double start, double end) {
+    constexpr int N = Kind::Terms;
+    if (spectrum.size() < Kind::FewestPoints) {
         return;
     }
-    double n = 0.0, sumE = 0.0, sumY = 0.0, sumEE = 0.0, sumEY = 0.0;
+    int points = 0;
+    double normal[N * N] = {};
+    double right[N] = {};
     forRange(spectrum, start, end, [&](double e, double y) {
-        n += 1.0;
-        sumE += e;
-        sumY += y;
-        sumEE += e * e;
-        sumEY += e * y;
+        double f[N];
+        Kind::functions(Kind::at(e), f);
+        ++points;
+        for (int i = 0; i < N; ++i) {
+            for (int j = i; j < N; ++j) {
+                normal[i * N + j] += f[i] * f[j];
+            }
+            right[i] += f[i] * y;
+        }
     });
-    if (n < 2.0) {
-        m_c3 = 0.0;
-        m_c0 = n == 1.0 ? sumY : 0.0;
-    } else {
-        const double a[] = {sumEE, sumE, sumE, n};
-        const double b[] = {sumEY, sumY};
-        double c[2];
-        solveLinear(a, b, 2, c);
-        m_c3 = c[0];
-        m_c0 = c[1];
+    for (int i = 1; i < N; ++i) {
+        for (int j = 0; j < i; ++j) {
+            normal[i * N + j] = normal[j * N + i];
+        }
     }
-    evaluate(spectrum, [c0 = m_c0, c3 = m_c3](double e) { return c0 + c3 * e; });
+    double c[N];
+    if (!Kind::isSettled(points, right, c)) {
+        solveLinear(normal, right, N, c);
+    }
+    for (int i = 0; i < N; ++i) {
+        m_c[Kind::Names[i]] = c[i];
+    }
+    evaluate<Kind>(spectrum, c);
 }
 
-void BgCurve::fitVictreen(const Spectrum& spectrum, double start, double end) {
-    m_victreen = true;
-    const int size = spectrum.size();
-    if (size < 4) {
-        return;
-    }
-    double n = 0.0, s3 = 0.0, s4 = 0.0, s6 = 0.0, s7 = 0.0, s8 = 0.0;
-    double sumY = 0.0, sum3Y = 0.0, sum4Y = 0.0;
-    forRange(spectrum, start, end, [&](double e, double y) {
-        const double lambda = Hc / e;
-        const double l3 = lambda * lambda * lambda;
-        const double l4 = l3 * lambda;
-        n += 1.0;
-        s3 += l3;
-        s4 += l4;
-        s6 += l3 * l3;
-        s7 += l3 * l4;
-        s8 += l4 * l4;
-        sumY += y;
-        sum3Y += l3 * y;
-        sum4Y += l4 * y;
-    });
-    const double a[] = {n, s3, s4, s3, s6, s7, s4, s7, s8};
-    const double b[] = {sumY, sum3Y, sum4Y};
-    double c[3];
-    solveLinear(a, b, 3, c);
-    m_c0 = c[0];
-    m_c1 = c[1];
-    m_c2 = c[2];
-    evaluate(spectrum, [c0 = m_c0, c1 = m_c1, c2 = m_c2](double e) {
-        const double lambda = Hc / e;
-        return c0 + (c2 * lambda + c1) * (lambda * lambda * lambda);
-    });
+void BgCurve::fit(int kind, const Spectrum& spectrum, double start, double end) {
+    m_kind = kind;
+    background::visit(kind, [&](auto each) { this->fit<decltype(each)>(spectrum, start, end); });
 }

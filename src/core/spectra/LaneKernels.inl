@@ -6,6 +6,7 @@ using Real = double __attribute__((vector_size(Width * 8)));
 using Bits = unsigned long long __attribute__((vector_size(Width * 8)));
 using Mask = decltype(Real() < Real());
 
+constexpr const background::Kinds* AllKinds = nullptr;
 constexpr double SmallestNormal = std::numeric_limits<double>::min();
 constexpr double LargestNumber = std::numeric_limits<double>::max();
 
@@ -109,9 +110,10 @@ void risingEdge(const double* mu, const double* e, int n, double fraction, doubl
     }
 }
 
-template <int Terms>
-[[gnu::always_inline]] inline void rangeSumsOf(const double* mu, const double* weights,
+template <typename Kind>
+[[gnu::always_inline]] inline void rangeSumsOf(const double* mu, const double* functions,
                                                const Range& range, double* sums) {
+    constexpr int Terms = Kind::Terms;
     for (int l = 0; l < Count; l += Width) {
         Real sum[Terms] = {};
         const int from = smallest(range.first + l);
@@ -124,9 +126,9 @@ template <int Terms>
             const Real y = load(mu + i * Count + l);
             const double index = i;
             for (int k = 0; k < Terms; ++k) {
-                const Real term = weights[i * Terms + k] * y;
+                const Real term = functions[i * Terms + k] * y;
                 // Adding 0.0 leaves a sum that began with 0.0 as it is.
-                sum[k] += all ? term : ((first <= index) & (index < end) ? term : Real{});
+                sum[k] += all ? term : (((first <= index) & (index < end)) ? term : Real{});
             }
         };
         int i = from;
@@ -145,36 +147,45 @@ template <int Terms>
     }
 }
 
-void rangeSums(const double* mu, const double* weights, int terms, const Range& range,
+template <typename... Kinds>
+[[gnu::always_inline]] inline void rangeSumsOfKind(const std::tuple<Kinds...>*, int kind,
+                                                   const double* mu, const double* functions,
+                                                   const Range& range, double* sums) {
+    int i = 0;
+    ((i++ == kind ? rangeSumsOf<Kinds>(mu, functions, range, sums) : void()), ...);
+}
+
+void rangeSums(const double* mu, int kind, const double* functions, const Range& range,
                double* sums) {
-    if (terms == 2) {
-        rangeSumsOf<2>(mu, weights, range, sums);
-    } else {
-        rangeSumsOf<3>(mu, weights, range, sums);
+    rangeSumsOfKind(AllKinds, kind, mu, functions, range, sums);
+}
+
+/// The coefficients of the spectra from l on.
+template <int Terms>
+[[gnu::always_inline]] inline void loadCurve(const Curve& curve, int l, Real* c) {
+    for (int k = 0; k < Terms; ++k) {
+        c[k] = load(curve.c[k] + l);
     }
 }
 
-template <bool Victreen>
-[[gnu::always_inline]] inline Real curveAt(const Abscissa& at, int i, const Real& c0,
-                                           const Real& c1, const Real& c2) {
-    return Victreen ? c0 + (c2 * at.x[i] + c1) * at.cube[i] : c0 + c1 * at.x[i];
-}
-
-template <bool Victreen>
-[[gnu::always_inline]] inline void middleOf(const double* mu, const double* e, const Abscissa& at,
+template <typename Kind>
+[[gnu::always_inline]] inline void middleOf(const double* mu, const double* e, const Abscissae& at,
                                             const Curve& pre, const Curve& post, const Range& range,
                                             double* midE) {
     for (int l = 0; l < Count; l += Width) {
-        const Real a0 = load(pre.c0 + l), a1 = load(pre.c1 + l), a2 = load(pre.c2 + l);
-        const Real b0 = load(post.c0 + l), b1 = load(post.c1 + l), b2 = load(post.c2 + l);
+        Real a[Kind::Terms], b[Kind::Terms];
+        loadCurve<Kind::Terms>(pre, l, a);
+        loadCurve<Kind::Terms>(post, l, b);
         const Real first = indices(range.first + l);
         const Real end = indices(range.end + l);
         const int to = largest(range.end + l);
         Real sum = {};
         Real crossings = {};
         for (int i = smallest(range.first + l); i < to; ++i) {
-            const Real below = curveAt<Victreen>(at, i, a0, a1, a2);
-            const Real middle = below + 0.5 * (curveAt<Victreen>(at, i, b0, b1, b2) - below);
+            Real below, above;
+            Kind::value(a, at.x[i], at.z[i], below);
+            Kind::value(b, at.x[i], at.z[i], above);
+            const Real middle = below + 0.5 * (above - below);
             const Real mu0 = load(mu + i * Count + l);
             const Real mu1 = load(mu + (i + 1) * Count + l);
             const double index = i;
@@ -193,38 +204,51 @@ template <bool Victreen>
     }
 }
 
-void middle(const double* mu, const double* e, const Abscissa& at, const Curve& pre,
-            const Curve& post, const Range& range, double* midE) {
-    if (at.cube != nullptr) {
-        middleOf<true>(mu, e, at, pre, post, range, midE);
-    } else {
-        middleOf<false>(mu, e, at, pre, post, range, midE);
-    }
+template <typename... Kinds>
+[[gnu::always_inline]] inline void middleOfKind(const std::tuple<Kinds...>*, const double* mu,
+                                                const double* e, const Abscissae& at,
+                                                const Curve& pre, const Curve& post,
+                                                const Range& range, double* midE) {
+    int i = 0;
+    ((i++ == at.kind ? middleOf<Kinds>(mu, e, at, pre, post, range, midE) : void()), ...);
 }
 
-template <bool Victreen>
-[[gnu::always_inline]] inline void doubleNormalisedOf(const double* mu, const Abscissa& at,
+void middle(const double* mu, const double* e, const Abscissae& at, const Curve& pre,
+            const Curve& post, const Range& range, double* midE) {
+    middleOfKind(AllKinds, mu, e, at, pre, post, range, midE);
+}
+
+template <typename Kind>
+[[gnu::always_inline]] inline void doubleNormalisedOf(const double* mu, const Abscissae& at,
                                                       const Curve& pre, const Curve& post,
                                                       const int* points, int count, double* y) {
     for (int l = 0; l < Count; l += Width) {
-        const Real a0 = load(pre.c0 + l), a1 = load(pre.c1 + l), a2 = load(pre.c2 + l);
-        const Real b0 = load(post.c0 + l), b1 = load(post.c1 + l), b2 = load(post.c2 + l);
+        Real a[Kind::Terms], b[Kind::Terms];
+        loadCurve<Kind::Terms>(pre, l, a);
+        loadCurve<Kind::Terms>(post, l, b);
         for (int p = 0; p < count; ++p) {
             const int i = points[p];
-            const Real below = curveAt<Victreen>(at, i, a0, a1, a2);
-            const Real above = curveAt<Victreen>(at, i, b0, b1, b2);
+            Real below, above;
+            Kind::value(a, at.x[i], at.z[i], below);
+            Kind::value(b, at.x[i], at.z[i], above);
             store(y + p * Count + l, (load(mu + i * Count + l) - below) / (above - below));
         }
     }
 }
 
-void doubleNormalised(const double* mu, const Abscissa& at, const Curve& pre, const Curve& post,
+template <typename... Kinds>
+[[gnu::always_inline]] inline void doubleNormalisedOfKind(const std::tuple<Kinds...>*,
+                                                          const double* mu, const Abscissae& at,
+                                                          const Curve& pre, const Curve& post,
+                                                          const int* points, int count, double* y) {
+    int i = 0;
+    ((i++ == at.kind ? doubleNormalisedOf<Kinds>(mu, at, pre, post, points, count, y) : void()),
+     ...);
+}
+
+void doubleNormalised(const double* mu, const Abscissae& at, const Curve& pre, const Curve& post,
                       const int* points, int count, double* y) {
-    if (at.cube != nullptr) {
-        doubleNormalisedOf<true>(mu, at, pre, post, points, count, y);
-    } else {
-        doubleNormalisedOf<false>(mu, at, pre, post, points, count, y);
-    }
+    doubleNormalisedOfKind(AllKinds, mu, at, pre, post, points, count, y);
 }
 
 template <int Terms>

@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "base/Numbers.h"
-#include "spectra/Constants.h"
 #include "spectra/LinearSolver.h"
 #include "spectra/XafsSpectrum.h"
 
@@ -23,13 +22,12 @@ bool LaneNormaliser::suits(const std::vector<double>& energies) {
             return false;
         }
     }
-    return energies.size() >= 4;
+    return energies.size() >= static_cast<std::size_t>(background::FewestPointsOfAll);
 }
 
 LaneNormaliser::LaneNormaliser(const std::vector<double>& energies, int backgroundType,
                                lanes::Units units)
-    : m_victreen(backgroundType != XafsSpectrum::Simple),
-      m_terms(m_victreen ? 3 : 2),
+    : m_kind(background::kindOf(backgroundType)),
       m_kernels(lanes::kernels(units)),
       m_energies(energies),
       m_preparedAt(energies.size() + 1) {
@@ -38,19 +36,21 @@ LaneNormaliser::LaneNormaliser(const std::vector<double>& energies, int backgrou
     m_preEnd = fresh.preEnd();
     m_postStart = fresh.postStart();
     m_postEnd = fresh.postEnd();
+    background::visit(m_kind, [this](auto kind) { tabulate<decltype(kind)>(); });
+    m_abscissae = {m_kind, m_x.data(), m_z.data()};
+}
+
+template <typename Kind>
+void LaneNormaliser::tabulate() {
+    m_terms = Kind::Terms;
     for (double e : m_energies) {
-        if (!m_victreen) {
-            m_weights.insert(m_weights.end(), {e, 1.0});
-            continue;
-        }
-        const double lambda = Hc / e;
-        const double cube = lambda * lambda * lambda;
-        m_lambdas.push_back(lambda);
-        m_cubes.push_back(cube);
-        m_weights.insert(m_weights.end(), {1.0, cube, cube * lambda});
+        const background::Abscissa at = Kind::at(e);
+        double f[Kind::Terms];
+        Kind::functions(at, f);
+        m_x.push_back(at.x);
+        m_z.push_back(at.z);
+        m_functions.insert(m_functions.end(), f, f + Kind::Terms);
     }
-    m_abscissa = m_victreen ? lanes::Abscissa{m_lambdas.data(), m_cubes.data()}
-                            : lanes::Abscissa{m_energies.data(), nullptr};
 }
 
 int LaneNormaliser::lowerBound(double e, int hint) const {
@@ -75,33 +75,14 @@ int LaneNormaliser::prepared(int first, int end) {
     index = static_cast<int>(m_prepared.size());
     Prepared made;
     made.points = end - first;
-    double n = 0.0;
-    if (m_victreen) {
-        double s3 = 0.0, s4 = 0.0, s6 = 0.0, s7 = 0.0, s8 = 0.0;
-        for (std::size_t i = static_cast<std::size_t>(first); i < static_cast<std::size_t>(end);
-             ++i) {
-            const double l3 = m_weights[3 * i + 1];
-            const double l4 = m_weights[3 * i + 2];
-            n += 1.0;
-            s3 += l3;
-            s4 += l4;
-            s6 += l3 * l3;
-            s7 += l3 * l4;
-            s8 += l4 * l4;
+    const std::size_t terms = static_cast<std::size_t>(m_terms);
+    for (int i = first; i < end; ++i) {
+        const double* const f = &m_functions[static_cast<std::size_t>(i) * terms];
+        for (std::size_t j = 0; j < terms; ++j) {
+            for (std::size_t k = 0; k < terms; ++k) {
+                made.lu[j * terms + k] += f[j] * f[k];
+            }
         }
-        const double a[] = {n, s3, s4, s3, s6, s7, s4, s7, s8};
-        std::copy_n(a, 9, made.lu);
-    } else {
-        double sumE = 0.0, sumEE = 0.0;
-        for (std::size_t i = static_cast<std::size_t>(first); i < static_cast<std::size_t>(end);
-             ++i) {
-            const double e = m_energies[i];
-            n += 1.0;
-            sumE += e;
-            sumEE += e * e;
-        }
-        const double a[] = {sumEE, sumE, sumE, n};
-        std::copy_n(a, 4, made.lu);
     }
     decomposeInPlace(made.lu, made.row, m_terms);
     m_prepared.push_back(made);
@@ -110,20 +91,21 @@ int LaneNormaliser::prepared(int first, int end) {
 
 void LaneNormaliser::solve(const Prepared& prepared, const double* sums, int l,
                            lanes::Curve* curve) const {
-    double b[3];
-    double x[3] = {};
+    double right[background::MaxTerms];
+    double c[background::MaxTerms] = {};
     for (int k = 0; k < m_terms; ++k) {
-        b[k] = sums[k * Count + l];
+        right[k] = sums[k * Count + l];
     }
-    if (!m_victreen && prepared.points < 2) {
-        curve->c0[l] = prepared.points == 1 ? b[1] : 0.0;
-        curve->c1[l] = 0.0;
-        return;
+    bool isSettled = false;
+    background::visit(m_kind, [&](auto kind) {
+        isSettled = decltype(kind)::isSettled(prepared.points, right, c);
+    });
+    if (!isSettled) {
+        substitute(prepared.lu, prepared.row, m_terms, right, c);
     }
-    substitute(prepared.lu, prepared.row, m_terms, b, x);
-    curve->c0[l] = m_victreen ? x[0] : x[1];
-    curve->c1[l] = m_victreen ? x[1] : x[0];
-    curve->c2[l] = x[2];
+    for (int k = 0; k < m_terms; ++k) {
+        curve->c[k][l] = c[k];
+    }
 }
 
 void LaneNormaliser::fit(const double* mu, const double* edges, double start, double end,
@@ -136,8 +118,8 @@ void LaneNormaliser::fit(const double* mu, const double* edges, double start, do
         range.end[l] = std::max(range.first[l], range.end[l]);
         of[l] = prepared(range.first[l], range.end[l]);
     }
-    double sums[3 * Count];
-    m_kernels.rangeSums(mu, m_weights.data(), m_terms, range, sums);
+    double sums[background::MaxTerms * Count];
+    m_kernels.rangeSums(mu, m_kind, m_functions.data(), range, sums);
     for (int l = 0; l < Count; ++l) {
         solve(m_prepared[static_cast<std::size_t>(of[l])], sums, l, curve);
     }
@@ -161,7 +143,7 @@ void LaneNormaliser::normalise(const double* mu, int count) {
         range.end[l] =
             std::min(n - 1, lowerBound(edges[l] + m_postStart, l > 0 ? range.end[l - 1] : 0));
     }
-    m_kernels.middle(mu, m_energies.data(), m_abscissa, m_pre, m_post, range, m_midE);
+    m_kernels.middle(mu, m_energies.data(), m_abscissae, m_pre, m_post, range, m_midE);
     for (int l = 0; l < Count; ++l) {
         const int pair = pairAround(m_midE[l]);
         m_dMut[l] =
@@ -180,9 +162,14 @@ int LaneNormaliser::pairAround(double e) const {
 
 double LaneNormaliser::curveAt(const lanes::Curve& curve, int i, int l) const {
     const std::size_t point = static_cast<std::size_t>(i);
-    return m_victreen
-               ? curve.c0[l] + (curve.c2[l] * m_lambdas[point] + curve.c1[l]) * m_cubes[point]
-               : curve.c0[l] + curve.c1[l] * m_energies[point];
+    double c[background::MaxTerms];
+    for (int k = 0; k < m_terms; ++k) {
+        c[k] = curve.c[k][l];
+    }
+    double y = 0.0;
+    background::visit(m_kind,
+                      [&](auto kind) { decltype(kind)::value(c, m_x[point], m_z[point], y); });
+    return y;
 }
 
 double LaneNormaliser::interpolatedAt(const lanes::Curve& curve, double e, int pair, int l) const {
@@ -201,6 +188,6 @@ double LaneNormaliser::postAt(double e, int l) const {
 
 void LaneNormaliser::doubleNormalised(const double* mu, const std::vector<int>& points,
                                       double* y) const {
-    m_kernels.doubleNormalised(mu, m_abscissa, m_pre, m_post, points.data(),
+    m_kernels.doubleNormalised(mu, m_abscissae, m_pre, m_post, points.data(),
                                static_cast<int>(points.size()), y);
 }

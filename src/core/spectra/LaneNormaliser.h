@@ -39,30 +39,32 @@ class LaneNormaliser {
     /// A background's fit over a range: what is the same for all spectra.
     struct Prepared {
         int points = 0;
-        double lu[9] = {};
-        int row[3] = {};
+        double lu[background::MaxTerms * background::MaxTerms] = {};
+        int row[background::MaxTerms] = {};
     };
 
     void fit(const double* mu, const double* edges, double start, double end, lanes::Curve* curve);
     int prepared(int first, int end);
+    template <typename Kind>
+    void tabulate();
     void solve(const Prepared& prepared, const double* sums, int l, lanes::Curve* curve) const;
     int lowerBound(double e, int hint) const;
     int pairAround(double e) const;
     double curveAt(const lanes::Curve& curve, int i, int l) const;
     double interpolatedAt(const lanes::Curve& curve, double e, int pair, int l) const;
 
-    bool m_victreen;
-    int m_terms;  // of a background: c0, c1 and for Victreen c2
+    int m_kind;
+    int m_terms = 0;  // of the kind of background
     double m_preStart;
     double m_preEnd;
     double m_postStart;
     double m_postEnd;
     const lanes::Kernels& m_kernels;
     std::vector<double> m_energies;
-    std::vector<double> m_lambdas;
-    std::vector<double> m_cubes;
-    std::vector<double> m_weights;  // of the right sides, m_terms a point
-    lanes::Abscissa m_abscissa;
+    std::vector<double> m_x;  // see background::Abscissa
+    std::vector<double> m_z;
+    std::vector<double> m_functions;  // of the kind, m_terms a point
+    lanes::Abscissae m_abscissae;
 
     std::vector<Prepared> m_prepared;
     std::vector<std::vector<int>> m_preparedAt;  // [first][end]: index of m_prepared, -1 for none

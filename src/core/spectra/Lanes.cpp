@@ -26,8 +26,12 @@ template <typename Mask>
 
 #ifdef __x86_64__
 
+#ifdef __clang__
+#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
+#else
 #pragma GCC push_options
 #pragma GCC target("avx2")
+#endif
 namespace wide4 {
 constexpr int Width = 4;
 template <typename Mask>
@@ -38,10 +42,19 @@ template <typename Mask>
 }
 #include "spectra/LaneKernels.inl"
 }  // namespace wide4
+#ifdef __clang__
+#pragma clang attribute pop
+#else
 #pragma GCC pop_options
+#endif
 
+#ifdef __clang__
+#pragma clang attribute push(__attribute__((target("avx512f,avx512dq,avx512vl"))), \
+                             apply_to = function)
+#else
 #pragma GCC push_options
 #pragma GCC target("avx512f,avx512dq,avx512vl")
+#endif
 namespace wide8 {
 constexpr int Width = 8;
 template <typename Mask>
@@ -52,7 +65,11 @@ template <typename Mask>
 }
 #include "spectra/LaneKernels.inl"
 }  // namespace wide8
+#ifdef __clang__
+#pragma clang attribute pop
+#else
 #pragma GCC pop_options
+#endif
 
 Units bestUnits() {
     if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&

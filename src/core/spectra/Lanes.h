@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "spectra/Background.h"
+
 // Spectra that are worked on side by side, for speed: every operation of a kernel is done for all
 // of them before the next. Each spectrum sees its own operations in the order in which it would
 // see them alone, so that it gets the same bits whoever is beside it.
@@ -16,18 +18,16 @@ enum class Units { Baseline, Wide4, Wide8 };
 /// The widest that this processor has.
 Units bestUnits();
 
-/// A straight line c0 + c1 E or a Victreen curve c0 + (c2 lambda + c1) lambda^3 for every spectrum
-/// of a pack.
+/// Coefficients of a background's curve for every spectrum of a pack, in the order of its kind.
 struct Curve {
-    double c0[Count];
-    double c1[Count];
-    double c2[Count];
+    double c[background::MaxTerms][Count];
 };
 
-/// What curves are drawn over: lambda and its cube at every energy, or the energy and nothing.
-struct Abscissa {
-    const double* x;     ///< energy, or lambda of a Victreen curve
-    const double* cube;  ///< lambda^3; null for straight lines
+/// What curves of a kind are drawn over: the two numbers of every energy, see background::Abscissa.
+struct Abscissae {
+    int kind;
+    const double* x;
+    const double* z;
 };
 
 /// Indices first <= i < end of the points that count, for every spectrum of a pack.
@@ -58,18 +58,18 @@ struct Kernels {
     /// interpolated; e[0] where it does not. At least one point.
     void (*risingEdge)(const double* mu, const double* e, int n, double fraction, double* edge);
 
-    /// sums[k * Count + l] = sum over the spectrum's range of weights[i * terms + k] mu[i], in
-    /// ascending order. terms: 2 or 3.
-    void (*rangeSums)(const double* mu, const double* weights, int terms, const Range& range,
+    /// sums[k * Count + l] = sum over the spectrum's range of functions[i * Terms + k] mu[i], in
+    /// ascending order; the functions of a kind of background.
+    void (*rangeSums)(const double* mu, int kind, const double* functions, const Range& range,
                       double* sums);
 
     /// Mean energy at which each spectrum crosses the middle between two curves between two points
     /// of its range; 0.0 for none.
-    void (*middle)(const double* mu, const double* e, const Abscissa& at, const Curve& pre,
+    void (*middle)(const double* mu, const double* e, const Abscissae& at, const Curve& pre,
                    const Curve& post, const Range& range, double* midE);
 
     /// y[p] = (mu - pre) / (post - pre) at points[p].
-    void (*doubleNormalised)(const double* mu, const Abscissa& at, const Curve& pre,
+    void (*doubleNormalised)(const double* mu, const Abscissae& at, const Curve& pre,
                              const Curve& post, const int* points, int count, double* y);
 
     /// sums[r * Count + l] = sum of f[p * stride + r] y[p] over the points, in their order.

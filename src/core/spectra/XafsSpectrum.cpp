@@ -110,13 +110,9 @@ void XafsSpectrum::normalise(int backgroundType) {
         m_results = own;
     }
     const double e0 = findE(0.5, 0);
-    if (backgroundType == Simple) {
-        m_results->preEdge.fitLine(*this, e0 + m_preStart, e0 + m_preEnd);
-        m_results->postEdge.fitLine(*this, e0 + m_postStart, e0 + m_postEnd);
-    } else {
-        m_results->preEdge.fitVictreen(*this, e0 + m_preStart, e0 + m_preEnd);
-        m_results->postEdge.fitVictreen(*this, e0 + m_postStart, e0 + m_postEnd);
-    }
+    const int kind = background::kindOf(backgroundType);
+    m_results->preEdge.fit(kind, *this, e0 + m_preStart, e0 + m_preEnd);
+    m_results->postEdge.fit(kind, *this, e0 + m_postStart, e0 + m_postEnd);
     findMidEandDMut(e0);
     fillSeries();
 }

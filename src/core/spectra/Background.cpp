@@ -1,0 +1,26 @@
+#include "spectra/Background.h"
+
+namespace background {
+
+namespace {
+constexpr int Straight = 0;
+constexpr int ByDefault = 1;
+}  // namespace
+
+const std::array<Row, Count>& rows() {
+    static constexpr std::array<Row, Count> all = {{{"Simple", ""}, {"Victreen", "VIC"}}};
+    return all;
+}
+
+int fromBatchWord(const QString& word) {
+    const QString upper = word.toUpper();
+    for (int kind = 0; kind < Count; ++kind) {
+        const QLatin1String own(rows()[static_cast<std::size_t>(kind)].batchWord);
+        if (!upper.isEmpty() && upper == own) {
+            return kind;
+        }
+    }
+    return upper.isEmpty() || upper.toInt() > 0 ? ByDefault : Straight;
+}
+
+}  // namespace background
