@@ -7,6 +7,7 @@
 #include "TestMain.h"
 #include "TinyStacks.h"
 #include "frames/EnergyFromName.h"
+#include "frames/FrameReader.h"
 #include "frames/ImgFile.h"
 #include "spectra/Units.h"
 
@@ -160,6 +161,29 @@ class TestFrames : public QObject {
         QCOMPARE(readImgComment(in, length, &frame), whole);
         QTEST(frame.width, "width");
         QTEST(frame.height, "height");
+    }
+
+    /// An IMG file is refused by its name alone.
+    void imgFromADevice() {
+        QByteArray whole("IM\0\0", 4);
+        whole += QByteArray(60, 0) + "Prop_ImageWidth=3,,Prop_ImageHeight=2,v=1.0,";
+        whole[2] = static_cast<char>(whole.size() - 64);
+        whole += QByteArray("\1\0\2\0\3\0\4\0\5\0\0\2", 12);
+        for (int size = whole.size(); size >= 0; --size) {
+            QByteArray part = whole.left(size);
+            QBuffer in(&part);
+            QVERIFY(in.open(QIODevice::ReadOnly));
+            TiffData frame;
+            QCOMPARE(readFrame(in, &frame).isEmpty(), size == whole.size());
+            QCOMPARE(frame.loaded, size == whole.size());
+            QCOMPARE(frame.rows.size(), std::size_t(frame.loaded ? 2 : 0));
+            if (frame.loaded) {
+                QCOMPARE(frame.boxSum(1, 0, 1, 0), 6.0);
+                QCOMPARE(frame.rows[1][2], quint16(512));
+                QCOMPARE(frame.max, 512u);
+            }
+        }
+        QCOMPARE(frameNameFilters("%1 (%2)"), QStringList({"Tiff (*.tif *.tiff)", "IMG (*.img)"}));
     }
 
     void energyInAName_data() {

@@ -1,5 +1,6 @@
 #include <tiffio.h>
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -11,6 +12,7 @@
 
 #include "TestMain.h"
 #include "TinyStacks.h"
+#include "frames/FrameReader.h"
 #include "frames/LoadTiff.h"
 #include "frames/TiffFile.h"
 
@@ -303,11 +305,19 @@ class TestTiffFile : public QObject {
             const std::vector<quint16> expected = scanlines(name);
             TiffData frame;
             QCOMPARE(frame.load(name), !expected.empty());
-            std::vector<quint16> counts;
-            for (const quint16* row : frame.rows) {
-                counts.insert(counts.end(), row, row + Columns);
+            QBuffer device;
+            device.setData(whole.left(size));
+            QVERIFY(device.open(QIODevice::ReadOnly));
+            TiffData fromDevice;
+            QCOMPARE(readFrame(device, &fromDevice).isEmpty(), !expected.empty());
+            QCOMPARE(fromDevice.loaded, !expected.empty());
+            for (const TiffData* one : {&frame, &fromDevice}) {
+                std::vector<quint16> counts;
+                for (const quint16* row : one->rows) {
+                    counts.insert(counts.end(), row, row + Columns);
+                }
+                QCOMPARE(counts, expected);
             }
-            QCOMPARE(counts, expected);
             if (!expected.empty()) {
                 ++read;
                 const auto ends = std::minmax_element(expected.begin(), expected.end());

@@ -1,9 +1,13 @@
 #include "frames/ImgFile.h"
 
 #include <QFile>
+#include <QtEndian>
+#include <algorithm>
 
 #include "base/DebugLog.h"
 #include "frames/TiffData.h"
+
+QString readImgFrom(QIODevice& in, TiffData* frame);  // of the row in FrameReader.cpp
 
 // IMG files: a 64-byte header ("IM", length of the comment in bytes 2 and 3, little-endian), the
 // comment, then 16-bit little-endian counts row by row.
@@ -28,7 +32,52 @@ void readItem(const QByteArray& item, TiffData* frame) {
     }
 }
 
+/// Length of the comment after the fixed header, which begins with these ten bytes.
+int commentLength(const char* head) {
+    return static_cast<uchar>(head[2]) + 256 * static_cast<uchar>(head[3]);
+}
+
+/// The counts from the device's place; width and height are known.
+QString readCounts(QIODevice& in, TiffData* frame) {
+    const quint64 pixels = static_cast<quint64>(frame->width) * frame->height;
+    if (frame->height > TiffData::maxPixels || pixels > TiffData::maxPixels) {
+        return QStringLiteral("Too large an image");
+    }
+    const quint64 left = static_cast<quint64>(std::max<qint64>(0, in.size() - in.pos()));
+    if (pixels == 0 || 2 * pixels > left) {
+        return QStringLiteral("Error on reading (2)");
+    }
+    frame->min = 0xFFFFFFFFu;
+    frame->max = 0;
+    frame->makeRows(static_cast<std::size_t>(frame->width) * 2);
+    if (frame->rows.size() < frame->height) {
+        return QStringLiteral("Not enough memory");
+    }
+    const qint64 rowBytes = static_cast<qint64>(frame->width) * 2;
+    for (quint16* row : frame->rows) {
+        if (in.read(reinterpret_cast<char*>(row), rowBytes) < rowBytes) {
+            frame->clearRows();
+            return QStringLiteral("Error on reading (2)");
+        }
+        qFromLittleEndian<quint16>(row, frame->width, row);
+        frame->foldIn(row);
+    }
+    frame->dropPicture();
+    return QString();
+}
+
 }  // namespace
+
+QString readImgFrom(QIODevice& in, TiffData* frame) {
+    frame->clearRows();
+    frame->width = 0;
+    frame->height = 0;
+    const QByteArray head = in.read(FixedHeader);
+    if (head.size() < FixedHeader || !readImgComment(in, commentLength(head.constData()), frame)) {
+        return QStringLiteral("Error on reading");
+    }
+    return readCounts(in, frame);
+}
 
 bool readImgComment(QIODevice& in, int length, TiffData* frame) {
     QByteArray item;
@@ -60,7 +109,7 @@ int TiffData::readImgHeader(const QString& name) {
         debugFile("Error on reading", name);
         return 0;
     }
-    const int length = static_cast<uchar>(head[2]) + 256 * static_cast<uchar>(head[3]);
+    const int length = commentLength(head);
     // The text part is to be read through a second open of the same file, which a file that is
     // still open refuses (isOpen() spares the warning that open() would print): the detector's IMG
     // files are recognised and refused, only TIFF stacks load. Kept until such files can be tried
@@ -79,28 +128,20 @@ int TiffData::readImgHeader(const QString& name) {
 
 bool TiffData::readImg(const QString& name) {
     const int offset = readImgHeader(name);
-    if (offset < 1 || height > maxPixels || static_cast<quint64>(width) * height > maxPixels) {
+    if (offset < 1) {
         return false;
     }
     clearRows();
     fileName = name;
-    min = 0xFFFFFFFFu;
-    max = 0;
     QFile file(name);
     if (!file.open(QIODevice::ReadOnly)) {
         debugFile("Can not open (2)", name);
         return false;
     }
     file.seek(offset);
-    const qint64 rowBytes = static_cast<qint64>(width) * 2;
-    for (quint32 y = 0; y < height; ++y) {
-        quint16* row = appendRow(static_cast<std::size_t>(rowBytes));
-        if (row == nullptr || file.read(reinterpret_cast<char*>(row), rowBytes) < rowBytes) {
-            debugFile("Error on reading (2)", name);
-            return false;
-        }
-        foldIn(row);
+    const QString error = readCounts(file, this);
+    if (!error.isEmpty()) {
+        debugFile(qPrintable(error), name);
     }
-    dropPicture();
-    return true;
+    return error.isEmpty();
 }

@@ -11,6 +11,7 @@
 #include "base/DebugLog.h"
 #include "base/Globals.h"
 #include "base/Numbers.h"
+#include "frames/FrameReader.h"
 #include "frames/RowMemory.h"
 
 TiffData::TiffData(int pictureFormat) : format(pictureFormat) {}
@@ -28,24 +29,38 @@ bool TiffData::load(const QString& name) {
         debugFile("Can not open (1)", name);
         return false;
     }
-    char mark[2];
-    if (file.read(mark, 2) < 2) {
+    char mark[FrameMagicBytes];
+    if (file.read(mark, FrameMagicBytes) < FrameMagicBytes) {
         debugFile("Error on reading file (1)", name);
         return false;
     }
     file.close();
-    const QByteArray kind(mark, 2);
+    const FrameReader* const reader = frameReaderOf(QByteArray(mark, FrameMagicBytes));
+    if (reader == nullptr) {
+        return false;
+    }
     try {
-        if (kind == "II" || kind == "MM") {
-            loaded = readTiff(name);
-        } else if (kind == "IM") {
-            loaded = readImg(name);
-        }
+        loaded = reader->readFile != nullptr ? (this->*reader->readFile)(name)
+                                             : readThrough(*reader, name);
     } catch (const std::bad_alloc&) {
         clearRows();
         dropPicture();
     }
     return loaded;
+}
+
+bool TiffData::readThrough(const FrameReader& reader, const QString& name) {
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly)) {
+        debugFile("Can not open", name);
+        return false;
+    }
+    fileName = name;
+    const QString error = reader.read(file, this);
+    if (!error.isEmpty()) {
+        debugFile(qPrintable(error), name);
+    }
+    return error.isEmpty();
 }
 
 void TiffData::clearRows() {

@@ -6,6 +6,7 @@
 #include <vector>
 
 class QImage;
+struct FrameReader;
 
 /// One detector frame: unsigned 16-bit counts, where they came from, and a picture of them.
 ///
@@ -30,8 +31,8 @@ struct TiffData {
     QImage* image = nullptr;     ///< over `pixels`, owned
     bool loaded = false;         ///< the last load() succeeded
 
-    /// Reads any supported image file, told by its first two bytes. A failure gives one debug line
-    /// (none for a kind that is not known) and false.
+    /// Reads an image file of any format of frameReaders(), told by its first bytes. A failure
+    /// gives one debug line (none for a TIFF file or a format that is not known) and false.
     bool load(const QString& name);
 
     /// Reads the header of an IMG file: fills width and height, returns the offset of the pixels
@@ -49,6 +50,9 @@ struct TiffData {
     const QImage* picture();
     /// Rebuilds the picture: (count - min) / (max - min) through the grey table or the colour map.
     void makeImage();
+
+    /// Forgets the picture, which is then made anew.
+    void dropPicture();
 
     /// Frees every row.
     void clearRows();
@@ -70,7 +74,7 @@ struct TiffData {
     static constexpr quint64 maxPixels = quint64(1) << 28;
 
   private:
-    void dropPicture();
+    bool readThrough(const FrameReader& reader, const QString& name);
 
     std::shared_ptr<quint16> m_block;  // the first m_blockRows rows lie in here
     std::size_t m_blockRows = 0;

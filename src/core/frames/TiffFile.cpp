@@ -3,14 +3,19 @@
 #include <tiffio.h>
 
 #include <QFile>
+#include <QIODevice>
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "files/WholeFile.h"
 #include "frames/RowMemory.h"
 #include "frames/TiffData.h"
+
+QString readTiffFrom(QIODevice& in, TiffData* frame);  // of the row in FrameReader.cpp
 
 namespace {
 
@@ -219,56 +224,126 @@ void silenceTiffMessages() {
     TIFFSetErrorHandler(nullptr);
 }
 
-bool TiffData::readTiff(const QString& name) {
-    // Mapping a file into memory costs more than reading it once, but the reader of rows finds out
-    // by it which strips are whole.
-    TiffHandle tiff = openTiff(name, "rm");
-    if (!tiff) {
-        tiff = openTiff(name, "r");
-    }
-    if (!tiff) {
-        return false;
-    }
-    clearRows();
-    fileName = name;
-    min = 0xFFFFFFFFu;
-    max = 0;
-    width = 0;
-    height = 0;
-    TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height);
-    TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width);
+namespace {
+
+/// Opens a file by a mode of libtiff; as often as is needed.
+using Open = std::function<TiffHandle(const char* mode)>;
+
+/// Reads a frame; returns what went wrong once the file could be opened.
+QString readFrom(TiffHandle tiff, const Open& open, TiffData* frame) {
+    frame->clearRows();
+    frame->min = 0xFFFFFFFFu;
+    frame->max = 0;
+    frame->width = 0;
+    frame->height = 0;
+    TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &frame->height);
+    TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &frame->width);
+    const quint32 width = frame->width;
+    const quint32 height = frame->height;
     const tmsize_t lineBytes = TIFFScanlineSize(tiff.get());
     // A row costs memory of its own however narrow it is.
     const quint64 rowCost = std::max<quint64>(width, SmallestRow);
-    if (height > 0 && (lineBytes <= 0 || lineBytes > 0x7FFFFFFF || rowCost * height > maxPixels ||
-                       static_cast<quint64>(lineBytes) * height > 8 * maxPixels)) {
-        return false;
+    if (height > 0 &&
+        (lineBytes <= 0 || lineBytes > 0x7FFFFFFF || rowCost * height > TiffData::maxPixels ||
+         static_cast<quint64>(lineBytes) * height > 8 * TiffData::maxPixels)) {
+        return QStringLiteral("Too large an image");
     }
-    scanlineSize = static_cast<qint32>(lineBytes);
+    frame->scanlineSize = static_cast<qint32>(lineBytes);
     const std::size_t longest =
         std::max(static_cast<std::size_t>(lineBytes), static_cast<std::size_t>(width) * 2);
     const std::size_t rowBytes = (longest + 1) / 2 * 2;
-    makeRows(rowBytes);
-    if (rows.size() < height) {
-        return false;
+    frame->makeRows(rowBytes);
+    if (frame->rows.size() < height) {
+        return QStringLiteral("Not enough memory");
     }
     PlainReader plain(tiff.get(), width, height);
-    if (!(plain.canRead() && plain.read(this))) {
+    if (!(plain.canRead() && plain.read(frame))) {
         tiff.reset();
-        tiff = openTiff(name, "r");
-        min = 0xFFFFFFFFu;
-        max = 0;
+        tiff = open("r");
+        frame->min = 0xFFFFFFFFu;
+        frame->max = 0;
         for (quint32 y = 0; y < height; ++y) {
             // Only what the file does not fill is cleared: writing every row twice costs time.
-            const std::size_t filled = tiff && TIFFReadScanline(tiff.get(), rows[y], y, 0) == 1
+            quint16* const row = frame->rows[y];
+            const std::size_t filled = tiff && TIFFReadScanline(tiff.get(), row, y, 0) == 1
                                            ? static_cast<std::size_t>(lineBytes)
                                            : 0;
-            std::memset(reinterpret_cast<char*>(rows[y]) + filled, 0, rowBytes - filled);
-            foldIn(rows[y]);
+            std::memset(reinterpret_cast<char*>(row) + filled, 0, rowBytes - filled);
+            frame->foldIn(row);
         }
     }
-    dropPicture();
-    return true;
+    frame->dropPicture();
+    return QString();
+}
+
+/// A device as libtiff sees a file. Its place is kept here: not every device can be put beyond its
+/// end, as files can.
+struct Device {
+    QIODevice* io;
+    quint64 place = 0;
+    QByteArray whole;  // what has been "mapped into memory"
+
+    static Device* of(thandle_t handle) { return static_cast<Device*>(handle); }
+    static tmsize_t read(thandle_t handle, void* data, tmsize_t bytes) {
+        Device* const self = of(handle);
+        if (self->place >= size(handle) || !self->io->seek(static_cast<qint64>(self->place))) {
+            return 0;
+        }
+        const qint64 n = self->io->read(static_cast<char*>(data), bytes);
+        self->place += static_cast<quint64>(std::max<qint64>(0, n));
+        return static_cast<tmsize_t>(n);
+    }
+    static tmsize_t write(thandle_t, void*, tmsize_t) { return -1; }
+    static toff_t seek(thandle_t handle, toff_t offset, int whence) {
+        Device* const self = of(handle);
+        self->place = whence == SEEK_CUR   ? self->place + offset
+                      : whence == SEEK_END ? size(handle) + offset
+                                           : offset;
+        return self->place;
+    }
+    static int close(thandle_t) { return 0; }
+    static toff_t size(thandle_t handle) {
+        return static_cast<toff_t>(std::max<qint64>(0, of(handle)->io->size()));
+    }
+    static int map(thandle_t handle, void** base, toff_t* bytes) {
+        Device* const self = of(handle);
+        self->io->seek(0);
+        self->whole = self->io->readAll();
+        *base = self->whole.data();
+        *bytes = static_cast<toff_t>(self->whole.size());
+        return 1;
+    }
+    static void unmap(thandle_t handle, void*, toff_t) { of(handle)->whole.clear(); }
+};
+
+}  // namespace
+
+// Mapping a file into memory costs more than reading it once, but the reader of rows finds out by
+// it which strips are whole: "m", without, is tried first.
+
+bool TiffData::readTiff(const QString& name) {
+    const Open open = [&name](const char* mode) { return openTiff(name, mode); };
+    TiffHandle tiff = open("rm");
+    if (!tiff) {
+        tiff = open("r");
+    }
+    if (!tiff) {
+        return false;
+    }
+    fileName = name;
+    return readFrom(std::move(tiff), open, this).isEmpty();
+}
+
+QString readTiffFrom(QIODevice& in, TiffData* frame) {
+    Device device{&in, 0, {}};
+    const Open open = [&device](const char* mode) {
+        device.place = 0;
+        return TiffHandle(TIFFClientOpen("device", mode, &device, Device::read, Device::write,
+                                         Device::seek, Device::close, Device::size, Device::map,
+                                         Device::unmap));
+    };
+    TiffHandle tiff = open("rm");
+    return tiff ? readFrom(std::move(tiff), open, frame) : QStringLiteral("Not a TIFF image");
 }
 
 bool writeTiff(const QString& name, quint32 width, int height, const quint16* data,
