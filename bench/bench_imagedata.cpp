@@ -13,7 +13,7 @@
 #include "frames/FrameSet.h"
 #include "frames/TiffFile.h"
 
-// Read pairs of rows as ratios: Load against ScanlineLoop (reading), BlockRows against
+// Read pairs of rows as ratios: Load against ScanlineLoop (reading), BinRows against
 // PointByPoint (spectra of a whole image), BoxSum against PlainBox.
 
 namespace {
@@ -112,7 +112,7 @@ FrameSet loadedStack(int stack, int frames) {
     return set;
 }
 
-/// Every block of the image; the argument is the half width of a block.
+/// Every bin of the image; the argument is the half width of a bin.
 template <typename SpectrumAt>
 void wholeImage(benchmark::State& state, SpectrumAt spectrumAt) {
     const int half = static_cast<int>(state.range(0));
@@ -137,7 +137,7 @@ void PointByPoint(benchmark::State& state) {
 }
 BENCHMARK(PointByPoint)->Arg(0)->Arg(1)->Arg(4)->Unit(benchmark::kMillisecond);
 
-void BlockRows(benchmark::State& state) {
+void BinRows(benchmark::State& state) {
     const FrameSet i1 = loadedStack(0, Frames);
     const FrameSet i0 = loadedStack(1, Frames / 4);
     const AbsorptionSource source(i1, i0, Width, Height);
@@ -145,7 +145,7 @@ void BlockRows(benchmark::State& state) {
     BinRowSpectra rows(source, half, 2 * half + 1, Width, half, half);
     wholeImage(state, [&](int x, int y) { return rows.at(x, y); });
 }
-BENCHMARK(BlockRows)->Arg(0)->Arg(1)->Arg(4)->Unit(benchmark::kMillisecond);
+BENCHMARK(BinRows)->Arg(0)->Arg(1)->Arg(4)->Unit(benchmark::kMillisecond);
 
 /// The sum over a box in the middle; the argument is its half width. Read against PlainBox.
 void BoxSum(benchmark::State& state) {

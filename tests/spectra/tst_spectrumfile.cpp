@@ -41,6 +41,9 @@ class TestSpectrumFile : public QObject {
         QTest::newRow("9809") << QByteArray(Header) +
                                      "  10.0 10.0 1.0 200 100\n 10.0 10.0 1.0 200 0\n"
                               << 0 << Points{{11385.6566, std::log(2.0)}, {11385.6566, 1.0}};
+        QTest::newRow("9809 with two spacings: the last")
+            << QByteArray("9809 D= 1.5 A\n") + Header + "10 10 1 200 100\n"
+            << 0 << Points{{11385.6566, std::log(2.0)}};
         QTest::newRow("9809 with four columns, end mark and header junk")
             << QByteArray("9809 1 2 3 4 5\n") + Header + " 10 10 1 200\n\x1a\n"
             << 0 << Points{};

@@ -134,7 +134,7 @@ void writeHeader(QTextStream& out, const AnalysisGrid& grid, const EMapInfo& inf
 
 void writeAngles(QTextStream& out, const Analyzed2DRes& map, const EMapInfo& info) {
     const double angle0 = braggAngle(info.edgeEnergy, info.spacing);
-    double lastShift = std::nan("");  // all pixels of a block share one shift, and so one text
+    double lastShift = std::nan("");  // all pixels of a bin share one shift, and so one text
     QString text;
     for (int y = 0; y < info.imageSize.height(); ++y) {
         for (int x = 0; x < info.imageSize.width(); ++x) {

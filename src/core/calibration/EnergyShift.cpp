@@ -47,7 +47,7 @@ void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid, const BinValuesAt& 
             }
         }
         // An area narrower than its bin can put the centre beside the image, where there is no
-        // spectrum; writing its block would spread nonsense over the border.
+        // spectrum; writing its bin would spread nonsense over the border.
         if (at.isInsideImage(at.x, at.y)) {
             const double* edge = edgeAt(at.x, at.y);
             if (edge != nullptr) {

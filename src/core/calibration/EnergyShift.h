@@ -9,7 +9,7 @@
 class Analyzed2DRes;
 class Spectrum;
 
-// The energy-shift map: for every pixel how far, in eV, the edge of its block lies above the edge
+// The energy-shift map: for every pixel how far, in eV, the edge of its bin lies above the edge
 // of the standard. 0.0 outside the map and where nothing was calibrated.
 
 /// Where on its way from minimum to maximum a spectrum's edge is taken for calibration, see
@@ -23,10 +23,10 @@ double calibrationEdge(const Spectrum* spectrum);
 /// taken to be its first energy.
 bool hasCalibrationEdge(const Spectrum& spectrum);
 
-/// Replaces @p map by the shifts of the blocks of @p grid against @p standardEdge (eV).
+/// Replaces @p map by the shifts of the bins of @p grid against @p standardEdge (eV).
 /// @p edgeAt gives the calibration's edge of the binned spectrum at a position: its first energy
 /// where there is no rising edge. @p progress, which may be empty, is told the
-/// percentage done as each row of blocks begins. Nothing happens when the grid has no size.
+/// percentage done as each row of bins begins. Nothing happens when the grid has no size.
 void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid, const BinValuesAt& edgeAt,
                double standardEdge, const std::function<void(double percent)>& progress);
 
@@ -36,7 +36,7 @@ std::vector<RasterPass::Evaluate> edgeEvaluators(int threads, const std::vector<
 /// Back to a map without size: the shift is 0.0 everywhere.
 void clearShiftMap(Analyzed2DRes* map);
 
-/// Replaces blocks more than 40 eV off the mean by the mean of their neighbours, see
+/// Replaces bins more than 40 eV off the mean by the mean of their neighbours, see
 /// Analyzed2DRes::deglitch2(). Nothing happens without a map.
 void smoothShiftMap(Analyzed2DRes* map);
 
