@@ -1,8 +1,10 @@
 #include "panels/CalibCtrl.h"
 
+#include <QButtonGroup>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <algorithm>
 #include <cmath>
 
 #include "base/Globals.h"
@@ -25,6 +27,11 @@ QString withMapSuffix(const QString& fileName) {
         .filePath(info.completeBaseName() + QLatin1Char('.') + kMapSuffix);
 }
 
+/// The kind of background whose button is on; the buttons stand in the order of the kinds.
+int chosenBackground(const QButtonGroup* group) {
+    return std::max(0, group->buttons().indexOf(group->checkedButton()));
+}
+
 }  // namespace
 
 CalibCtrl::CalibCtrl(QWidget* parent)
@@ -44,11 +51,16 @@ CalibCtrl::~CalibCtrl() = default;
 void CalibCtrl::connectControls() {
     connect(m_ui->SelectStd, &QAbstractButton::clicked, m_ui->StdSelector, &QWidget::show);
     connect(m_ui->StdSelector, &XafsFileSelect::newFile, this, &CalibCtrl::newFile);
-    for (const QAbstractButton* button : {m_ui->StdBGSimple, m_ui->StdBGVictreen}) {
+    for (const QAbstractButton* button : m_ui->stdBGGroup->buttons()) {
         connect(button, &QAbstractButton::toggled, this, &CalibCtrl::stdBGToggled);
     }
-    connect(m_ui->TargetBGVictreen, &QAbstractButton::toggled, this,
-            &CalibCtrl::targetBackgroundChanged);
+    connect(m_ui->targetBGGroup,
+            QOverload<QAbstractButton*, bool>::of(&QButtonGroup::buttonToggled), this,
+            [this](QAbstractButton*, bool on) {
+                if (on) {
+                    emit targetBackgroundChanged(targetBackground());
+                }
+            });
     connect(m_ui->SelCrystal, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
             [this] { emit spacingChanged(spacing()); });
     connect(m_ui->ExecCalib, &QAbstractButton::clicked, this, &CalibCtrl::execCalibration);
@@ -98,8 +110,8 @@ double CalibCtrl::edgeEnergy() const {
     return std::isfinite(energy) ? energy : 0.0;
 }
 
-bool CalibCtrl::targetIsVictreen() const {
-    return m_ui->TargetBGVictreen->isChecked();
+int CalibCtrl::targetBackground() const {
+    return chosenBackground(m_ui->targetBGGroup);
 }
 
 const XafsSpectrum* CalibCtrl::standard() const {
@@ -117,8 +129,7 @@ void CalibCtrl::newFile(const QString& fname) {
         describeStandard();
         return;
     }
-    m_standard->normalise(m_ui->StdBGVictreen->isChecked() ? XafsSpectrum::Victreen
-                                                           : XafsSpectrum::Simple);
+    m_standard->normalise(chosenBackground(m_ui->stdBGGroup));
     setEdgeEV(QString::number(m_standard->midE()));
     describeStandard();
     emit newStdFileLoaded();
@@ -128,8 +139,7 @@ void CalibCtrl::stdBGToggled(bool) {
     if (!m_standard) {
         return;
     }
-    m_standard->normalise(m_ui->StdBGVictreen->isChecked() ? XafsSpectrum::Victreen
-                                                           : XafsSpectrum::Simple);
+    m_standard->normalise(chosenBackground(m_ui->stdBGGroup));
     emit standardRenormalised();
 }
 

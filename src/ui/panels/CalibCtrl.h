@@ -24,7 +24,8 @@ class CalibCtrl : public QWidget {
     double spacing() const;
     /// The typed edge energy in eV; 0.0 when it is not a number.
     double edgeEnergy() const;
-    bool targetIsVictreen() const;
+    /// Kind of the background of the spectra, see background::Kinds.
+    int targetBackground() const;
     /// The standard, normalised; null before the first file, without points after one that could
     /// not be read. Valid until the next file.
     const XafsSpectrum* standard() const;
@@ -43,7 +44,7 @@ class CalibCtrl : public QWidget {
     /// The background form of the standard has changed what it looks like.
     void standardRenormalised();
     void spacingChanged(double d);
-    void targetBackgroundChanged(bool victreen);
+    void targetBackgroundChanged(int kind);
 
   public slots:
     void newFile(const QString& fname);

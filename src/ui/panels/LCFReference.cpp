@@ -20,11 +20,6 @@ QString sixDigits(double value) {
     return QString::number(value, 'g', 6);
 }
 
-bool asksForVictreen(const QString& word) {
-    const QString upper = word.toUpper();
-    return upper.isEmpty() || upper == QLatin1String("VIC") || upper.toInt() > 0;
-}
-
 }  // namespace
 
 LCFReference::LCFReference(QWidget* parent)
@@ -114,8 +109,7 @@ void LCFReference::setDMut(double dMut) {
 void LCFReference::normalise() {
     // Series that already carried the offset would be moved by it a second time in the fit.
     m_spectrum.setShiftOn(false);
-    m_spectrum.normalise(m_ui->IsVictreen->isChecked() ? XafsSpectrum::Victreen
-                                                       : XafsSpectrum::Simple);
+    m_spectrum.normalise(m_background);
     m_spectrum.setShift(m_deltaE);
     m_spectrum.setShiftOn(true);
     inputChanged();
@@ -151,7 +145,8 @@ void LCFReference::editedDeltaE() {
     emit newDeltaE();
 }
 
-void LCFReference::toggledIsVictreen(bool) {
+void LCFReference::toggledIsVictreen(bool on) {
+    m_background = on ? XafsSpectrum::Victreen : XafsSpectrum::Simple;
     normalise();
     showNormalisation();
     emit changed();
@@ -162,7 +157,9 @@ void LCFReference::setStd(const QString& fname, const QString& isVic) {
 }
 
 void LCFReference::setStd(const QString& fname, bool use, double deltaE, const QString& isVic) {
-    m_ui->IsVictreen->setChecked(asksForVictreen(isVic));
+    const int background = background::fromBatchWord(isVic);
+    m_ui->IsVictreen->setChecked(background != XafsSpectrum::Simple);
+    m_background = background;
     m_ui->DeltaE->setText(sixDigits(deltaE));
     m_ui->XFS->load(fname);
     m_ui->XFS->setUse(use);

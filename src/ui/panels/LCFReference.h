@@ -84,6 +84,7 @@ class LCFReference : public QFrame {
     XafsSpectrum m_spectrum;
     bool m_use = false;
     double m_deltaE = 0.0;
+    int m_background = XafsSpectrum::Simple;
     double m_ratio = 0.0;
     std::unique_ptr<Analyzed2DRes> m_results[KindCount];
     quint64 m_revision = 0;

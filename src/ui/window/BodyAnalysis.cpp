@@ -69,7 +69,7 @@ AnalysisGrid Body::gridOfArea() const {
 }
 
 int Body::backgroundType() const {
-    return m_calib->targetIsVictreen() ? XafsSpectrum::Victreen : XafsSpectrum::Simple;
+    return m_calib->targetBackground();
 }
 
 XafsSpectrum Body::corrected(const Spectrum& spectrum, int x, int y) const {
@@ -79,7 +79,7 @@ XafsSpectrum Body::corrected(const Spectrum& spectrum, int x, int y) const {
 Spectrum Body::spectrumOnGrid(const AnalysisGrid& grid, int x, int y) {
     if (!m_rows) {
         m_rows = std::make_unique<BinRowSpectra>(source(), grid.x0 + grid.halfW, grid.stepX,
-                                                   grid.x1, grid.halfW, grid.halfH);
+                                                 grid.x1, grid.halfW, grid.halfH);
     }
     return m_rows->at(x, y);
 }
