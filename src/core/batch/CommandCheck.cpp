@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "batch/FileProblems.h"
+#include "spectra/Background.h"
 #include "spectra/Units.h"
 
 namespace {
@@ -214,12 +215,14 @@ void CommandCheck::checkReference(const CmdLine& cmd) {
     } else {
         m_references[index] = use;
     }
-    const QString word = cmd.arg(4).toUpper();
-    const bool isVictreen = word.isEmpty() || word == QLatin1String("VIC") || word.toInt() > 0;
-    if (use && isVictreen && m_targetBackground == 0) {
-        warn(QStringLiteral("reference %1 is normalised with Victreen curves, the image with "
-                            "straight lines: end the line with 0 for straight lines")
-                 .arg(index));
+    const int background = background::fromBatchWord(cmd.arg(4));
+    if (use && background != m_targetBackground) {
+        warn(QStringLiteral("reference %1 is normalised with %2 curves, the image with %3 ones")
+                 .arg(QString::number(index), backgroundWord(background),
+                      backgroundWord(m_targetBackground)) +
+             (background == XafsSpectrum::Simple
+                  ? QString()
+                  : QStringLiteral(": end the line with 0 for straight lines")));
     }
 }
 

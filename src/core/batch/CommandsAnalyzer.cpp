@@ -3,16 +3,12 @@
 #include <QCoreApplication>
 
 #include "batch/CommandRows.h"
+#include "spectra/Background.h"
 
 namespace {
 
 QString tr(const char* text) {
     return QCoreApplication::translate("Batch", text);
-}
-
-bool asksForVictreen(const QString& word) {
-    const QString upper = word.toUpper();
-    return upper.isEmpty() || upper == QLatin1String("VIC") || upper.toInt() > 0;
 }
 
 void setReference(Action& a) {
@@ -27,8 +23,7 @@ void setReference(Action& a) {
         return;
     }
     m.change(index, [&a](Reference& reference) {
-        reference.setBackground(asksForVictreen(a.args.text(4)) ? XafsSpectrum::Victreen
-                                                                : XafsSpectrum::Simple);
+        reference.setBackground(background::fromBatchWord(a.args.text(4)));
         reference.read(a.args.text(3));
         reference.setUse(a.args.flag(1));
         reference.setDeltaE(a.args.real(2));

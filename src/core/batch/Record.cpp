@@ -186,8 +186,7 @@ Outcome saveRecord(const Measurement& measurement, const QString& fileName) {
     }
     QSaveFile file(fileName);
     const QByteArray text = (record.lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
-    const bool written =
-        openBeside(file) && file.write(text) == text.size() && putInPlace(file);
+    const bool written = openBeside(file) && file.write(text) == text.size() && putInPlace(file);
     return written ? Outcome() : Outcome::failure(tr("cannot be written: %1").arg(fileName));
 }
 

@@ -7,6 +7,7 @@
 #include "batch/BatchLine.h"
 #include "files/FileNames.h"
 #include "frames/EnergyFromName.h"
+#include "spectra/Background.h"
 #include "spectra/Units.h"
 
 namespace {
@@ -217,9 +218,7 @@ void RecordWriter::references(const std::vector<ReferenceInput>& references) {
             digest(reference.file);
             put(key, QStringLiteral("analyzer_set_LCF_std"),
                 {number(index), flag(reference.used), exact(reference.deltaE),
-                 fileName(reference.file.path),
-                 reference.background == XafsSpectrum::Victreen ? QStringLiteral("VIC")
-                                                                : QStringLiteral("0")});
+                 fileName(reference.file.path), background::batchWordOf(reference.background)});
         }
         ++index;
     }

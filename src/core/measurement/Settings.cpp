@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "spectra/Background.h"
+
 QRectF Area::within(int width, int height) const {
     const QPointF low(std::min(x0, x1), std::min(y0, y1));
     const QPointF high(std::max(x0, x1), std::max(y0, y1));
@@ -11,14 +13,14 @@ QRectF Area::within(int width, int height) const {
 }
 
 QString backgroundWord(int background) {
-    return background == XafsSpectrum::Victreen ? QStringLiteral("Victreen")
-                                                : QStringLiteral("Simple");
+    const auto kind = static_cast<std::size_t>(background::kindOf(background));
+    return QString::fromLatin1(background::rows()[kind].title);
 }
 
 int backgroundOfWord(const QString& word) {
-    for (const int background : {XafsSpectrum::Simple, XafsSpectrum::Victreen}) {
-        if (word.compare(backgroundWord(background), Qt::CaseInsensitive) == 0) {
-            return background;
+    for (int kind = 0; kind < background::Count; ++kind) {
+        if (word.compare(backgroundWord(kind), Qt::CaseInsensitive) == 0) {
+            return kind;
         }
     }
     return -1;

@@ -23,4 +23,10 @@ int fromBatchWord(const QString& word) {
     return upper.isEmpty() || upper.toInt() > 0 ? ByDefault : Straight;
 }
 
+QString batchWordOf(int kind) {
+    const QString word =
+        QString::fromLatin1(rows()[static_cast<std::size_t>(kindOf(kind))].batchWord);
+    return word.isEmpty() ? QStringLiteral("0") : word;
+}
+
 }  // namespace background

@@ -107,5 +107,7 @@ const std::array<Row, Count>& rows();
 /// The kind that the last word of a reference's batch line asks for: that of its word; nothing or
 /// another number above 0 is Victreen, all else a straight line.
 int fromBatchWord(const QString& word);
+/// A word that asks for the kind there.
+QString batchWordOf(int kind);
 
 }  // namespace background
