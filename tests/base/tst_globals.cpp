@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "TestMain.h"
+#include "base/ColorMap.h"
 
 class TestGlobals : public QObject {
     Q_OBJECT
@@ -33,6 +34,23 @@ class TestGlobals : public QObject {
         QCOMPARE(int(*greyOf(value)), grey);
         const unsigned char* c = colorOf(value);
         QCOMPARE((QVector<int>{c[0], c[1], c[2]}), rgb);
+        const unsigned char* at = heatScale().at(value);
+        QCOMPARE((QVector<int>{at[0], at[1], at[2]}), rgb);
+        at = greyScale().at(value);
+        QCOMPARE((QVector<int>{at[0], at[1], at[2]}), QVector<int>(3, grey));
+    }
+
+    void colourMapsAreToldApart() {
+        for (const ColorScale& scale : colorScales()) {
+            QCOMPARE(colorScaleOf(scale.id), &scale);
+            bool isGrey = true;
+            for (int i = 0; i <= scale.last; ++i) {
+                const auto& c = scale.table[i];
+                isGrey = isGrey && c[0] == c[1] && c[1] == c[2];
+            }
+            QCOMPARE(isGrey, scale.isGrey);
+        }
+        QVERIFY(colorScaleOf("none") == nullptr);
     }
 
     void curveColoursRepeat() {

@@ -19,8 +19,8 @@ class PicturesTest : public QObject {
     Q_OBJECT
 
   private slots:
-    void framesGoThroughTheGreyTable_data();
-    void framesGoThroughTheGreyTable();
+    void framesGoThroughTheColours_data();
+    void framesGoThroughTheColours();
     void percentilesLeaveOutliersAside();
     void gapsAreGrey();
     void profilesAreMeansOverTheBin_data();
@@ -29,7 +29,7 @@ class PicturesTest : public QObject {
     void gapsStayGaps();
 };
 
-void PicturesTest::framesGoThroughTheGreyTable_data() {
+void PicturesTest::framesGoThroughTheColours_data() {
     QTest::addColumn<double>("low");
     QTest::addColumn<double>("high");
     QTest::addColumn<bool>("empty");
@@ -43,7 +43,7 @@ void PicturesTest::framesGoThroughTheGreyTable_data() {
     QTest::newRow("overflow") << -1.7e308 << 1.7e308 << true;
 }
 
-void PicturesTest::framesGoThroughTheGreyTable() {
+void PicturesTest::framesGoThroughTheColours() {
     QFETCH(double, low);
     QFETCH(double, high);
     QFETCH(bool, empty);
@@ -51,12 +51,15 @@ void PicturesTest::framesGoThroughTheGreyTable() {
         return static_cast<quint16>((x * 9973 + y * 571) % 65536);
     });
     const QImage picture = framePicture(*frame, low, high);
+    const QImage coloured = framePicture(*frame, low, high, heatScale());
     QCOMPARE(picture.size(), QSize(7, 5));
     for (int y = 0; y < 5; ++y) {
         for (int x = 0; x < 7; ++x) {
             const double count = frame->rows[static_cast<std::size_t>(y)][x];
-            const int grey = empty ? 0 : *greyOf((count - low) / (high - low));
-            QCOMPARE(qGray(picture.pixel(x, y)), grey);
+            const double v = empty ? 0.0 : (count - low) / (high - low);
+            QCOMPARE(qGray(picture.pixel(x, y)), int(*greyOf(v)));
+            const uchar* c = colorOf(v);
+            QCOMPARE(coloured.pixel(x, y), qRgb(c[0], c[1], c[2]));
         }
     }
 }

@@ -1,5 +1,9 @@
 #include "base/Globals.h"
 
+#include <algorithm>
+
+#include "base/ColorMap.h"
+
 QString DataDir;
 QList<QColor> Colors;
 std::array<unsigned char, 256> GreyTable;
@@ -16,26 +20,14 @@ void buildColors() {
               QColor(200, 0, 255), QColor(0, 255, 200), QColor(0, 200, 255)};
 }
 
-void buildColorMap() {
-    using Byte = unsigned char;
-    for (std::size_t i = 0; i < 256; ++i) {
-        ColorMap[i] = {static_cast<Byte>(i), 0, 0};
-    }
-    for (std::size_t k = 1; k < 256; ++k) {
-        ColorMap[255 + k] = {255, static_cast<Byte>(k), 0};
-        ColorMap[510 + k] = {255, 255, static_cast<Byte>(k)};
-    }
-    ColorMap[LastColor] = {255, 255, 255};
-}
-
 }  // namespace
 
 void buildColourTables() {
     buildColors();
     for (std::size_t i = 0; i < GreyTable.size(); ++i) {
-        GreyTable[i] = static_cast<unsigned char>(i);
+        GreyTable[i] = greyScale().table[i][0];
     }
-    buildColorMap();
+    std::copy_n(heatScale().table, LastColor + 1, ColorMap.begin());
 }
 
 QColor getColor(int i) {

@@ -3,21 +3,23 @@
 #include <QImage>
 #include <QString>
 
+#include "base/ColorMap.h"
+
 /// A picture of an image with what is needed to read it.
 struct BarPicture {
     QImage picture;  ///< one pixel for each of the image
-    bool isGrey = true;
-    double low = 0.0;  ///< values of the ends of the colour table
+    const ColorScale* colors = &frameColors();
+    double low = 0.0;  ///< values of the ends of the colours
     double high = 1.0;
-    QString title;   ///< what is shown
+    QString title;   ///< what is shown; saved pictures are in English
     QString source;  ///< the file that it comes from
     QString unit;    ///< of the values
 };
 
 /// The picture under its title and source with a colour bar beside it: ticks, both end values, the
 /// unit. Small pictures are enlarged by a whole number, so that every pixel becomes a square of
-/// its colour; letters and margins grow with large ones. Needs a QGuiApplication for its fonts.
-/// Null for a null picture.
+/// its colour; letters and margins grow with large ones. The same parts give the same pixels on
+/// every machine. Needs a QGuiApplication for its letters. Null for a null picture.
 QImage withColorBar(const BarPicture& parts);
 
 /// By how much withColorBar() enlarges a picture of this size, 1 for no enlargement.

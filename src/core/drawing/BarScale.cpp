@@ -2,29 +2,30 @@
 
 #include <QPainter>
 
-#include "base/Globals.h"
+#include "base/ColorMap.h"
 #include "drawing/ChCoord.h"
 #include "drawing/DrawText.h"
+#include "drawing/Letters.h"
 #include "drawing/Ticks.h"
 
-void paintBarColors(QPainter& painter, const QRectF& bar, BarColors colors, double low,
+void paintBarColors(QPainter& painter, const QRectF& bar, const ColorScale& colors, double low,
                     double high) {
     const int steps = toClampedInt(bar.height(), 2, 1 << 15);
     for (int i = 0; i < steps; ++i) {
         const double t = high > low ? 1.0 - i / (steps - 1.0) : 0.0;
-        const uchar* c = colors == BarColors::Grey ? greyOf(t) : colorOf(t);
+        const uchar* c = colors.at(t);
         painter.fillRect(QRectF(bar.left(), bar.top() + i, bar.width(), 1.0),
-                         colors == BarColors::Grey ? QColor(*c, *c, *c) : QColor(c[0], c[1], c[2]));
+                         QColor(c[0], c[1], c[2]));
     }
 }
 
-void paintBarTicks(QPainter& painter, const QRectF& bar, double low, double high, double keepOff,
-                   const QRectF& inside) {
+void paintBarTicks(QPainter& painter, const Letters& letters, const QRectF& bar, double low,
+                   double high, double keepOff, const QRectF& inside) {
     ChCoord coord;
     coord.setScreen(0, 1, bar.bottom(), bar.top());
     coord.setReal(0, 1, low, high);
     const Ticks ticks = ticksBetween(low, high);
-    const double room = painter.fontMetrics().height();
+    const double room = letters.height();
     double last = 1e300;
     for (double value : ticks.values) {
         const double y = coord.r2sY(value);
@@ -33,7 +34,7 @@ void paintBarTicks(QPainter& painter, const QRectF& bar, double low, double high
             continue;
         }
         last = y;
-        drawText(painter, QPointF(bar.right() + room / 3, y), tickText(value, ticks.step),
+        drawText(painter, letters, QPointF(bar.right() + room / 3, y), tickText(value, ticks.step),
                  Qt::AlignLeft | Qt::AlignVCenter, inside);
     }
 }

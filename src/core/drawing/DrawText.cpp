@@ -1,20 +1,19 @@
 #include "drawing/DrawText.h"
 
-#include <QFontMetricsF>
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
 
 #include "base/Globals.h"
+#include "drawing/Letters.h"
 
 namespace {
 constexpr int MostDecimals = 8;
 }
 
-QRectF drawText(QPainter& painter, const QPointF& anchor, const QString& text,
-                Qt::Alignment alignment, const QRectF& inside, bool upright) {
-    const QFontMetricsF metrics(painter.font());
-    QSizeF size(metrics.horizontalAdvance(text), metrics.height());
+QRectF drawText(QPainter& painter, const Letters& letters, const QPointF& anchor,
+                const QString& text, Qt::Alignment alignment, const QRectF& inside, bool upright) {
+    QSizeF size(letters.width(text), letters.height());
     if (upright) {
         size.transpose();
     }
@@ -39,12 +38,17 @@ QRectF drawText(QPainter& painter, const QPointF& anchor, const QString& text,
         painter.save();
         painter.translate(place.left(), place.bottom());
         painter.rotate(-90);
-        painter.drawText(QPointF(0, metrics.ascent()), text);
+        letters.draw(painter, QPointF(0, letters.ascent()), text);
         painter.restore();
     } else {
-        painter.drawText(QPointF(place.left(), place.top() + metrics.ascent()), text);
+        letters.draw(painter, QPointF(place.left(), place.top() + letters.ascent()), text);
     }
     return place;
+}
+
+QRectF drawText(QPainter& painter, const QPointF& anchor, const QString& text,
+                Qt::Alignment alignment, const QRectF& inside, bool upright) {
+    return drawText(painter, Letters(painter.font()), anchor, text, alignment, inside, upright);
 }
 
 QString tickText(double value, double step) {

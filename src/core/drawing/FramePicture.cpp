@@ -1,30 +1,41 @@
 #include "drawing/FramePicture.h"
 
+#include <QColor>
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <vector>
 
-#include "base/Globals.h"
+#include "files/PictureResolution.h"
 #include "frames/TiffData.h"
 
-QImage framePicture(const TiffData& frame, double low, double high) {
+QImage framePicture(const TiffData& frame, double low, double high, const ColorScale& colors) {
     const int width = static_cast<int>(frame.width);
     const int height = static_cast<int>(frame.height);
-    QImage picture(width, height, QImage::Format_Grayscale8);
-    picture.fill(Qt::black);
+    QImage picture(width, height,
+                   colors.isGrey ? QImage::Format_Grayscale8 : QImage::Format_RGB888);
+    setPictureResolution(&picture);
+    const uchar* lowest = colors.at(0.0);
+    picture.fill(QColor(lowest[0], lowest[1], lowest[2]));
     if (!(high > low)) {
         return picture;
     }
-    std::vector<uchar> greys(65536);
-    for (std::size_t count = 0; count < greys.size(); ++count) {
-        greys[count] = *greyOf((static_cast<double>(count) - low) / (high - low));
+    const std::size_t bytes = colors.isGrey ? 1 : 3;
+    std::vector<uchar> table(65536 * bytes);
+    for (std::size_t count = 0; count < 65536; ++count) {
+        const double v = (static_cast<double>(count) - low) / (high - low);
+        std::memcpy(&table[count * bytes], colors.at(v), bytes);
     }
     const int rows = std::min(height, static_cast<int>(frame.rows.size()));
     for (int y = 0; y < rows; ++y) {
         const quint16* counts = frame.rows[static_cast<std::size_t>(y)];
         uchar* line = picture.scanLine(y);
         for (int x = 0; x < width; ++x) {
-            line[x] = greys[counts[x]];
+            if (bytes == 1) {
+                line[x] = table[counts[x]];
+            } else {
+                std::memcpy(line + 3 * x, &table[3 * std::size_t{counts[x]}], 3);
+            }
         }
     }
     return picture;

@@ -3,11 +3,15 @@
 #include <QImage>
 #include <QPair>
 
+#include "base/ColorMap.h"
+
 struct TiffData;
 
-/// Grey picture of a frame's counts with the given range from black to white, of its own memory.
-/// A range that is empty or not finite gives a black picture.
-QImage framePicture(const TiffData& frame, double low, double high);
+/// Picture of a frame's counts with the given range from the lower to the upper end of the colours,
+/// of its own memory; of 8-bit grey for a grey map. A range that is empty or not finite gives the
+/// colour of the lower end everywhere.
+QImage framePicture(const TiffData& frame, double low, double high,
+                    const ColorScale& colors = frameColors());
 
 /// The counts that a share of the frame's pixels, and all but that share, do not exceed: 0.01 gives
 /// the percentiles 1 and 99. (0, 0) for a frame without pixels.

@@ -6,6 +6,7 @@
 #include <QVector>
 
 class ChCoord;
+class Letters;
 class QPainter;
 
 /// A curve of the spectrum plot, in the units of its axes.
@@ -16,11 +17,13 @@ struct PlotCurve {
     QString name;  // empty: not in the legend
 };
 
+/// Black on white, as in saved pictures, until told otherwise.
 struct PlotColors {
-    QColor ink;
-    QColor paper;
+    QColor ink = Qt::black;
+    QColor paper = Qt::white;
+    QColor faint = Qt::gray;  ///< of a note that there is nothing
 };
 
 /// Names the curves, in a box where it hides the least of them.
-void paintLegend(QPainter& painter, const QRectF& plot, const QVector<PlotCurve>& list,
-                 const ChCoord& coord, const PlotColors& colors);
+void paintLegend(QPainter& painter, const Letters& letters, const QRectF& plot,
+                 const QVector<PlotCurve>& list, const ChCoord& coord, const PlotColors& colors);

@@ -1,11 +1,12 @@
 #include <QPainter>
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <vector>
 
-#include "base/Globals.h"
 #include "drawing/ChCoord.h"
 #include "drawing/DrawText.h"
+#include "drawing/Letters.h"
 #include "drawing/PlotCurve.h"
 
 namespace {
@@ -52,14 +53,14 @@ QRectF emptiestPlace(const QSizeF& size, const QRectF& plot, const QVector<PlotC
 
 }  // namespace
 
-void paintLegend(QPainter& painter, const QRectF& plot, const QVector<PlotCurve>& list,
-                 const ChCoord& coord, const PlotColors& colors) {
-    const double height = painter.fontMetrics().height();
+void paintLegend(QPainter& painter, const Letters& letters, const QRectF& plot,
+                 const QVector<PlotCurve>& list, const ChCoord& coord, const PlotColors& colors) {
+    const double height = std::round(letters.height());
     double widest = 0.0;
     int rows = 0;
     for (const PlotCurve& curve : list) {
         if (!curve.name.isEmpty()) {
-            widest = std::max<double>(widest, painter.fontMetrics().horizontalAdvance(curve.name));
+            widest = std::max(widest, std::round(letters.width(curve.name)));
             ++rows;
         }
     }
@@ -81,10 +82,8 @@ void paintLegend(QPainter& painter, const QRectF& plot, const QVector<PlotCurve>
         painter.drawLine(QPointF(box.left() + 6, y + height / 2),
                          QPointF(box.left() + 26, y + height / 2));
         painter.setPen(colors.ink);
-        drawText(painter, QPointF(box.left() + 32, y),
-                 painter.fontMetrics().elidedText(curve.name, Qt::ElideMiddle,
-                                                  toClampedInt(widest + 2, 0, 1 << 20)),
-                 Qt::AlignLeft | Qt::AlignTop);
+        drawText(painter, letters, QPointF(box.left() + 32, y),
+                 letters.elided(curve.name, widest + 2), Qt::AlignLeft | Qt::AlignTop);
         y += height;
     }
 }

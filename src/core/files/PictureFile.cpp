@@ -9,6 +9,7 @@
 #include <QPdfWriter>
 #include <QSaveFile>
 
+#include "files/PictureResolution.h"
 #include "files/WholeFile.h"
 
 namespace {
@@ -27,11 +28,9 @@ bool writePdf(const QString& fileName, const QSize& size,
         return false;
     }
     QPdfWriter writer(&file);
-    // As many dots per inch as a picture on the screen has, so that its fonts come out alike.
-    const int resolution = QImage(1, 1, QImage::Format_RGB32).logicalDpiX();
-    writer.setResolution(resolution);
-    writer.setPageSize(QPageSize(QSizeF(size) * PointsPerInch / resolution, QPageSize::Point,
-                                 QString(), QPageSize::ExactMatch));
+    writer.setResolution(PictureDotsPerInch);
+    writer.setPageSize(QPageSize(QSizeF(size) * PointsPerInch / PictureDotsPerInch,
+                                 QPageSize::Point, QString(), QPageSize::ExactMatch));
     writer.setPageMargins(QMarginsF(0, 0, 0, 0));
     writer.setCreator(QStringLiteral("Tarnwick"));
     writer.setTitle(QFileInfo(fileName).completeBaseName());
@@ -77,7 +76,6 @@ bool writeDrawing(const QString& fileName, const QSize& size,
     painter.scale(Magnification, Magnification);
     paint(painter);
     painter.end();
-    picture.setDotsPerMeterX(picture.dotsPerMeterX() * Magnification);
-    picture.setDotsPerMeterY(picture.dotsPerMeterY() * Magnification);
+    setPictureResolution(&picture, Magnification * PictureDotsPerInch);
     return writePicture(fileName, picture);
 }

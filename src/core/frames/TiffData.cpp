@@ -8,8 +8,8 @@
 #include <new>
 #include <vector>
 
+#include "base/ColorMap.h"
 #include "base/DebugLog.h"
-#include "base/Globals.h"
 #include "base/Numbers.h"
 #include "frames/FrameReader.h"
 #include "frames/RowMemory.h"
@@ -137,9 +137,10 @@ void TiffData::makeImage() {
     // One entry a count value that occurs, looked up once: the same pixels as one look-up each.
     const double low = static_cast<double>(min);
     const double span = static_cast<double>(max) - low;
+    const ColorScale& colors = bytesPerPixel == 3 ? heatScale() : greyScale();
     const auto pictureOf = [&](quint32 c) {
         const double v = (static_cast<double>(c) - low) / span;
-        return bytesPerPixel == 3 ? colorOf(v) : greyOf(v);
+        return colors.at(v);
     };
     std::vector<uchar> table;
     if (max >= min && count > max - min) {

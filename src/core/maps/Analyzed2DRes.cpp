@@ -6,8 +6,9 @@
 #include <cstring>
 #include <limits>
 
-#include "base/Globals.h"
+#include "base/ColorMap.h"
 #include "base/Numbers.h"
+#include "files/PictureResolution.h"
 
 namespace {
 
@@ -137,12 +138,14 @@ void Analyzed2DRes::genImg() {
 void Analyzed2DRes::paint(const Picture& picture) const {
     m_pixels.resize(3 * static_cast<std::size_t>(picture.values.size()));
     uchar* pixel = m_pixels.data();
+    const ColorScale& colors = resultColors();
     for (double value : picture.values) {
-        std::memcpy(pixel, colorOf((value - picture.min) / (picture.max - picture.min)), 3);
+        std::memcpy(pixel, colors.at((value - picture.min) / (picture.max - picture.min)), 3);
         pixel += 3;
     }
     m_image = std::make_unique<QImage>(m_pixels.data(), picture.width, picture.height,
                                        3 * picture.width, QImage::Format_RGB888);
+    setPictureResolution(m_image.get());
 }
 
 QImage* Analyzed2DRes::img() const {

@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/Globals.h"
 #include "drawing/BarScale.h"
 #include "drawing/DrawText.h"
+#include "drawing/Letters.h"
 
 namespace {
 constexpr double BarWidth = 20.0;
@@ -28,19 +28,20 @@ ColorBar::ColorBar(QWidget* parent) : DispA(parent) {
 }
 
 double ColorBar::rangeMin() const {
-    return m_table == Grey && !m_auto ? m_fixedMin : m_min;
+    return canBeChanged() && !m_auto ? m_fixedMin : m_min;
 }
 double ColorBar::rangeMax() const {
-    return m_table == Grey && !m_auto ? m_fixedMax : m_max;
+    return canBeChanged() && !m_auto ? m_fixedMax : m_max;
 }
 
-void ColorBar::setTable(Table table) {
-    if (table != m_table) {
+void ColorBar::use(Of of, const ColorScale& colors) {
+    if (of != m_of) {
         m_drag = End::None;
         m_typed = End::None;
         m_editor->hide();
     }
-    m_table = table;
+    m_of = of;
+    m_colors = &colors;
     update();
 }
 
@@ -92,10 +93,10 @@ void ColorBar::paintBelow(QPainter& painter) {
     paintBar(painter, bar);
     if (rangeMax() >= rangeMin()) {
         paintEnds(painter, bar);
-        paintBarTicks(painter, bar, rangeMin(), rangeMax(), fontMetrics().height() / 2.0,
-                      QRectF(rect()));
+        paintBarTicks(painter, Letters(font()), bar, rangeMin(), rangeMax(),
+                      fontMetrics().height() / 2.0, QRectF(rect()));
     }
-    if (m_table == Grey) {
+    if (canBeChanged()) {
         painter.setPen(palette().color(QPalette::Disabled, QPalette::WindowText));
         drawText(painter, QPointF(bar.left(), height() - 2.0), m_auto ? tr("Auto") : tr("Fixed"),
                  Qt::AlignLeft | Qt::AlignBottom, QRectF(rect()));
@@ -103,8 +104,7 @@ void ColorBar::paintBelow(QPainter& painter) {
 }
 
 void ColorBar::paintBar(QPainter& painter, const QRectF& bar) const {
-    paintBarColors(painter, bar, m_table == Grey ? BarColors::Grey : BarColors::False, rangeMin(),
-                   rangeMax());
+    paintBarColors(painter, bar, *m_colors, rangeMin(), rangeMax());
     painter.setPen(palette().color(QPalette::WindowText));
     painter.drawRect(bar.adjusted(-1, -1, 0, 0));
 }

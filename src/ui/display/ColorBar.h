@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ColorMap.h"
 #include "display/DispA.h"
 
 class QLineEdit;
@@ -14,11 +15,11 @@ class ColorBar : public DispA {
     Q_OBJECT
 
   public:
-    enum Table { Grey, False };
-
     explicit ColorBar(QWidget* parent = nullptr);
 
-    void setTable(Table table);
+    /// The colours of frames, whose range the user may change, or of a result.
+    void showFrames(const ColorScale& colors) { use(Of::Frames, colors); }
+    void showResult(const ColorScale& colors) { use(Of::Result, colors); }
     /// Range of the shown frame; in use while no other is fixed.
     void setDataRange(double min, double max);
     /// Range of the shown result.
@@ -49,17 +50,20 @@ class ColorBar : public DispA {
 
   private:
     enum class End { None, Low, High };
+    enum class Of { Frames, Result };
 
     QRectF barRect() const;
     QRectF valueRect(End end) const;
-    bool canBeChanged() const { return m_table == Grey; }
+    void use(Of of, const ColorScale& colors);
+    bool canBeChanged() const { return m_of == Of::Frames; }
     bool hasRange() const { return rangeMax() > rangeMin(); }
     void paintBar(QPainter& painter, const QRectF& bar) const;
     void paintEnds(QPainter& painter, const QRectF& bar) const;
     void startTyping(End end);
     void takeTyped();
 
-    Table m_table = Grey;
+    Of m_of = Of::Frames;
+    const ColorScale* m_colors = &frameColors();
     double m_min = 0.0;
     double m_max = 1.0;
     double m_fixedMin = 0.0;

@@ -8,23 +8,26 @@
 #include "base/Globals.h"
 #include "display/Availability.h"
 #include "display/DispA.h"
+#include "drawing/Letters.h"
+#include "drawing/PlotPicture.h"
 #include "files/FileNames.h"
 #include "spectra/SpectrumFile.h"
 #include "spectra/Units.h"
 #include "ui_XafsView.h"
 
-namespace {
-
-constexpr int DegreesIndex = 3;  // in UnitTable
-
-}  // namespace
-
-XafsView::XafsView(QWidget* parent)
-    : QFrame(parent), m_ui(std::make_unique<Ui::XafsView>()), m_units(std::make_unique<Units>()) {
+XafsView::XafsView(QWidget* parent) : QFrame(parent), m_ui(std::make_unique<Ui::XafsView>()) {
     m_ui->setupUi(this);
-    m_ui->Ordinate->addItems({QStringLiteral("mu-t"), tr("Normalized"), tr("Double normalized"),
-                              tr("Post based"), tr("Post based by span")});
-    m_ui->Ordinate->setCurrentIndex(DoubleNormalized);
+    m_plot.texts = {
+        {QStringLiteral("mu-t"), tr("Normalized"), tr("Double normalized"), tr("Post based"),
+         tr("Post based by span")},
+        {tr("Energy [eV]"), tr("Energy [keV]"), tr("Wavelength [A]"), tr("Bragg angle [deg]")},
+        tr("Fit"),
+        tr("Residual"),
+        tr("No spectrum")};
+    for (const QString& ordinate : m_plot.texts.ordinates) {
+        m_ui->Ordinate->addItem(ordinate);
+    }
+    m_ui->Ordinate->setCurrentIndex(m_plot.ordinate);
     for (const Unit& unit : UnitTable) {
         m_ui->Abscissa->addItem(QString::fromLatin1(unit.name));
     }
@@ -38,65 +41,68 @@ XafsView::XafsView(QWidget* parent)
     connect(m_ui->Ordinate, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &XafsView::newOrdinate);
     connect(m_ui->Abscissa, qOverload<int>(&QComboBox::currentIndexChanged), this,
-            &XafsView::resetZoom);
+            &XafsView::newAbscissa);
+    connect(m_ui->Backgrounds, &QCheckBox::toggled, this, [this](bool on) {
+        m_plot.backgrounds = on;
+        m_ui->Canvas->QWidget::update();
+    });
     newOrdinate();
 }
 
 XafsView::~XafsView() = default;
 
-void XafsView::setSample(const XafsSpectrum& spectrum, const QString& name) {
-    m_sample = spectrum;
-    m_sampleName = name;
+void XafsView::setSample(const XafsSpectrum& spectrum, const QString& name,
+                         const QString& savedName) {
+    m_plot.sample = Reference{spectrum, name, true, QColor(), savedName};
     update();
 }
 
 void XafsView::clearSample() {
-    m_sample.reset();
-    m_fit.reset();
+    m_plot.sample.reset();
+    m_plot.fit.reset();
     update();
 }
 
 void XafsView::setStandard(const XafsSpectrum& spectrum, const QString& name) {
-    m_standard = spectrum;
-    m_standardName = QFileInfo(name).fileName();
+    m_plot.standard = Reference{spectrum, QFileInfo(name).fileName()};
     update();
 }
 
 void XafsView::clearStandard() {
-    m_standard.reset();
+    m_plot.standard.reset();
     update();
 }
 
 void XafsView::setFit(const XafsSpectrum& spectrum) {
-    m_fit = spectrum;
+    m_plot.fit = spectrum;
     update();
 }
 
 void XafsView::clearFit() {
-    m_fit.reset();
+    m_plot.fit.reset();
     update();
 }
 
 void XafsView::setReferences(const QVector<Reference>& references) {
-    m_references = references;
+    m_plot.references = references;
     update();
 }
 
 void XafsView::setCrystalSpacing(double d) {
-    if (m_units->d() != d && m_ui->Abscissa->currentIndex() == DegreesIndex) {
+    if (m_plot.spacing != d && m_plot.abscissa == SpectrumPlot::Degrees) {
         resetZoom();
     }
-    m_units->setD(d);
+    m_plot.spacing = d;
     m_ui->Canvas->QWidget::update();
 }
 
 void XafsView::setRaEnergy(double energy) {
-    m_raEnergy = energy;
+    m_plot.raEnergy = energy;
     m_ui->Canvas->QWidget::update();
 }
 
 bool XafsView::hasCurves() const {
-    return !shownSpectra().isEmpty();
+    return !m_plot.shown().isEmpty();
 }
 
 void XafsView::update() {
@@ -106,65 +112,35 @@ void XafsView::update() {
     emit updated();
 }
 
-bool XafsView::showsFit() const {
-    return m_fit && !m_fit->isEmpty() && m_sample && !m_sample->isEmpty() &&
-           m_ui->Ordinate->currentIndex() == DoubleNormalized;
+void XafsView::takeColors() {
+    m_plot.colors = {palette().color(QPalette::WindowText), palette().color(QPalette::Base),
+                     palette().color(QPalette::Disabled, QPalette::WindowText)};
 }
 
-QPolygonF XafsView::residual() const {
-    QPolygonF points;
-    if (!showsFit()) {
-        return points;
-    }
-    points.reserve(m_fit->size());
-    for (int i = 0; i < m_fit->size(); ++i) {
-        const double e = m_fit->correctedEnergy(i);
-        const double sample = m_sample->doubleNormalizedPreBase(e + m_sample->energyCorrection());
-        points.append(QPointF(e, sample - m_fit->value(i)));
-    }
-    return points;
+QRectF XafsView::axes() const {
+    return PlotLayout::axesIn(QRectF(m_ui->Canvas->rect()),
+                              plotLettersOf(Letters(m_ui->Canvas->font())), m_plot.showsFit());
 }
 
-std::optional<double> XafsView::rFactor() const {
-    double differences = 0.0;
-    double samples = 0.0;
-    const QPolygonF points = residual();
-    for (int i = 0; i < points.size(); ++i) {
-        const double sample = points[i].y() + m_fit->value(i);
-        differences += points[i].y() * points[i].y();
-        samples += sample * sample;
+void XafsView::draw(QPainter* painter) {
+    takeColors();
+    const PlotLayout layout =
+        paintPlot(*painter, m_plot, QRectF(m_ui->Canvas->rect()), Letters(m_ui->Canvas->font()));
+    if (layout.curves.isEmpty()) {
+        return;
     }
-    const double ratio = differences / samples;
-    return std::isfinite(ratio) ? std::optional<double>(ratio) : std::nullopt;
-}
-
-QVector<XafsView::Shown> XafsView::shownSpectra() const {
-    QVector<Shown> shown;
-    if (m_sample && !m_sample->isEmpty()) {
-        shown.append({&*m_sample, m_sampleName, ink()});
+    m_coord = layout.coord;
+    if (m_zoomStart) {
+        painter->setPen(QPen(palette().color(QPalette::Highlight), 1, Qt::DashLine));
+        painter->drawRect(QRect(*m_zoomStart, m_ui->Canvas->mouse().current()).normalized());
     }
-    if (showsFit()) {
-        shown.append({&*m_fit, tr("Fit"), getColor(0)});
-    }
-    if (m_standard && !m_standard->isEmpty()) {
-        shown.append({&*m_standard, m_standardName, getColor(2)});
-    }
-    for (const Reference& reference : m_references) {
-        if (reference.shown && !reference.spectrum.isEmpty()) {
-            shown.append({&reference.spectrum, reference.name, reference.color});
-        }
-    }
-    for (const Reference& pinned : m_pinned) {
-        shown.append({&pinned.spectrum, pinned.name, pinned.color});
-    }
-    return shown;
 }
 
 bool XafsView::saveData(const QString& fname) {
     bool written = true;
     const bool corrected = m_ui->Corrected->isChecked();
     int number = 0;
-    for (const Shown& shown : shownSpectra()) {
+    for (const SpectrumPlot::Shown& shown : m_plot.shown()) {
         const QString name = number == 0 ? fname : taggedName(fname, QString::number(number));
         const bool saved = writeSpectrumFile(name, *shown.spectrum, corrected);
         if (saved) {
@@ -196,7 +172,7 @@ void XafsView::endZoom() {
         const QRectF zoom = area.normalized();
         if (zoom.width() > 1e-9 * std::abs(zoom.right()) &&
             zoom.height() > 1e-9 * std::abs(zoom.bottom())) {
-            m_zoom = zoom;
+            m_plot.zoom = zoom;
             m_ui->ReadOut->clear();
         }
     }
@@ -204,25 +180,31 @@ void XafsView::endZoom() {
 }
 
 void XafsView::resetZoom() {
-    m_zoom.reset();
+    m_plot.zoom.reset();
     m_zoomStart.reset();
     m_ui->ReadOut->clear();
     m_ui->Canvas->QWidget::update();
 }
 
 void XafsView::newOrdinate() {
+    m_plot.ordinate = static_cast<SpectrumPlot::Ordinate>(m_ui->Ordinate->currentIndex());
     setUsable(m_ui->Backgrounds,
-              m_ui->Ordinate->currentIndex() == MuT ? QString() : tr("Choose mu-t first."));
+              m_plot.ordinate == SpectrumPlot::MuT ? QString() : tr("Choose mu-t first."));
+    resetZoom();
+}
+
+void XafsView::newAbscissa() {
+    m_plot.abscissa = static_cast<SpectrumPlot::Abscissa>(m_ui->Abscissa->currentIndex());
     resetZoom();
 }
 
 void XafsView::onMouseMoved() {
     const QPoint at = m_ui->Canvas->mouse().current();
-    if (!hasCurves() || !plotRect().contains(at)) {
+    if (!hasCurves() || !axes().contains(at)) {
         m_ui->ReadOut->clear();
         return;
     }
-    const Unit& unit = UnitTable[static_cast<std::size_t>(m_ui->Abscissa->currentIndex())];
+    const Unit& unit = UnitTable[m_plot.abscissa];
     m_ui->ReadOut->setText(QString::asprintf(unit.format, m_coord.s2rX(at.x())).trimmed() + ' ' +
                            QString::fromLatin1(unit.name) + QStringLiteral("   ") +
                            QString::number(m_coord.s2rY(at.y()), 'f', 4));

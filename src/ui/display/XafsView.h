@@ -1,14 +1,11 @@
 #pragma once
 
-#include <QColor>
 #include <QFrame>
-#include <QPolygonF>
-#include <QVector>
 #include <memory>
 #include <optional>
 
 #include "drawing/ChCoord.h"
-#include "spectra/XafsSpectrum.h"
+#include "drawing/SpectrumPlot.h"
 
 namespace Ui {
 class XafsView;
@@ -16,32 +13,26 @@ class XafsView;
 class QAction;
 class QFileDialog;
 class QMenu;
-struct PlotCurve;
-class Units;
 
-/// The spectrum plot: a position's spectrum or a sample, with the standard, the references and the
-/// fitted curve. It keeps copies of what it shows.
-///
-/// Energies are those that fits use: less the energy correction, with the references' offsets. The
-/// fitted curve is drawn as it stands, and only over the double normalized spectra; then the
-/// residual (sample minus fit) lies under the plot with its R factor.
+/// The window of a spectrum plot: shows the value and lets the user choose what of it is seen,
+/// magnify, read out, pin spectra and save.
 class XafsView : public QFrame {
     Q_OBJECT
 
   public:
-    struct Reference {
-        XafsSpectrum spectrum;
-        QString name;
-        bool shown;
-        QColor color;
-    };
+    using Reference = SpectrumPlot::Named;
 
     static constexpr int MostPinned = 8;
 
     explicit XafsView(QWidget* parent = nullptr);
     ~XafsView() override;
 
-    void setSample(const XafsSpectrum& spectrum, const QString& name);
+    /// The plot as it is seen, with the texts and colours of this window.
+    const SpectrumPlot& plot() const { return m_plot; }
+
+    /// The name in saved plots, which are in English, is that of the window unless told.
+    void setSample(const XafsSpectrum& spectrum, const QString& name,
+                   const QString& savedName = QString());
     void clearSample();
     void setStandard(const XafsSpectrum& spectrum, const QString& name);
     void clearStandard();
@@ -59,9 +50,7 @@ class XafsView : public QFrame {
 
     /// Whether there is a spectrum that saveData() would write.
     bool hasCurves() const;
-    /// Sum of squares of sample minus fit over that of the sample, at the fit's energies; nothing
-    /// without a fit on display or when it is no number.
-    std::optional<double> rFactor() const;
+    std::optional<double> rFactor() const { return m_plot.rFactor(); }
 
   signals:
     /// The data have been taken over and will be drawn.
@@ -76,8 +65,8 @@ class XafsView : public QFrame {
     /// ... before the suffix. True when all were written; false, and nothing written, for an empty
     /// plot.
     bool saveData(const QString& fname);
-    /// Writes the plot as it is shown, on white paper: as vector drawing with the suffix "pdf",
-    /// otherwise as picture. False, with a debug line, when it cannot be written.
+    /// Writes the plot with what is shown of it, as writePlot() does. False, with a debug line,
+    /// when it cannot be written.
     bool savePlot(const QString& fname);
 
     /// Keeps a copy of the sample in the plot, with a colour of its own, until it is removed.
@@ -87,59 +76,26 @@ class XafsView : public QFrame {
     void removeAllPinned();
 
   private:
-    enum Ordinate { MuT, Normalized, DoubleNormalized, PostBased, PostBasedBySpan };
-
-    struct Shown {
-        const XafsSpectrum* spectrum;
-        QString name;
-        QColor color;
-    };
-
     void makeMenu();
     void updateMenu();
     void listPinned();
     void showSaveDialog();
     QColor colorOfPinned() const;
-    bool showsFit() const;
-    QColor ink() const;
-    QColor paper() const;
-    QColor readable(const QColor& color) const;
-    QPolygonF residual() const;  // energy, sample minus fit
-    QVector<Shown> shownSpectra() const;
-    QVector<PlotCurve> curves() const;
-    void addCurve(QVector<PlotCurve>* list, const XafsSpectrum& spectrum, const Spectrum& series,
-                  const QColor& color, Qt::PenStyle style, const QString& name) const;
-    const Spectrum& seriesOf(const XafsSpectrum& spectrum) const;
-    double abscissa(double energy) const;
-    QRectF extent(const QVector<PlotCurve>& list) const;
-    QRectF plotRect() const;
-    QRectF residualRect() const;
-    void paintAxes(QPainter& painter, const QRectF& plot) const;
-    void paintCurve(QPainter& painter, const PlotCurve& curve) const;
-    void paintResidual(QPainter& painter, const QRectF& plot) const;
-    void paintMarks(QPainter& painter, const QRectF& plot) const;
+    void takeColors();
+    QRectF axes() const;
     void newOrdinate();
+    void newAbscissa();
     void startZoom();
     void endZoom();
     void resetZoom();
 
     std::unique_ptr<Ui::XafsView> m_ui;
-    std::unique_ptr<Units> m_units;
-    ChCoord m_coord;
-    std::optional<XafsSpectrum> m_sample;
-    QString m_sampleName;
-    std::optional<XafsSpectrum> m_standard;
-    QString m_standardName;
-    std::optional<XafsSpectrum> m_fit;
-    QVector<Reference> m_references;
-    QVector<Reference> m_pinned;
+    SpectrumPlot m_plot;
+    ChCoord m_coord;  // of the plot as it was last painted
     QMenu* m_menu = nullptr;
     QMenu* m_removeMenu = nullptr;
     QAction* m_pinAction = nullptr;
     QAction* m_removeAllAction = nullptr;
     QFileDialog* m_plotDialog = nullptr;  // from the first use on
-    bool m_onPaper = false;               // black on white, whatever the desktop's colours
-    double m_raEnergy = 0.0;
-    std::optional<QRectF> m_zoom;  // real coordinates
     std::optional<QPoint> m_zoomStart;
 };

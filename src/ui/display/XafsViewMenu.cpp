@@ -4,13 +4,12 @@
 #include <QFileDialog>
 #include <QMenu>
 #include <QPainter>
-#include <QScopedValueRollback>
 
 #include "base/DebugLog.h"
 #include "base/Globals.h"
 #include "display/DispA.h"
 #include "display/XafsView.h"
-#include "files/PictureFile.h"
+#include "drawing/PlotPicture.h"
 #include "ui_XafsView.h"
 
 namespace {
@@ -52,22 +51,22 @@ void XafsView::makeMenu() {
 }
 
 void XafsView::updateMenu() {
-    const bool anySample = m_sample && !m_sample->isEmpty();
-    const bool full = m_pinned.size() >= MostPinned;
+    const bool anySample = m_plot.hasSample();
+    const bool full = m_plot.pinned.size() >= MostPinned;
     m_pinAction->setEnabled(anySample && !full);
     m_pinAction->setToolTip(!anySample ? tr("Point at a position of the image first.")
                             : full
                                 ? tr("Remove a pinned spectrum first.")
                                 : tr("Keep the spectrum in the plot, to compare others with it"));
-    m_removeMenu->setEnabled(!m_pinned.isEmpty());
-    m_removeAllAction->setEnabled(!m_pinned.isEmpty());
+    m_removeMenu->setEnabled(!m_plot.pinned.isEmpty());
+    m_removeAllAction->setEnabled(!m_plot.pinned.isEmpty());
 }
 
 void XafsView::listPinned() {
     m_removeMenu->clear();
-    for (int i = 0; i < m_pinned.size(); ++i) {
-        m_removeMenu->addAction(swatch(readable(m_pinned[i].color)), m_pinned[i].name, this,
-                                [this, i] { removePinned(i); });
+    for (int i = 0; i < m_plot.pinned.size(); ++i) {
+        m_removeMenu->addAction(swatch(m_plot.readable(m_plot.pinned[i].color)),
+                                m_plot.pinned[i].name, this, [this, i] { removePinned(i); });
     }
 }
 
@@ -92,11 +91,7 @@ void XafsView::showSaveDialog() {
 }
 
 bool XafsView::savePlot(const QString& fname) {
-    const QScopedValueRollback<bool> onPaper(m_onPaper, true);
-    const bool written = writeDrawing(fname, m_ui->Canvas->size(), [this](QPainter& painter) {
-        painter.setFont(m_ui->Canvas->font());
-        draw(&painter);
-    });
+    const bool written = writePlot(fname, m_plot);
     if (!written) {
         debugFile("cannot be written:", fname);
     }
@@ -106,7 +101,7 @@ bool XafsView::savePlot(const QString& fname) {
 QColor XafsView::colorOfPinned() const {
     // The first colour that no other curve has.
     QList<QColor> taken{getColor(0), getColor(2)};
-    for (const QVector<Reference>& others : {m_references, m_pinned}) {
+    for (const QVector<Reference>& others : {m_plot.references, m_plot.pinned}) {
         for (const Reference& other : others) {
             taken.append(other.color);
         }
@@ -117,25 +112,26 @@ QColor XafsView::colorOfPinned() const {
             return color;
         }
     }
-    return ink();
+    return m_plot.colors.ink;
 }
 
 void XafsView::pinSpectrum() {
-    if (!m_sample || m_sample->isEmpty() || m_pinned.size() >= MostPinned) {
+    if (!m_plot.hasSample() || m_plot.pinned.size() >= MostPinned) {
         return;
     }
-    m_pinned.append({*m_sample, m_sampleName, true, colorOfPinned()});
+    m_plot.pinned.append(*m_plot.sample);
+    m_plot.pinned.last().color = colorOfPinned();
     update();
 }
 
 void XafsView::removePinned(int index) {
-    if (index >= 0 && index < m_pinned.size()) {
-        m_pinned.remove(index);
+    if (index >= 0 && index < m_plot.pinned.size()) {
+        m_plot.pinned.remove(index);
         update();
     }
 }
 
 void XafsView::removeAllPinned() {
-    m_pinned.clear();
+    m_plot.pinned.clear();
     update();
 }

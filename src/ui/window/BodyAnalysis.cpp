@@ -96,7 +96,8 @@ void Body::showXafsSpectrum(double x, double y) {
     if (raw.isEmpty()) {
         m_xafsView->clearSample();
     } else {
-        m_xafsView->setSample(spectrum, tr("Position (%1, %2)").arg(column).arg(row));
+        m_xafsView->setSample(spectrum, tr("Position (%1, %2)").arg(column).arg(row),
+                              QStringLiteral("Position (%1, %2)").arg(column).arg(row));
         if (m_analyzer->isVisible()) {
             m_analyzer->analyzeAndShowSpectrum(spectrum);
         }

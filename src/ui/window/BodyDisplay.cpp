@@ -132,10 +132,10 @@ void Body::redisplay() {
     const Analyzed2DRes* result = shownResult();
     m_ui->dispA->setResultDisplayed(shown() == ShownShift || shown() == ShownResult);
     if (frame != nullptr) {
-        m_ui->CBar->setTable(ColorBar::Grey);
+        m_ui->CBar->showFrames(frameColors());
         m_ui->CBar->setDataRange(frame->min, frame->max);
     } else if (result != nullptr) {
-        m_ui->CBar->setTable(ColorBar::False);
+        m_ui->CBar->showResult(resultColors());
         m_ui->CBar->setRange(result->rangeMin(), result->rangeMax());
     }
     updateStatus();

@@ -77,33 +77,38 @@ void Body::saveImage(const QString& fname) {
     }
 }
 
+// Saved pictures are in English in every language: they go into papers.
 BarPicture Body::shownWithBar() {
     BarPicture parts;
     parts.picture = markedPicture();
     parts.low = m_ui->CBar->rangeMin();
     parts.high = m_ui->CBar->rangeMax();
     if (const TiffData* frame = shownFrame()) {
-        parts.title = shown() == ShownI0 ? tr("Incident beam (I0), %1 eV")
-                                         : tr("Transmitted beam (I1), %1 eV");
+        parts.title = shown() == ShownI0 ? QStringLiteral("Incident beam (I0), %1 eV")
+                                         : QStringLiteral("Transmitted beam (I1), %1 eV");
         parts.title = parts.title.arg(QString::number(frame->energy, 'f', 2));
         parts.source = QFileInfo(frame->fileName).fileName();
-        parts.unit = tr("counts");
+        parts.unit = QStringLiteral("counts");
         return parts;
     }
     const Analyzed2DRes* result = shownResult();
     if (result == nullptr) {
         return parts;
     }
-    const QString titles[] = {tr("Energy shift"),           tr("Edge jump due to the reference"),
-                              tr("Share of the reference"), tr("Edge jump"),
-                              tr("Residual absorption"),    tr("Share of the residual absorption")};
+    const QString titles[] = {QStringLiteral("Energy shift"),
+                              QStringLiteral("Edge jump due to the reference"),
+                              QStringLiteral("Share of the reference"),
+                              QStringLiteral("Edge jump"),
+                              QStringLiteral("Residual absorption"),
+                              QStringLiteral("Share of the residual absorption")};
     const QString muT = QStringLiteral("mu-t");
-    const QString units[] = {QStringLiteral("eV"), muT, tr("share"), muT, muT, tr("share")};
+    const QString units[] = {QStringLiteral("eV"),   muT, QStringLiteral("share"), muT, muT,
+                             QStringLiteral("share")};
     const Origin origin = originOf(result, *m_analyzer);
-    parts.isGrey = false;
+    parts.colors = &resultColors();
     parts.title = titles[origin.kind];
     if (result->showsProc()) {
-        parts.title += tr(", processed");
+        parts.title += QStringLiteral(", processed");
     }
     parts.unit = units[origin.kind];
     parts.source =

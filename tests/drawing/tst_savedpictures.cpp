@@ -1,16 +1,22 @@
 #include <QGuiApplication>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <cmath>
 #include <limits>
 
+#include "Edges.h"
 #include "TestMain.h"
 #include "drawing/BarPicture.h"
+#include "drawing/PlotPicture.h"
+#include "drawing/SpectrumPlot.h"
 #include "files/PictureFile.h"
-#include "output/ResultWriter.h"
 
 namespace {
 
-BarPicture parts(const QSize& size, bool isGrey) {
+// In the environment: the program saves its pictures there and ends.
+constexpr char SaveOnly[] = "TST_SAVE_PICTURES";
+
+BarPicture parts(const QSize& size, const ColorScale& colors) {
     BarPicture result;
     result.picture = QImage(size, QImage::Format_RGB32);
     for (int y = 0; y < size.height(); ++y) {
@@ -18,13 +24,49 @@ BarPicture parts(const QSize& size, bool isGrey) {
             result.picture.setPixel(x, y, qRgb(x % 256, y % 256, (x + 7 * y) % 256));
         }
     }
-    result.isGrey = isGrey;
+    result.colors = &colors;
     result.low = -0.25;
     result.high = 1234.5;
     result.title = "Share of the reference";
     result.source = "oxide.dat";
     result.unit = "share";
     return result;
+}
+
+SpectrumPlot plot() {
+    SpectrumPlot result;
+    result.sample = SpectrumPlot::Named{edges::reference(0.2), QString::fromUtf8("位置"), true,
+                                        QColor(), "Position (3, 4)"};
+    result.standard = SpectrumPlot::Named{edges::reference(0.4), "standard.dat"};
+    result.fit = edges::reference(0.1);
+    result.raEnergy = 7050;
+    return result;
+}
+
+void save(const QString& dir) {
+    BarPicture bar = parts(QSize(16, 16), heatScale());
+    bar.source = QString(200, 'W') + ".dat";
+    QVERIFY(writePicture(dir + "/bar.png", withColorBar(bar)));
+    QVERIFY(writePlot(dir + "/plot.png", plot()));
+}
+
+QByteArray bytesOf(const QString& name) {
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// Where two pictures differ from a column on, by more than letters do that move by a hundredth of a
+// pixel.
+QRect difference(const QImage& a, const QImage& b, int from) {
+    QRect area;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = from; x < a.width(); ++x) {
+            if (std::abs(qGray(a.pixel(x, y)) - qGray(b.pixel(x, y))) > 24) {
+                area |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return area;
 }
 
 // The column of a colour bar beside a picture: from the right edge of the picture on the first one
@@ -51,7 +93,7 @@ bool isBlank(const QImage& image, const QRect& area) {
 
 }  // namespace
 
-class TestBarPicture : public QObject {
+class SavedPicturesTest : public QObject {
     Q_OBJECT
 
   private slots:
@@ -70,7 +112,7 @@ class TestBarPicture : public QObject {
         QFETCH(QSize, size);
         QFETCH(bool, isGrey);
         QFETCH(int, scale);
-        const BarPicture wanted = parts(size, isGrey);
+        const BarPicture wanted = parts(size, isGrey ? greyScale() : heatScale());
         QTemporaryDir dir;
         const QString name = dir.filePath("map.png");
         QVERIFY(writePicture(name, withColorBar(wanted)));
@@ -106,6 +148,48 @@ class TestBarPicture : public QObject {
         QVERIFY(isBlank(image, QRect(image.width() - 4, 0, 4, image.height())));
     }
 
+    void endsOfTheBarAreThoseOfTheRange() {
+        BarPicture wanted = parts(QSize(16, 16), heatScale());
+        wanted.low = 100.001;
+        wanted.high = 999.991;
+        const QImage image = withColorBar(wanted);
+        const QRect map(barPictureOrigin(wanted), QSize(480, 480));
+        const int numbers = barColumn(image, map, Qt::white) + 23;  // right of the ticks
+        for (bool upper : {true, false}) {
+            BarPicture other = wanted;
+            (upper ? other.high : other.low) += 0.007;  // another last digit
+            const QImage changed = withColorBar(other);
+            QCOMPARE(changed.size(), image.size());
+            const QRect area = difference(image, changed, numbers);
+            QVERIFY(!area.isEmpty() && area.width() < 12 && area.height() < 20);
+            QVERIFY(std::abs(area.center().y() - (upper ? map.top() : map.bottom())) < 10);
+        }
+    }
+
+    /// Not of the platform's font, its resolution, nor the colours and the language of a window.
+    void savedPicturesDependOnTheirPartsAlone() {
+        QTemporaryDir here;
+        save(here.path());
+        QTemporaryDir there;
+        QProcess other;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("QT_FONT_DPI", "200");
+        environment.insert("QT_SCALE_FACTOR", "2");
+        environment.insert(SaveOnly, there.path());
+        other.setProcessEnvironment(environment);
+        other.start(QCoreApplication::applicationFilePath(), QStringList());
+        QVERIFY(other.waitForFinished() && other.exitCode() == 0);
+        for (const char* name : {"/bar.png", "/plot.png"}) {
+            QVERIFY(bytesOf(here.path() + name).size() > 5000);
+            QVERIFY2(bytesOf(here.path() + name) == bytesOf(there.path() + name), name);
+        }
+        SpectrumPlot seen = plot();
+        seen.colors = {Qt::white, Qt::black, Qt::red};
+        seen.texts.fit = seen.texts.residual = seen.texts.abscissas[0] = "?";
+        QVERIFY(writePlot(here.filePath("seen.png"), seen));
+        QVERIFY(bytesOf(here.filePath("seen.png")) == bytesOf(here.filePath("plot.png")));
+    }
+
     void anyRangeAndText_data() {
         QTest::addColumn<double>("low");
         QTest::addColumn<double>("high");
@@ -120,7 +204,7 @@ class TestBarPicture : public QObject {
     void anyRangeAndText() {
         QFETCH(double, low);
         QFETCH(double, high);
-        BarPicture wanted = parts(QSize(20, 10), false);
+        BarPicture wanted = parts(QSize(20, 10), heatScale());
         wanted.low = low;
         wanted.high = high;
         wanted.title = QString(5000, 'W');
@@ -134,5 +218,15 @@ class TestBarPicture : public QObject {
     }
 };
 
-TARNWICK_TEST_MAIN(QGuiApplication, TestBarPicture)
-#include "tst_barpicture.moc"
+int main(int argc, char** argv) {
+    initGlobals();
+    QGuiApplication app(argc, argv);
+    if (qEnvironmentVariableIsSet(SaveOnly)) {
+        QGuiApplication::setFont(QFont(QStringLiteral("DejaVu Serif"), 30, QFont::Bold, true));
+        save(qEnvironmentVariable(SaveOnly));
+        return 0;
+    }
+    SavedPicturesTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_savedpictures.moc"
