@@ -27,6 +27,19 @@ struct Bar : ColorBar {
     }
 };
 
+// A section beside a view of 400 x 400 that shows an image of n x n pixels.
+struct Section : CrossSection {
+    explicit Section(int n, Qt::Orientation orientation = Qt::Horizontal)
+        : CrossSection(orientation) {
+        view.resize(400, 400);
+        view.setImageSize(n, n);
+        view.grab();
+        resize(orientation == Qt::Horizontal ? QSize(400, 110) : QSize(110, 400));
+        follow(&view);
+    }
+    ImageView view;
+};
+
 // What a right click offers.
 QList<QAction*> menuOf(ColorBar* bar) {
     qDeleteAll(bar->findChildren<QMenu*>());
@@ -50,345 +63,300 @@ class BarsTest : public QObject {
     Q_OBJECT
 
   private slots:
-    void framesHaveTheirOwnRange();
-    void draggingAnEndFixesTheRange();
-    void endsNeverMeet();
-    void wheelWidensAndNarrows();
-    void typingAnEndFixesTheRange_data();
-    void typingAnEndFixesTheRange();
-    void menuFixesTheRange();
-    void resultsCannotBeChanged();
-    void barShowsTheColours();
-    void barsWithoutARange_data();
-    void barsWithoutARange();
-    void sectionsShareTheViewsAxis();
-    void sectionsReadOut();
-    void sectionsScaleToWhatIsSeen();
-    void wildValuesDoNotFlatten();
-    void gapsBreakTheLine();
-    void sectionsOfAnyValues_data();
-    void sectionsOfAnyValues();
-};
-
-void BarsTest::framesHaveTheirOwnRange() {
-    Bar bar;
-    QVERIFY(bar.isAuto());
-    QCOMPARE(bar.rangeMax(), 500.0);
-    bar.setDataRange(7, 9);
-    QCOMPARE(bar.rangeMin(), 7.0);
-    QSignalSpy changed(&bar, &ColorBar::newBar);
-    bar.setAuto(false);  // for all frames from now on
-    bar.setDataRange(100, 500);
-    QCOMPARE(bar.rangeMin(), 7.0);
-    QCOMPARE(bar.rangeMax(), 9.0);
-    Mouse::doubleClick(&bar, QPointF(12, 150));
-    QVERIFY(bar.isAuto());
-    QCOMPARE(bar.rangeMax(), 500.0);
-    QCOMPARE(changed.count(), 2);
-}
-
-void BarsTest::draggingAnEndFixesTheRange() {
-    Bar bar;
-    QSignalSpy changed(&bar, &ColorBar::newBar);
-    Mouse::drag(&bar, UpperEnd, UpperEnd + QPointF(0, 50));
-    QVERIFY(!bar.isAuto());
-    QVERIFY(changed.count() > 0);
-    QCOMPARE(bar.rangeMin(), 100.0);
-    QVERIFY(bar.rangeMax() < 480.0 && bar.rangeMax() > 350.0);
-    const double high = bar.rangeMax();
-    Mouse::drag(&bar, LowerEnd, LowerEnd - QPointF(0, 50));
-    QCOMPARE(bar.rangeMax(), high);
-    QVERIFY(bar.rangeMin() > 110.0);
-    const double low = bar.rangeMin();
-    bar.setDataRange(0, 65535);  // the next frame keeps the contrast
-    QCOMPARE(bar.rangeMin(), low);
-    QCOMPARE(bar.rangeMax(), high);
-}
-
-void BarsTest::endsNeverMeet() {
-    Bar bar;
-    for (int i = 0; i < 50; ++i) {
-        Mouse::drag(&bar, UpperEnd, UpperEnd + QPointF(0, 5000));
-        Mouse::drag(&bar, LowerEnd, LowerEnd - QPointF(0, 5000));
-        QVERIFY(bar.rangeMax() > bar.rangeMin());
-    }
-    for (int i = 0; i < 400; ++i)
-        Mouse::drag(&bar, UpperEnd, UpperEnd - QPointF(0, 1e6));
-    QVERIFY(std::isfinite(bar.rangeMax()));
-}
-
-void BarsTest::wheelWidensAndNarrows() {
-    Bar bar;
-    Mouse::wheel(&bar, QPointF(12, 150), 1);
-    QVERIFY(qFuzzyCompare(bar.rangeMax() - bar.rangeMin(), 400 / 1.1));
-    QVERIFY(qFuzzyCompare(bar.rangeMax() + bar.rangeMin(), 600.0));
-    Mouse::wheel(&bar, QPointF(12, 150), -1);
-    QVERIFY(qFuzzyCompare(bar.rangeMax(), 500.0));
-}
-
-void BarsTest::typingAnEndFixesTheRange_data() {
-    QTest::addColumn<bool>("upper");
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<double>("low");
-    QTest::addColumn<double>("high");
-    QTest::addColumn<bool>("fixed");
-    QTest::newRow("upper") << true << "450.5" << 100.0 << 450.5 << true;
-    QTest::newRow("lower") << false << "-3e2" << -300.0 << 500.0 << true;
-    QTest::newRow("blanks") << false << " 120 " << 120.0 << 500.0 << true;
-    QTest::newRow("as it was") << true << "500" << 100.0 << 500.0 << false;
-    QTest::newRow("nonsense") << true << "many" << 100.0 << 500.0 << false;
-    QTest::newRow("below the other end") << true << "99" << 100.0 << 500.0 << false;
-    QTest::newRow("no number") << true << "nan" << 100.0 << 500.0 << false;
-    QTest::newRow("without end") << true << "inf" << 100.0 << 500.0 << false;
-}
-
-void BarsTest::typingAnEndFixesTheRange() {
-    QFETCH(bool, upper);
-    QFETCH(QString, typed);
-    QFETCH(bool, fixed);
-    Bar bar;
-    bar.show();
-    Mouse::click(&bar, QPointF(12, upper ? 5 : 275));
-    auto* editor = bar.findChild<QLineEdit*>();
-    QVERIFY(editor != nullptr && editor->isVisible());
-    QCOMPARE(editor->text(), QString(upper ? "500" : "100"));
-    QSignalSpy changed(&bar, &ColorBar::newBar);
-    editor->setText(typed);
-    QTest::keyClick(editor, Qt::Key_Return);
-    QVERIFY(!editor->isVisible());
-    QTEST(bar.rangeMin(), "low");
-    QTEST(bar.rangeMax(), "high");
-    QCOMPARE(bar.isAuto(), !fixed);
-    QCOMPARE(changed.count(), fixed ? 1 : 0);
-}
-
-void BarsTest::menuFixesTheRange() {
-    Bar bar;
-    QSignalSpy percentiles(&bar, &ColorBar::percentilesAsked);
-    QCOMPARE(menuOf(&bar).size(), 3);
-    menuOf(&bar)[0]->trigger();
-    QCOMPARE(percentiles.count(), 1);
-    menuOf(&bar)[1]->trigger();  // the whole range of this frame
-    QVERIFY(!bar.isAuto());
-    bar.setDataRange(0, 65535);
-    QCOMPARE(bar.rangeMax(), 500.0);
-    QVERIFY(!menuOf(&bar)[2]->isChecked());
-    menuOf(&bar)[2]->trigger();
-    QVERIFY(bar.isAuto());
-    bar.showResult(resultColors());
-    QCOMPARE(menuOf(&bar).size(), 1);
-    QVERIFY(!menuOf(&bar)[0]->isEnabled());
-}
-
-void BarsTest::resultsCannotBeChanged() {
-    Bar bar;
-    bar.setAuto(false);
-    bar.showResult(resultColors());
-    bar.setRange(-0.5, 1.5);
-    QSignalSpy changed(&bar, &ColorBar::newBar);
-    Mouse::drag(&bar, UpperEnd, LowerEnd);
-    Mouse::wheel(&bar, UpperEnd, 3);
-    Mouse::doubleClick(&bar, QPointF(12, 5));
-    QCOMPARE(bar.rangeMin(), -0.5);
-    QCOMPARE(bar.rangeMax(), 1.5);
-    QCOMPARE(changed.count(), 0);
-    QVERIFY(!bar.isAuto());  // that of the frames
-    bar.showFrames(frameColors());
-    QCOMPARE(bar.rangeMin(), 100.0);
-    QCOMPARE(bar.rangeMax(), 500.0);
-}
-
-void BarsTest::barShowsTheColours() {
-    Bar bar;
-    const auto at = [&](int y) { return bar.grab().toImage().pixelColor(15, y); };
-    QVERIFY(at(40).red() > 200 && at(40).red() == at(40).blue());
-    QVERIFY(at(225).red() < 50);
-    bar.showResult(resultColors());
-    bar.setRange(0, 1);
-    QVERIFY(at(40).red() == 255 && at(40).blue() > 100);
-    QVERIFY(at(140).red() == 255 && at(140).blue() == 0);
-    QVERIFY(at(225).red() < 150 && at(225).green() == 0);
-}
-
-void BarsTest::barsWithoutARange_data() {
-    QTest::addColumn<double>("low");
-    QTest::addColumn<double>("high");
-    QTest::newRow("equal") << 5.0 << 5.0;
-    QTest::newRow("no values") << 1e300 << -1e300;
-    QTest::newRow("no numbers") << NotANumber << NotANumber;
-    QTest::newRow("without end") << -Infinity << Infinity;
-}
-
-void BarsTest::barsWithoutARange() {
-    QFETCH(double, low);
-    QFETCH(double, high);
-    for (const ColorScale& colors : colorScales()) {
+    void framesHaveTheirOwnRange() {
         Bar bar;
-        bar.showResult(colors);
-        bar.setRange(low, high);
-        const QImage grab = bar.grab().toImage();
-        if (!(high > low)) {
-            QCOMPARE(grab.pixelColor(15, 40), QColor(Qt::black));
-            QCOMPARE(grab.pixelColor(15, 220), QColor(Qt::black));
-        }
-        bar.showFrames(colors);
-        Mouse::drag(&bar, UpperEnd, LowerEnd);
-        Mouse::wheel(&bar, UpperEnd, 1);
         QVERIFY(bar.isAuto());
+        QCOMPARE(bar.rangeMax(), 500.0);
+        bar.setDataRange(7, 9);
+        QCOMPARE(bar.rangeMin(), 7.0);
+        QSignalSpy changed(&bar, &ColorBar::newBar);
+        bar.setAuto(false);  // for all frames from now on
+        bar.setDataRange(100, 500);
+        QCOMPARE(bar.rangeMin(), 7.0);
+        QCOMPARE(bar.rangeMax(), 9.0);
+        Mouse::doubleClick(&bar, QPointF(12, 150));
+        QVERIFY(bar.isAuto());
+        QCOMPARE(bar.rangeMax(), 500.0);
+        QCOMPARE(changed.count(), 2);
     }
-}
 
-void BarsTest::sectionsShareTheViewsAxis() {
-    // The frames around both differ, so that their origins do.
-    QWidget window;
-    window.resize(600, 600);
-    ImageView view(&window);
-    view.setGeometry(20, 10, 400, 400);
-    view.setImageSize(40, 40);
-    CrossSection across(Qt::Horizontal, &window);
-    across.setGeometry(23, 420, 400, 110);
-    CrossSection along(Qt::Vertical, &window);
-    along.setGeometry(430, 4, 110, 400);
-    for (CrossSection* section : {&across, &along}) {
-        section->follow(&view);
-        section->setProfile(QVector<double>(40, 1.0), 0);
+    void draggingAnEndFixesTheRange() {
+        Bar bar;
+        QSignalSpy changed(&bar, &ColorBar::newBar);
+        Mouse::drag(&bar, UpperEnd, UpperEnd + QPointF(0, 50));
+        QVERIFY(!bar.isAuto());
+        QVERIFY(changed.count() > 0);
+        QCOMPARE(bar.rangeMin(), 100.0);
+        QVERIFY(bar.rangeMax() < 480.0 && bar.rangeMax() > 350.0);
+        const double high = bar.rangeMax();
+        Mouse::drag(&bar, LowerEnd, LowerEnd - QPointF(0, 50));
+        QCOMPARE(bar.rangeMax(), high);
+        QVERIFY(bar.rangeMin() > 110.0);
+        const double low = bar.rangeMin();
+        bar.setDataRange(0, 65535);  // the next frame keeps the contrast
+        QCOMPARE(bar.rangeMin(), low);
+        QCOMPARE(bar.rangeMax(), high);
     }
-    window.grab();
-    for (int zoom = 0; zoom < 2; ++zoom) {
-        for (double pixel : {3.0, 12.5}) {
-            QCOMPARE(across.coord().r2sX(pixel) + 23, view.coord().r2sX(pixel) + 20);
-            QCOMPARE(along.coord().r2sY(pixel) + 4, view.coord().r2sY(pixel) + 10);
+
+    void endsNeverMeet() {
+        Bar bar;
+        for (int i = 0; i < 50; ++i) {
+            Mouse::drag(&bar, UpperEnd, UpperEnd + QPointF(0, 5000));
+            Mouse::drag(&bar, LowerEnd, LowerEnd - QPointF(0, 5000));
+            QVERIFY(bar.rangeMax() > bar.rangeMin());
         }
-        Mouse::wheel(&view, QPointF(100, 100), 3);
+        for (int i = 0; i < 400; ++i)
+            Mouse::drag(&bar, UpperEnd, UpperEnd - QPointF(0, 1e6));
+        QVERIFY(std::isfinite(bar.rangeMax()));
+    }
+
+    void wheelWidensAndNarrows() {
+        Bar bar;
+        Mouse::wheel(&bar, QPointF(12, 150), 1);
+        QVERIFY(qFuzzyCompare(bar.rangeMax() - bar.rangeMin(), 400 / 1.1));
+        QVERIFY(qFuzzyCompare(bar.rangeMax() + bar.rangeMin(), 600.0));
+        Mouse::wheel(&bar, QPointF(12, 150), -1);
+        QVERIFY(qFuzzyCompare(bar.rangeMax(), 500.0));
+    }
+
+    void typingAnEndFixesTheRange_data() {
+        QTest::addColumn<bool>("upper");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<double>("low");
+        QTest::addColumn<double>("high");
+        QTest::addColumn<bool>("fixed");
+        QTest::newRow("upper") << true << "450.5" << 100.0 << 450.5 << true;
+        QTest::newRow("lower") << false << "-3e2" << -300.0 << 500.0 << true;
+        QTest::newRow("blanks") << false << " 120 " << 120.0 << 500.0 << true;
+        QTest::newRow("as it was") << true << "500" << 100.0 << 500.0 << false;
+        QTest::newRow("nonsense") << true << "many" << 100.0 << 500.0 << false;
+        QTest::newRow("below the other end") << true << "99" << 100.0 << 500.0 << false;
+        QTest::newRow("no number") << true << "nan" << 100.0 << 500.0 << false;
+        QTest::newRow("without end") << true << "inf" << 100.0 << 500.0 << false;
+    }
+
+    void typingAnEndFixesTheRange() {
+        QFETCH(bool, upper);
+        QFETCH(QString, typed);
+        QFETCH(bool, fixed);
+        Bar bar;
+        bar.show();
+        Mouse::click(&bar, QPointF(12, upper ? 5 : 275));
+        auto* editor = bar.findChild<QLineEdit*>();
+        QVERIFY(editor != nullptr && editor->isVisible());
+        QCOMPARE(editor->text(), QString(upper ? "500" : "100"));
+        QSignalSpy changed(&bar, &ColorBar::newBar);
+        editor->setText(typed);
+        QTest::keyClick(editor, Qt::Key_Return);
+        QVERIFY(!editor->isVisible());
+        QTEST(bar.rangeMin(), "low");
+        QTEST(bar.rangeMax(), "high");
+        QCOMPARE(bar.isAuto(), !fixed);
+        QCOMPARE(changed.count(), fixed ? 1 : 0);
+    }
+
+    void menuFixesTheRange() {
+        Bar bar;
+        QSignalSpy percentiles(&bar, &ColorBar::percentilesAsked);
+        QCOMPARE(menuOf(&bar).size(), 3);
+        menuOf(&bar)[0]->trigger();
+        QCOMPARE(percentiles.count(), 1);
+        menuOf(&bar)[1]->trigger();  // the whole range of this frame
+        QVERIFY(!bar.isAuto());
+        bar.setDataRange(0, 65535);
+        QCOMPARE(bar.rangeMax(), 500.0);
+        QVERIFY(!menuOf(&bar)[2]->isChecked());
+        menuOf(&bar)[2]->trigger();
+        QVERIFY(bar.isAuto());
+        bar.showResult(resultColors());
+        QCOMPARE(menuOf(&bar).size(), 1);
+        QVERIFY(!menuOf(&bar)[0]->isEnabled());
+    }
+
+    void resultsCannotBeChanged() {
+        Bar bar;
+        bar.setAuto(false);
+        bar.showResult(resultColors());
+        bar.setRange(-0.5, 1.5);
+        QSignalSpy changed(&bar, &ColorBar::newBar);
+        Mouse::drag(&bar, UpperEnd, LowerEnd);
+        Mouse::wheel(&bar, UpperEnd, 3);
+        Mouse::doubleClick(&bar, QPointF(12, 5));
+        QCOMPARE(bar.rangeMin(), -0.5);
+        QCOMPARE(bar.rangeMax(), 1.5);
+        QCOMPARE(changed.count(), 0);
+        QVERIFY(!bar.isAuto());  // that of the frames
+        bar.showFrames(frameColors());
+        QCOMPARE(bar.rangeMin(), 100.0);
+        QCOMPARE(bar.rangeMax(), 500.0);
+    }
+
+    void barShowsTheColours() {
+        Bar bar;
+        const auto at = [&](int y) { return bar.grab().toImage().pixelColor(15, y); };
+        QVERIFY(at(40).red() > 200 && at(40).red() == at(40).blue());
+        QVERIFY(at(225).red() < 50);
+        bar.showResult(resultColors());
+        bar.setRange(0, 1);
+        QVERIFY(at(40).red() == 255 && at(40).blue() > 100);
+        QVERIFY(at(140).red() == 255 && at(140).blue() == 0);
+        QVERIFY(at(225).red() < 150 && at(225).green() == 0);
+    }
+
+    void barsWithoutARange_data() {
+        QTest::addColumn<double>("low");
+        QTest::addColumn<double>("high");
+        QTest::newRow("equal") << 5.0 << 5.0;
+        QTest::newRow("no values") << 1e300 << -1e300;
+        QTest::newRow("no numbers") << NotANumber << NotANumber;
+        QTest::newRow("without end") << -Infinity << Infinity;
+    }
+
+    void barsWithoutARange() {
+        QFETCH(double, low);
+        QFETCH(double, high);
+        for (const ColorScale& colors : colorScales()) {
+            Bar bar;
+            bar.showResult(colors);
+            bar.setRange(low, high);
+            const QImage grab = bar.grab().toImage();
+            if (!(high > low)) {
+                QCOMPARE(grab.pixelColor(15, 40), QColor(Qt::black));
+                QCOMPARE(grab.pixelColor(15, 220), QColor(Qt::black));
+            }
+            bar.showFrames(colors);
+            Mouse::drag(&bar, UpperEnd, LowerEnd);
+            Mouse::wheel(&bar, UpperEnd, 1);
+            QVERIFY(bar.isAuto());
+        }
+    }
+
+    void sectionsShareTheViewsAxis() {
+        // The frames around both differ, so that their origins do.
+        QWidget window;
+        window.resize(600, 600);
+        ImageView view(&window);
+        view.setGeometry(20, 10, 400, 400);
+        view.setImageSize(40, 40);
+        CrossSection across(Qt::Horizontal, &window);
+        across.setGeometry(23, 420, 400, 110);
+        CrossSection along(Qt::Vertical, &window);
+        along.setGeometry(430, 4, 110, 400);
+        for (CrossSection* section : {&across, &along}) {
+            section->follow(&view);
+            section->setProfile(QVector<double>(40, 1.0), 0);
+        }
         window.grab();
+        for (int zoom = 0; zoom < 2; ++zoom) {
+            for (double pixel : {3.0, 12.5}) {
+                QCOMPARE(across.coord().r2sX(pixel) + 23, view.coord().r2sX(pixel) + 20);
+                QCOMPARE(along.coord().r2sY(pixel) + 4, view.coord().r2sY(pixel) + 10);
+            }
+            Mouse::wheel(&view, QPointF(100, 100), 3);
+            window.grab();
+        }
     }
-}
 
-void BarsTest::sectionsReadOut() {
-    ImageView view;
-    view.resize(400, 400);
-    view.setImageSize(4, 4);
-    view.grab();
-    CrossSection section(Qt::Horizontal);
-    section.resize(400, 110);
-    section.follow(&view);
-    section.setProfile({10, 20.25, NotANumber, 40}, 0);
-    QCOMPARE(section.readOut(), QString());
-    Mouse::move(&section, QPointF(150, 50));
-    QCOMPARE(section.readOut(), QString("(1, 20.25)"));
-    Mouse::move(&section, QPointF(250, 50));
-    QCOMPARE(section.readOut(), QString("(2, nan)"));
-    Mouse::move(&section, QPointF(399, 50));  // the last pixel
-    QCOMPARE(section.readOut(), QString("(3, 40)"));
-    Mouse::move(&section, QPointF(401, 50));
-    QCOMPARE(section.readOut(), QString());
-    section.setProfile({10, 20}, 0);
-    Mouse::move(&section, QPointF(50, 50));
-    QCOMPARE(section.readOut(), QString("(0, 10)"));
-    QEvent leave(QEvent::Leave);
-    QApplication::sendEvent(&section, &leave);
-    QCOMPARE(section.readOut(), QString());
-}
+    void sectionsReadOut() {
+        for (bool across : {true, false}) {
+            Section section(4, across ? Qt::Horizontal : Qt::Vertical);
+            section.setProfile({10, 20.25, NotANumber, 40}, 0);
+            QCOMPARE(section.readOut(), QString());
+            const auto readAt = [&](int along) {
+                Mouse::move(&section, across ? QPointF(along, 50) : QPointF(50, along));
+                return section.readOut();
+            };
+            QCOMPARE(readAt(150), QString("(1, 20.25)"));
+            QCOMPARE(readAt(250), QString("(2, nan)"));
+            QCOMPARE(readAt(399), QString("(3, 40)"));  // the last pixel
+            QCOMPARE(readAt(401), QString());
+            QCOMPARE(readAt(50), QString("(0, 10)"));
+            section.setProfile({}, 0);
+            QCOMPARE(section.readOut(), QString());
+            section.setProfile({7}, 0);
+            QEvent leave(QEvent::Leave);
+            QApplication::sendEvent(&section, &leave);
+            QCOMPARE(section.readOut(), QString());
+        }
+    }
 
-void BarsTest::sectionsScaleToWhatIsSeen() {
-    ImageView view;
-    view.resize(400, 400);
-    view.setImageSize(100, 100);
-    view.grab();
-    CrossSection section(Qt::Horizontal);
-    section.resize(400, 110);
-    section.follow(&view);
-    QVector<double> values(100);
-    for (int i = 0; i < 100; ++i)
-        values[i] = i;
-    section.setProfile(values, 0);
-    section.grab();
-    QCOMPARE(section.coord().ry0, 0.0);
-    QCOMPARE(section.coord().ry1, 99.0);
-    for (int i = 0; i < 5; ++i)
-        Mouse::wheel(&view, QPointF(0, 200), 1);
-    section.grab();
-    QCOMPARE(section.coord().ry0, 0.0);
-    QVERIFY(section.coord().ry1 < 35.0);
-}
-
-void BarsTest::wildValuesDoNotFlatten() {
-    ImageView view;
-    view.resize(400, 400);
-    view.setImageSize(100, 100);
-    view.grab();
-    CrossSection section(Qt::Horizontal);
-    section.resize(400, 110);
-    section.follow(&view);
-    QVector<double> values(100);
-    for (int i = 0; i < 100; ++i)
-        values[i] = 0.01 * (i % 11);
-    values[50] = 2.0;  // a grain
-    section.setProfile(values, 0);
-    section.grab();
-    QCOMPARE(section.coord().ry1, 2.0);
-    values[50] = -5000.0;
-    values[70] = 4000.0;
-    section.setProfile(values, 0);
-    section.grab();
-    QVERIFY(section.coord().ry0 > -1.0 && section.coord().ry1 < 1.0);
-    QVERIFY(section.coord().ry0 < 0.0 && section.coord().ry1 > 0.1);
-    section.setValueRange(-0.5, 1.5);  // that of the colour bar
-    section.grab();
-    QCOMPARE(section.coord().ry0, -0.5);
-    QCOMPARE(section.coord().ry1, 1.5);
-}
-
-void BarsTest::gapsBreakTheLine() {
-    ImageView view;
-    view.resize(400, 400);
-    view.setImageSize(4, 4);
-    view.grab();
-    CrossSection section(Qt::Horizontal);
-    QPalette light;
-    light.setColor(QPalette::Base, Qt::white);
-    section.setPalette(light);
-    section.resize(400, 110);
-    section.follow(&view);
-    section.setProfile({1, 2, NotANumber, 2}, 0);
-    const QImage grab = section.grab().toImage();
-    QVERIFY(inkIn(grab, 50, getColor(2)) > 0);
-    QVERIFY(inkIn(grab, 150, getColor(2)) > 0);
-    QCOMPARE(inkIn(grab, 250, getColor(2)), 0);
-    QVERIFY(inkIn(grab, 302, getColor(2)) > 0 && inkIn(grab, 397, getColor(2)) > 0);  // the last
-}
-
-void BarsTest::sectionsOfAnyValues_data() {
-    QTest::addColumn<QVector<double>>("values");
-    QTest::newRow("none") << QVector<double>{};
-    QTest::newRow("gaps only") << QVector<double>{NotANumber, NotANumber, Infinity, -Infinity};
-    QTest::newRow("noughts") << QVector<double>{0, 0, 0, 0};
-    QTest::newRow("equal") << QVector<double>{-7, -7, -7, -7};
-    QTest::newRow("tiny") << QVector<double>{5e-324, 0, 1e-320, 0};
-    QTest::newRow("huge") << QVector<double>{-1.7e308, 1.7e308, 0, 1e301};
-    QTest::newRow("last digit") << QVector<double>{1e15, 1e15 + 0.125, 1e15, 1e15};
-}
-
-void BarsTest::sectionsOfAnyValues() {
-    QFETCH(QVector<double>, values);
-    ImageView view;
-    view.resize(400, 400);
-    view.setImageSize(4, 4);
-    view.grab();
-    for (Qt::Orientation orientation : {Qt::Horizontal, Qt::Vertical}) {
-        CrossSection section(orientation);
-        section.resize(110, 110);
-        section.follow(&view);
+    void sectionsScaleToWhatIsSeen() {
+        Section section(100);
+        QVector<double> values(100);
+        for (int i = 0; i < 100; ++i)
+            values[i] = i;
         section.setProfile(values, 0);
-        section.setMarker(1e18);
-        Mouse::move(&section, QPointF(50, 50));
-        QVERIFY(!section.grab().isNull());
-        const ChCoord& c = section.coord();
-        const bool across = orientation == Qt::Horizontal;
-        QVERIFY(across ? c.ry1 > c.ry0 : c.rx1 > c.rx0);
-        QVERIFY(std::isfinite(across ? c.r2sY(0.5) : c.r2sX(0.5)));
+        section.grab();
+        QCOMPARE(section.coord().ry0, 0.0);
+        QCOMPARE(section.coord().ry1, 99.0);
+        for (int i = 0; i < 5; ++i)
+            Mouse::wheel(&section.view, QPointF(0, 200), 1);
+        section.grab();
+        QCOMPARE(section.coord().ry0, 0.0);
+        QVERIFY(section.coord().ry1 < 35.0);
     }
-}
+
+    void wildValuesDoNotFlatten() {
+        Section section(100);
+        QVector<double> values(100);
+        for (int i = 0; i < 100; ++i)
+            values[i] = 0.01 * (i % 11);
+        values[50] = 2.0;  // a grain
+        section.setProfile(values, 0);
+        section.grab();
+        QCOMPARE(section.coord().ry1, 2.0);
+        values[50] = -5000.0;
+        values[70] = 4000.0;
+        section.setProfile(values, 0);
+        section.grab();
+        QVERIFY(section.coord().ry0 > -1.0 && section.coord().ry1 < 1.0);
+        QVERIFY(section.coord().ry0 < 0.0 && section.coord().ry1 > 0.1);
+        section.setValueRange(-0.5, 1.5);  // that of the colour bar
+        section.grab();
+        QCOMPARE(section.coord().ry0, -0.5);
+        QCOMPARE(section.coord().ry1, 1.5);
+    }
+
+    void gapsBreakTheLine() {
+        Section section(4);
+        QPalette light;
+        light.setColor(QPalette::Base, Qt::white);
+        section.setPalette(light);
+        section.setProfile({1, 2, NotANumber, 2}, 0);
+        const QImage grab = section.grab().toImage();
+        QVERIFY(inkIn(grab, 50, getColor(2)) > 0);
+        QVERIFY(inkIn(grab, 150, getColor(2)) > 0);
+        QCOMPARE(inkIn(grab, 250, getColor(2)), 0);
+        QVERIFY(inkIn(grab, 302, getColor(2)) > 0 &&
+                inkIn(grab, 397, getColor(2)) > 0);  // the last
+    }
+
+    void sectionsOfAnyValues_data() {
+        QTest::addColumn<QVector<double>>("values");
+        QTest::newRow("none") << QVector<double>{};
+        QTest::newRow("gaps only") << QVector<double>{NotANumber, NotANumber, Infinity, -Infinity};
+        QTest::newRow("noughts") << QVector<double>{0, 0, 0, 0};
+        QTest::newRow("equal") << QVector<double>{-7, -7, -7, -7};
+        QTest::newRow("tiny") << QVector<double>{5e-324, 0, 1e-320, 0};
+        QTest::newRow("huge") << QVector<double>{-1.7e308, 1.7e308, 0, 1e301};
+        QTest::newRow("last digit") << QVector<double>{1e15, 1e15 + 0.125, 1e15, 1e15};
+    }
+
+    void sectionsOfAnyValues() {
+        QFETCH(QVector<double>, values);
+        for (Qt::Orientation orientation : {Qt::Horizontal, Qt::Vertical}) {
+            Section section(4, orientation);
+            section.setProfile(values, 0);
+            section.setMarker(1e18);
+            Mouse::move(&section, QPointF(50, 50));
+            QVERIFY(!section.grab().isNull());
+            const ChCoord& c = section.coord();
+            const bool across = orientation == Qt::Horizontal;
+            QVERIFY(across ? c.ry1 > c.ry0 : c.rx1 > c.rx0);
+            QVERIFY(std::isfinite(across ? c.r2sY(0.5) : c.r2sX(0.5)));
+        }
+    }
+};
 
 TARNWICK_TEST_MAIN(QApplication, BarsTest)
 #include "tst_bars.moc"

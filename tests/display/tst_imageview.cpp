@@ -21,6 +21,15 @@ QRectF rect(double x0, double y0, double x1, double y1) {
     return QRectF(QPointF(x0, y0), QPointF(x1, y1));
 }
 
+// A view of a size that has shown an image of a size.
+struct View : ImageView {
+    View(const QSize& size, const QSize& image) {
+        resize(size);
+        setImageSize(image.width(), image.height());
+        grab();
+    }
+};
+
 }  // namespace
 
 // The canvas and the image view, with events as a real mouse makes them.
@@ -28,464 +37,378 @@ class ImageViewTest : public QObject {
     Q_OBJECT
 
   private slots:
-    void canvasKeepsTwoPositions();
-    void canvasTruncatesPositions_data();
-    void canvasTruncatesPositions();
-    void canvasPaintsTwoLayers();
-    void canvasTellsOfTheMouse();
-    void exactPositionSurvivesAnyViewSize();
-    void wholeImageIsLetterBoxed_data();
-    void wholeImageIsLetterBoxed();
-    void wheelZoomsAboutTheCursor();
-    void zoomHasLimits_data();
-    void zoomHasLimits();
-    void dragPans_data();
-    void dragPans();
-    void dragSelects();
-    void selectionIsClipped_data();
-    void selectionIsClipped();
-    void escapeAndRightClickClear();
-    void anotherImageClipsTheSelection();
-    void theSelectionWaitsForAnImage();
-    void clickPins();
-    void doubleClickKeepsThePin();
-    void arrowsMoveByBins();
-    void magnifiedPicturesAreCrisp();
-    void reducedPicturesAreSmooth();
-    void picturesOfOtherSizesKeepTheirPixels();
-    void nothingToShow();
-};
-
-void ImageViewTest::canvasKeepsTwoPositions() {
-    DispA canvas;
-    QSignalSpy moved(&canvas, &DispA::mouseMoved0);
-    canvas.setScreenMousePos(3, 4);
-    Mouse::move(&canvas, QPointF(10, 20), Qt::RightButton);
-    QCOMPARE(moved.count(), 2);
-    QCOMPARE(canvas.mouse().previous(), QPoint(3, 4));
-    QCOMPARE(canvas.mouse().current(), QPoint(10, 20));
-    QCOMPARE(canvas.mouse().buttons(), Qt::MouseButtons(Qt::RightButton));
-    // What Qt makes up itself is no movement.
-    Mouse::send(&canvas, QEvent::MouseMove, QPointF(1, 1), Qt::NoButton, Qt::NoButton,
-                Qt::NoModifier, Qt::MouseEventSynthesizedByQt);
-    QCOMPARE(moved.count(), 2);
-    QCOMPARE(canvas.mouse().current(), QPoint(10, 20));
-}
-
-void ImageViewTest::canvasTruncatesPositions_data() {
-    QTest::addColumn<double>("real");
-    QTest::addColumn<int>("screen");
-    QTest::newRow("towards nought") << 12.7 << 12;
-    QTest::newRow("towards nought from below") << -0.5 << 0;
-    QTest::newRow("below") << -3.9 << -3;
-    QTest::newRow("no number") << std::numeric_limits<double>::quiet_NaN() << 0;
-    QTest::newRow("far") << 1e300 << (1 << 30);
-    QTest::newRow("without end") << -std::numeric_limits<double>::infinity() << -(1 << 30);
-}
-
-void ImageViewTest::canvasTruncatesPositions() {
-    QFETCH(double, real);
-    DispA canvas;  // its transform is one to one
-    canvas.setRealMousePos(real, real);
-    QTEST(canvas.mouse().current().x(), "screen");
-    QTEST(canvas.mouse().current().y(), "screen");
-}
-
-void ImageViewTest::canvasPaintsTwoLayers() {
-    DispA canvas;
-    canvas.resize(20, 20);
-    QStringList order;
-    connect(&canvas, &DispA::drawImage1, [&](QPainter* p) {
-        order.append("first");
-        p->fillRect(0, 0, 20, 20, Qt::red);
-    });
-    connect(&canvas, &DispA::drawImage2, [&](QPainter* p) {
-        order.append("second");
-        p->fillRect(0, 0, 10, 20, Qt::blue);
-    });
-    const QImage grab = canvas.grab().toImage();
-    QCOMPARE(order, (QStringList{"first", "second"}));
-    QCOMPARE(grab.pixelColor(5, 10), QColor(Qt::blue));
-    QCOMPARE(grab.pixelColor(15, 10), QColor(Qt::red));
-}
-
-void ImageViewTest::canvasTellsOfTheMouse() {
-    DispA canvas;
-    QSignalSpy pressed(&canvas, &DispA::mousePressed0);
-    QSignalSpy released(&canvas, &DispA::mouseReleased0);
-    QSignalSpy doubleClicked(&canvas, &DispA::mouseDoubleClicked0);
-    QSignalSpy wheeled(&canvas, &DispA::wheelMoved0);
-    Mouse::doubleClick(&canvas, QPointF(5, 6));
-    QCOMPARE(pressed.count(), 1);
-    QCOMPARE(released.count(), 2);
-    QCOMPARE(doubleClicked.count(), 1);
-    Mouse::wheel(&canvas, QPointF(7, 8), 1);
-    QCOMPARE(wheeled.count(), 1);
-    QCOMPARE(canvas.mouse().current(), QPoint(7, 8));
-}
-
-void ImageViewTest::exactPositionSurvivesAnyViewSize() {
-    ImageView view;
-    view.setImageSize(100, 100);
-    QPointF told;
-    connect(&view, &ImageView::mouseMoved, [&](double x, double y) { told = QPointF(x, y); });
-    int offByTruncation = 0;
-    for (int size = 100; size <= 1200; ++size) {
-        view.resize(size, size);
-        QApplication::sendPostedEvents();
-        view.grab();  // a view that was never shown is resized when it is painted
-        view.setRealMousePos(12, 7);
-        QCOMPARE(told, QPointF(12, 7));
-        QCOMPARE(view.realPosition(), QPointF(12, 7));
-        const double back = view.coord().s2rX(view.mouse().current().x());
-        offByTruncation += std::floor(back) == 12.0 ? 0 : 1;
-        if (size == 150) {
-            size += 997;  // grabs take their time: both ends of the range
-        }
+    void canvasTellsOfTheMouse() {
+        DispA canvas;
+        QSignalSpy moved(&canvas, &DispA::mouseMoved0);
+        canvas.setScreenMousePos(3, 4);
+        Mouse::move(&canvas, QPointF(10, 20), Qt::RightButton);
+        QCOMPARE(moved.count(), 2);
+        QCOMPARE(canvas.mouse().previous(), QPoint(3, 4));
+        QCOMPARE(canvas.mouse().current(), QPoint(10, 20));
+        QCOMPARE(canvas.mouse().buttons(), Qt::MouseButtons(Qt::RightButton));
+        // What Qt makes up itself is no movement.
+        Mouse::send(&canvas, QEvent::MouseMove, QPointF(1, 1), Qt::NoButton, Qt::NoButton,
+                    Qt::NoModifier, Qt::MouseEventSynthesizedByQt);
+        QCOMPARE(moved.count(), 2);
+        QCOMPARE(canvas.mouse().current(), QPoint(10, 20));
+        QSignalSpy pressed(&canvas, &DispA::mousePressed0);
+        QSignalSpy released(&canvas, &DispA::mouseReleased0);
+        QSignalSpy doubleClicked(&canvas, &DispA::mouseDoubleClicked0);
+        QSignalSpy wheeled(&canvas, &DispA::wheelMoved0);
+        Mouse::doubleClick(&canvas, QPointF(5, 6));
+        Mouse::wheel(&canvas, QPointF(7, 8), 1);
+        QCOMPARE((QVector<int>{pressed.count(), released.count(), doubleClicked.count()}),
+                 (QVector<int>{1, 2, 1}));
+        QCOMPARE(wheeled.count(), 1);
+        QCOMPARE(canvas.mouse().current(), QPoint(7, 8));
     }
-    QVERIFY(offByTruncation > 0);
-    // The next real movement counts again.
-    Mouse::move(&view, onScreen(view, 40.5, 50.5));
-    QVERIFY(near(told, QPointF(40.5, 50.5)));
-    QCOMPARE(told, view.realPosition());
-    view.setScreenMousePos(0, 0);
-    QCOMPARE(view.realPosition(), QPointF(view.coord().s2rX(0), view.coord().s2rY(0)));
-}
 
-void ImageViewTest::wholeImageIsLetterBoxed_data() {
-    QTest::addColumn<QSize>("image");
-    QTest::addColumn<QSize>("view");
-    QTest::newRow("square") << QSize(16, 16) << QSize(400, 400);
-    QTest::newRow("wide view") << QSize(100, 100) << QSize(500, 300);
-    QTest::newRow("tall image") << QSize(16, 200) << QSize(500, 300);
-    QTest::newRow("reduced") << QSize(2048, 2048) << QSize(333, 501);
-    QTest::newRow("one pixel") << QSize(1, 1) << QSize(301, 200);
-}
+    void canvasTruncatesPositions_data() {
+        QTest::addColumn<double>("real");
+        QTest::addColumn<int>("screen");
+        QTest::newRow("towards nought") << 12.7 << 12;
+        QTest::newRow("towards nought from below") << -0.5 << 0;
+        QTest::newRow("below") << -3.9 << -3;
+        QTest::newRow("no number") << std::numeric_limits<double>::quiet_NaN() << 0;
+        QTest::newRow("far") << 1e300 << (1 << 30);
+        QTest::newRow("without end") << -std::numeric_limits<double>::infinity() << -(1 << 30);
+    }
 
-void ImageViewTest::wholeImageIsLetterBoxed() {
-    QFETCH(QSize, image);
-    QFETCH(QSize, view);
-    ImageView canvas;
-    canvas.resize(view);
-    canvas.setImageSize(image.width(), image.height());
-    canvas.grab();
-    const ChCoord& c = canvas.coord();
-    QCOMPARE(canvas.visibleRect(), QRectF(QPointF(), QSizeF(image)));
-    QVERIFY(qFuzzyCompare(c.r2sLengthX(1), c.r2sLengthY(1)));
-    const QPointF low = onScreen(canvas, 0, 0);
-    const QPointF high = onScreen(canvas, image.width(), image.height());
-    QVERIFY(near(low + high, QPointF(view.width(), view.height()), 1e-6));  // centred
-    QVERIFY(low.x() > -1e-6 && low.y() > -1e-6 && std::min(low.x(), low.y()) < 1e-6);
-}
+    void canvasTruncatesPositions() {
+        QFETCH(double, real);
+        DispA canvas;  // its transform is one to one
+        canvas.setRealMousePos(real, real);
+        QTEST(canvas.mouse().current().x(), "screen");
+        QTEST(canvas.mouse().current().y(), "screen");
+    }
 
-void ImageViewTest::wheelZoomsAboutTheCursor() {
-    ImageView view;
-    view.resize(400, 300);
-    view.setImageSize(400, 300);
-    view.grab();
-    const QPointF cursor(130, 220);
-    QCOMPARE(view.coord().r2sLengthX(1), 1.0);
-    for (int notch = 1; notch <= 5; ++notch) {
-        Mouse::wheel(&view, cursor, 1);
-        QVERIFY(qFuzzyCompare(view.coord().r2sLengthX(1), std::pow(1.25, notch)));
+    void canvasPaintsTwoLayers() {
+        DispA canvas;
+        canvas.resize(20, 20);
+        QStringList order;
+        connect(&canvas, &DispA::drawImage1, [&](QPainter* p) {
+            order.append("first");
+            p->fillRect(0, 0, 20, 20, Qt::red);
+        });
+        connect(&canvas, &DispA::drawImage2, [&](QPainter* p) {
+            order.append("second");
+            p->fillRect(0, 0, 10, 20, Qt::blue);
+        });
+        const QImage grab = canvas.grab().toImage();
+        QCOMPARE(order, (QStringList{"first", "second"}));
+        QCOMPARE(grab.pixelColor(5, 10), QColor(Qt::blue));
+        QCOMPARE(grab.pixelColor(15, 10), QColor(Qt::red));
+    }
+
+    void exactPositionSurvivesAnyViewSize() {
+        ImageView view;
+        view.setImageSize(100, 100);
+        QPointF told;
+        connect(&view, &ImageView::mouseMoved, [&](double x, double y) { told = QPointF(x, y); });
+        int offByTruncation = 0;
+        for (int size = 100; size <= 1200; ++size) {
+            view.resize(size, size);
+            QApplication::sendPostedEvents();
+            view.grab();  // a view that was never shown is resized when it is painted
+            view.setRealMousePos(12, 7);
+            QCOMPARE(told, QPointF(12, 7));
+            QCOMPARE(view.realPosition(), QPointF(12, 7));
+            const double back = view.coord().s2rX(view.mouse().current().x());
+            offByTruncation += std::floor(back) == 12.0 ? 0 : 1;
+            if (size == 150) {
+                size += 997;  // grabs take their time: both ends of the range
+            }
+        }
+        QVERIFY(offByTruncation > 0);
+        // The next real movement counts again.
+        Mouse::move(&view, onScreen(view, 40.5, 50.5));
+        QVERIFY(near(told, QPointF(40.5, 50.5)));
+        QCOMPARE(told, view.realPosition());
+        view.setScreenMousePos(0, 0);
+        QCOMPARE(view.realPosition(), QPointF(view.coord().s2rX(0), view.coord().s2rY(0)));
+    }
+
+    void wholeImageIsLetterBoxed_data() {
+        QTest::addColumn<QSize>("image");
+        QTest::addColumn<QSize>("view");
+        QTest::newRow("square") << QSize(16, 16) << QSize(400, 400);
+        QTest::newRow("wide view") << QSize(100, 100) << QSize(500, 300);
+        QTest::newRow("tall image") << QSize(16, 200) << QSize(500, 300);
+        QTest::newRow("reduced") << QSize(2048, 2048) << QSize(333, 501);
+        QTest::newRow("one pixel") << QSize(1, 1) << QSize(301, 200);
+    }
+
+    void wholeImageIsLetterBoxed() {
+        QFETCH(QSize, image);
+        QFETCH(QSize, view);
+        const View canvas(view, image);
+        const ChCoord& c = canvas.coord();
+        QCOMPARE(canvas.visibleRect(), QRectF(QPointF(), QSizeF(image)));
+        QVERIFY(qFuzzyCompare(c.r2sLengthX(1), c.r2sLengthY(1)));
+        const QPointF low = onScreen(canvas, 0, 0);
+        const QPointF high = onScreen(canvas, image.width(), image.height());
+        QVERIFY(near(low + high, QPointF(view.width(), view.height()), 1e-6));  // centred
+        QVERIFY(low.x() > -1e-6 && low.y() > -1e-6 && std::min(low.x(), low.y()) < 1e-6);
+    }
+
+    void wheelZoomsAboutTheCursor() {
+        View view(QSize(400, 300), QSize(400, 300));
+        const QPointF cursor(130, 220);
+        QCOMPARE(view.coord().r2sLengthX(1), 1.0);
+        for (int notch = 1; notch <= 5; ++notch) {
+            Mouse::wheel(&view, cursor, 1);
+            QVERIFY(qFuzzyCompare(view.coord().r2sLengthX(1), std::pow(1.25, notch)));
+            QVERIFY(near(onScreen(view, 130, 220), cursor, 1e-6));
+        }
+        Mouse::wheel(&view, cursor, -2);
+        QVERIFY(qFuzzyCompare(view.coord().r2sLengthX(1), std::pow(1.25, 3)));
         QVERIFY(near(onScreen(view, 130, 220), cursor, 1e-6));
-    }
-    Mouse::wheel(&view, cursor, -2);
-    QVERIFY(qFuzzyCompare(view.coord().r2sLengthX(1), std::pow(1.25, 3)));
-    QVERIFY(near(onScreen(view, 130, 220), cursor, 1e-6));
-    QCOMPARE(view.area(), rect(0, 0, 400, 300));  // whatever the zoom
-    QSignalSpy changed(&view, &ImageView::viewChanged);
-    view.resetImageViewWindow();
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(view.visibleRect(), rect(0, 0, 400, 300));
-    // Beside an upright image there are bars at first, then it is under the cursor again.
-    view.setImageSize(75, 300);
-    for (int notch = 1; notch <= 12; ++notch) {
-        Mouse::wheel(&view, QPointF(192.5, 220), 1);
-    }
-    QVERIFY(near(onScreen(view, 30, 220), QPointF(192.5, 220), 1e-6));
-}
-
-void ImageViewTest::zoomHasLimits_data() {
-    QTest::addColumn<QSize>("image");
-    QTest::addColumn<QSizeF>("closest");
-    QTest::newRow("square") << QSize(100, 100) << QSizeF(8, 8);
-    QTest::newRow("large") << QSize(2048, 2048) << QSizeF(8, 8);
-    QTest::newRow("wide") << QSize(2000, 4) << QSizeF(8, 4);
-    QTest::newRow("small") << QSize(4, 4) << QSizeF(4, 4);
-}
-
-void ImageViewTest::zoomHasLimits() {
-    QFETCH(QSize, image);
-    ImageView view;
-    view.resize(320, 320);
-    view.setImageSize(image.width(), image.height());
-    view.grab();
-    for (int i = 0; i < 60; ++i)
-        Mouse::wheel(&view, QPointF(300, 160), 1);
-    QTEST(view.visibleRect().size(), "closest");
-    QVERIFY(QRectF(QPointF(), QSizeF(image)).contains(view.visibleRect()));
-    for (int i = 0; i < 60; ++i)
-        Mouse::wheel(&view, QPointF(10, 160), -1);
-    QCOMPARE(view.visibleRect(), QRectF(QPointF(), QSizeF(image)));
-}
-
-void ImageViewTest::dragPans_data() {
-    QTest::addColumn<int>("button");
-    QTest::addColumn<int>("modifiers");
-    QTest::newRow("middle") << int(Qt::MiddleButton) << int(Qt::NoModifier);
-    QTest::newRow("Shift and left") << int(Qt::LeftButton) << int(Qt::ShiftModifier);
-}
-
-void ImageViewTest::dragPans() {
-    QFETCH(int, button);
-    QFETCH(int, modifiers);
-    ImageView view;
-    view.resize(400, 400);
-    view.setImageSize(400, 400);
-    view.grab();
-    Mouse::wheel(&view, QPointF(200, 200), 5);
-    const QPointF real(view.coord().s2rX(180), view.coord().s2rY(190));
-    const auto pan = [&](const QPointF& to) {
-        Mouse::drag(&view, QPointF(180, 190), to, static_cast<Qt::MouseButton>(button),
-                    static_cast<Qt::KeyboardModifiers>(modifiers));
-    };
-    pan(QPointF(230, 170));
-    QVERIFY(near(onScreen(view, real.x(), real.y()), QPointF(230, 170), 1e-6));
-    QVERIFY(!view.hasSelection());
-    QVERIFY(!view.isPinned());
-    for (int i = 0; i < 20; ++i)
-        pan(QPointF(399, 399));
-    QVERIFY(near(view.visibleRect().topLeft(), QPointF(0, 0)));  // not beyond the edge
-}
-
-void ImageViewTest::dragSelects() {
-    ImageView view;
-    view.resize(400, 400);
-    view.setImageSize(40, 40);
-    view.grab();
-    QSignalSpy changed(&view, &ImageView::selectionChanged);
-    Mouse::drag(&view, onScreen(view, 20.7, 11.2), onScreen(view, 10.2, 30.5));
-    QCOMPARE(view.selection(), rect(10, 11, 21, 31));  // whole pixels, either direction
-    QCOMPARE(view.area(), view.selection());
-    QVERIFY(changed.count() > 0);
-    QVERIFY(!view.isPinned());
-    Mouse::drag(&view, onScreen(view, 35.5, 35.5), QPointF(1000, 1000));
-    QCOMPARE(view.selection(), rect(35, 35, 40, 40));
-}
-
-void ImageViewTest::selectionIsClipped_data() {
-    QTest::addColumn<QRect>("corners");  // x, y, and the opposite corner in place of a size
-    QTest::addColumn<QRectF>("selection");
-    QTest::newRow("inside") << QRect(1, 2, 5, 9) << rect(1, 2, 5, 9);
-    QTest::newRow("other order") << QRect(5, 9, 1, 2) << rect(1, 2, 5, 9);
-    QTest::newRow("mixed order") << QRect(5, 2, 1, 9) << rect(1, 2, 5, 9);
-    QTest::newRow("beyond") << QRect(-5, 20, 300, 400) << rect(0, 20, 40, 30);
-    QTest::newRow("nought") << QRect(0, 0, 0, 0) << QRectF();
-    QTest::newRow("a line") << QRect(3, 3, 3, 9) << QRectF();
-    QTest::newRow("outside") << QRect(50, 3, 60, 9) << QRectF();
-    QTest::newRow("everything") << QRect(std::numeric_limits<int>::min(), 0,
-                                         std::numeric_limits<int>::max(), 1 << 30)
-                                << rect(0, 0, 40, 30);
-}
-
-void ImageViewTest::selectionIsClipped() {
-    QFETCH(QRect, corners);
-    ImageView view;
-    view.setImageSize(40, 30);
-    view.setSelection(2, 2, 4, 4);
-    int x, y, w, h;
-    corners.getRect(&x, &y, &w, &h);
-    view.setSelection(x, y, w, h);
-    QTEST(view.selection(), "selection");
-    QCOMPARE(view.hasSelection(), !view.selection().isEmpty());
-    QCOMPARE(view.area(), view.hasSelection() ? view.selection() : rect(0, 0, 40, 30));
-}
-
-void ImageViewTest::escapeAndRightClickClear() {
-    ImageView view;
-    view.resize(400, 400);
-    view.setImageSize(40, 40);
-    view.grab();
-    view.setSelection(1, 1, 5, 5);
-    QTest::keyClick(&view, Qt::Key_Escape);
-    QVERIFY(!view.hasSelection());
-    view.setSelection(1, 1, 5, 5);
-    Mouse::click(&view, QPointF(200, 200), Qt::RightButton);
-    QVERIFY(!view.hasSelection());
-    // In the middle of a drag, too: the rest of it selects nothing.
-    Mouse::press(&view, QPointF(100, 100));
-    Mouse::move(&view, QPointF(200, 200), Qt::LeftButton);
-    QVERIFY(view.hasSelection());
-    QTest::keyClick(&view, Qt::Key_Escape);
-    Mouse::move(&view, QPointF(300, 300), Qt::LeftButton);
-    Mouse::release(&view, QPointF(300, 300));
-    QVERIFY(!view.hasSelection());
-    QVERIFY(!view.isPinned());
-}
-
-void ImageViewTest::anotherImageClipsTheSelection() {
-    ImageView view;
-    view.resize(400, 400);
-    view.setImageSize(40, 40);
-    view.setSelection(10, 10, 30, 30);
-    view.setImageSize(20, 40);
-    QCOMPARE(view.selection(), rect(10, 10, 20, 30));
-    QCOMPARE(view.visibleRect(), rect(0, 0, 20, 40));
-    view.setImageSize(8, 8);
-    QVERIFY(!view.hasSelection());
-    view.setImageSize(40, 40);
-    QVERIFY(!view.hasSelection());
-}
-
-/// Loading the next stack empties the view first. What was selected before is still wanted, and so
-/// is what was selected before the first stack.
-void ImageViewTest::theSelectionWaitsForAnImage() {
-    ImageView view;
-    view.setSelection(10, 10, 30, 30);
-    QVERIFY(!view.hasSelection());
-    view.setImageSize(40, 20);
-    QCOMPARE(view.selection(), rect(10, 10, 30, 20));
-    view.setImageSize(0, 0);
-    QVERIFY(!view.hasSelection());
-    QVERIFY(view.area().isEmpty());
-    view.setImageSize(20, 40);
-    QCOMPARE(view.selection(), rect(10, 10, 20, 20));
-    view.setImageSize(0, 0);
-    view.clearSelection();
-    view.setImageSize(20, 40);
-    QVERIFY(!view.hasSelection());
-}
-
-void ImageViewTest::clickPins() {
-    ImageView view;
-    view.resize(400, 200);
-    view.setImageSize(40, 40);
-    view.grab();
-    QSignalSpy moved(&view, &ImageView::mouseMoved);
-    Mouse::move(&view, onScreen(view, 5.5, 6.5));
-    Mouse::click(&view, onScreen(view, 5.5, 6.5));
-    QVERIFY(view.isPinned());
-    const int told = moved.count();
-    Mouse::move(&view, onScreen(view, 30, 30));
-    QCOMPARE(moved.count(), told);
-    QVERIFY(near(view.realPosition(), QPointF(5.5, 6.5), 1e-6));
-    Mouse::click(&view, onScreen(view, 31, 30));
-    QVERIFY(!view.isPinned());
-    QVERIFY(near(view.realPosition(), QPointF(31, 30), 1e-6));
-    Mouse::move(&view, onScreen(view, 2, 3));
-    QVERIFY(near(view.realPosition(), QPointF(2, 3), 1e-6));
-    Mouse::click(&view, QPointF(3, 100));  // beside the image: nothing to hold on to
-    QVERIFY(!view.isPinned());
-}
-
-void ImageViewTest::doubleClickKeepsThePin() {
-    ImageView view;
-    view.resize(400, 400);
-    view.setImageSize(40, 40);
-    view.grab();
-    Mouse::wheel(&view, QPointF(10, 10), 4);
-    Mouse::doubleClick(&view, QPointF(200, 200));
-    QCOMPARE(view.visibleRect(), rect(0, 0, 40, 40));
-    QVERIFY(!view.isPinned());
-    Mouse::click(&view, onScreen(view, 5.5, 6.5));
-    Mouse::doubleClick(&view, QPointF(300, 300));
-    QVERIFY(view.isPinned());
-    QVERIFY(near(view.realPosition(), QPointF(5.5, 6.5), 1e-6));
-}
-
-void ImageViewTest::arrowsMoveByBins() {
-    ImageView view;
-    view.resize(400, 400);
-    view.setImageSize(40, 40);
-    view.setBinBox(2, -1);
-    view.grab();
-    QTest::keyClick(&view, Qt::Key_Left);  // no position yet: the middle
-    QCOMPARE(view.realPosition(), QPointF(20, 20));
-    QSignalSpy moved(&view, &ImageView::mouseMoved);
-    QTest::keyClick(&view, Qt::Key_Right);
-    QTest::keyClick(&view, Qt::Key_Down);
-    QCOMPARE(view.realPosition(), QPointF(25, 23));
-    QTest::keyClick(&view, Qt::Key_Left);
-    QTest::keyClick(&view, Qt::Key_Up);
-    QCOMPARE(view.realPosition(), QPointF(20, 20));
-    QCOMPARE(moved.count(), 4);
-    for (int i = 0; i < 20; ++i)
-        QTest::keyClick(&view, Qt::Key_Left);
-    QCOMPARE(view.realPosition(), QPointF(0, 20));  // never off the image
-    QCOMPARE(moved.count(), 8);
-    Mouse::wheel(&view, QPointF(399, 399), 5);
-    QTest::keyClick(&view, Qt::Key_Up);
-    QVERIFY(view.visibleRect().contains(view.realPosition()));  // the view follows
-}
-
-void ImageViewTest::magnifiedPicturesAreCrisp() {
-    ImageView view;
-    view.resize(500, 300);
-    view.setImageSize(4, 3);
-    QImage picture(4, 3, QImage::Format_RGB888);
-    for (int i = 0; i < 12; ++i)
-        picture.setPixelColor(i % 4, i / 4, QColor::fromHsv(30 * i, 255, 200));
-    connect(&view, &ImageView::drawImage2, [&](QPainter* p) { view.paintImage(p, picture); });
-    const QImage grab = view.grab().toImage();
-    for (int i = 0; i < 12; ++i) {
-        // Well off the ticks at the upper and left edge, up to the last pixel of each.
-        for (const QPointF& part : {QPointF(0.6, 0.6), QPointF(0.97, 0.97), QPointF(0.6, 0.97)}) {
-            const QPointF at = onScreen(view, i % 4 + part.x(), i / 4 + part.y());
-            QCOMPARE(grab.pixelColor(at.toPoint()), picture.pixelColor(i % 4, i / 4));
+        QCOMPARE(view.area(), rect(0, 0, 400, 300));  // whatever the zoom
+        QSignalSpy changed(&view, &ImageView::viewChanged);
+        view.resetImageViewWindow();
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(view.visibleRect(), rect(0, 0, 400, 300));
+        // Beside an upright image there are bars at first, then it is under the cursor again.
+        view.setImageSize(75, 300);
+        for (int notch = 1; notch <= 12; ++notch) {
+            Mouse::wheel(&view, QPointF(192.5, 220), 1);
         }
+        QVERIFY(near(onScreen(view, 30, 220), QPointF(192.5, 220), 1e-6));
     }
-    // Beside the letter-boxed image lies plain background.
-    QCOMPARE(grab.pixelColor(20, 150), grab.pixelColor(480, 20));
-}
 
-void ImageViewTest::reducedPicturesAreSmooth() {
-    ImageView view;
-    view.resize(128, 128);
-    view.setImageSize(1024, 1024);
-    QImage picture(1024, 1024, QImage::Format_Grayscale8);
-    for (int y = 0; y < 1024; ++y) {
-        for (int x = 0; x < 1024; ++x)
-            picture.scanLine(y)[x] = (x + y) % 2 == 0 ? 255 : 0;
+    void zoomHasLimits_data() {
+        QTest::addColumn<QSize>("image");
+        QTest::addColumn<QSizeF>("closest");
+        QTest::newRow("square") << QSize(100, 100) << QSizeF(8, 8);
+        QTest::newRow("large") << QSize(2048, 2048) << QSizeF(8, 8);
+        QTest::newRow("wide") << QSize(2000, 4) << QSizeF(8, 4);
+        QTest::newRow("small") << QSize(4, 4) << QSizeF(4, 4);
     }
-    connect(&view, &ImageView::drawImage2, [&](QPainter* p) { view.paintImage(p, picture); });
-    const auto middle = [&] { return qGray(view.grab().toImage().pixel(90, 90)); };
-    QVERIFY(std::abs(middle() - 128) < 6);
-    picture.fill(Qt::white);  // the same picture, changed
-    QCOMPARE(middle(), 255);
-}
 
-void ImageViewTest::picturesOfOtherSizesKeepTheirPixels() {
-    ImageView view;
-    view.resize(400, 400);
-    view.setImageSize(40, 40);
-    QImage picture(20, 20, QImage::Format_RGB888);
-    picture.fill(Qt::red);
-    connect(&view, &ImageView::drawImage2, [&](QPainter* p) { view.paintImage(p, picture); });
-    const QImage grab = view.grab().toImage();
-    QCOMPARE(grab.pixelColor(190, 190), QColor(Qt::red));
-    QVERIFY(grab.pixelColor(215, 190) != QColor(Qt::red));
-}
+    void zoomHasLimits() {
+        QFETCH(QSize, image);
+        View view(QSize(320, 320), image);
+        for (int i = 0; i < 60; ++i)
+            Mouse::wheel(&view, QPointF(300, 160), 1);
+        QTEST(view.visibleRect().size(), "closest");
+        QVERIFY(QRectF(QPointF(), QSizeF(image)).contains(view.visibleRect()));
+        for (int i = 0; i < 60; ++i)
+            Mouse::wheel(&view, QPointF(10, 160), -1);
+        QCOMPARE(view.visibleRect(), QRectF(QPointF(), QSizeF(image)));
+    }
 
-void ImageViewTest::nothingToShow() {
-    ImageView view;
-    view.resize(300, 200);
-    view.setImageSize(0, 0);
-    connect(&view, &ImageView::drawImage2, [&](QPainter* p) { view.paintImage(p, QImage()); });
-    Mouse::move(&view, QPointF(100, 100));
-    Mouse::wheel(&view, QPointF(100, 100), 3);
-    Mouse::drag(&view, QPointF(10, 10), QPointF(100, 100));
-    Mouse::doubleClick(&view, QPointF(10, 10));
-    QTest::keyClick(&view, Qt::Key_Right);
-    QVERIFY(!view.hasSelection());
-    QVERIFY(!view.isPinned());
-    QVERIFY(view.area().isEmpty());
-    QVERIFY(!view.grab().isNull());
-    view.resize(0, 0);
-    view.setImageSize(10, 10);
-    view.setRealMousePos(3, 4);
-    QCOMPARE(view.realPosition(), QPointF(3, 4));
-}
+    void dragPans_data() {
+        QTest::addColumn<int>("button");
+        QTest::addColumn<int>("modifiers");
+        QTest::newRow("middle") << int(Qt::MiddleButton) << int(Qt::NoModifier);
+        QTest::newRow("Shift and left") << int(Qt::LeftButton) << int(Qt::ShiftModifier);
+    }
+
+    void dragPans() {
+        QFETCH(int, button);
+        QFETCH(int, modifiers);
+        View view(QSize(400, 400), QSize(400, 400));
+        Mouse::wheel(&view, QPointF(200, 200), 5);
+        const QPointF real(view.coord().s2rX(180), view.coord().s2rY(190));
+        const auto pan = [&](const QPointF& to) {
+            Mouse::drag(&view, QPointF(180, 190), to, static_cast<Qt::MouseButton>(button),
+                        static_cast<Qt::KeyboardModifiers>(modifiers));
+        };
+        pan(QPointF(230, 170));
+        QVERIFY(near(onScreen(view, real.x(), real.y()), QPointF(230, 170), 1e-6));
+        QVERIFY(!view.hasSelection());
+        QVERIFY(!view.isPinned());
+        for (int i = 0; i < 20; ++i)
+            pan(QPointF(399, 399));
+        QVERIFY(near(view.visibleRect().topLeft(), QPointF(0, 0)));  // not beyond the edge
+    }
+
+    void dragSelects() {
+        View view(QSize(400, 400), QSize(40, 40));
+        QSignalSpy changed(&view, &ImageView::selectionChanged);
+        Mouse::drag(&view, onScreen(view, 20.7, 11.2), onScreen(view, 10.2, 30.5));
+        QCOMPARE(view.selection(), rect(10, 11, 21, 31));  // whole pixels, either direction
+        QCOMPARE(view.area(), view.selection());
+        QVERIFY(changed.count() > 0);
+        QVERIFY(!view.isPinned());
+        Mouse::drag(&view, onScreen(view, 35.5, 35.5), QPointF(1000, 1000));
+        QCOMPARE(view.selection(), rect(35, 35, 40, 40));
+    }
+
+    void selectionIsClipped_data() {
+        QTest::addColumn<QRect>("corners");  // x, y, and the opposite corner in place of a size
+        QTest::addColumn<QRectF>("selection");
+        QTest::newRow("inside") << QRect(1, 2, 5, 9) << rect(1, 2, 5, 9);
+        QTest::newRow("other order") << QRect(5, 9, 1, 2) << rect(1, 2, 5, 9);
+        QTest::newRow("mixed order") << QRect(5, 2, 1, 9) << rect(1, 2, 5, 9);
+        QTest::newRow("beyond") << QRect(-5, 20, 300, 400) << rect(0, 20, 40, 30);
+        QTest::newRow("nought") << QRect(0, 0, 0, 0) << QRectF();
+        QTest::newRow("a line") << QRect(3, 3, 3, 9) << QRectF();
+        QTest::newRow("outside") << QRect(50, 3, 60, 9) << QRectF();
+        QTest::newRow("everything")
+            << QRect(std::numeric_limits<int>::min(), 0, std::numeric_limits<int>::max(), 1 << 30)
+            << rect(0, 0, 40, 30);
+    }
+
+    void selectionIsClipped() {
+        QFETCH(QRect, corners);
+        ImageView view;
+        view.setImageSize(40, 30);
+        view.setSelection(2, 2, 4, 4);
+        int x, y, w, h;
+        corners.getRect(&x, &y, &w, &h);
+        view.setSelection(x, y, w, h);
+        QTEST(view.selection(), "selection");
+        QCOMPARE(view.hasSelection(), !view.selection().isEmpty());
+        QCOMPARE(view.area(), view.hasSelection() ? view.selection() : rect(0, 0, 40, 30));
+    }
+
+    void escapeAndRightClickClear() {
+        View view(QSize(400, 400), QSize(40, 40));
+        view.setSelection(1, 1, 5, 5);
+        QTest::keyClick(&view, Qt::Key_Escape);
+        QVERIFY(!view.hasSelection());
+        view.setSelection(1, 1, 5, 5);
+        Mouse::click(&view, QPointF(200, 200), Qt::RightButton);
+        QVERIFY(!view.hasSelection());
+        // In the middle of a drag, too: the rest of it selects nothing.
+        Mouse::press(&view, QPointF(100, 100));
+        Mouse::move(&view, QPointF(200, 200), Qt::LeftButton);
+        QVERIFY(view.hasSelection());
+        QTest::keyClick(&view, Qt::Key_Escape);
+        Mouse::move(&view, QPointF(300, 300), Qt::LeftButton);
+        Mouse::release(&view, QPointF(300, 300));
+        QVERIFY(!view.hasSelection());
+        QVERIFY(!view.isPinned());
+    }
+
+    /// Loading the next stack empties the view first. What was selected before is still wanted, and
+    /// so is what was selected before the first stack.
+    void theSelectionWaitsForAnImage() {
+        ImageView view;
+        view.setSelection(10, 10, 30, 30);
+        QVERIFY(!view.hasSelection());
+        view.setImageSize(40, 20);
+        QCOMPARE(view.selection(), rect(10, 10, 30, 20));
+        view.setImageSize(0, 0);
+        QVERIFY(!view.hasSelection() && view.area().isEmpty());
+        view.setImageSize(20, 40);
+        QCOMPARE(view.selection(), rect(10, 10, 20, 20));
+        view.setImageSize(8, 8);  // holds none of it: there is no selection any more
+        QVERIFY(!view.hasSelection());
+        view.setImageSize(40, 40);
+        QVERIFY(!view.hasSelection());
+    }
+
+    void clickPins() {
+        View view(QSize(400, 200), QSize(40, 40));
+        QSignalSpy moved(&view, &ImageView::mouseMoved);
+        Mouse::move(&view, onScreen(view, 5.5, 6.5));
+        Mouse::click(&view, onScreen(view, 5.5, 6.5));
+        QVERIFY(view.isPinned());
+        const int told = moved.count();
+        Mouse::move(&view, onScreen(view, 30, 30));
+        QCOMPARE(moved.count(), told);
+        QVERIFY(near(view.realPosition(), QPointF(5.5, 6.5), 1e-6));
+        Mouse::click(&view, onScreen(view, 31, 30));
+        QVERIFY(!view.isPinned());
+        QVERIFY(near(view.realPosition(), QPointF(31, 30), 1e-6));
+        Mouse::move(&view, onScreen(view, 2, 3));
+        QVERIFY(near(view.realPosition(), QPointF(2, 3), 1e-6));
+        Mouse::click(&view, QPointF(3, 100));  // beside the image: nothing to hold on to
+        QVERIFY(!view.isPinned());
+    }
+
+    void doubleClickKeepsThePin() {
+        View view(QSize(400, 400), QSize(40, 40));
+        Mouse::wheel(&view, QPointF(10, 10), 4);
+        Mouse::doubleClick(&view, QPointF(200, 200));
+        QCOMPARE(view.visibleRect(), rect(0, 0, 40, 40));
+        QVERIFY(!view.isPinned());
+        Mouse::click(&view, onScreen(view, 5.5, 6.5));
+        Mouse::doubleClick(&view, QPointF(300, 300));
+        QVERIFY(view.isPinned());
+        QVERIFY(near(view.realPosition(), QPointF(5.5, 6.5), 1e-6));
+    }
+
+    void arrowsMoveByBins() {
+        View view(QSize(400, 400), QSize(40, 40));
+        view.setBinBox(2, -1);
+        view.grab();
+        QTest::keyClick(&view, Qt::Key_Left);  // no position yet: the middle
+        QCOMPARE(view.realPosition(), QPointF(20, 20));
+        QSignalSpy moved(&view, &ImageView::mouseMoved);
+        QTest::keyClick(&view, Qt::Key_Right);
+        QTest::keyClick(&view, Qt::Key_Down);
+        QCOMPARE(view.realPosition(), QPointF(25, 23));
+        QTest::keyClick(&view, Qt::Key_Left);
+        QTest::keyClick(&view, Qt::Key_Up);
+        QCOMPARE(view.realPosition(), QPointF(20, 20));
+        QCOMPARE(moved.count(), 4);
+        for (int i = 0; i < 20; ++i)
+            QTest::keyClick(&view, Qt::Key_Left);
+        QCOMPARE(view.realPosition(), QPointF(0, 20));  // never off the image
+        QCOMPARE(moved.count(), 8);
+        Mouse::wheel(&view, QPointF(399, 399), 5);
+        QTest::keyClick(&view, Qt::Key_Up);
+        QVERIFY(view.visibleRect().contains(view.realPosition()));  // the view follows
+    }
+
+    void magnifiedPicturesAreCrisp() {
+        View view(QSize(500, 300), QSize(4, 3));
+        QImage picture(4, 3, QImage::Format_RGB888);
+        for (int i = 0; i < 12; ++i)
+            picture.setPixelColor(i % 4, i / 4, QColor::fromHsv(30 * i, 255, 200));
+        connect(&view, &ImageView::drawImage2, [&](QPainter* p) { view.paintImage(p, picture); });
+        const QImage grab = view.grab().toImage();
+        for (int i = 0; i < 12; ++i) {
+            // Well off the ticks at the upper and left edge, up to the last pixel of each.
+            for (const QPointF& part :
+                 {QPointF(0.6, 0.6), QPointF(0.97, 0.97), QPointF(0.6, 0.97)}) {
+                const QPointF at = onScreen(view, i % 4 + part.x(), i / 4 + part.y());
+                QCOMPARE(grab.pixelColor(at.toPoint()), picture.pixelColor(i % 4, i / 4));
+            }
+        }
+        // Beside the letter-boxed image lies plain background.
+        QCOMPARE(grab.pixelColor(20, 150), grab.pixelColor(480, 20));
+        // Nor does a picture of another size fill the image.
+        picture = picture.copy(0, 0, 2, 3);
+        const QPointF missing = onScreen(view, 2.6, 1.6);
+        QCOMPARE(view.grab().toImage().pixelColor(missing.toPoint()), grab.pixelColor(20, 150));
+    }
+
+    void reducedPicturesAreSmooth() {
+        View view(QSize(128, 128), QSize(1024, 1024));
+        QImage picture(1024, 1024, QImage::Format_Grayscale8);
+        for (int y = 0; y < 1024; ++y) {
+            for (int x = 0; x < 1024; ++x)
+                picture.scanLine(y)[x] = (x + y) % 2 == 0 ? 255 : 0;
+        }
+        connect(&view, &ImageView::drawImage2, [&](QPainter* p) { view.paintImage(p, picture); });
+        const auto middle = [&] { return qGray(view.grab().toImage().pixel(90, 90)); };
+        QVERIFY(std::abs(middle() - 128) < 6);
+        picture.fill(Qt::white);  // the same picture, changed
+        QCOMPARE(middle(), 255);
+    }
+
+    void nothingToShow() {
+        View view(QSize(300, 200), QSize(0, 0));
+        connect(&view, &ImageView::drawImage2, [&](QPainter* p) { view.paintImage(p, QImage()); });
+        Mouse::move(&view, QPointF(100, 100));
+        Mouse::wheel(&view, QPointF(100, 100), 3);
+        Mouse::drag(&view, QPointF(10, 10), QPointF(100, 100));
+        Mouse::doubleClick(&view, QPointF(10, 10));
+        QTest::keyClick(&view, Qt::Key_Right);
+        QVERIFY(!view.hasSelection());
+        QVERIFY(!view.isPinned());
+        QVERIFY(view.area().isEmpty());
+        QVERIFY(!view.grab().isNull());
+        view.resize(0, 0);
+        view.setImageSize(10, 10);
+        view.setRealMousePos(3, 4);
+        QCOMPARE(view.realPosition(), QPointF(3, 4));
+    }
+};
 
 TARNWICK_TEST_MAIN(QApplication, ImageViewTest)
 #include "tst_imageview.moc"

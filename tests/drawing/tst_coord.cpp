@@ -18,253 +18,207 @@ class CoordTest : public QObject {
     Q_OBJECT
 
   private slots:
-    void transforms();
-    void axesMayRunBackwards();
-    void degenerateRangesGiveWhatTheArithmeticGives();
-    void tickStep_data();
-    void tickStep();
-    void niceRange_data();
-    void niceRange();
-    void ticksOfAnySpan_data();
-    void ticksOfAnySpan();
-    void noTicksWithoutARange_data();
-    void noTicksWithoutARange();
-    void tickTexts_data();
-    void tickTexts();
-    void textStandsWhereItIsTold_data();
-    void textStandsWhereItIsTold();
+    void transforms() {
+        ChCoord c;
+        c.setScreen(100, 0, 20, 220);  // x runs backwards
+        c.setReal(10, 20, -1, 3);
+        QCOMPARE(c.r2sX(12), 80.0);
+        QCOMPARE(c.s2rX(150), 5.0);
+        QCOMPARE(c.s2rClampedX(150), 10.0);
+        QCOMPARE(c.s2rClampedX(-1), 20.0);
+        QCOMPARE(c.s2rClampedX(80), 12.0);
+        QCOMPARE(c.s2rOffsetX(80), 2.0);
+        QCOMPARE(c.r2sLengthX(2), -20.0);
+        QCOMPARE(c.s2rLengthX(20), -2.0);
+        QCOMPARE(c.r2sY(0), 70.0);
+        QCOMPARE(c.s2rY(70), 0.0);
+        QCOMPARE(c.s2rOffsetY(70), 1.0);
+        QCOMPARE(c.s2rClampedY(1000), 3.0);
+        QCOMPARE(c.r2sLengthY(1), 50.0);
+        QCOMPARE(c.s2rLengthY(50), 1.0);
+        c.setReal(4, 4, 0, 1);  // no range: what the arithmetic gives
+        QVERIFY(std::isinf(c.r2sX(5)) && std::isnan(c.r2sX(4)));
+    }
+
+    void tickStep_data() {
+        QTest::addColumn<double>("pixelsPerUnit");
+        QTest::addColumn<double>("base");
+        QTest::addColumn<double>("spacing");
+        QTest::addColumn<double>("step");
+        QTest::newRow("base") << 10.0 << 1.0 << 9.0 << 1.0;
+        QTest::newRow("strictly more") << 10.0 << 1.0 << 10.0 << 2.0;
+        QTest::newRow("two") << 10.0 << 1.0 << 15.0 << 2.0;
+        QTest::newRow("five") << 10.0 << 1.0 << 45.0 << 5.0;
+        QTest::newRow("next decade") << 10.0 << 1.0 << 55.0 << 10.0;
+        QTest::newRow("other base") << 10.0 << 0.25 << 30.0 << 5.0;
+        QTest::newRow("last decade") << 1e-7 << 1.0 << 4.0 << 5e7;
+        QTest::newRow("none of eight decades") << 1e-9 << 1.0 << 40.0 << 1e8;
+        QTest::newRow("backwards") << -10.0 << 1.0 << 15.0 << 1e8;
+        QTest::newRow("no number") << NotANumber << 1.0 << 15.0 << 1e8;
+    }
+
+    void tickStep() {
+        QFETCH(double, pixelsPerUnit);
+        QFETCH(double, base);
+        QFETCH(double, spacing);
+        ChCoord c;
+        c.setScreen(0, pixelsPerUnit, 0, 2 * pixelsPerUnit);
+        c.setReal(0, 1, 3, 5);
+        QTEST(c.tickStepX(base, spacing), "step");
+        QTEST(c.tickStepY(base, spacing), "step");
+    }
+
+    void niceRange_data() {
+        QTest::addColumn<double>("low");
+        QTest::addColumn<double>("high");
+        QTest::addColumn<double>("step");
+        QTest::addColumn<double>("first");
+        QTest::addColumn<double>("last");
+        QTest::newRow("0 to 37") << 0.0 << 37.0 << 5.0 << 0.0 << 35.0;
+        QTest::newRow("one") << 0.0 << 1.0 << 0.2 << 0.0 << 1.0;
+        QTest::newRow("two") << 3.0 << 28.0 << 2.0 << 4.0 << 28.0;
+        QTest::newRow("four") << -2.0 << 2.9 << 0.5 << -2.0 << 2.5;
+        QTest::newRow("seven") << 1.0 << 71.5 << 10.0 << 10.0 << 70.0;
+        QTest::newRow("nine") << 0.0 << 950.0 << 200.0 << 0.0 << 800.0;
+        QTest::newRow("below one") << 0.0 << 0.5 << 0.0 << NotANumber << NotANumber;
+        QTest::newRow("far below one") << 1.0 << 1.004 << 0.0 << NotANumber << NotANumber;
+        QTest::newRow("reversed") << 5.0 << 1.0 << 0.0 << NotANumber << NotANumber;
+        QTest::newRow("empty") << 5.0 << 5.0 << 0.0 << NotANumber << NotANumber;
+        QTest::newRow("no number") << 0.0 << NotANumber << 0.0 << NotANumber << NotANumber;
+        QTest::newRow("without end") << 0.0 << Infinity << 0.0 << NotANumber << NotANumber;
+    }
+
+    void niceRange() {
+        QFETCH(double, low);
+        QFETCH(double, high);
+        const ChCoord::NiceRange range = ChCoord::niceRange(low, high);
+        QTEST(range.step, "step");
+        QTEST(range.first, "first");
+        QTEST(range.last, "last");
+    }
+
+    void ticksOfAnySpan_data() {
+        QTest::addColumn<double>("low");
+        QTest::addColumn<double>("high");
+        for (double scale : {1e-150, 1e-9, 1e-3, 0.1, 1.0, 10.0, 1e6, 1e200}) {
+            for (double span : {1.0, 1.0000001, 1.9, 2.5, 4.2, 7.0, 9.99999999}) {
+                for (double from : {0.0, -0.3, 17.3}) {
+                    QTest::addRow("%g from %g, times %g", span, from, scale)
+                        << from * scale << (from + span) * scale;
+                }
+            }
+        }
+        QTest::newRow("energies") << 7077.21 << 7388.3;
+    }
+
+    void ticksOfAnySpan() {
+        QFETCH(double, low);
+        QFETCH(double, high);
+        const Ticks ticks = ticksBetween(low, high);
+        const double span = high - low;
+        QVERIFY2(ticks.values.size() >= 3 && ticks.values.size() <= 16,
+                 qPrintable(QString::number(ticks.values.size())));
+        const double digit =
+            ticks.step / std::pow(10.0, std::floor(std::log10(ticks.step) + 1e-9));  // 1, 2 or 5
+        QVERIFY(qFuzzyCompare(digit, 1.0) || qFuzzyCompare(digit, 2.0) ||
+                qFuzzyCompare(digit, 5.0));
+        for (int i = 0; i < ticks.values.size(); ++i) {
+            const double value = ticks.values[i];
+            QVERIFY(value >= low - 1e-6 * span && value <= high + 1e-6 * span);
+            QVERIFY(i == 0 || value > ticks.values[i - 1]);
+            QVERIFY(std::abs(value - ticks.step * std::round(value / ticks.step)) <= 1e-6 * span);
+        }
+    }
+
+    void noTicksWithoutARange() {
+        using Range = QPair<double, double>;
+        for (const Range& range : {Range(3, 3), Range(1e300, -1e300), Range(NotANumber, 1),
+                                   Range(0, Infinity), Range(-1.7e308, 1.7e308), Range(0, 5e-324)})
+            QVERIFY(ticksBetween(range.first, range.second).values.isEmpty());
+    }
+
+    void tickTexts_data() {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<double>("step");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("integer") << 35.0 << 5.0 << "35";
+        QTest::newRow("hundreds") << 7100.0 << 200.0 << "7100";
+        QTest::newRow("tenths") << 1.0 << 0.2 << "1.0";
+        QTest::newRow("quarters") << 0.5 << 0.25 << "0.50";
+        QTest::newRow("sum of steps") << 0.1 + 0.2 << 0.1 << "0.3";
+        QTest::newRow("no minus nought") << -0.0 << 0.5 << "0.0";
+        QTest::newRow("rounding error") << -1e-17 << 0.2 << "0.0";
+        QTest::newRow("small step of a large value") << 7112.345 << 0.005 << "7112.345";
+        QTest::newRow("large") << 2e8 << 1e8 << "2e+08";
+        QTest::newRow("large, narrow range") << 12345678.0 << 1.0 << "12345678";
+        QTest::newRow("tiny") << 1.5e-7 << 5e-8 << "1.5e-07";
+        QTest::newRow("tiny, nought") << 1e-20 << 5e-8 << "0";
+        QTest::newRow("no step") << 0.123456789 << 0.0 << "0.123457";
+        QTest::newRow("no number") << NotANumber << 1.0 << "nan";
+    }
+
+    void tickTexts() {
+        QFETCH(double, value);
+        QFETCH(double, step);
+        QTEST(tickText(value, step), "text");
+    }
+
+    void textStandsWhereItIsTold_data() {
+        QTest::addColumn<int>("alignment");
+        QTest::addColumn<bool>("upright");
+        for (int upright : {0, 1}) {
+            for (int across : {int(Qt::AlignLeft), int(Qt::AlignHCenter), int(Qt::AlignRight)}) {
+                for (int along : {int(Qt::AlignTop), int(Qt::AlignVCenter), int(Qt::AlignBottom)}) {
+                    QTest::addRow("%d %d", across | along, upright)
+                        << (across | along) << !!upright;
+                }
+            }
+        }
+    }
+
+    void textStandsWhereItIsTold() {
+        QFETCH(int, alignment);
+        QFETCH(bool, upright);
+        QImage paper(200, 200, QImage::Format_RGB32);
+        paper.fill(Qt::white);
+        QPainter painter(&paper);
+        const auto draw = [&](const QPointF& at, const QRectF& inside) {
+            return drawText(painter, at, "HxHxH", Qt::Alignment(QFlag(alignment)), inside, upright);
+        };
+        const QRectF place = draw(QPointF(100, 100), QRectF());
+        QCOMPARE(place.height() > place.width(), upright);
+        if (alignment & Qt::AlignLeft)
+            QCOMPARE(place.left(), 100.0);
+        if (alignment & Qt::AlignHCenter)
+            QCOMPARE(place.center().x(), 100.0);
+        if (alignment & Qt::AlignRight)
+            QCOMPARE(place.right(), 100.0);
+        if (alignment & Qt::AlignTop)
+            QCOMPARE(place.top(), 100.0);
+        if (alignment & Qt::AlignVCenter)
+            QCOMPARE(place.center().y(), 100.0);
+        if (alignment & Qt::AlignBottom)
+            QCOMPARE(place.bottom(), 100.0);
+        painter.end();
+
+        // Ink lies in the rectangle that was reported, and nowhere else.
+        QRect ink;
+        for (int y = 0; y < paper.height(); ++y) {
+            for (int x = 0; x < paper.width(); ++x) {
+                if (qGray(paper.pixel(x, y)) < 200)
+                    ink |= QRect(x, y, 1, 1);
+            }
+        }
+        QVERIFY(!ink.isEmpty());
+        QVERIFY(place.adjusted(-2, -2, 2, 2).contains(QRectF(ink)));
+
+        QVERIFY(painter.begin(&paper));
+        const QRectF inside(50, 60, 120, 120);
+        for (const QPointF& corner :
+             {QPointF(0, 0), QPointF(200, 0), QPointF(0, 200), QPointF(200, 200)})
+            QVERIFY(inside.contains(draw(corner, inside)));
+    }
 };
-
-void CoordTest::transforms() {
-    ChCoord c;
-    c.setScreen(0, 100, 20, 220);
-    c.setReal(10, 20, -1, 3);
-    QCOMPARE(c.r2sX(15), 50.0);
-    QCOMPARE(c.s2rX(50), 15.0);
-    QCOMPARE(c.s2rX(150), 25.0);
-    QCOMPARE(c.s2rClampedX(150), 20.0);
-    QCOMPARE(c.s2rClampedX(-1), 10.0);
-    QCOMPARE(c.s2rClampedX(50), 15.0);
-    QCOMPARE(c.s2rOffsetX(50), 5.0);
-    QCOMPARE(c.r2sLengthX(2), 20.0);
-    QCOMPARE(c.s2rLengthX(20), 2.0);
-    QCOMPARE(c.r2sY(0), 70.0);
-    QCOMPARE(c.s2rY(70), 0.0);
-    QCOMPARE(c.s2rOffsetY(70), 1.0);
-    QCOMPARE(c.s2rClampedY(1000), 3.0);
-    QCOMPARE(c.r2sLengthY(1), 50.0);
-    QCOMPARE(c.s2rLengthY(50), 1.0);
-}
-
-void CoordTest::axesMayRunBackwards() {
-    ChCoord c;
-    c.setScreen(100, 0, 200, 0);
-    c.setReal(0, 10, 5, -5);
-    QCOMPARE(c.r2sX(1), 90.0);
-    QCOMPARE(c.s2rClampedX(200), 0.0);
-    QCOMPARE(c.s2rClampedX(-50), 10.0);
-    QCOMPARE(c.r2sLengthX(1), -10.0);
-    QCOMPARE(c.s2rY(200), 5.0);
-    QCOMPARE(c.s2rClampedY(300), 5.0);
-    QCOMPARE(c.s2rClampedY(-300), -5.0);
-}
-
-void CoordTest::degenerateRangesGiveWhatTheArithmeticGives() {
-    ChCoord c;
-    c.setScreen(0, 100, 7, 7);
-    c.setReal(4, 4, 0, 1);
-    QVERIFY(std::isinf(c.r2sX(5)));
-    QVERIFY(std::isnan(c.r2sX(4)));
-    QVERIFY(std::isinf(c.s2rY(8)));
-    QVERIFY(std::isnan(c.s2rClampedY(7)));
-}
-
-void CoordTest::tickStep_data() {
-    QTest::addColumn<double>("pixelsPerUnit");
-    QTest::addColumn<double>("base");
-    QTest::addColumn<double>("spacing");
-    QTest::addColumn<double>("step");
-    QTest::newRow("base") << 10.0 << 1.0 << 9.0 << 1.0;
-    QTest::newRow("strictly more") << 10.0 << 1.0 << 10.0 << 2.0;
-    QTest::newRow("two") << 10.0 << 1.0 << 15.0 << 2.0;
-    QTest::newRow("five") << 10.0 << 1.0 << 45.0 << 5.0;
-    QTest::newRow("next decade") << 10.0 << 1.0 << 55.0 << 10.0;
-    QTest::newRow("other base") << 10.0 << 0.25 << 30.0 << 5.0;
-    QTest::newRow("last decade") << 1e-7 << 1.0 << 4.0 << 5e7;
-    QTest::newRow("none of eight decades") << 1e-9 << 1.0 << 40.0 << 1e8;
-    QTest::newRow("backwards") << -10.0 << 1.0 << 15.0 << 1e8;
-    QTest::newRow("no number") << NotANumber << 1.0 << 15.0 << 1e8;
-}
-
-void CoordTest::tickStep() {
-    QFETCH(double, pixelsPerUnit);
-    QFETCH(double, base);
-    QFETCH(double, spacing);
-    ChCoord c;
-    c.setScreen(0, pixelsPerUnit, 0, 2 * pixelsPerUnit);
-    c.setReal(0, 1, 3, 5);
-    QTEST(c.tickStepX(base, spacing), "step");
-    QTEST(c.tickStepY(base, spacing), "step");
-}
-
-void CoordTest::niceRange_data() {
-    QTest::addColumn<double>("low");
-    QTest::addColumn<double>("high");
-    QTest::addColumn<double>("step");
-    QTest::addColumn<double>("first");
-    QTest::addColumn<double>("last");
-    QTest::newRow("0 to 37") << 0.0 << 37.0 << 5.0 << 0.0 << 35.0;
-    QTest::newRow("one") << 0.0 << 1.0 << 0.2 << 0.0 << 1.0;
-    QTest::newRow("two") << 3.0 << 28.0 << 2.0 << 4.0 << 28.0;
-    QTest::newRow("four") << -2.0 << 2.9 << 0.5 << -2.0 << 2.5;
-    QTest::newRow("seven") << 1.0 << 71.5 << 10.0 << 10.0 << 70.0;
-    QTest::newRow("nine") << 0.0 << 950.0 << 200.0 << 0.0 << 800.0;
-    QTest::newRow("below one") << 0.0 << 0.5 << 0.0 << NotANumber << NotANumber;
-    QTest::newRow("far below one") << 1.0 << 1.004 << 0.0 << NotANumber << NotANumber;
-    QTest::newRow("reversed") << 5.0 << 1.0 << 0.0 << NotANumber << NotANumber;
-    QTest::newRow("empty") << 5.0 << 5.0 << 0.0 << NotANumber << NotANumber;
-    QTest::newRow("no number") << 0.0 << NotANumber << 0.0 << NotANumber << NotANumber;
-    QTest::newRow("without end") << 0.0 << Infinity << 0.0 << NotANumber << NotANumber;
-}
-
-void CoordTest::niceRange() {
-    QFETCH(double, low);
-    QFETCH(double, high);
-    const ChCoord::NiceRange range = ChCoord::niceRange(low, high);
-    QTEST(range.step, "step");
-    QTEST(range.first, "first");
-    QTEST(range.last, "last");
-}
-
-void CoordTest::ticksOfAnySpan_data() {
-    QTest::addColumn<double>("low");
-    QTest::addColumn<double>("high");
-    for (double scale : {1e-150, 1e-9, 1e-3, 0.1, 1.0, 10.0, 1e6, 1e200}) {
-        for (double span : {1.0, 1.0000001, 1.9, 2.5, 4.2, 7.0, 9.99999999}) {
-            for (double from : {0.0, -0.3, 17.3}) {
-                QTest::addRow("%g from %g, times %g", span, from, scale)
-                    << from * scale << (from + span) * scale;
-            }
-        }
-    }
-    QTest::newRow("energies") << 7077.21 << 7388.3;
-}
-
-void CoordTest::ticksOfAnySpan() {
-    QFETCH(double, low);
-    QFETCH(double, high);
-    const Ticks ticks = ticksBetween(low, high);
-    const double span = high - low;
-    QVERIFY2(ticks.values.size() >= 3 && ticks.values.size() <= 16,
-             qPrintable(QString::number(ticks.values.size())));
-    const double digit =
-        ticks.step / std::pow(10.0, std::floor(std::log10(ticks.step) + 1e-9));  // 1, 2 or 5
-    QVERIFY(qFuzzyCompare(digit, 1.0) || qFuzzyCompare(digit, 2.0) || qFuzzyCompare(digit, 5.0));
-    for (int i = 0; i < ticks.values.size(); ++i) {
-        const double value = ticks.values[i];
-        QVERIFY(value >= low - 1e-6 * span && value <= high + 1e-6 * span);
-        QVERIFY(i == 0 || value > ticks.values[i - 1]);
-        QVERIFY(std::abs(value - ticks.step * std::round(value / ticks.step)) <= 1e-6 * span);
-    }
-}
-
-void CoordTest::noTicksWithoutARange_data() {
-    QTest::addColumn<double>("low");
-    QTest::addColumn<double>("high");
-    QTest::newRow("empty") << 3.0 << 3.0;
-    QTest::newRow("reversed") << 1e300 << -1e300;
-    QTest::newRow("no number") << NotANumber << 1.0;
-    QTest::newRow("without end") << 0.0 << Infinity;
-    QTest::newRow("overflow") << -1.7e308 << 1.7e308;
-    QTest::newRow("nothing") << 0.0 << 5e-324;
-}
-
-void CoordTest::noTicksWithoutARange() {
-    QFETCH(double, low);
-    QFETCH(double, high);
-    QVERIFY(ticksBetween(low, high).values.isEmpty());
-}
-
-void CoordTest::tickTexts_data() {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<double>("step");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("integer") << 35.0 << 5.0 << "35";
-    QTest::newRow("hundreds") << 7100.0 << 200.0 << "7100";
-    QTest::newRow("tenths") << 1.0 << 0.2 << "1.0";
-    QTest::newRow("quarters") << 0.5 << 0.25 << "0.50";
-    QTest::newRow("sum of steps") << 0.1 + 0.2 << 0.1 << "0.3";
-    QTest::newRow("no minus nought") << -0.0 << 0.5 << "0.0";
-    QTest::newRow("rounding error") << -1e-17 << 0.2 << "0.0";
-    QTest::newRow("small step of a large value") << 7112.345 << 0.005 << "7112.345";
-    QTest::newRow("large") << 2e8 << 1e8 << "2e+08";
-    QTest::newRow("large, narrow range") << 12345678.0 << 1.0 << "12345678";
-    QTest::newRow("tiny") << 1.5e-7 << 5e-8 << "1.5e-07";
-    QTest::newRow("tiny, nought") << 1e-20 << 5e-8 << "0";
-    QTest::newRow("no step") << 0.123456789 << 0.0 << "0.123457";
-    QTest::newRow("no number") << NotANumber << 1.0 << "nan";
-}
-
-void CoordTest::tickTexts() {
-    QFETCH(double, value);
-    QFETCH(double, step);
-    QTEST(tickText(value, step), "text");
-}
-
-void CoordTest::textStandsWhereItIsTold_data() {
-    QTest::addColumn<int>("alignment");
-    QTest::addColumn<bool>("upright");
-    for (int upright : {0, 1}) {
-        for (int across : {int(Qt::AlignLeft), int(Qt::AlignHCenter), int(Qt::AlignRight)}) {
-            for (int along : {int(Qt::AlignTop), int(Qt::AlignVCenter), int(Qt::AlignBottom)}) {
-                QTest::addRow("%d %d", across | along, upright) << (across | along) << !!upright;
-            }
-        }
-    }
-}
-
-void CoordTest::textStandsWhereItIsTold() {
-    QFETCH(int, alignment);
-    QFETCH(bool, upright);
-    QImage paper(200, 200, QImage::Format_RGB32);
-    paper.fill(Qt::white);
-    QPainter painter(&paper);
-    const auto draw = [&](const QPointF& at, const QRectF& inside) {
-        return drawText(painter, at, "HxHxH", Qt::Alignment(QFlag(alignment)), inside, upright);
-    };
-    const QRectF place = draw(QPointF(100, 100), QRectF());
-    QCOMPARE(place.height() > place.width(), upright);
-    if (alignment & Qt::AlignLeft)
-        QCOMPARE(place.left(), 100.0);
-    if (alignment & Qt::AlignHCenter)
-        QCOMPARE(place.center().x(), 100.0);
-    if (alignment & Qt::AlignRight)
-        QCOMPARE(place.right(), 100.0);
-    if (alignment & Qt::AlignTop)
-        QCOMPARE(place.top(), 100.0);
-    if (alignment & Qt::AlignVCenter)
-        QCOMPARE(place.center().y(), 100.0);
-    if (alignment & Qt::AlignBottom)
-        QCOMPARE(place.bottom(), 100.0);
-    painter.end();
-
-    // Ink lies in the rectangle that was reported, and nowhere else.
-    QRect ink;
-    for (int y = 0; y < paper.height(); ++y) {
-        for (int x = 0; x < paper.width(); ++x) {
-            if (qGray(paper.pixel(x, y)) < 200)
-                ink |= QRect(x, y, 1, 1);
-        }
-    }
-    QVERIFY(!ink.isEmpty());
-    QVERIFY(place.adjusted(-2, -2, 2, 2).contains(QRectF(ink)));
-
-    QVERIFY(painter.begin(&paper));
-    const QRectF inside(50, 60, 120, 120);
-    for (const QPointF& corner :
-         {QPointF(0, 0), QPointF(200, 0), QPointF(0, 200), QPointF(200, 200)})
-        QVERIFY(inside.contains(draw(corner, inside)));
-}
 
 TARNWICK_TEST_MAIN(QGuiApplication, CoordTest)
 #include "tst_coord.moc"

@@ -19,122 +19,113 @@ class PicturesTest : public QObject {
     Q_OBJECT
 
   private slots:
-    void framesGoThroughTheColours_data();
-    void framesGoThroughTheColours();
-    void percentilesLeaveOutliersAside();
-    void gapsAreGrey();
-    void profilesAreMeansOverTheBin_data();
-    void profilesAreMeansOverTheBin();
-    void profilesOutsideAreEmpty();
-    void gapsStayGaps();
-};
+    void framesGoThroughTheColours_data() {
+        QTest::addColumn<double>("low");
+        QTest::addColumn<double>("high");
+        QTest::addColumn<bool>("empty");
+        QTest::newRow("all counts") << 0.0 << 65535.0 << false;
+        QTest::newRow("inner range") << 1000.5 << 3000.25 << false;
+        QTest::newRow("outer range") << -1e6 << 1e7 << false;
+        QTest::newRow("equal") << 100.0 << 100.0 << true;
+        QTest::newRow("reversed") << 2.0 << 1.0 << true;
+        QTest::newRow("no number") << NotANumber << 1.0 << true;
+        QTest::newRow("without end") << 0.0 << Infinity << true;
+        QTest::newRow("overflow") << -1.7e308 << 1.7e308 << true;
+    }
 
-void PicturesTest::framesGoThroughTheColours_data() {
-    QTest::addColumn<double>("low");
-    QTest::addColumn<double>("high");
-    QTest::addColumn<bool>("empty");
-    QTest::newRow("all counts") << 0.0 << 65535.0 << false;
-    QTest::newRow("inner range") << 1000.5 << 3000.25 << false;
-    QTest::newRow("outer range") << -1e6 << 1e7 << false;
-    QTest::newRow("equal") << 100.0 << 100.0 << true;
-    QTest::newRow("reversed") << 2.0 << 1.0 << true;
-    QTest::newRow("no number") << NotANumber << 1.0 << true;
-    QTest::newRow("without end") << 0.0 << Infinity << true;
-    QTest::newRow("overflow") << -1.7e308 << 1.7e308 << true;
-}
-
-void PicturesTest::framesGoThroughTheColours() {
-    QFETCH(double, low);
-    QFETCH(double, high);
-    QFETCH(bool, empty);
-    const auto frame = tinyFrame(7, 5, 7000.0, [](int x, int y) {
-        return static_cast<quint16>((x * 9973 + y * 571) % 65536);
-    });
-    const QImage picture = framePicture(*frame, low, high);
-    const QImage coloured = framePicture(*frame, low, high, heatScale());
-    QCOMPARE(picture.size(), QSize(7, 5));
-    for (int y = 0; y < 5; ++y) {
-        for (int x = 0; x < 7; ++x) {
-            const double count = frame->rows[static_cast<std::size_t>(y)][x];
-            const double v = empty ? 0.0 : (count - low) / (high - low);
-            QCOMPARE(qGray(picture.pixel(x, y)), int(*greyOf(v)));
-            const uchar* c = colorOf(v);
-            QCOMPARE(coloured.pixel(x, y), qRgb(c[0], c[1], c[2]));
+    void framesGoThroughTheColours() {
+        QFETCH(double, low);
+        QFETCH(double, high);
+        QFETCH(bool, empty);
+        const auto frame = tinyFrame(7, 5, 7000.0, [](int x, int y) {
+            return static_cast<quint16>((x * 9973 + y * 571) % 65536);
+        });
+        const QImage picture = framePicture(*frame, low, high);
+        const QImage coloured = framePicture(*frame, low, high, heatScale());
+        QCOMPARE(picture.size(), QSize(7, 5));
+        for (int y = 0; y < 5; ++y) {
+            for (int x = 0; x < 7; ++x) {
+                const double count = frame->rows[static_cast<std::size_t>(y)][x];
+                const double v = empty ? 0.0 : (count - low) / (high - low);
+                QCOMPARE(qGray(picture.pixel(x, y)), int(*greyOf(v)));
+                const uchar* c = colorOf(v);
+                QCOMPARE(coloured.pixel(x, y), qRgb(c[0], c[1], c[2]));
+            }
         }
     }
-}
 
-void PicturesTest::percentilesLeaveOutliersAside() {
-    const auto counts = [](int x, int y) {
-        const int i = x + 20 * y;  // 0..399; 4 pixels are a hundredth
-        return static_cast<quint16>(i < 3 ? 0 : i > 395 ? 65535 : 1000 + i);
-    };
-    const auto frame = tinyFrame(20, 20, 7000.0, counts);
-    QCOMPARE(countPercentiles(*frame, 0.01), qMakePair(1003.0, 1395.0));
-    QCOMPARE(countPercentiles(*frame, 0.0), qMakePair(0.0, 65535.0));
-    QCOMPARE(countPercentiles(TiffData(), 0.01), qMakePair(0.0, 0.0));
-}
-
-void PicturesTest::gapsAreGrey() {
-    std::vector<double> values{0.0, NotANumber, 1.0, Infinity, -NotANumber, 0.5};
-    QImage picture(3, 2, QImage::Format_RGB888);
-    picture.fill(QColor(255, 200, 0));
-    const QImage before = picture.copy();
-    const QImage marked = withGapsMarked(picture, values.data(), 3, 2);
-    QCOMPARE(picture, before);  // what is saved knows no grey
-    for (int i = 0; i < 6; ++i) {
-        const QColor expected = std::isnan(values[static_cast<std::size_t>(i)])
-                                    ? QColor(128, 128, 128)
-                                    : QColor(255, 200, 0);
-        QCOMPARE(marked.pixelColor(i % 3, i / 3), expected);
+    void percentilesLeaveOutliersAside() {
+        const auto counts = [](int x, int y) {
+            const int i = x + 20 * y;  // 0..399; 4 pixels are a hundredth
+            return static_cast<quint16>(i < 3 ? 0 : i > 395 ? 65535 : 1000 + i);
+        };
+        const auto frame = tinyFrame(20, 20, 7000.0, counts);
+        QCOMPARE(countPercentiles(*frame, 0.01), qMakePair(1003.0, 1395.0));
+        QCOMPARE(countPercentiles(*frame, 0.0), qMakePair(0.0, 65535.0));
+        QCOMPARE(countPercentiles(TiffData(), 0.01), qMakePair(0.0, 0.0));
     }
-    values.assign(6, 1.0);
-    QCOMPARE(withGapsMarked(picture, values.data(), 3, 2).cacheKey(), picture.cacheKey());
-    QCOMPARE(withGapsMarked(picture, values.data(), 2, 2).cacheKey(), picture.cacheKey());
-    QCOMPARE(withGapsMarked(picture, nullptr, 3, 2).cacheKey(), picture.cacheKey());
-}
 
-void PicturesTest::profilesAreMeansOverTheBin_data() {
-    QTest::addColumn<int>("at");
-    QTest::addColumn<int>("half");
-    QTest::addColumn<double>("mean");  // of at - half .. at + half inside 0..4
-    QTest::newRow("one line") << 2 << 0 << 2.0;
-    QTest::newRow("inside") << 2 << 1 << 2.0;
-    QTest::newRow("upper edge") << 0 << 2 << 1.0;
-    QTest::newRow("lower edge") << 4 << 1 << 3.5;
-    QTest::newRow("all") << 1 << 100 << 2.0;
-    QTest::newRow("by magnitude") << 4 << -1 << 3.5;
-    QTest::newRow("largest") << 3 << std::numeric_limits<int>::max() << 2.0;
-    QTest::newRow("smallest") << 3 << std::numeric_limits<int>::min() << 2.0;
-}
+    void gapsAreGrey() {
+        std::vector<double> values{0.0, NotANumber, 1.0, Infinity, -NotANumber, 0.5};
+        QImage picture(3, 2, QImage::Format_RGB888);
+        picture.fill(QColor(255, 200, 0));
+        const QImage before = picture.copy();
+        const QImage marked = withGapsMarked(picture, values.data(), 3, 2);
+        QCOMPARE(picture, before);  // what is saved knows no grey
+        for (int i = 0; i < 6; ++i) {
+            const QColor expected = std::isnan(values[static_cast<std::size_t>(i)])
+                                        ? QColor(128, 128, 128)
+                                        : QColor(255, 200, 0);
+            QCOMPARE(marked.pixelColor(i % 3, i / 3), expected);
+        }
+        values.assign(6, 1.0);
+        QCOMPARE(withGapsMarked(picture, values.data(), 3, 2).cacheKey(), picture.cacheKey());
+        QCOMPARE(withGapsMarked(picture, values.data(), 2, 2).cacheKey(), picture.cacheKey());
+        QCOMPARE(withGapsMarked(picture, nullptr, 3, 2).cacheKey(), picture.cacheKey());
+    }
 
-void PicturesTest::profilesAreMeansOverTheBin() {
-    QFETCH(int, at);
-    QFETCH(int, half);
-    QFETCH(double, mean);
-    const QVector<double> row = rowProfile(
-        3, 5, [](int x, int y) { return 100.0 * x + y; }, at, half);
-    QCOMPARE(row, (QVector<double>{mean, 100.0 + mean, 200.0 + mean}));
-    const QVector<double> column = columnProfile(
-        5, 3, [](int x, int y) { return 100.0 * y + x; }, at, half);
-    QCOMPARE(column, (QVector<double>{mean, 100.0 + mean, 200.0 + mean}));
-}
+    void profilesAreMeansOverTheBin_data() {
+        QTest::addColumn<int>("at");
+        QTest::addColumn<int>("half");
+        QTest::addColumn<double>("mean");  // of at - half .. at + half inside 0..4
+        QTest::newRow("one line") << 2 << 0 << 2.0;
+        QTest::newRow("inside") << 2 << 1 << 2.0;
+        QTest::newRow("upper edge") << 0 << 2 << 1.0;
+        QTest::newRow("lower edge") << 4 << 1 << 3.5;
+        QTest::newRow("all") << 1 << 100 << 2.0;
+        QTest::newRow("by magnitude") << 4 << -1 << 3.5;
+        QTest::newRow("largest") << 3 << std::numeric_limits<int>::max() << 2.0;
+        QTest::newRow("smallest") << 3 << std::numeric_limits<int>::min() << 2.0;
+    }
 
-void PicturesTest::profilesOutsideAreEmpty() {
-    const PixelValue never = [](int, int) -> double { qFatal("no pixel may be asked for"); };
-    QVERIFY(rowProfile(3, 5, never, -1, 2).isEmpty());
-    QVERIFY(rowProfile(3, 5, never, 5, 2).isEmpty());
-    QVERIFY(columnProfile(3, 5, never, 3, 2).isEmpty());
-    QVERIFY(rowProfile(0, 0, never, 0, 0).isEmpty());
-}
+    void profilesAreMeansOverTheBin() {
+        QFETCH(int, at);
+        QFETCH(int, half);
+        QFETCH(double, mean);
+        const QVector<double> row = rowProfile(
+            3, 5, [](int x, int y) { return 100.0 * x + y; }, at, half);
+        QCOMPARE(row, (QVector<double>{mean, 100.0 + mean, 200.0 + mean}));
+        const QVector<double> column = columnProfile(
+            5, 3, [](int x, int y) { return 100.0 * y + x; }, at, half);
+        QCOMPARE(column, (QVector<double>{mean, 100.0 + mean, 200.0 + mean}));
+    }
 
-void PicturesTest::gapsStayGaps() {
-    const QVector<double> row = rowProfile(
-        3, 3, [](int x, int y) { return x == 1 && y == 0 ? NotANumber : 1.0; }, 1, 1);
-    QCOMPARE(row[0], 1.0);
-    QVERIFY(std::isnan(row[1]));
-    QCOMPARE(row[2], 1.0);
-}
+    void profilesOutsideAreEmpty() {
+        const PixelValue never = [](int, int) -> double { qFatal("no pixel may be asked for"); };
+        QVERIFY(rowProfile(3, 5, never, -1, 2).isEmpty());
+        QVERIFY(rowProfile(3, 5, never, 5, 2).isEmpty());
+        QVERIFY(columnProfile(3, 5, never, 3, 2).isEmpty());
+        QVERIFY(rowProfile(0, 0, never, 0, 0).isEmpty());
+    }
+
+    void gapsStayGaps() {
+        const QVector<double> row = rowProfile(
+            3, 3, [](int x, int y) { return x == 1 && y == 0 ? NotANumber : 1.0; }, 1, 1);
+        QCOMPARE(row[0], 1.0);
+        QVERIFY(std::isnan(row[1]));
+        QCOMPARE(row[2], 1.0);
+    }
+};
 
 TARNWICK_TEST_MAIN(QCoreApplication, PicturesTest)
 #include "tst_pictures.moc"
