@@ -1,9 +1,11 @@
 // Commands for bins, area, position and what is on display.
 
 #include <QCoreApplication>
+#include <algorithm>
 
 #include "batch/CommandRows.h"
 #include "measurement/Display.h"
+#include "spectra/Units.h"
 
 namespace {
 
@@ -35,6 +37,22 @@ void showFrame(Action& a) {
         return;
     }
     a.measurement.setFrame(stack.id(), n);
+}
+
+void setPlotAxes(Action& a) {
+    const int ordinate = a.args.integer(0);
+    const QString unit = a.args.text(1);
+    const auto found = std::find_if(UnitTable.begin(), UnitTable.end(), [&unit](const Unit& u) {
+        return unit.compare(QLatin1String(u.name), Qt::CaseInsensitive) == 0;
+    });
+    if (ordinate < SpectrumPlot::MuT || ordinate > SpectrumPlot::PostBasedBySpan) {
+        a.fail(tr("there is no ordinate %1").arg(a.args.text(0)));
+    } else if (found == UnitTable.end()) {
+        a.fail(tr("there is no unit %1").arg(unit));
+    } else {
+        a.measurement.set(&Settings::plotOrdinate, ordinate);
+        a.measurement.set(&Settings::plotAbscissa, static_cast<int>(found - UnitTable.begin()));
+    }
 }
 
 /// Two numbers fix the range; none leaves each frame its own.
@@ -110,6 +128,7 @@ void addViewCommands(std::vector<CommandRow>* rows) {
          Work::None,
          [](Action& a) { a.measurement.set(&Settings::correctedSpectra, a.args.flag(0)); }},
         {66, "set_view_range", {K::Real, K::Real}, 0, false, Work::None, setViewRange},
+        {71, "set_plot_axes", {K::Integer, K::Text}, 2, false, Work::None, setPlotAxes},
         {67,
          "set_percentiles",
          {},

@@ -114,6 +114,9 @@ void presentSettings(RecordWriter& w, const Measurement& m) {
     w.put(QStringLiteral("corrected"), QStringLiteral("set_spectra_corrected"),
           {s.correctedSpectra ? QStringLiteral("1") : QStringLiteral("0")});
     w.viewRange(s.viewRange);
+    w.put(QStringLiteral("axes"), QStringLiteral("set_plot_axes"),
+          {text(s.plotOrdinate),
+           QString::fromLatin1(UnitTable[static_cast<std::size_t>(s.plotAbscissa)].name)});
     if (s.selected >= 0) {
         w.put(QStringLiteral("selected"), QStringLiteral("analyzer_select_image"),
               {text(s.selected)});

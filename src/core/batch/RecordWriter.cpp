@@ -66,6 +66,7 @@ RecordWriter::RecordWriter(const QString& folder) : m_folder(folder) {
     atStart("corrected", "set_spectra_corrected", {"1"});
     atStart("display", "select_disp_image", {"0"});
     atStart("type", "analyzer_select_image_type", {"0"});
+    atStart("axes", "set_plot_axes", {"2", "eV"});
     atStart("view range", "set_view_range", {});
 }
 

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
+#include "base/Numbers.h"
 #include "drawing/FramePicture.h"
 
 TiffData* shownFrame(Measurement& measurement) {
@@ -69,7 +70,7 @@ BarPicture shownWithBar(Measurement& measurement) {
             withGapsMarked(parts.picture, image.showsProc() ? image.proc() : image.data(),
                            image.grid().width, image.grid().height);
     }
-    parts.isGrey = false;
+    parts.colors = &resultColors();
     parts.low = image.rangeMin();
     parts.high = image.rangeMax();
     parts.title = QString::fromLatin1(result->kind().title);
@@ -83,6 +84,27 @@ BarPicture shownWithBar(Measurement& measurement) {
     parts.unit = QString::fromLatin1(result->kind().unit);
     parts.source = QFileInfo(sourceOf(*result, measurement)).fileName();
     return parts;
+}
+
+SpectrumPlot shownPlot(Measurement& measurement) {
+    SpectrumPlot plot;
+    const XafsSpectrum& sample = measurement.sample();
+    if (!sample.isEmpty()) {
+        plot.sample = SpectrumPlot::Named{sample, QStringLiteral("Position (%1, %2)")
+                                                      .arg(toPixel(measurement.position().x()))
+                                                      .arg(toPixel(measurement.position().y()))};
+    }
+    const XafsSpectrum* standard = measurement.standard();
+    if (standard != nullptr && !standard->isEmpty()) {
+        plot.standard =
+            SpectrumPlot::Named{*standard, QFileInfo(measurement.standardFile()).fileName()};
+    }
+    const Settings& settings = measurement.settings();
+    plot.ordinate = static_cast<SpectrumPlot::Ordinate>(settings.plotOrdinate);
+    plot.abscissa = static_cast<SpectrumPlot::Abscissa>(settings.plotAbscissa);
+    plot.spacing = measurement.spacing();
+    plot.raEnergy = settings.raEnergy;
+    return plot;
 }
 
 Outcome fixPercentiles(Measurement& measurement) {

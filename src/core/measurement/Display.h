@@ -3,6 +3,7 @@
 #include <QImage>
 
 #include "drawing/BarPicture.h"
+#include "drawing/SpectrumPlot.h"
 #include "measurement/Measurement.h"
 
 // What a measurement has on display, as pictures and words. Titles are English, context
@@ -17,6 +18,9 @@ QImage shownPicture(Measurement& measurement);
 
 /// The same with title, source, unit and range, pixels that are no number in grey.
 BarPicture shownWithBar(Measurement& measurement);
+
+/// The spectrum at the position and the standard, plotted over the axes chosen.
+SpectrumPlot shownPlot(Measurement& measurement);
 
 /// Fixes the view's range at the percentiles 1 and 99 of the frame on display.
 Outcome fixPercentiles(Measurement& measurement);

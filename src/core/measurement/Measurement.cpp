@@ -188,7 +188,8 @@ void Measurement::settingChanged(const Settings& before) {
         what |= Changes(Results) | Display;
     }
     if (before.shown != now.shown || before.selected != now.selected ||
-        before.resultType != now.resultType || !(before.viewRange == now.viewRange)) {
+        before.resultType != now.resultType || !(before.viewRange == now.viewRange) ||
+        before.plotOrdinate != now.plotOrdinate || before.plotAbscissa != now.plotAbscissa) {
         what |= Display;
     }
     emit changed(what);

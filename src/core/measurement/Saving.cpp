@@ -6,6 +6,7 @@
 #include "base/DebugLog.h"
 #include "calibration/EnergyMapFile.h"
 #include "drawing/BarPicture.h"
+#include "drawing/PlotPicture.h"
 #include "files/FileNames.h"
 #include "files/PictureFile.h"
 #include "measurement/Display.h"
@@ -26,6 +27,10 @@ Outcome unwritable(const QString& file) {
 
 Outcome written(bool done, const QString& file) {
     return done ? Outcome() : unwritable(file);
+}
+
+bool hasLetters() {
+    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
 }
 
 /// What somebody should know of a result that is saved.
@@ -80,7 +85,7 @@ Outcome saveImage(Measurement& measurement, const QString& fileName) {
 }
 
 Outcome saveImageWithBar(Measurement& measurement, const QString& fileName) {
-    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr) {
+    if (!hasLetters()) {
         return Outcome::failure(tr("there are no letters to draw with"));
     }
     return savePicture(measurement, fileName, withColorBar(shownWithBar(measurement)),
@@ -155,6 +160,17 @@ Outcome saveSpectra(Measurement& measurement, const QString& fileName,
         }
     }
     return outcome;
+}
+
+Outcome savePlot(Measurement& measurement, const QString& fileName) {
+    const SpectrumPlot plot = shownPlot(measurement);
+    if (plot.shown().isEmpty()) {
+        return Outcome::failure(tr("the spectrum window shows no spectrum"));
+    }
+    if (!hasLetters()) {
+        return Outcome::failure(tr("there are no letters to draw with"));
+    }
+    return written(writePlot(fileName, plot), fileName);
 }
 
 Outcome saveMap(const Measurement& measurement, const QString& fileName) {

@@ -19,6 +19,9 @@ Outcome saveData(const Measurement& measurement, const QString& fileName);
 /// "-2", ... before the suffix.
 Outcome saveSpectra(Measurement& measurement, const QString& fileName,
                     const QVector<XafsSpectrum>& more = {});
+/// The plot of the spectrum at the position: PDF with that suffix, else a picture. Needs a
+/// QGuiApplication for its letters.
+Outcome savePlot(Measurement& measurement, const QString& fileName);
 /// The energy-shift map as changes of the Bragg angle.
 Outcome saveMap(const Measurement& measurement, const QString& fileName);
 /// "flat.dat" and "dark.dat" of the images' size, in the present folder.

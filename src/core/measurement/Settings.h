@@ -93,5 +93,7 @@ struct Settings {
     int selected = -1;   ///< the result chosen: references, then the three of RA; -1: none
     int resultType = 0;  ///< of a reference: 0 DMut, 1 Ratio
     ViewRange viewRange;
+    int plotOrdinate = 2;       ///< SpectrumPlot::Ordinate
+    int plotAbscissa = 0;       ///< in UnitTable
     bool showsEachRow = false;  ///< pictures of a fit are made anew after each row
 };
