@@ -65,23 +65,6 @@ QString nameOf(const Result& result) {
                : kind + QLatin1Char(' ') + QFileInfo(reference->file.name).fileName();
 }
 
-/// All results that have been made, those of a run beside one another.
-QVector<const Result*> resultsOf(const Measurement& m) {
-    QVector<const Result*> results{&m.map()};
-    for (const int kind : {Reference::DMut, Reference::Ratio}) {
-        for (const auto& reference : m.references()) {
-            results << &reference->result(kind);
-        }
-    }
-    for (int i = 0; i < 3; ++i) {
-        results << &m.residual(i);
-    }
-    results.erase(std::remove_if(results.begin(), results.end(),
-                                 [](const Result* r) { return !r->image.hasData(); }),
-                  results.end());
-    return results;
-}
-
 QString whyLeftOut(const Measurement& measurement, const Result& result) {
     if (result.id == ResultId::Shift) {
         return QString();  // in force, whatever it was made of
@@ -164,7 +147,7 @@ RecordLines recordOf(const Measurement& measurement) {
     RecordWriter writer(originFolder(now));
     QStringList leftOut;
     const Run* last = nullptr;
-    for (const Result* result : resultsOf(measurement)) {
+    for (const Result* result : measurement.results()) {
         const QString why = whyLeftOut(measurement, *result);
         if (!why.isEmpty()) {
             leftOut << QStringLiteral("left out: %1, %2").arg(nameOf(*result), why);
@@ -190,7 +173,15 @@ Outcome saveRecord(const Measurement& measurement, const QString& fileName) {
     QSaveFile file(fileName);
     const QByteArray text = (record.lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
     const bool written = openBeside(file) && file.write(text) == text.size() && putInPlace(file);
-    return written ? Outcome() : Outcome::failure(tr("cannot be written: %1").arg(fileName));
+    if (!written) {
+        return Outcome::failure(tr("cannot be written: %1").arg(fileName));
+    }
+    for (const Result* result : measurement.results()) {
+        if (result->run) {
+            result->run->saved = true;
+        }
+    }
+    return {};
 }
 
 int recordVersion(const QStringList& lines) {

@@ -143,3 +143,19 @@ const char* differenceText(Difference difference) {
     }
     return "";
 }
+
+QString describe(const Measurement& measurement, const Result& result) {
+    QStringList parts{QCoreApplication::translate("ResultKind", result.kind().title)};
+    if (const ReferenceInput* reference = result.referenceInput()) {
+        parts << QFileInfo(reference->file.name).fileName();
+    }
+    if (result.run && result.run->state == Run::State::Stopped) {
+        parts << QCoreApplication::translate("Difference", "stopped at %1 %")
+                     .arg(static_cast<int>(result.run->percent));
+    }
+    const Difference difference = measurement.differenceOf(result);
+    if (difference != Difference::None) {
+        parts << QCoreApplication::translate("Difference", differenceText(difference));
+    }
+    return parts.join(QStringLiteral("   "));
+}

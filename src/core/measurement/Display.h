@@ -28,3 +28,7 @@ Outcome fixPercentiles(Measurement& measurement);
 /// What keeps a result from being one of the present inputs, for behind its title: "of earlier
 /// frames", "before the energy calibration"; empty for nothing. English, context "Difference".
 const char* differenceText(Difference difference);
+
+/// A result's title, its reference and what keeps it from being one of now, in the language of the
+/// program.
+QString describe(const Measurement& measurement, const Result& result);

@@ -91,6 +91,8 @@ class Measurement : public QObject {
     bool isAtWork(Work work) const;
     Inputs inputs() const;  ///< what a run would work on that begins now
     Difference differenceOf(const Result& result) const;
+    std::vector<const Result*> results() const;  ///< that hold values; the map first
+    bool hasUnsavedResults() const;
     void remakePictures();  ///< of all references' results
     void remakeResidual();  ///< the ratio image of RA and all three pictures
     Outcome deglitch(double factor, double ratio);

@@ -45,6 +45,28 @@ Difference Measurement::differenceOf(const Result& result) const {
                : Difference::None;
 }
 
+std::vector<const Result*> Measurement::results() const {
+    std::vector<const Result*> all{m_map.get()};
+    for (const int kind : {Reference::DMut, Reference::Ratio}) {
+        for (const auto& reference : m_references) {
+            all.push_back(&reference->result(kind));
+        }
+    }
+    for (const auto& result : m_residual) {
+        all.push_back(result.get());
+    }
+    all.erase(std::remove_if(all.begin(), all.end(),
+                             [](const Result* result) { return !result->image.hasData(); }),
+              all.end());
+    return all;
+}
+
+bool Measurement::hasUnsavedResults() const {
+    const std::vector<const Result*> all = results();
+    return std::any_of(all.begin(), all.end(),
+                       [](const Result* result) { return result->run && !result->run->saved; });
+}
+
 bool Measurement::isAtWork(Work work) const {
     switch (work) {
         case Work::None:

@@ -14,7 +14,8 @@ struct Run {
     Work work = Work::None;
     Inputs inputs;
     State state = State::Running;
-    double percent = 0.0;  ///< done, when it was stopped
+    double percent = 0.0;        ///< done, when it was stopped
+    mutable bool saved = false;  ///< one of its results, or the record that makes them
 };
 
 /// A result image with what it was made from.

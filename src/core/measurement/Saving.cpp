@@ -33,9 +33,12 @@ bool hasLetters() {
     return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
 }
 
-/// What somebody should know of a result that is saved.
+/// What somebody should know of a result that has been saved.
 Outcome judgement(const Measurement& measurement, const Result& result) {
     Outcome outcome;
+    if (result.run) {
+        result.run->saved = true;
+    }
     if (result.run && result.run->state == Run::State::Stopped) {
         outcome.warnings << tr("the run was stopped before its end");
     }
@@ -104,8 +107,9 @@ Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
             const QString name = taggedName(fileName, QStringLiteral("%1-%2").arg(i).arg(kind));
             const QString origin = originText(measurement, result, "save_image");
             outcome += written(writePicture(name, *result.image.img(), origin), name);
+            const Outcome judged = judgement(measurement, result);
             if (outcome.texts().isEmpty()) {
-                outcome += judgement(measurement, result);  // once for all of them
+                outcome += judged;  // once for all of them
             }
         }
     }
@@ -179,7 +183,11 @@ Outcome saveMap(const Measurement& measurement, const QString& fileName) {
     info.edgeEnergy = edgeEnergyForMap(measurement.standard(), measurement.edgeEnergy());
     info.spacing = measurement.spacing();
     info.standardFileName = measurement.standardFile();
-    return written(writeEMap(fileName, measurement.map().image, info), fileName);
+    const bool done = writeEMap(fileName, measurement.map().image, info);
+    if (done && measurement.map().run) {
+        measurement.map().run->saved = true;
+    }
+    return written(done, fileName);
 }
 
 Outcome saveFlatDark(const Measurement& measurement) {

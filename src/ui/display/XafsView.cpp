@@ -46,10 +46,28 @@ XafsView::XafsView(QWidget* parent) : QFrame(parent), m_ui(std::make_unique<Ui::
         m_plot.backgrounds = on;
         m_ui->Canvas->QWidget::update();
     });
+    connect(m_ui->Corrected, &QCheckBox::toggled, this, &XafsView::correctedChosen);
     newOrdinate();
 }
 
 XafsView::~XafsView() = default;
+
+void XafsView::setAxes(int ordinate, int abscissa) {
+    m_ui->Ordinate->setCurrentIndex(ordinate);
+    m_ui->Abscissa->setCurrentIndex(abscissa);
+}
+
+void XafsView::setCorrected(bool on) {
+    m_ui->Corrected->setChecked(on);
+}
+
+QVector<XafsSpectrum> XafsView::pinned() const {
+    QVector<XafsSpectrum> spectra;
+    for (const Reference& kept : m_plot.pinned) {
+        spectra << kept.spectrum;
+    }
+    return spectra;
+}
 
 void XafsView::setSample(const XafsSpectrum& spectrum, const QString& name,
                          const QString& savedName) {
@@ -191,11 +209,13 @@ void XafsView::newOrdinate() {
     setUsable(m_ui->Backgrounds,
               m_plot.ordinate == SpectrumPlot::MuT ? QString() : tr("Choose mu-t first."));
     resetZoom();
+    emit axesChosen(m_plot.ordinate, m_plot.abscissa);
 }
 
 void XafsView::newAbscissa() {
     m_plot.abscissa = static_cast<SpectrumPlot::Abscissa>(m_ui->Abscissa->currentIndex());
     resetZoom();
+    emit axesChosen(m_plot.ordinate, m_plot.abscissa);
 }
 
 void XafsView::onMouseMoved() {

@@ -45,6 +45,13 @@ class XafsView : public QFrame {
     /// Energy (eV) marked by a line; none when not above 0.
     void setRaEnergy(double energy);
 
+    /// Ordinate as SpectrumPlot::Ordinate, abscissa as in UnitTable.
+    void setAxes(int ordinate, int abscissa);
+    /// Whether saved energies are less the energy correction.
+    void setCorrected(bool on);
+    /// The spectra that are kept.
+    QVector<XafsSpectrum> pinned() const;
+
     /// Pins the spectrum; for the menus and shortcuts of other windows, too.
     QAction* pinAction() const { return m_pinAction; }
 
@@ -55,6 +62,8 @@ class XafsView : public QFrame {
   signals:
     /// The data have been taken over and will be drawn.
     void updated();
+    void axesChosen(int ordinate, int abscissa);
+    void correctedChosen(bool on);
 
   public slots:
     void draw(QPainter* painter);

@@ -1,8 +1,11 @@
 #include "panels/BatchCtrl.h"
 
+#include <QAction>
 #include <QFileDialog>
 #include <QFontDatabase>
 #include <QFontInfo>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QSaveFile>
 #include <QTextStream>
@@ -20,6 +23,9 @@ BatchCtrl::BatchCtrl(QWidget* parent)
     m_ui->BatchCmds->setFont(fixed);
     m_ui->BatchLogs->setFont(fixed);
     m_ui->BatchCmds->setFocus();
+    QAction* insert = menuBar()->addMenu(tr("&Edit"))->addAction(tr("&Insert What Was Done"));
+    insert->setObjectName(QStringLiteral("actionInsertRecord"));
+    connect(insert, &QAction::triggered, this, &BatchCtrl::insertAsked);
 
     connect(m_ui->Exec, &QPushButton::clicked, this, [this] {
         m_ui->Tabs->setCurrentWidget(m_ui->LogTab);
@@ -56,6 +62,13 @@ QFileDialog* BatchCtrl::makeDialog(const QString& title) {
 
 QStringList BatchCtrl::editorLines(Qt::SplitBehavior behaviour) const {
     return m_ui->BatchCmds->toPlainText().split(QLatin1Char('\n'), behaviour);
+}
+
+void BatchCtrl::insert(const QStringList& lines) {
+    m_ui->Tabs->setCurrentIndex(0);
+    for (const QString& line : lines) {
+        m_ui->BatchCmds->insertPlainText(line + QLatin1Char('\n'));
+    }
 }
 
 void BatchCtrl::dispatchLines(const QStringList& lines) {

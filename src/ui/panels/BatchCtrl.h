@@ -24,6 +24,9 @@ class BatchCtrl : public QMainWindow {
     /// The lines of the editor's text.
     QStringList editorLines(Qt::SplitBehavior behaviour = Qt::KeepEmptyParts) const;
 
+    /// Puts lines into the editor at its cursor.
+    void insert(const QStringList& lines);
+
     /// Starts a batch of these lines instead of the editor's text.
     void dispatchLines(const QStringList& lines);
 
@@ -32,6 +35,8 @@ class BatchCtrl : public QMainWindow {
     void batchStop();
     /// A text has been added to the log, as it stands there.
     void logged(QString text);
+    /// What was done is wanted at the cursor of the editor.
+    void insertAsked();
 
   public slots:
     void execCmds();

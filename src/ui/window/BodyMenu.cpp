@@ -18,8 +18,8 @@ class BodyMenu {
     Q_DECLARE_TR_FUNCTIONS(BodyMenu)
 
   public:
-    BodyMenu(QMainWindow* window, const QWidgetList& toolWindows)
-        : m_window(window), m_toolWindows(toolWindows) {}
+    BodyMenu(QMainWindow* window, const QWidgetList& toolWindows, const QList<QAction*>& record)
+        : m_window(window), m_toolWindows(toolWindows), m_record(record) {}
 
     void build() const {
         addFileMenu();
@@ -46,6 +46,7 @@ class BodyMenu {
 
     QMainWindow* m_window;
     QWidgetList m_toolWindows;
+    QList<QAction*> m_record;
 };
 
 QMenu* BodyMenu::addMenu(const QString& title) const {
@@ -102,6 +103,8 @@ void BodyMenu::addFileMenu() const {
           QKeySequence(Qt::CTRL + Qt::Key_D));
     press(menu, tr("Save S&pectra..."), QStringLiteral("SaveXAFSSpectra"),
           QKeySequence(Qt::CTRL + Qt::Key_E));
+    menu->addSeparator();
+    menu->addActions(m_record);
     menu->addSeparator();
     QAction* quit = menu->addAction(tr("&Quit"));
     quit->setObjectName(QStringLiteral("actionQuit"));
@@ -230,6 +233,7 @@ void BodyMenu::showMouseAndKeys(QWidget* parent) {
 
 }  // namespace
 
-void buildBodyMenu(QMainWindow* window, const QWidgetList& toolWindows) {
-    BodyMenu(window, toolWindows).build();
+void buildBodyMenu(QMainWindow* window, const QWidgetList& toolWindows,
+                   const QList<QAction*>& record) {
+    BodyMenu(window, toolWindows, record).build();
 }

@@ -2,8 +2,11 @@
 
 #include <QWidgetList>
 
+class QAction;
 class QMainWindow;
 
 /// Builds the menu bar of the main window from the controls of its form and of the tool windows:
 /// each action presses a button, so that menu and buttons can not do different things.
-void buildBodyMenu(QMainWindow* window, const QWidgetList& toolWindows);
+/// The entries of the record stand in the File menu as they are.
+void buildBodyMenu(QMainWindow* window, const QWidgetList& toolWindows,
+                   const QList<QAction*>& record);

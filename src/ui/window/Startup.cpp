@@ -11,6 +11,7 @@
 #include "window/Body.h"
 #include "window/CommandLine.h"
 #include "window/Translation.h"
+#include "window/WhatWasDone.h"
 
 int runTarnwick(int argc, char** argv) {
     initGlobals();
@@ -36,7 +37,12 @@ int runTarnwick(int argc, char** argv) {
     Body body;
     QObject::connect(&body, SIGNAL(finishing()), &app, SLOT(closeAllWindows()));
     const CleanEnd cleanEnd;
-    QObject::connect(&cleanEnd, &CleanEnd::requested, &body, &QWidget::close);
+    // Who ends the program from outside can not be asked.
+    QObject::connect(&cleanEnd, &CleanEnd::requested, body.whatWasDone(),
+                     &WhatWasDone::closeAtOnce);
+    QObject::connect(&app, &QGuiApplication::commitDataRequest, body.whatWasDone(),
+                     [&body] { body.whatWasDone()->setAsks(false); });
+    body.whatWasDone()->setAsks(!commandLine.execute);
     body.show();
 
     if (!commandLine.batchFile.isEmpty()) {

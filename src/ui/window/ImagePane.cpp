@@ -1,0 +1,267 @@
+#include "window/ImagePane.h"
+
+#include <QButtonGroup>
+#include <QIntValidator>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+#include "base/Numbers.h"
+#include "display/ColorBar.h"
+#include "display/CrossSection.h"
+#include "display/ImageView.h"
+#include "drawing/FramePicture.h"
+#include "drawing/Profiles.h"
+#include "measurement/Display.h"
+#include "ui_Body.h"
+
+namespace {
+
+/// While a stack loads, what is shown follows at this pace: a frame takes less time to read than to
+/// show.
+constexpr int RefreshMs = 40;
+
+/// Puts the view into one of the form's frames.
+CrossSection* fill(QFrame* frame, Qt::Orientation orientation) {
+    auto* view = new CrossSection(orientation, frame);
+    auto* layout = new QVBoxLayout(frame);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(view);
+    return view;
+}
+
+}  // namespace
+
+ImagePane::ImagePane(Measurement& measurement, Ui::Body& ui, QObject* parent)
+    : QObject(parent), m_measurement(measurement), m_ui(ui), m_choice(new QButtonGroup(this)) {
+    m_choice->addButton(ui.ShowData, static_cast<int>(Shown::I1));
+    m_choice->addButton(ui.ShowI0, static_cast<int>(Shown::I0));
+    m_choice->addButton(ui.ShowShiftMap, static_cast<int>(Shown::Map));
+    m_choice->addButton(ui.ShowResAnalysis, static_cast<int>(Shown::Result));
+    m_hCross = fill(ui.HCross, Qt::Horizontal);
+    m_vCross = fill(ui.VCross, Qt::Vertical);
+    m_hCross->follow(ui.dispA);
+    m_vCross->follow(ui.dispA);
+    m_timer.setSingleShot(true);
+    connect(&m_timer, &QTimer::timeout, this, &ImagePane::refresh);
+    connectControls();
+    connectBins();
+    connect(&measurement, &Measurement::changed, this, &ImagePane::changed);
+    showSettings();
+    refresh();
+}
+
+void ImagePane::connectControls() {
+    for (const Shown shown : {Shown::I1, Shown::I0, Shown::Map, Shown::Result}) {
+        connect(m_choice->button(static_cast<int>(shown)), &QAbstractButton::toggled, this,
+                [this, shown](bool on) {
+                    if (on && !m_showing) {
+                        m_measurement.set(&Settings::shown, shown);
+                    }
+                });
+    }
+    connect(m_ui.ResetScale, &QPushButton::clicked, m_ui.dispA, &ImageView::resetImageViewWindow);
+    connect(m_ui.dispA, &ImageView::selectionChanged, this, [this] {
+        if (!m_showing) {
+            const QRect area = m_ui.dispA->selection().toRect();
+            m_measurement.set(&Settings::area, area.isEmpty() ? Area()
+                                                              : Area{area.left(), area.top(),
+                                                                     area.left() + area.width(),
+                                                                     area.top() + area.height()});
+        }
+    });
+    connect(m_ui.CBar, &ColorBar::percentilesAsked, this,
+            [this] { fixPercentiles(m_measurement); });
+}
+
+void ImagePane::connectBins() {
+    const QPair<QLineEdit*, int Settings::*> fields[] = {{m_ui.HWidth, &Settings::halfWidth},
+                                                         {m_ui.VWidth, &Settings::halfHeight}};
+    for (const auto& pair : fields) {
+        QLineEdit* field = pair.first;
+        int Settings::*const setting = pair.second;
+        field->setValidator(new QIntValidator(field));
+        connect(field, &QLineEdit::textChanged, this, [this, field, setting] {
+            if (!m_showing) {
+                m_measurement.set(setting, field->text().toInt());
+            }
+        });
+    }
+}
+
+void ImagePane::changed(Measurement::Changes what) {
+    if (what & Measurement::Setting) {
+        showSettings();
+    }
+    if (what & Measurement::Frames) {
+        showArea();
+    }
+    if (what & (Measurement::Frames | Measurement::Display | Measurement::Results)) {
+        if (isLoading()) {
+            refreshSoon();
+        } else {
+            refresh();
+        }
+    } else if (what & Measurement::Setting) {
+        updateValueAndCrossSections();
+    }
+}
+
+bool ImagePane::isLoading() const {
+    return m_measurement.isAtWork(Work::LoadI1) || m_measurement.isAtWork(Work::LoadI0);
+}
+
+void ImagePane::showSettings() {
+    const Settings& settings = m_measurement.settings();
+    m_showing = true;
+    m_choice->button(static_cast<int>(settings.shown))->setChecked(true);
+    const auto show = [](QLineEdit* field, int value) {
+        if (field->text().toInt() != value || field->text().isEmpty()) {
+            field->setText(QString::number(value));
+        }
+    };
+    if (!m_ui.HWidth->hasFocus() || m_ui.HWidth->text().toInt() != settings.halfWidth) {
+        show(m_ui.HWidth, settings.halfWidth);
+    }
+    if (!m_ui.VWidth->hasFocus() || m_ui.VWidth->text().toInt() != settings.halfHeight) {
+        show(m_ui.VWidth, settings.halfHeight);
+    }
+    m_ui.dispA->setBinBox(settings.halfWidth, settings.halfHeight);
+    m_showing = false;
+    showArea();
+}
+
+void ImagePane::showArea() {
+    const QSize size = m_measurement.imageSize();
+    const Area& area = m_measurement.settings().area;
+    m_showing = true;
+    m_ui.dispA->setImageSize(size.width(), size.height());
+    if (m_measurement.selection() != m_ui.dispA->selection() || size.isEmpty()) {
+        m_ui.dispA->setSelection(area.x0, area.y0, area.x1, area.y1);
+    }
+    m_showing = false;
+}
+
+QImage ImagePane::markedPicture() {
+    if (const TiffData* frame = shownFrame(m_measurement)) {
+        const ViewRange& range = m_measurement.settings().viewRange;
+        if (!range.fixed) {
+            return shownPicture(m_measurement);
+        }
+        if (m_painted.isNull()) {
+            m_painted = framePicture(*frame, range.low, range.high);
+        }
+        return m_painted;
+    }
+    const QImage picture = shownPicture(m_measurement);
+    const Result* result = m_measurement.shownResult();
+    if (picture.isNull() || result == nullptr) {
+        return picture;
+    }
+    // What had to be made is kept, for it is painted anew with every move of the mouse.
+    if (m_paintedOf != picture.cacheKey()) {
+        m_paintedOf = picture.cacheKey();
+        const Analyzed2DRes& image = result->image;
+        m_painted = withGapsMarked(picture, image.showsProc() ? image.proc() : image.data(),
+                                   image.grid().width, image.grid().height);
+        if (m_painted.cacheKey() == picture.cacheKey()) {
+            m_painted = QImage();  // no gaps; the memory of the picture is the result's
+        }
+    }
+    return m_painted.isNull() ? picture : m_painted;
+}
+
+void ImagePane::draw(QPainter* painter) {
+    const QImage picture = markedPicture();
+    if (!picture.isNull()) {
+        m_ui.dispA->paintImage(painter, picture);
+    }
+}
+
+void ImagePane::newBar() {
+    if (!m_showing) {
+        m_measurement.set(&Settings::viewRange,
+                          m_ui.CBar->isAuto()
+                              ? ViewRange()
+                              : ViewRange{true, m_ui.CBar->rangeMin(), m_ui.CBar->rangeMax()});
+    }
+}
+
+void ImagePane::showBar() {
+    m_showing = true;
+    const Result* result = m_measurement.shownResult();
+    if (const TiffData* frame = shownFrame(m_measurement)) {
+        const ViewRange& range = m_measurement.settings().viewRange;
+        m_ui.CBar->showFrames(frameColors());
+        m_ui.CBar->setDataRange(frame->min, frame->max);
+        if (!range.fixed) {
+            m_ui.CBar->setAuto(true);
+        } else if (m_ui.CBar->isAuto() || m_ui.CBar->rangeMin() != range.low ||
+                   m_ui.CBar->rangeMax() != range.high) {
+            m_ui.CBar->fix(range.low, range.high);
+        }
+    } else if (result != nullptr) {
+        m_ui.CBar->showResult(resultColors());
+        m_ui.CBar->setRange(result->image.rangeMin(), result->image.rangeMax());
+    }
+    m_showing = false;
+}
+
+void ImagePane::refreshSoon() {
+    if (!m_refreshed.isValid() || m_refreshed.hasExpired(RefreshMs)) {
+        refresh();
+    } else if (!m_timer.isActive()) {
+        m_timer.start(RefreshMs);
+    }
+    // The slider is in step with the frames at any time.
+    m_ui.SeekBar->setMaximum(std::max(0, m_measurement.shownStack().size() - 1));
+}
+
+void ImagePane::refresh() {
+    m_timer.stop();
+    m_painted = QImage();
+    m_paintedOf = 0;
+    const Shown shown = m_measurement.settings().shown;
+    m_ui.dispA->setResultDisplayed(shown == Shown::Map || shown == Shown::Result);
+    showBar();
+    m_ui.SeekBar->setMaximum(std::max(0, m_measurement.shownStack().size() - 1));
+    m_ui.SeekBar->setValue(m_measurement.frame());
+    updateValueAndCrossSections();
+    m_ui.dispA->QWidget::update();
+    m_refreshed.start();
+}
+
+void ImagePane::updateValueAndCrossSections() {
+    const QPointF position = m_ui.dispA->realPosition();
+    const int x = toPixel(position.x());
+    const int y = toPixel(position.y());
+    int width = 0;
+    int height = 0;
+    PixelValue valueAt;
+    const TiffData* frame = shownFrame(m_measurement);
+    const Result* result = m_measurement.shownResult();
+    if (frame != nullptr) {
+        width = static_cast<int>(frame->width);
+        height = static_cast<int>(frame->rows.size());
+        valueAt = [frame](int column, int row) {
+            return static_cast<double>(frame->rows[static_cast<std::size_t>(row)][column]);
+        };
+    } else if (result != nullptr) {
+        width = result->image.grid().width;
+        height = result->image.grid().height;
+        valueAt = [result](int column, int row) { return result->image.shownValueAt(column, row); };
+    }
+    const bool inside = x >= 0 && y >= 0 && x < width && y < height;
+    const QString nothing = width > 0 ? QString() : QStringLiteral("0.0");
+    m_ui.Value->setText(inside ? QString::number(valueAt(x, y), 'g', 6) : nothing);
+    const Settings& settings = m_measurement.settings();
+    m_hCross->setProfile(rowProfile(width, height, valueAt, y, settings.halfHeight), 0);
+    m_vCross->setProfile(columnProfile(width, height, valueAt, x, settings.halfWidth), 0);
+    const bool isFixed = frame != nullptr ? settings.viewRange.fixed
+                                          : result != nullptr && result->image.isFixedScale();
+    for (CrossSection* section : {m_hCross, m_vCross}) {
+        section->setValueRange(isFixed ? m_ui.CBar->rangeMin() : 0.0,
+                               isFixed ? m_ui.CBar->rangeMax() : 0.0);
+    }
+    m_hCross->setMarker(position.x());
+    m_vCross->setMarker(position.y());
+}

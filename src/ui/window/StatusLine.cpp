@@ -1,0 +1,158 @@
+#include "window/StatusLine.h"
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QLabel>
+#include <QMainWindow>
+#include <QProgressBar>
+#include <QStatusBar>
+#include <QToolButton>
+
+#include "base/Numbers.h"
+#include "measurement/Display.h"
+
+namespace {
+constexpr int NoticeMs = 8000;
+const QString Gap = QStringLiteral("   ");
+}  // namespace
+
+StatusLine::StatusLine(Measurement& measurement, QMainWindow* window)
+    : QObject(window),
+      m_measurement(measurement),
+      m_window(window),
+      m_state(new QLabel(window)),
+      m_bar(new QProgressBar(window)),
+      m_stopLoading(new QToolButton(window)) {
+    m_state->setObjectName(QStringLiteral("State"));
+    // A long text is cut off; it must not widen the window.
+    m_state->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_bar->setMaximumWidth(240);
+    m_bar->hide();
+    makeStop(window);
+    window->statusBar()->addWidget(m_state, 1);
+    window->statusBar()->addPermanentWidget(m_bar);
+    window->statusBar()->addPermanentWidget(m_stopLoading);
+    connect(&measurement, &Measurement::changed, this, [this](Measurement::Changes what) {
+        if (what & ~Measurement::Changes(Measurement::Position)) {
+            show();
+        }
+    });
+    connect(&measurement, &Measurement::progressed, this, &StatusLine::showProgress);
+    show();
+}
+
+void StatusLine::makeStop(QMainWindow* window) {
+    m_stopLoading->setObjectName(QStringLiteral("StopLoading"));
+    auto* stop = new QAction(tr("Stop Loading"), m_stopLoading);
+    stop->setToolTip(
+        tr("Frames that have been read stay, the files still to be read are left out (Esc)"));
+    stop->setShortcut(Qt::Key_Escape);  // the button's, so only while it is there
+    m_stopLoading->setDefaultAction(stop);
+    m_stopLoading->hide();
+    connect(stop, &QAction::triggered, window, [this] { m_measurement.stopLoading(); });
+}
+
+void StatusLine::say(const QString& notice) {
+    m_window->statusBar()->showMessage(notice, NoticeMs);
+}
+
+void StatusLine::show() {
+    showLoads();
+    QString text = display();
+    int left = 0;
+    for (const StackId id : {StackId::I1, StackId::I0}) {
+        const Stack& stack = m_measurement.stack(id);
+        left += stack.total() - stack.done();
+    }
+    if (left > 0) {
+        text += Gap + tr("%n file(s) to read", nullptr, left);
+    }
+    const QString dark = darkState(m_measurement.dark());
+    m_state->setText(dark.isEmpty() ? text : text + Gap + dark);
+}
+
+QString StatusLine::display() const {
+    if (const TiffData* frame = shownFrame(m_measurement)) {
+        const Stack& stack = m_measurement.shownStack();
+        return tr("%1 frame %2 of %3   %4 eV")
+            .arg(stack.name())
+            .arg(m_measurement.frame() + 1)
+            .arg(stack.size())
+            .arg(QString::asprintf("% 8.2f", frame->energy));
+    }
+    const Result* result = m_measurement.shownResult();
+    switch (m_measurement.settings().shown) {
+        case Shown::Map:
+            return result != nullptr && result->image.hasData()
+                       ? tr("Energy-shift map") + resultOnDisplay(result)
+                       : tr("No energy-shift map yet");
+        case Shown::Result:
+            return result != nullptr && result->image.hasData()
+                       ? tr("Result image") + Gap + describe(m_measurement, *result)
+                       : tr("No result yet: analyze the image and select a result in the Analyzer");
+        default:
+            return tr("No frames yet: select the files of I1 and I0");
+    }
+}
+
+QString StatusLine::resultOnDisplay(const Result* result) const {
+    const Difference difference = m_measurement.differenceOf(*result);
+    return difference == Difference::None
+               ? QString()
+               : Gap + QCoreApplication::translate("Difference", differenceText(difference));
+}
+
+void StatusLine::showProgress(Work work, double done, double of) {
+    if (work == Work::LoadI1 || work == Work::LoadI0) {
+        showLoads();
+        return;
+    }
+    m_bar->setVisible(done < of);
+    m_bar->setRange(0, 100);
+    m_bar->setValue(toClampedInt(done, 0, 100));
+}
+
+void StatusLine::showLoads() {
+    int done = 0;
+    int total = 0;
+    for (const StackId id : {StackId::I1, StackId::I0}) {
+        const Stack& stack = m_measurement.stack(id);
+        if (stack.isLoading()) {
+            done += stack.done();
+            total += stack.total();
+        }
+    }
+    if (total > 0) {
+        m_bar->setRange(0, total);
+        m_bar->setValue(done);
+    }
+    // The bar is also that of analyses.
+    if (total > 0 || !m_stopLoading->isHidden()) {
+        m_bar->setVisible(total > 0);
+        m_stopLoading->setVisible(total > 0);
+    }
+}
+
+QString darkState(const DarkData& dark) {
+    const auto tr = [](const char* text, int n = -1) {
+        return QCoreApplication::translate("StatusLine", text, nullptr, n);
+    };
+    QStringList parts;
+    if (dark.isLoading()) {
+        parts << tr(QT_TRANSLATE_N_NOOP("StatusLine", "%n dark file(s) to read"), dark.filesLeft());
+    } else if (dark.loaded() > dark.fitting()) {
+        parts << tr(QT_TRANSLATE_NOOP("StatusLine",
+                                      "%1 of %2 dark frames in use, the others are "
+                                      "not of the image's size"))
+                     .arg(dark.fitting())
+                     .arg(dark.loaded());
+    } else if (dark.loaded() > 0) {
+        parts << tr(QT_TRANSLATE_N_NOOP("StatusLine", "%n dark frame(s)"), dark.loaded());
+    }
+    if (dark.refused() > 0) {
+        parts << tr(QT_TRANSLATE_N_NOOP("StatusLine",
+                                        "%n dark file(s) unreadable or not of the image's size"),
+                    dark.refused());
+    }
+    return parts.join(Gap);
+}
