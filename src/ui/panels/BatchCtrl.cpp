@@ -12,6 +12,7 @@
 
 #include "base/Globals.h"
 #include "batch/BatchText.h"
+#include "files/WholeFile.h"
 #include "ui_BatchCtrl.h"
 
 BatchCtrl::BatchCtrl(QWidget* parent)
@@ -97,15 +98,17 @@ void BatchCtrl::clearLog() {
 
 void BatchCtrl::save(QString fname) {
     QSaveFile file(fname);
-    file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+    if (!openBeside(file, QIODevice::WriteOnly | QIODevice::Text)) {
         return;
     }
     QTextStream out(&file);
     out.setCodec("UTF-8");
     out << m_ui->BatchCmds->toPlainText();
     out.flush();
-    file.commit();
+    if (out.status() != QTextStream::Ok) {
+        file.cancelWriting();
+    }
+    putInPlace(file);
 }
 
 void BatchCtrl::load(QString fname) {

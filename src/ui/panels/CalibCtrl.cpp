@@ -1,17 +1,14 @@
 #include "panels/CalibCtrl.h"
 
-#include <QButtonGroup>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <algorithm>
-#include <cmath>
+#include <QSignalBlocker>
 
 #include "base/Globals.h"
 #include "display/Availability.h"
-#include "spectra/SpectrumFile.h"
+#include "panels/WhyNot.h"
 #include "spectra/Units.h"
-#include "spectra/XafsSpectrum.h"
 #include "ui_CalibCtrl.h"
 
 namespace {
@@ -27,23 +24,24 @@ QString withMapSuffix(const QString& fileName) {
         .filePath(info.completeBaseName() + QLatin1Char('.') + kMapSuffix);
 }
 
-/// The kind of background whose button is on; the buttons stand in the order of the kinds.
-int chosenBackground(const QButtonGroup* group) {
-    return std::max(0, group->buttons().indexOf(group->checkedButton()));
-}
-
 }  // namespace
 
-CalibCtrl::CalibCtrl(QWidget* parent)
-    : QWidget(parent, Qt::Window), m_ui(std::make_unique<Ui::CalibCtrl>()) {
+CalibCtrl::CalibCtrl(Measurement& measurement, QWidget* parent)
+    : QWidget(parent, Qt::Window),
+      m_measurement(measurement),
+      m_ui(std::make_unique<Ui::CalibCtrl>()) {
     m_ui->setupUi(this);
     for (const Crystal& crystal : CrystalTable) {
         m_ui->SelCrystal->addItem(QString::fromLatin1(crystal.name), crystal.spacing);
     }
     m_ui->StdSelector->showUse(false);
     m_ui->StdSelector->hide();
+    m_ui->ExecCalib->setMinimumWidth(m_ui->ExecCalib->sizeHint().width());
     connectControls();
-    describeStandard();
+    connect(&m_measurement, &Measurement::changed, this, &CalibCtrl::showChanges);
+    showSettings();
+    showStandard();
+    updateControls();
 }
 
 CalibCtrl::~CalibCtrl() = default;
@@ -51,18 +49,16 @@ CalibCtrl::~CalibCtrl() = default;
 void CalibCtrl::connectControls() {
     connect(m_ui->SelectStd, &QAbstractButton::clicked, m_ui->StdSelector, &QWidget::show);
     connect(m_ui->StdSelector, &XafsFileSelect::newFile, this, &CalibCtrl::newFile);
-    for (const QAbstractButton* button : m_ui->stdBGGroup->buttons()) {
+    for (const QAbstractButton* button : {m_ui->StdBGSimple, m_ui->StdBGVictreen}) {
         connect(button, &QAbstractButton::toggled, this, &CalibCtrl::stdBGToggled);
     }
-    connect(m_ui->targetBGGroup,
-            QOverload<QAbstractButton*, bool>::of(&QButtonGroup::buttonToggled), this,
-            [this](QAbstractButton*, bool on) {
-                if (on) {
-                    emit targetBackgroundChanged(targetBackground());
-                }
-            });
+    connect(m_ui->TargetBGVictreen, &QAbstractButton::toggled, this, [this](bool victreen) {
+        m_measurement.set(&Settings::targetBackground,
+                          victreen ? XafsSpectrum::Victreen : XafsSpectrum::Simple);
+    });
     connect(m_ui->SelCrystal, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
-            [this] { emit spacingChanged(spacing()); });
+            [this](int index) { m_measurement.set(&Settings::crystal, index); });
+    connect(m_ui->EdgeEeV, &QLineEdit::textChanged, this, &CalibCtrl::setEdgeEV);
     connect(m_ui->ExecCalib, &QAbstractButton::clicked, this, &CalibCtrl::execCalibration);
     connect(m_ui->ClearMap, &QAbstractButton::clicked, this, &CalibCtrl::clearMap);
 
@@ -102,45 +98,32 @@ QFileDialog* CalibCtrl::makeMapDialog(const char* name) {
 }
 
 double CalibCtrl::spacing() const {
-    return m_ui->SelCrystal->currentData().toDouble();
+    return m_measurement.spacing();
 }
-
 double CalibCtrl::edgeEnergy() const {
-    const double energy = m_ui->EdgeEeV->text().toDouble();
-    return std::isfinite(energy) ? energy : 0.0;
+    return m_measurement.edgeEnergy();
 }
-
-int CalibCtrl::targetBackground() const {
-    return chosenBackground(m_ui->targetBGGroup);
+bool CalibCtrl::targetIsVictreen() const {
+    return m_measurement.settings().targetBackground != XafsSpectrum::Simple;
 }
-
 const XafsSpectrum* CalibCtrl::standard() const {
-    return m_standard.get();
+    return m_measurement.standard();
 }
-
 QString CalibCtrl::standardFileName() const {
     return m_ui->StdSelector->fileName();
 }
 
 void CalibCtrl::newFile(const QString& fname) {
-    m_standard = std::make_unique<XafsSpectrum>();
-    if (!readSpectrumFile(fname, m_standard.get())) {
-        m_ui->StdSelector->setFileNameText(QString());
-        describeStandard();
-        return;
+    m_measurement.loadStandard(fname);
+    if (!m_measurement.standardFile().isEmpty()) {  // it could be read
+        emit newStdFileLoaded();
     }
-    m_standard->normalise(chosenBackground(m_ui->stdBGGroup));
-    setEdgeEV(QString::number(m_standard->midE()));
-    describeStandard();
-    emit newStdFileLoaded();
 }
 
 void CalibCtrl::stdBGToggled(bool) {
-    if (!m_standard) {
-        return;
-    }
-    m_standard->normalise(chosenBackground(m_ui->stdBGGroup));
-    emit standardRenormalised();
+    m_measurement.set(&Settings::standardBackground, m_ui->StdBGVictreen->isChecked()
+                                                         ? XafsSpectrum::Victreen
+                                                         : XafsSpectrum::Simple);
 }
 
 void CalibCtrl::loadStd(const QString& fname) {
@@ -148,32 +131,67 @@ void CalibCtrl::loadStd(const QString& fname) {
 }
 
 void CalibCtrl::setEdgeEV(const QString& text) {
-    m_ui->EdgeEeV->setText(text);
+    m_measurement.set(&Settings::edgeEnergy, text);
 }
 
 void CalibCtrl::loadEShiftMap(const QString& fname) {
     emit loadEMap(fname);
 }
 
-void CalibCtrl::setMissing(const QString& forCalibration, const QString& forLoading, bool hasMap) {
+void CalibCtrl::showChanges(Measurement::Changes what) {
+    if (what & Measurement::Setting) {
+        showSettings();
+    }
+    if (what & Measurement::Standard) {
+        showStandard();
+    }
+    if (what &
+        (Measurement::Changes(Measurement::AtWork) | Measurement::Frames | Measurement::Map)) {
+        updateControls();
+    }
+}
+
+void CalibCtrl::showSettings() {
+    const Settings& settings = m_measurement.settings();
+    const auto choose = [](int background, QRadioButton* simple, QRadioButton* victreen) {
+        QRadioButton* chosen = background == XafsSpectrum::Simple ? simple : victreen;
+        const QSignalBlocker blocked(chosen);
+        chosen->setChecked(true);
+    };
+    choose(settings.standardBackground, m_ui->StdBGSimple, m_ui->StdBGVictreen);
+    choose(settings.targetBackground, m_ui->TargetBGSimple, m_ui->TargetBGVictreen);
+    const QSignalBlocker crystal(m_ui->SelCrystal);
+    m_ui->SelCrystal->setCurrentIndex(settings.crystal);
+    const QSignalBlocker edge(m_ui->EdgeEeV);
+    if (m_ui->EdgeEeV->text() != settings.edgeEnergy) {
+        m_ui->EdgeEeV->setText(settings.edgeEnergy);
+    }
+}
+
+void CalibCtrl::updateControls() {
+    const bool calibrates = m_measurement.working() == Work::Calibrate;
+    m_ui->ExecCalib->setText(calibrates ? tr("Stop") : tr("Exec Calib."));
+    setUsable(m_ui->ExecCalib, whyNotAnalyze(m_measurement, Work::Calibrate));
+    const QString running = whileAnalyzing(m_measurement);
+    const bool hasMap = m_measurement.map().image.hasData();
     const QString noMap = hasMap ? QString() : tr("There is no energy-shift map yet.");
-    setUsable(m_ui->ExecCalib, forCalibration);
-    setUsable(m_ui->LoadMap, forLoading);
+    setUsable(m_ui->LoadMap, running);
     setUsable(m_ui->SaveMap, noMap);
-    setUsable(m_ui->ClearMap, hasMap ? forLoading : noMap);
+    setUsable(m_ui->ClearMap, hasMap ? running : noMap);
 }
 
 /// Says which standard there is, and at the buttons that need one what they do without it.
-void CalibCtrl::describeStandard() {
-    const bool loaded = m_standard && !m_standard->isEmpty();
-    m_ui->StdName->setText(loaded ? QFileInfo(standardFileName()).fileName()
-                                  : tr("No standard loaded"));
-    m_ui->StdName->setToolTip(loaded ? standardFileName() : QString());
+void CalibCtrl::showStandard() {
+    const QString file = m_measurement.standardFile();
+    m_ui->StdSelector->setFileNameText(file);
+    const bool loaded = standard() != nullptr && !standard()->isEmpty();
+    m_ui->StdName->setText(loaded ? QFileInfo(file).fileName() : tr("No standard loaded"));
+    m_ui->StdName->setToolTip(loaded ? file : QString());
     const QString missing = tr("No standard is loaded. Choose one with \"Select Std.\".");
     setOwnToolTip(m_ui->ExecCalib,
                   loaded
                       ? tr("Measure the energy shift of every bin of the selected area against the "
-                           "standard.")
+                           "standard; a second click stops.")
                       : missing + QLatin1Char('\n') +
                             tr("Without one the map holds edge energies, not shifts."));
     setOwnToolTip(m_ui->SaveMap,

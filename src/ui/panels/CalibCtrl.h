@@ -3,48 +3,41 @@
 #include <QWidget>
 #include <memory>
 
+#include "measurement/Measurement.h"
+
 class QFileDialog;
-class XafsSpectrum;
 
 namespace Ui {
 class CalibCtrl;
 }
 
-/// The calibration panel: standard spectrum, background forms, crystal and edge energy, and the
-/// buttons that make, save, load and clear the energy-shift map. It owns the standard; the map and
-/// the work on it belong to whoever receives the signals.
+/// The calibration panel: a measurement's standard spectrum, background forms, crystal and edge
+/// energy, and the buttons that make, save, load and clear its energy-shift map. The work on the
+/// map belongs to whoever receives the signals.
 class CalibCtrl : public QWidget {
     Q_OBJECT
 
   public:
-    explicit CalibCtrl(QWidget* parent = nullptr);
+    explicit CalibCtrl(Measurement& measurement, QWidget* parent = nullptr);
     ~CalibCtrl() override;
 
     /// d-spacing of the chosen crystal in angstrom.
     double spacing() const;
     /// The typed edge energy in eV; 0.0 when it is not a number.
     double edgeEnergy() const;
-    /// Kind of the background of the spectra, see background::Kinds.
-    int targetBackground() const;
-    /// The standard, normalised; null before the first file, without points after one that could
-    /// not be read. Valid until the next file.
+    bool targetIsVictreen() const;
+    /// As Measurement::standard().
     const XafsSpectrum* standard() const;
     /// As the file selector shows it.
     QString standardFileName() const;
-    /// What stands against a calibration and against another map at present, for the user; empty:
-    /// nothing. Without a map there is none to save or to clear.
-    void setMissing(const QString& forCalibration, const QString& forLoading, bool hasMap);
 
   signals:
     void newStdFileLoaded();
+    /// A calibration is to begin, or the one that runs is to stop.
     void execCalibration();
     void saveEMap(const QString& fname);
     void loadEMap(const QString& fname);
     void clearMap();
-    /// The background form of the standard has changed what it looks like.
-    void standardRenormalised();
-    void spacingChanged(double d);
-    void targetBackgroundChanged(int kind);
 
   public slots:
     void newFile(const QString& fname);
@@ -58,10 +51,13 @@ class CalibCtrl : public QWidget {
     void showSaveDialog();
     void showLoadDialog();
     QFileDialog* makeMapDialog(const char* name);
-    void describeStandard();
+    void showChanges(Measurement::Changes what);
+    void showSettings();
+    void showStandard();
+    void updateControls();
 
+    Measurement& m_measurement;
     std::unique_ptr<Ui::CalibCtrl> m_ui;
-    std::unique_ptr<XafsSpectrum> m_standard;
     QFileDialog* m_saveDialog = nullptr;
     QFileDialog* m_loadDialog = nullptr;
 };

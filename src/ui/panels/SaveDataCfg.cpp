@@ -1,50 +1,96 @@
 #include "panels/SaveDataCfg.h"
 
 #include <QDoubleValidator>
+#include <QSignalBlocker>
 
 #include "display/Availability.h"
+#include "panels/NumberField.h"
 #include "ui_SaveDataCfg.h"
 
-SaveDataCfg::SaveDataCfg(QWidget* parent)
-    : QDialog(parent), m_ui(std::make_unique<Ui::SaveDataCfg>()) {
+namespace {
+
+using Separator = TableOptions::Separator;
+using Layout = TableOptions::Layout;
+
+void check(QAbstractButton* button, bool on = true) {
+    const QSignalBlocker blocked(button);
+    button->setChecked(on);
+}
+
+}  // namespace
+
+SaveDataCfg::SaveDataCfg(Measurement& measurement, QWidget* parent)
+    : QDialog(parent), m_measurement(measurement), m_ui(std::make_unique<Ui::SaveDataCfg>()) {
     m_ui->setupUi(this);
     auto* number = new QDoubleValidator(this);
     QLocale plain = QLocale::c();  // a dot as decimal sign, as in every file
     plain.setNumberOptions(QLocale::RejectGroupSeparator);
     number->setLocale(plain);
-    for (QLineEdit* field : {m_ui->TiffScaleMin, m_ui->TiffScaleMax}) {
-        field->setValidator(number);
-        connect(field, &QLineEdit::textChanged, this, &SaveDataCfg::updateControls);
-    }
-    connect(m_ui->SaveAsTiff, &QAbstractButton::toggled, this, &SaveDataCfg::updateControls);
-    connect(m_ui->TiffFixScale, &QAbstractButton::toggled, this, &SaveDataCfg::updateControls);
-    connect(m_ui->CloseButton, &QAbstractButton::clicked, this, &QWidget::hide);
-    updateControls();
+    m_ui->TiffScaleMin->setValidator(number);
+    m_ui->TiffScaleMax->setValidator(number);
+    connectControls();
+    connect(&m_measurement, &Measurement::changed, this, [this](Measurement::Changes what) {
+        if (what & Measurement::Setting) {
+            showSettings();
+        }
+    });
+    showSettings();
 }
 
 SaveDataCfg::~SaveDataCfg() = default;
 
+void SaveDataCfg::connectControls() {
+    const auto choice = [this](QAbstractButton* button, void (SaveDataCfg::*choose)()) {
+        connect(button, &QAbstractButton::toggled, this, [this, choose](bool on) {
+            if (on) {
+                (this->*choose)();
+            }
+        });
+    };
+    choice(m_ui->SaveAsTiff, &SaveDataCfg::saveAsTiff);
+    choice(m_ui->SaveAsText, &SaveDataCfg::saveAsText);
+    choice(m_ui->CSV, &SaveDataCfg::setCommaSeparated);
+    choice(m_ui->SSV, &SaveDataCfg::setSpaceSeparated);
+    choice(m_ui->XYZ, &SaveDataCfg::setPointPerLine);
+    choice(m_ui->Vals, &SaveDataCfg::setRowPerLine);
+    connect(m_ui->TiffFixScale, &QAbstractButton::toggled, this, &SaveDataCfg::setTiffFixedScale);
+    connect(m_ui->AsAnalyzed, &QAbstractButton::toggled, this, &SaveDataCfg::setAsAnalyzed);
+    connectScale(m_ui->TiffScaleMin, &TiffOptions::scaleMin);
+    connectScale(m_ui->TiffScaleMax, &TiffOptions::scaleMax);
+    connect(m_ui->CloseButton, &QAbstractButton::clicked, this, &QWidget::hide);
+}
+
+void SaveDataCfg::connectScale(QLineEdit* field, double TiffOptions::*limit) {
+    connect(field, &QLineEdit::textChanged, this, [this, field, limit] {
+        noteTaken(field);
+        setTiff(limit, inField(numberIn(field)));
+    });
+    connect(field, &QLineEdit::editingFinished, this,
+            [this, field, limit] { finishNumber(field, tiffOptions().*limit); });
+}
+
+template <class T, class V>
+void SaveDataCfg::setTiff(T TiffOptions::*option, const V& value) {
+    TiffOptions tiff = tiffOptions();
+    tiff.*option = value;
+    m_measurement.set(&Settings::tiff, tiff);
+}
+
+template <class T, class V>
+void SaveDataCfg::setTable(T TableOptions::*option, const V& value) {
+    TableOptions table = tableOptions();
+    table.*option = value;
+    m_measurement.set(&Settings::table, table);
+}
+
 bool SaveDataCfg::savesAsTiff() const {
-    return m_ui->SaveAsTiff->isChecked();
+    return m_measurement.settings().savesTiff;
 }
-
 TiffOptions SaveDataCfg::tiffOptions() const {
-    TiffOptions options;
-    options.fixedScale = m_ui->TiffFixScale->isChecked();
-    options.scaleMin = m_ui->TiffScaleMin->text().toDouble();
-    options.scaleMax = m_ui->TiffScaleMax->text().toDouble();
-    options.asAnalyzed = m_ui->AsAnalyzed->isChecked();
-    return options;
+    return m_measurement.settings().tiff;
 }
-
 TableOptions SaveDataCfg::tableOptions() const {
-    TableOptions options;
-    options.separator =
-        m_ui->CSV->isChecked() ? TableOptions::Separator::Comma : TableOptions::Separator::Blank;
-    options.layout =
-        m_ui->XYZ->isChecked() ? TableOptions::Layout::Points : TableOptions::Layout::Rows;
-    options.asAnalyzed = m_ui->AsAnalyzed->isChecked();
-    return options;
+    return m_measurement.settings().table;
 }
 
 QString SaveDataCfg::suffix() const {
@@ -57,43 +103,52 @@ QStringList SaveDataCfg::nameFilters() const {
 }
 
 void SaveDataCfg::saveAsTiff() {
-    m_ui->SaveAsTiff->setChecked(true);
+    m_measurement.set(&Settings::savesTiff, true);
 }
-
 void SaveDataCfg::saveAsText() {
-    m_ui->SaveAsText->setChecked(true);
+    m_measurement.set(&Settings::savesTiff, false);
 }
-
 void SaveDataCfg::setTiffFixedScale(bool fixed) {
-    m_ui->TiffFixScale->setChecked(fixed);
+    setTiff(&TiffOptions::fixedScale, fixed);
 }
 
 void SaveDataCfg::setTiffScaleMin(double value) {
-    m_ui->TiffScaleMin->setText(QString::number(value));
+    m_ui->TiffScaleMin->setText(fieldText(value));
 }
-
 void SaveDataCfg::setTiffScaleMax(double value) {
-    m_ui->TiffScaleMax->setText(QString::number(value));
+    m_ui->TiffScaleMax->setText(fieldText(value));
 }
 
+/// One choice for both forms.
 void SaveDataCfg::setAsAnalyzed(bool asAnalyzed) {
-    m_ui->AsAnalyzed->setChecked(asAnalyzed);
+    setTiff(&TiffOptions::asAnalyzed, asAnalyzed);
+    setTable(&TableOptions::asAnalyzed, asAnalyzed);
 }
 
 void SaveDataCfg::setCommaSeparated() {
-    m_ui->CSV->setChecked(true);
+    setTable(&TableOptions::separator, Separator::Comma);
 }
-
 void SaveDataCfg::setSpaceSeparated() {
-    m_ui->SSV->setChecked(true);
+    setTable(&TableOptions::separator, Separator::Blank);
 }
-
 void SaveDataCfg::setPointPerLine() {
-    m_ui->XYZ->setChecked(true);
+    setTable(&TableOptions::layout, Layout::Points);
+}
+void SaveDataCfg::setRowPerLine() {
+    setTable(&TableOptions::layout, Layout::Rows);
 }
 
-void SaveDataCfg::setRowPerLine() {
-    m_ui->Vals->setChecked(true);
+void SaveDataCfg::showSettings() {
+    const TiffOptions tiff = tiffOptions();
+    const TableOptions table = tableOptions();
+    check(savesAsTiff() ? m_ui->SaveAsTiff : m_ui->SaveAsText);
+    check(m_ui->TiffFixScale, tiff.fixedScale);
+    showNumber(m_ui->TiffScaleMin, tiff.scaleMin);
+    showNumber(m_ui->TiffScaleMax, tiff.scaleMax);
+    check(table.separator == Separator::Comma ? m_ui->CSV : m_ui->SSV);
+    check(table.layout == Layout::Points ? m_ui->XYZ : m_ui->Vals);
+    check(m_ui->AsAnalyzed, tiff.asAnalyzed);
+    updateControls();
 }
 
 void SaveDataCfg::updateControls() {

@@ -1,22 +1,23 @@
 #pragma once
 
 #include <QDialog>
-#include <QStringList>
 #include <memory>
 
-#include "output/ResultWriter.h"
+#include "measurement/Measurement.h"
+
+class QLineEdit;
 
 namespace Ui {
 class SaveDataCfg;
 }
 
-/// How result images are saved: as 16-bit TIFF or as a text table, with the options of either. The
-/// choices are held by the controls alone.
+/// How a measurement saves result images: as 16-bit TIFF or as a text table, with the options of
+/// either.
 class SaveDataCfg : public QDialog {
     Q_OBJECT
 
   public:
-    explicit SaveDataCfg(QWidget* parent = nullptr);
+    explicit SaveDataCfg(Measurement& measurement, QWidget* parent = nullptr);
     ~SaveDataCfg() override;
 
     /// TIFF rather than text.
@@ -42,9 +43,16 @@ class SaveDataCfg : public QDialog {
     void setPointPerLine();
     void setRowPerLine();
 
-  private slots:
+  private:
+    void connectControls();
+    void connectScale(QLineEdit* field, double TiffOptions::*limit);
+    template <class T, class V>
+    void setTiff(T TiffOptions::*option, const V& value);
+    template <class T, class V>
+    void setTable(T TableOptions::*option, const V& value);
+    void showSettings();
     void updateControls();
 
-  private:
+    Measurement& m_measurement;
     std::unique_ptr<Ui::SaveDataCfg> m_ui;
 };

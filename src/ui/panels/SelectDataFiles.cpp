@@ -1,29 +1,21 @@
 #include "panels/SelectDataFiles.h"
 
-#include <QDateTime>
-#include <QDebug>
 #include <QFileDialog>
-#include <QFileInfo>
-#include <QRegularExpression>
-#include <QSet>
+#include <QScopedValueRollback>
 
 #include "base/Globals.h"
 #include "display/Availability.h"
-#include "files/FileListing.h"
-#include "frames/EnergyFromName.h"
 #include "ui_SelectDataFiles.h"
 
 namespace {
-constexpr qint64 SettledAfterMs = 1000;  // the detector may still be writing a younger file
-constexpr int HeldDownMs = 700;          // when a press is no click any more
+constexpr int HeldDownMs = 700;  // when a press is no click any more
 constexpr int RepeatMs = 5000;
 }  // namespace
 
 SelectDataFiles::SelectDataFiles(QWidget* parent)
     : QWidget(parent),
       m_ui(std::make_unique<Ui::SelectDataFiles>()),
-      m_dialog(new QFileDialog(this)),
-      m_pattern(std::make_unique<QRegularExpression>()) {
+      m_dialog(new QFileDialog(this)) {
     m_ui->setupUi(this);
     m_ui->SelectUnit->addItem(QStringLiteral("eV"), 1.0);
     m_ui->SelectUnit->addItem(QStringLiteral("keV"), 1000.0);
@@ -44,9 +36,12 @@ SelectDataFiles::SelectDataFiles(QWidget* parent)
         {tr("IMG Files (*.img)"), tr("Tiff Files (*.tif *.tiff)"), tr("Any Files (* *.*)")});
     m_dialog->selectNameFilter(m_dialog->nameFilters().at(1));  // the kind that can be read
 
-    connect(m_ui->Selected, SIGNAL(currentIndexChanged(int)), this,
-            SIGNAL(currentIndexChanged(int)));
-    connect(m_ui->Select, SIGNAL(clicked()), m_dialog, SLOT(show()));
+    connect(m_ui->Selected, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            &SelectDataFiles::changeIndex);
+    connect(m_ui->EngPattern, &QLineEdit::textChanged, this, &SelectDataFiles::changeNames);
+    connect(m_ui->SelectUnit, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            &SelectDataFiles::changeNames);
+    connect(m_ui->Select, &QPushButton::clicked, m_dialog, &QWidget::show);
     connect(m_ui->Clear, &QPushButton::clicked, this, &SelectDataFiles::clear);
     connectLoadNew();
     connect(m_dialog, &QFileDialog::filesSelected, this, [this](const QStringList& files) {
@@ -70,9 +65,66 @@ int SelectDataFiles::currentIndex() const {
     return m_ui->Selected->currentIndex();
 }
 
-void SelectDataFiles::setLoading(bool loading) {
-    m_loading = loading;
+NamePattern SelectDataFiles::names() const {
+    return {m_ui->EngPattern->text(), m_ui->SelectUnit->currentIndex() == 1};
+}
+
+void SelectDataFiles::changeNames() {
+    if (m_measurement != nullptr) {
+        m_measurement->setNames(m_stack, names());
+    }
+}
+
+void SelectDataFiles::changeIndex(int index) {
+    if (m_measurement != nullptr && !m_isShowing) {
+        m_measurement->setFrame(m_stack, index);
+    }
+    emit currentIndexChanged(index);
+}
+
+void SelectDataFiles::follow(Measurement& measurement, StackId stack) {
+    m_measurement = &measurement;
+    m_stack = stack;
+    connect(m_measurement, &Measurement::changed, this, &SelectDataFiles::showChanges);
+    m_ui->Selected->clear();
+    showFiles();
+    showNames();
+}
+
+void SelectDataFiles::showChanges(Measurement::Changes what) {
+    if (what & (Measurement::Changes(Measurement::Frames) | Measurement::Display)) {
+        showFiles();
+    } else if (what & Measurement::AtWork) {
+        updateButtons();
+    }
+    if (what & Measurement::Setting) {
+        showNames();
+    }
+}
+
+/// Frames only ever come at the end, or go all at once.
+void SelectDataFiles::showFiles() {
+    const QScopedValueRollback<bool> showing(m_isShowing, true);
+    const Stack& stack = m_measurement->stack(m_stack);
+    if (count() > stack.size()) {
+        m_ui->Selected->clear();
+    }
+    while (count() < stack.size()) {
+        const TiffData* frame = stack.frames().at(count());
+        m_ui->Selected->addItem(frame->fileName, frame->energy);
+    }
+    m_ui->Selected->setCurrentIndex(m_measurement->frameOf(m_stack));
     updateButtons();
+}
+
+void SelectDataFiles::showNames() {
+    const NamePattern& present = m_measurement->settings().names[static_cast<int>(m_stack)];
+    const QSignalBlocker pattern(m_ui->EngPattern);
+    const QSignalBlocker unit(m_ui->SelectUnit);
+    if (m_ui->EngPattern->text() != present.pattern) {
+        m_ui->EngPattern->setText(present.pattern);
+    }
+    m_ui->SelectUnit->setCurrentIndex(present.isKeV ? 1 : 0);
 }
 
 void SelectDataFiles::updateButtons() {
@@ -80,20 +132,16 @@ void SelectDataFiles::updateButtons() {
     if (count() == 0) {
         repeatLoadNew(false);
     }
+    const bool loading = m_measurement != nullptr && m_measurement->stack(m_stack).isLoading();
     // While it repeats it must stay alive, to be switched off.
-    const bool usable = m_repeat.isActive() || (count() > 0 && !m_loading);
-    setUsable(m_ui->LoadNewFiles, usable      ? QString()
-                                  : m_loading ? tr("Wait until the stack is loaded.")
-                                              : tr("Select the first files first."));
+    const bool usable = m_repeat.isActive() || (count() > 0 && !loading);
+    setUsable(m_ui->LoadNewFiles, usable    ? QString()
+                                  : loading ? tr("Wait until the stack is loaded.")
+                                            : tr("Select the first files first."));
 }
 
 double SelectDataFiles::newFile(const QString& fname) {
-    if (m_pattern->pattern() != m_ui->EngPattern->text()) {
-        m_pattern->setPattern(m_ui->EngPattern->text());
-    }
-    const double number = numberFromName(fname, *m_pattern).value_or(count() - 1);
-    const double energy = number * m_ui->SelectUnit->currentData().toDouble();
-    qDebug().noquote() << "energy from file name" << fname << ":" << energy;
+    const double energy = frameEnergy(fname, names(), count());
     m_ui->Selected->addItem(fname, energy);
     updateButtons();
     return energy;
@@ -101,7 +149,9 @@ double SelectDataFiles::newFile(const QString& fname) {
 
 void SelectDataFiles::clear() {
     emit clearRequested();
-    clearFiles();
+    if (m_measurement == nullptr) {
+        clearFiles();
+    }
 }
 
 void SelectDataFiles::clearFiles() {
@@ -133,11 +183,7 @@ void SelectDataFiles::connectLoadNew() {
     });
     connect(button, &QPushButton::released, &m_hold, &QTimer::stop);
     connect(&m_hold, &QTimer::timeout, this, [this] { m_wasHeld = true; });
-    connect(&m_repeat, &QTimer::timeout, this, [this] {
-        if (!m_loading) {
-            loadNewFiles();
-        }
-    });
+    connect(&m_repeat, &QTimer::timeout, this, &SelectDataFiles::loadNewFiles);
     connect(button, &QPushButton::clicked, this, [this] {
         const bool repeats = m_repeat.isActive();
         repeatLoadNew(m_wasHeld && !repeats);
@@ -156,22 +202,7 @@ void SelectDataFiles::repeatLoadNew(bool on) {
 }
 
 void SelectDataFiles::loadNewFiles() {
-    QSet<QString> listed;
-    for (int i = 0; i < count(); ++i) {
-        listed.insert(QFileInfo(m_ui->Selected->itemText(i)).absoluteFilePath());
-    }
-    const QFileInfo last(m_ui->Selected->itemText(count() - 1));
-    const QDateTime now = QDateTime::currentDateTime();
-    QStringList fresh;
-    for (const QString& file : listImageFiles(last.path(), {})) {
-        const QFileInfo info(file);
-        if (info.suffix().compare(last.suffix(), Qt::CaseInsensitive) == 0 &&
-            !listed.contains(info.absoluteFilePath()) &&
-            info.lastModified().msecsTo(now) >= SettledAfterMs) {
-            fresh << file;
-        }
-    }
-    if (!fresh.isEmpty()) {
-        emit filesSelected(fresh, true);
+    if (m_measurement != nullptr && !m_measurement->stack(m_stack).isLoading()) {
+        m_measurement->loadNew(m_stack);
     }
 }

@@ -1,18 +1,19 @@
 #pragma once
 
-#include <QStringList>
 #include <QTimer>
 #include <QWidget>
 #include <memory>
+
+#include "measurement/Measurement.h"
 
 namespace Ui {
 class SelectDataFiles;
 }
 class QFileDialog;
-class QRegularExpression;
 
-/// The panel that names the files of one stack and gives each its energy from its name. Its list
-/// holds the same files in the same order as the stack; the main window reads them.
+/// The panel that names the files of one stack and how energies are found in their names. Its list
+/// holds the same files in the same order as the stack that it follows; the one on display is the
+/// current one.
 class SelectDataFiles : public QWidget {
     Q_OBJECT
 
@@ -20,25 +21,25 @@ class SelectDataFiles : public QWidget {
     explicit SelectDataFiles(QWidget* parent = nullptr);
     ~SelectDataFiles() override;
 
+    /// Shows a stack of the measurement and acts on it from now on.
+    void follow(Measurement& measurement, StackId stack);
     /// "I1 Data" or "I0 Data".
     void setLabel(const QString& text);
     int count() const;
     /// -1 while the list is empty.
     int currentIndex() const;
-    /// While a stack loads, no newer files are looked for.
-    void setLoading(bool loading);
 
   signals:
     void currentIndexChanged(int index);
     void filesSelected(QStringList files, bool add);
-    /// "Clear" was clicked: list and stack are to be emptied.
+    /// "Clear" was clicked: the stack is to be emptied.
     void clearRequested();
 
   public slots:
-    /// Appends a file with its energy (eV), which is returned. Without a match of the pattern the
-    /// energy is the number of files before it, less one, in the unit chosen.
+    /// Appends a file with its energy (eV, see frameEnergy()), which is returned. For a list that
+    /// follows no stack.
     double newFile(const QString& fname);
-    /// Empties the list and asks the owner to empty the stack.
+    /// Asks the owner to empty the stack; a list that follows none is emptied at once.
     void clear();
     void clearFiles();
     void prev();
@@ -47,6 +48,12 @@ class SelectDataFiles : public QWidget {
     void select(int i);
 
   private:
+    NamePattern names() const;
+    void changeNames();
+    void changeIndex(int index);
+    void showChanges(Measurement::Changes what);
+    void showFiles();
+    void showNames();
     void connectLoadNew();
     void repeatLoadNew(bool on);
     void loadNewFiles();
@@ -54,9 +61,10 @@ class SelectDataFiles : public QWidget {
 
     std::unique_ptr<Ui::SelectDataFiles> m_ui;
     QFileDialog* m_dialog;
-    std::unique_ptr<QRegularExpression> m_pattern;  // compiled once, not for every file
-    bool m_loading = false;
-    QTimer m_hold;    // tells a press that is held from a click
-    QTimer m_repeat;  // looks for new files while "Load New" stays down
+    Measurement* m_measurement = nullptr;  // null: follows none
+    StackId m_stack = StackId::I1;
+    bool m_isShowing = false;  // the list is brought in step with the stack
+    QTimer m_hold;             // tells a press that is held from a click
+    QTimer m_repeat;           // looks for new files while "Load New" stays down
     bool m_wasHeld = false;
 };
