@@ -39,27 +39,20 @@ bool AnalyzeProc::isPreparedFor(const QVector<LCFReference*>& panels,
     return true;
 }
 
-QVector<XafsSpectrum> usedReferences(const QVector<LCFReference*>& panels,
-                                     std::vector<int>* usedPanels) {
-    QVector<XafsSpectrum> references;
-    usedPanels->clear();
-    for (int r = 0; r < panels.size(); ++r) {
-        const LCFReference::FitInput& input = panels.at(r)->fitInput();
-        if (input.used) {
-            references.append(input.spectrum);
-            usedPanels->push_back(r);
-        }
-    }
-    return references;
-}
-
 void AnalyzeProc::prepareFor(const QVector<LCFReference*>& panels, LinearFit::Method method) {
     m_revisions.clear();
-    for (LCFReference* panel : panels) {
-        m_revisions.push_back(panel->fitInput().revision);
+    m_usedPanels.clear();
+    QVector<XafsSpectrum> references;
+    for (int r = 0; r < panels.size(); ++r) {
+        const LCFReference::FitInput& input = panels.at(r)->fitInput();
+        m_revisions.push_back(input.revision);
+        if (input.used) {
+            references.append(input.spectrum);
+            m_usedPanels.push_back(r);
+        }
     }
     m_method = method;
-    m_fit = std::make_unique<LinearFit>(usedReferences(panels, &m_usedPanels), method);
+    m_fit = std::make_unique<LinearFit>(references, method);
 }
 
 void AnalyzeProc::analyze(const XafsSpectrum& sample, const QVector<LCFReference*>& panels,
@@ -88,9 +81,6 @@ void AnalyzeProc::analyze(const XafsSpectrum& sample, const QVector<LCFReference
             m_shares.push_back(m_ratios[u]);
         }
     }
-    if (fitted != nullptr) {
-        *fitted = m_fit->fittedCurve(m_shares);
-    }
+    *fitted = m_fit->fittedCurve(m_shares);
     emit finished();
-    m_reports.fetch_add(1, std::memory_order_release);
 }

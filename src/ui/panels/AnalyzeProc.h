@@ -10,9 +10,9 @@
 
 class LCFReference;
 
-/// Fits one spectrum at a time with the reference panels' spectra, in a thread of its own. It reads
-/// what each panel has frozen for it and touches no widget; what it finds is read by the panel's
-/// thread between fits.
+/// Fits the spectrum of a point with the reference panels' spectra, in a thread of its own. It
+/// reads what each panel has frozen for it and touches no widget; what it finds is read by the
+/// panel's thread between fits.
 class AnalyzeProc : public QObject {
     Q_OBJECT
 
@@ -27,9 +27,6 @@ class AnalyzeProc : public QObject {
     /// Indices of the panels that they belong to.
     const std::vector<int>& usedPanels() const { return m_usedPanels; }
 
-    /// Number of reports that have been sent, finished() included; from any thread.
-    unsigned reports() const { return m_reports.load(std::memory_order_acquire); }
-
   signals:
     /// A fit has ended that got as far as solving.
     void finished();
@@ -38,8 +35,8 @@ class AnalyzeProc : public QObject {
     /// On: fits leave the reference panels alone, and the fitted curve is drawn from the shares
     /// that the panels held before. May be called from any thread.
     void setContAccess(bool on);
-    /// Fits the sample with the panels' references; fitted, if not null, gets the fitted curve.
-    /// A sample without points, or fewer than two panels: no fit and no finished().
+    /// Fits the sample with the panels' references; fitted gets the fitted curve. A sample without
+    /// points, or fewer than two panels: no fit and no finished().
     void analyzeSpectrum0(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
                           XafsSpectrum* fitted, bool isMLCF);
     void analyzeSpectrumByLCF(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
@@ -54,7 +51,6 @@ class AnalyzeProc : public QObject {
     void prepareFor(const QVector<LCFReference*>& panels, LinearFit::Method method);
 
     std::atomic<bool> m_contAccess{false};
-    std::atomic<unsigned> m_reports{0};
     std::vector<double> m_ratios;
     std::vector<double> m_dMuts;
     std::vector<int> m_usedPanels;
@@ -64,9 +60,5 @@ class AnalyzeProc : public QObject {
     LinearFit::Method m_method = LinearFit::Lcf;
     std::vector<quint64> m_revisions;  // of the panels' input that m_fit was made from
 };
-
-/// The spectra of the panels whose frozen input is in use, and the panels' indices.
-QVector<XafsSpectrum> usedReferences(const QVector<LCFReference*>& panels,
-                                     std::vector<int>* usedPanels);
 
 Q_DECLARE_METATYPE(QVector<LCFReference*>)

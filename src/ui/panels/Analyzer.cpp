@@ -1,54 +1,63 @@
 #include "panels/Analyzer.h"
 
 #include <QButtonGroup>
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QRadioButton>
 #include <QScreen>
+#include <QSignalBlocker>
 #include <QStyle>
 #include <algorithm>
 
 #include "base/Globals.h"
 #include "display/Availability.h"
 #include "display/XafsView.h"
-#include "maps/Analyzed2DRes.h"
+#include "measurement/Display.h"
 #include "panels/AnalyzeProc.h"
 #include "panels/LCFReference.h"
-#include "panels/PromptLoop.h"
+#include "panels/NumberField.h"
+#include "panels/WhyNot.h"
 #include "ui_Analyzer.h"
 
 namespace {
 
-constexpr int UsedFromTheStart = 2;
+void check(QAbstractButton* button, bool on = true) {
+    const QSignalBlocker blocked(button);
+    button->setChecked(on);
+}
 
+/// As a batch sets it, whatever the field shows.
 void setField(QLineEdit* field, double value) {
-    field->setText(QString::number(value, 'g', 6));
+    field->setText(fieldText(value));
 }
 
 }  // namespace
 
-Analyzer::Analyzer(QWidget* parent)
+Analyzer::Analyzer(Measurement& measurement, QWidget* parent)
     : QFrame(parent),
+      m_measurement(measurement),
       m_ui(std::make_unique<Ui::Analyzer>()),
       m_choice(new QButtonGroup(this)),
       m_view(std::make_unique<XafsView>()),
-      m_worker(std::make_unique<AnalyzeProc>()),
-      m_prompt(std::make_unique<PromptDelivery>()),
-      m_raDmut(std::make_unique<Analyzed2DRes>()),
-      m_raRest(std::make_unique<Analyzed2DRes>()),
-      m_raRatio(std::make_unique<Analyzed2DRes>()) {
+      m_worker(std::make_unique<AnalyzeProc>()) {
     m_ui->setupUi(this);
     m_ui->refScroll->viewport()->setAutoFillBackground(false);
     m_ui->RefBase->setAutoFillBackground(false);
+    for (QWidget* button : {m_ui->AskAnalyze, m_ui->AskRAAnalyze}) {
+        button->setMinimumWidth(button->sizeHint().width());
+    }
     m_lastReferenceControl = m_ui->AddRef;
     m_view->setWindowTitle(tr("Analyzing Spectrum"));
     m_view->setObjectName(QStringLiteral("AnalyzingSpectrum"));
     m_choice->addButton(m_ui->ShowDMuT, 0);
     m_choice->addButton(m_ui->ShowRest, 1);
     m_choice->addButton(m_ui->ShowRatio, 2);
-    m_view->setRaEnergy(raEnergy());
     connectControls();
+    connectMeasurement();
     startWorker();
-    applyScales();
+    followReferences();
+    showSettings();
+    setContAccess(m_measurement.working() != Work::None);
 }
 
 Analyzer::~Analyzer() {
@@ -69,65 +78,111 @@ void Analyzer::connectControls() {
          {m_ui->DMutScaleMin, m_ui->DMutScaleMax, m_ui->RatioScaleMin, m_ui->RatioScaleMax}) {
         connect(field, &QLineEdit::editingFinished, this, &Analyzer::scaleChanged);
     }
-    connect(m_ui->MLCF, &QCheckBox::toggled, this, &Analyzer::reAnalyzeSpectrum);
-    connect(m_ui->RAAtEV, &QLineEdit::textChanged, this,
-            [this] { emit raEnergyChanged(raEnergy()); });
-    connect(this, &Analyzer::raEnergyChanged, m_view.get(), &XafsView::setRaEnergy);
+    connect(m_ui->MLCF, &QCheckBox::toggled, this, [this](bool on) { setLCFMode(on ? 1 : 0); });
+    connect(m_ui->DispOnTime, &QCheckBox::toggled, this,
+            [this](bool on) { m_measurement.set(&Settings::showsEachRow, on); });
+    connectNumber(m_ui->RAAtEV, &Settings::raEnergy);
+    connectNumber(m_ui->RAFactor, &Settings::raFactor);
 }
 
-void Analyzer::startWorker() {
-    qRegisterMetaType<QVector<LCFReference*>>("QVector<LCFReference*>");
-    m_thread.setEventDispatcher(new PromptDispatcher);  // the thread takes it
-    m_worker->moveToThread(&m_thread);
-    connect(this, &Analyzer::analyzeSpectrum0, m_worker.get(), &AnalyzeProc::analyzeSpectrum0);
-    connect(m_worker.get(), &AnalyzeProc::finished, this, &Analyzer::analyzeSpectrumFinished);
-    m_thread.start(QThread::InheritPriority);
+void Analyzer::connectNumber(QLineEdit* field, double Settings::*number) {
+    connect(field, &QLineEdit::textChanged, this, [this, field, number] {
+        noteTaken(field);
+        m_measurement.set(number, inField(numberIn(field)));
+    });
+    connect(field, &QLineEdit::editingFinished, this,
+            [this, field, number] { finishNumber(field, m_measurement.settings().*number); });
 }
 
-bool Analyzer::dispOnTime() const {
-    return m_ui->DispOnTime->isChecked();
-}
-double Analyzer::raEnergy() const {
-    return m_ui->RAAtEV->text().toDouble();
-}
-double Analyzer::raFactor() const {
-    return m_ui->RAFactor->text().toDouble();
-}
-int Analyzer::imageKinds() const {
-    return LCFReference::KindCount;
-}
-
-int Analyzer::imageType() const {
-    return !m_ui->SelDMut->isChecked() && m_ui->SelRatio->isChecked() ? LCFReference::Ratio
-                                                                      : LCFReference::DMut;
+void Analyzer::connectMeasurement() {
+    connect(&m_measurement, &Measurement::changed, this, &Analyzer::showChanges);
+    connect(&m_measurement, &Measurement::progressed, this,
+            [this](Work work, double done, double of) {
+                if (work == Work::Fit) {
+                    setProgress(100.0 * done / of);
+                }
+            });
 }
 
 void Analyzer::setImageType(int type) {
-    if (type == LCFReference::DMut) {
-        m_ui->SelDMut->setChecked(true);
-    } else if (type == LCFReference::Ratio) {
-        m_ui->SelRatio->setChecked(true);
+    if (type == Reference::DMut || type == Reference::Ratio) {
+        m_measurement.set(&Settings::resultType, type);
+        emit changedSelection();
     }
 }
 
 Analyzed2DRes* Analyzer::selectedResult() const {
-    const int id = m_choice->checkedId();
-    const int n = m_references.size();
-    if (id < 0) {
-        return nullptr;
+    Result* selected = m_measurement.selectedResult();
+    return selected != nullptr ? &selected->image : nullptr;
+}
+
+void Analyzer::showChanges(Measurement::Changes what) {
+    if (what & Measurement::References) {
+        followReferences();
+        showReferences();
     }
-    if (id < n) {
-        return m_references.at(id)->result(imageType());
+    if (what & Measurement::Setting) {
+        showSettings();
     }
-    Analyzed2DRes* const made[] = {m_raDmut.get(), m_raRest.get(), m_raRatio.get()};
-    Analyzed2DRes* result = id - n < 3 ? made[id - n] : nullptr;
-    return result != nullptr && result->isValid() ? result : nullptr;
+    const bool busy = m_measurement.working() != Work::None;
+    if (busy != m_busy) {
+        setContAccess(busy);
+    }
+    if (what & (Measurement::Changes(Measurement::AtWork) | Measurement::Frames |
+                Measurement::References)) {
+        updateControls();
+    }
+    if (what & Measurement::References) {
+        reAnalyzeSpectrum();
+    }
+}
+
+void Analyzer::showSettings() {
+    const Settings& settings = m_measurement.settings();
+    check(m_ui->MLCF, settings.method == LinearFit::Mlcf);
+    check(m_ui->DispOnTime, settings.showsEachRow);
+    check(m_ui->FixedScale, settings.fixedScale);
+    check(settings.resultType == Reference::Ratio ? m_ui->SelRatio : m_ui->SelDMut);
+    showNumber(m_ui->DMutScaleMin, settings.dMutMin);
+    showNumber(m_ui->DMutScaleMax, settings.dMutMax);
+    showNumber(m_ui->RatioScaleMin, settings.ratioMin);
+    showNumber(m_ui->RatioScaleMax, settings.ratioMax);
+    showNumber(m_ui->RAAtEV, settings.raEnergy);
+    showNumber(m_ui->RAFactor, settings.raFactor);
+    showChoice();
+    m_view->setRaEnergy(settings.raEnergy);
+    m_view->setCrystalSpacing(m_measurement.spacing());
+    if (settings.method != m_method) {
+        m_method = settings.method;
+        reAnalyzeSpectrum();
+    }
+}
+
+void Analyzer::showChoice() {
+    if (QAbstractButton* button = m_choice->button(m_measurement.settings().selected)) {
+        check(button);
+    } else if (QAbstractButton* checked = m_choice->checkedButton()) {
+        m_choice->setExclusive(false);
+        check(checked, false);
+        m_choice->setExclusive(true);
+    }
 }
 
 void Analyzer::addNewRef() {
-    if (m_busy) {  // the images of the run belong to the panels that it began with
-        return;
+    m_measurement.addReference();
+}
+
+void Analyzer::followReferences() {
+    const int before = m_references.size();
+    while (m_references.size() < m_measurement.referenceCount()) {
+        addRow();
     }
+    if (m_references.size() > before) {
+        growWithReferences();
+    }
+}
+
+void Analyzer::addRow() {
     const int index = m_references.size();
     // The numbers of the residual-absorption buttons follow those of the references: they move up
     // before the new button takes the first of them.
@@ -135,7 +190,7 @@ void Analyzer::addNewRef() {
     m_choice->setId(m_ui->ShowRest, index + 2);
     m_choice->setId(m_ui->ShowDMuT, index + 1);
 
-    auto* reference = new LCFReference(m_ui->RefBase);
+    auto* reference = new LCFReference(m_measurement, index, m_ui->RefBase);
     auto* button = new QRadioButton(tr("Select Ref%1").arg(index + 1), m_ui->RefBase);
     button->setToolTip(tr("Show this reference's result image in the main window"));
     button->setObjectName(QStringLiteral("SelectRef%1").arg(index + 1));
@@ -143,22 +198,10 @@ void Analyzer::addNewRef() {
     m_choice->addButton(button, index);
     m_ui->refGrid->addWidget(button, index, 0);
     m_ui->refGrid->addWidget(reference, index, 1);
-    reference->setUse(m_references.size() <= UsedFromTheStart);
     reference->show();
     button->show();
     putNextInTabOrder(button, reference);
-
-    for (auto signal :
-         {&LCFReference::newFileSelected, &LCFReference::newDeltaE, &LCFReference::changed}) {
-        connect(reference, signal, this, [this] {
-            showReferences();
-            updateControls();
-            reAnalyzeSpectrum();
-        });
-    }
-    applyScales();
-    updateControls();
-    growWithReferences();
+    connect(reference, &LCFReference::shownToggled, this, &Analyzer::showReferences);
 }
 
 /// Makes the window as high as its references need, as far as the screen goes; then they scroll.
@@ -180,19 +223,39 @@ void Analyzer::growWithReferences() {
     }
 }
 
-QString Analyzer::selectedTitle() const {
-    const int id = m_choice->checkedId();
-    if (id < 0) {
-        return QString();
-    }
-    if (id >= m_references.size()) {
+QString Analyzer::titleOf(int id) const {
+    const int count = m_measurement.referenceCount();
+    if (id >= count) {
         const QStringList titles{tr("Edge jump"), tr("Residual absorption"),
                                  tr("Residual absorption over edge jump")};
-        return titles.value(id - m_references.size());
+        return titles.value(id - count);
     }
-    const QRadioButton* kind = imageType() == LCFReference::Ratio ? m_ui->SelRatio : m_ui->SelDMut;
-    return kind->text() + QStringLiteral("   ") +
-           QFileInfo(m_references.at(id)->fileName()).fileName();
+    const QRadioButton* kind = imageType() == Reference::Ratio ? m_ui->SelRatio : m_ui->SelDMut;
+    // Of the reference that was fitted, whatever has been chosen in its row since.
+    const ReferenceInput* fitted = m_measurement.selectedResult()->referenceInput();
+    const ReferenceInput row = m_measurement.references()[static_cast<std::size_t>(id)]->input();
+    const QString file = (fitted != nullptr ? *fitted : row).file.name;
+    return kind->text() + QStringLiteral("   ") + QFileInfo(file).fileName();
+}
+
+QString Analyzer::selectedTitle() const {
+    const int id = m_measurement.settings().selected;
+    if (id < 0 || id >= m_measurement.referenceCount() + 3) {
+        return QString();
+    }
+    QString title = titleOf(id);
+    const Result* result = m_measurement.selectedResult();
+    if (result != nullptr && result->run && result->run->state == Run::State::Stopped) {
+        title += QStringLiteral(", ") + QCoreApplication::translate("Difference", "stopped at %1 %")
+                                            .arg(static_cast<int>(result->run->percent));
+    }
+    const Difference difference =
+        result != nullptr ? m_measurement.differenceOf(*result) : Difference::None;
+    if (difference != Difference::None) {
+        title += QStringLiteral(", ") +
+                 QCoreApplication::translate("Difference", differenceText(difference));
+    }
+    return title;
 }
 
 void Analyzer::putNextInTabOrder(QWidget* button, const LCFReference* reference) {
@@ -205,134 +268,35 @@ void Analyzer::putNextInTabOrder(QWidget* button, const LCFReference* reference)
     }
 }
 
-void Analyzer::showReferences() {
-    QVector<XafsView::Reference> shown;
-    for (int i = 0; i < m_references.size(); ++i) {
-        const LCFReference* reference = m_references.at(i);
-        if (reference->hasSpectrum()) {
-            shown.append({reference->spectrum(), QFileInfo(reference->fileName()).fileName(),
-                          reference->isShown(), getColor(i + 2)});
-        }
-    }
-    m_view->setReferences(shown);
-}
-
-void Analyzer::freezePanels() {
-    for (LCFReference* reference : qAsConst(m_references)) {
-        reference->freezeFitInput();
-    }
-}
-
-QVector<XafsSpectrum> Analyzer::freezeReferences(std::vector<int>* panels) {
-    freezePanels();
-    return usedReferences(m_references, panels);
-}
-
-LinearFit::Method Analyzer::method() const {
-    return m_ui->MLCF->isChecked() ? LinearFit::Mlcf : LinearFit::Lcf;
-}
-
-void Analyzer::handOver(const XafsSpectrum& spectrum, bool isSample, bool drawsCurve) {
-    // The fitter reads what is frozen here; a fit that it will not report is not waited for.
-    freezePanels();
-    if (!spectrum.isEmpty() && m_references.size() >= 2) {
-        ++m_fitsOut;
-        ++m_fitsAsked;
-        m_sampleIsOut = isSample;
-    }
-    emit analyzeSpectrum0(spectrum, m_references, drawsCurve ? &m_fitted : nullptr,
-                          m_ui->MLCF->isChecked());
-}
-
-void Analyzer::analyzeSpectrum(const XafsSpectrum& spectrum) {
-    analyze(spectrum, false);
-}
-
-void Analyzer::analyzePoint(const XafsSpectrum& spectrum, bool drawsCurve) {
-    analyze(spectrum, false, drawsCurve);
-}
-
-void Analyzer::analyze(const XafsSpectrum& spectrum, bool isSample, bool drawsCurve) {
-    if (m_fitsOut > 0) {
-        m_waiting = Waiting{spectrum, isSample};
-    } else {
-        handOver(spectrum, isSample, drawsCurve);
-    }
-}
-
-void Analyzer::analyzeSpectrumFinished() {
-    m_fitsOut = std::max(0, m_fitsOut - 1);
-    // A fit of an image's point, left over from a stopped run, belongs to no curve on display.
-    if (!m_busy && m_sampleIsOut) {
-        m_view->setFit(m_fitted);
-        m_view->show();
-    }
-    emit finished();
-    if (m_fitsOut == 0 && m_waiting) {
-        const Waiting next = *m_waiting;
-        m_waiting.reset();
-        handOver(next.spectrum, next.isSample);
-    }
-    takeReportsAtOnce();
-}
-
-void Analyzer::takeReportsAtOnce() {
-    m_prompt->run(
-        this, [this] { return m_busy && m_fitsOut > 0; },
-        [this] { return m_worker->reports() == m_fitsAsked; });
-}
-
-void Analyzer::analyzeAndShowSpectrum(const XafsSpectrum& spectrum) {
-    m_sample = spectrum;
-    m_view->setSample(spectrum, tr("Sample"), QStringLiteral("Sample"));
-    if (m_busy || spectrum.isEmpty()) {
-        m_view->clearFit();
-    }
-    reAnalyzeSpectrum();
-}
-
-void Analyzer::reAnalyzeSpectrum() {
-    // A fit of the cursor's spectrum must not be taken for one of the image's points.
-    if (!m_busy && !m_sample.isEmpty()) {
-        analyze(m_sample, true);
-    }
-}
-
-void Analyzer::selectedNewRef(int) {
+void Analyzer::selectedNewRef(int id) {
+    m_measurement.select(id);
     emit changedSelection();
 }
 
 void Analyzer::selectedImgChanged(bool) {
-    emit changedSelection();
+    setImageType(!m_ui->SelDMut->isChecked() && m_ui->SelRatio->isChecked() ? Reference::Ratio
+                                                                            : Reference::DMut);
 }
 
 void Analyzer::selectImage(int id) {
-    if (QAbstractButton* button = m_choice->button(id)) {
-        button->setChecked(true);
-    }
-    emit changedSelection();
-}
-
-void Analyzer::applyScales() {
-    const bool fixed = m_ui->FixedScale->isChecked();
-    const auto apply = [fixed](Analyzed2DRes* result, const QLineEdit* min, const QLineEdit* max) {
-        result->setScale(min->text().toDouble(), max->text().toDouble());
-        result->setFixedScale(fixed);
-    };
-    for (LCFReference* reference : qAsConst(m_references)) {
-        apply(reference->result(LCFReference::DMut), m_ui->DMutScaleMin, m_ui->DMutScaleMax);
-        apply(reference->result(LCFReference::Ratio), m_ui->RatioScaleMin, m_ui->RatioScaleMax);
-    }
-    apply(m_raDmut.get(), m_ui->DMutScaleMin, m_ui->DMutScaleMax);
-    apply(m_raRatio.get(), m_ui->RatioScaleMin, m_ui->RatioScaleMax);
+    selectedNewRef(id);
 }
 
 void Analyzer::scaleChanged() {
-    applyScales();
+    const auto take = [this](QLineEdit* field, double Settings::*limit) {
+        noteTaken(field);
+        m_measurement.set(limit, inField(numberIn(field)));
+        finishNumber(field, m_measurement.settings().*limit);
+    };
+    take(m_ui->DMutScaleMin, &Settings::dMutMin);
+    take(m_ui->DMutScaleMax, &Settings::dMutMax);
+    take(m_ui->RatioScaleMin, &Settings::ratioMin);
+    take(m_ui->RatioScaleMax, &Settings::ratioMax);
     emit changedSelection();
 }
 
 void Analyzer::scalePolicyChanged(bool) {
+    m_measurement.set(&Settings::fixedScale, m_ui->FixedScale->isChecked());
     scaleChanged();
 }
 
@@ -341,43 +305,38 @@ void Analyzer::show() {
     m_view->show();
 }
 
-void Analyzer::setContAccess(bool on) {
-    m_busy = on;
-    m_worker->setContAccess(on);
-    updateControls();
-    // What waits belongs to the time before.
-    m_waiting.reset();
-    emit busyChanged(on);
-}
-
-void Analyzer::setMissing(const QString& whyNot) {
-    m_missing = whyNot;
-    updateControls();
+QString Analyzer::whyNotFit() const {
+    const QString whyNot = whyNotAnalyze(m_measurement, Work::Fit);
+    if (!whyNot.isEmpty() || m_measurement.working() == Work::Fit) {
+        return whyNot;
+    }
+    if (m_references.size() < 2) {
+        return tr("Add two references first.");
+    }
+    const auto& references = m_measurement.references();
+    const bool anyInUse = std::any_of(references.begin(), references.end(),
+                                      [](const auto& r) { return r->takesPart(); });
+    return anyInUse ? QString() : tr("Choose the file of a reference and check its Use box first.");
 }
 
 void Analyzer::updateControls() {
-    const QString whileBusy = m_busy ? tr("Not while an analysis of the image runs.") : QString();
-    setUsable(m_ui->AddRef, whileBusy);
+    const QString running = whileAnalyzing(m_measurement);
+    setUsable(m_ui->AddRef, running);
     for (LCFReference* reference : qAsConst(m_references)) {
-        reference->setFileChoiceUsable(whileBusy);
+        reference->setFileChoiceUsable(running);
     }
-    setUsable(m_ui->AskRAAnalyze, m_busy ? whileBusy : m_missing.value_or(QString()));
-
-    // A second click on this one stops, so it stays alive while it is at work.
-    const bool anyInUse =
-        std::any_of(m_references.begin(), m_references.end(),
-                    [](const LCFReference* r) { return r->isUsed() && r->hasSpectrum(); });
-    QString whyNot = m_missing.value_or(QString());
-    if (m_missing && whyNot.isEmpty() && m_references.size() < 2) {
-        whyNot = tr("Add two references first.");
-    } else if (m_missing && whyNot.isEmpty() && !anyInUse) {
-        whyNot = tr("Choose the file of a reference and check its Use box first.");
-    }
-    setUsable(m_ui->AskAnalyze, m_busy ? QString() : whyNot);
+    // A second click on these stops, so they stay alive while they are at work.
+    const auto textOf = [this](Work work) {
+        return m_measurement.working() == work ? tr("Stop") : tr("Analyze");
+    };
+    m_ui->AskAnalyze->setText(textOf(Work::Fit));
+    setUsable(m_ui->AskAnalyze, whyNotFit());
+    m_ui->AskRAAnalyze->setText(textOf(Work::Residual));
+    setUsable(m_ui->AskRAAnalyze, whyNotAnalyze(m_measurement, Work::Residual));
 }
 
 void Analyzer::setLCFMode(int mode) {
-    m_ui->MLCF->setChecked(mode == 1);
+    m_measurement.set(&Settings::method, mode == 1 ? LinearFit::Mlcf : LinearFit::Lcf);
 }
 
 void Analyzer::setProgress(double perCent) {
@@ -403,17 +362,16 @@ void Analyzer::setRaFactor(double factor) {
 }
 
 void Analyzer::setFixedScale(bool on) {
-    const QSignalBlocker blocked(m_ui->FixedScale);
-    m_ui->FixedScale->setChecked(on);
-    scaleChanged();
+    check(m_ui->FixedScale, on);
+    scalePolicyChanged(on);
 }
 
 void Analyzer::setScaleMax(double value) {
-    imageType() == LCFReference::Ratio ? setRatioScaleMax(value) : setDMutScaleMax(value);
+    imageType() == Reference::Ratio ? setRatioScaleMax(value) : setDMutScaleMax(value);
 }
 
 void Analyzer::setScaleMin(double value) {
-    imageType() == LCFReference::Ratio ? setRatioScaleMin(value) : setDMutScaleMin(value);
+    imageType() == Reference::Ratio ? setRatioScaleMin(value) : setDMutScaleMin(value);
 }
 
 void Analyzer::setDMutScaleMax(double value) {

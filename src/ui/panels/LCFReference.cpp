@@ -1,30 +1,36 @@
 #include "panels/LCFReference.h"
 
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QThread>
-#include <atomic>
 
 #include "display/Availability.h"
-#include "maps/Analyzed2DRes.h"
-#include "spectra/SpectrumFile.h"
+#include "panels/NumberField.h"
 #include "ui_LCFReference.h"
 
 namespace {
 
-quint64 nextRevision() {
-    static std::atomic<quint64> last{0};
-    return ++last;
-}
-
-QString sixDigits(double value) {
-    return QString::number(value, 'g', 6);
+void check(QAbstractButton* box, bool on) {
+    const QSignalBlocker blocked(box);
+    box->setChecked(on);
 }
 
 }  // namespace
 
-LCFReference::LCFReference(QWidget* parent)
-    : QFrame(parent), m_ui(std::make_unique<Ui::LCFReference>()), m_revision(nextRevision()) {
+LCFReference::LCFReference(Measurement& measurement, int index, QWidget* parent)
+    : QFrame(parent),
+      m_measurement(measurement),
+      m_index(index),
+      m_ui(std::make_unique<Ui::LCFReference>()) {
     m_ui->setupUi(this);
+    arrangeFields();
+    connectControls();
+    showReference();
+}
+
+LCFReference::~LCFReference() = default;
+
+void LCFReference::arrangeFields() {
     // Room for what each shows, whatever the font; more would widen the window. Numbers with an
     // exponent scroll when space is short.
     const auto setWidth = [this](QLineEdit* field, const char* widest) {
@@ -41,24 +47,25 @@ LCFReference::LCFReference(QWidget* parent)
         dark.setColor(QPalette::Text, Qt::black);
         field->setPalette(dark);
     }
-    for (auto& result : m_results) {
-        result = std::make_unique<Analyzed2DRes>();
-    }
+}
+
+void LCFReference::connectControls() {
     connect(m_ui->XFS, &XafsFileSelect::newFile, this, &LCFReference::newFile);
     connect(m_ui->XFS, &XafsFileSelect::changedUse, this, &LCFReference::changedUse);
     connect(m_ui->DeltaE, &QLineEdit::editingFinished, this, &LCFReference::editedDeltaE);
     connect(m_ui->IsVictreen, &QCheckBox::toggled, this, &LCFReference::toggledIsVictreen);
-    connect(m_ui->Show, &QCheckBox::toggled, this, &LCFReference::changed);
+    connect(m_ui->Show, &QCheckBox::toggled, this, &LCFReference::shownToggled);
+    connect(&m_measurement, &Measurement::changed, this, [this](Measurement::Changes what) {
+        if (what & Measurement::References) {
+            showReference();
+        }
+    });
 }
 
-LCFReference::~LCFReference() = default;
+const Reference& LCFReference::reference() const {
+    return *m_measurement.references()[static_cast<std::size_t>(m_index)];
+}
 
-QString LCFReference::fileName() const {
-    return m_ui->XFS->fileName();
-}
-void LCFReference::setUse(bool use) {
-    m_ui->XFS->setUse(use);
-}
 bool LCFReference::isShown() const {
     return m_ui->Show->isChecked();
 }
@@ -72,19 +79,16 @@ void LCFReference::setFileChoiceUsable(const QString& whyNot) {
 }
 
 Analyzed2DRes* LCFReference::result(int kind) const {
-    return m_results[kind >= 0 && kind < KindCount ? kind : 0].get();
-}
-
-void LCFReference::inputChanged() {
-    m_revision = nextRevision();
+    return &m_measurement.references()[static_cast<std::size_t>(m_index)]->result(kind).image;
 }
 
 void LCFReference::freezeFitInput() {
     m_frozen.storedRatio = m_ratio;
-    if (m_frozen.revision != m_revision) {
-        m_frozen.used = m_use && hasSpectrum();
-        m_frozen.spectrum = m_spectrum;
-        m_frozen.revision = m_revision;
+    const Reference& present = reference();
+    if (m_frozen.revision != present.revision()) {
+        m_frozen.used = present.takesPart();
+        m_frozen.spectrum = present.spectrum();
+        m_frozen.revision = present.revision();
     }
 }
 
@@ -102,71 +106,65 @@ void LCFReference::setRatio(double ratio) {
 }
 
 void LCFReference::setDMut(double dMut) {
-    const QString text = sixDigits(dMut);
+    const QString text = fieldText(dMut);
     QMetaObject::invokeMethod(this, [this, text] { m_ui->T->setText(text); });
 }
 
-void LCFReference::normalise() {
-    // Series that already carried the offset would be moved by it a second time in the fit.
-    m_spectrum.setShiftOn(false);
-    m_spectrum.normalise(m_background);
-    m_spectrum.setShift(m_deltaE);
-    m_spectrum.setShiftOn(true);
-    inputChanged();
-}
-
-void LCFReference::showNormalisation() {
-    m_ui->DMut->setText(hasSpectrum() ? sixDigits(m_spectrum.dMut()) : QString());
-    m_ui->MidE->setText(hasSpectrum() ? sixDigits(m_spectrum.midE()) : QString());
+void LCFReference::showReference() {
+    const Reference& now = reference();
+    if (m_shown == now.revision()) {
+        return;
+    }
+    m_shown = now.revision();
+    m_ui->XFS->setFileNameText(now.file().name);
+    const QSignalBlocker use(m_ui->XFS);
+    m_ui->XFS->setUse(now.isUsed());
+    check(m_ui->IsVictreen, now.background() != XafsSpectrum::Simple);
+    m_ui->DMut->setText(now.hasSpectrum() ? fieldText(now.spectrum().dMut()) : QString());
+    m_ui->MidE->setText(now.hasSpectrum() ? fieldText(now.spectrum().midE()) : QString());
+    showNumber(m_ui->DeltaE, inField(now.deltaE()));
 }
 
 void LCFReference::newFile(const QString& fname) {
-    m_spectrum = XafsSpectrum();
-    if (!readSpectrumFile(fname, &m_spectrum)) {
-        m_ui->XFS->setFileNameText(QString());
-    }
-    m_deltaE = m_ui->DeltaE->text().toDouble();
-    normalise();
-    showNormalisation();
+    m_measurement.change(m_index, [&fname](Reference& r) { r.read(fname); });
     emit newFileSelected();
 }
 
 void LCFReference::changedUse(bool use) {
-    m_use = use;
-    inputChanged();
-    emit changed();
+    if (use != isUsed()) {
+        m_measurement.change(m_index, [use](Reference& r) { r.setUse(use); });
+    }
 }
 
 void LCFReference::editedDeltaE() {
-    m_deltaE = m_ui->DeltaE->text().toDouble();
-    m_spectrum.setShift(m_deltaE);
-    m_spectrum.setShiftOn(true);
-    inputChanged();
+    const double typed = numberIn(m_ui->DeltaE);
+    // An offset has all its digits; a field that shows six of them has not changed it.
+    if (typed != inField(deltaE())) {
+        noteTaken(m_ui->DeltaE);
+        m_measurement.change(m_index, [typed](Reference& r) { r.setDeltaE(typed); });
+    }
+    finishNumber(m_ui->DeltaE, inField(deltaE()));
     emit newDeltaE();
 }
 
-void LCFReference::toggledIsVictreen(bool on) {
-    m_background = on ? XafsSpectrum::Victreen : XafsSpectrum::Simple;
-    normalise();
-    showNormalisation();
-    emit changed();
+void LCFReference::toggledIsVictreen(bool) {
+    const int background =
+        m_ui->IsVictreen->isChecked() ? XafsSpectrum::Victreen : XafsSpectrum::Simple;
+    m_measurement.change(m_index, [background](Reference& r) { r.setBackground(background); });
 }
 
 void LCFReference::setStd(const QString& fname, const QString& isVic) {
-    setStd(fname, true, m_ui->DeltaE->text().toDouble(), isVic);
+    setStd(fname, true, deltaE(), isVic);
 }
 
 void LCFReference::setStd(const QString& fname, bool use, double deltaE, const QString& isVic) {
-    const int background = background::fromBatchWord(isVic);
-    m_ui->IsVictreen->setChecked(background != XafsSpectrum::Simple);
-    m_background = background;
-    m_ui->DeltaE->setText(sixDigits(deltaE));
-    m_ui->XFS->load(fname);
-    m_ui->XFS->setUse(use);
-    // The field shows six digits; the offset has all of them.
-    m_deltaE = deltaE;
-    m_spectrum.setShift(m_deltaE);
-    m_spectrum.setShiftOn(true);
-    inputChanged();
+    m_measurement.change(m_index, [&](Reference& r) {
+        r.setBackground(referenceBackground(isVic));
+        r.read(fname);
+        r.setUse(use);
+        r.setDeltaE(deltaE);
+    });
+    m_ui->DeltaE->setText(fieldText(deltaE));
+    emit newFileSelected();
     emit newDeltaE();
 }

@@ -1,17 +1,17 @@
 #pragma once
 
 #include <QFrame>
+#include <atomic>
 #include <memory>
 
-#include "spectra/XafsSpectrum.h"
+#include "measurement/Measurement.h"
 
 namespace Ui {
 class LCFReference;
 }
-class Analyzed2DRes;
 
-/// One reference of the analyzer panel: its spectrum with background and energy offset, what the
-/// last fit found for it, and its result images.
+/// One row of the analyzer panel: a reference of a measurement, with its background and energy
+/// offset, and what the last fit under the cursor has found for it.
 ///
 /// The fitter's thread reads nothing but the frozen fit input and calls nothing but fitInput(),
 /// setRatio() and setDMut().
@@ -19,10 +19,10 @@ class LCFReference : public QFrame {
     Q_OBJECT
 
   public:
-    enum Kind { DMut = 0, Ratio = 1, KindCount = 2 };
+    enum Kind { DMut = Reference::DMut, Ratio = Reference::Ratio, KindCount };
 
     /// What a fit needs of a reference. The revision is another whenever anything but the stored
-    /// ratio has changed, and never the same for two panels.
+    /// ratio has changed, and never the same for two references.
     struct FitInput {
         bool used = false;  ///< "Use" is checked and a spectrum is held
         XafsSpectrum spectrum;
@@ -30,19 +30,20 @@ class LCFReference : public QFrame {
         quint64 revision = 0;
     };
 
-    explicit LCFReference(QWidget* parent = nullptr);
+    /// @param index of the reference, which must be there
+    LCFReference(Measurement& measurement, int index, QWidget* parent = nullptr);
     ~LCFReference() override;
 
-    /// At least one point has been read.
-    bool hasSpectrum() const { return !m_spectrum.isEmpty(); }
-    const XafsSpectrum& spectrum() const { return m_spectrum; }
-    QString fileName() const;
-    bool isUsed() const { return m_use; }
-    void setUse(bool use);
+    const Reference& reference() const;
+    bool hasSpectrum() const { return reference().hasSpectrum(); }
+    const XafsSpectrum& spectrum() const { return reference().spectrum(); }
+    QString fileName() const { return reference().file().name; }
+    bool isUsed() const { return reference().isUsed(); }
+    void setUse(bool use) { changedUse(use); }
+    double deltaE() const { return reference().deltaE(); }
     bool isShown() const;
     /// Whether the file can be chosen and cleared; empty: it can.
     void setFileChoiceUsable(const QString& whyNot);
-    double deltaE() const { return m_deltaE; }
     double ratio() const { return m_ratio; }
 
     /// Result image of a kind; the first one for a kind that there is not.
@@ -64,29 +65,25 @@ class LCFReference : public QFrame {
   signals:
     void newFileSelected();
     void newDeltaE();
-    /// Use box, Show box or background changed.
-    void changed();
+    void shownToggled();
 
   public slots:
     void newFile(const QString& fname);
     void changedUse(bool use);
     void editedDeltaE();
     void toggledIsVictreen(bool on);
-    /// As the longer form, with the use box checked and the DeltaE field as it is.
+    /// As the longer form, with the use box checked and the offset as it is.
     void setStd(const QString& fname, const QString& isVic);
 
   private:
-    void normalise();
-    void showNormalisation();
-    void inputChanged();
+    void arrangeFields();
+    void connectControls();
+    void showReference();
 
+    Measurement& m_measurement;
+    int m_index;
     std::unique_ptr<Ui::LCFReference> m_ui;
-    XafsSpectrum m_spectrum;
-    bool m_use = false;
-    double m_deltaE = 0.0;
-    int m_background = XafsSpectrum::Simple;
-    double m_ratio = 0.0;
-    std::unique_ptr<Analyzed2DRes> m_results[KindCount];
-    quint64 m_revision = 0;
+    quint64 m_shown = 0;  // revision of what the controls show
+    std::atomic<double> m_ratio{0.0};
     FitInput m_frozen;
 };

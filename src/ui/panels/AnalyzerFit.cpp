@@ -1,0 +1,96 @@
+// The plot of the spectrum under the cursor and its fits: one with the fitter, one that waits.
+
+#include <QFileInfo>
+#include <algorithm>
+
+#include "base/Globals.h"
+#include "display/XafsView.h"
+#include "panels/AnalyzeProc.h"
+#include "panels/Analyzer.h"
+#include "panels/LCFReference.h"
+
+void Analyzer::startWorker() {
+    qRegisterMetaType<QVector<LCFReference*>>("QVector<LCFReference*>");
+    m_worker->moveToThread(&m_thread);
+    connect(this, &Analyzer::analyzeSpectrum0, m_worker.get(), &AnalyzeProc::analyzeSpectrum0);
+    connect(m_worker.get(), &AnalyzeProc::finished, this, &Analyzer::analyzeSpectrumFinished);
+    m_thread.start(QThread::InheritPriority);
+}
+
+void Analyzer::showReferences() {
+    QVector<XafsView::Reference> shown;
+    for (int i = 0; i < m_references.size(); ++i) {
+        const LCFReference* reference = m_references.at(i);
+        if (reference->hasSpectrum()) {
+            shown.append({reference->spectrum(), QFileInfo(reference->fileName()).fileName(),
+                          reference->isShown(), getColor(i + 2)});
+        }
+    }
+    m_view->setReferences(shown);
+}
+
+void Analyzer::handOver(const XafsSpectrum& spectrum, bool isSample) {
+    // The fitter reads what is frozen here; a fit that it will not report is not waited for.
+    for (LCFReference* reference : qAsConst(m_references)) {
+        reference->freezeFitInput();
+    }
+    if (!spectrum.isEmpty() && m_references.size() >= 2) {
+        ++m_fitsOut;
+        m_sampleIsOut = isSample;
+    }
+    emit analyzeSpectrum0(spectrum, m_references, &m_fitted,
+                          m_measurement.settings().method == LinearFit::Mlcf);
+}
+
+void Analyzer::analyzeSpectrum(const XafsSpectrum& spectrum) {
+    analyze(spectrum, false);
+}
+
+void Analyzer::analyze(const XafsSpectrum& spectrum, bool isSample) {
+    if (m_fitsOut > 0) {
+        m_waiting = Waiting{spectrum, isSample};
+    } else {
+        handOver(spectrum, isSample);
+    }
+}
+
+void Analyzer::analyzeSpectrumFinished() {
+    m_fitsOut = std::max(0, m_fitsOut - 1);
+    // A fit from before a run, or not of the sample, belongs to no curve on display.
+    if (!m_busy && m_sampleIsOut) {
+        m_view->setFit(m_fitted);
+        m_view->show();
+    }
+    emit finished();
+    if (m_fitsOut == 0 && m_waiting) {
+        const Waiting next = *m_waiting;
+        m_waiting.reset();
+        handOver(next.spectrum, next.isSample);
+    }
+}
+
+void Analyzer::analyzeAndShowSpectrum(const XafsSpectrum& spectrum) {
+    m_sample = spectrum;
+    m_view->setSample(spectrum, tr("Sample"));
+    if (m_busy || spectrum.isEmpty()) {
+        m_view->clearFit();
+    }
+    reAnalyzeSpectrum();
+}
+
+void Analyzer::reAnalyzeSpectrum() {
+    // A run has all processors; the sample is fitted when it has ended.
+    if (!m_busy && !m_sample.isEmpty()) {
+        analyze(m_sample, true);
+    }
+}
+
+void Analyzer::setContAccess(bool on) {
+    m_busy = on;
+    m_worker->setContAccess(on);
+    // What waits or is out belongs to the time before.
+    m_waiting.reset();
+    m_sampleIsOut = false;
+    updateControls();
+    reAnalyzeSpectrum();
+}
