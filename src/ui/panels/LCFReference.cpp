@@ -6,6 +6,7 @@
 
 #include "display/Availability.h"
 #include "panels/NumberField.h"
+#include "spectra/Background.h"
 #include "ui_LCFReference.h"
 
 namespace {
@@ -159,7 +160,7 @@ void LCFReference::setStd(const QString& fname, const QString& isVic) {
 
 void LCFReference::setStd(const QString& fname, bool use, double deltaE, const QString& isVic) {
     m_measurement.change(m_index, [&](Reference& r) {
-        r.setBackground(referenceBackground(isVic));
+        r.setBackground(background::fromBatchWord(isVic));
         r.read(fname);
         r.setUse(use);
         r.setDeltaE(deltaE);
