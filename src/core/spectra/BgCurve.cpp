@@ -1,6 +1,8 @@
 #include "spectra/BgCurve.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <utility>
 
 #include "spectra/LinearSolver.h"
 
@@ -22,6 +24,33 @@ void forRange(const Spectrum& spectrum, double start, double end, Add add) {
         }
     }
 }
+
+/// The sums of a least-squares fit, its matrix above the diagonal only. Written out index by index:
+/// in registers, which a loop over an array would not be.
+template <int N>
+struct Sums {
+    int points = 0;
+    double normal[N * N] = {};
+    double right[N] = {};
+
+    void add(const double* f, double y) {
+        ++points;
+        addProducts(f, y, std::make_index_sequence<N * N>());
+    }
+    template <std::size_t... Place>
+    void addProducts(const double* f, double y, std::index_sequence<Place...>) {
+        (addProduct<Place / N, Place % N>(f, y), ...);
+    }
+    template <std::size_t Row, std::size_t Column>
+    void addProduct(const double* f, double y) {
+        if constexpr (Row <= Column) {
+            normal[Row * N + Column] += f[Row] * f[Column];
+        }
+        if constexpr (Row == Column) {
+            right[Row] += f[Row] * y;
+        }
+    }
+};
 
 }  // namespace
 
@@ -48,28 +77,23 @@ void BgCurve::fit(const Spectrum& spectrum, double start, double end) {
     if (spectrum.size() < Kind::FewestPoints) {
         return;
     }
-    int points = 0;
-    double normal[N * N] = {};
-    double right[N] = {};
+    Sums<N> sums;
     forRange(spectrum, start, end, [&](double e, double y) {
         double f[N];
         Kind::functions(Kind::at(e), f);
-        ++points;
-        for (int i = 0; i < N; ++i) {
-            for (int j = i; j < N; ++j) {
-                normal[i * N + j] += f[i] * f[j];
-            }
-            right[i] += f[i] * y;
-        }
+        sums.add(f, y);
     });
-    for (int i = 1; i < N; ++i) {
-        for (int j = 0; j < i; ++j) {
-            normal[i * N + j] = normal[j * N + i];
+    double matrix[N * N];
+    double right[N];
+    for (int i = 0; i < N; ++i) {
+        for (int j = 0; j < N; ++j) {
+            matrix[i * N + j] = sums.normal[i <= j ? i * N + j : j * N + i];
         }
+        right[i] = sums.right[i];
     }
     double c[N];
-    if (!Kind::isSettled(points, right, c)) {
-        solveLinear(normal, right, N, c);
+    if (!Kind::isSettled(sums.points, right, c)) {
+        solveLinear(matrix, right, N, c);
     }
     for (int i = 0; i < N; ++i) {
         m_c[Kind::Names[i]] = c[i];
