@@ -74,24 +74,29 @@ void BinRowSpectra::sumBins(const TiffData& frame, int y, double* sums) {
         std::fill(sums + inside, sums + m_sumCount, 0.0);
         return;
     }
-    // Whole numbers: the order of summing does not change the result.
-    m_columns.assign(static_cast<std::size_t>(covered.last - from + 1), 0);
-    quint32* const columns = m_columns.data();
-    const std::size_t columnCount = m_columns.size();
-    for (qint64 r = lines.first; r <= lines.last; ++r) {
-        const quint16* row = frame.rows[static_cast<std::size_t>(r)] + from;
-        for (std::size_t c = 0; c < columnCount; ++c) {
-            columns[c] += row[c];
-        }
-    }
+    sumColumns(frame, lines, covered);
     for (int bin = 0; bin < m_sumCount; ++bin) {
         const qint64 x = firstX + static_cast<qint64>(bin) * m_stepX;
         const PixelRange own = clippedAround(x, m_halfWidth, frame.width);
         quint64 sum = 0;
         for (qint64 c = own.first; c <= own.last; ++c) {
-            sum += columns[c - from];
+            sum += m_columns[static_cast<std::size_t>(c - from)];
         }
         sums[bin] = static_cast<double>(sum);
+    }
+}
+
+void BinRowSpectra::sumColumns(const TiffData& frame, const PixelRange& lines,
+                               const PixelRange& covered) {
+    // Whole numbers: the order of summing does not change the result.
+    m_columns.assign(static_cast<std::size_t>(covered.last - covered.first + 1), 0);
+    quint32* const columns = m_columns.data();
+    const std::size_t columnCount = m_columns.size();
+    for (qint64 r = lines.first; r <= lines.last; ++r) {
+        const quint16* row = frame.rows[static_cast<std::size_t>(r)] + covered.first;
+        for (std::size_t c = 0; c < columnCount; ++c) {
+            columns[c] += row[c];
+        }
     }
 }
 

@@ -7,6 +7,7 @@
 #include "spectra/Spectrum.h"
 
 class AbsorptionSource;
+struct PixelRange;
 struct TiffData;
 
 /// The spectra of a raster of positions, formed a whole row of bins at a time: every frame's rows
@@ -35,6 +36,7 @@ class BinRowSpectra {
   private:
     void formRow(int y);
     void sumI0(int y, std::size_t energy);
+    void sumColumns(const TiffData& frame, const PixelRange& lines, const PixelRange& covered);
     void sumBins(const TiffData& frame, int y, double* sums);
 
     const AbsorptionSource& m_source;

@@ -229,6 +229,20 @@ namespace {
 /// Opens a file by a mode of libtiff; as often as is needed.
 using Open = std::function<TiffHandle(const char* mode)>;
 
+/// Reads whatever can be read of a frame that has its rows; a file that is gone gives zeros.
+void readByRow(TIFF* tiff, std::size_t lineBytes, std::size_t rowBytes, TiffData* frame) {
+    frame->min = 0xFFFFFFFFu;
+    frame->max = 0;
+    for (quint32 y = 0; y < frame->height; ++y) {
+        // Only what the file does not fill is cleared: writing every row twice costs time.
+        quint16* const row = frame->rows[y];
+        const bool isRead = tiff != nullptr && TIFFReadScanline(tiff, row, y, 0) == 1;
+        const std::size_t filled = isRead ? lineBytes : 0;
+        std::memset(reinterpret_cast<char*>(row) + filled, 0, rowBytes - filled);
+        frame->foldIn(row);
+    }
+}
+
 /// Reads a frame; returns what went wrong once the file could be opened.
 QString readFrom(TiffHandle tiff, const Open& open, TiffData* frame) {
     frame->clearRows();
@@ -259,18 +273,7 @@ QString readFrom(TiffHandle tiff, const Open& open, TiffData* frame) {
     PlainReader plain(tiff.get(), width, height);
     if (!(plain.canRead() && plain.read(frame))) {
         tiff.reset();
-        tiff = open("r");
-        frame->min = 0xFFFFFFFFu;
-        frame->max = 0;
-        for (quint32 y = 0; y < height; ++y) {
-            // Only what the file does not fill is cleared: writing every row twice costs time.
-            quint16* const row = frame->rows[y];
-            const std::size_t filled = tiff && TIFFReadScanline(tiff.get(), row, y, 0) == 1
-                                           ? static_cast<std::size_t>(lineBytes)
-                                           : 0;
-            std::memset(reinterpret_cast<char*>(row) + filled, 0, rowBytes - filled);
-            frame->foldIn(row);
-        }
+        readByRow(open("r").get(), static_cast<std::size_t>(lineBytes), rowBytes, frame);
     }
     frame->dropPicture();
     return QString();

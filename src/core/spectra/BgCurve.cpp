@@ -65,8 +65,9 @@ void BgCurve::evaluate(const Spectrum& spectrum, const double* coefficients) {
         for (int i = 0; i < size; ++i) {
             const double e = measured[i].x - offset;
             const background::Abscissa at = Kind::at(e);
-            points[i].x = e;
-            Kind::value(c, at.x, at.z, points[i].y);
+            double y;
+            Kind::value(c, at.x, at.z, y);
+            points[i] = {e, y};
         }
     });
 }
