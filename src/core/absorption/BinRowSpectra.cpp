@@ -75,12 +75,13 @@ void BinRowSpectra::sumBins(const TiffData& frame, int y, double* sums) {
         return;
     }
     sumColumns(frame, lines, covered);
+    const quint32* const columns = m_columns.data();
     for (int bin = 0; bin < m_sumCount; ++bin) {
         const qint64 x = firstX + static_cast<qint64>(bin) * m_stepX;
-        const PixelRange own = clippedAround(x, m_halfWidth, frame.width);
+        const PixelRange own = clipped(x - halfWidth, x + halfWidth, frame.width);
         quint64 sum = 0;
         for (qint64 c = own.first; c <= own.last; ++c) {
-            sum += m_columns[static_cast<std::size_t>(c - from)];
+            sum += columns[c - from];
         }
         sums[bin] = static_cast<double>(sum);
     }
