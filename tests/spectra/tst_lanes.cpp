@@ -205,14 +205,6 @@ class TestLanes : public QObject {
             }
         }
     }
-
-    void energiesThatNeedTheOtherWay() {
-        QVERIFY(LaneNormaliser::suits({1.0, 2.0, 3.0, 4.0}));
-        QVERIFY(!LaneNormaliser::suits({1.0, 2.0, 3.0}));
-        QVERIFY(!LaneNormaliser::suits({1.0, 2.0, 2.0, 4.0}));
-        QVERIFY(!LaneNormaliser::suits({1.0, 2.0, Nan, 4.0}));
-        QVERIFY(!LaneNormaliser::suits({1.0, 2.0, 3.0, Infinity}));
-    }
 };
 
 TARNWICK_TEST_MAIN(QCoreApplication, TestLanes)
