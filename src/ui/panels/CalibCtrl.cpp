@@ -1,5 +1,6 @@
 #include "panels/CalibCtrl.h"
 
+#include <QButtonGroup>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -8,6 +9,7 @@
 #include "base/Globals.h"
 #include "display/Availability.h"
 #include "panels/WhyNot.h"
+#include "spectra/Background.h"
 #include "spectra/Units.h"
 #include "ui_CalibCtrl.h"
 
@@ -22,6 +24,16 @@ QString withMapSuffix(const QString& fileName) {
     }
     return QDir(info.absolutePath())
         .filePath(info.completeBaseName() + QLatin1Char('.') + kMapSuffix);
+}
+
+/// The buttons of a group stand in the order of the kinds.
+int chosenBackground(const QButtonGroup* group) {
+    return std::max(0, group->buttons().indexOf(group->checkedButton()));
+}
+
+void choose(QButtonGroup* group, int background) {
+    const QSignalBlocker blocked(group);
+    group->buttons().at(background::kindOf(background))->setChecked(true);
 }
 
 }  // namespace
@@ -49,12 +61,11 @@ CalibCtrl::~CalibCtrl() = default;
 void CalibCtrl::connectControls() {
     connect(m_ui->SelectStd, &QAbstractButton::clicked, m_ui->StdSelector, &QWidget::show);
     connect(m_ui->StdSelector, &XafsFileSelect::newFile, this, &CalibCtrl::newFile);
-    for (const QAbstractButton* button : {m_ui->StdBGSimple, m_ui->StdBGVictreen}) {
-        connect(button, &QAbstractButton::toggled, this, &CalibCtrl::stdBGToggled);
-    }
-    connect(m_ui->TargetBGVictreen, &QAbstractButton::toggled, this, [this](bool victreen) {
-        m_measurement.set(&Settings::targetBackground,
-                          victreen ? XafsSpectrum::Victreen : XafsSpectrum::Simple);
+    const auto toggled = QOverload<QAbstractButton*, bool>::of(&QButtonGroup::buttonToggled);
+    connect(m_ui->stdBGGroup, toggled, this,
+            [this](QAbstractButton*, bool on) { stdBGToggled(on); });
+    connect(m_ui->targetBGGroup, toggled, this, [this] {
+        m_measurement.set(&Settings::targetBackground, chosenBackground(m_ui->targetBGGroup));
     });
     connect(m_ui->SelCrystal, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
             [this](int index) { m_measurement.set(&Settings::crystal, index); });
@@ -103,8 +114,8 @@ double CalibCtrl::spacing() const {
 double CalibCtrl::edgeEnergy() const {
     return m_measurement.edgeEnergy();
 }
-bool CalibCtrl::targetIsVictreen() const {
-    return m_measurement.settings().targetBackground != XafsSpectrum::Simple;
+int CalibCtrl::targetBackground() const {
+    return m_measurement.settings().targetBackground;
 }
 const XafsSpectrum* CalibCtrl::standard() const {
     return m_measurement.standard();
@@ -121,9 +132,7 @@ void CalibCtrl::newFile(const QString& fname) {
 }
 
 void CalibCtrl::stdBGToggled(bool) {
-    m_measurement.set(&Settings::standardBackground, m_ui->StdBGVictreen->isChecked()
-                                                         ? XafsSpectrum::Victreen
-                                                         : XafsSpectrum::Simple);
+    m_measurement.set(&Settings::standardBackground, chosenBackground(m_ui->stdBGGroup));
 }
 
 void CalibCtrl::loadStd(const QString& fname) {
@@ -153,13 +162,8 @@ void CalibCtrl::showChanges(Measurement::Changes what) {
 
 void CalibCtrl::showSettings() {
     const Settings& settings = m_measurement.settings();
-    const auto choose = [](int background, QRadioButton* simple, QRadioButton* victreen) {
-        QRadioButton* chosen = background == XafsSpectrum::Simple ? simple : victreen;
-        const QSignalBlocker blocked(chosen);
-        chosen->setChecked(true);
-    };
-    choose(settings.standardBackground, m_ui->StdBGSimple, m_ui->StdBGVictreen);
-    choose(settings.targetBackground, m_ui->TargetBGSimple, m_ui->TargetBGVictreen);
+    choose(m_ui->stdBGGroup, settings.standardBackground);
+    choose(m_ui->targetBGGroup, settings.targetBackground);
     const QSignalBlocker crystal(m_ui->SelCrystal);
     m_ui->SelCrystal->setCurrentIndex(settings.crystal);
     const QSignalBlocker edge(m_ui->EdgeEeV);

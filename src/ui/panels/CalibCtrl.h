@@ -25,7 +25,8 @@ class CalibCtrl : public QWidget {
     double spacing() const;
     /// The typed edge energy in eV; 0.0 when it is not a number.
     double edgeEnergy() const;
-    bool targetIsVictreen() const;
+    /// Kind of the background of the spectra, see background::Kinds.
+    int targetBackground() const;
     /// As Measurement::standard().
     const XafsSpectrum* standard() const;
     /// As the file selector shows it.

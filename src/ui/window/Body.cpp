@@ -2,6 +2,7 @@
 
 #include <QCloseEvent>
 #include <QFileInfo>
+#include <QPainter>
 #include <QScreen>
 #include <QStyle>
 

@@ -7,6 +7,7 @@
 #include "measurement/Saving.h"
 #include "panels/AnalyzeProc.h"
 #include "panels/Analyzer.h"
+#include "panels/LCFReference.h"
 #include "panels/SaveDataCfg.h"
 #include "ui_Body.h"
 #include "window/Body.h"
@@ -34,11 +35,11 @@ void Body::loadNextI1() {
 void Body::loadNextI0() {
     m_measurement.stack(StackId::I0).loadNext();
 }
-void Body::loadedI1(TiffData* data) {
-    m_measurement.stack(StackId::I1).loaded(data);
+void Body::loadedI1(TiffData* frame) {
+    m_measurement.stack(StackId::I1).loaded(frame);
 }
-void Body::loadedI0(TiffData* data) {
-    m_measurement.stack(StackId::I0).loaded(data);
+void Body::loadedI0(TiffData* frame) {
+    m_measurement.stack(StackId::I0).loaded(frame);
 }
 void Body::stopLoading() {
     m_measurement.stopLoading();
