@@ -1,11 +1,9 @@
-#include <QFile>
 #include <cmath>
 #include <limits>
 
 #include "Edges.h"
 #include "TestMain.h"
 #include "fitting/LinearFit.h"
-#include "spectra/SpectrumFile.h"
 
 namespace {
 
@@ -29,18 +27,6 @@ bool same(double a, double b) {
     return a == b || (std::isnan(a) && std::isnan(b));
 }
 
-XafsSpectrum cropped(const QString& fileName, double from, double to) {
-    XafsSpectrum read;
-    readSpectrumFile(fileName, &read);
-    Spectrum kept;
-    for (int i = 0; i < read.size(); ++i) {
-        if (read.energy(i) >= from && read.energy(i) <= to) {
-            kept.append(read.energy(i), read.value(i));
-        }
-    }
-    return XafsSpectrum(kept, XafsSpectrum::Simple, 0.0);
-}
-
 }  // namespace
 
 class LinearFitTest : public QObject {
@@ -57,7 +43,6 @@ class LinearFitTest : public QObject {
     void notANumberRunsThrough();
     void curveFollowsTheShares();
     void preparedFitsAreBitIdentical();
-    void publicGoldData();
 };
 
 void LinearFitTest::oneReferenceIsTheSample() {
@@ -226,18 +211,6 @@ void LinearFitTest::preparedFitsAreBitIdentical() {
     LinearFit fit(references, LinearFit::Lcf);
     fit.fit(sample);
     QCOMPARE(fit.ratios(), c);
-}
-
-void LinearFitTest::publicGoldData() {
-    const QString dir = QStringLiteral(PUBLIC_DATA "/spectra/");
-    if (!QFile::exists(dir + "au_lcf_sample_7.03h.dat")) {
-        QSKIP("the public measurements are not here");
-    }
-    const auto read = [&](const char* name) { return cropped(dir + name, 11800.0, 12120.0); };
-    LinearFit fit({read("au_lcf_ref_foil.dat"), read("au_lcf_ref_au3cl_aq.dat")}, LinearFit::Lcf);
-    fit.fit(read("au_lcf_sample_7.03h.dat"));
-    QVERIFY(near(fit.ratios().at(0), 0.524, 0.0005));
-    QVERIFY(near(fit.ratios().at(1), 0.479, 0.0005));
 }
 
 TARNWICK_TEST_MAIN(QCoreApplication, LinearFitTest)

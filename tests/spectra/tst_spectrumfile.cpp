@@ -1,7 +1,6 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTextStream>
 #include <cmath>
 #include <limits>
 
@@ -112,39 +111,6 @@ class TestSpectrumFile : public QObject {
         QTemporaryDir dir;
         QVERIFY(writeSpectrumFile(dir.filePath("p"), XafsSpectrum(data, 0, 0.0), false));
         QVERIFY(contentOf(dir.filePath("p")).endsWith("\n1\tinf\t2\t0\t0\n"));
-    }
-
-    void publicMeasurements_data() {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<int>("not9809");
-        QTest::addColumn<double>("half");
-        QTest::addColumn<double>("seventy");
-        QTest::addColumn<double>("midE");
-        QTest::addColumn<double>("jump");
-        QTest::newRow("iron foil")
-            << "spectra/fe_metal_rt.xdi" << 1 << 7119.136 << 7122.251 << 7118.528 << 2.90115;
-        QTest::newRow("mercury") << "spectra/pf_bl12c_hg_l3_transmission.9809.dat" << 0 << 12283.038
-                                 << 12288.323 << 12282.540 << 1.29791;
-    }
-
-    void publicMeasurements() {
-        QFETCH(QString, file);
-        QFETCH(double, half);
-        QFETCH(double, seventy);
-        QFETCH(double, midE);
-        QFETCH(double, jump);
-        const QString name = QStringLiteral(PUBLIC_DATA "/") + file;
-        if (!QFile::exists(name)) {
-            QSKIP("the public measurements are not here");
-        }
-        XafsSpectrum s;
-        QVERIFY(readSpectrumFile(name, &s));
-        QTEST(s.not9809(), "not9809");
-        s.normalise(XafsSpectrum::Simple);
-        QVERIFY(std::abs(s.findE(0.5, 0) - half) < 6e-4);
-        QVERIFY(std::abs(s.findE(0.7, 0) - seventy) < 6e-4);
-        QVERIFY(std::abs(s.midE() - midE) < 6e-4);
-        QVERIFY(std::abs(s.dMut() - jump) < 6e-6);
     }
 };
 
