@@ -7,6 +7,7 @@
 #include "batch/BatchText.h"
 #include "batch/CmdLine.h"
 #include "batch/CommandTables.h"
+#include "batch/LineItems.h"
 
 class TestCmdLine : public QObject {
     Q_OBJECT
@@ -16,41 +17,53 @@ class TestCmdLine : public QObject {
         QTest::addColumn<QString>("line");
         QTest::addColumn<QString>("command");
         QTest::addColumn<QStringList>("args");
-        QTest::addColumn<bool>("control");
+        QTest::addColumn<QString>("said");
         const auto row = [](const char* line, const char* command, const QStringList& args,
-                            bool control = false) {
-            QTest::newRow(line) << line << command << args << control;
+                            const char* said = "") {
+            QTest::newRow(line) << line << command << args << said;
         };
         row("", "", {});
         row("  \t ", "", {});
-        row("set_band_w 3  ", "set_band_w", {"3"});
+        row("set_band_w\t3  ", "set_band_w", {"3"});
         row("save_image \"a b.png\" c", "save_image", {"a b.png", "c"});
         row("x \"\" y", "x", {"y"});
-        row("\":for\" i", ":for", {"i"}, true);
+        row("\":for\" i", ":for", {"i"});
         row("save_image a.png # note", "save_image", {"a.png", "#", "note"});
-        row("save_image \"a b", "save_image", {"a b"});
-        row("save_image a\"", "save_image", {"a\""});
+        row("save_image \"a b", "save_image", {"a b"},
+            "In a line [ \"a b] item is started from quote but not ended by quote");
+        row("save_image a\"", "save_image", {"a\""},
+            "In a line [ a\"] item is started from not quote but ended by quote");
         row("x \"a\"\"b\"c", "x", {"a", "b", "c"});
     }
 
     void parse() {
         QFETCH(QString, line);
+        QFETCH(QString, said);
+        if (!said.isEmpty()) {
+            QTest::ignoreMessage(QtDebugMsg, qPrintable(said));
+        }
         const CmdLine cmd = CmdLine::parse(line);
         QCOMPARE(cmd.text, line);
         QTEST(cmd.command, "command");
         QTEST(cmd.args, "args");
-        QTEST(cmd.isControl, "control");
+        QCOMPARE(cmd.isControl, cmd.command.startsWith(':'));
         QCOMPARE(cmd.arg(99), QString());
     }
 
+    void commentsAndContinuations() {
+        QCOMPARE(stripComment("\"a # b\""), QString("\"a "));
+        QVERIFY(isBlank("   # only a note") && !isBlank(" x # note"));
+        QString line = "load file \\ \t";
+        QVERIFY(hasContinuation(line));
+        QCOMPARE(line, QString("load file "));
+        QCOMPARE(withoutContinuation("a \\ b"), QString("a \\ b"));
+    }
+
     void namesIgnoreCase() {
-        QCOMPARE(commandId("LOAD_i1_FILES"), 2);
-        QCOMPARE(commandId("calib_exec"), 34);
-        QCOMPARE(commandId("calib_load_map"), 35);
-        QCOMPARE(commandId(""), 49);
-        QCOMPARE(commandId(":for"), 49);
-        QCOMPARE(controlId(":Rem_End"), 4);
-        QCOMPARE(controlId("set_band_w"), 5);
+        QCOMPARE(commandId("LOAD_i1_FILES"), int(LoadI1Files));
+        QCOMPARE(commandId(":for"), int(NoCommand));
+        QCOMPARE(controlId(":Rem_End"), int(RemEndControl));
+        QCOMPARE(controlId("set_band_w"), int(NoControl));
     }
 
     void rowsAreConsistent() {

@@ -283,38 +283,6 @@ class TestEnergyMapFile : public QObject {
                                      "0 0 0 ", QString()}));
     }
 
-    void aRoundTripKeepsSixDigits() {
-        const int size = 24;
-        Analyzed2DRes map;
-        fill(&map, size, size);
-        EMapInfo info;
-        info.imageSize = QSize(size, size);
-        info.edgeEnergy = 7112.537;
-        info.spacing = 3.1355316;
-        const QString name = path("round.emp");
-        QVERIFY(writeEMap(name, map, info));
-        Analyzed2DRes back;
-        QSize imageSize(size, size);
-        QVERIFY(readEMap(name, 0.0, &imageSize, &back));
-        QCOMPARE(back.grid().x1, size);
-
-        // A shift is s = E (1 - sin t / sin (t + dt)), about E cot(t) dt, with sin t = hc / (2 d
-        // E). Angle dt, edge E and spacing d are each printed with six digits, an error of at most
-        // half a unit of the sixth: 5e-6 of the value. It enters s as 1 times that of dt, 1 + sec^2
-        // t times that of E and sec^2 t times that of d; a tenth on top covers the higher orders.
-        const double sine = kHc / (2.0 * info.spacing * info.edgeEnergy);
-        const double secSquared = 1.0 / (1.0 - sine * sine);
-        const double relative = 1.1 * 5e-6 * (1.0 + (1.0 + secSquared) + secSquared);
-        for (int y = 0; y < size; ++y) {
-            for (int x = 0; x < size; ++x) {
-                const double shift = map.valueAt(x, y);
-                const double error = std::abs(back.valueAt(x, y) - shift);
-                QVERIFY2(error <= relative * std::abs(shift) + 1e-9,
-                         qPrintable(QStringLiteral("%1 of %2").arg(error).arg(shift)));
-            }
-        }
-    }
-
     void theEdgeOfTheStandardComesFirst() {
         Spectrum standard;
         standard.append(7100.0, 0.0);

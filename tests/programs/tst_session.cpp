@@ -1,15 +1,9 @@
 #include <QBuffer>
-#include <QImage>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 
 #include "TestMain.h"
-#include "files/OriginText.h"
-#include "files/PictureFile.h"
 #include "tarnwick-batch/BatchSession.h"
 #include "tarnwick-batch/Console.h"
-#include "tarnwick-batch/RunnerOptions.h"
-#include "tarnwick-batch/SavedOrigin.h"
 
 namespace {
 
@@ -74,42 +68,14 @@ class TestSession : public QObject {
         QVERIFY(!m_out.data().contains("late"));
     }
 
-    void problemsAreSaidWithTheirLine() {
-        Console console(&m_out, &m_err, false, false);
-        BatchSession session(&console, BatchText::fromLines({"", "calib_load_std x"}),
-                             [] { return 0; });
-        session.log("calib_load_std : x\n");
-        session.commandDone(command("calib_load_std x"), {"cannot read x", "%1"});
-        QCOMPARE(m_err.data(), QByteArray("line 2: calib_load_std: cannot read x\n"
-                                          "line 2: calib_load_std: %1\n"));
-        QCOMPARE(m_out.data(), QByteArray("calib_load_std : x\n"));
-    }
-
-    void interrupted() {
-        Console console(&m_out, &m_err, false, false);
-        BatchSession session(&console, BatchText::fromLines({"a", "b"}), [] { return 1; });
-        QSignalSpy finished(&session, &BatchSession::finished);
-        session.commandDone(command("a"), {});
-        session.interrupt(2);
-        session.end();
-        QCOMPARE(m_out.data(), QByteArray("Interrupted at line 2: 1 line done, 0 failed\n"));
-        QCOMPARE(finished.count(), 1);
-        QCOMPARE(finished.at(0).at(0).toInt(), 130);
-    }
-
-    void logIsKeptToTheLetter() {
-        Console console(&m_out, &m_err, false, false);
-        BatchSession session(&console, BatchText(), [] { return -1; });
-        session.log("echo a");
-        session.log(QString::fromUtf8("Err: \xE9\x89\x84"));
-        session.loadProgress(1, 1, 2);
-        session.analysisProgress(50.0);
-        session.end();
-        QCOMPARE(m_out.data(), QByteArray("echo aErr: \xE9\x89\x84\n0 lines\n"));
-        QCOMPARE(m_err.data(), QByteArray());
-    }
-
     void barOnlyOnATerminal() {
+        {
+            Console file(&m_out, &m_err, false, false);
+            BatchSession session(&file, BatchText(), [] { return -1; });
+            session.loadProgress(1, 1, 2);
+            session.analysisProgress(50.0);
+            QCOMPARE(m_err.data() + m_out.data(), QByteArray());
+        }
         Console console(&m_out, &m_err, false, true);
         BatchSession session(&console, BatchText(), [] { return -1; });
         session.loadProgress(0, 0, 0);  // nothing to show
@@ -139,82 +105,6 @@ class TestSession : public QObject {
         QCOMPARE(terminal.data(),
                  QByteArray("echo a\nI1 [..............................] 0/2\r\033[Kx\n"
                             "echo b\ndebug\nend\n"));
-    }
-
-    void options_data() {
-        QTest::addColumn<QStringList>("args");
-        QTest::addColumn<int>("action");
-        QTest::addColumn<QString>("file");
-        using A = RunnerOptions::Action;
-        using L = QStringList;
-        QTest::newRow("run") << L{"a.bat"} << int(A::Run) << "a.bat";
-        QTest::newRow("check") << L{"--check", "a.bat"} << int(A::Check) << "a.bat";
-        QTest::newRow("check after") << L{"a.bat", "--check"} << int(A::Check) << "a.bat";
-        QTest::newRow("dashed name") << L{"--", "-b"} << int(A::Run) << "-b";
-        QTest::newRow("help") << L{"--help"} << int(A::Help) << "";
-        QTest::newRow("version") << L{"--version"} << int(A::Version) << "";
-        QTest::newRow("nothing") << L{} << int(A::BadUsage) << "";
-        QTest::newRow("two files") << L{"a", "b"} << int(A::BadUsage) << "";
-        QTest::newRow("unknown option") << L{"-x", "a"} << int(A::BadUsage) << "";
-        QTest::newRow("check of nothing") << L{"--check"} << int(A::BadUsage) << "";
-        QTest::newRow("origin") << L{"--origin", "a.tif"} << int(A::Origin) << "a.tif";
-        QTest::newRow("record") << L{"--record", "a.tif"} << int(A::Record) << "a.tif";
-        QTest::newRow("folder") << L{"-C", "d", "a.bat"} << int(A::Run) << "a.bat";
-        const QVector<L> bad = {{"--threads", "0", "a.bat"},
-                                {"--threads", "1025", "a.bat"},
-                                {"--threads", "two", "a.bat"},
-                                {"--threads", "a.bat"},
-                                {"--origin"},
-                                {"--origin", "--record", "a.tif"},
-                                {"--check", "--record", "a"},
-                                {"-C", "a.bat"},
-                                {"-C", "", "a.bat"},
-                                {"-C", "d", "--origin", "a.tif"}};
-        for (const L& args : bad) {
-            QTest::newRow(qPrintable(args.join(' '))) << args << int(A::BadUsage) << "";
-        }
-    }
-
-    void options() {
-        QFETCH(QStringList, args);
-        const RunnerOptions options = RunnerOptions::parse(QStringList{"tarnwick-batch"} + args);
-        QTEST(int(options.action), "action");
-        if (options.action != RunnerOptions::Action::BadUsage) {
-            QTEST(options.file, "file");
-            QCOMPARE(options.folder, args.contains("-C") ? QString("d") : QString());
-        } else {
-            QVERIFY(!options.text.isEmpty());
-            QVERIFY(!options.text.contains('\n'));
-        }
-    }
-
-    void savedFilesTell() {
-        QTemporaryDir dir;
-        OriginText origin;
-        origin.entries = {{"source", "Ratio"}, {"saved by", "save_image"}};
-        origin.record = QStringList{"load \\", "a.tif"};
-        const auto save = [&](const QString& name) {
-            const QString file = dir.filePath(name);
-            return writePicture(file, QImage(2, 2, QImage::Format_RGB32), origin.toText()) ? file
-                                                                                           : "";
-        };
-        QString why;
-        QString file = save("a map.png");
-        QCOMPARE(originLines(file, &why).value(),
-                 QString("source = Ratio\nsaved by = save_image\n"));
-        QCOMPARE(recordedBatch(file, &why).value(),
-                 "load \\\na.tif\nsave_image \"" + file + "\"\n");
-        QVERIFY(!recordedBatch(save("a \"map\".png"), &why));
-        QVERIFY2(why.contains("name"), qPrintable(why));
-        origin.entries.removeLast();
-        QVERIFY(!recordedBatch(save("a.png"), &why));
-        QVERIFY2(why.contains("what saved it"), qPrintable(why));
-        origin.record.clear();
-        origin.entries += qMakePair(QString("record"), QString("stopped"));
-        QVERIFY(!recordedBatch(save("a.png"), &why));
-        QCOMPARE(why, QString("no record in it: stopped"));
-        QVERIFY(!originLines(dir.filePath("none"), &why));
-        QCOMPARE(why, QString("there is no such file"));
     }
 };
 
