@@ -18,8 +18,9 @@ QString textOf(const QString& fileName) {
 QStringList filesBelow(const QString& dir, const QStringList& patterns) {
     QStringList files;
     QDirIterator it(Root + dir, patterns, QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext())
+    while (it.hasNext()) {
         files.append(it.next());
+    }
     files.sort();
     return files;
 }
@@ -33,8 +34,9 @@ QStringList captures(const QString& text, const QString& pattern) {
     QStringList found;
     auto it = QRegularExpression(pattern, QRegularExpression::DotMatchesEverythingOption)
                   .globalMatch(text);
-    while (it.hasNext())
+    while (it.hasNext()) {
         found.append(it.next().captured(1));
+    }
     return found;
 }
 
@@ -53,106 +55,108 @@ QStringList anchorsOf(const QString& text) {
 
 }  // namespace
 
-class DocsTest : public QObject {
+class TestDocs : public QObject {
     Q_OBJECT
 
   private slots:
-    void linksLeadSomewhere();
-    void everyPictureOfTheGuideIsUsed();
-    void quotedLogLinesAreThoseOfTheProgram();
-    void japaneseNamesAreThoseOfTheInterface();
-    void batchesOfTheGuideDoTheirWork();
+    void linksLeadSomewhere() {
+        QStringList broken;
+        int checked = 0;
+        for (const QString& document : documents()) {
+            for (const QString& link : captures(textOf(document), "\\]\\(([^)\\s]+)\\)")) {
+                if (link.contains("://")) {
+                    continue;
+                }
+                ++checked;
+                const QString path = link.section('#', 0, 0);
+                const QString target =
+                    path.isEmpty() ? document : QFileInfo(document).dir().absoluteFilePath(path);
+                const QString anchor = link.section('#', 1);
+                if (!QFile::exists(target) ||
+                    (!anchor.isEmpty() && !anchorsOf(textOf(target)).contains(anchor))) {
+                    broken.append(document + ": " + link);
+                }
+            }
+        }
+        QVERIFY(checked > 50);
+        QVERIFY2(broken.isEmpty(), qPrintable(broken.join('\n')));
+    }
+
+    void everyPictureOfTheGuideIsUsed() {
+        QString all;
+        for (const QString& document : documents()) {
+            all += textOf(document);
+        }
+        for (const QString& picture : filesBelow("docs/guide/images", {"*.png"})) {
+            const QFileInfo info(picture);
+            QVERIFY2(all.contains("images/" + info.fileName() + ')'), qPrintable(picture));
+            QVERIFY2(info.size() < 120000, qPrintable(picture));
+        }
+    }
+
+    void quotedLogLinesAreThoseOfTheProgram() {
+        QString program;
+        for (const QString& source : filesBelow("src", {"*.cpp"})) {
+            program +=
+                textOf(source).remove(QRegularExpression("\"\\s*\""));  // texts in several lines
+        }
+        const QString chapter = textOf(Root + "docs/guide/troubleshooting.md");
+        const QString tables =
+            chapter.section("## Lines in the terminal", 1).section("\n## ", 0, 0);
+        const QStringList lines = captures(tables, "(?:\\n\\| |`, |` to )`([^`]+)`");
+        QVERIFY(lines.size() > 20);
+        for (const QString& line : lines) {
+            // The longest part without names, numbers and times.
+            QString fixed;
+            for (const QString& part :
+                 line.split(QRegularExpression("\\b(NAME|TEXT|TIME|WHY|N|I1)\\b"))) {
+                fixed = part.size() > fixed.size() ? part : fixed;
+            }
+            QVERIFY2(program.contains(fixed.trimmed()), qPrintable(line));
+        }
+    }
+
+    void japaneseNamesAreThoseOfTheInterface() {
+        const QString texts = textOf(Root + "src/ui/translations/Tarnwick_ja_JP.ts");
+        int checked = 0;
+        for (const QString& document : filesBelow("docs/guide/ja", {"*.md"})) {
+            for (QString name : captures(textOf(document), QStringLiteral("「([^」]+)」"))) {
+                if (name.contains('`')) {
+                    continue;  // a name from a file, not from the interface
+                }
+                const QString numbered = QString(name).replace(QRegularExpression("\\d"), "%1");
+                const bool known =
+                    texts.contains('>' + name) || texts.contains('>' + numbered) || name == "mu-t";
+                QVERIFY2(known, qPrintable(document + ": " + name));
+                ++checked;
+            }
+        }
+        QVERIFY(checked > 20);
+    }
+
+    void batchesOfTheGuideDoTheirWork() {
+        QTemporaryDir dir;
+        QProcess samples;
+        samples.start(TARNWICK_SAMPLES, {dir.path(), "--size", "128x120", "--energies", "40"});
+        QVERIFY(samples.waitForFinished(60000) && samples.exitCode() == 0);
+        int checked = 0;
+        for (const QString& document : filesBelow("docs/guide", {"*.md"})) {
+            for (const QString& batch : captures(textOf(document), "\\n```batch\\n(.*?)\\n```")) {
+                QFile file(dir.filePath("guide.bat"));
+                QVERIFY(file.open(QIODevice::WriteOnly));
+                file.write(batch.toUtf8());
+                file.close();
+                QProcess runner;
+                runner.setWorkingDirectory(dir.path());
+                runner.start(TARNWICK_BATCH, {"guide.bat"});
+                QVERIFY(runner.waitForFinished(120000));
+                QVERIFY2(runner.exitCode() == 0, runner.readAllStandardOutput());
+                ++checked;
+            }
+        }
+        QVERIFY(checked > 2);
+    }
 };
 
-void DocsTest::linksLeadSomewhere() {
-    QStringList broken;
-    int checked = 0;
-    for (const QString& document : documents()) {
-        for (const QString& link : captures(textOf(document), "\\]\\(([^)\\s]+)\\)")) {
-            if (link.contains("://"))
-                continue;
-            ++checked;
-            const QString path = link.section('#', 0, 0);
-            const QString target =
-                path.isEmpty() ? document : QFileInfo(document).dir().absoluteFilePath(path);
-            const QString anchor = link.section('#', 1);
-            if (!QFile::exists(target) ||
-                (!anchor.isEmpty() && !anchorsOf(textOf(target)).contains(anchor)))
-                broken.append(document + ": " + link);
-        }
-    }
-    QVERIFY(checked > 50);
-    QVERIFY2(broken.isEmpty(), qPrintable(broken.join('\n')));
-}
-
-void DocsTest::everyPictureOfTheGuideIsUsed() {
-    QString all;
-    for (const QString& document : documents())
-        all += textOf(document);
-    for (const QString& picture : filesBelow("docs/guide/images", {"*.png"})) {
-        const QFileInfo info(picture);
-        QVERIFY2(all.contains("images/" + info.fileName() + ')'), qPrintable(picture));
-        QVERIFY2(info.size() < 120000, qPrintable(picture));
-    }
-}
-
-void DocsTest::quotedLogLinesAreThoseOfTheProgram() {
-    QString program;
-    for (const QString& source : filesBelow("src", {"*.cpp"}))
-        program += textOf(source).remove(QRegularExpression("\"\\s*\""));  // texts in several lines
-    const QString chapter = textOf(Root + "docs/guide/troubleshooting.md");
-    const QString tables = chapter.section("## Lines in the terminal", 1).section("\n## ", 0, 0);
-    const QStringList lines = captures(tables, "(?:\\n\\| |`, |` to )`([^`]+)`");
-    QVERIFY(lines.size() > 20);
-    for (const QString& line : lines) {
-        // The longest part without names, numbers and times.
-        QString fixed;
-        for (const QString& part :
-             line.split(QRegularExpression("\\b(NAME|TEXT|TIME|WHY|N|I1)\\b")))
-            fixed = part.size() > fixed.size() ? part : fixed;
-        QVERIFY2(program.contains(fixed.trimmed()), qPrintable(line));
-    }
-}
-
-void DocsTest::japaneseNamesAreThoseOfTheInterface() {
-    const QString texts = textOf(Root + "src/ui/translations/Tarnwick_ja_JP.ts");
-    int checked = 0;
-    for (const QString& document : filesBelow("docs/guide/ja", {"*.md"})) {
-        for (QString name : captures(textOf(document), QStringLiteral("「([^」]+)」"))) {
-            if (name.contains('`'))
-                continue;  // a name from a file, not from the interface
-            const QString numbered = QString(name).replace(QRegularExpression("\\d"), "%1");
-            const bool known =
-                texts.contains('>' + name) || texts.contains('>' + numbered) || name == "mu-t";
-            QVERIFY2(known, qPrintable(document + ": " + name));
-            ++checked;
-        }
-    }
-    QVERIFY(checked > 20);
-}
-
-void DocsTest::batchesOfTheGuideDoTheirWork() {
-    QTemporaryDir dir;
-    QProcess samples;
-    samples.start(TARNWICK_SAMPLES, {dir.path(), "--size", "128x120", "--energies", "40"});
-    QVERIFY(samples.waitForFinished(60000) && samples.exitCode() == 0);
-    int checked = 0;
-    for (const QString& document : filesBelow("docs/guide", {"*.md"})) {
-        for (const QString& batch : captures(textOf(document), "\\n```batch\\n(.*?)\\n```")) {
-            QFile file(dir.filePath("guide.bat"));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(batch.toUtf8());
-            file.close();
-            QProcess runner;
-            runner.setWorkingDirectory(dir.path());
-            runner.start(TARNWICK_BATCH, {"guide.bat"});
-            QVERIFY(runner.waitForFinished(120000));
-            QVERIFY2(runner.exitCode() == 0, runner.readAllStandardOutput());
-            ++checked;
-        }
-    }
-    QVERIFY(checked > 2);
-}
-
-TARNWICK_TEST_MAIN(QCoreApplication, DocsTest)
+TARNWICK_TEST_MAIN(QCoreApplication, TestDocs)
 #include "tst_docs.moc"

@@ -1,6 +1,5 @@
 #include <QImage>
 #include <QRectF>
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -17,19 +16,14 @@ using Values = QVector<double>;
 using Words = QVector<quint16>;
 
 /// A map with one value a bin, in grid order.
-std::unique_ptr<Analyzed2DRes> mapOf(int width, int height, int halfW, int halfH,
-                                     const Values& values) {
+std::unique_ptr<Analyzed2DRes> mapOf(int width, int height, int half, const Values& values) {
     auto map = std::make_unique<Analyzed2DRes>();
-    map->setGrid(AnalysisGrid::ofArea(width, height, halfW, halfH, QRectF(0, 0, width, height)));
+    map->setGrid(AnalysisGrid::ofArea(width, height, half, half, QRectF(0, 0, width, height)));
     map->clear();
     int n = 0;
     forEachPoint(map->grid(),
-                 [&](int x, int y) { map->setData(x, y, halfW, halfH, values.value(n++)); });
+                 [&](int x, int y) { map->setData(x, y, half, half, values.value(n++)); });
     return map;
-}
-
-std::unique_ptr<Analyzed2DRes> mapOf(int width, int height, int half, const Values& values) {
-    return mapOf(width, height, half, half, values);
 }
 
 Values procOf(const Analyzed2DRes& map) {
@@ -50,261 +44,235 @@ Words wordsOf(Analyzed2DRes* map, bool fixed, double min, double max, bool asAna
 
 }  // namespace
 
-class Analyzed2DResTest : public QObject {
+class TestAnalyzed2DRes : public QObject {
     Q_OBJECT
 
   private slots:
-    void fillsBinsClippedToTheImage();
-    void rangesLeaveOutWhatIsNoNumber();
-    void clearDropsPictureAndValues();
-    void pictureFollowsRangeAndArray();
-    void wordsOfPixels_data();
-    void wordsOfPixels();
-    void wordsOfPointsAreClamped();
-    void noWordsWithoutValues();
-    void deglitchMeasuresAndReplaces();
-    void deglitchIgnoresNotANumber();
-    void deglitchRatioZeroFindsNothing();
-    void deglitch2ReplacesFarPoints();
-    void deglitch2WithALowLimit();
-    void picturesKeepTheirMoment();
+    void fillsBinsClippedToTheImage() {
+        Analyzed2DRes map;
+        map.setGrid(AnalysisGrid::ofArea(4, 3, 1, 1, QRectF(0, 0, 4, 3)));
+        map.clear();
+        QVERIFY(map.dataMin() > map.dataMax());
+        map.setData(0, 0, 1, 1, 2.0);
+        map.setData(5, 2, 2, 0, 7.0);      // reaches in from outside
+        map.setData(-40, -40, 1, 1, 9.0);  // nowhere
+        map.setData(3, 0, 0, std::numeric_limits<int>::max(), 3.0);
+        const Values expected = {2, 2, 0, 3, 2, 2, 0, 3, 0, 0, 0, 3};
+        QCOMPARE(Values(map.data(), map.data() + 12), expected);
+        QCOMPARE(map.valueAt(1, 1), 2.0);
+        QCOMPARE(map.valueAt(-1, 1), 0.0);
+        QCOMPARE(map.valueAt(4, 0), 0.0);
+    }
+
+    void rangesLeaveOutWhatIsNoNumber() {
+        auto map = mapOf(4, 1, 0, {NaN, 2.0, -Inf, 5.0});
+        QCOMPARE(map->dataMin(), 2.0);
+        QCOMPARE(map->dataMax(), 5.0);
+        QVERIFY(std::isnan(map->valueAt(0, 0)));
+        map->updateExtremes();
+        QCOMPARE(map->dataMin(), 2.0);
+        QCOMPARE(map->rangeMax(), 5.0);
+        map->setScale(-1.0, 1.0);
+        map->setFixedScale(true);
+        QCOMPARE(map->rangeMin(), -1.0);
+    }
+
+    void clearDropsPictureAndValues() {
+        auto map = mapOf(3, 2, 0, {1, 2, 3, 4, 5, 6});
+        map->genImg();
+        QVERIFY(map->isValid() && map->img() != nullptr);
+        map->clear();
+        QVERIFY(!map->isValid());
+        QVERIFY(map->img() == nullptr);
+        QCOMPARE(map->valueAt(2, 1), 0.0);
+        QCOMPARE(map->procMin(), 0.0);
+        QCOMPARE(map->procMax(), 1.0);
+    }
+
+    void pictureFollowsRangeAndArray() {
+        // Three bytes a pixel and a width of 3: rows that are no multiple of four bytes.
+        auto map = mapOf(3, 2, 0, {0.0, 0.5, 1.0, NaN, 1.0, 0.0});
+        map->genImg();
+        QCOMPARE(map->img()->size(), QSize(3, 2));
+        const auto colour = [&](int x, int y) { return map->img()->pixel(x, y); };
+        const auto expected = [](double t) {
+            const unsigned char* c = colorOf(t);
+            return qRgb(c[0], c[1], c[2]);
+        };
+        QCOMPARE(colour(0, 0), expected(0.0));
+        QCOMPARE(colour(1, 0), expected(0.5));
+        QCOMPARE(colour(2, 0), expected(1.0));
+        QCOMPARE(colour(0, 1), expected(NaN));
+        QCOMPARE(colour(1, 1), expected(1.0));
+        map->setScale(0.0, 2.0);
+        map->setFixedScale(true);
+        QCOMPARE(colour(1, 1), expected(0.5));
+        map->setFixedScale(false);
+        map->selectProcImg(true);  // zeros on 0..1
+        QCOMPARE(map->proc()[5], 0.0);
+        QCOMPARE(wordsOf(map.get(), false, 0.0, 0.0, false), Words(6, 0));
+        QCOMPARE(colour(1, 1), expected(0.0));
+        QCOMPARE(map->shownValueAt(1, 1), 0.0);
+        // A range of no width divides by zero and must not do worse.
+        auto flat = mapOf(2, 1, 0, {3.0, 3.0});
+        flat->genImg();
+        QVERIFY(flat->isValid());
+    }
+
+    void wordsOfPixels_data() {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<int>("word");
+        // On a fixed scale of 0..1.
+        QTest::newRow("low end") << 0.0 << 0;
+        QTest::newRow("high end") << 1.0 << 65535;
+        QTest::newRow("cut toward zero") << 0.5 << 32767;
+        QTest::newRow("above wraps") << 2.0 << (2 * 65535) % 65536;
+        QTest::newRow("below wraps") << -1.0 << 1;
+        QTest::newRow("just below cuts to zero") << -1e-6 << 0;
+        QTest::newRow("beyond 64 bits") << 1e300 << 0;
+        QTest::newRow("NaN") << NaN << 0;
+        QTest::newRow("infinite") << -Inf << 0;
+    }
+
+    void wordsOfPixels() {
+        QFETCH(double, value);
+        QFETCH(int, word);
+        auto map = mapOf(2, 1, 0, {value, 0.25});
+        QCOMPARE(wordsOf(map.get(), true, 0.0, 1.0, false), (Words{quint16(word), 16383}));
+        QCOMPARE(map->count(), 2);
+    }
+
+    void wordsOfPointsAreClamped() {
+        auto map = mapOf(6, 6, 1, {-1.0, 0.5, 7.0, NaN});
+        QCOMPARE(wordsOf(map.get(), true, 0.0, 1.0, true), (Words{0, 32767, 65535, 0}));
+        QCOMPARE(wordsOf(map.get(), false, 0.0, 0.0, true), (Words{0, 12287, 65535, 0}));
+        // A scale given the wrong way round clamps to its first end.
+        QCOMPARE(wordsOf(map.get(), true, 1.0, 0.0, true).size(), 4);
+
+        // A map whose area reaches past its image has more points than pixels.
+        AnalysisGrid grid = AnalysisGrid::ofArea(2, 2, 0, 0, QRectF(0, 0, 2, 2));
+        grid.x1 = 4;
+        Analyzed2DRes wide;
+        wide.setGrid(grid);
+        wide.clear();
+        wide.setData(1, 1, 0, 0, 1.0);
+        QCOMPARE(wordsOf(&wide, true, 0.0, 1.0, true), (Words{0, 0, 0, 0, 0, 65535, 0, 0}));
+    }
+
+    void noWordsWithoutValues() {
+        Analyzed2DRes map;
+        QVERIFY(map.tiffDataForSave(false, 0.0, 1.0, true) == nullptr);
+        map.deglitch();
+        map.deglitch2(1.0);
+        map.copyProc2Data();
+        map.genImg();
+        QVERIFY(!map.isValid());
+    }
+
+    void deglitchMeasuresAndReplaces() {
+        // A spike of 9 on a plane that rises by 1 a column. The measure is |2c - left - right| and
+        // |2c - up - down|, averaged where both exist: at the spike (16 + 16) / 2, beside it (8 +
+        // 0) / 2 across the plane or 8 alone at the border; their mean is 48 / 9.
+        auto map = mapOf(3, 3, 0, {0, 1, 2, 0, 9, 2, 0, 1, 2});
+        map->setDeglitchConds(1.0, 0.2);
+        map->deglitch();
+        QCOMPARE(procOf(*map), (Values{0, 1, 2, 0, 1, 2, 0, 1, 2}));
+        QCOMPARE(map->procMin(), 0.0);
+        QCOMPARE(map->procMax(), 2.0);
+        QCOMPARE(map->valueAt(1, 1), 9.0);  // the original stays
+
+        // A factor that lifts the threshold above the spike's measure leaves it.
+        map->setDeglitchConds(10.0, 0.2);
+        map->deglitch();
+        QCOMPARE(procOf(*map).at(4), 9.0);
+
+        // A row of bins: only left and right neighbours, one step (three pixels) away.
+        auto row = mapOf(9, 3, 1, {1, 9, 3});
+        row->setDeglitchConds(1.0, 0.2);
+        row->deglitch();
+        QCOMPARE(procOf(*row), (Values{1, 2, 3}));
+        QCOMPARE(row->proc()[5], 2.0);
+
+        // What the grid does not reach keeps its value.
+        AnalysisGrid inner = AnalysisGrid::ofArea(4, 3, 0, 0, QRectF(0, 0, 3, 3));
+        Analyzed2DRes part;
+        part.setGrid(inner);
+        part.clear();
+        part.setData(3, 1, 0, 0, 5.0);
+        part.deglitch();
+        QCOMPARE(part.proc()[7], 5.0);
+        part.deglitch2(1.0);
+        QCOMPARE(part.proc()[7], 5.0);
+    }
+
+    void deglitchIgnoresNotANumber() {
+        auto map = mapOf(5, 3, 0, {0, 1, 2, 3, NaN, 0, 9, 2, 3, NaN, 0, 1, 2, 3, NaN});
+        map->setDeglitchConds(1.5, 0.2);
+        map->deglitch();
+        QCOMPARE(procOf(*map).at(6), 1.0);
+        QVERIFY(std::isnan(procOf(*map).at(4)));
+        QCOMPARE(map->procMax(), 3.0);
+        // An infinite value goes like any other, and does not take its neighbours along.
+        auto border =
+            mapOf(3, 3, 0, {1, 1, 1, 9, std::numeric_limits<double>::infinity(), 1, 1, 1, 1});
+        border->setDeglitchConds(1.0, 0.2);
+        border->deglitch();
+        QCOMPARE(procOf(*border), (Values{1, 1, 1, 1, 3, 1, 1, 1, 1}));
+    }
+
+    void deglitchRatioZeroFindsNothing() {
+        const Values values = {0, 1, 2, 0, 9, 2, 0, 1, 2};
+        auto map = mapOf(3, 3, 0, values);
+        map->setDeglitchConds(0.0, 0.0);
+        map->deglitch();
+        QCOMPARE(procOf(*map), values);
+    }
+
+    void deglitch2ReplacesFarPoints() {
+        // Mean of what is below 5 in magnitude: 8 / 8 = 1. The 30 goes to the mean of its
+        // neighbours that lie within 5 of 1; the NaN stays and is nobody's neighbour.
+        auto map = mapOf(3, 4, 0, {0, 1, 2, 0, 30, 2, 0, 1, 2, NaN, NaN, NaN});
+        map->deglitch2(5.0);
+        QCOMPARE(procOf(*map).mid(0, 9), (Values{0, 1, 2, 0, 1, 2, 0, 1, 2}));
+        QVERIFY(std::isnan(procOf(*map).at(9)));
+        QCOMPARE(map->procMin(), 0.0);
+        QCOMPARE(map->procMax(), 2.0);
+    }
+
+    void deglitch2WithALowLimit() {
+        // Nothing is below the limit: the mean is 0, every point is far, no neighbour is near.
+        auto map = mapOf(2, 2, 0, {3, 4, 5, 6});
+        map->deglitch2(1.0);
+        QCOMPARE(procOf(*map), (Values{0, 0, 0, 0}));
+    }
+
+    /// A picture shows the values and the range of the moment at which it was asked for, whether it
+    /// was looked at before they changed or not.
+    void picturesKeepTheirMoment() {
+        for (const bool processed : {false, true}) {
+            const Values values = {0, 1, 2, 0, 9, 2, 0, 1, 2};
+            auto seen = mapOf(3, 3, 0, values);
+            auto unseen = mapOf(3, 3, 0, values);
+            for (const auto& map : {seen.get(), unseen.get()}) {
+                map->setDeglitchConds(1.0, 0.2);
+                map->deglitch();
+                map->selectProcImg(processed);
+            }
+            const QImage before = seen->img()->copy();
+            for (const auto& map : {seen.get(), unseen.get()}) {
+                map->copyProc2Data();
+                QCOMPARE(map->valueAt(1, 1), 1.0);
+                QCOMPARE(map->dataMax(), 2.0);
+                map->setData(0, 2, 0, 0, 7.0);
+                QCOMPARE(map->proc()[6], 0.0);
+                map->updateExtremes();
+                map->setProcRange(0.0, 100.0);
+                QVERIFY(map->isValid());
+                QCOMPARE(*map->img(), before);
+            }
+        }
+    }
 };
 
-void Analyzed2DResTest::fillsBinsClippedToTheImage() {
-    Analyzed2DRes map;
-    map.setGrid(AnalysisGrid::ofArea(4, 3, 1, 1, QRectF(0, 0, 4, 3)));
-    map.clear();
-    QVERIFY(map.dataMin() > map.dataMax());
-    map.setData(0, 0, 1, 1, 2.0);
-    map.setData(5, 2, 2, 0, 7.0);      // reaches in from outside
-    map.setData(-40, -40, 1, 1, 9.0);  // nowhere
-    map.setData(3, 0, 0, std::numeric_limits<int>::max(), 3.0);
-    const Values expected = {2, 2, 0, 3, 2, 2, 0, 3, 0, 0, 0, 3};
-    QCOMPARE(Values(map.data(), map.data() + 12), expected);
-    QCOMPARE(map.valueAt(1, 1), 2.0);
-    QCOMPARE(map.valueAt(-1, 1), 0.0);
-    QCOMPARE(map.valueAt(4, 0), 0.0);
-}
-
-void Analyzed2DResTest::rangesLeaveOutWhatIsNoNumber() {
-    auto map = mapOf(4, 1, 0, {NaN, 2.0, -Inf, 5.0});
-    QCOMPARE(map->dataMin(), 2.0);
-    QCOMPARE(map->dataMax(), 5.0);
-    QVERIFY(std::isnan(map->valueAt(0, 0)));
-    map->updateExtremes();
-    QCOMPARE(map->dataMin(), 2.0);
-    QCOMPARE(map->rangeMax(), 5.0);
-    map->setScale(-1.0, 1.0);
-    map->setFixedScale(true);
-    QCOMPARE(map->rangeMin(), -1.0);
-}
-
-void Analyzed2DResTest::clearDropsPictureAndValues() {
-    auto map = mapOf(3, 2, 0, {1, 2, 3, 4, 5, 6});
-    map->genImg();
-    QVERIFY(map->isValid() && map->img() != nullptr);
-    map->clear();
-    QVERIFY(!map->isValid());
-    QVERIFY(map->img() == nullptr);
-    QCOMPARE(map->valueAt(2, 1), 0.0);
-    QCOMPARE(map->procMin(), 0.0);
-    QCOMPARE(map->procMax(), 1.0);
-}
-
-void Analyzed2DResTest::pictureFollowsRangeAndArray() {
-    // Three bytes a pixel and a width of 3: rows that are no multiple of four bytes.
-    auto map = mapOf(3, 2, 0, {0.0, 0.5, 1.0, NaN, 1.0, 0.0});
-    map->genImg();
-    QCOMPARE(map->img()->size(), QSize(3, 2));
-    const auto colour = [&](int x, int y) { return map->img()->pixel(x, y); };
-    const auto expected = [](double t) {
-        const unsigned char* c = colorOf(t);
-        return qRgb(c[0], c[1], c[2]);
-    };
-    QCOMPARE(colour(0, 0), expected(0.0));
-    QCOMPARE(colour(1, 0), expected(0.5));
-    QCOMPARE(colour(2, 0), expected(1.0));
-    QCOMPARE(colour(0, 1), expected(NaN));
-    QCOMPARE(colour(1, 1), expected(1.0));
-    map->setScale(0.0, 2.0);
-    map->setFixedScale(true);
-    QCOMPARE(colour(1, 1), expected(0.5));
-    map->setFixedScale(false);
-    map->selectProcImg(true);  // zeros on 0..1
-    QCOMPARE(map->proc()[5], 0.0);
-    QCOMPARE(wordsOf(map.get(), false, 0.0, 0.0, false), Words(6, 0));
-    QCOMPARE(colour(1, 1), expected(0.0));
-    QCOMPARE(map->shownValueAt(1, 1), 0.0);
-    // A range of no width divides by zero and must not do worse.
-    auto flat = mapOf(2, 1, 0, {3.0, 3.0});
-    flat->genImg();
-    QVERIFY(flat->isValid());
-}
-
-void Analyzed2DResTest::wordsOfPixels_data() {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<int>("word");
-    // On a fixed scale of 0..1.
-    QTest::newRow("low end") << 0.0 << 0;
-    QTest::newRow("high end") << 1.0 << 65535;
-    QTest::newRow("cut toward zero") << 0.5 << 32767;
-    QTest::newRow("above wraps") << 2.0 << (2 * 65535) % 65536;
-    QTest::newRow("below wraps") << -1.0 << 1;
-    QTest::newRow("just below cuts to zero") << -1e-6 << 0;
-    QTest::newRow("beyond 64 bits") << 1e300 << 0;
-    QTest::newRow("NaN") << NaN << 0;
-    QTest::newRow("infinite") << -Inf << 0;
-}
-
-void Analyzed2DResTest::wordsOfPixels() {
-    QFETCH(double, value);
-    QFETCH(int, word);
-    auto map = mapOf(2, 1, 0, {value, 0.25});
-    QCOMPARE(wordsOf(map.get(), true, 0.0, 1.0, false), (Words{quint16(word), 16383}));
-    QCOMPARE(map->count(), 2);
-}
-
-void Analyzed2DResTest::wordsOfPointsAreClamped() {
-    auto map = mapOf(6, 6, 1, {-1.0, 0.5, 7.0, NaN});
-    QCOMPARE(wordsOf(map.get(), true, 0.0, 1.0, true), (Words{0, 32767, 65535, 0}));
-    QCOMPARE(wordsOf(map.get(), false, 0.0, 0.0, true), (Words{0, 12287, 65535, 0}));
-    // A scale given the wrong way round clamps to its first end.
-    QCOMPARE(wordsOf(map.get(), true, 1.0, 0.0, true).size(), 4);
-
-    // A map whose area reaches past its image has more points than pixels.
-    AnalysisGrid grid = AnalysisGrid::ofArea(2, 2, 0, 0, QRectF(0, 0, 2, 2));
-    grid.x1 = 4;
-    Analyzed2DRes wide;
-    wide.setGrid(grid);
-    wide.clear();
-    wide.setData(1, 1, 0, 0, 1.0);
-    QCOMPARE(wordsOf(&wide, true, 0.0, 1.0, true), (Words{0, 0, 0, 0, 0, 65535, 0, 0}));
-}
-
-void Analyzed2DResTest::noWordsWithoutValues() {
-    Analyzed2DRes map;
-    QVERIFY(map.tiffDataForSave(false, 0.0, 1.0, true) == nullptr);
-    map.deglitch();
-    map.deglitch2(1.0);
-    map.copyProc2Data();
-    map.genImg();
-    QVERIFY(!map.isValid());
-}
-
-void Analyzed2DResTest::deglitchMeasuresAndReplaces() {
-    // A spike of 9 on a plane that rises by 1 a column. The measure is |2c - left - right| and
-    // |2c - up - down|, averaged where both exist: at the spike (16 + 16) / 2, beside it (8 + 0) /
-    // 2 across the plane or 8 alone at the border; their mean is 48 / 9.
-    const Values spike = {0, 1, 2, 0, 9, 2, 0, 1, 2};
-    const Values plane = {0, 1, 2, 0, 1, 2, 0, 1, 2};
-    auto map = mapOf(3, 3, 0, spike);
-    map->setDeglitchConds(1.0, 0.2);
-    map->deglitch();
-    QCOMPARE(procOf(*map), plane);
-    QCOMPARE(map->procMin(), 0.0);
-    QCOMPARE(map->procMax(), 2.0);
-    QCOMPARE(map->valueAt(1, 1), 9.0);  // the original stays
-
-    // A factor that lifts the threshold above the spike's measure leaves it.
-    map->setDeglitchConds(10.0, 0.2);
-    map->deglitch();
-    QCOMPARE(procOf(*map).at(4), 9.0);
-
-    // Bins wider than high, and higher than wide: a step is a bin, not a pixel.
-    for (const auto& bins : {mapOf(15, 3, 2, 0, spike), mapOf(3, 15, 0, 2, spike)}) {
-        bins->setDeglitchConds(1.0, 0.2);
-        bins->deglitch();
-        QCOMPARE(procOf(*bins), plane);
-        bins->deglitch2(5.0);
-        QCOMPARE(procOf(*bins), plane);
-        QCOMPARE(std::count(bins->proc(), bins->proc() + 45, 2.0), 15);
-    }
-
-    // A row of bins: only left and right neighbours, one step (three pixels) away.
-    auto row = mapOf(9, 3, 1, {1, 9, 3});
-    row->setDeglitchConds(1.0, 0.2);
-    row->deglitch();
-    QCOMPARE(procOf(*row), (Values{1, 2, 3}));
-    QCOMPARE(row->proc()[5], 2.0);
-
-    // What the grid does not reach keeps its value.
-    AnalysisGrid inner = AnalysisGrid::ofArea(4, 3, 0, 0, QRectF(0, 0, 3, 3));
-    Analyzed2DRes part;
-    part.setGrid(inner);
-    part.clear();
-    part.setData(3, 1, 0, 0, 5.0);
-    part.deglitch();
-    QCOMPARE(part.proc()[7], 5.0);
-    part.deglitch2(1.0);
-    QCOMPARE(part.proc()[7], 5.0);
-}
-
-void Analyzed2DResTest::deglitchIgnoresNotANumber() {
-    auto map = mapOf(5, 3, 0, {0, 1, 2, 3, NaN, 0, 9, 2, 3, NaN, 0, 1, 2, 3, NaN});
-    map->setDeglitchConds(1.5, 0.2);
-    map->deglitch();
-    QCOMPARE(procOf(*map).at(6), 1.0);
-    QVERIFY(std::isnan(procOf(*map).at(4)));
-    QCOMPARE(map->procMax(), 3.0);
-    // An infinite value goes like any other, and does not take its neighbours along.
-    auto border = mapOf(3, 3, 0, {1, 1, 1, 9, std::numeric_limits<double>::infinity(), 1, 1, 1, 1});
-    border->setDeglitchConds(1.0, 0.2);
-    border->deglitch();
-    QCOMPARE(procOf(*border), (Values{1, 1, 1, 1, 3, 1, 1, 1, 1}));
-}
-
-void Analyzed2DResTest::deglitchRatioZeroFindsNothing() {
-    const Values values = {0, 1, 2, 0, 9, 2, 0, 1, 2};
-    auto map = mapOf(3, 3, 0, values);
-    map->setDeglitchConds(0.0, 0.0);
-    map->deglitch();
-    QCOMPARE(procOf(*map), values);
-}
-
-void Analyzed2DResTest::deglitch2ReplacesFarPoints() {
-    // Mean of what is below 5 in magnitude: 8 / 8 = 1. The 30 goes to the mean of its neighbours
-    // that lie within 5 of 1; the NaN stays and is nobody's neighbour.
-    auto map = mapOf(3, 4, 0, {0, 1, 2, 0, 30, 2, 0, 1, 2, NaN, NaN, NaN});
-    map->deglitch2(5.0);
-    QCOMPARE(procOf(*map).mid(0, 9), (Values{0, 1, 2, 0, 1, 2, 0, 1, 2}));
-    QVERIFY(std::isnan(procOf(*map).at(9)));
-    QCOMPARE(map->procMin(), 0.0);
-    QCOMPARE(map->procMax(), 2.0);
-}
-
-void Analyzed2DResTest::deglitch2WithALowLimit() {
-    // Nothing is below the limit: the mean is 0, every point is far, no neighbour is near.
-    auto map = mapOf(2, 2, 0, {3, 4, 5, 6});
-    map->deglitch2(1.0);
-    QCOMPARE(procOf(*map), (Values{0, 0, 0, 0}));
-}
-
-/// A picture shows the values and the range of the moment at which it was asked for, whether it
-/// was looked at before they changed or not.
-void Analyzed2DResTest::picturesKeepTheirMoment() {
-    for (const bool processed : {false, true}) {
-        const Values values = {0, 1, 2, 0, 9, 2, 0, 1, 2};
-        auto seen = mapOf(3, 3, 0, values);
-        auto unseen = mapOf(3, 3, 0, values);
-        for (const auto& map : {seen.get(), unseen.get()}) {
-            map->setDeglitchConds(1.0, 0.2);
-            map->deglitch();
-            map->selectProcImg(processed);
-        }
-        const QImage before = seen->img()->copy();
-        for (const auto& map : {seen.get(), unseen.get()}) {
-            map->copyProc2Data();
-            QCOMPARE(map->valueAt(1, 1), 1.0);
-            QCOMPARE(map->dataMax(), 2.0);
-            map->setData(0, 2, 0, 0, 7.0);
-            QCOMPARE(map->proc()[6], 0.0);
-            map->updateExtremes();
-            map->setProcRange(0.0, 100.0);
-            QVERIFY(map->isValid());
-            QCOMPARE(*map->img(), before);
-        }
-    }
-}
-
-TARNWICK_TEST_MAIN(QGuiApplication, Analyzed2DResTest)
+TARNWICK_TEST_MAIN(QGuiApplication, TestAnalyzed2DRes)
 #include "tst_analyzed2dres.moc"

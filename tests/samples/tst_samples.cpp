@@ -11,185 +11,128 @@
 using namespace samples;
 
 // The sample measurement is what other checks stand on, so it is checked itself.
-class SamplesTest : public QObject {
+class TestSamples : public QObject {
     Q_OBJECT
 
   private slots:
-    void countsAreSpreadAsTheirMean_data();
-    void countsAreSpreadAsTheirMean();
-    void countsAreTheSameEverywhere();
-    void frameNamesCarryTheEnergy();
-    void scansHoldBothBackgrounds();
-    void fractionsAddUpToOne();
-    void framesFollowTheAbsorption();
-    void comparisonFindsKnownErrors();
-    void damagedTablesAreRefused_data();
-    void damagedTablesAreRefused();
+    void countsAreSpreadAsTheirMean_data() {
+        QTest::addColumn<double>("mean");
+        for (const double mean : {0.3, 5.0, 11.9, 12.1, 150.0, 40000.0}) {
+            QTest::newRow(qPrintable(QString::number(mean))) << mean;
+        }
+    }
+
+    void countsAreSpreadAsTheirMean() {
+        QFETCH(double, mean);
+        constexpr int draws = 200000;
+        RandomCounts random(7);
+        double sum = 0.0;
+        double squares = 0.0;
+        for (int i = 0; i < draws; ++i) {
+            const double d = double(random.poisson(mean)) - mean;
+            sum += d;
+            squares += d * d;
+        }
+        // Five standard errors of the mean and of the variance (fourth moment: 3 mean^2 + mean).
+        const double standardError = std::sqrt(mean / draws);
+        QVERIFY(std::abs(sum / draws) < 5.0 * standardError);
+        const double varianceError = std::sqrt((2.0 * mean * mean + mean) / draws);
+        QVERIFY(std::abs(squares / draws - mean) < 5.0 * varianceError);
+    }
+
+    void fractionsAddUpToOne() {
+        const Phantom phantom(96, 64);
+        int inside = 0;
+        for (int y = 0; y < 64; ++y) {
+            for (int x = 0; x < 96; ++x) {
+                double sum = 0.0;
+                for (const Map& map : phantom.fractions) {
+                    QVERIFY(map.at(x, y) >= 0.0 && map.at(x, y) <= 1.0);
+                    sum += map.at(x, y);
+                }
+                const bool sample = phantom.thickness.at(x, y) > 0.0;
+                inside += sample ? 1 : 0;
+                QVERIFY(std::abs(sum - (sample ? 1.0 : 0.0)) < 1e-12);
+            }
+        }
+        QVERIFY(inside > 96 * 64 / 4 && inside < 96 * 64 * 3 / 4);
+    }
+
+    void framesFollowTheAbsorption() {
+        const AbsorptionModel model;
+        const Phantom phantom(96, 64);
+        const Measurement camera(model, phantom, false);
+        const Frame beam = camera.beam(7120.0, 0);
+        const Frame sample = camera.sample(7120.0, 0);
+        for (std::size_t i = 0; i < beam.size(); ++i) {
+            double expected = 0.0;
+            for (int s = 0; s < speciesCount; ++s) {
+                expected += phantom.thickness.values[i] *
+                            phantom.fractions[std::size_t(s)].values[i] *
+                            model.value(s, 7120.0 - phantom.energyShift.values[i]);
+            }
+            // Both counts are rounded to whole numbers.
+            const double found = std::log(double(beam[i]) / sample[i]);
+            QVERIFY(std::abs(found - expected) < 0.5 / beam[i] + 0.51 / sample[i]);
+        }
+        const Measurement noisy(model, phantom, true);
+        QVERIFY(noisy.beam(7120.0, 3) == noisy.beam(7120.0, 3));
+        QVERIFY(noisy.beam(7120.0, 3) != noisy.beam(7120.0, 4));
+    }
+
+    void comparisonFindsKnownErrors() {
+        Map fraction(6, 3);
+        Map thickness(6, 3);
+        for (int y = 0; y < 3; ++y) {
+            for (int x = 0; x < 6; ++x) {
+                fraction.at(x, y) = x < 3 ? 0.25 : 0.75;
+                thickness.at(x, y) = 1.0;
+            }
+        }
+        // A column three times as thick and pure weighs three times: (6 * 0.25 + 9 * 1) / 15 = 0.7.
+        for (int y = 0; y < 3; ++y) {
+            fraction.at(0, y) = 1.0;
+            thickness.at(0, y) = 3.0;
+        }
+        ResultTable table;
+        table.halfWidth = table.halfHeight = 1;
+        table.points = {{1, 1, 0.7 + 0.1}, {4, 1, 0.75 - 0.3}, {0, 1, 5.0}};
+        const Recovery r = compareWithTruth(table, fraction, thickness, 0.5);
+        QCOMPARE(r.points, 2);  // the third bin reaches past the border
+        QCOMPARE(r.meanError(), -0.1);
+        QCOMPARE(r.rmsError, std::sqrt((0.01 + 0.09) / 2.0));
+        QCOMPARE(r.maxError, 0.3);
+
+        table.points[0].value = std::nan("");
+        QCOMPARE(compareWithTruth(table, fraction, thickness, 0.5).notFinite, 1);
+        QCOMPARE(compareWithTruth(table, fraction, thickness, 2.0).points, 0);
+    }
+
+    void damagedTablesAreRefused_data() {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<int>("points");
+        QTest::newRow("commas") << QByteArray("# bin half width = 1\n1,1,0.5\n4,1,nan\n") << 2;
+        QTest::newRow("blanks") << QByteArray("1 1 0.5\n") << 1;
+        QTest::newRow("empty") << QByteArray() << -1;
+        QTest::newRow("header only") << QByteArray("# width = 3\n") << -1;
+        QTest::newRow("two columns") << QByteArray("1,2\n") << -1;
+        QTest::newRow("huge position") << QByteArray("1e30,2,0.5\n") << -1;
+        QTest::newRow("huge bin") << QByteArray("# bin half width = 2000000000\n1,1,0.5\n") << -1;
+    }
+
+    void damagedTablesAreRefused() {
+        QFETCH(QByteArray, text);
+        QFETCH(int, points);
+        const QTemporaryDir dir;
+        const std::string name = dir.filePath("table.csv").toStdString();
+        writeTextFile(name, text.toStdString());
+        if (points < 0) {
+            QVERIFY_EXCEPTION_THROWN(readResultTable(name), std::runtime_error);
+        } else {
+            QCOMPARE(int(readResultTable(name).points.size()), points);
+        }
+    }
 };
 
-void SamplesTest::countsAreSpreadAsTheirMean_data() {
-    QTest::addColumn<double>("mean");
-    for (const double mean : {0.3, 5.0, 11.9, 12.1, 150.0, 40000.0})
-        QTest::newRow(qPrintable(QString::number(mean))) << mean;
-}
-
-void SamplesTest::countsAreSpreadAsTheirMean() {
-    QFETCH(double, mean);
-    constexpr int draws = 200000;
-    RandomCounts random(7);
-    double sum = 0.0;
-    double squares = 0.0;
-    for (int i = 0; i < draws; ++i) {
-        const double d = double(random.poisson(mean)) - mean;
-        sum += d;
-        squares += d * d;
-    }
-    // Five standard errors of the mean and of the variance (fourth moment: 3 mean^2 + mean).
-    const double standardError = std::sqrt(mean / draws);
-    QVERIFY(std::abs(sum / draws) < 5.0 * standardError);
-    const double varianceError = std::sqrt((2.0 * mean * mean + mean) / draws);
-    QVERIFY(std::abs(squares / draws - mean) < 5.0 * varianceError);
-}
-
-void SamplesTest::countsAreTheSameEverywhere() {
-    RandomCounts random(1);
-    QCOMPARE(random.uniform(), 0.13387664401253263);
-    qint64 sum = 0;
-    for (int i = 0; i < 1000; ++i)
-        sum += random.poisson(4.0) + random.poisson(1000.0);
-    QCOMPARE(sum, qint64(1005233));
-}
-
-void SamplesTest::frameNamesCarryTheEnergy() {
-    QCOMPARE(frameName("fe-i1", 7112.5), std::string("fe-i1-7112_50eV.tif"));
-    QCOMPARE(frameName("fe-i1", 7112.05), std::string("fe-i1-7112_05eV.tif"));
-    QCOMPARE(frameName("fe-i1", 999.999), std::string("fe-i1-1000_00eV.tif"));
-}
-
-void SamplesTest::scansHoldBothBackgrounds() {
-    const AbsorptionModel model;
-    const std::vector<double> energies = edgeScan(90);
-    QCOMPARE(int(energies.size()), 90);
-    for (std::size_t i = 1; i < energies.size(); ++i)
-        QVERIFY(energies[i] > energies[i - 1]);
-    const std::vector<double> beam = beamScan(30);
-    QVERIFY(beam.front() <= energies.front() && beam.back() >= energies.back());
-
-    for (int s = 0; s < speciesCount; ++s) {
-        double low = 1e300;
-        double high = -1e300;
-        for (const double e : energies) {
-            low = std::min(low, model.value(s, e));
-            high = std::max(high, model.value(s, e));
-        }
-        // mu-t first rises through half height at the edge, not in the slope before it.
-        const double half = low + 0.5 * (high - low);
-        const auto above = std::find_if(energies.begin(), energies.end(),
-                                        [&](double e) { return model.value(s, e) >= half; });
-        QVERIFY(above != energies.begin());
-        const double edge = *above;
-        QVERIFY2(edge > 7112.0 && edge < 7126.0, qPrintable(QString::number(edge)));
-        const auto within = [&](double from, double to) {
-            return std::count_if(energies.begin(), energies.end(),
-                                 [&](double e) { return e >= edge + from && e < edge + to; });
-        };
-        QVERIFY(within(-100.0, -10.0) >= 8);
-        QVERIFY(within(10.0, 1000.0) >= 30);
-        QVERIFY(within(-10.0, 10.0) >= 20);
-    }
-}
-
-void SamplesTest::fractionsAddUpToOne() {
-    const Phantom phantom(96, 64);
-    int inside = 0;
-    for (int y = 0; y < 64; ++y) {
-        for (int x = 0; x < 96; ++x) {
-            double sum = 0.0;
-            for (const Map& map : phantom.fractions) {
-                QVERIFY(map.at(x, y) >= 0.0 && map.at(x, y) <= 1.0);
-                sum += map.at(x, y);
-            }
-            const bool sample = phantom.thickness.at(x, y) > 0.0;
-            inside += sample ? 1 : 0;
-            QVERIFY(std::abs(sum - (sample ? 1.0 : 0.0)) < 1e-12);
-        }
-    }
-    QVERIFY(inside > 96 * 64 / 4 && inside < 96 * 64 * 3 / 4);
-}
-
-void SamplesTest::framesFollowTheAbsorption() {
-    const AbsorptionModel model;
-    const Phantom phantom(96, 64);
-    const Measurement camera(model, phantom, false);
-    const Frame beam = camera.beam(7120.0, 0);
-    const Frame sample = camera.sample(7120.0, 0);
-    for (std::size_t i = 0; i < beam.size(); ++i) {
-        double expected = 0.0;
-        for (int s = 0; s < speciesCount; ++s) {
-            expected += phantom.thickness.values[i] * phantom.fractions[std::size_t(s)].values[i] *
-                        model.value(s, 7120.0 - phantom.energyShift.values[i]);
-        }
-        // Both counts are rounded to whole numbers.
-        const double found = std::log(double(beam[i]) / sample[i]);
-        QVERIFY(std::abs(found - expected) < 0.5 / beam[i] + 0.51 / sample[i]);
-    }
-    const Measurement noisy(model, phantom, true);
-    QVERIFY(noisy.beam(7120.0, 3) == noisy.beam(7120.0, 3));
-    QVERIFY(noisy.beam(7120.0, 3) != noisy.beam(7120.0, 4));
-}
-
-void SamplesTest::comparisonFindsKnownErrors() {
-    Map fraction(6, 3);
-    Map thickness(6, 3);
-    for (int y = 0; y < 3; ++y) {
-        for (int x = 0; x < 6; ++x) {
-            fraction.at(x, y) = x < 3 ? 0.25 : 0.75;
-            thickness.at(x, y) = 1.0;
-        }
-    }
-    // A column three times as thick and pure weighs three times: (6 * 0.25 + 9 * 1) / 15 = 0.7.
-    for (int y = 0; y < 3; ++y) {
-        fraction.at(0, y) = 1.0;
-        thickness.at(0, y) = 3.0;
-    }
-    ResultTable table;
-    table.halfWidth = table.halfHeight = 1;
-    table.points = {{1, 1, 0.7 + 0.1}, {4, 1, 0.75 - 0.3}, {0, 1, 5.0}};
-    const Recovery r = compareWithTruth(table, fraction, thickness, 0.5);
-    QCOMPARE(r.points, 2);  // the third bin reaches past the border
-    QCOMPARE(r.meanError(), -0.1);
-    QCOMPARE(r.rmsError, std::sqrt((0.01 + 0.09) / 2.0));
-    QCOMPARE(r.maxError, 0.3);
-
-    table.points[0].value = std::nan("");
-    QCOMPARE(compareWithTruth(table, fraction, thickness, 0.5).notFinite, 1);
-    QCOMPARE(compareWithTruth(table, fraction, thickness, 2.0).points, 0);
-}
-
-void SamplesTest::damagedTablesAreRefused_data() {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<int>("points");
-    QTest::newRow("commas") << QByteArray("# bin half width = 1\n1,1,0.5\n4,1,nan\n") << 2;
-    QTest::newRow("blanks") << QByteArray("1 1 0.5\n") << 1;
-    QTest::newRow("empty") << QByteArray() << -1;
-    QTest::newRow("header only") << QByteArray("# width = 3\n") << -1;
-    QTest::newRow("two columns") << QByteArray("1,2\n") << -1;
-    QTest::newRow("huge position") << QByteArray("1e30,2,0.5\n") << -1;
-    QTest::newRow("huge bin") << QByteArray("# bin half width = 2000000000\n1,1,0.5\n") << -1;
-}
-
-void SamplesTest::damagedTablesAreRefused() {
-    QFETCH(QByteArray, text);
-    QFETCH(int, points);
-    const QTemporaryDir dir;
-    const std::string name = dir.filePath("table.csv").toStdString();
-    writeTextFile(name, text.toStdString());
-    if (points < 0) {
-        QVERIFY_EXCEPTION_THROWN(readResultTable(name), std::runtime_error);
-    } else {
-        QCOMPARE(int(readResultTable(name).points.size()), points);
-    }
-}
-
-TARNWICK_TEST_MAIN(QCoreApplication, SamplesTest)
+TARNWICK_TEST_MAIN(QCoreApplication, TestSamples)
 #include "tst_samples.moc"
