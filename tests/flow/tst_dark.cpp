@@ -116,6 +116,25 @@ class TestDark : public QObject {
         QVERIFY(mapOf({}) == biased);
     }
 
+    /// Without images there is no size that dark frames could miss; those of before are forgotten.
+    void clearedImagesLeaveRoomForAnotherSize() {
+        Phantom::Options options;
+        options.width = Width + 1;
+        options.i0Energies = 21;
+        options.fractionOfA = [](int x, int) { return x / 11.0; };
+        const Phantom plain(options);
+        options.dark = darkCount;
+        const Phantom wide(options);
+        const auto expected = mapOf(plain.loadAndSetReferences());
+        QVERIFY(!expected.empty());
+        QVERIFY(!mapOf(m_darkened->loadAndSetReferences()).empty());
+        auto* panel = m_body->findChild<QWidget*>("SelectI1Files");
+        panel->findChild<QPushButton*>("Clear")->click();
+        choose(wide.writeDarkFrames(Width + 1, Height, darkCount));
+        QTRY_VERIFY(state().contains("3 dark frame"));
+        QVERIFY(mapOf(wide.loadAndSetReferences()) == expected);
+    }
+
     void theWindowClosesWhileDarkFramesAreRead() { choose(m_darkFiles); }
 
   private:

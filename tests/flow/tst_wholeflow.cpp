@@ -1,9 +1,12 @@
 #include <QApplication>
+#include <QLineEdit>
+#include <QPushButton>
 #include <cmath>
 #include <functional>
 #include <memory>
 
 #include "BatchRun.h"
+#include "Files.h"
 #include "Phantom.h"
 #include "TestMain.h"
 #include "maps/Analyzed2DRes.h"
@@ -193,6 +196,56 @@ class TestWholeFlow : public QObject {
         QVERIFY2(batch.problems().size() == problems || batch.problems().last().contains("images"),
                  qPrintable(batch.problems().join('\n')));
         QVERIFY(!analyzerWindow()->isBusy());
+    }
+
+    /// A fit that was under way when the run was stopped is neither a point of the map nor what is
+    /// shown of the cursor's position.
+    void aStoppedRunLeavesNothingBehind() {
+        Body body;
+        BatchRun batch(body);
+        QVERIFY(batch.run(m_large->loadAndSetReferences() +
+                          QStringList{"saveDataCfg_save_as_text", "saveDataCfg_text_as_ssv",
+                                      "saveDataCfg_text_as_vals", "analyzer_select_image_type 1",
+                                      "analyzer_select_image 0", "analyzer_show_window"}));
+        auto* analyze = analyzerWindow()->findChild<QPushButton*>("AskAnalyze");
+        during(body, [analyze](Body& b) {
+            analyze->click();
+            b.showXafsSpectrum(4, 3);
+        });
+        analyze->click();
+        QVERIFY(analyzerWindow()->isBusy());
+        QTRY_VERIFY(!analyzerWindow()->isBusy());
+        const auto* share = analyzerWindow()->findChild<QLineEdit*>("R");
+        const auto isThatOfThePosition = [&] {
+            return std::abs(share->text().toDouble() - 100.0 * fractionOfA(4, 3)) < 0.1;
+        };
+        QTRY_VERIFY(isThatOfThePosition());
+        QTest::qWait(50);  // a late report would come now
+        QVERIFY(isThatOfThePosition());
+
+        const QString stopped = m_large->file("stopped.dat");
+        QVERIFY(batch.run({"save_data_as_tiff " + stopped}));
+        QCOMPARE(batch.problems(), QStringList());
+        bool reached = true;
+        int points = 0;
+        int y = 0;
+        for (const QByteArray& line : contentOf(stopped).split('\n')) {
+            if (line.isEmpty() || line.startsWith('#')) {
+                continue;
+            }
+            const QList<QByteArray> values = line.split(' ');
+            for (int x = 0; x < values.size(); ++x) {
+                const double value = values[x].toDouble();
+                const bool right = std::abs(value - fractionOfA(x, y)) < 2e-4;
+                reached = reached && right;
+                QVERIFY2(right || value == 0.0, qPrintable(QString("%1 %2").arg(x).arg(y)));
+                QVERIFY2(reached || value == 0.0, "a point after the last");
+                points += reached ? 1 : 0;
+            }
+            ++y;
+        }
+        QCOMPARE(y, 24);
+        QVERIFY(points < 40 * 24);
     }
 
     /// Exec. in the middle of an analysis: the line that waited is given up, the rest runs once.

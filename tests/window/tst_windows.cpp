@@ -1,10 +1,12 @@
 #include <QAbstractButton>
 #include <QAbstractSlider>
+#include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -39,6 +41,7 @@ class Windows {
         QCoreApplication::processEvents();
     }
     const QWidgetList& list() const { return m_windows; }
+    Body& body() { return m_body; }
 
   private:
     Body m_body;
@@ -104,6 +107,38 @@ class TestWindows : public QObject {
             }
         }
         QVERIFY(disabled > 10);
+    }
+
+    /// An entry of the menu presses the button of its own name, in whichever window that is, and no
+    /// other; each of the buttons is pressed by one entry.
+    void menuEntriesPressTheirButtons() {
+        Windows windows;
+        QHash<QString, QAbstractButton*> buttons;
+        QStringList pressed;
+        for (const QWidget* window : windows.list()) {
+            for (auto* button : window->findChildren<QAbstractButton*>()) {
+                const QString panel = button->parentWidget()->objectName();
+                const bool oneOfTwo = panel == "SelectI1Files" || panel == "SelectI0Files";
+                const QString name = (oneOfTwo ? panel : QString()) + button->objectName();
+                button->disconnect();  // what a click does is not looked at here
+                button->setEnabled(true);
+                connect(button, &QAbstractButton::clicked, this, [&, name] { pressed << name; });
+                buttons.insert(name, button);
+            }
+        }
+        QSet<QString> named;
+        for (QAction* action : windows.body().menuBar()->findChildren<QAction*>()) {
+            const QString name = action->objectName().mid(int(qstrlen("action")));
+            if (!action->objectName().startsWith("action") || !buttons.contains(name)) {
+                continue;
+            }
+            QVERIFY2(!named.contains(name), qPrintable(name + " twice"));
+            named << name;
+            pressed.clear();
+            action->trigger();
+            QCOMPARE(pressed, QStringList(name));
+        }
+        QVERIFY2(named.size() >= 25, qPrintable(QStringList(named.values()).join(' ')));
     }
 
     /// From each control Tab goes to the right or down.
