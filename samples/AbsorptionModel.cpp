@@ -60,8 +60,9 @@ const std::array<SpeciesShape, speciesCount> shapes = {{
 // first 14 eV where the single-scattering picture does not hold.
 double fineStructure(const SpeciesShape& shape, double energy) {
     const double excess = energy - shape.edgeEnergy;
-    if (excess <= 0.0)
+    if (excess <= 0.0) {
         return 0.0;
+    }
     const double k = std::sqrt(excess * 0.26246842);
     double sum = 0.0;
     for (const Shell& shell : shape.shells) {
@@ -95,8 +96,9 @@ AbsorptionModel::AbsorptionModel() {
     const int count = static_cast<int>(std::lround((lastEnergy - firstEnergy) / step)) + 1;
     for (std::size_t s = 0; s < shapes.size(); ++s) {
         m_tables[s].reserve(static_cast<std::size_t>(count));
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             m_tables[s].push_back(absorption(shapes[s], firstEnergy + i * step));
+        }
     }
 }
 

@@ -39,8 +39,9 @@ void writeFrame(const std::string& fileName, int width, int height, const Frame&
               TIFFWriteEncodedStrip(tiff.get(), 0, const_cast<std::uint16_t*>(frame.data()),
                                     static_cast<tmsize_t>(bytes)) == static_cast<tmsize_t>(bytes);
     written = written && TIFFFlush(tiff.get()) == 1;
-    if (!written)
+    if (!written) {
         throw std::runtime_error("can not write " + fileName);
+    }
 }
 
 }  // namespace samples

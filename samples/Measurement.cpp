@@ -44,8 +44,9 @@ std::vector<double> edgeScan(int count) {
     for (int i = 0; i < count; ++i) {
         const double share = static_cast<double>(i) / (count - 1);
         std::size_t k = 1;
-        while (k + 1 < knots.size() && share > knots[k].share)
+        while (k + 1 < knots.size() && share > knots[k].share) {
             ++k;
+        }
         const Knot& from = knots[k - 1];
         const Knot& to = knots[k];
         energies.push_back(rounded(from.energy + (share - from.share) / (to.share - from.share) *
@@ -56,8 +57,10 @@ std::vector<double> edgeScan(int count) {
 
 std::vector<double> beamScan(int count) {
     std::vector<double> energies;
-    for (int i = 0; i < count; ++i)
+    energies.reserve(static_cast<std::size_t>(std::max(count, 0)));
+    for (int i = 0; i < count; ++i) {
         energies.push_back(rounded(7005.0 + 400.0 * i / (count - 1)));
+    }
     return energies;
 }
 
@@ -67,9 +70,10 @@ Measurement::Measurement(const AbsorptionModel& model, const Phantom& phantom, b
       m_noisy(noisy),
       m_profile(phantom.thickness.width, phantom.thickness.height) {
     for (int y = 0; y < m_profile.height; ++y) {
-        for (int x = 0; x < m_profile.width; ++x)
+        for (int x = 0; x < m_profile.width; ++x) {
             m_profile.at(x, y) =
                 profileAt((x + 0.5) / m_profile.width, (y + 0.5) / m_profile.height);
+        }
     }
 }
 
@@ -96,8 +100,9 @@ Frame Measurement::beam(double energy, int frameNumber) const {
 Frame Measurement::sample(double energy, int frameNumber) const {
     return record(Sample, energy, frameNumber, [&](std::size_t i) {
         const double thickness = m_phantom.thickness.values[i];
-        if (thickness <= 0.0)
+        if (thickness <= 0.0) {
             return 0.0;
+        }
         const double trueEnergy = energy - m_phantom.energyShift.values[i];
         double sum = 0.0;
         for (int s = 0; s < speciesCount; ++s) {

@@ -39,14 +39,16 @@ std::vector<Grain> makeGrains(double aspect) {
     for (int attempt = 0; attempt < 4000 && grains.size() < 26; ++attempt) {
         const Grain grain = {(random.uniform() - 0.5) * aspect, random.uniform() - 0.5,
                              0.022 + 0.038 * random.uniform()};
-        if (depth(grain.x, grain.y, aspect) < grain.radius + 0.05)
+        if (depth(grain.x, grain.y, aspect) < grain.radius + 0.05) {
             continue;
+        }
         const bool free = std::none_of(grains.begin(), grains.end(), [&](const Grain& other) {
             return std::hypot(grain.x - other.x, grain.y - other.y) <
                    grain.radius + other.radius + 0.02;
         });
-        if (free)
+        if (free) {
             grains.push_back(grain);
+        }
     }
     return grains;
 }
@@ -54,8 +56,9 @@ std::vector<Grain> makeGrains(double aspect) {
 // Signed distance from the nearest grain's surface, positive inside the grain.
 double insideGrain(const std::vector<Grain>& grains, double x, double y) {
     double best = -1.0;
-    for (const Grain& grain : grains)
+    for (const Grain& grain : grains) {
         best = std::max(best, grain.radius - std::hypot(x - grain.x, y - grain.y));
+    }
     return best;
 }
 
@@ -79,8 +82,9 @@ Phantom::Phantom(int width, int height)
             energyShift.at(px, py) = 2.0 * y + 0.4 * x / aspect;
 
             const double inside = depth(x, y, aspect);
-            if (inside <= 0.0)
+            if (inside <= 0.0) {
                 continue;
+            }
             const double grain = insideGrain(grains, x, y);
             const double metal = 0.06 + 0.86 * soft(grain, 0.010);
             const double rust =

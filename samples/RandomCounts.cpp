@@ -9,8 +9,9 @@ double RandomCounts::uniform() {
 }
 
 std::int64_t RandomCounts::poisson(double mean) {
-    if (!(mean > 0.0))
+    if (!(mean > 0.0)) {
         return 0;
+    }
     return mean < 12.0 ? poissonByProducts(mean) : poissonByRejection(mean);
 }
 
@@ -18,8 +19,9 @@ std::int64_t RandomCounts::poisson(double mean) {
 std::int64_t RandomCounts::poissonByProducts(double mean) {
     const double limit = std::exp(-mean);
     std::int64_t count = 0;
-    for (double product = uniform(); product > limit; product *= uniform())
+    for (double product = uniform(); product > limit; product *= uniform()) {
         ++count;
+    }
     return count;
 }
 
@@ -35,16 +37,20 @@ std::int64_t RandomCounts::poissonByRejection(double mean) {
         const double u = uniform() - 0.5;
         const double v = uniform();
         const double us = 0.5 - std::abs(u);
-        if (us <= 0.0)
+        if (us <= 0.0) {
             continue;
+        }
         const double k = std::floor((2.0 * a / us + b) * u + mean + 0.43);
-        if (us >= 0.07 && v <= vr)
+        if (us >= 0.07 && v <= vr) {
             return static_cast<std::int64_t>(k);
-        if (k < 0.0 || (us < 0.013 && v > us) || v <= 0.0)
+        }
+        if (k < 0.0 || (us < 0.013 && v > us) || v <= 0.0) {
             continue;
+        }
         const double accepted = std::log(v * inverseAlpha / (a / (us * us) + b));
-        if (accepted <= k * logMean - mean - std::lgamma(k + 1.0))
+        if (accepted <= k * logMean - mean - std::lgamma(k + 1.0)) {
             return static_cast<std::int64_t>(k);
+        }
     }
 }
 

@@ -14,8 +14,9 @@ namespace {
 
 std::ifstream openForReading(const std::filesystem::path& fileName) {
     std::ifstream in(fileName);
-    if (!in)
+    if (!in) {
         throw std::runtime_error("can not open " + fileName.string());
+    }
     return in;
 }
 
@@ -41,13 +42,15 @@ ResultTable readResultTable(const std::filesystem::path& fileName) {
         double y = 0.0;
         double value = 0.0;
         if (std::sscanf(line.c_str(), "%lf %lf %lf", &x, &y, &value) != 3 ||
-            !(std::abs(x) < 1e6 && std::abs(y) < 1e6))
+            !(std::abs(x) < 1e6 && std::abs(y) < 1e6)) {
             throw std::runtime_error(fileName.string() + ": no table of x, y, value: " + line);
+        }
         table.points.push_back({static_cast<int>(x), static_cast<int>(y), value});
     }
     const auto sensible = [](int half) { return half >= 0 && half < 10000; };
-    if (table.points.empty() || !sensible(table.halfWidth) || !sensible(table.halfHeight))
+    if (table.points.empty() || !sensible(table.halfWidth) || !sensible(table.halfHeight)) {
         throw std::runtime_error(fileName.string() + ": no values");
+    }
     return table;
 }
 
@@ -60,12 +63,14 @@ Map readMap(const std::filesystem::path& fileName) {
         takeHeaderInteger(line, "width", &width);
         takeHeaderInteger(line, "height", &height);
     }
-    if (width < 1 || height < 1 || width > 100000 || height > 100000)
+    if (width < 1 || height < 1 || width > 100000 || height > 100000) {
         throw std::runtime_error(fileName.string() + ": no size");
+    }
     Map map(width, height);
     for (double& value : map.values) {
-        if (!(in >> value))
+        if (!(in >> value)) {
             throw std::runtime_error(fileName.string() + ": too few values");
+        }
     }
     return map;
 }
@@ -79,8 +84,9 @@ Recovery compareWithTruth(const ResultTable& table, const Map& fraction, const M
         const int x1 = point.x + table.halfWidth;
         const int y0 = point.y - table.halfHeight;
         const int y1 = point.y + table.halfHeight;
-        if (x0 < 0 || y0 < 0 || x1 >= fraction.width || y1 >= fraction.height)
+        if (x0 < 0 || y0 < 0 || x1 >= fraction.width || y1 >= fraction.height) {
             continue;
+        }
         double amount = 0.0;
         double whole = 0.0;
         bool inside = true;
@@ -91,8 +97,9 @@ Recovery compareWithTruth(const ResultTable& table, const Map& fraction, const M
                 whole += thickness.at(x, y);
             }
         }
-        if (!inside)
+        if (!inside) {
             continue;
+        }
         if (!std::isfinite(point.value)) {
             ++recovery.notFinite;
             continue;

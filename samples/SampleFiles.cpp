@@ -39,8 +39,9 @@ int pointsOf(const ScanBlock& block) {
 void writeTable(const fs::path& fileName, const char* name, const Map& map) {
     std::string text = format("# %s\n# width = %d\n# height = %d\n", name, map.width, map.height);
     for (int y = 0; y < map.height; ++y) {
-        for (int x = 0; x < map.width; ++x)
+        for (int x = 0; x < map.width; ++x) {
             text += format(x == 0 ? "%.6g" : " %.6g", map.at(x, y));
+        }
         text += '\n';
     }
     writeTextFile(fileName, text);
@@ -54,8 +55,9 @@ void writeTextFile(const fs::path& fileName, const std::string& text) {
         std::ofstream out(unfinished, std::ios::binary);
         out << text;
         out.flush();
-        if (!out)
+        if (!out) {
             throw std::runtime_error("can not write " + fileName.string());
+        }
     }
     fs::rename(unfinished, fileName);
 }
@@ -65,8 +67,9 @@ void writeReferences(const fs::path& dir, const AbsorptionModel& model,
     fs::create_directories(dir);
     for (int s = 0; s < speciesCount; ++s) {
         std::string text = "# " + speciesName(s) + " powder, transmission\n# energy/eV mu-t\n";
-        for (const double energy : energies)
+        for (const double energy : energies) {
             text += format("%10.2f %12.7f\n", energy, model.value(s, energy));
+        }
         writeTextFile(dir / (speciesName(s) + ".dat"), text);
     }
 }

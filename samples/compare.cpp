@@ -47,14 +47,16 @@ bool parse(int argc, char** argv, Options* options) {
         const std::string word = argv[i];
         if (word == "--max-mean" || word == "--max-rms") {
             double* limit = word == "--max-mean" ? &options->maxMean : &options->maxRms;
-            if (i + 1 >= argc || !parseLimit(argv[++i], limit))
+            if (i + 1 >= argc || !parseLimit(argv[++i], limit)) {
                 return false;
+            }
         } else if (options->truth.empty() && word.find('=') == std::string::npos) {
             options->truth = word;
         } else {
             const std::size_t equals = word.find('=');
-            if (equals == std::string::npos || equals == 0 || equals + 1 == word.size())
+            if (equals == std::string::npos || equals == 0 || equals + 1 == word.size()) {
                 return false;
+            }
             options->pairs.push_back({word.substr(0, equals), word.substr(equals + 1)});
         }
     }
@@ -70,9 +72,10 @@ bool compareAll(const Options& options) {
                 "rms error", "max error", "bins");
     for (const Options::Pair& pair : options.pairs) {
         const Map fraction = readMap(options.truth / (pair.species + ".txt"));
-        if (fraction.width != thickness.width || fraction.height != thickness.height)
+        if (fraction.width != thickness.width || fraction.height != thickness.height) {
             throw std::runtime_error("the maps below " + options.truth.string() +
                                      " are of different sizes");
+        }
         const Recovery r =
             compareWithTruth(readResultTable(pair.table), fraction, thickness, minThickness);
         const bool within = r.points > 0 && r.notFinite == 0 &&
@@ -81,8 +84,9 @@ bool compareAll(const Options& options) {
         std::printf("  %-10s %8.4f %8.4f %+11.4f %10.4f %10.4f %7d%s\n", pair.species.c_str(),
                     r.knownMean, r.foundMean, r.meanError(), r.rmsError, r.maxError, r.points,
                     within ? "" : "  outside the limits");
-        if (r.notFinite > 0)
+        if (r.notFinite > 0) {
             std::printf("  %-10s %d bins without a value\n", "", r.notFinite);
+        }
         good = good && within;
     }
     return good;

@@ -46,13 +46,15 @@ bool parse(int argc, char** argv, Options* options) {
         } else if (word == "--size") {
             if (std::sscanf(next.c_str(), "%dx%d%n", &options->width, &options->height, &used) !=
                     2 ||
-                next.size() != static_cast<std::size_t>(used))
+                next.size() != static_cast<std::size_t>(used)) {
                 return false;
+            }
             ++i;
         } else if (word == "--energies") {
             if (std::sscanf(next.c_str(), "%d%n", &options->energies, &used) != 1 ||
-                next.size() != static_cast<std::size_t>(used))
+                next.size() != static_cast<std::size_t>(used)) {
                 return false;
+            }
             ++i;
         } else if (word.empty() || word[0] == '-' || !options->dir.empty()) {
             return false;
@@ -68,8 +70,9 @@ bool parse(int argc, char** argv, Options* options) {
 // The program takes the first digits or underscores before "eV" in a path for the energy.
 bool looksLikeEnergy(const std::string& path) {
     for (std::size_t at = path.find("eV"); at != std::string::npos; at = path.find("eV", at + 1)) {
-        if (at > 0 && std::string("0123456789_").find(path[at - 1]) != std::string::npos)
+        if (at > 0 && std::string("0123456789_").find(path[at - 1]) != std::string::npos) {
             return true;
+        }
     }
     return false;
 }
@@ -87,11 +90,13 @@ void removeOldFrames(const fs::path& dir) {
     std::vector<fs::path> old;
     for (const fs::directory_entry& entry : fs::directory_iterator(dir)) {
         if (entry.path().filename().string().rfind("fe-", 0) == 0 &&
-            entry.path().extension() == ".tif")
+            entry.path().extension() == ".tif") {
             old.push_back(entry.path());
+        }
     }
-    for (const fs::path& path : old)
+    for (const fs::path& path : old) {
         fs::remove(path);
+    }
 }
 
 template <typename Exposure>

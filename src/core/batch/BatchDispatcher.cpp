@@ -9,7 +9,7 @@ BatchDispatcher::BatchDispatcher(QObject* parent) : QObject(parent) {
     qRegisterMetaType<CmdLine>("CmdLine");
 }
 
-void BatchDispatcher::doDispatchCmds(QStringList cmdList) {
+void BatchDispatcher::doDispatchCmds(const QStringList& cmdList) {
     m_running = true;
     if (cmdList != m_lines) {
         m_lines = cmdList;

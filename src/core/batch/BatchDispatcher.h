@@ -31,7 +31,7 @@ class BatchDispatcher : public QObject {
 
   public slots:
     void execNextLine();
-    void doDispatchCmds(QStringList cmdList);
+    void doDispatchCmds(const QStringList& cmdList);
     void batchStop();
     void finishBatchExec();
 

@@ -77,7 +77,7 @@ QString energyProblem(const QString& path) {
 QString energyProblem(const QString& dir, const QStringList& patterns) {
     const QStringList paths = listImageFiles(dir, patterns);
     for (const QString& path : paths) {
-        const QString problem = energyProblem(path);
+        QString problem = energyProblem(path);
         if (!problem.isEmpty()) {
             return problem;
         }
