@@ -68,26 +68,6 @@ class TestEnergyMapFile : public QObject {
     }
 
   private slots:
-    void headerToTheLetter() {
-        QStringList lines = goodHeader(3);
-        lines.insert(4, "Shift Map Width         : 0 99");
-        lines << "Width [pix]             : 5";  // data follows, no header any more
-        QString text = lines.join("\r\n");
-        QTextStream stream(&text);
-        const EMPHeader header = readEMapHeader(stream);
-        QVERIFY(header.ok);
-        QCOMPARE(header.width, 3);
-        QCOMPARE(header.height, 3);  // from the width line; the height line counts for nothing
-        QCOMPARE(header.binHalfWidth, 1);
-        QCOMPARE(header.binHalfHeight, 0);
-        QCOMPARE(header.areaX0, 0);
-        QCOMPARE(header.areaX1, 3);
-        QCOMPARE(header.areaY0, 1);
-        QCOMPARE(header.areaY1, 2);
-        QCOMPARE(header.stdEdgeEnergy, 7112.5);
-        QCOMPARE(header.spacing, 3.13553);
-    }
-
     void headerNeedsItsLines_data() {
         QTest::addColumn<int>("line");
         QTest::addColumn<QString>("instead");
@@ -189,8 +169,11 @@ class TestEnergyMapFile : public QObject {
     void anglesBecomeShifts() {
         QFETCH(double, panelEdge);
         QFETCH(double, usedEdge);
+        QStringList lines = goodHeader(3);
+        lines.insert(4, "Shift Map Width         : 0 99");  // no label of the map's size
+        lines.replaceInStrings(QRegularExpression("$"), "\r");
         // The rest of a row may stand anywhere, only blanks and line ends count.
-        const QString name = written(goodHeader(3), "0.001 -0.002 0 \n1e-3 x\n nan 0 0 0.005");
+        const QString name = written(lines, "0.001 -0.002 0 \n1e-3 x\n nan 0 0 0.005");
         Analyzed2DRes map;
         QSize imageSize(3, 3);
         QVERIFY(readEMap(name, panelEdge, &imageSize, &map));
@@ -202,7 +185,10 @@ class TestEnergyMapFile : public QObject {
         QVERIFY(std::isnan(map.valueAt(2, 1)));
         QCOMPARE(map.valueAt(2, 2), shiftOf(0.005, usedEdge, d));
         QCOMPARE(map.grid().halfW, 1);
+        QCOMPARE(map.grid().halfH, 0);
+        QCOMPARE(map.grid().x1, 3);
         QCOMPARE(map.grid().y0, 1);
+        QCOMPARE(map.grid().y1, 2);
         QCOMPARE(map.dataMin(), shiftOf(-0.002, usedEdge, d));
         QCOMPARE(map.dataMax(), shiftOf(0.005, usedEdge, d));
     }

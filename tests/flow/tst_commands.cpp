@@ -178,17 +178,6 @@ class TestCommands : public QObject {
         QCOMPARE(log, cmd.command + " : " + cmd.args.join(' ') + '\n');
     }
 
-    /// The same, whatever the case of the word; the mode word, too.
-    void caseDoesNotMatter() {
-        const QString i1 = m_phantom->file("i1-7000_000eV.tif");
-        const QString next = m_phantom->file("i1-7002_000eV.tif");
-        QVERIFY(m_batch->run({"LOAD_I1_FILES new " + i1 + ' ' + next}));
-        QCOMPARE(frames("SelectI1Files"), 2);
-        QVERIFY(m_batch->run({"Load_i1_Files whatever " + next}));
-        QCOMPARE(frames("SelectI1Files"), 3);
-        QCOMPARE(m_batch->problems(), QStringList());
-    }
-
     /// What does no work without being a file that fails is told of all the same, and does no harm.
     void linesThatDoNoWork_data() {
         QTest::addColumn<QStringList>("lines");
@@ -244,21 +233,6 @@ class TestCommands : public QObject {
         QVERIFY(batch.run({"load_I1_files NEW " + m_phantom->file("i1-7000_000eV.tif")}));
         QCOMPARE(dispA->selection(), QRectF(2, 2, 2, 2));
     }
-
-    /// To the letter, ends of lines included.
-    void theLog() {
-        QString log;
-        const auto logging = connect(m_body->batchCtrl(), &BatchCtrl::logged, this,
-                                     [&log](const QString& entry) { log += entry; });
-        QVERIFY(m_batch->run({":rem_start", "unknown in a remark", ":rem_end", ":for i %i 2 1",
-                              "SET_band_w %i surplus", ":NEXT i", ":next I", ":echo \"a b\" c",
-                              "what ever", "", "set_band_h \\", "0"}));
-        disconnect(logging);
-        QCOMPARE(log, QString("for i : %i = 2\nSET_band_w : 2 surplus\nnext i : %i = 1\n"
-                              "SET_band_w : 1 surplus\nnext i : %i = 1\nnext  :  = \n"
-                              "echo a bErr: what everErr: set_band_h : 0\n"));
-        QCOMPARE(m_batch->problems().size(), 2);
-    }
 };
 
 void TestCommands::addStackCases() {
@@ -266,7 +240,7 @@ void TestCommands::addStackCases() {
     const QString i0 = m_phantom->file("i0-7000_000eV.tif");
     const auto i1Frames = [this] { return frames("SelectI1Files"); };
     const auto i0Frames = [this] { return frames("SelectI0Files"); };
-    add("load_I1_files NEW " + i1 + ' ' + m_phantom->file("i1-7002_000eV.tif"),
+    add("LOAD_i1_Files new " + i1 + ' ' + m_phantom->file("i1-7002_000eV.tif"),
         {"load_I1_files NEW " + i1},
         [=] { return i1Frames() == 2 && m_body->imageWidth() == Size; });
     add("load_I1_files ADD " + i1, [=] { return i1Frames() == 3; });

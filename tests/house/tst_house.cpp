@@ -103,15 +103,6 @@ class TestHouse : public QObject {
     Q_OBJECT
 
   private slots:
-    void theRuleTellsRoomsApart() {
-        QVERIFY(mayInclude("ui/panels/Analyzer.cpp", "ui/display/XafsView.h"));
-        QVERIFY(!mayInclude("ui/display/DispA.cpp", "ui/panels/Analyzer.h"));
-        QVERIFY(!mayInclude("core/calibration/EnergyShift.cpp", "core/fitting/LinearFit.h"));
-        QVERIFY(mayInclude("core/calibration/EnergyShift.cpp", "core/maps/AnalysisGrid.h"));
-        QVERIFY(!mayInclude("core/base/Globals.h", "core/batch/CmdLine.h"));
-        QVERIFY(!mayInclude("core/attic/Box.cpp", "core/attic/Box.h"));
-    }
-
     void everyFolderIsARoom() {
         QStringList unknown;
         for (const char* root : {"core", "ui", "programs"}) {

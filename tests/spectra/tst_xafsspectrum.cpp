@@ -134,25 +134,6 @@ class TestXafsSpectrum : public QObject {
         QCOMPARE(xs.preEdge().size(), data.size());
     }
 
-    void victreenBackgroundsAreFound() {
-        const double c0 = 0.02, c1 = 0.4, c2 = -0.05;
-        Spectrum data;
-        for (double e = 6899.7; e <= 7300; e += 1.0) {
-            const double l = Hc / e;
-            const double t = std::min(1.0, std::max(0.0, (e - 6995.0) / 10.0));
-            data.append(e, c0 + c1 * l * l * l + c2 * l * l * l * l + t);
-        }
-        const XafsSpectrum xs(data, XafsSpectrum::Victreen, 0.0);
-        QVERIFY(xs.preEdge().isVictreen());
-        for (int i : {20, 80, 150, 350}) {
-            const double l = Hc / data.energy(i);
-            const double pre = c0 + c1 * l * l * l + c2 * l * l * l * l;
-            QVERIFY(std::abs(xs.preEdge().value(i) - pre) < 1e-3);
-        }
-        QVERIFY(std::abs(xs.dMut() - 1.0) < 1e-2);
-        QVERIFY(std::abs(xs.midE() - 7000.0) < 0.2);
-    }
-
     /// Shifting the data must move edge and ranges alike and leave the stored points alone.
     void aShiftMovesEverything() {
         Spectrum data = straightEdge(7000.0, 1.5, 1e-3, 5e-4);

@@ -66,18 +66,13 @@ class Analysis2DTest : public QObject {
 
     void lcfMapsComeBack();
     void lcfNeedsPanelsAndPoints();
-    void useBoxToggledMidRun();
-    void cursorSpectraStayOutOfARun();
-    void stopAndRestart();
-    void restartInMidRun();
     void raMapsByHand();
 
   private:
     QString writeReference(const QString& name, double bump) const;
     void addReferences();
-    /// Runs the fitter's reports through the driver until it ends; the action comes before report
-    /// number n.
-    void runToEnd(const std::function<void(int)>& beforeReport = {});
+    /// Runs the fitter's reports through the driver until it ends.
+    void runToEnd();
     LCFReference* panel(int i) const { return m_analyzer->references().at(i); }
     QString textOf(int i, const char* field) const {
         return panel(i)->findChild<QLineEdit*>(field)->text();
@@ -125,14 +120,9 @@ void Analysis2DTest::addReferences() {
     m_analyzer->setLCFStd(1, m_second, 0.0, "0");
 }
 
-void Analysis2DTest::runToEnd(const std::function<void(int)>& beforeReport) {
-    int reports = 0;
+void Analysis2DTest::runToEnd() {
     bool done = false;
     const auto connection = connect(m_analyzer.get(), &Analyzer::finished, this, [&] {
-        if (beforeReport) {
-            beforeReport(reports);
-        }
-        ++reports;
         done = m_analysis->lcfPointReported() == Analysis2D::Progress::Finished;
     });
     QTRY_VERIFY(done);
@@ -369,97 +359,6 @@ void Analysis2DTest::lcfNeedsPanelsAndPoints() {
     QVERIFY(!m_analysis->startLcf(
         gridOf(2, 2), [](int, int) { return XafsSpectrum(); }, &why));
     QVERIFY(!why.isEmpty() && !m_analysis->lcfRunning());
-}
-
-void Analysis2DTest::useBoxToggledMidRun() {
-    addReferences();
-    QTRY_COMPARE(m_analyzer->fitsOut(), 0);
-    m_analyzer->addNewRef();
-    m_analyzer->setLCFStd(2, m_first, 0.0, "0");
-    panel(2)->setUse(false);
-    QString why;
-    QVERIFY(m_analysis->startLcf(
-        gridOf(6, 1), [](int x, int y) { return mixture(shareAt(x, y)); }, &why));
-    // From the point after the next on, the third panel stands for the first.
-    runToEnd([this](int report) {
-        if (report == 2) {
-            panel(0)->setUse(false);
-            panel(2)->setUse(true);
-        }
-    });
-    for (int x = 0; x < 6; ++x) {
-        const double share = shareAt(x, 0);
-        const Analyzed2DRes* first = panel(0)->result(LCFReference::Ratio);
-        const Analyzed2DRes* third = panel(2)->result(LCFReference::Ratio);
-        QVERIFY(near(first->valueAt(x, 0), x <= 2 ? share : 0.0));
-        QVERIFY(near(third->valueAt(x, 0), x <= 2 ? 0.0 : share));
-        QVERIFY(near(panel(1)->result(LCFReference::Ratio)->valueAt(x, 0), 1.0 - share));
-    }
-}
-
-void Analysis2DTest::cursorSpectraStayOutOfARun() {
-    addReferences();
-    m_analyzer->analyzeAndShowSpectrum(mixture(0.9));  // under way when the run starts
-    m_analyzer->analyzeAndShowSpectrum(mixture(0.8));  // and one waiting
-    QString why;
-    QVERIFY(m_analysis->startLcf(
-        gridOf(4, 2), [](int x, int y) { return mixture(shareAt(x, y)); }, &why));
-    runToEnd([this](int) { m_analyzer->analyzeAndShowSpectrum(mixture(0.7)); });
-    for (int y = 0; y < 2; ++y) {
-        for (int x = 0; x < 4; ++x) {
-            QVERIFY(near(panel(0)->result(LCFReference::Ratio)->valueAt(x, y), shareAt(x, y)));
-        }
-    }
-}
-
-void Analysis2DTest::stopAndRestart() {
-    addReferences();
-    QString why;
-    const auto spectrumAt = [](int x, int y) { return mixture(shareAt(x, y)); };
-    QVERIFY(m_analysis->startLcf(
-        gridOf(4, 2), [](int, int) { return mixture(0.99); }, &why));
-    m_analysis->stopLcf();
-    QVERIFY(!m_analysis->lcfRunning() && !m_analyzer->isBusy());
-    QCOMPARE(m_analysis->lcfPointReported(), Analysis2D::Progress::Idle);
-    QVERIFY(m_analysis->startLcf(gridOf(4, 2), spectrumAt, &why));
-    runToEnd();
-    for (int x = 0; x < 4; ++x) {
-        QVERIFY(near(panel(0)->result(LCFReference::Ratio)->valueAt(x, 1), shareAt(x, 1)));
-    }
-    // Closing everything with a fit out must end as well.
-    QVERIFY(m_analysis->startLcf(gridOf(4, 2), spectrumAt, &why));
-}
-
-void Analysis2DTest::restartInMidRun() {
-    addReferences();
-    QString why;
-    const AnalysisGrid grid = gridOf(40, 2);
-    const auto start = [&](double share) {
-        return m_analysis->startLcf(
-            grid, [=](int x, int y) { return mixture(share + 0.001 * (x + y)); }, &why);
-    };
-    // The fit that is out belongs to the run before: its report must not be recorded.
-    int reports = 0;
-    bool done = false;
-    const auto connection = connect(m_analyzer.get(), &Analyzer::finished, this, [&] {
-        ++reports;
-        done = m_analysis->lcfPointReported() == Analysis2D::Progress::Finished;
-        if (reports == 20 || reports == 30) {
-            m_analysis->stopLcf();
-            QVERIFY(start(reports == 20 ? 0.1 : 0.2));
-        } else if (reports == 50) {
-            panel(1)->setUse(false);
-        }
-    });
-    QVERIFY(start(0.9));
-    QTRY_VERIFY(done);
-    disconnect(connection);
-    for (int x = 0; x < 40; ++x) {
-        const double share = panel(0)->result(LCFReference::Ratio)->valueAt(x, 0);
-        QVERIFY(x > 15 || near(share, 0.2 + 0.001 * x));
-        QVERIFY(share > 0.1 && share != 0.9 + 0.001 * x);
-    }
-    m_analysis->endLcf();
 }
 
 void Analysis2DTest::raMapsByHand() {
