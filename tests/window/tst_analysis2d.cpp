@@ -86,7 +86,7 @@ class Analysis2DTest : public QObject {
 };
 
 QString Analysis2DTest::writeReference(const QString& name, double bump) const {
-    const QString path = m_dir.filePath(name);
+    QString path = m_dir.filePath(name);
     QFile file(path);
     if (file.open(QIODevice::WriteOnly)) {
         QTextStream out(&file);
