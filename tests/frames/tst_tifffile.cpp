@@ -10,30 +10,15 @@
 #include <climits>
 #include <numeric>
 
+#include "Files.h"
+#include "FullDisk.h"
 #include "TestMain.h"
 #include "TinyStacks.h"
 #include "frames/FrameReader.h"
 #include "frames/LoadTiff.h"
 #include "frames/TiffFile.h"
 
-#ifdef Q_OS_UNIX
-#include <sys/resource.h>
-
-#include <csignal>
-#endif
-
 namespace {
-
-QByteArray contentOf(const QString& name) {
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void put(const QString& name, const QByteArray& content) {
-    QFile file(name);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), qint64(content.size()));
-}
 
 std::vector<quint16> counting(int n) {
     std::vector<quint16> data(static_cast<std::size_t>(n));
@@ -219,28 +204,19 @@ class TestTiffFile : public QObject {
         QVERIFY(QDir(dir.path()).mkdir("folder"));
         QVERIFY(!writeOnesTiff(dir.filePath("folder"), 4, 4));
         QVERIFY(QDir(dir.path()).entryList(QDir::Files).isEmpty());
-#ifdef Q_OS_UNIX
-        // A file that may not grow is what a full disk looks like.
         const QString name = dir.filePath("a.tif");
         QVERIFY(writeOnesTiff(name, 50, 50));
         const QByteArray old = contentOf(name);
-        const auto before = std::signal(SIGXFSZ, SIG_IGN);
-        rlimit free{};
-        QCOMPARE(getrlimit(RLIMIT_FSIZE, &free), 0);
-        bool written[2] = {true, true};
-        for (int i = 0; i < 2; ++i) {
-            rlimit full = free;
-            full.rlim_cur = i == 0 ? 1000 : 5010;  // within the pixels, within the directory
-            setrlimit(RLIMIT_FSIZE, &full);
-            written[i] = writeZerosTiff(name, 50, 50);
-            setrlimit(RLIMIT_FSIZE, &free);
+        for (const rlim_t bytes : {1000, 5010}) {  // within the pixels, within the directory
+            bool written = true;
+            {
+                const FullDisk full(bytes);
+                written = writeZerosTiff(name, 50, 50);
+            }
+            QVERIFY(!written);
         }
-        std::signal(SIGXFSZ, before);
-        QVERIFY(!written[0]);
-        QVERIFY(!written[1]);
         QCOMPARE(contentOf(name), old);
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList("a.tif"));
-#endif
     }
 
     void damagedFilesAreReadAsFarAsTheyGo() {

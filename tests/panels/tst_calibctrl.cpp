@@ -2,7 +2,6 @@
 #include <QComboBox>
 #include <QFile>
 #include <QFileDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -147,26 +146,6 @@ class TestCalibCtrl : public QObject {
             emit saving->fileSelected(name.first);
             QCOMPARE(save.takeLast().at(0).toString(), name.second);
         }
-    }
-
-    void whatAMissingStandardMeansIsSaid() {
-        CalibCtrl panel;
-        panel.show();
-        const auto* selector = control<QWidget>(panel, "StdSelector");
-        QVERIFY(!selector->isVisible());
-        control<QPushButton>(panel, "SelectStd")->click();
-        QVERIFY(selector->isVisible());
-        const auto* exec = control<QPushButton>(panel, "ExecCalib");
-        const auto* save = control<QPushButton>(panel, "SaveMap");
-        const QString execWithout = exec->toolTip();
-        const QString saveWithout = save->toolTip();
-        panel.loadStd(m_foil);
-        QVERIFY(exec->toolTip() != execWithout);
-        QVERIFY(save->toolTip() != saveWithout);
-        QCOMPARE(control<QLabel>(panel, "StdName")->text(), "foil.dat");
-        panel.loadStd(m_dir.filePath("none.dat"));
-        QCOMPARE(exec->toolTip(), execWithout);
-        QCOMPARE(save->toolTip(), saveWithout);
     }
 };
 

@@ -34,38 +34,6 @@ class TestSelectDataFiles : public QObject {
         QCOMPARE(list->itemData(2).toDouble(), 7112.5);
     }
 
-    void steppingStaysInTheList() {
-        SelectDataFiles panel;
-        panel.prev();
-        panel.next();
-        QCOMPARE(panel.currentIndex(), -1);
-        QSignalSpy spy(&panel, &SelectDataFiles::currentIndexChanged);
-        for (const char* name : {"a", "b", "c"}) {
-            panel.newFile(name);
-        }
-        panel.prev();
-        QCOMPARE(panel.currentIndex(), 0);
-        panel.next();
-        panel.next();
-        panel.next();
-        QCOMPARE(panel.currentIndex(), 2);
-        panel.select(-1);
-        panel.select(3);
-        QCOMPARE(panel.currentIndex(), 2);
-        panel.select(1);
-        QCOMPARE(spy.last()[0].toInt(), 1);
-    }
-
-    void clearEmptiesListAndAsksForTheStack() {
-        SelectDataFiles panel;
-        panel.newFile("a");
-        QSignalSpy spy(&panel, &SelectDataFiles::clearRequested);
-        panel.findChild<QPushButton*>("Clear")->click();
-        QCOMPARE(spy.size(), 1);
-        QCOMPARE(panel.count(), 0);
-        QCOMPARE(panel.findChild<QLabel*>("Count")->text(), QString("0"));
-    }
-
     void theDialogSaysWhetherFilesAreAdded() {
         SelectDataFiles panel;
         auto* dialog = panel.findChild<QFileDialog*>();
