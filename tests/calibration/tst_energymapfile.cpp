@@ -234,7 +234,7 @@ class TestEnergyMapFile : public QObject {
 
     void fileToTheLetter() {
         Analyzed2DRes map;
-        map.setGrid(AnalysisGrid::ofArea(2, 1, 0, 0, QRectF(1, 0, 1, 1)));
+        map.setGrid(AnalysisGrid::ofArea(2, 1, 0, 1, QRectF(1, 0, 1, 1)));
         map.clear();
         map.setData(0, 0, 0, 0, 7112.5 - 1000.0);  // below any reflection: -1 stands for its angle
         map.setData(1, 0, 0, 0, 2.5);
@@ -260,7 +260,7 @@ class TestEnergyMapFile : public QObject {
         QCOMPARE(lines, (QStringList{"###Tarnwick::TWEM", "Std Edge Energy [eV]    : 7112.54",
                                      "Spacing [nm]            : 3.13553",
                                      "Width [pix]             : 3", "Height [pix]            : 2",
-                                     "Bin Half Width [pix]    : 0", "Bin Half Height [pix]   : 0",
+                                     "Bin Half Width [pix]    : 0", "Bin Half Height [pix]   : 1",
                                      "Area X0                 : 1", "Area X1                 : 2",
                                      "Area Y0                 : 0", "Area Y1                 : 1",
                                      "Std File Name           : 標準 foil.dat",

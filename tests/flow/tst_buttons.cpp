@@ -1,0 +1,215 @@
+#include <QCheckBox>
+#include <QFileDialog>
+#include <QImage>
+#include <QLabel>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QToolButton>
+#include <memory>
+
+#include "BatchRun.h"
+#include "Files.h"
+#include "Phantom.h"
+#include "TestMain.h"
+
+namespace {
+
+constexpr int Size = 5;
+constexpr double Drift = 0.5;    // eV a column
+constexpr double Glitch = 60.0;  // eV, at one pixel
+
+}  // namespace
+
+/// What a user reaches with buttons and dialogs alone: each does its own work in the whole window.
+class TestButtons : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<Phantom> m_phantom;
+    std::unique_ptr<Body> m_body;
+    QTemporaryDir m_dir;
+
+    QString file(const QString& name) const { return m_dir.filePath(name); }
+
+    /// A control of any window, or of a panel of the main window.
+    template <typename Widget>
+    Widget* control(const char* name, const char* panel = nullptr) {
+        if (panel != nullptr) {
+            return m_body->findChild<QWidget*>(panel)->findChild<Widget*>(name);
+        }
+        for (const QWidget* window : QApplication::topLevelWidgets()) {
+            if (auto* found = window->findChild<Widget*>(name)) {
+                return found;
+            }
+        }
+        qFatal("no %s", name);
+    }
+
+    void run(const QStringList& lines) {
+        BatchRun batch(*m_body);
+        QVERIFY(batch.run(lines));
+        QCOMPARE(batch.problems(), QStringList());
+    }
+
+    /// Presses a button and gives the dialog that opens a file.
+    void choose(const char* button, const QString& name) {
+        control<QPushButton>(button)->click();
+        QFileDialog* opened = nullptr;
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            auto* dialog = qobject_cast<QFileDialog*>(window);
+            opened = dialog != nullptr && dialog->isVisible() ? dialog : opened;
+        }
+        QVERIFY2(opened != nullptr, button);
+        opened->hide();
+        emit opened->fileSelected(name);
+    }
+
+    void chooseFrames(const char* panel, const QStringList& names, bool add) {
+        control<QCheckBox>("AddFiles", panel)->setChecked(add);
+        emit m_body->findChild<QWidget*>(panel)->findChild<QFileDialog*>()->filesSelected(names);
+    }
+    QString count(const char* panel) { return control<QLabel>("Count", panel)->text(); }
+
+    double shiftAt(int x, int y) {
+        m_body->showXafsSpectrum(x, y);
+        return control<QLabel>("EShiftOnTbl")->text().toDouble();
+    }
+
+  private slots:
+    void initTestCase() {
+        Phantom::Options options;
+        options.width = Size;
+        options.height = Size;
+        options.energies = 151;
+        options.fractionOfA = [](int x, int) { return 0.2 * x; };
+        options.energyShift = [](int x, int y) { return x == 2 && y == 2 ? Glitch : Drift * x; };
+        m_phantom = std::make_unique<Phantom>(options);
+        QVERIFY(m_phantom->isValid());
+    }
+
+    void init() {
+        m_body = std::make_unique<Body>();
+        m_body->show();
+        run(m_phantom->loadAndSetReferences() +
+            QStringList{"calib_load_std " + m_phantom->file("a.dat")});
+    }
+    void cleanup() { m_body.reset(); }
+
+    void aWindowOpensByItsButton_data() {
+        QTest::addColumn<QStringList>("windows");
+        QTest::newRow("ShowXafsView") << QStringList{"Spectrum"};
+        QTest::newRow("OpenCalibCtrl") << QStringList{"CalibCtrl"};
+        QTest::newRow("ShowAnalyzer") << QStringList{"Analyzer", "AnalyzingSpectrum"};
+        QTest::newRow("BatchCtrlB") << QStringList{"BatchCtrl"};
+        QTest::newRow("SaveDataCfgB") << QStringList{"SaveDataCfg"};
+    }
+
+    void aWindowOpensByItsButton() {
+        QFETCH(QStringList, windows);
+        const auto shown = [this] {
+            QSet<QString> names;
+            for (const QWidget* window : QApplication::topLevelWidgets()) {
+                if (window->isVisible() && window != m_body.get()) {
+                    names << window->objectName();
+                }
+            }
+            return names;
+        };
+        const QSet<QString> before = shown();
+        control<QPushButton>(QTest::currentDataTag())->click();
+        QStringList opened = (shown() - before).values();
+        opened.sort();
+        QCOMPARE(opened, windows);
+    }
+
+    void savedIsWhatTheButtonSays() {
+        run({"analyzer_set_LCF_std 2 0 0.0 " + m_phantom->file("a.dat") + " 0", "analyzer_exec_LCF",
+             "analyzer_select_image 0", "select_disp_image 0", "move_position 1 1"});
+        choose("SaveImage", file("plain.png"));
+        QCOMPARE(QImage(file("plain.png")).size(), QSize(Size, Size));
+        choose("SaveImageWithBar", file("bar.png"));
+        QVERIFY(QImage(file("bar.png")).width() > Size);
+        choose("SaveAllImages", file("all.png"));
+        QVERIFY(!QFile::exists(file("all.png")));
+        QCOMPARE(QDir(m_dir.path()).entryList({"all-*.png"}, QDir::Files, QDir::Name),
+                 (QStringList{"all-0-0.png", "all-0-1.png", "all-1-0.png", "all-1-1.png"}));
+        choose("SaveXAFSSpectra", file("spectra.dat"));
+        QVERIFY(contentOf(file("spectra.dat")).startsWith("###Tarnwick::XafsSpectrum"));
+        choose("SaveData", file("map.tif"));
+        QVERIFY(contentOf(file("map.tif")).startsWith("II*"));
+    }
+
+    void aStackIsReplacedExtendedAndClearedAlone_data() {
+        QTest::addColumn<QByteArray>("panel");
+        QTest::addColumn<QByteArray>("other");
+        QTest::addColumn<QString>("prefix");
+        QTest::addColumn<QString>("frames");  // of the other one
+        QTest::newRow("I1") << QByteArray("SelectI1Files") << QByteArray("SelectI0Files") << "i1"
+                            << "61";
+        QTest::newRow("I0") << QByteArray("SelectI0Files") << QByteArray("SelectI1Files") << "i0"
+                            << "151";
+    }
+
+    void aStackIsReplacedExtendedAndClearedAlone() {
+        QFETCH(QByteArray, panel);
+        QFETCH(QByteArray, other);
+        QFETCH(QString, prefix);
+        QFETCH(QString, frames);
+        const QString name = m_phantom->file(prefix + "-7000_000eV.tif");
+        chooseFrames(panel, {name}, false);
+        QTRY_COMPARE(count(panel), QString("1"));
+        chooseFrames(panel, {name, name}, true);
+        QTRY_COMPARE(count(panel), QString("3"));
+        QTRY_VERIFY(!control<QToolButton>("StopLoading")->isVisible());
+        control<QPushButton>("Clear", panel)->click();
+        QCOMPARE(count(panel), QString("0"));
+        QCOMPARE(count(other), frames);
+        QCOMPARE(m_body->imageWidth(), panel == "SelectI1Files" ? -1 : Size);
+    }
+
+    void bothLoadsAreStopped() {
+        QStringList names;
+        for (int i = 0; i < 200; ++i) {
+            names << m_phantom->file("i0-7000_000eV.tif");
+        }
+        chooseFrames("SelectI1Files", names, false);
+        chooseFrames("SelectI0Files", names, false);
+        auto* stop = control<QToolButton>("StopLoading");
+        QTRY_VERIFY(stop->isVisible());
+        stop->click();
+        QTRY_VERIFY(!stop->isVisible());
+        QVERIFY(count("SelectI1Files").toInt() < 200);
+        QVERIFY(count("SelectI0Files").toInt() < 200);
+    }
+
+    void theCalibrationWindowMakesKeepsAndClearsTheMap() {
+        control<QPushButton>("ExecCalib")->click();
+        QTRY_VERIFY(std::abs(shiftAt(4, 1) - shiftAt(0, 1)) > 1.0);
+        QVERIFY(std::abs(shiftAt(2, 2)) > 0.8 * Glitch);
+        choose("SaveMap", file("map.emp"));
+        QVERIFY(contentOf(file("map.emp")).startsWith("###Tarnwick::TWEM"));
+        // Of the map for good: nothing else is processed by it.
+        control<QPushButton>("NormalizeEShift")->click();
+        QTRY_VERIFY(std::abs(shiftAt(2, 2)) < 5.0);
+        const double kept = shiftAt(4, 1);
+        control<QPushButton>("ClearMap")->click();
+        QCOMPARE(shiftAt(4, 1), 0.0);
+        choose("LoadMap", file("map.emp"));
+        QTRY_VERIFY(std::abs(shiftAt(4, 1) - kept) < 0.02);
+        QVERIFY(std::abs(shiftAt(2, 2)) > 0.8 * Glitch);
+    }
+
+    void theBackgroundOfTheTargetIsThatOfItsSpectra() {
+        const auto saved = [this] {
+            run({"move_position 1 1", "save_spectra " + file("background.dat")});
+            return contentOf(file("background.dat"));
+        };
+        const QByteArray simple = saved();
+        control<QAbstractButton>("TargetBGVictreen")->click();
+        QVERIFY(saved() != simple);
+        control<QAbstractButton>("TargetBGSimple")->click();
+        QCOMPARE(saved(), simple);
+    }
+};
+
+TARNWICK_TEST_MAIN(QApplication, TestButtons)
+#include "tst_buttons.moc"
