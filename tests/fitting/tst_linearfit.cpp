@@ -33,16 +33,6 @@ class TestLinearFit : public QObject {
     Q_OBJECT
 
   private slots:
-    void oneReferenceIsTheSample() {
-        const XafsSpectrum sample = edges::reference(0.3);
-        LinearFit fit({sample, edges::reference(-0.2)}, LinearFit::Lcf);
-        fit.fit(sample);
-        QVERIFY(near(fit.ratios().at(0), 1.0));
-        QVERIFY(near(fit.ratios().at(1), 0.0));
-        QVERIFY(near(fit.dMuts().at(0), sample.dMut()));
-        QVERIFY(near(fit.dMuts().at(1), 0.0));
-    }
-
     void mixturesComeBack_data() {
         QTest::addColumn<bool>("mlcf");
         QTest::addColumn<double>("offset");

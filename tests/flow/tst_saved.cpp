@@ -72,7 +72,7 @@ class TestSaved : public QObject {
                            "analyzer_set_LCF_std 1 1 0 " + file("b.dat") + " 0",
                            "analyzer_exec_LCF",
                            "analyzer_set_ra_energy 7050",
-                           "analyzer_set_ra_factor 0",
+                           "analyzer_set_ra_factor 0.125",
                            "analyzer_exec_ra",
                            "analyzer_select_image_type 0",
                            "analyzer_select_image 0",
@@ -98,7 +98,8 @@ class TestSaved : public QObject {
         QTest::newRow("DMut") << "DMut" << file("a.dat") << Row(Size, Jump);
         QTest::newRow("Ratio") << "Ratio" << file("b.dat") << Row(Size, 0.0);
         QTest::newRow("dmut-ra") << "dmut" << QString() << Row(Size, Jump);
-        QTest::newRow("rest-ra") << "rest" << QString() << Row{0.2, 0.4, 0.6};
+        // The level before the edge less an eighth of the jump.
+        QTest::newRow("rest-ra") << "rest" << QString() << Row{0.1, 0.3, 0.5};
         // What lies above the lowest rest of the image, as a share.
         QTest::newRow("ratio-ra") << "ratio" << QString() << Row{0.0, 0.2 / 1.0, 0.4 / 1.2};
     }

@@ -1,5 +1,4 @@
 #include "TestMain.h"
-#include "batch/BatchPacing.h"
 #include "frames/StackLoader.h"
 
 class TestStackLoader : public QObject {
@@ -77,28 +76,6 @@ class TestStackLoader : public QObject {
         e->frame->loaded = true;
         QVERIFY(loader.arrived(e->frame));
         QVERIFY(!loader.isLoading());
-    }
-
-    void onlyTheAwaitedWorkAnswersABatch() {
-        using Work = BatchPacing::Work;
-        BatchPacing pacing;
-        QVERIFY(!pacing.isActive());
-        pacing.batchRequested();
-        QVERIFY(pacing.isActive());
-        QVERIFY(!pacing.acceptsLines());  // lines of the batch before
-        pacing.batchEnded();              // of the batch before
-        QVERIFY(pacing.isActive());
-        pacing.batchStarted();
-        QVERIFY(pacing.acceptsLines());
-        pacing.wait(CmdLine::parse("load_I1_files NEW a"), Work::LoadI1);
-        QVERIFY(!pacing.isWaitingFor(Work::LoadI0));
-        QVERIFY(!pacing.isWaitingFor(Work::Lcf));
-        QVERIFY(pacing.isWaitingFor(Work::LoadI1));
-        pacing.batchRequested();  // Exec. during the load
-        QVERIFY(!pacing.isWaitingFor(Work::LoadI1));
-        pacing.batchStarted();
-        pacing.batchEnded();
-        QVERIFY(!pacing.isActive());
     }
 };
 

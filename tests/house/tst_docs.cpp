@@ -82,18 +82,6 @@ class TestDocs : public QObject {
         QVERIFY2(broken.isEmpty(), qPrintable(broken.join('\n')));
     }
 
-    void everyPictureOfTheGuideIsUsed() {
-        QString all;
-        for (const QString& document : documents()) {
-            all += textOf(document);
-        }
-        for (const QString& picture : filesBelow("docs/guide/images", {"*.png"})) {
-            const QFileInfo info(picture);
-            QVERIFY2(all.contains("images/" + info.fileName() + ')'), qPrintable(picture));
-            QVERIFY2(info.size() < 120000, qPrintable(picture));
-        }
-    }
-
     void quotedLogLinesAreThoseOfTheProgram() {
         QString program;
         for (const QString& source : filesBelow("src", {"*.cpp"})) {

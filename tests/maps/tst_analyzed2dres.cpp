@@ -220,14 +220,6 @@ class TestAnalyzed2DRes : public QObject {
         QCOMPARE(procOf(*border), (Values{1, 1, 1, 1, 3, 1, 1, 1, 1}));
     }
 
-    void deglitchRatioZeroFindsNothing() {
-        const Values values = {0, 1, 2, 0, 9, 2, 0, 1, 2};
-        auto map = mapOf(3, 3, 0, values);
-        map->setDeglitchConds(0.0, 0.0);
-        map->deglitch();
-        QCOMPARE(procOf(*map), values);
-    }
-
     void deglitch2ReplacesFarPoints() {
         // Mean of what is below 5 in magnitude: 8 / 8 = 1. The 30 goes to the mean of its
         // neighbours that lie within 5 of 1; the NaN stays and is nobody's neighbour.

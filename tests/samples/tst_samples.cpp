@@ -1,7 +1,6 @@
 #include <QTemporaryDir>
 #include <cmath>
 
-#include "FrameWriter.h"
 #include "Phantom.h"
 #include "RandomCounts.h"
 #include "ResultTable.h"
@@ -38,24 +37,6 @@ class TestSamples : public QObject {
         QVERIFY(std::abs(sum / draws) < 5.0 * standardError);
         const double varianceError = std::sqrt((2.0 * mean * mean + mean) / draws);
         QVERIFY(std::abs(squares / draws - mean) < 5.0 * varianceError);
-    }
-
-    void fractionsAddUpToOne() {
-        const Phantom phantom(96, 64);
-        int inside = 0;
-        for (int y = 0; y < 64; ++y) {
-            for (int x = 0; x < 96; ++x) {
-                double sum = 0.0;
-                for (const Map& map : phantom.fractions) {
-                    QVERIFY(map.at(x, y) >= 0.0 && map.at(x, y) <= 1.0);
-                    sum += map.at(x, y);
-                }
-                const bool sample = phantom.thickness.at(x, y) > 0.0;
-                inside += sample ? 1 : 0;
-                QVERIFY(std::abs(sum - (sample ? 1.0 : 0.0)) < 1e-12);
-            }
-        }
-        QVERIFY(inside > 96 * 64 / 4 && inside < 96 * 64 * 3 / 4);
     }
 
     void framesFollowTheAbsorption() {
@@ -106,31 +87,6 @@ class TestSamples : public QObject {
         table.points[0].value = std::nan("");
         QCOMPARE(compareWithTruth(table, fraction, thickness, 0.5).notFinite, 1);
         QCOMPARE(compareWithTruth(table, fraction, thickness, 2.0).points, 0);
-    }
-
-    void damagedTablesAreRefused_data() {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<int>("points");
-        QTest::newRow("commas") << QByteArray("# bin half width = 1\n1,1,0.5\n4,1,nan\n") << 2;
-        QTest::newRow("blanks") << QByteArray("1 1 0.5\n") << 1;
-        QTest::newRow("empty") << QByteArray() << -1;
-        QTest::newRow("header only") << QByteArray("# width = 3\n") << -1;
-        QTest::newRow("two columns") << QByteArray("1,2\n") << -1;
-        QTest::newRow("huge position") << QByteArray("1e30,2,0.5\n") << -1;
-        QTest::newRow("huge bin") << QByteArray("# bin half width = 2000000000\n1,1,0.5\n") << -1;
-    }
-
-    void damagedTablesAreRefused() {
-        QFETCH(QByteArray, text);
-        QFETCH(int, points);
-        const QTemporaryDir dir;
-        const std::string name = dir.filePath("table.csv").toStdString();
-        writeTextFile(name, text.toStdString());
-        if (points < 0) {
-            QVERIFY_EXCEPTION_THROWN(readResultTable(name), std::runtime_error);
-        } else {
-            QCOMPARE(int(readResultTable(name).points.size()), points);
-        }
     }
 };
 

@@ -65,8 +65,6 @@ class Analysis2DTest : public QObject {
     void contAccessDrawsFromTheOldShares();
 
     void lcfMapsComeBack();
-    void lcfNeedsPanelsAndPoints();
-    void raMapsByHand();
 
   private:
     QString writeReference(const QString& name, double bump) const;
@@ -346,45 +344,6 @@ void Analysis2DTest::lcfMapsComeBack() {
         }
     }
     QVERIFY(ratio->isValid());
-}
-
-void Analysis2DTest::lcfNeedsPanelsAndPoints() {
-    QString why;
-    const auto spectrumAt = [](int, int) { return mixture(0.5); };
-    m_analyzer->addNewRef();
-    QVERIFY(!m_analysis->startLcf(gridOf(2, 2), spectrumAt, &why));
-    QVERIFY(!why.isEmpty() && !m_analyzer->isBusy());
-    addReferences();
-    why.clear();
-    QVERIFY(!m_analysis->startLcf(
-        gridOf(2, 2), [](int, int) { return XafsSpectrum(); }, &why));
-    QVERIFY(!why.isEmpty() && !m_analysis->lcfRunning());
-}
-
-void Analysis2DTest::raMapsByHand() {
-    // A pre-edge level of p and a jump of j at each pixel: dmut = j, rest = p - 2 j.
-    m_analyzer->setRaEnergy(7200.0);
-    m_analyzer->setRaFactor(2.0);
-    double curves[2];
-    const auto curvesAt = [&](int x, int y) {
-        curves[0] = 1.0 + x;
-        curves[1] = curves[0] + 0.5 + y;
-        return curves;
-    };
-    QVector<double> progress;
-    m_analysis->runRa(gridOf(2, 2), curvesAt, [&](double percent) { progress.append(percent); });
-    m_analysis->generateRaImages();
-    QCOMPARE(progress, QVector<double>{50.0});
-    // rest: 0 1 / -2 -1, lowest -2; ratio = (rest + 2) / (dmut + rest + 2)
-    const double rest[] = {0.0, 1.0, -2.0, -1.0};
-    const double ratio[] = {2.0 / 2.5, 3.0 / 3.5, 0.0, 1.0 / 2.5};
-    for (int i = 0; i < 4; ++i) {
-        QVERIFY(near(m_analyzer->raDmut()->valueAt(i % 2, i / 2), i < 2 ? 0.5 : 1.5));
-        QVERIFY(near(m_analyzer->raRest()->valueAt(i % 2, i / 2), rest[i]));
-        QVERIFY(near(m_analyzer->raRatio()->valueAt(i % 2, i / 2), ratio[i]));
-    }
-    QVERIFY(m_analyzer->raRatio()->isValid());
-    QCOMPARE(m_analyzer->raRest()->no(), -1);
 }
 
 TARNWICK_TEST_MAIN(QApplication, Analysis2DTest)
