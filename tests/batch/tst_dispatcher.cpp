@@ -1,5 +1,6 @@
 #include "TestMain.h"
 #include "batch/BatchDispatcher.h"
+#include "batch/BatchPacing.h"
 
 /// Stands for the main window: notes what it is told to execute and answers at once.
 class Executor : public QObject {
@@ -198,6 +199,26 @@ class TestDispatcher : public QObject {
         emit body.finishBatchExec();
         QCOMPARE(body.seen.last(), QString("set_band_h 1"));
         QCOMPARE(body.starts, 2);
+    }
+
+    /// The window's side: a line waits for its own work, and lines of a batch that was started anew
+    /// meanwhile, or its end, are not taken for those of the new one.
+    void onlyTheAwaitedWorkAnswersABatch() {
+        using Work = BatchPacing::Work;
+        BatchPacing pacing;
+        pacing.batchRequested();
+        QVERIFY(pacing.isActive() && !pacing.acceptsLines());
+        pacing.batchEnded();  // of the batch before
+        QVERIFY(pacing.isActive());
+        pacing.batchStarted();
+        QVERIFY(pacing.acceptsLines());
+        pacing.wait(CmdLine::parse("load_I1_files NEW a"), Work::LoadI1);
+        QVERIFY(pacing.isWaitingFor(Work::LoadI1) && !pacing.isWaitingFor(Work::LoadI0));
+        pacing.batchRequested();  // Exec. during the load
+        QVERIFY(!pacing.isWaitingFor(Work::LoadI1));
+        pacing.batchStarted();
+        pacing.batchEnded();
+        QVERIFY(!pacing.isActive());
     }
 
     void aRemarkOutlivesTheBatch() {
