@@ -102,6 +102,9 @@ class TestBody : public QObject {
         child<QPushButton>(*m_body, "Next")->click();
         child<QPushButton>(*m_body, "Next")->click();
         QCOMPARE(bar->value(), 60);
+        m_body->sliderMoved(0);
+        child<QPushButton>(*m_body, "Prev")->click();
+        QVERIFY(child<QLabel>(*m_body, "State")->text().contains("7000.00 eV"));
         child<QPushButton>(*m_body, "ShowI0")->click();
         QCOMPARE(bar->maximum(), 20);
         m_body->sliderMoved(7);
