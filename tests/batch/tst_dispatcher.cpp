@@ -27,11 +27,11 @@ class Executor : public QObject {
 
   signals:
     void finishBatchExec();
-    void dispatch(QStringList lines);
+    void dispatch(QStringList);
     void stop();
 
   public slots:
-    void execCmd(CmdLine cmd, bool inRem) {
+    void execCmd(const CmdLine& cmd, bool inRem) {
         cmds.append(cmd);
         seen.append((inRem ? "(rem) " : "") + (QStringList{cmd.command} + cmd.args).join(' '));
         if (answering) {

@@ -58,7 +58,9 @@ class TestButtons : public QObject {
             auto* dialog = qobject_cast<QFileDialog*>(window);
             opened = dialog != nullptr && dialog->isVisible() ? dialog : opened;
         }
-        QVERIFY2(opened != nullptr, button);
+        if (opened == nullptr) {
+            qFatal("%s opens no dialog", button);
+        }
         opened->hide();
         emit opened->fileSelected(name);
     }
