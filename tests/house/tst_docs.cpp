@@ -108,7 +108,7 @@ class TestDocs : public QObject {
         const QString texts = textOf(Root + "src/ui/translations/Tarnwick_ja_JP.ts");
         int checked = 0;
         for (const QString& document : filesBelow("docs/guide/ja", {"*.md"})) {
-            for (QString name : captures(textOf(document), QStringLiteral("「([^」]+)」"))) {
+            for (const QString& name : captures(textOf(document), QStringLiteral("「([^」]+)」"))) {
                 if (name.contains('`')) {
                     continue;  // a name from a file, not from the interface
                 }
