@@ -121,8 +121,6 @@ Outcome Measurement::start(Work work) {
     const AbsorptionSource& frames = source();
     m_analysis = makeAnalysis(work);
     m_eachRow.start();
-    emit changed(AtWork);
-    emit progressed(work, 0.0, 100.0);
     m_analysis->begin();
     BinRaster raster = m_analysis->grid().raster();
     if (m_analysis->valuesPerBin() == 0) {
@@ -130,7 +128,11 @@ Outcome Measurement::start(Work work) {
     }
     m_job.start(frames, raster, m_analysis->valuesPerBin(),
                 m_analysis->evaluators(std::max(1, m_threads), frames));
-    emit changed(Changes(Results) | Display);
+    // Who is told may stop it at once.
+    emit changed(Changes(AtWork) | Results | Display);
+    if (working() == work) {
+        emit progressed(work, 0.0, 100.0);
+    }
     return {};
 }
 
