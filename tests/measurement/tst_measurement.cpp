@@ -1,0 +1,394 @@
+#include <QCoreApplication>
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "Files.h"
+#include "Phantom.h"
+#include "TestMain.h"
+#include "absorption/AbsorptionSource.h"
+#include "calibration/EnergyShift.h"
+#include "files/FileListing.h"
+#include "measurement/Display.h"
+#include "measurement/Measurement.h"
+
+namespace {
+
+constexpr int Width = 13;
+constexpr int Height = 11;
+
+double fractionOfA(int x, int y) {
+    return 0.1 + 0.05 * x + 0.02 * y;
+}
+
+double shiftOf(int x, int y) {
+    return 0.5 * (x / 3) - 0.25 * (y / 3);
+}
+
+bool sameBits(double a, double b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+QVector<double> valuesOf(const Result& result) {
+    QVector<double> values;
+    for (int i = 0; i < Width * Height; ++i) {
+        values << result.image.valueAt(i % Width, i / Width);
+    }
+    return values;
+}
+
+}  // namespace
+
+class TestMeasurement : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<Phantom> m_phantom;
+    std::unique_ptr<Measurement> m_measurement;
+    QVector<Work> m_ended;
+    Outcome m_outcome;  // of what ended last
+
+    Reference& reference(int i) const {
+        return *m_measurement->references()[static_cast<std::size_t>(i)];
+    }
+
+    void load(StackId id, const QString& pattern, bool replace = true) {
+        m_ended.clear();
+        m_measurement->load(id, listImageFiles(m_phantom->dir(), {pattern}), replace);
+        QTRY_VERIFY(!m_ended.isEmpty());
+        QVERIFY(!m_outcome.failed());
+    }
+
+    /// Runs an analysis to its end.
+    void run(Work work) {
+        m_ended.clear();
+        QVERIFY(!m_measurement->start(work).failed());
+        QTRY_COMPARE(m_ended, QVector<Work>{work});
+        QVERIFY(m_measurement->working() == Work::None);
+    }
+
+    void addReferences() {
+        for (const char* name : {"a.dat", "b.dat", "a.dat"}) {
+            QVERIFY(!m_measurement->addReference().failed());
+            const QString file = m_phantom->file(QLatin1String(name));
+            m_measurement->change(m_measurement->referenceCount() - 1,
+                                  [&file](Reference& r) { QVERIFY(r.read(file)); });
+        }
+    }
+
+    /// What one bin after the other finds at a position, in the present inputs.
+    XafsSpectrum sampleAt(const AbsorptionSource& source, int x, int y) const {
+        const Settings& s = m_measurement->settings();
+        return XafsSpectrum(source.spectrumAt(x, y, s.halfWidth, s.halfHeight), s.targetBackground,
+                            shiftAt(&m_measurement->map().image, x, y));
+    }
+
+  private slots:
+    void initTestCase() {
+        Phantom::Options options;
+        options.width = Width;
+        options.height = Height;
+        options.energies = 41;
+        options.i0Energies = 31;
+        options.fractionOfA = fractionOfA;
+        options.energyShift = shiftOf;
+        m_phantom = std::make_unique<Phantom>(options);
+        QVERIFY(m_phantom->isValid());
+    }
+
+    void init() {
+        m_measurement = std::make_unique<Measurement>();
+        connect(m_measurement.get(), &Measurement::ended, this,
+                [this](Work work, const Outcome& outcome) {
+                    m_ended << work;
+                    m_outcome = outcome;
+                });
+        load(StackId::I1, "i1-*.tif");
+        load(StackId::I0, "i0-*.tif");
+        m_measurement->set(&Settings::halfWidth, 1);
+        m_measurement->set(&Settings::halfHeight, 1);
+        addReferences();
+    }
+
+    void whatCannotBegin() {
+        Measurement empty;
+        QVERIFY(empty.start(Work::Calibrate).failed());
+        QVERIFY(empty.deglitch(2.0, 0.1).failed());
+        QVERIFY(empty.loadNew(StackId::I1).failed());
+        m_measurement->setThreads(1);
+        QVERIFY(!m_measurement->start(Work::Fit).failed());
+        QVERIFY(m_measurement->isAtWork(Work::Fit));
+        QVERIFY(m_measurement->addReference().failed());
+        m_ended.clear();
+        QVERIFY(m_measurement->start(Work::Residual).failed());  // stops what runs
+        QCOMPARE(m_ended, QVector<Work>{Work::Fit});
+        QVERIFY(m_outcome.failed() && m_measurement->working() == Work::None);
+        for (int i = 0; i < 3; ++i) {
+            m_measurement->change(i, [](Reference& r) { r.setUse(false); });
+        }
+        run(Work::Fit);
+        QVERIFY(m_outcome.failed());
+        // Who hears of the beginning may stop it.
+        connect(m_measurement.get(), &Measurement::changed, m_measurement.get(),
+                &Measurement::stop);
+        QVERIFY(!m_measurement->start(Work::Calibrate).failed());
+        QVERIFY(m_measurement->working() == Work::None && !m_measurement->map().image.hasData());
+    }
+
+    void fitsAreThoseOfOneBinAtATime_data() {
+        QTest::addColumn<int>("threads");
+        QTest::addColumn<int>("method");
+        QTest::addColumn<bool>("calibrated");
+        QTest::newRow("LCF, one thread") << 1 << int(LinearFit::Lcf) << false;
+        QTest::newRow("LCF, four threads") << 4 << int(LinearFit::Lcf) << true;
+        QTest::newRow("MLCF, four threads") << 4 << int(LinearFit::Mlcf) << false;
+    }
+
+    /// To the last bit, over an area that the bins do not fill.
+    void fitsAreThoseOfOneBinAtATime() {
+        QFETCH(int, threads);
+        QFETCH(int, method);
+        QFETCH(bool, calibrated);
+        Measurement& m = *m_measurement;
+        m.setThreads(threads);
+        m.set(&Settings::method, static_cast<LinearFit::Method>(method));
+        m.set(&Settings::targetBackground, XafsSpectrum::Victreen);
+        if (calibrated) {
+            QVERIFY(!m.loadStandard(m_phantom->file("a.dat")).failed());
+            run(Work::Calibrate);
+        }
+        m.set(&Settings::area, Area{12, 10, 2, 1});
+        m.change(1, [](Reference& r) { r.setDeltaE(0.37); });
+        QVector<double> progress;
+        connect(&m, &Measurement::progressed, this,
+                [&progress](Work, double done, double) { progress << done; });
+        run(Work::Fit);
+        QCOMPARE(progress.first(), 0.0);
+        QCOMPARE(progress.last(), 100.0);
+
+        QVector<XafsSpectrum> spectra{reference(0).spectrum(), reference(1).spectrum()};
+        LinearFit fit(spectra, static_cast<LinearFit::Method>(method));
+        const AbsorptionSource source(m.stack(StackId::I1).frames(), m.stack(StackId::I0).frames(),
+                                      Width, Height);
+        for (int y = 0; y < Height; ++y) {
+            for (int x = 0; x < Width; ++x) {
+                const bool inside = x >= 2 && x < 11 && y >= 1 && y < 10;
+                if (inside) {
+                    fit.fit(sampleAt(source, 3 + (x - 2) / 3 * 3, 2 + (y - 1) / 3 * 3));
+                }
+                for (std::size_t r = 0; r < 2; ++r) {
+                    const Reference& found = *m.references()[r];
+                    QVERIFY(sameBits(found.result(Reference::Ratio).image.valueAt(x, y),
+                                     inside ? fit.ratios()[r] : 0.0));
+                    QVERIFY(sameBits(found.result(Reference::DMut).image.valueAt(x, y),
+                                     inside ? fit.dMuts()[r] : 0.0));
+                }
+            }
+        }
+        const Analyzed2DRes& unused = reference(2).result(Reference::Ratio).image;
+        QVERIFY(unused.isValid() && unused.dataMin() > unused.dataMax());
+        QCOMPARE(unused.no(), 5);
+    }
+
+    /// The lowest rest is far above 0 here, so that it must not be taken for 0.
+    void residualAbsorptionWithPositiveRest() {
+        Measurement& m = *m_measurement;
+        m.set(&Settings::halfWidth, 0);
+        m.set(&Settings::halfHeight, 0);
+        m.set(&Settings::raEnergy, 7100.0);
+        m.set(&Settings::raFactor, 0.125);
+        run(Work::Residual);
+        const AbsorptionSource source(m.stack(StackId::I1).frames(), m.stack(StackId::I0).frames(),
+                                      Width, Height);
+        QVector<double> dMut;
+        QVector<double> rest;
+        for (int i = 0; i < Width * Height; ++i) {
+            const XafsSpectrum sample = sampleAt(source, i % Width, i / Width);
+            const double pre = sample.preEdge().valueAt(7100.0);
+            dMut << sample.postEdge().valueAt(7100.0) - pre;
+            rest << pre - 0.125 * dMut.last();
+        }
+        const double lowest = *std::min_element(rest.begin(), rest.end());
+        QVERIFY(lowest > 0.1);
+        for (int i = 0; i < Width * Height; ++i) {
+            const double above = rest[i] - lowest;
+            QCOMPARE(valuesOf(m.residual(0))[i], dMut[i]);
+            QCOMPARE(valuesOf(m.residual(1))[i], rest[i]);
+            // Small differences of what is equal but for rounding.
+            QVERIFY(std::abs(valuesOf(m.residual(2))[i] - above / (dMut[i] + above)) < 1e-9);
+        }
+    }
+
+    void calibrationStoppedLeavesTheMapInForce() {
+        Measurement& m = *m_measurement;
+        m.loadStandard(m_phantom->file("a.dat"));
+        run(Work::Calibrate);
+        const QVector<double> before = valuesOf(m.map());
+        const auto input = m.mapInput();
+        m.setPosition(4, 4);
+        const double correction = m.sample().energyCorrection();
+        QVERIFY(correction != 0.0);
+        m.loadStandard(m_phantom->file("b.dat"));
+        connect(&m, &Measurement::progressed, this, [&m](Work, double done, double) {
+            if (done > 0.0) {
+                m.stop();
+            }
+        });
+        QVERIFY(!m.start(Work::Calibrate).failed());
+        QTRY_VERIFY(m.working() == Work::None);
+        QVERIFY(m_outcome.failed());
+        QCOMPARE(valuesOf(m.map()), before);
+        QVERIFY(m.mapInput() == input);
+        QCOMPARE(m.sample().energyCorrection(), correction);
+        QVERIFY(m.differenceOf(m.map()) == Difference::References);
+        m.clearMap();
+        QVERIFY(!m.map().image.hasData() && !m.mapInput());
+        QCOMPARE(m.sample().energyCorrection(), 0.0);
+    }
+
+    void residualAbsorptionStoppedKeepsItsRows() {
+        Measurement& m = *m_measurement;
+        m.set(&Settings::halfHeight, 0);
+        run(Work::Residual);
+        const QVector<double> whole = valuesOf(m.residual(0));
+        bool isStopped = false;
+        connect(&m, &Measurement::progressed, this, [&](Work work, double, double) {
+            if (work == Work::Residual && !isStopped && m.residual(0).image.valueAt(1, 0) != 0.0) {
+                isStopped = true;
+                m.stop();
+            }
+        });
+        QVERIFY(!m.start(Work::Residual).failed());
+        QTRY_VERIFY(m.working() == Work::None);
+        QVERIFY(isStopped && m.residual(0).run->state == Run::State::Stopped);
+        const QVector<double> kept = valuesOf(m.residual(0));
+        for (int i = 0; i < kept.size(); ++i) {
+            QVERIFY(kept[i] == whole[i] || (kept[i] == 0.0 && i >= Width));
+        }
+        QVERIFY(m.residual(2).image.isValid());
+    }
+
+    /// After each change a result says what keeps it from being one of the present inputs, and is
+    /// current again when the change is taken back.
+    void resultsAreCurrentOrSayWhyNot_data() {
+        using M = Measurement;
+        QTest::addColumn<std::function<void(M&)>>("change");
+        QTest::addColumn<std::function<void(M&)>>("back");
+        QTest::addColumn<QVector<Difference>>("expected");  // of fit, residual, map
+        using D = Difference;
+        const auto row = [](const char* name, std::function<void(M&)> change,
+                            std::function<void(M&)> back, QVector<Difference> expected) {
+            QTest::newRow(name) << std::move(change) << std::move(back) << expected;
+        };
+        const auto none = D::None;
+        row(
+            "bins", [](M& m) { m.set(&Settings::halfHeight, 2); },
+            [](M& m) { m.set(&Settings::halfHeight, 1); }, {D::Bins, D::Bins, D::Bins});
+        row(
+            "area",
+            [](M& m) {
+                m.set(&Settings::area, Area{0, 0, 9, 9});
+            },
+            [](M& m) { m.set(&Settings::area, Area{}); }, {D::Area, D::Area, D::Area});
+        row(
+            "target background", [](M& m) { m.set(&Settings::targetBackground, 1); },
+            [](M& m) { m.set(&Settings::targetBackground, 0); },
+            {D::Background, D::Background, none});
+        row(
+            "standard background", [](M& m) { m.set(&Settings::standardBackground, 1); },
+            [](M& m) { m.set(&Settings::standardBackground, 0); }, {none, none, D::Background});
+        row(
+            "method", [](M& m) { m.set(&Settings::method, LinearFit::Mlcf); },
+            [](M& m) { m.set(&Settings::method, LinearFit::Lcf); }, {D::Settings, none, none});
+        row(
+            "RA factor", [](M& m) { m.set(&Settings::raFactor, 2.0); },
+            [](M& m) { m.set(&Settings::raFactor, 1.0); }, {none, D::Settings, none});
+        const auto offset = [](int r, double dE) {
+            return [r, dE](M& m) { m.change(r, [dE](Reference& ref) { ref.setDeltaE(dE); }); };
+        };
+        row("offset", offset(1, 2.5), offset(1, 0.0), {D::References, none, none});
+        row("offset of one not in use", offset(2, 2.5), offset(2, 0.0), {none, none, none});
+        const auto use = [](bool on) {
+            return [on](M& m) { m.change(2, [on](Reference& ref) { ref.setUse(on); }); };
+        };
+        row("use", use(true), use(false), {D::References, none, none});
+        row(
+            "view",
+            [](M& m) {
+                m.set(&Settings::fixedScale, true);
+                m.select(1);
+                m.setPosition(1, 1);
+            },
+            [](M&) {}, {none, none, none});
+        row("map", [](M& m) { m.smoothMap(); }, {}, {D::Map, none, none});
+        row("standard", [this](M& m) { m.loadStandard(m_phantom->file("b.dat")); }, {},
+            {none, none, D::References});
+        row("frames", [this](M&) { load(StackId::I0, "i0-7000*.tif", false); }, {},
+            {D::Frames, D::Frames, D::Frames});
+        row("dark",
+            [this](M& m) {
+                m_ended.clear();
+                m.loadDark(m_phantom->writeDarkFrames(Width, Height, [](int, int) { return 40; }));
+                QTRY_COMPARE(m_ended, QVector<Work>{Work::LoadDark});
+            },
+            {}, {D::Dark, D::Dark, D::Dark});
+    }
+
+    void resultsAreCurrentOrSayWhyNot() {
+        QFETCH(std::function<void(Measurement&)>, change);
+        QFETCH(std::function<void(Measurement&)>, back);
+        QFETCH(QVector<Difference>, expected);
+        Measurement& m = *m_measurement;
+        m.loadStandard(m_phantom->file("a.dat"));
+        for (const Work work : {Work::Calibrate, Work::Fit, Work::Residual}) {
+            run(work);
+        }
+        const auto differences = [&] {
+            return QVector<Difference>{m.differenceOf(reference(0).result(Reference::DMut)),
+                                       m.differenceOf(m.residual(1)), m.differenceOf(m.map())};
+        };
+        const QVector<Difference> current(3, Difference::None);
+        QCOMPARE(differences(), current);
+        change(m);
+        QCOMPARE(differences(), expected);
+        for (const Difference d : expected) {
+            QCOMPARE(qstrlen(differenceText(d)) > 0, d != Difference::None);
+        }
+        if (back) {
+            back(m);
+            QCOMPARE(differences(), current);
+        }
+    }
+
+    void settingsHoldWhatTheirFieldsRead() {
+        QCOMPARE(inField(1.23456789), 1.23457);
+        Measurement& m = *m_measurement;
+        m.set(&Settings::ratioMax, 0.25);
+        m.set(&Settings::fixedScale, true);
+        QCOMPARE(reference(2).result(Reference::Ratio).image.rangeMax(), 0.25);
+        QCOMPARE(m.residual(2).image.rangeMax(), 0.25);
+        QVERIFY(!m.residual(1).image.isFixedScale());
+        m.loadStandard(m_phantom->file("a.dat"));
+        QCOMPARE(m.settings().edgeEnergy, fieldText(m.standard()->midE()));
+        m.loadStandard(m_phantom->file("none.dat"));
+        QVERIFY(m.standard() != nullptr && m.standard()->isEmpty() && m.standardFile().isEmpty());
+        QVERIFY(m.edgeEnergy() > 7000.0);
+        for (const char* text : {"Fe K", "nan", "inf", ""}) {
+            m.set(&Settings::edgeEnergy, QString(text));
+            QCOMPARE(m.edgeEnergy(), 0.0);
+        }
+        // A result of RA stays chosen when references come before it, and the area of the images.
+        run(Work::Residual);
+        m.select(4);
+        QVERIFY(m.selectedResult() == &m.residual(1));
+        m.addReference();
+        QVERIFY(m.selectedResult() == &m.residual(1));
+        m.set(&Settings::area, Area{-5, 3, 400, 5});
+        QCOMPARE(m.area(), QRectF(0, 3, Width, 2));
+    }
+};
+
+Q_DECLARE_METATYPE(std::function<void(Measurement&)>)
+Q_DECLARE_METATYPE(QVector<Difference>)
+
+TARNWICK_TEST_MAIN(QCoreApplication, TestMeasurement)
+#include "tst_measurement.moc"
