@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 
 #include "Files.h"
+#include "FullDisk.h"
 #include "TestMain.h"
 #include "panels/BatchCtrl.h"
 
@@ -101,6 +102,11 @@ class TestBatchCtrl : public QObject {
         m_window->load(dir.filePath("missing.bat"));
         QCOMPARE(cmds()->toPlainText(), "a\n" + japanese + "\n");
         m_window->save(dir.filePath("no/such/dir.bat"));
+        {
+            const FullDisk full(16);
+            cmds()->setPlainText(QString(100000, 'x'));
+            m_window->save(dir.filePath("a.bat"));
+        }
         m_window->load(dir.filePath("a.bat"));
         QCOMPARE(cmds()->toPlainText(), "a\n" + japanese + "\n");
     }

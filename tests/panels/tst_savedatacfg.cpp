@@ -1,11 +1,13 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QRadioButton>
 
 #include "TestMain.h"
 #include "panels/SaveDataCfg.h"
+
+using Separator = TableOptions::Separator;
+using Layout = TableOptions::Layout;
 
 class TestSaveDataCfg : public QObject {
     Q_OBJECT
@@ -24,30 +26,45 @@ class TestSaveDataCfg : public QObject {
     }
 
   private slots:
-    /// Each pair is a group of its own: choosing one leaves the other two as they are.
-    void choicesAreIndependent() {
-        SaveDataCfg dialog;
+    void choicesAreTheMeasurementsSettings() {
+        Measurement measurement;
+        SaveDataCfg dialog(measurement);
+        const Settings& settings = measurement.settings();
+        dialog.show();
         QVERIFY(dialog.savesAsTiff());
-        QCOMPARE(dialog.tiffOptions().scaleMin, 0.0);
-        QCOMPARE(dialog.tiffOptions().scaleMax, 1.0);
+        QCOMPARE(dialog.suffix(), QStringLiteral("tif"));
         QVERIFY(dialog.nameFilters().value(0).contains(QLatin1String("(*.tif)")));
         click(dialog, "SaveAsText");
-        QVERIFY(!dialog.savesAsTiff());
+        QVERIFY(!settings.savesTiff);
         QCOMPARE(dialog.suffix(), QStringLiteral("dat"));
         QVERIFY(dialog.nameFilters().value(0).contains(QLatin1String("(*.dat)")));
+        // Each pair is a group of its own: choosing one leaves the other two as they are.
         click(dialog, "SSV");
-        QVERIFY(dialog.tableOptions().separator == TableOptions::Separator::Blank);
-        QVERIFY(dialog.tableOptions().layout == TableOptions::Layout::Points);
+        QVERIFY((settings.table == TableOptions{Separator::Blank, Layout::Points, false}));
         click(dialog, "Vals");
-        QVERIFY(dialog.tableOptions().separator == TableOptions::Separator::Blank);
-        QVERIFY(dialog.tableOptions().layout == TableOptions::Layout::Rows);
-        QVERIFY(!dialog.savesAsTiff() && !dialog.tiffOptions().asAnalyzed);
+        QVERIFY((settings.table == TableOptions{Separator::Blank, Layout::Rows, false}));
+        QVERIFY(!settings.savesTiff);
         click(dialog, "AsAnalyzed");
-        QVERIFY(dialog.tableOptions().asAnalyzed && dialog.tiffOptions().asAnalyzed);
+        QVERIFY(settings.table.asAnalyzed && settings.tiff.asAnalyzed);
+        click(dialog, "CloseButton");
+        QVERIFY(!dialog.isVisible());
+
+        // And the other way round.
+        measurement.set(&Settings::savesTiff, true);
+        measurement.set(&Settings::table, TableOptions{Separator::Comma, Layout::Rows, false});
+        measurement.set(&Settings::tiff, TiffOptions{true, -1.5, 1.0, false});
+        for (const char* name : {"SaveAsTiff", "CSV", "Vals", "TiffFixScale"}) {
+            QVERIFY2(control<QAbstractButton>(dialog, name)->isChecked(), name);
+        }
+        QVERIFY(!control<QCheckBox>(dialog, "AsAnalyzed")->isChecked());
+        QCOMPARE(control<QLineEdit>(dialog, "TiffScaleMin")->text(), QStringLiteral("-1.5"));
+        // A text that reads as the value stays as it is.
+        QCOMPARE(control<QLineEdit>(dialog, "TiffScaleMax")->text(), QStringLiteral("1.0"));
     }
 
     void onlyWhatIsUsedIsEnabled() {
-        SaveDataCfg dialog;
+        Measurement measurement;
+        SaveDataCfg dialog(measurement);
         const auto* minimum = control<QLineEdit>(dialog, "TiffScaleMin");
         const auto* maximum = control<QLineEdit>(dialog, "TiffScaleMax");
         const auto* comma = control<QRadioButton>(dialog, "CSV");
@@ -65,13 +82,22 @@ class TestSaveDataCfg : public QObject {
         const QLocale before;
         QLocale::setDefault(QLocale(QLocale::German));
         {
-            SaveDataCfg dialog;
+            Measurement measurement;
+            SaveDataCfg dialog(measurement);
             dialog.setTiffFixedScale(true);
             auto* field = control<QLineEdit>(dialog, "TiffScaleMax");
             field->clear();
             QTest::keyClicks(field, QStringLiteral("2,x5.75"));
             QCOMPARE(field->text(), QStringLiteral("25.75"));
             QCOMPARE(dialog.tiffOptions().scaleMax, 25.75);
+            // Six digits count; the text that is being typed stays until it is finished.
+            QTest::keyClicks(field, QStringLiteral("12345"));
+            QCOMPARE(field->text(), QStringLiteral("25.7512345"));
+            QCOMPARE(measurement.settings().tiff.scaleMax, 25.7512);
+            QTest::keyClick(field, Qt::Key_Return);
+            QCOMPARE(field->text(), QStringLiteral("25.7512"));
+            dialog.setTiffScaleMax(1.23456789);
+            QCOMPARE(field->text(), QStringLiteral("1.23457"));
             field->clear();
             QCOMPARE(dialog.tiffOptions().scaleMax, 0.0);
         }

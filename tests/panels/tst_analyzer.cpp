@@ -1,0 +1,415 @@
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QThread>
+#include <cmath>
+
+#include "Edges.h"
+#include "Files.h"
+#include "TestMain.h"
+#include "TinyStacks.h"
+#include "display/XafsView.h"
+#include "panels/AnalyzeProc.h"
+#include "panels/Analyzer.h"
+#include "panels/LCFReference.h"
+#include "panels/XafsFileSelect.h"
+
+namespace {
+
+XafsSpectrum mixture(double share) {
+    return XafsSpectrum(edges::curve(edges::energies(),
+                                     [=](double e) {
+                                         return share * edges::step(e, 0.3) +
+                                                (1.0 - share) * edges::step(e, -0.2);
+                                     }),
+                        XafsSpectrum::Simple, 0.0);
+}
+
+bool near(double actual, double expected) {
+    return std::abs(actual - expected) < 1e-6;
+}
+
+}  // namespace
+
+class TestAnalyzer : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    QString m_first;
+    QString m_second;
+    std::unique_ptr<Measurement> m_measurement;
+    std::unique_ptr<Analyzer> m_analyzer;
+
+    QString writeReference(const QString& name, double bump) const {
+        QByteArray text;
+        for (double e : edges::energies()) {
+            text += QByteArray::number(e, 'g', 17) + ' ' +
+                    QByteArray::number(edges::step(e, bump), 'g', 17) + '\n';
+        }
+        put(m_dir.filePath(name), text);
+        return m_dir.filePath(name);
+    }
+
+    template <class T>
+    T* control(const char* name) const {
+        T* found = m_analyzer->findChild<T*>(QLatin1String(name));
+        if (!found) {
+            qFatal("no control %s", name);
+        }
+        return found;
+    }
+    QPushButton* button(const char* name) const { return control<QPushButton>(name); }
+
+    LCFReference* panel(int i) const { return m_analyzer->references().at(i); }
+    QLineEdit* field(int i, const char* name) const {
+        return panel(i)->findChild<QLineEdit*>(QLatin1String(name));
+    }
+    void addReferences() const {
+        m_analyzer->addNewRef();
+        m_analyzer->addNewRef();
+        m_analyzer->setLCFStd(0, m_first, 0.0, "0");
+        m_analyzer->setLCFStd(1, m_second, 0.0, "0");
+    }
+    void load() const {
+        const std::vector<double> energies{7000, 7050, 7090, 7100, 7110, 7150, 7200, 7300};
+        m_measurement->set(&Settings::halfWidth, 0);
+        m_measurement->set(&Settings::halfHeight, 0);
+        m_measurement->load(
+            StackId::I1,
+            writeTinyStack(m_dir.path(), "i1", 8, 6, energies,
+                           [&](int i, int x, int y) {
+                               const double e = energies[static_cast<std::size_t>(i)];
+                               return static_cast<quint16>(
+                                   40000.0 * std::exp(-edges::step(e, 0.02 * (x - y))));
+                           }),
+            true);
+        QTRY_COMPARE(m_measurement->stack(StackId::I1).size(), 8);
+        QTRY_VERIFY(!m_measurement->isAtWork(Work::LoadI1));
+    }
+
+  private slots:
+    void initTestCase() {
+        m_first = writeReference("first.dat", 0.3);
+        m_second = writeReference("second.dat", -0.2);
+    }
+
+    void init() {
+        m_measurement = std::make_unique<Measurement>();
+        m_analyzer = std::make_unique<Analyzer>(*m_measurement);
+    }
+
+    void cleanup() {
+        m_analyzer.reset();
+        m_measurement.reset();
+    }
+
+    void aRowShowsItsReference() {
+        for (int i = 0; i < 3; ++i) {
+            m_analyzer->addNewRef();
+        }
+        QVERIFY(panel(0)->isUsed() && panel(1)->isUsed() && !panel(2)->isUsed());
+        QVERIFY(!panel(0)->findChild<QCheckBox*>("IsVictreen")->isChecked());
+        QSignalSpy newFile(panel(2), &LCFReference::newFileSelected);
+        m_analyzer->setLCFStd(2, m_first, 1.23456789, "0");
+        QCOMPARE(newFile.size(), 1);
+        QVERIFY(panel(2)->isUsed());
+        QCOMPARE(field(2, "DMut")->text(), QString("1"));
+        QCOMPARE(field(2, "DeltaE")->text(), QString("1.23457"));
+        panel(2)->editedDeltaE();  // of a field that nobody has changed
+        QCOMPARE(panel(2)->spectrum().shift(), 1.23456789);
+        m_analyzer->setLCFStd(2, false, m_first, 0.0, "0");
+        QVERIFY(!panel(2)->isUsed());
+        m_analyzer->setLCFStd(3, m_first, 0.0, "0");
+        m_analyzer->setLCFStd(-1, m_first, 0.0, "0");
+        QCOMPARE(m_analyzer->references().size(), 3);
+        m_analyzer->setLCFStd(2, m_dir.filePath("missing.dat"), 0.0, "0");
+        QVERIFY(!panel(2)->hasSpectrum() && !panel(2)->fitInput().used);
+        QCOMPARE(panel(2)->findChild<XafsFileSelect*>()->fileName(), QString());
+        QCOMPARE(field(2, "DMut")->text(), QString());
+
+        // A batch changes the measurement; the row shows it.
+        m_measurement->change(2, [this](Reference& r) {
+            r.setBackground(XafsSpectrum::Victreen);
+            r.read(m_second);
+            r.setDeltaE(-2.0);
+            r.setUse(true);
+        });
+        QCOMPARE(panel(2)->findChild<XafsFileSelect*>()->fileName(), m_second);
+        QVERIFY(panel(2)->findChild<QCheckBox*>("IsVictreen")->isChecked());
+        QVERIFY(panel(2)->findChild<QCheckBox*>("Use")->isChecked());
+        QCOMPARE(field(2, "DeltaE")->text(), QString("-2"));
+
+        panel(2)->setRatio(0.12345);
+        panel(2)->setDMut(1234567.0);
+        QCOMPARE(field(2, "R")->text(), QString::asprintf("%5.2f", 12.345));
+        QCOMPARE(field(2, "T")->text(), QString("1.23457e+06"));
+    }
+
+    void anOffsetSurvivesBackgroundAndFile() {
+        m_analyzer->addNewRef();
+        auto* victreen = panel(0)->findChild<QCheckBox*>("IsVictreen");
+        panel(0)->newFile(m_first);
+        const XafsSpectrum before = panel(0)->spectrum();
+        QTest::keyClicks(field(0, "DeltaE"), ".53");  // behind the 0
+        m_analyzer->addNewRef();                      // what is being typed stays
+        QCOMPARE(field(0, "DeltaE")->text(), QString("0.53"));
+        QTest::keyClick(field(0, "DeltaE"), Qt::Key_Return);
+        victreen->setChecked(true);
+        victreen->setChecked(false);
+        panel(0)->newFile(m_first);
+        const XafsSpectrum& after = panel(0)->spectrum();
+        QCOMPARE(after.shift(), 0.53);
+        QVERIFY(after.shiftOn());
+        // The series stay where they were: the fit applies the offset, once.
+        QCOMPARE(after.doubleNormalizedPreBase().energy(0),
+                 before.doubleNormalizedPreBase().energy(0));
+        QCOMPARE(after.midE(), before.midE());
+        field(0, "DeltaE")->setText("nonsense");
+        panel(0)->editedDeltaE();
+        QCOMPARE(panel(0)->spectrum().shift(), 0.0);
+        QCOMPARE(field(0, "DeltaE")->text(), QString("0"));
+    }
+
+    void victreenWord_data() {
+        QTest::addColumn<QString>("word");
+        QTest::addColumn<bool>("victreen");
+        QTest::newRow("none") << QString() << true;
+        QTest::newRow("vic") << "vic" << true;
+        QTest::newRow("1") << "1" << true;
+        QTest::newRow("0") << "0" << false;
+        QTest::newRow("-1") << "-1" << false;
+        QTest::newRow("another word") << "line" << false;
+    }
+
+    void victreenWord() {
+        QFETCH(QString, word);
+        QFETCH(bool, victreen);
+        m_analyzer->addNewRef();
+        panel(0)->findChild<QCheckBox*>("IsVictreen")->setChecked(!victreen);
+        panel(0)->setStd(m_first, word);
+        QCOMPARE(panel(0)->findChild<QCheckBox*>("IsVictreen")->isChecked(), victreen);
+        QCOMPARE(panel(0)->spectrum().backgroundType() != XafsSpectrum::Simple, victreen);
+        QVERIFY(panel(0)->isUsed());
+    }
+
+    void frozenInputStays() {
+        addReferences();
+        panel(0)->freezeFitInput();
+        bool used = false;
+        double shift = -1.0;
+        m_analyzer->setLCFStd(0, false, m_second, 9.0, "0");
+        std::unique_ptr<QThread> other(QThread::create([&] {
+            used = panel(0)->fitInput().used;
+            shift = panel(0)->fitInput().spectrum.shift();
+        }));
+        other->start();
+        other->wait();
+        QVERIFY(used);
+        QCOMPARE(shift, 0.0);
+        QVERIFY(!panel(0)->fitInput().used);  // the live values on the panel's own thread
+    }
+
+    void controlsAreTheMeasurementsSettings() {
+        QCOMPARE(control<QLineEdit>("DMutScaleMin")->text(), QString("0.0"));
+        m_measurement->set(&Settings::raEnergy, 7200.5);
+        m_measurement->set(&Settings::method, LinearFit::Mlcf);
+        m_measurement->set(&Settings::showsEachRow, true);
+        m_measurement->set(&Settings::dMutMax, 1.0);  // reads 1.0 already
+        QCOMPARE(control<QLineEdit>("RAAtEV")->text(), QString("7200.5"));
+        QVERIFY(control<QCheckBox>("MLCF")->isChecked());
+        QVERIFY(control<QCheckBox>("DispOnTime")->isChecked() && m_analyzer->dispOnTime());
+        QCOMPARE(control<QLineEdit>("DMutScaleMax")->text(), QString("1.0"));
+
+        control<QCheckBox>("MLCF")->click();
+        QVERIFY(m_measurement->settings().method == LinearFit::Lcf);
+        auto* energy = control<QLineEdit>("RAAtEV");
+        energy->clear();
+        QTest::keyClicks(energy, "7100.2568");
+        QCOMPARE(m_analyzer->raEnergy(), 7100.26);
+        QCOMPARE(energy->text(), QString("7100.2568"));
+        QTest::keyClick(energy, Qt::Key_Return);
+        QCOMPARE(energy->text(), QString("7100.26"));
+        m_analyzer->setRaFactor(0.123456789);
+        QCOMPARE(control<QLineEdit>("RAFactor")->text(), QString("0.123457"));
+        QCOMPARE(m_measurement->settings().raFactor, 0.123457);
+
+        QSignalSpy changed(m_analyzer.get(), &Analyzer::changedSelection);
+        auto* limit = control<QLineEdit>("RatioScaleMax");
+        limit->selectAll();
+        QTest::keyClicks(limit, "0.25");
+        m_measurement->set(&Settings::ratioMin, -1.0);  // from elsewhere, in mid-typing
+        QCOMPARE(limit->text(), QString("0.25"));
+        QTest::keyClick(limit, Qt::Key_Return);
+        QCOMPARE(m_measurement->settings().ratioMax, 0.25);
+        QCOMPARE(changed.size(), 1);
+        control<QCheckBox>("FixedScale")->click();
+        QVERIFY(m_measurement->settings().fixedScale);
+        m_analyzer->setDMutScaleMin(0.0);
+        QCOMPARE(control<QLineEdit>("DMutScaleMin")->text(), QString("0"));
+        m_analyzer->setImageType(1);
+        m_analyzer->setScaleMax(0.75);
+        QCOMPARE(m_measurement->settings().ratioMax, 0.75);
+        QVERIFY(control<QRadioButton>("SelRatio")->isChecked());
+        control<QRadioButton>("SelDMut")->click();
+        QCOMPARE(m_measurement->settings().resultType, int(Reference::DMut));
+    }
+
+    void choiceButtonsNameTheResults() {
+        QSignalSpy changed(m_analyzer.get(), &Analyzer::changedSelection);
+        QVERIFY(m_analyzer->selectedResult() == nullptr);
+        QCOMPARE(m_analyzer->selectedTitle(), QString());
+        m_analyzer->selectImage(99);
+        QCOMPARE(changed.size(), 1);
+        m_analyzer->selectImage(0);  // no references: the dmut image, not made yet
+        QVERIFY(button("ShowDMuT")->isChecked());
+        QVERIFY(m_analyzer->selectedResult() == nullptr);
+        load();
+        m_measurement->start(Work::Residual);
+        QTRY_VERIFY(!m_analyzer->isBusy());
+        QCOMPARE(m_analyzer->selectedResult(), m_analyzer->raDmut());
+
+        addReferences();  // ids move: the button that is down stays the dmut image's
+        QVERIFY(button("ShowDMuT")->isChecked());
+        QCOMPARE(m_analyzer->selectedResult(), m_analyzer->raDmut());
+        control<QRadioButton>("SelectRef2")->click();
+        QCOMPARE(m_measurement->settings().selected, 1);
+        QCOMPARE(m_analyzer->selectedResult(), panel(1)->result(LCFReference::DMut));
+        m_analyzer->setImageType(1);
+        m_analyzer->setImageType(7);
+        QCOMPARE(m_analyzer->selectedResult(), panel(1)->result(LCFReference::Ratio));
+        QCOMPARE(m_analyzer->selectedTitle(), QString("Ratio   second.dat"));
+        m_analyzer->selectImage(3);
+        QVERIFY(button("ShowRest")->isChecked());
+    }
+
+    void titlesTellOfTheReferenceThatWasFitted() {
+        addReferences();
+        load();
+        m_measurement->select(0);
+        m_measurement->start(Work::Fit);
+        QTRY_VERIFY(!m_analyzer->isBusy());
+        m_analyzer->setLCFStd(0, m_second, 0.0, "0");
+        QCOMPARE(m_analyzer->selectedTitle(), QString("DMut   first.dat, with earlier references"));
+        m_measurement->start(Work::Fit);
+        m_measurement->stop();
+        QCOMPARE(m_analyzer->selectedTitle(), QString("DMut   second.dat, stopped at 0 %"));
+    }
+
+    void buttonsSayWhyNotAndStop() {
+        auto* fit = button("AskAnalyze");
+        auto* residual = button("AskRAAnalyze");
+        const auto whyNot = [](const QPushButton* b) {
+            return b->isEnabled() ? QString() : b->toolTip().section('\n', -1);
+        };
+        QCOMPARE(whyNot(fit), QString("Load the I1 frames first."));
+        load();
+        QCOMPARE(whyNot(fit), QString("Add two references first."));
+        QCOMPARE(whyNot(residual), QString());
+        m_analyzer->addNewRef();
+        m_analyzer->addNewRef();
+        QVERIFY(whyNot(fit).startsWith("Choose the file"));
+        m_analyzer->setLCFStd(0, m_first, 0.0, "0");
+        QCOMPARE(whyNot(fit), QString());
+
+        QSignalSpy asked(m_analyzer.get(), &Analyzer::askAnalyze);
+        m_measurement->start(Work::Fit);
+        QCOMPARE(control<QLabel>("Progress")->text(), QString(" 0.00"));
+        QCOMPARE(fit->text(), QString("Stop"));
+        QVERIFY(fit->isEnabled() && m_analyzer->isBusy());
+        QVERIFY(!residual->isEnabled() && !button("AddRef")->isEnabled());
+        QVERIFY(!panel(0)->findChild<QPushButton*>("Select")->isEnabled());
+        m_analyzer->addNewRef();
+        QCOMPARE(m_analyzer->references().size(), 2);
+        fit->click();
+        QCOMPARE(asked.size(), 1);
+        QTRY_VERIFY(!m_analyzer->isBusy());
+        QCOMPARE(control<QLabel>("Progress")->text(), QString("100.00"));
+        QCOMPARE(fit->text(), QString("Analyze"));
+        QVERIFY(button("AddRef")->isEnabled());
+        m_measurement->start(Work::Residual);
+        QCOMPARE(residual->text(), QString("Stop"));
+        QVERIFY(residual->isEnabled() && !fit->isEnabled());
+    }
+
+    void unanswerableFitsAreNotWaitedFor() {
+        m_analyzer->analyzeAndShowSpectrum(mixture(0.5));  // no panels
+        m_analyzer->analyzeSpectrum(XafsSpectrum());
+        QCOMPARE(m_analyzer->fitsOut(), 0);
+        addReferences();
+        QTRY_COMPARE(m_analyzer->fitsOut(), 0);
+        m_analyzer->analyzeSpectrum(XafsSpectrum());
+        QCOMPARE(m_analyzer->fitsOut(), 0);
+    }
+
+    void onlyTheNewestSpectrumWaits() {
+        addReferences();
+        QSignalSpy finished(m_analyzer.get(), &Analyzer::finished);
+        for (int i = 0; i <= 20; ++i) {
+            m_analyzer->analyzeAndShowSpectrum(mixture(0.04 * i));
+            QCOMPARE(m_analyzer->fitsOut(), 1);
+        }
+        QTRY_COMPARE(m_analyzer->fitsOut(), 0);
+        QCOMPARE(finished.size(), 2);
+        QCOMPARE(field(0, "R")->text(), QString("80.00"));  // there with the report
+        QCOMPARE(field(1, "R")->text(), QString("20.00"));
+        QCOMPARE(field(0, "T")->text(), QString("0.8"));
+        QVERIFY(m_analyzer->view()->rFactor().has_value());
+        // A change of a reference fits it anew.
+        panel(1)->setUse(false);
+        QTRY_COMPARE(m_analyzer->worker()->usedPanels().size(), std::size_t(1));
+    }
+
+    /// A fit under way when an analysis of the image begins is not shown; the spectrum is fitted
+    /// when that has ended.
+    void theCursorWaitsForTheImage() {
+        addReferences();
+        load();
+        m_analyzer->analyzeAndShowSpectrum(mixture(0.9));
+        m_analyzer->analyzeAndShowSpectrum(mixture(0.8));
+        QSignalSpy finished(m_analyzer.get(), &Analyzer::finished);
+        m_analyzer->setContAccess(true);
+        m_analyzer->analyzeAndShowSpectrum(mixture(0.25));
+        QTRY_COMPARE(m_analyzer->fitsOut(), 0);
+        QCOMPARE(finished.size(), 1);
+        QVERIFY(!m_analyzer->view()->rFactor());
+        m_analyzer->setContAccess(false);
+        QTRY_VERIFY(near(panel(0)->ratio(), 0.25));
+        QTRY_VERIFY(m_analyzer->view()->rFactor().has_value());
+
+        panel(0)->setRatio(7.0);
+        m_measurement->start(Work::Fit);
+        QVERIFY(m_analyzer->isBusy());
+        QTRY_VERIFY(near(panel(0)->ratio(), 0.25));
+        QVERIFY(!m_analyzer->isBusy());
+    }
+
+    void contAccessDrawsFromTheOldShares() {
+        addReferences();
+        AnalyzeProc worker;
+        QSignalSpy finished(&worker, &AnalyzeProc::finished);
+        panel(0)->setRatio(2.0);
+        panel(1)->setRatio(1.0);
+        XafsSpectrum fitted;
+        worker.setContAccess(true);
+        worker.analyzeSpectrum0(mixture(0.25), m_analyzer->references(), &fitted, false);
+        QVERIFY(near(worker.ratios().at(0), 0.25));
+        QCOMPARE(panel(0)->ratio(), 2.0);
+        QVERIFY(near(fitted.value(fitted.size() - 1), 3.0));
+        worker.setContAccess(false);
+        worker.analyzeSpectrum0(mixture(0.25), m_analyzer->references(), &fitted, false);
+        QVERIFY(near(panel(0)->ratio(), 0.25));
+        QVERIFY(near(fitted.value(fitted.size() - 1), 1.0));
+        QCOMPARE(finished.size(), 2);
+        worker.analyzeSpectrumByMLCF(XafsSpectrum(), m_analyzer->references(), &fitted);
+        worker.analyzeSpectrumByLCF(mixture(0.5), {panel(0)}, &fitted);
+        QCOMPARE(finished.size(), 2);
+    }
+};
+
+TARNWICK_TEST_MAIN(QApplication, TestAnalyzer)
+#include "tst_analyzer.moc"
