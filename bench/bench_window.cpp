@@ -18,7 +18,6 @@
 #include <memory>
 #include <thread>
 
-#include "RoundTrips.h"
 #include "SampleStacks.h"
 #include "absorption/AbsorptionSource.h"
 #include "absorption/BinRowSpectra.h"
@@ -290,16 +289,6 @@ void PlainLcf(benchmark::State& state) {
         benchmark::DoNotOptimize(fit.ratios().data());
     });
 }
-
-/// As many hand-overs to the fitter as WindowLcf/0 has points, with no work on either side; the
-/// argument tells whether the loops are the analyzer's (1) or Qt's own (0).
-void EmptyRoundTrips(benchmark::State& state) {
-    RoundTrips trips(state.range(0) != 0);
-    for (auto _ : state) {
-        trips.run(references().at(0), static_cast<int>(stacks().pixels()));
-    }
-}
-BENCHMARK(EmptyRoundTrips)->Arg(0)->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 /// What the cursor needs where it stands, without painting.
 void Cursor(benchmark::State& state) {
