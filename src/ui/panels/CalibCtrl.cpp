@@ -48,7 +48,6 @@ CalibCtrl::CalibCtrl(Measurement& measurement, QWidget* parent)
     }
     m_ui->StdSelector->showUse(false);
     m_ui->StdSelector->hide();
-    m_ui->ExecCalib->setMinimumWidth(m_ui->ExecCalib->sizeHint().width());
     connectControls();
     connect(&m_measurement, &Measurement::changed, this, &CalibCtrl::showChanges);
     showSettings();
