@@ -204,7 +204,6 @@ class TestDispatcher : public QObject {
     /// The window's side: a line waits for its own work, and lines of a batch that was started anew
     /// meanwhile, or its end, are not taken for those of the new one.
     void onlyTheAwaitedWorkAnswersABatch() {
-        using Work = BatchPacing::Work;
         BatchPacing pacing;
         pacing.batchRequested();
         QVERIFY(pacing.isActive() && !pacing.acceptsLines());

@@ -16,14 +16,19 @@ using Values = QVector<double>;
 using Words = QVector<quint16>;
 
 /// A map with one value a bin, in grid order.
-std::unique_ptr<Analyzed2DRes> mapOf(int width, int height, int half, const Values& values) {
+std::unique_ptr<Analyzed2DRes> mapOf(int width, int height, int halfW, int halfH,
+                                     const Values& values) {
     auto map = std::make_unique<Analyzed2DRes>();
-    map->setGrid(AnalysisGrid::ofArea(width, height, half, half, QRectF(0, 0, width, height)));
+    map->setGrid(AnalysisGrid::ofArea(width, height, halfW, halfH, QRectF(0, 0, width, height)));
     map->clear();
     int n = 0;
     forEachPoint(map->grid(),
-                 [&](int x, int y) { map->setData(x, y, half, half, values.value(n++)); });
+                 [&](int x, int y) { map->setData(x, y, halfW, halfH, values.value(n++)); });
     return map;
+}
+
+std::unique_ptr<Analyzed2DRes> mapOf(int width, int height, int half, const Values& values) {
+    return mapOf(width, height, half, half, values);
 }
 
 Values procOf(const Analyzed2DRes& map) {
@@ -173,14 +178,25 @@ class TestAnalyzed2DRes : public QObject {
         // A spike of 9 on a plane that rises by 1 a column. The measure is |2c - left - right| and
         // |2c - up - down|, averaged where both exist: at the spike (16 + 16) / 2, beside it (8 +
         // 0) / 2 across the plane or 8 alone at the border; their mean is 48 / 9.
-        auto map = mapOf(3, 3, 0, {0, 1, 2, 0, 9, 2, 0, 1, 2});
+        const Values spike = {0, 1, 2, 0, 9, 2, 0, 1, 2};
+        const Values plane = {0, 1, 2, 0, 1, 2, 0, 1, 2};
+        auto map = mapOf(3, 3, 0, spike);
         map->setDeglitchConds(1.0, 0.2);
         map->deglitch();
-        QCOMPARE(procOf(*map), (Values{0, 1, 2, 0, 1, 2, 0, 1, 2}));
+        QCOMPARE(procOf(*map), plane);
         QCOMPARE(map->procMin(), 0.0);
         QCOMPARE(map->procMax(), 2.0);
         QCOMPARE(map->valueAt(1, 1), 9.0);  // the original stays
 
+        // Bins wider than high, and higher than wide: a step is a bin, not a pixel.
+        for (const auto& bins : {mapOf(15, 3, 2, 0, spike), mapOf(3, 15, 0, 2, spike)}) {
+            bins->setDeglitchConds(1.0, 0.2);
+            bins->deglitch();
+            QCOMPARE(procOf(*bins), plane);
+            bins->deglitch2(5.0);
+            QCOMPARE(procOf(*bins), plane);
+            QCOMPARE(std::count(bins->proc(), bins->proc() + 45, 2.0), 15);
+        }
         // A factor that lifts the threshold above the spike's measure leaves it.
         map->setDeglitchConds(10.0, 0.2);
         map->deglitch();

@@ -118,7 +118,7 @@ class TestProgram : public QObject {
         const auto row = [](const QStringList& arguments, int code, const char* said) {
             QTest::newRow(qPrintable(arguments.join(' '))) << arguments << code << said;
         };
-        row({}, 2, "No batch file given");
+        row({}, 2, "No file given");
         row({"missing.bat"}, 2, "cannot open missing.bat");
         row({"."}, 2, "cannot open .");
         row({"missing.bat", "--check"}, 2, "cannot open missing.bat");
@@ -126,6 +126,9 @@ class TestProgram : public QObject {
         row({"--check"}, 2, "No batch file given");
         row({"a.bat", "b.bat"}, 2, "");
         row({"-x", "a.bat"}, 2, "");
+        row({"-C", "nowhere", "b.bat"}, 2, "cannot enter nowhere");
+        row({"--origin", "nothing.tif"}, 1, "nothing.tif: there is no such file");
+        row({"--record", "b.bat"}, 1, "b.bat: no origin in it");
         row({"--version"}, 0, "tarnwick-batch ");
         row({"--help"}, 0, "--check");
     }
@@ -134,12 +137,21 @@ class TestProgram : public QObject {
         QFETCH(QStringList, arguments);
         QFETCH(int, code);
         QFETCH(QString, said);
+        batchOf({});
         const Run result = runWith(arguments);
         QCOMPARE(result.code, code);
         QVERIFY2((code == 0 ? result.out : result.problems).contains(said),
                  qPrintable(result.out + result.problems));
         QVERIFY(code == 0 ? result.problems.isEmpty()
                           : result.out.isEmpty() && result.problems.count('\n') == 1);
+    }
+
+    void runsInAFolder() {
+        QVERIFY(QDir(m_dir.path()).mkdir("in here"));
+        put(file("in here/foil.dat"), "7100 0\n7110 0.5\n7120 1\n");
+        const Run result = runWith({"-C", "in here", batchOf({"calib_load_std foil.dat"})});
+        QCOMPARE(result.verdict, QString("1 line done, 0 failed"));
+        QCOMPARE(result.code, 0);
     }
 
     void whatIsSaidToTheLetter() {

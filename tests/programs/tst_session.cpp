@@ -1,9 +1,14 @@
 #include <QBuffer>
+#include <QImage>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 
 #include "TestMain.h"
+#include "files/OriginText.h"
+#include "files/PictureFile.h"
 #include "tarnwick-batch/BatchSession.h"
 #include "tarnwick-batch/Console.h"
+#include "tarnwick-batch/SavedOrigin.h"
 
 namespace {
 
@@ -55,14 +60,14 @@ class TestSession : public QObject {
             const bool fails = item.startsWith('!');
             const CmdLine cmd = command(item.mid(fails ? 1 : 0));
             index = cmd.command.toInt();
-            session.commandDone(command(cmd.arg(0)), fails ? QStringList{"why"} : QStringList{});
+            session.commandDone(command(cmd.arg(0)), fails ? Outcome::failure("why") : Outcome());
         }
         session.end();
         QTEST(QString::fromUtf8(m_out.data()).trimmed(), "verdict");
         QCOMPARE(finished.count(), 1);
         QTEST(finished.at(0).at(0).toInt(), "code");
         session.end();  // only once
-        session.commandDone(command("x"), {"late"});
+        session.commandDone(command("x"), Outcome::failure("late"));
         session.log("late");
         QCOMPARE(finished.count(), 1);
         QVERIFY(!m_out.data().contains("late"));
@@ -72,20 +77,20 @@ class TestSession : public QObject {
         {
             Console file(&m_out, &m_err, false, false);
             BatchSession session(&file, BatchText(), [] { return -1; });
-            session.loadProgress(1, 1, 2);
-            session.analysisProgress(50.0);
+            session.progress(Work::LoadI1, 1, 2);
+            session.progress(Work::Fit, 50.0, 100.0);
             QCOMPARE(m_err.data() + m_out.data(), QByteArray());
         }
         Console console(&m_out, &m_err, false, true);
         BatchSession session(&console, BatchText(), [] { return -1; });
-        session.loadProgress(0, 0, 0);  // nothing to show
+        session.progress(Work::LoadI0, 0, 0);  // nothing to show
         QCOMPARE(m_err.data(), QByteArray());
-        session.loadProgress(0, 45, 90);
-        session.loadProgress(0, 45, 90);  // unchanged: not drawn again
+        session.progress(Work::LoadI0, 45, 90);
+        session.progress(Work::LoadI0, 45, 90);  // unchanged: not drawn again
         QCOMPARE(m_err.data(), QByteArray("I0 [###############...............] 45/90"));
-        session.analysisProgress(std::numeric_limits<double>::quiet_NaN());
+        session.progress(Work::Fit, std::numeric_limits<double>::quiet_NaN(), 100.0);
         QVERIFY(m_err.data().endsWith("\r\033[KAnalysis [..............................] 0 %"));
-        session.analysisProgress(1e300);
+        session.progress(Work::Calibrate, 1e300, 1e300);
         QVERIFY(m_err.data().endsWith("\r\033[KAnalysis [##############################] 100 %"));
         console.note("debug");
         QVERIFY(m_err.data().endsWith("100 %\r\033[Kdebug\n"));
@@ -105,6 +110,35 @@ class TestSession : public QObject {
         QCOMPARE(terminal.data(),
                  QByteArray("echo a\nI1 [..............................] 0/2\r\033[Kx\n"
                             "echo b\ndebug\nend\n"));
+    }
+
+    void savedFilesTell() {
+        QTemporaryDir dir;
+        OriginText origin;
+        origin.entries = {{"source", "Ratio"}, {"saved by", "save_image"}};
+        origin.record = QStringList{"load \\", "a.tif"};
+        const auto save = [&](const QString& name) {
+            const QString file = dir.filePath(name);
+            return writePicture(file, QImage(2, 2, QImage::Format_RGB32), origin.toText()) ? file
+                                                                                           : "";
+        };
+        QString why;
+        QString file = save("a map.png");
+        QCOMPARE(originLines(file, &why).value(),
+                 QString("source = Ratio\nsaved by = save_image\n"));
+        QCOMPARE(recordedBatch(file, &why).value(),
+                 "load \\\na.tif\nsave_image \"" + file + "\"\n");
+        QVERIFY(!recordedBatch(save("a \"map\".png"), &why));
+        QVERIFY2(why.contains("name"), qPrintable(why));
+        origin.entries.removeLast();
+        QVERIFY(!recordedBatch(save("a.png"), &why));
+        QVERIFY2(why.contains("what saved it"), qPrintable(why));
+        origin.record.clear();
+        origin.entries += qMakePair(QString("record"), QString("stopped"));
+        QVERIFY(!recordedBatch(save("a.png"), &why));
+        QCOMPARE(why, QString("no record in it: stopped"));
+        QVERIFY(!originLines(dir.filePath("none"), &why));
+        QCOMPARE(why, QString("there is no such file"));
     }
 };
 
