@@ -56,7 +56,7 @@ class TestSession : public QObject {
         const BatchText text = BatchText::fromLines({"", "a", "b \\", "rest", " ", "c"});
         BatchSession session(&console, text, [&index] { return index; });
         QSignalSpy finished(&session, &BatchSession::finished);
-        for (QString item : commands) {
+        for (const QString& item : commands) {
             const bool fails = item.startsWith('!');
             const CmdLine cmd = command(item.mid(fails ? 1 : 0));
             index = cmd.command.toInt();
