@@ -81,11 +81,10 @@ class TestDark : public QObject {
         choose(m_darkFiles);
         QTRY_VERIFY(state().contains("3 dark frame"));
         const auto plain = mapOf({});
-        int points = 0;
         bool wasBusy = false;
-        connect(analyzerWindow(), &Analyzer::finished, this, [&] {
-            if (++points == 5) {
-                wasBusy = analyzerWindow()->isBusy();
+        connect(m_body.get(), &Body::analysisProgress, this, [&](double percent) {
+            if (!wasBusy && percent > 0.0 && percent < 100.0) {
+                wasBusy = m_body->measurement().working() == Work::Fit;
                 m_body->findChild<QAction*>("ClearDark")->trigger();
                 m_body->showXafsSpectrum(2.5, 2.5);
             }

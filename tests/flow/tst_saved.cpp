@@ -95,8 +95,8 @@ class TestSaved : public QObject {
         QTest::addColumn<QVector<double>>("row");
         using Row = QVector<double>;
         QTest::newRow("E-shift") << "E-shift" << QString() << Row(Size, -Late);
-        QTest::newRow("DMut") << "DMut" << file("a.dat") << Row(Size, Jump);
-        QTest::newRow("Ratio") << "Ratio" << file("b.dat") << Row(Size, 0.0);
+        QTest::newRow("DMut") << "DMut" << QStringLiteral("a.dat") << Row(Size, Jump);
+        QTest::newRow("Ratio") << "Ratio" << QStringLiteral("b.dat") << Row(Size, 0.0);
         QTest::newRow("dmut-ra") << "dmut" << QString() << Row(Size, Jump);
         // The level before the edge less an eighth of the jump.
         QTest::newRow("rest-ra") << "rest" << QString() << Row{0.1, 0.3, 0.5};

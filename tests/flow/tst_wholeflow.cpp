@@ -38,8 +38,7 @@ class TestWholeFlow : public QObject {
         connect(&body, &Body::analysisProgress, once, [&body, once, action](double percent) {
             if (percent > 0.0 && percent < 100.0) {
                 QObject::disconnect(&body, &Body::analysisProgress, once, nullptr);
-                QMetaObject::invokeMethod(
-                    &body, [&body, action] { action(body); }, Qt::QueuedConnection);
+                action(body);
             }
         });
     }
@@ -163,9 +162,9 @@ class TestWholeFlow : public QObject {
         });
         row("the frames are cleared", 3, [](Body& body) { body.clearI1Files(); });
         row("other frames are loaded", 2, [i1](Body& body) { body.readI1Files({i1}, true); });
-        row("I0 frames are loaded", 1, [i0](Body& body) { body.readI0Files({i0}, false); });
+        row("I0 frames are loaded", 2, [i0](Body& body) { body.readI0Files({i0}, false); });
         row("a load of nothing", 1, [](Body& body) { body.readI0Files({}, false); });
-        row("calibrated, analysed and cleared beside it", 1, [](Body& body) {
+        row("calibrated, analysed and cleared beside it", 2, [](Body& body) {
             body.execCalibration();
             body.startRA2DAnalysis();
             body.clearShiftMap();
@@ -225,7 +224,8 @@ class TestWholeFlow : public QObject {
 
         const QString stopped = m_large->file("stopped.dat");
         QVERIFY(batch.run({"save_data_as_tiff " + stopped}));
-        QCOMPARE(batch.problems(), QStringList());
+        QCOMPARE(batch.problems().size(), 1);  // a warning
+        QVERIFY(batch.problems().first().contains("stopped before its end"));
         bool reached = true;
         int points = 0;
         int y = 0;

@@ -119,7 +119,9 @@ class TestMeasurement : public QObject {
         QVERIFY(m_measurement->isAtWork(Work::Fit));
         QVERIFY(m_measurement->addReference().failed());
         m_ended.clear();
-        QVERIFY(m_measurement->start(Work::Residual).failed());  // stops what runs
+        QVERIFY(m_measurement->start(Work::Residual).failed());
+        QVERIFY(m_ended.isEmpty() && m_measurement->isAtWork(Work::Fit));
+        m_measurement->stop();
         QCOMPARE(m_ended, QVector<Work>{Work::Fit});
         QVERIFY(m_outcome.failed() && m_measurement->working() == Work::None);
         for (int i = 0; i < 3; ++i) {

@@ -123,7 +123,7 @@ class TestProgram : public QObject {
         row({"."}, 2, "cannot open .");
         row({"missing.bat", "--check"}, 2, "cannot open missing.bat");
         row({"--", "-b"}, 2, "cannot open -b");
-        row({"--check"}, 2, "No batch file given");
+        row({"--check"}, 2, "No file given");
         row({"a.bat", "b.bat"}, 2, "");
         row({"-x", "a.bat"}, 2, "");
         row({"-C", "nowhere", "b.bat"}, 2, "cannot enter nowhere");

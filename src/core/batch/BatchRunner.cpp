@@ -59,16 +59,19 @@ void BatchRunner::run(const CmdLine& cmd) {
         answer(cmd, outcome);
         return;
     }
-    // What is ended before the row has run answers, too.
     m_pacing.wait(cmd, row->work);
     Action action{m_measurement, CommandArgs(cmd.args), m_digests, row->work, {}};
-    m_outcome = {};
+    m_endedWith.reset();
+    m_running = true;
     row->run(action);
+    m_running = false;
     m_outcome = action.outcome;
     if (row->work != Work::None && !m_pacing.isWaitingFor(row->work)) {
-        return;  // answered, or overtaken
+        return;  // overtaken by another batch
     }
-    if (m_measurement.isAtWork(action.awaited)) {
+    if (m_endedWith) {
+        m_outcome += *m_endedWith;
+    } else if (m_measurement.isAtWork(action.awaited)) {
         m_pacing.wait(cmd, action.awaited);
         return;
     }
@@ -82,11 +85,14 @@ void BatchRunner::answer(const CmdLine& cmd, const Outcome& outcome) {
 }
 
 void BatchRunner::workEnded(Work work, const Outcome& outcome) {
-    if (m_pacing.isWaitingFor(work)) {
+    if (m_pacing.isWaitingFor(work) && m_running) {
+        m_endedWith = outcome;
+    } else if (m_pacing.isWaitingFor(work)) {
         Outcome all = m_outcome;
         all += outcome;
         answer(m_pacing.take(), all);
-    } else if (!m_pacing.isActive()) {
-        emit finishBatchExec();
+    } else if (!m_pacing.isActive() &&
+               (work == Work::LoadI1 || work == Work::LoadI0 || work == Work::Fit)) {
+        emit finishBatchExec();  // a user's own
     }
 }

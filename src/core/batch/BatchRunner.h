@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QObject>
 #include <QThread>
+#include <optional>
 
 #include "batch/BatchDispatcher.h"
 #include "batch/BatchPacing.h"
@@ -45,6 +46,8 @@ class BatchRunner : public QObject {
     QThread m_thread;
     BatchDispatcher m_dispatcher;
     BatchPacing m_pacing;
-    Outcome m_outcome;  // of the line that is being carried out
+    bool m_running = false;  // a row is being carried out
+    std::optional<Outcome> m_endedWith;  // the work of the row, before it was through
+    Outcome m_outcome;  // of the row whose work is awaited
     QHash<QString, QByteArray> m_digests;
 };

@@ -111,8 +111,7 @@ std::unique_ptr<AreaAnalysis> Measurement::makeAnalysis(Work work) {
 
 Outcome Measurement::start(Work work) {
     if (working() != Work::None) {
-        stop();
-        return Outcome::failure(tr("an analysis was running and has been stopped"));
+        return Outcome::failure(tr("not while an analysis of the image runs"));
     }
     const Outcome whyNot = whyNotStart(work);
     if (whyNot.failed()) {

@@ -63,7 +63,7 @@ void BatchSession::progress(Work work, double done, double of) {
         return;
     }
     const bool isLoad = work == Work::LoadI1 || work == Work::LoadI0;
-    const int part = toClampedInt(done, 0, 1 << 30);
+    const int part = toClampedInt(done, 0, isLoad ? 1 << 30 : 100);
     const QString what = work == Work::LoadI1   ? QStringLiteral("I1")
                          : work == Work::LoadI0 ? QStringLiteral("I0")
                                                 : QStringLiteral("Analysis");

@@ -108,7 +108,10 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     for (int i = 0; i < argc; ++i) {
         args << QString::fromLocal8Bit(argv[i]);
     }
-    const RunnerOptions options = RunnerOptions::parse(args);
+    // Help knows the program's name, which there is not yet.
+    const bool asksForHelp = args.contains(QStringLiteral("--help")) ||
+                             args.contains(QStringLiteral("-h"));
+    const RunnerOptions options = asksForHelp ? RunnerOptions() : RunnerOptions::parse(args);
     if (options.action == RunnerOptions::Action::Run && drawsLetters(options.file)) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         return std::make_unique<QGuiApplication>(argc, argv);

@@ -2,6 +2,7 @@
 
 #include <QTextStream>
 
+#include "base/DebugLog.h"
 #include "batch/Record.h"
 #include "display/XafsView.h"
 #include "measurement/Saving.h"
@@ -84,9 +85,13 @@ void Body::newStdFile() {
 void Body::toggle(Work work) {
     if (m_measurement.working() == work) {
         m_measurement.stop();
-    } else {
-        say(m_measurement.start(work));
+        return;
     }
+    const Outcome outcome = m_measurement.start(work);
+    if (outcome.failed() && work == Work::Fit) {
+        debugTimed(QStringLiteral("LCF not started: "));  // why: in the window's language alone
+    }
+    say(outcome);
 }
 void Body::execCalibration() {
     toggle(Work::Calibrate);
