@@ -202,7 +202,7 @@ void RecordWriter::map(const std::shared_ptr<const MapInput>& map) {
         digest(map->file);
         line(QStringLiteral("calib_load_map"), {fileName(map->file.path)});
     }
-    if (map->smoothed) {
+    for (int i = 0; i < map->smoothed; ++i) {
         line(QStringLiteral("calib_smooth_map"));
     }
 }

@@ -279,9 +279,10 @@ Outcome Measurement::smoothMap() {
     }
     stop();
     smoothShiftMap(&m_map->image);
+    m_map->deglitched.reset();  // the processed values are those of the smoothing now
     if (m_mapInput) {
         MapInput input = *m_mapInput;
-        input.smoothed = true;
+        ++input.smoothed;
         input.revision = nextRevision();
         m_mapInput = std::make_shared<const MapInput>(input);
     }

@@ -15,6 +15,12 @@ QString exact(double value) {
     return QString::number(value, 'g', QLocale::FloatingPointShortest);
 }
 
+QString timesText(int times) {
+    return times == 0   ? QStringLiteral("no")
+           : times == 1 ? QStringLiteral("yes")
+                        : QStringLiteral("%1 times").arg(times);
+}
+
 /// Writes entries with a prefix before each key.
 class Writer {
   public:
@@ -82,7 +88,7 @@ void Writer::map(const std::shared_ptr<const MapInput>& map) {
         addFile(QStringLiteral("energy map file"), map->file);
         add("energy map edge energy", map->edgeEnergy);
     }
-    add("energy map smoothed", map->smoothed ? QStringLiteral("yes") : QStringLiteral("no"));
+    add("energy map smoothed", timesText(map->smoothed));
 }
 
 void Writer::inputs(const Inputs& in, Work work) {
@@ -173,8 +179,7 @@ OriginText originOf(const Measurement& measurement, const Result& result, const 
     } else {
         writer.inputs(inputs, result.run->work);
         if (result.id == ResultId::Shift && measurement.mapInput()) {
-            writer.add("smoothed", measurement.mapInput()->smoothed ? QStringLiteral("yes")
-                                                                    : QStringLiteral("no"));
+            writer.add("smoothed", timesText(measurement.mapInput()->smoothed));
         }
     }
     writer.add(qPrintable(OriginText::savedByKey()), savedBy);
