@@ -104,6 +104,11 @@ class TestBatchCheck : public QObject {
                  "W1 the energy is read from the directory's name: bad_7100eV/a-",
                  "W2 the energy is read from the directory's name",
                  "W3 no energy such as 7112_5eV in the name", "W3 the energy reads as 0.71: "};
+        QTest::newRow("energies by a pattern of one's own")
+            << L{"set_energy_pattern I0 re[f] keV", "load_I1_files NEW in/b-7200eV.tif",
+                 "load_I0_files NEW ref.dat in/b-7200eV.tif", "set_energy_pattern I1 [ eV"}
+            << L{"W3 the energy reads as 0: ", "W3 no energy that re[f] finds in the name",
+                 "E4 '[' is not a regular expression"};
         QTest::newRow("a file in a loop")
             << L{":for i %i 1 20", "calib_load_std s%i.dat", ":next i"}
             << L{"E2 no such file: s1.dat", "E2 no such file: s2.dat", "E2 no such file: s3.dat",

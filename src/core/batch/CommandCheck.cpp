@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <algorithm>
 #include <cmath>
 
@@ -135,7 +136,7 @@ void CommandCheck::checkOutput(const QString& name) {
 }
 
 void CommandCheck::checkFolder(const QString& dir, const QStringList& patterns,
-                               bool needsEnergies) {
+                               const NamePattern* names) {
     if (dir.isEmpty() || m_writtenTo.contains(absolute(dir))) {
         return;
     }
@@ -143,27 +144,37 @@ void CommandCheck::checkFolder(const QString& dir, const QStringList& patterns,
     auto known = m_known.find(key);
     if (known == m_known.end()) {
         known = m_known.insert(key, listingProblem(dir, patterns));
-        if (needsEnergies) {
-            warn(energyProblem(dir, patterns));
+        if (names != nullptr) {
+            warn(energyProblem(dir, patterns, *names));
         }
     }
     error(*known);
 }
 
 void CommandCheck::checkListing(StackId stack, const CmdLine& cmd) {
-    checkFolder(cmd.arg(1), cmd.args.mid(2), true);
+    checkFolder(cmd.arg(1), cmd.args.mid(2), &m_names[static_cast<int>(stack)]);
     setLoaded(stack, true);
 }
 
 void CommandCheck::checkDarkListing(const CmdLine& cmd) {
-    checkFolder(cmd.arg(0), cmd.args.mid(1), false);
+    checkFolder(cmd.arg(0), cmd.args.mid(1), nullptr);
 }
 
 void CommandCheck::checkFrames(StackId stack, const CmdLine& cmd) {
     for (const QString& file : cmd.args.mid(1)) {
-        warn(energyProblem(file));
+        warn(energyProblem(file, m_names[static_cast<int>(stack)]));
     }
     setLoaded(stack, true);
+}
+
+void CommandCheck::noteEnergyPattern(const CmdLine& cmd) {
+    const bool isI1 = cmd.arg(0).compare(QLatin1String("I1"), Qt::CaseInsensitive) == 0;
+    const bool isKeV = cmd.arg(2).compare(QLatin1String("keV"), Qt::CaseInsensitive) == 0;
+    m_names[isI1 ? 1 : 0] = {cmd.arg(1), isKeV};
+    if (!QRegularExpression(cmd.arg(1)).isValid()) {
+        error(
+            QStringLiteral("'%1' is not a regular expression and finds no energy").arg(cmd.arg(1)));
+    }
 }
 
 void CommandCheck::checkLoadNew(const CmdLine& cmd) {

@@ -10,6 +10,7 @@
 
 #include "batch/CmdLine.h"
 #include "batch/CommandTables.h"
+#include "measurement/Settings.h"
 
 /// Follows what the commands of a batch would do, as far as it can be told without doing it:
 /// arguments that do not read as what they should be, files, and steps that lack an earlier one.
@@ -27,6 +28,7 @@ class CommandCheck {
     void setLoaded(StackId stack, bool loaded) { m_loaded[static_cast<int>(stack)] = loaded; }
     void checkFrames(StackId stack, const CmdLine& cmd);
     void checkListing(StackId stack, const CmdLine& cmd);
+    void noteEnergyPattern(const CmdLine& cmd);
     void checkDarkListing(const CmdLine& cmd);
     void checkLoadNew(const CmdLine& cmd);
     void checkRange(const CmdLine& cmd, int low, int high);
@@ -53,13 +55,14 @@ class CommandCheck {
     void checkMode(const QString& word);
     void checkInput(const QString& name);
     void checkOutput(const QString& name);
-    void checkFolder(const QString& dir, const QStringList& patterns, bool needsEnergies);
+    void checkFolder(const QString& dir, const QStringList& patterns, const NamePattern* names);
 
     Report m_report;
     QHash<QString, QString> m_known;    // problems found before, by file or listing
     QSet<QString> m_written;            // absolute names of files that the batch writes
     QSet<QString> m_writtenTo;          // and the directories they are in
     bool m_loaded[2] = {false, false};  // by StackId
+    NamePattern m_names[2];
     bool m_hasStandard = false;
     bool m_moved = false;
     int m_targetBackground = 0;

@@ -53,31 +53,31 @@ QString pictureProblem(const QString& name) {
                      name;
 }
 
-QString energyProblem(const QString& path) {
-    // What the data-file panels start with.
-    static const QRegularExpression pattern(QStringLiteral("[\\d_]+eV"));
+QString energyProblem(const QString& path, const NamePattern& names) {
+    const QRegularExpression pattern(names.pattern);
     const std::optional<double> energy = numberFromName(path, pattern);
     if (!energy) {
-        return QStringLiteral(
-                   "no energy such as 7112_5eV in the name, so a running number is "
-                   "taken: ") +
-               path;
+        const QString wanted = names == NamePattern()
+                                   ? QStringLiteral("such as 7112_5eV")
+                                   : QStringLiteral("that %1 finds").arg(names.pattern);
+        return QStringLiteral("no energy %1 in the name, so a running number is taken: %2")
+            .arg(wanted, path);
     }
     const QString directory = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
     if (numberFromName(directory, pattern)) {
         return QStringLiteral("the energy is read from the directory's name: ") + path;
     }
-    return *energy >= 1.0 ? QString()
-                          : QStringLiteral(
-                                "the energy reads as %1: an underscore before the "
-                                "number is taken for its decimal point: %2")
-                                .arg(QString::number(*energy), path);
+    return *energy * names.factor() >= 1.0 ? QString()
+                                           : QStringLiteral(
+                                                 "the energy reads as %1: an underscore before the "
+                                                 "number is taken for its decimal point: %2")
+                                                 .arg(QString::number(*energy), path);
 }
 
-QString energyProblem(const QString& dir, const QStringList& patterns) {
+QString energyProblem(const QString& dir, const QStringList& patterns, const NamePattern& names) {
     const QStringList paths = listImageFiles(dir, patterns);
     for (const QString& path : paths) {
-        QString problem = energyProblem(path);
+        QString problem = energyProblem(path, names);
         if (!problem.isEmpty()) {
             return problem;
         }
