@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <algorithm>
+#include <cmath>
 
 #include "batch/CommandRows.h"
 #include "measurement/Display.h"
@@ -62,7 +63,7 @@ void setViewRange(Action& a) {
         return;
     }
     const ViewRange range{true, a.args.real(0), a.args.real(1)};
-    if (!(range.high > range.low)) {
+    if (!std::isfinite(range.low) || !std::isfinite(range.high) || range.high <= range.low) {
         a.fail(tr("the upper end of a range must lie above the lower one"));
         return;
     }
