@@ -151,7 +151,10 @@ void Body::normalizeEShift() {
 }
 void Body::deglitch() {
     const double factor = numberIn(m_ui->DeGlitchFactor);
-    say(m_measurement.deglitch(factor, numberIn(m_ui->DeGlitchRatio)));
+    const double ratio = numberIn(m_ui->DeGlitchRatio);
+    m_ui->DeGlitchFactor->setModified(false);  // taken: they follow the settings again
+    m_ui->DeGlitchRatio->setModified(false);
+    say(m_measurement.deglitch(factor, ratio));
 }
 void Body::showProcImg(bool on) {
     say(m_measurement.showProcessed(on));

@@ -6,6 +6,7 @@
 #include "display/Availability.h"
 #include "display/XafsView.h"
 #include "measurement/Display.h"
+#include "panels/NumberField.h"
 #include "ui_Body.h"
 
 namespace {
@@ -36,6 +37,8 @@ void updateMapControls(const Ui::Body& ui, const Measurement& measurement) {
              : unless(hasValues, tr("Show a result image or the energy-shift map first."));
     setUsable(ui.DeGlitch, noMap);
     setUsable(ui.ShowProcImg, noMap);
+    showNumber(ui.DeGlitchFactor, measurement.settings().deglitchFactor);
+    showNumber(ui.DeGlitchRatio, measurement.settings().deglitchRatio);
     const QSignalBlocker blocked(ui.ShowProcImg);
     ui.ShowProcImg->setChecked(target != nullptr && target->image.showsProc());
     setUsable(ui.NormalizeEShift, unless(measurement.map().image.hasData(),
