@@ -1,4 +1,7 @@
 #include <QApplication>
+#include <QComboBox>
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QLabel>
@@ -6,8 +9,10 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSet>
+#include <QSlider>
 #include <QTemporaryDir>
 #include <QTextStream>
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <memory>
@@ -18,7 +23,9 @@
 #include "Phantom.h"
 #include "TestMain.h"
 #include "batch/CommandTables.h"
+#include "display/ColorBar.h"
 #include "display/ImageView.h"
+#include "display/XafsView.h"
 #include "frames/TiffData.h"
 #include "maps/Analyzed2DRes.h"
 #include "panels/Analyzer.h"
@@ -83,6 +90,13 @@ class TestCommands : public QObject {
     Analyzer* analyzer() const { return topLevel<Analyzer>(); }
     CalibCtrl* calib() const { return topLevel<CalibCtrl>(); }
     SaveDataCfg* saveCfg() const { return topLevel<SaveDataCfg>(); }
+    XafsView* plot() const {
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        const auto found = std::find_if(windows.begin(), windows.end(), [](QWidget* window) {
+            return window->objectName() == "Spectrum";
+        });
+        return qobject_cast<XafsView*>(*found);
+    }
     ImageView* view() const { return in<ImageView>(m_body.get(), "dispA"); }
 
     QString text(QWidget* window, const char* field) const {
@@ -91,6 +105,10 @@ class TestCommands : public QObject {
     bool checked(QWidget* window, const char* button) const {
         return in<QAbstractButton>(window, button)->isChecked();
     }
+    int choice(QWidget* window, const char* box) const {
+        return in<QComboBox>(window, box)->currentIndex();
+    }
+    QString state() const { return in<QLabel>(m_body.get(), "State")->text(); }
     int frames(const char* panel) const {
         return in<QLabel>(in<QWidget>(m_body.get(), panel), "Count")->text().toInt();
     }
@@ -117,7 +135,9 @@ class TestCommands : public QObject {
     }
 
     void addStackCases();
+    void addDarkCases();
     void addViewCases();
+    void addPictureCases();
     void addAnalyzerCases();
     void addCalibrationCases();
     void addSaveDataCases();
@@ -130,13 +150,17 @@ class TestCommands : public QObject {
         options.energies = 151;
         options.i0Energies = 4;
         options.fractionOfA = [](int x, int y) { return 0.05 * x + 0.07 * y; };
-        options.energyShift = [](int x, int) { return 0.5 * x; };
+        // One bin is far off, for the smoothing of the map.
+        options.energyShift = [](int x, int y) { return x == 4 && y == 7 ? 60.0 : 0.5 * x; };
         m_phantom = std::make_unique<Phantom>(options);
         QVERIFY(m_phantom->isValid() && m_dir.isValid());
+        QVERIFY(QDir::setCurrent(m_dir.path()));  // some commands name no folder
         m_body = std::make_unique<Body>();
         m_batch = std::make_unique<BatchRun>(*m_body);
         addStackCases();
+        addDarkCases();
         addViewCases();
+        addPictureCases();
         addAnalyzerCases();
         addCalibrationCases();
         addSaveDataCases();
@@ -148,7 +172,10 @@ class TestCommands : public QObject {
         QVERIFY(!ids.contains(NoCommand));
     }
 
-    void cleanupTestCase() { m_body.reset(); }
+    void cleanupTestCase() {
+        m_body.reset();
+        QDir::setCurrent(QDir::tempPath());
+    }
 
     void command_data() {
         QTest::addColumn<int>("index");
@@ -186,15 +213,19 @@ class TestCommands : public QObject {
         const QString load = "load_I1_files NEW " + m_phantom->file("i1-7000_000eV.tif");
         QTest::newRow("no frames to calibrate") << L{"calib_exec"} << "no images are loaded";
         QTest::newRow("no frames to analyse") << L{"analyzer_exec_ra"} << "no images are loaded";
-        QTest::newRow("no standard") << L{load, "calib_exec"} << "no standard is loaded";
+        const QString noWidth = "set_band_w 0";
+        const QString noHeight = "set_band_h 0";
+        QTest::newRow("no standard")
+            << L{load, noWidth, noHeight, "calib_exec"} << "no standard is loaded";
         QTest::newRow("a standard without an edge")
-            << L{load, "calib_load_std " + file("flat.dat"), "calib_exec"} << "no rising edge";
+            << L{load, noWidth, noHeight, "calib_load_std " + file("flat.dat"), "calib_exec"}
+            << "no rising edge";
         QTest::newRow("a region beside the image")
             << L{load, "select_region 8 0 9 9"} << "no part of the region lies inside";
         const QString unused = " 0 0 " + m_phantom->file("a.dat");
         QTest::newRow("no reference in use") << L{load,
-                                                  "set_band_w 0",
-                                                  "set_band_h 0",
+                                                  noWidth,
+                                                  noHeight,
                                                   "analyzer_set_LCF_std 0" + unused,
                                                   "analyzer_set_LCF_std 1" + unused,
                                                   "analyzer_exec_LCF"}
@@ -247,12 +278,39 @@ void TestCommands::addStackCases() {
     add("clear_I1_files", [=] { return i1Frames() == 0 && m_body->imageWidth() == -1; });
     add("load_I0_files NEW " + i0, [=] { return i0Frames() == 1; });
     add("clear_I0_files", [=] { return i0Frames() == 0; });
+    auto* i1Panel = in<QWidget>(m_body.get(), "SelectI1Files");
+    add("set_energy_pattern i1 (?<=i1-)\\d+ kev", [=] {
+        return text(i1Panel, "EngPattern") == "(?<=i1-)\\d+" && choice(i1Panel, "SelectUnit") == 1;
+    });
+    add("load_I1_files NEW " + i1, [=] { return state().contains("7000000.00 eV"); });
+    add("set_energy_pattern I1 [\\d_]+eV eV", [=] {
+        return text(i1Panel, "EngPattern") == "[\\d_]+eV" && choice(i1Panel, "SelectUnit") == 0;
+    });
+    QDir(m_dir.path()).mkdir("new");
+    for (const char* const name : {"new/1eV.tif", "new/2eV.tif"}) {
+        QFile::copy(i0, file(name));
+        QFile copy(file(name));  // not one that is still being written
+        QVERIFY(copy.open(QIODevice::ReadWrite) &&
+                copy.setFileTime(QDateTime::currentDateTime().addSecs(-60),
+                                 QFileDevice::FileModificationTime));
+    }
+    add("load_new I0", {"load_I0_files NEW new/1eV.tif"}, [=] { return i0Frames() == 2; });
     add("load_I1_files_of_pattern NEW " + m_phantom->dir() +
             " i1-70*.tif i1-71*.tif "
             "i1-72*.tif i1-73*.tif",
         [=] { return i1Frames() == 151; });
     add("load_I0_files_of_pattern NEW " + m_phantom->dir() + " i0-*.tif",
         {"load_I0_files ADD " + i0}, [=] { return i0Frames() == 4; });
+}
+
+void TestCommands::addDarkCases() {
+    const QStringList files = m_phantom->writeDarkFrames(Size, Size, [](int, int) { return 100; });
+    const auto stateHas = [this](const char* what) {
+        return [=] { return state().contains(what); };
+    };
+    add("load_dark_files " + files.at(0), stateHas("1 dark frame"));
+    add("load_dark_files_of_pattern " + m_phantom->dir() + " dark*.tif", stateHas("3 dark frame"));
+    add("clear_dark", [this] { return !state().contains("dark"); });
 }
 
 void TestCommands::addViewCases() {
@@ -283,11 +341,43 @@ void TestCommands::addViewCases() {
         [=] { return QImage(file("frame.png")).size() == QSize(Size, Size); });
 }
 
+void TestCommands::addPictureCases() {
+    const auto* bar = in<ColorBar>(m_body.get(), "CBar");
+    add("show_frame 3", {"show_frame 0"}, [this] {
+        return state().contains("frame 4 of 151") &&
+               in<QSlider>(m_body.get(), "SeekBar")->value() == 3;
+    });
+    add("set_view_range 65534 65535", {"set_view_range"},
+        [=] { return !bar->isAuto() && bar->rangeMin() == 65534 && bar->rangeMax() == 65535; });
+    add("save_image black.png", [this] {
+        const QImage picture(file("black.png"));
+        return !picture.isNull() && picture.pixelColor(0, 0) == Qt::black;
+    });
+    add("set_percentiles", [=] { return !bar->isAuto() && bar->rangeMax() < 65535; });
+    add("set_view_range", [=] { return bar->isAuto(); });
+    add("save_image_with_bar bar.png", [this] {
+        const QImage picture(file("bar.png"));
+        return picture.width() > 100 && picture.width() > picture.height();
+    });
+    add("set_plot_axes 1 DEG",
+        [this] { return choice(plot(), "Ordinate") == 1 && choice(plot(), "Abscissa") == 3; });
+    add("save_plot plot.png", [this] { return QImage(file("plot.png")).width() == 2160; });
+    addFlag("set_spectra_corrected", [this] { return checked(plot(), "Corrected"); });
+    add("save_flat_dark", [this] {
+        TiffData flat;
+        TiffData dark;
+        return flat.load(file("flat.dat")) && dark.load(file("dark.dat")) &&
+               int(flat.width) == Size && flat.rows[Size - 1][0] == 1 && dark.rows[0][0] == 0;
+    });
+}
+
 void TestCommands::addAnalyzerCases() {
     const auto inAnalyzer = [this](const char* name) { return text(analyzer(), name); };
     add("analyzer_show_window", [=] { return analyzer()->isVisible(); });
+    add("analyzer_add_ref",
+        [=] { return analyzer()->references().size() == 1 && !reference(0)->hasSpectrum(); });
     add("analyzer_set_LCF_std 0 1 0 " + m_phantom->file("a.dat") + " 0",
-        [=] { return analyzer()->references().size() == 1; });
+        [=] { return reference(0)->hasSpectrum() && analyzer()->references().size() == 1; });
     add("analyzer_set_LCF_std 1 0 0.123456789 " + m_phantom->file("b.dat"), [=] {
         return analyzer()->references().size() == 2 && !reference(1)->isUsed() &&
                reference(1)->hasSpectrum() &&
@@ -301,6 +391,7 @@ void TestCommands::addAnalyzerCases() {
     });
     add("analyzer_set_LCF_mode 1", [=] { return checked(analyzer(), "MLCF"); });
     add("analyzer_set_LCF_mode 2", [=] { return !checked(analyzer(), "MLCF"); });
+    addFlag("analyzer_set_disp_on_time", [=] { return checked(analyzer(), "DispOnTime"); });
     add("analyzer_exec_LCF", [=] {
         // The map of shifts is empty yet; only the first column has none.
         return !analyzer()->isBusy() && std::abs(fraction(0, 6) - 0.42) < 1e-3 &&
@@ -333,6 +424,16 @@ void TestCommands::addAnalyzerCases() {
         return checked(analyzer(), "FixedScale") && result->rangeMin() == 0.123457 &&
                result->rangeMax() == 0.123457;
     });
+    const auto showsProcessed = [=] {
+        return checked(m_body.get(), "ShowProcImg") && analyzer()->selectedResult()->showsProc();
+    };
+    add("deglitch 3 0.2", {"analyzer_select_image 0", "select_disp_image 3"}, [=] {
+        return showsProcessed() && text(m_body.get(), "DeGlitchFactor") == "3" &&
+               text(m_body.get(), "DeGlitchRatio") == "0.2";
+    });
+    add(
+        "show_processed 0", {}, [=] { return !showsProcessed(); }, showsProcessed);
+    add("show_processed 1", {}, showsProcessed);
     add("save_all_images " + file("all.png"), [=] {
         return QImage(file("all-0-0.png")).width() == Size &&
                QImage(file("all-1-1.png")).width() == Size;
@@ -361,7 +462,21 @@ void TestCommands::addCalibrationCases() {
     const auto drift = [shift] { return shift(7, 0) - shift(0, 5); };
     const auto mapIsThere = [drift] { return std::abs(drift() - 3.5) < 0.3; };
     const auto mapIsGone = [shift] { return shift(7, 0) == 0.0 && shift(0, 5) == 0.0; };
+    const auto inCalib = [this](const char* name) {
+        return [=] { return checked(calib(), name); };
+    };
+    for (const bool isStd : {true, false}) {
+        const QString command = QString("calib_set_%1_background ").arg(isStd ? "std" : "target");
+        add(command + "VICTREEN", inCalib(isStd ? "StdBGVictreen" : "TargetBGVictreen"));
+        add(command + "Simple", inCalib(isStd ? "StdBGSimple" : "TargetBGSimple"));
+    }
+    add("calib_set_crystal si(311)", [this] {
+        return choice(calib(), "SelCrystal") == 1 && plot()->plot().spacing == 1.637478;
+    });
     add("calib_exec", {}, mapIsThere, mapIsGone);
+    add(
+        "calib_smooth_map", {}, [=] { return std::abs(shift(4, 7)) < 10; },
+        [=] { return shift(4, 7) > 40; });
     add("calib_save_map " + file("map.any"), [=] {
         const auto lines = contentOf(file("map.any")).split('\n');
         // 14 labels, a line a row of the map, the mark, the data
@@ -401,6 +516,14 @@ void TestCommands::addSaveDataCases() {
              return rows.size() == 6 * 4 && rows.first().startsWith("2,1,") &&
                     rows.last().startsWith("7,4,");
          });
+    add("save_record done.bat", {"calib_smooth_map", "calib_smooth_map", "analyzer_exec_LCF"},
+        [this] {
+            const QByteArray record = contentOf(file("done.bat"));
+            return record.startsWith(":rem_start\nTarnwick record 1\n") &&
+                   record.contains("\ncalib_smooth_map\ncalib_smooth_map\n") &&
+                   record.contains("\nselect_region 2 1 8 5\n") &&
+                   record.contains("\nanalyzer_exec_LCF\n");
+        });
     form("vals.csv", {"saveDataCfg_text_as_vals", "saveDataCfg_text_as_csv"},
          [](const QString& name) {
              const auto rows = rowsOf(name);
