@@ -278,9 +278,11 @@ Outcome Measurement::showProcessed(bool on) {
     if (target == nullptr || !target->image.hasData()) {
         return Outcome::failure(tr("there is no map on display"));
     }
+    // Smoothing leaves what it made in the processed values, too.
+    const bool isSmoothed = target == m_map.get() && m_mapInput && m_mapInput->smoothed > 0;
     target->image.selectProcImg(on);
     emit changed(Changes(Results) | Display);
-    return on && !target->deglitched
+    return on && !target->deglitched && !isSmoothed
                ? Outcome::warning(tr("nothing has been deglitched: the processed values are 0"))
                : Outcome();
 }
