@@ -96,6 +96,8 @@ void presentSettings(RecordWriter& w, const Measurement& m) {
     w.saveForm(s, s.savesTiff);
     w.put(QStringLiteral("corrected"), QStringLiteral("set_spectra_corrected"),
           {s.correctedSpectra ? QStringLiteral("1") : QStringLiteral("0")});
+    w.put(QStringLiteral("each row"), QStringLiteral("analyzer_set_disp_on_time"),
+          {s.showsEachRow ? QStringLiteral("1") : QStringLiteral("0")});
     w.viewRange(s.viewRange);
     w.put(QStringLiteral("axes"), QStringLiteral("set_plot_axes"),
           {text(s.plotOrdinate),

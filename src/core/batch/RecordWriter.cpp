@@ -64,6 +64,7 @@ RecordWriter::RecordWriter(const QString& folder) : m_folder(folder) {
     atStart("separator", "saveDataCfg_text_as_csv", {});
     atStart("layout", "saveDataCfg_text_as_xyz", {});
     atStart("corrected", "set_spectra_corrected", {"1"});
+    atStart("each row", "analyzer_set_disp_on_time", {"0"});
     atStart("display", "select_disp_image", {"0"});
     atStart("type", "analyzer_select_image_type", {"0"});
     atStart("axes", "set_plot_axes", {"2", "eV"});
