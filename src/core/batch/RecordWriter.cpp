@@ -298,12 +298,12 @@ void RecordWriter::scaleOf(const ResultKind& kind, const Settings& s) {
     }
 }
 
-void RecordWriter::saveForm(const Settings& s, bool isTiff) {
-    put(QStringLiteral("form"), isTiff ? QStringLiteral("saveDataCfg_save_as_tiff")
-                                       : QStringLiteral("saveDataCfg_save_as_text"));
+void RecordWriter::saveForm(const Settings& s, bool ofTiff) {
+    put(QStringLiteral("form"), s.savesTiff ? QStringLiteral("saveDataCfg_save_as_tiff")
+                                            : QStringLiteral("saveDataCfg_save_as_text"));
     put(QStringLiteral("as analyzed"), QStringLiteral("saveDataCfg_tiff_as_analyzed"),
         {flag(s.tiff.asAnalyzed)});
-    if (isTiff) {
+    if (ofTiff) {
         put(QStringLiteral("tiff fixed"), QStringLiteral("saveDataCfg_tiff_fix_scale"),
             {flag(s.tiff.fixedScale)});
         if (s.tiff.fixedScale) {

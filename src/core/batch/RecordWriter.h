@@ -29,7 +29,8 @@ class RecordWriter {
     /// Puts a result on display and processes it as it is.
     void show(const Result& result);
     void scaleOf(const ResultKind& kind, const Settings& settings);
-    void saveForm(const Settings& settings, bool isTiff);
+    /// The form in which results are saved, with the options of TIFF files or of tables.
+    void saveForm(const Settings& settings, bool ofTiff);
     void viewRange(const ViewRange& range);
 
     /// A line, unless the same one is in force under this key.
