@@ -165,7 +165,7 @@ class TestButtons : public QObject {
         control<QPushButton>("Clear", panel)->click();
         QCOMPARE(count(panel), QString("0"));
         QCOMPARE(count(other), frames);
-        QCOMPARE(m_body->imageWidth(), panel == "SelectI1Files" ? -1 : Size);
+        QCOMPARE(m_body->measurement().imageSize().width(), panel == "SelectI1Files" ? -1 : Size);
     }
 
     void bothLoadsAreStopped() {

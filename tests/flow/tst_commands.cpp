@@ -259,7 +259,7 @@ class TestCommands : public QObject {
         QVERIFY(batch.run({"select_region 2 2 4 4", "calib_load_map " + file("first.emp"),
                            "select_disp_image 2", "save_image " + file("first.png")}));
         QCOMPARE(batch.problems(), QStringList());
-        QCOMPARE(body.imageWidth(), Size);
+        QCOMPARE(body.measurement().imageSize().width(), Size);
         QCOMPARE(dispA->visibleRect(), QRectF(0, 0, Size, Size));
         QVERIFY(batch.run({"load_I1_files NEW " + m_phantom->file("i1-7000_000eV.tif")}));
         QCOMPARE(dispA->selection(), QRectF(2, 2, 2, 2));
@@ -273,9 +273,9 @@ void TestCommands::addStackCases() {
     const auto i0Frames = [this] { return frames("SelectI0Files"); };
     add("LOAD_i1_Files new " + i1 + ' ' + m_phantom->file("i1-7002_000eV.tif"),
         {"load_I1_files NEW " + i1},
-        [=] { return i1Frames() == 2 && m_body->imageWidth() == Size; });
+        [=] { return i1Frames() == 2 && m_body->measurement().imageSize().width() == Size; });
     add("load_I1_files ADD " + i1, [=] { return i1Frames() == 3; });
-    add("clear_I1_files", [=] { return i1Frames() == 0 && m_body->imageWidth() == -1; });
+    add("clear_I1_files", [=] { return i1Frames() == 0 && m_body->measurement().imageSize().width() == -1; });
     add("load_I0_files NEW " + i0, [=] { return i0Frames() == 1; });
     add("clear_I0_files", [=] { return i0Frames() == 0; });
     auto* i1Panel = in<QWidget>(m_body.get(), "SelectI1Files");

@@ -127,7 +127,7 @@ class TestBody : public QObject {
         const double mu = 4 / 11.0 * Phantom::muA(7300) + 7 / 11.0 * Phantom::muB(7300);
         const double counts = child<QLineEdit>(*m_body, "Value")->text().toDouble();
         QVERIFY(std::abs(counts - 60000 * std::exp(-mu)) < 1.0);
-        QCOMPARE(m_body->imageWidth(), 12);
+        QCOMPARE(m_body->measurement().imageSize().width(), 12);
     }
 
     /// What went wrong stays readable although the window shows other things meanwhile.
@@ -192,7 +192,7 @@ class TestBody : public QObject {
         auto* panel = child<QWidget>(*m_body, "SelectI1Files");
         child<QPushButton>(*panel, "Clear")->click();
         QCOMPARE(panelCount("SelectI1Files"), QString("0"));
-        QCOMPARE(m_body->imageHeight(), -1);
+        QCOMPARE(m_body->measurement().imageSize().height(), -1);
         auto* view = child<ImageView>(*m_body, "dispA");
         QVERIFY(view->area().isEmpty());
         m_body->startRA2DAnalysis();

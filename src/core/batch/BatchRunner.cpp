@@ -1,6 +1,7 @@
 #include "batch/BatchRunner.h"
 
 #include <QCoreApplication>
+#include <utility>
 
 #include "batch/Action.h"
 #include "batch/CommandTables.h"
@@ -34,6 +35,7 @@ void BatchRunner::start(const QStringList& lines) {
     // Noted before the request travels to the interpreter.
     m_pacing.batchRequested();
     m_digests = digestsInRecord(lines);
+    m_aboutRecord = aboutNewerRecord(lines);
     emit linesAsked(lines);
 }
 
@@ -53,14 +55,16 @@ void BatchRunner::run(const CmdLine& cmd) {
     if (row == nullptr) {
         Outcome outcome;
         if (controlId(cmd.command) == NoControl) {
+            outcome = std::exchange(m_aboutRecord, {});
             emit unknownCommand(cmd);
-            outcome = Outcome::failure(QCoreApplication::translate("Batch", "unknown command"));
+            outcome += Outcome::failure(QCoreApplication::translate("Batch", "unknown command"));
         }
         answer(cmd, outcome);
         return;
     }
     m_pacing.wait(cmd, row->work);
-    Action action{m_measurement, CommandArgs(cmd.args), m_digests, row->work, {}};
+    Action action{m_measurement, CommandArgs(cmd.args), m_digests, row->work,
+                  std::exchange(m_aboutRecord, {})};
     m_endedWith.reset();
     m_running = true;
     row->run(action);

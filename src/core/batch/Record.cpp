@@ -6,6 +6,9 @@
 #include <QSaveFile>
 
 #include "base/Globals.h"
+#include "batch/BatchText.h"
+#include "batch/CmdLine.h"
+#include "batch/CommandTables.h"
 #include "batch/RecordWriter.h"
 #include "files/WholeFile.h"
 #include "measurement/Display.h"
@@ -55,6 +58,14 @@ void makeAgain(RecordWriter& writer, const Measurement& measurement, const Resul
     }
     writer.inputs(result.run->inputs, result.run->work);
     execLine(writer, result.run->work);
+}
+
+/// Which version wrote a record; 0 for any other batch.
+int recordVersion(const QStringList& lines) {
+    const bool isRecord = lines.size() > 1 &&
+                          lines.at(0).trimmed() == QLatin1String(":rem_start") &&
+                          lines.at(1).startsWith(FirstLine);
+    return isRecord ? std::max(1, lines.at(1).mid(FirstLine.size()).trimmed().toInt()) : 0;
 }
 
 QString nameOf(const Result& result) {
@@ -186,11 +197,22 @@ Outcome saveRecord(const Measurement& measurement, const QString& fileName) {
     return {};
 }
 
-int recordVersion(const QStringList& lines) {
-    const bool isRecord = lines.size() > 1 &&
-                          lines.at(0).trimmed() == QLatin1String(":rem_start") &&
-                          lines.at(1).startsWith(FirstLine);
-    return isRecord ? std::max(1, lines.at(1).mid(FirstLine.size()).trimmed().toInt()) : 0;
+Outcome aboutNewerRecord(const QStringList& lines) {
+    if (recordVersion(lines) <= Version) {
+        return {};
+    }
+    QStringList unknown;
+    for (int i = lines.indexOf(QStringLiteral(":rem_end")) + 1; i < lines.size(); ++i) {
+        const CmdLine cmd = CmdLine::parse(readLogicalLine(lines, &i));
+        const bool isKnown = cmd.command.isEmpty() || controlId(cmd.command) != NoControl ||
+                             commandId(cmd.command) != NoCommand;
+        if (!isKnown && !unknown.contains(cmd.command)) {
+            unknown << cmd.command;
+        }
+    }
+    const QString known = unknown.isEmpty() ? tr("all its commands are known")
+                                            : tr("not known: %1").arg(unknown.join(", "));
+    return Outcome::warning(tr("the record is of a newer version; %1").arg(known));
 }
 
 QHash<QString, QByteArray> digestsInRecord(const QStringList& lines) {

@@ -25,5 +25,6 @@ Outcome saveRecord(const Measurement& measurement, const QString& fileName);
 /// any other batch.
 QHash<QString, QByteArray> digestsInRecord(const QStringList& lines);
 
-/// Whether a batch is a record, and which version wrote it; 0: it is none.
-int recordVersion(const QStringList& lines);
+/// Says of a record that a newer version has written which of its commands are not known here;
+/// nothing of any other batch.
+Outcome aboutNewerRecord(const QStringList& lines);

@@ -140,7 +140,7 @@ class Measurement : public QObject {
     Outcome whyNotStart(Work work) const;
     Outcome warningsOf(const Run& run) const;
     void rowsTaken(int rows, int of);
-    void passEnded(bool outOfMemory);
+    void passEnded(RasterPass::Failure failure);
 
     Settings m_settings;
     Stack m_i1{StackId::I1};

@@ -150,16 +150,18 @@ void Measurement::rowsTaken(int rows, int) {
     emit progressed(work, at.percent(), 100.0);
 }
 
-void Measurement::passEnded(bool outOfMemory) {
+void Measurement::passEnded(RasterPass::Failure failure) {
     const std::unique_ptr<AreaAnalysis> analysis = std::move(m_analysis);
     Run& run = *analysis->run();
     Outcome outcome;
     Changes what = Changes(AtWork) | Results | Display;
-    if (outOfMemory) {
+    if (failure != RasterPass::Failure::None) {
         run.state = Run::State::Stopped;
         analysis->stopped();
         m_newMap.reset();
-        outcome = Outcome::failure(tr("memory ran out"));
+        outcome = Outcome::failure(failure == RasterPass::Failure::NoThread
+                                       ? tr("the system gives no thread")
+                                       : tr("memory ran out"));
     } else {
         analysis->finish();
         run.state = Run::State::Complete;

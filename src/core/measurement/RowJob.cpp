@@ -61,7 +61,7 @@ void RowJob::takeRows(int generation) {
     if (outOfTime || pending) {
         return;
     }
-    const bool outOfMemory = m_pass && m_pass->failed();
+    const auto failure = m_pass ? m_pass->failure() : RasterPass::Failure::None;
     stop();
-    emit finished(outOfMemory);
+    emit finished(failure);
 }

@@ -29,8 +29,8 @@ class RowJob : public QObject {
   signals:
     /// Some rows have been taken in; that many of all.
     void progressed(int rows, int of);
-    /// All rows have been taken in, or memory ran out.
-    void finished(bool outOfMemory);
+    /// All rows have been taken in, or why they never will be.
+    void finished(RasterPass::Failure failure);
 
   private:
     void postTakeRows(int generation);

@@ -107,7 +107,6 @@ void Body::connectMeasurement() {
     connect(m_xafsView.get(), &XafsView::updated, this,
             [this] { updateControls(*m_ui, m_measurement, *m_xafsView); });
     connect(&m_measurement, &Measurement::ended, this, &Body::workEnded);
-    connect(&m_measurement, &Measurement::windowAsked, this, &Body::showWindow);
     connect(&m_measurement, &Measurement::progressed, this,
             [this](Work work, double done, double of) {
                 if (work == Work::LoadI1 || work == Work::LoadI0) {
@@ -170,6 +169,14 @@ void Body::connectPanels() {
             m_spectrum->show();
         }
     });
+    connect(&m_measurement, &Measurement::windowAsked, this, [this](Measurement::Window window) {
+        if (window == Measurement::Window::Analyzer) {
+            m_analyzer->show();
+        } else {
+            QWidget* panel = m_calib.get();
+            (window == Measurement::Window::Calibration ? panel : m_saveDataCfg.get())->show();
+        }
+    });
     connect(m_ui->ShowXafsView, &QPushButton::clicked, m_xafsView.get(), &QWidget::show);
     connect(m_analyzer.get(), &Analyzer::askAnalyze, this, &Body::startLCF2DAnalysis);
     connect(m_analyzer.get(), &Analyzer::askRAAnalyze, this, &Body::startRA2DAnalysis);
@@ -225,19 +232,5 @@ void Body::workEnded(Work work, const Outcome& outcome) {
                           .arg(QFileInfo(outcome.failures.first()).fileName()));
     } else {
         say(outcome);
-    }
-}
-
-void Body::showWindow(Measurement::Window window) {
-    switch (window) {
-        case Measurement::Window::Analyzer:
-            m_analyzer->show();
-            break;
-        case Measurement::Window::Calibration:
-            m_calib->show();
-            break;
-        case Measurement::Window::SaveForm:
-            m_saveDataCfg->show();
-            break;
     }
 }

@@ -31,8 +31,6 @@ class Body : public QMainWindow {
     Measurement& measurement() { return m_measurement; }
     BatchCtrl* batchCtrl() const { return m_batchCtrl.get(); }
     BatchDispatcher* dispatcher() { return m_runner.dispatcher(); }
-    int imageWidth() const { return m_measurement.imageSize().width(); }
-    int imageHeight() const { return m_measurement.imageSize().height(); }
     WhatWasDone* whatWasDone() const { return m_record; }
 
   signals:
@@ -40,7 +38,7 @@ class Body : public QMainWindow {
     void loadI0(QString fname, TiffData* data);
     void finishing();
     void finishBatchExec();
-    /// A line has been dealt with, with what it had to say; just before finishBatchExec().
+    /// A line has been dealt with; just before finishBatchExec().
     void commandDone(CmdLine cmd, QStringList problems);
     void loadProgress(int stack, int done, int total);  ///< stack 1 is I1; files of the load
     void analysisProgress(double percent);
@@ -105,7 +103,6 @@ class Body : public QMainWindow {
     void say(const Outcome& outcome, const QString& done = QString());
     void workEnded(Work work, const Outcome& outcome);
     void toggle(Work work);
-    void showWindow(Measurement::Window window);
 
     std::unique_ptr<Ui::Body> m_ui;
     Measurement m_measurement;

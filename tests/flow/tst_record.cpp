@@ -1,0 +1,292 @@
+#include <QAction>
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QProcess>
+#include <QPushButton>
+#include <QRadioButton>
+#include <memory>
+
+#include "BatchRun.h"
+#include "Files.h"
+#include "Mouse.h"
+#include "Phantom.h"
+#include "TestMain.h"
+#include "display/ImageView.h"
+#include "panels/LCFReference.h"
+
+namespace {
+
+constexpr int Size = 9;
+constexpr double Glitch = 40.0;  // eV, at one pixel
+
+struct Saved {
+    const char* file;
+    const char* press;    // the button that puts it on display
+    const char* command;  // the batch line that does
+};
+constexpr Saved SavedMaps[] = {
+    {"shift.tif", "ShowShiftMap", "select_disp_image 2"},
+    {"dmut.tif", "SelDMut", "analyzer_select_image_type 0"},
+    {"ratio.tif", "SelRatio", "analyzer_select_image_type 1"},
+};
+
+}  // namespace
+
+/// What was done with mouse and keyboard is written down, and done again by another program.
+class TestRecord : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<Phantom> m_phantom;
+    std::unique_ptr<Body> m_body;
+
+    QString file(const QString& name) const { return m_phantom->file(name); }
+
+    template <typename Widget>
+    Widget* control(const char* name, const char* panel = nullptr) {
+        if (panel != nullptr) {
+            return m_body->findChild<QWidget*>(panel)->findChild<Widget*>(name);
+        }
+        for (const QWidget* window : QApplication::topLevelWidgets()) {
+            if (auto* found = window->findChild<Widget*>(name)) {
+                return found;
+            }
+        }
+        qFatal("no %s", name);
+    }
+
+    void press(const char* name, const char* panel = nullptr) {
+        auto* button = control<QAbstractButton>(name, panel);
+        QVERIFY2(button->isEnabled(), qPrintable(name + button->toolTip()));
+        button->click();
+    }
+
+    void type(const char* name, const QString& text) {
+        auto* field = control<QLineEdit>(name);
+        field->window()->activateWindow();
+        field->setFocus();
+        field->selectAll();
+        QTest::keyClicks(field, text);
+        QTest::keyClick(field, Qt::Key_Return);
+    }
+
+    /// Answers the file dialog that is open.
+    static void answer(const QStringList& names) {
+        QFileDialog* open = nullptr;
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            auto* dialog = qobject_cast<QFileDialog*>(window);
+            open = dialog != nullptr && dialog->isVisible() ? dialog : open;
+        }
+        QVERIFY(open != nullptr);
+        open->hide();
+        emit open->filesSelected(names);
+        emit open->fileSelected(names.first());
+    }
+
+    QStringList frames(const QString& pattern) const {
+        QStringList names;
+        for (const QString& name : QDir(m_phantom->dir()).entryList({pattern}, QDir::Files)) {
+            names << file(name);
+        }
+        return names;
+    }
+
+    bool idle() const { return m_body->measurement().working() == Work::None; }
+
+    void loadAndCalibrate() {
+        press("Select", "SelectI1Files");
+        answer(frames("i1-*.tif"));
+        press("Select", "SelectI0Files");
+        answer(frames("i0-*.tif"));
+        QTRY_COMPARE(control<QLabel>("Count", "SelectI1Files")->text(), QString("91"));
+        QTRY_COMPARE(control<QLabel>("Count", "SelectI0Files")->text(), QString("91"));
+        QTRY_VERIFY(!m_body->measurement().isAtWork(Work::LoadI1) &&
+                    !m_body->measurement().isAtWork(Work::LoadI0));
+        type("HWidth", "1");
+        type("VWidth", "0");
+        auto* view = control<ImageView>("dispA");
+        const auto at = [view](double x, double y) {
+            return QPointF(view->coord().r2sX(x), view->coord().r2sY(y));
+        };
+        Mouse::drag(view, at(1.5, 0.5), at(7.5, 8.5));
+        QCOMPARE(m_body->measurement().selection(), QRectF(1, 0, 7, 9));
+        press("OpenCalibCtrl");
+        press("SelectStd");
+        control<QWidget>("StdSelector")->findChild<QPushButton*>("Select")->click();
+        answer({file("a.dat")});
+        press("ExecCalib");
+        QTRY_VERIFY(m_body->measurement().map().image.hasData() && idle());
+    }
+
+    void fit() {
+        press("ShowAnalyzer");
+        while (m_body->measurement().referenceCount() < 2) {
+            press("AddRef");
+        }
+        const QStringList names{"a.dat", "b.dat"};
+        for (int i = 0; i < names.size(); ++i) {
+            LCFReference* row = analyzerWindow()->references()[i];
+            row->findChild<QPushButton*>("Select")->click();
+            answer({file(names[i])});
+        }
+        press("AskAnalyze");
+        QTRY_VERIFY(idle());
+        QVERIFY(!m_body->measurement().results().empty());
+    }
+
+    /// Through its entry of the File menu.
+    void saveRecord() {
+        m_body->findChild<QAction*>("actionSaveRecord")->trigger();
+        answer({file("done.bat")});
+        QVERIFY(QFile::exists(file("done.bat")));
+    }
+
+    struct Again {
+        int code = -1;
+        QString out;
+        QString problems;
+    };
+    Again runAgain(const QByteArray& batch) {
+        put(file("again.bat"), batch);
+        QProcess process;
+        process.start(TARNWICK_BATCH, {"-C", m_phantom->dir(), file("again.bat")});
+        Again again;
+        if (process.waitForFinished(50000)) {
+            again.code = process.exitCode();
+        }
+        again.out = QString::fromUtf8(process.readAllStandardOutput());
+        again.problems = QString::fromUtf8(process.readAllStandardError());
+        return again;
+    }
+
+  private slots:
+    void init() {
+        Phantom::Options options;
+        options.width = Size;
+        options.height = Size;
+        options.energies = 91;
+        options.i0Energies = 91;
+        options.fractionOfA = [](int x, int y) { return 0.1 * x + 0.01 * y; };
+        options.energyShift = [](int x, int y) { return x == 4 && y == 4 ? Glitch : 0.3 * x; };
+        m_phantom = std::make_unique<Phantom>(options);
+        QVERIFY(m_phantom->isValid());
+        m_body = std::make_unique<Body>();
+        m_body->resize(1100, 800);
+        m_body->show();
+    }
+    void cleanup() { m_body.reset(); }
+
+    void sameBytesFromAnotherProgram() {
+        loadAndCalibrate();
+        fit();
+        press("ShowResAnalysis");
+        analyzerWindow()->selectImage(0);
+        press("SelRatio");
+        type("DeGlitchFactor", "1.5");
+        type("DeGlitchRatio", "0.2");
+        press("DeGlitch");
+        QDir(m_phantom->dir()).mkdir("again");
+        QStringList lines;
+        for (const Saved& map : SavedMaps) {
+            if (QByteArray(map.press) == "SelDMut") {
+                press("ShowResAnalysis");
+                lines << "select_disp_image 3";
+            }
+            press(map.press);
+            press("SaveData");
+            answer({file(map.file)});
+            lines << map.command << QString("save_data_as_tiff again/%1").arg(map.file);
+        }
+        saveRecord();
+        const Again again = runAgain(contentOf(file("done.bat")) + lines.join('\n').toUtf8());
+        QVERIFY2(again.code == 0, qPrintable(again.out + again.problems));
+        for (const Saved& map : SavedMaps) {
+            const QByteArray first = contentOf(file(map.file));
+            QVERIFY2(first.contains("Tarnwick origin 1\n"), map.file);
+            QVERIFY2(first == contentOf(file("again/" + QString(map.file))), map.file);
+        }
+        // A saved map alone tells as much.
+        QProcess record;
+        record.start(TARNWICK_BATCH, {"--record", file("ratio.tif")});
+        QVERIFY(record.waitForFinished(50000) && record.exitCode() == 0);
+        const QByteArray wanted = contentOf(file("ratio.tif"));
+        QVERIFY(QFile::remove(file("ratio.tif")));
+        QCOMPARE(runAgain(record.readAllStandardOutput()).code, 0);
+        QVERIFY(contentOf(file("ratio.tif")) == wanted);
+    }
+
+    void whatIsNotAsItWasIsSaid() {
+        loadAndCalibrate();
+        fit();
+        saveRecord();
+        const QByteArray record = contentOf(file("done.bat"));
+        put(file("b.dat"), contentOf(file("b.dat")).replace('\n', " \n"));
+        const Again changed = runAgain(record);
+        QCOMPARE(changed.code, 0);
+        QVERIFY2(changed.problems.contains("warning: b.dat is not the file that was used"),
+                 qPrintable(changed.problems));
+        QVERIFY(!changed.problems.contains("a.dat is not"));
+        QByteArray newer = record + "fly_to_the_moon 1\n";
+        newer.replace("Tarnwick record 1\n", "Tarnwick record 9\n");
+        const Again unknown = runAgain(newer);
+        QCOMPARE(unknown.code, 1);
+        QVERIFY2(unknown.problems.contains("newer version") &&
+                     unknown.problems.contains("not known: fly_to_the_moon"),
+                 qPrintable(unknown.problems));
+    }
+
+    void stoppedAndOlderResultsAreNamedOnly_data() {
+        QTest::addColumn<bool>("stops");
+        QTest::newRow("stopped") << true;
+        QTest::newRow("of other bins") << false;
+    }
+
+    void stoppedAndOlderResultsAreNamedOnly() {
+        QFETCH(bool, stops);
+        loadAndCalibrate();
+        fit();
+        if (stops) {
+            press("AskAnalyze");
+            QVERIFY(!idle());
+            press("AskAnalyze");  // is Stop now
+            QVERIFY(idle());
+        } else {
+            type("VWidth", "2");
+        }
+        saveRecord();
+        const QByteArray record = contentOf(file("done.bat"));
+        const QByteArray remark = record.left(record.indexOf(":rem_end"));
+        QVERIFY2(remark.contains("a.dat") && remark.contains("left out:"), record);
+        QVERIFY2(remark.contains(stops ? "stopped" : "bins"), record);
+        QVERIFY2(!record.contains("analyzer_exec_LCF"), record);
+        QVERIFY2(record.contains("calib_exec"), record);
+    }
+
+    void closingAsksOnceAboutUnsavedResults() {
+        loadAndCalibrate();
+        fit();
+        QSignalSpy finishing(m_body.get(), &Body::finishing);
+        const auto questions = [this] {
+            int visible = 0;
+            for (const QMessageBox* box : m_body->findChildren<QMessageBox*>()) {
+                visible += box->isVisible() ? 1 : 0;
+            }
+            return visible;
+        };
+        m_body->close();
+        m_body->close();
+        QVERIFY(m_body->isVisible() && finishing.isEmpty());
+        QCOMPARE(questions(), 1);
+        m_body->findChild<QMessageBox*>()->reject();
+        saveRecord();
+        m_body->close();
+        QCOMPARE(questions(), 0);
+        QVERIFY(!m_body->isVisible());
+        QCOMPARE(finishing.count(), 1);
+    }
+};
+
+TARNWICK_TEST_MAIN(QApplication, TestRecord)
+#include "tst_record.moc"
