@@ -46,9 +46,9 @@ class BatchRunner : public QObject {
     QThread m_thread;
     BatchDispatcher m_dispatcher;
     BatchPacing m_pacing;
-    bool m_running = false;  // a row is being carried out
-    std::optional<Outcome> m_endedWith;  // the work of the row, before it was through
-    Outcome m_outcome;  // of the row whose work is awaited
-    Outcome m_aboutRecord;  // to be said with its first line
+    bool m_running = false;                // a row is being carried out
+    std::optional<Outcome> m_endedWith;    // the work of the row, before it was through
+    Outcome m_outcome;                     // of the row whose work is awaited
+    Outcome m_aboutRecord;                 // to be said with its first line
     QHash<QString, QByteArray> m_digests;  // of the files of a record
 };

@@ -65,7 +65,7 @@ struct MapInput {
     std::shared_ptr<const Inputs> calibration;  ///< null for a map from a file
     FileInput file;
     QString edgeEnergy;  ///< of the panel when the file was read
-    int smoothed = 0;  ///< how many times
+    int smoothed = 0;    ///< how many times
     quint64 revision = 0;
 };
 

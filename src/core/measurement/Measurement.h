@@ -46,7 +46,7 @@ class Measurement : public QObject {
             settingChanged(before);
         }
     }
-    void setNames(StackId stack, const NamePattern& names);
+    void setNames(StackId id, const NamePattern& names);
     void setThreads(int threads) { m_threads = threads; }  ///< of passes over an area
     double spacing() const;                                ///< of the crystal, in angstrom
     double edgeEnergy() const;                             ///< as typed, in eV; 0.0 for no number

@@ -113,7 +113,7 @@ Outcome Measurement::start(Work work) {
     if (working() != Work::None) {
         return Outcome::failure(tr("not while an analysis of the image runs"));
     }
-    const Outcome whyNot = whyNotStart(work);
+    Outcome whyNot = whyNotStart(work);
     if (whyNot.failed()) {
         return whyNot;
     }

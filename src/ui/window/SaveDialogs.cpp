@@ -3,6 +3,7 @@
 #include <QFileDialog>
 
 #include "base/Globals.h"
+#include "files/FileNames.h"
 
 SaveDialogs::SaveDialogs(QWidget* window) : QObject(window), m_window(window) {}
 
@@ -22,7 +23,9 @@ void SaveDialogs::askForTarget(const QString& title, const QStringList& filters,
         dialog = make(title);
         dialog->setAcceptMode(QFileDialog::AcceptSave);
         dialog->setFileMode(QFileDialog::AnyFile);
-        connect(dialog, &QFileDialog::fileSelected, m_window, save);
+        connect(dialog, &QFileDialog::fileSelected, m_window, [save, dialog](const QString& name) {
+            save(withSuffix(name, dialog->defaultSuffix()));  // not every platform's dialog does
+        });
     }
     dialog->setNameFilters(filters);
     dialog->setDefaultSuffix(suffix);
