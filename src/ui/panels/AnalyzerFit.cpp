@@ -71,7 +71,7 @@ void Analyzer::analyzeSpectrumFinished() {
 
 void Analyzer::analyzeAndShowSpectrum(const XafsSpectrum& spectrum) {
     m_sample = spectrum;
-    m_view->setSample(spectrum, tr("Sample"));
+    m_view->setSample(spectrum, tr("Sample"), QStringLiteral("Sample"));
     if (m_busy || spectrum.isEmpty()) {
         m_view->clearFit();
     }
