@@ -1,12 +1,12 @@
 #include "batch/Record.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QSaveFile>
 
 #include "base/Globals.h"
 #include "batch/BatchText.h"
+#include "batch/BatchTexts.h"
 #include "batch/CmdLine.h"
 #include "batch/CommandTables.h"
 #include "batch/RecordWriter.h"
@@ -21,14 +21,10 @@ constexpr int Version = 1;
 const QLatin1String FirstLine("Tarnwick record ");
 const QLatin1String Digest("sha256 ");
 
-QString tr(const char* text) {
-    return QCoreApplication::translate("Batch", text);
-}
-
 /// The lines behind a remark that says what they are, which files they need and what is left out.
 RecordLines withRemark(const RecordWriter& writer, const QStringList& leftOut = {}) {
-    if (!writer.failure().isEmpty()) {
-        return {{}, writer.failure()};
+    if (writer.failure()) {
+        return *writer.failure();
     }
     QStringList lines{QStringLiteral(":rem_start"), FirstLine + QString::number(Version)};
     for (const auto& digest : writer.digests()) {
@@ -39,7 +35,7 @@ RecordLines withRemark(const RecordWriter& writer, const QStringList& leftOut = 
     }
     lines += leftOut;
     lines << QStringLiteral(":rem_end");
-    return {lines + writer.lines(), {}};
+    return {lines + writer.lines(), {}, {}};
 }
 
 void execLine(RecordWriter& writer, Work work) {
@@ -139,10 +135,10 @@ RecordLines recordOf(const Measurement& measurement, const Result& result, const
     if (result.id == ResultId::Shift) {
         inputs.map = measurement.mapInput();
         if (!inputs.map) {
-            return {{}, tr("there is no energy-shift map")};
+            return RecordLines::none(QT_TRANSLATE_NOOP("Record", "there is no energy-shift map"));
         }
     } else if (!result.run) {
-        return {{}, tr("nothing has been analysed")};
+        return RecordLines::none(QT_TRANSLATE_NOOP("Record", "nothing has been analysed"));
     }
     RecordWriter writer(originFolder(inputs));
     makeAgain(writer, measurement, result);
@@ -180,14 +176,14 @@ RecordLines recordOf(const Measurement& measurement) {
 
 Outcome saveRecord(const Measurement& measurement, const QString& fileName) {
     const RecordLines record = recordOf(measurement);
-    if (!record.whyNot.isEmpty()) {
-        return Outcome::failure(record.whyNot);
+    if (!record.whyNotInWindow.isEmpty()) {
+        return Outcome::failure(record.whyNotInWindow);
     }
     QSaveFile file(fileName);
     const QByteArray text = (record.lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
     const bool written = openBeside(file) && file.write(text) == text.size() && putInPlace(file);
     if (!written) {
-        return Outcome::failure(tr("cannot be written: %1").arg(fileName));
+        return Outcome::failure(Batch::tr("cannot be written: %1").arg(fileName));
     }
     for (const Result* result : measurement.results()) {
         if (result->run) {

@@ -1,6 +1,5 @@
 #include "batch/RecordWriter.h"
 
-#include <QCoreApplication>
 #include <QLocale>
 #include <QRegularExpression>
 
@@ -84,9 +83,9 @@ void RecordWriter::line(const QString& command, const QStringList& args) {
     const auto physical = batchLine(command, args, &refused);
     if (physical) {
         m_lines += *physical;
-    } else if (m_failure.isEmpty()) {
-        m_failure =
-            QCoreApplication::translate("Batch", "a batch cannot carry the name %1").arg(refused);
+    } else if (!m_failure) {
+        m_failure = RecordLines::none(
+            QT_TRANSLATE_NOOP("Record", "a batch cannot carry the name %1"), refused);
     }
 }
 
@@ -137,10 +136,10 @@ void RecordWriter::stack(const char* name, const StackInputs& stack) {
     bool first = true;
     for (int i = 0; i < stack.files.size(); ++i) {
         const Stack::File& file = stack.files.at(i);
-        if (m_failure.isEmpty() && !energyIsKept(file, fileName(file.path), i)) {
-            m_failure = QCoreApplication::translate(
-                            "Batch", "the energy of %1 stands in the name of its folder")
-                            .arg(fileName(file.path));
+        if (!m_failure && !energyIsKept(file, fileName(file.path), i)) {
+            m_failure = RecordLines::none(
+                QT_TRANSLATE_NOOP("Record", "the energy of %1 stands in the name of its folder"),
+                fileName(file.path));
         }
         if (!group.isEmpty() && !(group.last().names == file.names)) {
             loadGroup(name, first, group);

@@ -3,8 +3,10 @@
 #include <QHash>
 #include <QMap>
 #include <QStringList>
+#include <optional>
 
 #include "measurement/Measurement.h"
+#include "measurement/RecordLines.h"
 
 /// Writes inputs and settings as batch lines, leaving out what is in force already: at first the
 /// state of a program that has just started.
@@ -14,8 +16,8 @@ class RecordWriter {
     explicit RecordWriter(const QString& folder);
 
     const QStringList& lines() const { return m_lines; }
-    /// Why the batch language cannot say what it should; empty: it can.
-    const QString& failure() const { return m_failure; }
+    /// Why the batch language cannot say what it should; nothing: it can.
+    const std::optional<RecordLines>& failure() const { return m_failure; }
     /// Names of files with their digests, in the order in which they are used.
     const QVector<QPair<QString, QByteArray>>& digests() const { return m_digests; }
 
@@ -53,7 +55,7 @@ class RecordWriter {
 
     QString m_folder;
     QStringList m_lines;
-    QString m_failure;
+    std::optional<RecordLines> m_failure;
     QHash<QString, QString> m_inForce;
     QVector<QPair<QString, QByteArray>> m_digests;
     int m_references = 0;

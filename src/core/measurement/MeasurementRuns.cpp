@@ -291,7 +291,7 @@ Outcome Measurement::showProcessed(bool on) {
 
 RecordLines Measurement::recordOf(const Result& result, const QString& savedBy) const {
     if (result.run && result.run->state != Run::State::Complete) {
-        return {{}, tr("the run was stopped before its end")};
+        return RecordLines::none(QT_TRANSLATE_NOOP("Record", "the run was stopped before its end"));
     }
     return m_recorder ? m_recorder(*this, result, savedBy) : RecordLines();
 }

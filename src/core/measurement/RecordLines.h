@@ -10,7 +10,11 @@ struct Result;
 /// none.
 struct RecordLines {
     QStringList lines;
-    QString whyNot;
+    QString whyNot;          ///< in English, as saved files say it in every language
+    QString whyNotInWindow;  ///< the same in the language of the window
+
+    /// Why there are no lines: an English text of the context "Record" with a name for its %1.
+    static RecordLines none(const char* text, const QString& name = {});
 };
 
 /// Writes records: what speaks the batch language stands above a measurement and is given to it.

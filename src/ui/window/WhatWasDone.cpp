@@ -100,10 +100,10 @@ void WhatWasDone::open(const QString& fileName) {
 
 void WhatWasDone::insert() {
     const RecordLines record = recordOf(m_measurement);
-    if (record.whyNot.isEmpty()) {
+    if (record.whyNotInWindow.isEmpty()) {
         m_batch->insert(record.lines);
     } else {
-        emit failed(record.whyNot);
+        emit failed(record.whyNotInWindow);
     }
 }
 
