@@ -1,6 +1,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTranslator>
 
@@ -22,6 +23,8 @@ class TestTranslation : public QObject {
                                 SOURCE_FOLDER, "-ts", file});
         QVERIFY2(lupdate.waitForFinished(60000), "lupdate does not run");
         QCOMPARE(lupdate.exitCode(), 0);
+        // It says which texts it cannot take, as tr() of no class.
+        QCOMPARE(QString::fromLocal8Bit(lupdate.readAllStandardError()), QString());
         QFile updated(file);
         QVERIFY(updated.open(QIODevice::ReadOnly));
         const QString text = QString::fromUtf8(updated.readAll());
@@ -32,12 +35,36 @@ class TestTranslation : public QObject {
         QVERIFY(!text.contains("<translation></translation>"));
     }
 
+    /// What is put in for %1 and %n is in both, and who has a key to press has one in Japanese.
+    void placesAndKeysAreKept() {
+        const auto marks = [](const QString& text) {
+            QStringList found;
+            QRegularExpression mark("%[0-9n]|&amp;(?=[0-9A-Za-z])");
+            for (auto all = mark.globalMatch(text); all.hasNext();) {
+                found << all.next().captured();
+            }
+            found.sort();
+            return found;
+        };
+        QFile file(TRANSLATION_FILE);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QRegularExpression message(
+            "<source>(.*?)</source>.*?<translation>\\s*(?:<numerusform>)?(.*?)</",
+            QRegularExpression::DotMatchesEverythingOption);
+        const QString text = QString::fromUtf8(file.readAll());
+        for (auto all = message.globalMatch(text); all.hasNext();) {
+            const QRegularExpressionMatch pair = all.next();
+            QVERIFY2(marks(pair.captured(1)) == marks(pair.captured(2)),
+                     qPrintable(pair.captured(1)));
+        }
+    }
+
     void theResourceIsCompiledIn() {
         QTranslator translator;
         installJapanese(&translator);
         QVERIFY(!translator.isEmpty());
         QCOMPARE(QCoreApplication::translate("Analyzer", "Analyzer"), QString::fromUtf8("解析"));
-        QCOMPARE(QCoreApplication::translate("Body", "%n file(s) to read", nullptr, 3),
+        QCOMPARE(QCoreApplication::translate("StatusLine", "%n file(s) to read", nullptr, 3),
                  QString::fromUtf8("残り 3 ファイル"));
     }
 };

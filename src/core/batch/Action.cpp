@@ -1,8 +1,9 @@
 #include "batch/Action.h"
 
-#include <QCoreApplication>
 #include <QDebug>
 #include <QFileInfo>
+
+#include "batch/BatchTexts.h"
 
 int CommandArgs::integer(int i) const {
     bool ok = false;
@@ -29,7 +30,7 @@ bool CommandArgs::isNew(int i) const {
 void Action::expect(const FileInput& file) {
     const auto expected = digests.find(file.path);
     if (!file.path.isEmpty() && expected != digests.end() && *expected != file.sha256) {
-        outcome.warnings << QCoreApplication::translate("Batch", "%1 is not the file that was used")
-                                .arg(QFileInfo(file.path).fileName());
+        outcome.warnings
+            << Batch::tr("%1 is not the file that was used").arg(QFileInfo(file.path).fileName());
     }
 }

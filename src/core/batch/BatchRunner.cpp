@@ -1,9 +1,9 @@
 #include "batch/BatchRunner.h"
 
-#include <QCoreApplication>
 #include <utility>
 
 #include "batch/Action.h"
+#include "batch/BatchTexts.h"
 #include "batch/CommandTables.h"
 #include "batch/Record.h"
 
@@ -57,7 +57,7 @@ void BatchRunner::run(const CmdLine& cmd) {
         if (controlId(cmd.command) == NoControl) {
             outcome = std::exchange(m_aboutRecord, {});
             emit unknownCommand(cmd);
-            outcome += Outcome::failure(QCoreApplication::translate("Batch", "unknown command"));
+            outcome += Outcome::failure(Batch::tr("unknown command"));
         }
         answer(cmd, outcome);
         return;

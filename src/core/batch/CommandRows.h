@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "batch/Action.h"
+#include "batch/BatchTexts.h"
 #include "batch/CommandCheck.h"
 #include "batch/CommandTables.h"
 

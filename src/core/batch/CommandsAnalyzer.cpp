@@ -1,15 +1,9 @@
 // Commands for references, fits, residual absorption and their results.
 
-#include <QCoreApplication>
-
 #include "batch/CommandRows.h"
 #include "spectra/Background.h"
 
 namespace {
-
-QString tr(const char* text) {
-    return QCoreApplication::translate("Batch", text);
-}
 
 void setReference(Action& a) {
     Measurement& m = a.measurement;
@@ -19,7 +13,7 @@ void setReference(Action& a) {
         a.outcome += m.addReference();
     }
     if (index < 0 || index >= m.referenceCount()) {
-        a.fail(tr("no reference panel %1").arg(index));
+        a.fail(Batch::tr("no reference panel %1").arg(index));
         return;
     }
     m.change(index, [&a](Reference& reference) {
@@ -30,7 +24,7 @@ void setReference(Action& a) {
     });
     const Reference& reference = *m.references()[static_cast<std::size_t>(index)];
     if (!reference.hasSpectrum()) {
-        a.fail(tr("cannot be read: %1").arg(a.args.text(3)));
+        a.fail(Batch::tr("cannot be read: %1").arg(a.args.text(3)));
     }
     a.expect(reference.file());
 }

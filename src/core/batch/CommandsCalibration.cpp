@@ -1,6 +1,5 @@
 // Commands of the energy calibration.
 
-#include <QCoreApplication>
 #include <algorithm>
 
 #include "batch/CommandRows.h"
@@ -8,10 +7,6 @@
 #include "spectra/Units.h"
 
 namespace {
-
-QString tr(const char* text) {
-    return QCoreApplication::translate("Batch", text);
-}
 
 void loadStandard(Action& a) {
     a.outcome += a.measurement.loadStandard(a.args.text(0));
@@ -29,7 +24,7 @@ template <int Settings::*Background>
 void setBackground(Action& a) {
     const int background = backgroundOfWord(a.args.text(0));
     if (background < 0) {
-        a.fail(tr("no such background: %1").arg(a.args.text(0)));
+        a.fail(Batch::tr("no such background: %1").arg(a.args.text(0)));
         return;
     }
     a.measurement.set(Background, background);
@@ -42,7 +37,7 @@ void setCrystal(Action& a) {
             return name.compare(QLatin1String(crystal.name), Qt::CaseInsensitive) == 0;
         });
     if (found == CrystalTable.end()) {
-        a.fail(tr("no such crystal: %1").arg(name));
+        a.fail(Batch::tr("no such crystal: %1").arg(name));
         return;
     }
     a.measurement.set(&Settings::crystal, static_cast<int>(found - CrystalTable.begin()));

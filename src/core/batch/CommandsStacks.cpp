@@ -1,20 +1,14 @@
 // Commands that load and clear frames.
 
-#include <QCoreApplication>
-
 #include "batch/CommandRows.h"
 #include "files/FileListing.h"
 
 namespace {
 
-QString tr(const char* text) {
-    return QCoreApplication::translate("Batch", text);
-}
-
 void loadOfPattern(Action& a, StackId id) {
     const QStringList files = listImageFiles(a.args.text(1), a.args.from(2));
     if (files.isEmpty()) {
-        a.fail(tr("no file matches in %1").arg(a.args.text(1)));
+        a.fail(Batch::tr("no file matches in %1").arg(a.args.text(1)));
     }
     a.measurement.load(id, files, a.args.isNew(0));
 }
@@ -22,7 +16,7 @@ void loadOfPattern(Action& a, StackId id) {
 bool stackOf(Action& a, StackId* id) {
     const QString name = a.args.text(0).toUpper();
     if (name != QLatin1String("I1") && name != QLatin1String("I0")) {
-        a.fail(tr("neither I1 nor I0: %1").arg(a.args.text(0)));
+        a.fail(Batch::tr("neither I1 nor I0: %1").arg(a.args.text(0)));
         return false;
     }
     *id = name == QLatin1String("I1") ? StackId::I1 : StackId::I0;
@@ -36,7 +30,7 @@ void setEnergyPattern(Action& a) {
     }
     const QString unit = a.args.text(2).toLower();
     if (unit != QLatin1String("ev") && unit != QLatin1String("kev")) {
-        a.fail(tr("neither eV nor keV: %1").arg(a.args.text(2)));
+        a.fail(Batch::tr("neither eV nor keV: %1").arg(a.args.text(2)));
         return;
     }
     a.measurement.setNames(id, {a.args.text(1), unit == QLatin1String("kev")});
@@ -53,7 +47,7 @@ void loadNew(Action& a) {
 void loadDarkOfPattern(Action& a) {
     const QStringList files = listImageFiles(a.args.text(0), a.args.from(1));
     if (files.isEmpty()) {
-        a.fail(tr("no file matches in %1").arg(a.args.text(0)));
+        a.fail(Batch::tr("no file matches in %1").arg(a.args.text(0)));
         return;
     }
     a.measurement.loadDark(files);

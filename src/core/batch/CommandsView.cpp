@@ -1,6 +1,5 @@
 // Commands for bins, area, position and what is on display.
 
-#include <QCoreApplication>
 #include <algorithm>
 #include <cmath>
 
@@ -10,16 +9,12 @@
 
 namespace {
 
-QString tr(const char* text) {
-    return QCoreApplication::translate("Batch", text);
-}
-
 void selectRegion(Action& a) {
     Measurement& m = a.measurement;
     const Area area{a.args.integer(0), a.args.integer(1), a.args.integer(2), a.args.integer(3)};
     m.set(&Settings::area, area);
     if (!area.isWhole() && m.imageSize().width() >= 0 && m.selection().isEmpty()) {
-        a.fail(tr("no part of the region lies inside the image"));
+        a.fail(Batch::tr("no part of the region lies inside the image"));
     }
 }
 
@@ -34,7 +29,7 @@ void showFrame(Action& a) {
     Stack& stack = a.measurement.shownStack();
     const int n = a.args.integer(0);
     if (n < 0 || n >= stack.size()) {
-        a.fail(tr("there is no frame %1").arg(n));
+        a.fail(Batch::tr("there is no frame %1").arg(n));
         return;
     }
     a.measurement.setFrame(stack.id(), n);
@@ -47,9 +42,9 @@ void setPlotAxes(Action& a) {
         return unit.compare(QLatin1String(u.name), Qt::CaseInsensitive) == 0;
     });
     if (ordinate < SpectrumPlot::MuT || ordinate > SpectrumPlot::PostBasedBySpan) {
-        a.fail(tr("there is no ordinate %1").arg(a.args.text(0)));
+        a.fail(Batch::tr("there is no ordinate %1").arg(a.args.text(0)));
     } else if (found == UnitTable.end()) {
-        a.fail(tr("there is no unit %1").arg(unit));
+        a.fail(Batch::tr("there is no unit %1").arg(unit));
     } else {
         a.measurement.set(&Settings::plotOrdinate, ordinate);
         a.measurement.set(&Settings::plotAbscissa, static_cast<int>(found - UnitTable.begin()));
@@ -64,7 +59,7 @@ void setViewRange(Action& a) {
     }
     const ViewRange range{true, a.args.real(0), a.args.real(1)};
     if (!std::isfinite(range.low) || !std::isfinite(range.high) || range.high <= range.low) {
-        a.fail(tr("the upper end of a range must lie above the lower one"));
+        a.fail(Batch::tr("the upper end of a range must lie above the lower one"));
         return;
     }
     a.measurement.set(&Settings::viewRange, range);

@@ -206,9 +206,9 @@ Outcome aboutNewerRecord(const QStringList& lines) {
             unknown << cmd.command;
         }
     }
-    const QString known = unknown.isEmpty() ? tr("all its commands are known")
-                                            : tr("not known: %1").arg(unknown.join(", "));
-    return Outcome::warning(tr("the record is of a newer version; %1").arg(known));
+    const QString known = unknown.isEmpty() ? Batch::tr("all its commands are known")
+                                            : Batch::tr("not known: %1").arg(unknown.join(", "));
+    return Outcome::warning(Batch::tr("the record is of a newer version; %1").arg(known));
 }
 
 QHash<QString, QByteArray> digestsInRecord(const QStringList& lines) {

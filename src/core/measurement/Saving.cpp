@@ -17,12 +17,12 @@
 
 namespace {
 
-QString tr(const char* text) {
-    return QCoreApplication::translate("Saving", text);
-}
+class Saving {
+    Q_DECLARE_TR_FUNCTIONS(Saving)
+};
 
 Outcome unwritable(const QString& file) {
-    return Outcome::failure(tr("cannot be written: %1").arg(file));
+    return Outcome::failure(Saving::tr("cannot be written: %1").arg(file));
 }
 
 Outcome written(bool done, const QString& file) {
@@ -40,11 +40,11 @@ Outcome judgement(const Measurement& measurement, const Result& result) {
         result.run->saved = true;
     }
     if (result.run && result.run->state == Run::State::Stopped) {
-        outcome.warnings << tr("the run was stopped before its end");
+        outcome.warnings << Saving::tr("the run was stopped before its end");
     }
     const Difference difference = measurement.differenceOf(result);
     if (difference != Difference::None) {
-        outcome.warnings << tr("the result is %1")
+        outcome.warnings << Saving::tr("the result is %1")
                                 .arg(QCoreApplication::translate("Difference",
                                                                  differenceText(difference)));
     }
@@ -58,7 +58,7 @@ QString originText(const Measurement& measurement, const Result& result, const c
 Outcome savePicture(Measurement& measurement, const QString& fileName, const QImage& picture,
                     const char* savedBy) {
     if (picture.isNull()) {
-        return Outcome::failure(tr("no image is shown"));
+        return Outcome::failure(Saving::tr("no image is shown"));
     }
     const Result* result = measurement.shownResult();
     const QString origin =
@@ -89,7 +89,7 @@ Outcome saveImage(Measurement& measurement, const QString& fileName) {
 
 Outcome saveImageWithBar(Measurement& measurement, const QString& fileName) {
     if (!hasLetters()) {
-        return Outcome::failure(tr("there are no letters to draw with"));
+        return Outcome::failure(Saving::tr("there are no letters to draw with"));
     }
     return savePicture(measurement, fileName, withColorBar(shownWithBar(measurement)),
                        "save_image_with_bar");
@@ -122,10 +122,10 @@ Outcome saveData(const Measurement& measurement, const QString& fileName) {
         result = measurement.shownResult();
     }
     if (result == nullptr) {
-        return Outcome::failure(tr("no result image is selected"));
+        return Outcome::failure(Saving::tr("no result image is selected"));
     }
     if (!result->image.hasData()) {
-        return Outcome::failure(tr("the selected result holds no values"));
+        return Outcome::failure(Saving::tr("the selected result holds no values"));
     }
     const Settings& form = measurement.settings();
     const QString origin = originText(measurement, *result, "save_data_as_tiff");
@@ -145,13 +145,14 @@ Outcome saveSpectra(Measurement& measurement, const QString& fileName,
     const XafsSpectrum* standard = measurement.standard();
     if (standard != nullptr && !standard->isEmpty()) {
         if (spectra.isEmpty()) {
-            outcome.warnings << tr("there is no spectrum at the position: this is the standard");
+            outcome.warnings << Saving::tr(
+                "there is no spectrum at the position: this is the standard");
         }
         spectra << *standard;
     }
     spectra << more;
     if (spectra.isEmpty()) {
-        return Outcome::failure(tr("the spectrum window shows no spectrum"));
+        return Outcome::failure(Saving::tr("the spectrum window shows no spectrum"));
     }
     int number = 0;
     for (const XafsSpectrum& spectrum : qAsConst(spectra)) {
@@ -169,10 +170,10 @@ Outcome saveSpectra(Measurement& measurement, const QString& fileName,
 Outcome savePlot(Measurement& measurement, const QString& fileName) {
     const SpectrumPlot plot = shownPlot(measurement);
     if (plot.shown().isEmpty()) {
-        return Outcome::failure(tr("the spectrum window shows no spectrum"));
+        return Outcome::failure(Saving::tr("the spectrum window shows no spectrum"));
     }
     if (!hasLetters()) {
-        return Outcome::failure(tr("there are no letters to draw with"));
+        return Outcome::failure(Saving::tr("there are no letters to draw with"));
     }
     return written(writePlot(fileName, plot), fileName);
 }

@@ -2,17 +2,6 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="ja_JP">
 <context>
-    <name>Analysis2D</name>
-    <message>
-        <source>fewer than two reference panels</source>
-        <translation>参照パネルが 2 つ以上必要です</translation>
-    </message>
-    <message>
-        <source>no point of the area lies inside the image</source>
-        <translation>解析領域に画像内の点がありません</translation>
-    </message>
-</context>
-<context>
     <name>Analyzer</name>
     <message>
         <source>Analyzer</source>
@@ -135,10 +124,6 @@
         <translation>差し引くエッジジャンプの倍率</translation>
     </message>
     <message>
-        <source>Analyse every bin of the selected area; this cannot be stopped</source>
-        <translation>選択領域のすべてのビンを解析します。途中で中止できません</translation>
-    </message>
-    <message>
         <source>Show the Rest</source>
         <translation>残留分を表示</translation>
     </message>
@@ -217,6 +202,77 @@
     <message>
         <source>Residual absorption over edge jump</source>
         <translation>残留吸収／エッジジャンプ</translation>
+    </message>
+    <message>
+        <source>Analyse every bin of the selected area; a second click stops</source>
+        <translation>選択領域のすべてのビンを解析します。もう一度押すと中止します</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>中止</translation>
+    </message>
+</context>
+<context>
+    <name>Batch</name>
+    <message>
+        <source>%1 is not the file that was used</source>
+        <translation>%1 は記録時に使ったファイルと内容が違います</translation>
+    </message>
+    <message>
+        <source>unknown command</source>
+        <translation>不明なコマンドです</translation>
+    </message>
+    <message>
+        <source>no reference panel %1</source>
+        <translation>参照パネル %1 はありません</translation>
+    </message>
+    <message>
+        <source>cannot be read: %1</source>
+        <translation>読み込めません: %1</translation>
+    </message>
+    <message>
+        <source>no such background: %1</source>
+        <translation>そのようなバックグラウンドはありません: %1</translation>
+    </message>
+    <message>
+        <source>no such crystal: %1</source>
+        <translation>そのような結晶はありません: %1</translation>
+    </message>
+    <message>
+        <source>no file matches in %1</source>
+        <translation>一致するファイルがありません: %1</translation>
+    </message>
+    <message>
+        <source>neither I1 nor I0: %1</source>
+        <translation>I1 でも I0 でもありません: %1</translation>
+    </message>
+    <message>
+        <source>neither eV nor keV: %1</source>
+        <translation>eV でも keV でもありません: %1</translation>
+    </message>
+    <message>
+        <source>no part of the region lies inside the image</source>
+        <translation>選択領域が画像の外にあります</translation>
+    </message>
+    <message>
+        <source>there is no frame %1</source>
+        <translation>フレーム %1 はありません</translation>
+    </message>
+    <message>
+        <source>there is no ordinate %1</source>
+        <translation>縦軸 %1 はありません</translation>
+    </message>
+    <message>
+        <source>there is no unit %1</source>
+        <translation>単位 %1 はありません</translation>
+    </message>
+    <message>
+        <source>the upper end of a range must lie above the lower one</source>
+        <translation>範囲の上限は下限より大きくしてください</translation>
+    </message>
+    <message>
+        <source>cannot be written: %1</source>
+        <translation>書き込めません: %1</translation>
     </message>
 </context>
 <context>
@@ -308,6 +364,14 @@
     <message>
         <source>Empty the batch; Ctrl+Z brings it back</source>
         <translation>バッチを消去します (Ctrl+Z で元に戻せます)</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>編集(&amp;E)</translation>
+    </message>
+    <message>
+        <source>&amp;Insert What Was Done</source>
+        <translation>作業記録を挿入(&amp;I)</translation>
     </message>
 </context>
 <context>
@@ -560,75 +624,11 @@
         <source>XAFS Spectra (*.dat)</source>
         <translation>XAFS スペクトル (*.dat)</translation>
     </message>
-    <message>
-        <source>Position (%1, %2)</source>
-        <translation>位置 (%1, %2)</translation>
-    </message>
-    <message>
-        <source>%1 frame %2 of %3   %4 eV</source>
-        <translation>%1 フレーム %2 / %3   %4 eV</translation>
-    </message>
-    <message>
-        <source>Energy-shift map</source>
-        <translation>エネルギーシフトマップ</translation>
-    </message>
-    <message>
-        <source>Result image</source>
-        <translation>結果画像</translation>
-    </message>
     <message numerus="yes">
         <source>%n file(s) could not be read: %1</source>
         <translation>
             <numerusform>読み込めなかったファイル %n 件: %1</numerusform>
         </translation>
-    </message>
-    <message numerus="yes">
-        <source>%n file(s) to read</source>
-        <translation>
-            <numerusform>残り %n ファイル</numerusform>
-        </translation>
-    </message>
-    <message>
-        <source>Tiff Files (*.tif *.tiff)</source>
-        <translation>TIFF ファイル (*.tif *.tiff)</translation>
-    </message>
-    <message>
-        <source>IMG Files (*.img)</source>
-        <translation>IMG ファイル (*.img)</translation>
-    </message>
-    <message>
-        <source>Clear dark data</source>
-        <translation>ダークデータを消去</translation>
-    </message>
-    <message numerus="yes">
-        <source>%n dark file(s) to read</source>
-        <translation>
-            <numerusform>ダーク残り %n ファイル</numerusform>
-        </translation>
-    </message>
-    <message>
-        <source>%1 of %2 dark frames in use, the others are not of the image&apos;s size</source>
-        <translation>ダーク %2 枚中 %1 枚を使用 (残りは画像とサイズが違います)</translation>
-    </message>
-    <message numerus="yes">
-        <source>%n dark frame(s)</source>
-        <translation>
-            <numerusform>ダーク %n 枚</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>%n dark file(s) unreadable or not of the image&apos;s size</source>
-        <translation>
-            <numerusform>ダーク %n ファイルを除外 (読み込み不可またはサイズ違い)</numerusform>
-        </translation>
-    </message>
-    <message>
-        <source>Stop Loading</source>
-        <translation>読み込みを中止</translation>
-    </message>
-    <message>
-        <source>Frames that have been read stay, the files still to be read are left out (Esc)</source>
-        <translation>読み込み済みのフレームは残り、未読のファイルは読み込まれません (Esc)</translation>
     </message>
     <message>
         <source>Half width of the bin in pixels: it holds 2 xw + 1 columns</source>
@@ -663,120 +663,8 @@
         <translation>先に I1 のフレームを読み込んでください。</translation>
     </message>
     <message>
-        <source>Load some frames first.</source>
-        <translation>先にフレームを読み込んでください。</translation>
-    </message>
-    <message>
-        <source>There is no image on display yet.</source>
-        <translation>まだ画像が表示されていません。</translation>
-    </message>
-    <message>
-        <source>Analyze the image with references first.</source>
-        <translation>先に参照を使って画像を解析してください。</translation>
-    </message>
-    <message>
-        <source>Select a finished result in the Analyzer, or show the energy-shift map, first.</source>
-        <translation>先に解析パネルで結果を選択するか、エネルギーシフトマップを表示してください。</translation>
-    </message>
-    <message>
-        <source>Show a result image or the energy-shift map first.</source>
-        <translation>先に結果画像かエネルギーシフトマップを表示してください。</translation>
-    </message>
-    <message>
-        <source>Make or load an energy-shift map first.</source>
-        <translation>先にエネルギーシフトマップを作成するか読み込んでください。</translation>
-    </message>
-    <message>
-        <source>Not while an analysis of the image runs.</source>
-        <translation>画像の解析中は使えません。</translation>
-    </message>
-    <message>
-        <source>Point at the image first, to form a spectrum.</source>
-        <translation>先に画像上にカーソルを置いてスペクトルを表示してください。</translation>
-    </message>
-    <message>
         <source>Write and run a list of commands</source>
         <translation>コマンドを並べたバッチの編集と実行</translation>
-    </message>
-    <message>
-        <source>no images are loaded</source>
-        <translation>画像が読み込まれていません</translation>
-    </message>
-    <message>
-        <source>memory ran out</source>
-        <translation>メモリが足りません</translation>
-    </message>
-    <message>
-        <source>no standard is loaded: the map holds edge energies, not shifts</source>
-        <translation>標準が読み込まれていません: マップの値はシフトではなく吸収端エネルギーです</translation>
-    </message>
-    <message>
-        <source>the standard has no rising edge to compare with</source>
-        <translation>標準に比較できる吸収端の立ち上がりがありません</translation>
-    </message>
-    <message>
-        <source>an analysis was running and has been stopped</source>
-        <translation>実行中の解析を中止しました</translation>
-    </message>
-    <message>
-        <source>cannot be written: %1</source>
-        <translation>書き込めません: %1</translation>
-    </message>
-    <message>
-        <source>no image is shown</source>
-        <translation>表示中の画像がありません</translation>
-    </message>
-    <message>
-        <source>no result image is selected</source>
-        <translation>解析結果の画像が選択されていません</translation>
-    </message>
-    <message>
-        <source>the spectrum window shows no spectrum</source>
-        <translation>スペクトルウィンドウに表示中のスペクトルがありません</translation>
-    </message>
-    <message>
-        <source>no whole energy map of the images&apos; size: %1</source>
-        <translation>画像と同じ大きさの完全なエネルギーマップではありません: %1</translation>
-    </message>
-    <message>
-        <source>cannot be read: %1</source>
-        <translation>読み込めません: %1</translation>
-    </message>
-    <message>
-        <source>no reference is in use</source>
-        <translation>使用する参照スペクトルがありません</translation>
-    </message>
-    <message>
-        <source>no reference panel %1</source>
-        <translation>参照パネル %1 はありません</translation>
-    </message>
-    <message>
-        <source>no part of the region lies inside the image</source>
-        <translation>選択領域が画像の外にあります</translation>
-    </message>
-    <message>
-        <source>unknown command</source>
-        <translation>不明なコマンドです</translation>
-    </message>
-    <message>
-        <source>no file matches in %1</source>
-        <translation>一致するファイルがありません: %1</translation>
-    </message>
-    <message>
-        <source>%1: loading stopped after %2 of %3 files</source>
-        <translation>%1: %3 ファイル中 %2 ファイルで読み込みを中止しました</translation>
-    </message>
-    <message>
-        <source>No energy-shift map yet</source>
-        <translation>エネルギーシフトマップはまだありません</translation>
-    </message>
-    <message>
-        <source>No result yet: analyze the image and select a result in the Analyzer</source>
-        <translation>結果はまだありません: 画像を解析し、解析パネルで結果を選択してください</translation>
-    </message>
-    <message>
-        <source>No frames yet: select the files of I1 and I0</source>
-        <translation>フレーム未読み込み: I1 と I0 のファイルを選択してください</translation>
     </message>
     <message>
         <source>Save with Colour Bar</source>
@@ -787,48 +675,16 @@
         <translation>表示中の画像を、カラーバー・表題・単位とともに画像ファイルに保存します</translation>
     </message>
     <message>
-        <source>Incident beam (I0), %1 eV</source>
-        <translation>入射ビーム (I0), %1 eV</translation>
+        <source>Saved %1</source>
+        <translation>保存しました: %1</translation>
     </message>
     <message>
-        <source>Transmitted beam (I1), %1 eV</source>
-        <translation>透過ビーム (I1), %1 eV</translation>
+        <source>Loaded %1</source>
+        <translation>読み込みました: %1</translation>
     </message>
     <message>
-        <source>counts</source>
-        <translation>カウント</translation>
-    </message>
-    <message>
-        <source>Energy shift</source>
-        <translation>エネルギーシフト</translation>
-    </message>
-    <message>
-        <source>Edge jump due to the reference</source>
-        <translation>参照成分によるエッジジャンプ</translation>
-    </message>
-    <message>
-        <source>Share of the reference</source>
-        <translation>参照成分の割合</translation>
-    </message>
-    <message>
-        <source>Edge jump</source>
-        <translation>エッジジャンプ</translation>
-    </message>
-    <message>
-        <source>Residual absorption</source>
-        <translation>残留吸収</translation>
-    </message>
-    <message>
-        <source>Share of the residual absorption</source>
-        <translation>残留吸収の割合</translation>
-    </message>
-    <message>
-        <source>share</source>
-        <translation>割合</translation>
-    </message>
-    <message>
-        <source>, processed</source>
-        <translation>(処理済み)</translation>
+        <source>Saved all images</source>
+        <translation>全画像を保存しました</translation>
     </message>
 </context>
 <context>
@@ -1193,10 +1049,6 @@
         <translation>標準が読み込まれていません。「標準を選択」で選んでください。</translation>
     </message>
     <message>
-        <source>Measure the energy shift of every bin of the selected area against the standard.</source>
-        <translation>選択領域のすべてのビンについて、標準に対するエネルギーシフトを求めます。</translation>
-    </message>
-    <message>
         <source>Without one the map holds edge energies, not shifts.</source>
         <translation>標準がないと、マップにはシフトではなく吸収端エネルギーが入ります。</translation>
     </message>
@@ -1215,6 +1067,14 @@
     <message>
         <source>There is no energy-shift map yet.</source>
         <translation>エネルギーシフトマップがまだありません。</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>Measure the energy shift of every bin of the selected area against the standard; a second click stops.</source>
+        <translation>選択領域のすべてのビンについて、標準に対するエネルギーシフトを求めます。もう一度押すと中止します。</translation>
     </message>
 </context>
 <context>
@@ -1249,6 +1109,41 @@
     </message>
 </context>
 <context>
+    <name>Controls</name>
+    <message>
+        <source>Not while an analysis of the image runs.</source>
+        <translation>画像の解析中は使えません。</translation>
+    </message>
+    <message>
+        <source>Show a result image or the energy-shift map first.</source>
+        <translation>先に結果画像かエネルギーシフトマップを表示してください。</translation>
+    </message>
+    <message>
+        <source>Make or load an energy-shift map first.</source>
+        <translation>先にエネルギーシフトマップを作成するか読み込んでください。</translation>
+    </message>
+    <message>
+        <source>Load some frames first.</source>
+        <translation>先にフレームを読み込んでください。</translation>
+    </message>
+    <message>
+        <source>There is no image on display yet.</source>
+        <translation>まだ画像が表示されていません。</translation>
+    </message>
+    <message>
+        <source>Analyze the image with references first.</source>
+        <translation>先に参照を使って画像を解析してください。</translation>
+    </message>
+    <message>
+        <source>Select a finished result in the Analyzer, or show the energy-shift map, first.</source>
+        <translation>先に解析パネルで結果を選択するか、エネルギーシフトマップを表示してください。</translation>
+    </message>
+    <message>
+        <source>Point at the image first, to form a spectrum.</source>
+        <translation>先に画像上にカーソルを置いてスペクトルを表示してください。</translation>
+    </message>
+</context>
+<context>
     <name>CrossSection</name>
     <message>
         <source>Values along the row of the position, mean over the bin&apos;s height</source>
@@ -1257,6 +1152,68 @@
     <message>
         <source>Values along the column of the position, mean over the bin&apos;s width</source>
         <translation>カーソル位置の列に沿った値 (ビンの幅で平均)</translation>
+    </message>
+</context>
+<context>
+    <name>Dark</name>
+    <message>
+        <source>Clear dark data</source>
+        <translation>ダークデータを消去</translation>
+    </message>
+    <message>
+        <source>Dark Data</source>
+        <translation>ダークデータ</translation>
+    </message>
+    <message>
+        <source>Tiff Files (*.tif *.tiff)</source>
+        <translation>TIFF ファイル (*.tif *.tiff)</translation>
+    </message>
+    <message>
+        <source>IMG Files (*.img)</source>
+        <translation>IMG ファイル (*.img)</translation>
+    </message>
+    <message>
+        <source>Any Files (* *.*)</source>
+        <translation>すべてのファイル (* *.*)</translation>
+    </message>
+</context>
+<context>
+    <name>Difference</name>
+    <message>
+        <source>of earlier frames</source>
+        <translation>以前のフレームの結果</translation>
+    </message>
+    <message>
+        <source>with other dark frames</source>
+        <translation>別のダークフレームでの結果</translation>
+    </message>
+    <message>
+        <source>before the energy calibration</source>
+        <translation>エネルギー校正前の結果</translation>
+    </message>
+    <message>
+        <source>with earlier references</source>
+        <translation>以前の参照での結果</translation>
+    </message>
+    <message>
+        <source>with other bins</source>
+        <translation>別のビンでの結果</translation>
+    </message>
+    <message>
+        <source>of another area</source>
+        <translation>別の領域の結果</translation>
+    </message>
+    <message>
+        <source>with another background</source>
+        <translation>別のバックグラウンドでの結果</translation>
+    </message>
+    <message>
+        <source>with other settings</source>
+        <translation>別の設定での結果</translation>
+    </message>
+    <message>
+        <source>stopped at %1 %</source>
+        <translation>%1 % で中止</translation>
     </message>
 </context>
 <context>
@@ -1334,6 +1291,137 @@
     <message>
         <source>Edge jump due to this reference in the last fit</source>
         <translation>直前のフィットでのこの参照によるエッジジャンプ</translation>
+    </message>
+</context>
+<context>
+    <name>Measurement</name>
+    <message>
+        <source>there is no frame on display</source>
+        <translation>表示中のフレームがありません</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n dark file(s) unreadable or not of the image&apos;s size</source>
+        <translation>
+            <numerusform>ダーク %n ファイルを除外 (読み込み不可またはサイズ違い)</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>no %1 frames are loaded yet</source>
+        <translation>%1 のフレームがまだ読み込まれていません</translation>
+    </message>
+    <message>
+        <source>cannot be read: %1</source>
+        <translation>読み込めません: %1</translation>
+    </message>
+    <message>
+        <source>%1: loading stopped after %2 of %3 files</source>
+        <translation>%1: %3 ファイル中 %2 ファイルで読み込みを中止しました</translation>
+    </message>
+    <message>
+        <source>no whole energy map of the images&apos; size: %1</source>
+        <translation>画像と同じ大きさの完全なエネルギーマップではありません: %1</translation>
+    </message>
+    <message>
+        <source>there is no energy-shift map</source>
+        <translation>エネルギーシフトマップがありません</translation>
+    </message>
+    <message>
+        <source>not while an analysis of the image runs</source>
+        <translation>画像の解析中はできません</translation>
+    </message>
+    <message>
+        <source>no images are loaded</source>
+        <translation>画像が読み込まれていません</translation>
+    </message>
+    <message>
+        <source>fewer than two reference panels</source>
+        <translation>参照パネルが 2 つ以上必要です</translation>
+    </message>
+    <message>
+        <source>no point of the area lies inside the image</source>
+        <translation>解析領域に画像内の点がありません</translation>
+    </message>
+    <message>
+        <source>memory ran out</source>
+        <translation>メモリが足りません</translation>
+    </message>
+    <message>
+        <source>no reference is in use</source>
+        <translation>使用する参照スペクトルがありません</translation>
+    </message>
+    <message>
+        <source>no standard is loaded: the map holds edge energies, not shifts</source>
+        <translation>標準が読み込まれていません: マップの値はシフトではなく吸収端エネルギーです</translation>
+    </message>
+    <message>
+        <source>the standard has no rising edge to compare with</source>
+        <translation>標準に比較できる吸収端の立ち上がりがありません</translation>
+    </message>
+    <message>
+        <source>stopped before its end</source>
+        <translation>途中で中止しました</translation>
+    </message>
+    <message>
+        <source>there is no map to deglitch</source>
+        <translation>グリッチを除去するマップがありません</translation>
+    </message>
+    <message>
+        <source>there is no map on display</source>
+        <translation>表示中のマップがありません</translation>
+    </message>
+    <message>
+        <source>nothing has been deglitched: the processed values are 0</source>
+        <translation>グリッチ除去がまだ行われていないため、処理後の値は 0 です</translation>
+    </message>
+</context>
+<context>
+    <name>Record</name>
+    <message>
+        <source>there is no energy-shift map</source>
+        <translation>エネルギーシフトマップがありません</translation>
+    </message>
+    <message>
+        <source>nothing has been analysed</source>
+        <translation>まだ何も解析していません</translation>
+    </message>
+    <message>
+        <source>a batch cannot carry the name %1</source>
+        <translation>バッチには書けない名前です: %1</translation>
+    </message>
+    <message>
+        <source>the energy of %1 stands in the name of its folder</source>
+        <translation>%1 のエネルギーがフォルダー名から読み取られているため、記録できません</translation>
+    </message>
+    <message>
+        <source>the run was stopped before its end</source>
+        <translation>解析は途中で中止されています</translation>
+    </message>
+</context>
+<context>
+    <name>ResultKind</name>
+    <message>
+        <source>Edge jump due to the reference</source>
+        <translation>参照成分によるエッジジャンプ</translation>
+    </message>
+    <message>
+        <source>Share of the reference</source>
+        <translation>参照成分の割合</translation>
+    </message>
+    <message>
+        <source>Edge jump</source>
+        <translation>エッジジャンプ</translation>
+    </message>
+    <message>
+        <source>Residual absorption</source>
+        <translation>残留吸収</translation>
+    </message>
+    <message>
+        <source>Share of the residual absorption</source>
+        <translation>残留吸収の割合</translation>
+    </message>
+    <message>
+        <source>Energy shift</source>
+        <translation>エネルギーシフト</translation>
     </message>
 </context>
 <context>
@@ -1472,6 +1560,45 @@
     </message>
 </context>
 <context>
+    <name>Saving</name>
+    <message>
+        <source>cannot be written: %1</source>
+        <translation>書き込めません: %1</translation>
+    </message>
+    <message>
+        <source>the run was stopped before its end</source>
+        <translation>途中で中止した解析の結果です</translation>
+    </message>
+    <message>
+        <source>the result is %1</source>
+        <translation>注意: %1です</translation>
+    </message>
+    <message>
+        <source>no image is shown</source>
+        <translation>表示中の画像がありません</translation>
+    </message>
+    <message>
+        <source>there are no letters to draw with</source>
+        <translation>文字を描くためのフォントが使えません</translation>
+    </message>
+    <message>
+        <source>no result image is selected</source>
+        <translation>解析結果の画像が選択されていません</translation>
+    </message>
+    <message>
+        <source>the selected result holds no values</source>
+        <translation>選択した結果に値がありません</translation>
+    </message>
+    <message>
+        <source>there is no spectrum at the position: this is the standard</source>
+        <translation>この位置にスペクトルがないため、標準のスペクトルを保存しました</translation>
+    </message>
+    <message>
+        <source>the spectrum window shows no spectrum</source>
+        <translation>スペクトルウィンドウに表示中のスペクトルがありません</translation>
+    </message>
+</context>
+<context>
     <name>SelectDataFiles</name>
     <message>
         <source>Select</source>
@@ -1544,6 +1671,139 @@
     <message>
         <source>Select the first files first.</source>
         <translation>先に「選択」で最初のファイルを選んでください。</translation>
+    </message>
+</context>
+<context>
+    <name>SpectrumPane</name>
+    <message>
+        <source>Position (%1, %2)</source>
+        <translation>位置 (%1, %2)</translation>
+    </message>
+</context>
+<context>
+    <name>StatusLine</name>
+    <message>
+        <source>Stop Loading</source>
+        <translation>読み込みを中止</translation>
+    </message>
+    <message>
+        <source>Frames that have been read stay, the files still to be read are left out (Esc)</source>
+        <translation>読み込み済みのフレームは残り、未読のファイルは読み込まれません (Esc)</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n file(s) to read</source>
+        <translation>
+            <numerusform>残り %n ファイル</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 frame %2 of %3   %4 eV</source>
+        <translation>%1 フレーム %2 / %3   %4 eV</translation>
+    </message>
+    <message>
+        <source>Energy-shift map</source>
+        <translation>エネルギーシフトマップ</translation>
+    </message>
+    <message>
+        <source>No energy-shift map yet</source>
+        <translation>エネルギーシフトマップはまだありません</translation>
+    </message>
+    <message>
+        <source>Result image</source>
+        <translation>結果画像</translation>
+    </message>
+    <message>
+        <source>No result yet: analyze the image and select a result in the Analyzer</source>
+        <translation>結果はまだありません: 画像を解析し、解析パネルで結果を選択してください</translation>
+    </message>
+    <message>
+        <source>No frames yet: select the files of I1 and I0</source>
+        <translation>フレーム未読み込み: I1 と I0 のファイルを選択してください</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n dark file(s) to read</source>
+        <translation>
+            <numerusform>ダーク残り %n ファイル</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 of %2 dark frames in use, the others are not of the image&apos;s size</source>
+        <translation>ダーク %2 枚中 %1 枚を使用 (残りは画像とサイズが違います)</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n dark frame(s)</source>
+        <translation>
+            <numerusform>ダーク %n 枚</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n dark file(s) unreadable or not of the image&apos;s size</source>
+        <translation>
+            <numerusform>ダーク %n ファイルを除外 (読み込み不可またはサイズ違い)</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>WhatWasDone</name>
+    <message>
+        <source>&amp;Recent</source>
+        <translation>最近の作業記録(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Save &amp;What Was Done...</source>
+        <translation>作業記録を保存(&amp;W)...</translation>
+    </message>
+    <message>
+        <source>Write down, as a batch, what makes the present results again</source>
+        <translation>現在の結果を再現する手順を、バッチとして書き出します</translation>
+    </message>
+    <message>
+        <source>Open W&amp;hat Was Done...</source>
+        <translation>作業記録を開く(&amp;H)...</translation>
+    </message>
+    <message>
+        <source>Run such a batch in the folder that it lies in</source>
+        <translation>作業記録のバッチを、そのファイルのあるフォルダーで実行します</translation>
+    </message>
+    <message>
+        <source>Open What Was Done</source>
+        <translation>作業記録を開く</translation>
+    </message>
+    <message>
+        <source>Batch File (*.bat)</source>
+        <translation>バッチファイル (*.bat)</translation>
+    </message>
+    <message>
+        <source>Any Files (* *.*)</source>
+        <translation>すべてのファイル (* *.*)</translation>
+    </message>
+    <message>
+        <source>Save What Was Done</source>
+        <translation>作業記録を保存</translation>
+    </message>
+    <message>
+        <source>cannot be read: %1</source>
+        <translation>読み込めません: %1</translation>
+    </message>
+    <message>
+        <source>cannot enter %1</source>
+        <translation>フォルダーに移動できません: %1</translation>
+    </message>
+    <message>
+        <source>Results not saved</source>
+        <translation>未保存の結果</translation>
+    </message>
+    <message>
+        <source>There are results that have not been saved. Close anyway?</source>
+        <translation>保存していない結果があります。このまま終了しますか?</translation>
+    </message>
+    <message>
+        <source>Close without saving</source>
+        <translation>保存せずに終了</translation>
+    </message>
+    <message>
+        <source>Save what was done...</source>
+        <translation>作業記録を保存...</translation>
     </message>
 </context>
 <context>

@@ -1,5 +1,6 @@
 #include "window/Controls.h"
 
+#include <QCoreApplication>
 #include <QSignalBlocker>
 #include <algorithm>
 
@@ -11,9 +12,9 @@
 
 namespace {
 
-QString tr(const char* text) {
-    return QCoreApplication::translate("Controls", text);
-}
+class Controls {
+    Q_DECLARE_TR_FUNCTIONS(Controls)
+};
 
 QString unless(bool fulfilled, const QString& whyNot) {
     return fulfilled ? QString() : whyNot;
@@ -33,8 +34,9 @@ void updateMapControls(const Ui::Body& ui, const Measurement& measurement) {
     const bool hasValues = target != nullptr && target->image.hasData();
     const bool runs = target != nullptr && target->run && target->run->state == Run::State::Running;
     const QString noMap =
-        runs ? tr("Not while an analysis of the image runs.")
-             : unless(hasValues, tr("Show a result image or the energy-shift map first."));
+        runs
+            ? Controls::tr("Not while an analysis of the image runs.")
+            : unless(hasValues, Controls::tr("Show a result image or the energy-shift map first."));
     setUsable(ui.DeGlitch, noMap);
     setUsable(ui.ShowProcImg, noMap);
     showNumber(ui.DeGlitchFactor, measurement.settings().deglitchFactor);
@@ -42,14 +44,14 @@ void updateMapControls(const Ui::Body& ui, const Measurement& measurement) {
     const QSignalBlocker blocked(ui.ShowProcImg);
     ui.ShowProcImg->setChecked(target != nullptr && target->image.showsProc());
     setUsable(ui.NormalizeEShift, unless(measurement.map().image.hasData(),
-                                         tr("Make or load an energy-shift map first.")));
+                                         Controls::tr("Make or load an energy-shift map first.")));
 }
 
 }  // namespace
 
 void updateControls(const Ui::Body& ui, Measurement& measurement, const XafsView& view) {
     const QString noFrames =
-        unless(measurement.shownStack().size() > 0, tr("Load some frames first."));
+        unless(measurement.shownStack().size() > 0, Controls::tr("Load some frames first."));
     setUsable(ui.Prev, noFrames);
     setUsable(ui.Next, noFrames);
     setUsable(ui.SeekBar, noFrames);
@@ -57,19 +59,21 @@ void updateControls(const Ui::Body& ui, Measurement& measurement, const XafsView
     const Result* shown = measurement.shownResult();
     const bool hasPicture =
         shownFrame(measurement) != nullptr || (shown != nullptr && shown->image.img() != nullptr);
-    const QString noPicture = unless(hasPicture, tr("There is no image on display yet."));
+    const QString noPicture = unless(hasPicture, Controls::tr("There is no image on display yet."));
     setUsable(ui.SaveImage, noPicture);
     setUsable(ui.SaveImageWithBar, noPicture);
-    setUsable(ui.SaveAllImages,
-              unless(hasImageToSave(measurement), tr("Analyze the image with references first.")));
+    setUsable(ui.SaveAllImages, unless(hasImageToSave(measurement),
+                                       Controls::tr("Analyze the image with references first.")));
 
     const Result* selected = measurement.selectedResult();
     const bool showsMap = measurement.settings().shown == Shown::Map;
     const bool hasValues = selected != nullptr ? selected->image.hasData()
                                                : showsMap && measurement.map().image.hasData();
-    setUsable(ui.SaveData, unless(hasValues, tr("Select a finished result in the Analyzer, or show "
-                                                "the energy-shift map, first.")));
-    setUsable(ui.SaveXAFSSpectra,
-              unless(view.hasCurves(), tr("Point at the image first, to form a spectrum.")));
+    setUsable(ui.SaveData,
+              unless(hasValues, Controls::tr("Select a finished result in the Analyzer, or show "
+                                             "the energy-shift map, first.")));
+    setUsable(
+        ui.SaveXAFSSpectra,
+        unless(view.hasCurves(), Controls::tr("Point at the image first, to form a spectrum.")));
     updateMapControls(ui, measurement);
 }

@@ -8,18 +8,22 @@
 #include "window/SaveDialogs.h"
 #include "window/StatusLine.h"
 
+namespace {
+class Dark {
+    Q_DECLARE_TR_FUNCTIONS(Dark)
+};
+}  // namespace
+
 void connectDarkButton(QPushButton* button, Measurement& measurement, SaveDialogs* dialogs) {
-    const auto tr = [](const char* text) { return QCoreApplication::translate("Dark", text); };
-    auto* clear = new QAction(tr(QT_TRANSLATE_NOOP("Dark", "Clear dark data")), button->window());
+    auto* clear = new QAction(Dark::tr("Clear dark data"), button->window());
     clear->setObjectName(QStringLiteral("ClearDark"));
     button->addAction(clear);
     button->setContextMenuPolicy(Qt::ActionsContextMenu);
-    QObject::connect(button, &QPushButton::clicked, button, [&measurement, dialogs, tr] {
+    QObject::connect(button, &QPushButton::clicked, button, [&measurement, dialogs] {
         dialogs->askForFiles(
-            tr(QT_TRANSLATE_NOOP("Dark", "Dark Data")),
-            {tr(QT_TRANSLATE_NOOP("Dark", "Tiff Files (*.tif *.tiff)")),
-             tr(QT_TRANSLATE_NOOP("Dark", "IMG Files (*.img)")),
-             tr(QT_TRANSLATE_NOOP("Dark", "Any Files (* *.*)"))},
+            Dark::tr("Dark Data"),
+            {Dark::tr("Tiff Files (*.tif *.tiff)"), Dark::tr("IMG Files (*.img)"),
+             Dark::tr("Any Files (* *.*)")},
             false, [&measurement](const QStringList& f) { measurement.loadDark(f); },
             QStringLiteral("DarkDialog"));
     });

@@ -134,25 +134,21 @@ void StatusLine::showLoads() {
 }
 
 QString darkState(const DarkData& dark) {
-    const auto tr = [](const char* text, int n = -1) {
-        return QCoreApplication::translate("StatusLine", text, nullptr, n);
-    };
     QStringList parts;
     if (dark.isLoading()) {
-        parts << tr(QT_TRANSLATE_N_NOOP("StatusLine", "%n dark file(s) to read"), dark.filesLeft());
+        parts << StatusLine::tr("%n dark file(s) to read", nullptr, dark.filesLeft());
     } else if (dark.loaded() > dark.fitting()) {
-        parts << tr(QT_TRANSLATE_NOOP("StatusLine",
-                                      "%1 of %2 dark frames in use, the others are "
-                                      "not of the image's size"))
+        parts << StatusLine::tr(
+                     "%1 of %2 dark frames in use, the others are "
+                     "not of the image's size")
                      .arg(dark.fitting())
                      .arg(dark.loaded());
     } else if (dark.loaded() > 0) {
-        parts << tr(QT_TRANSLATE_N_NOOP("StatusLine", "%n dark frame(s)"), dark.loaded());
+        parts << StatusLine::tr("%n dark frame(s)", nullptr, dark.loaded());
     }
     if (dark.refused() > 0) {
-        parts << tr(QT_TRANSLATE_N_NOOP("StatusLine",
-                                        "%n dark file(s) unreadable or not of the image's size"),
-                    dark.refused());
+        parts << StatusLine::tr("%n dark file(s) unreadable or not of the image's size", nullptr,
+                                dark.refused());
     }
     return parts.join(Gap);
 }
