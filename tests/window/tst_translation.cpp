@@ -6,6 +6,7 @@
 #include <QTranslator>
 
 #include "TestMain.h"
+#include "measurement/RecordLines.h"
 #include "window/Translation.h"
 
 class TestTranslation : public QObject {
@@ -66,6 +67,10 @@ class TestTranslation : public QObject {
         QCOMPARE(QCoreApplication::translate("Analyzer", "Analyzer"), QString::fromUtf8("解析"));
         QCOMPARE(QCoreApplication::translate("StatusLine", "%n file(s) to read", nullptr, 3),
                  QString::fromUtf8("残り 3 ファイル"));
+        // Saved files carry the English one.
+        const RecordLines none = RecordLines::none("a batch cannot carry the name %1", "a%1.tif");
+        QCOMPARE(none.whyNot, QString("a batch cannot carry the name a%1.tif"));
+        QCOMPARE(none.whyNotInWindow, QString::fromUtf8("バッチには書けない名前です: a%1.tif"));
     }
 };
 
