@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "batch/FileProblems.h"
+#include "fitting/ResultKinds.h"
 #include "spectra/Background.h"
 #include "spectra/Units.h"
 
@@ -206,7 +207,7 @@ void CommandCheck::noteTargetBackground(const CmdLine& cmd) {
 }
 
 void CommandCheck::checkResult(const CmdLine& cmd) {
-    checkRange(cmd, 0, m_references.size() + 2);
+    checkRange(cmd, 0, m_references.size() + ResidualCount - 1);
 }
 
 void CommandCheck::checkReference(const CmdLine& cmd) {

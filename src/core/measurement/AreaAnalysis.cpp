@@ -153,11 +153,15 @@ class Fit : public AreaAnalysis {
     std::vector<std::size_t> m_taking;  // and their indices
 };
 
+Analyzed2DRes& imageOf(const ResidualResults& results, ResultId id) {
+    return results[static_cast<std::size_t>(id) - static_cast<std::size_t>(ResultId::RaDmut)]
+        ->image;
+}
+
 class Residual : public AreaAnalysis {
   public:
-    Residual(const AnalysisGrid& grid, std::shared_ptr<Run> run, Result* dMut, Result* rest,
-             Result* ratio)
-        : AreaAnalysis(grid, std::move(run)), m_dMut(dMut), m_rest(rest), m_ratio(ratio) {}
+    Residual(const AnalysisGrid& grid, std::shared_ptr<Run> run, const ResidualResults& results)
+        : AreaAnalysis(grid, std::move(run)), m_results(results) {}
 
     int valuesPerBin() const override { return 2; }
 
@@ -168,7 +172,7 @@ class Residual : public AreaAnalysis {
     }
 
     void begin() override {
-        for (Result* result : {m_dMut, m_rest, m_ratio}) {
+        for (Result* result : m_results) {
             startOver(result, -1);
         }
     }
@@ -182,24 +186,28 @@ class Residual : public AreaAnalysis {
             const double pre = row.values[2 * column];
             const double dmut = row.values[2 * column + 1] - pre;
             const int x = raster.x(column);
-            m_dMut->image.setData(x, y, m_grid.halfW, m_grid.halfH, dmut);
-            m_rest->image.setData(x, y, m_grid.halfW, m_grid.halfH,
-                                  pre - m_run->inputs.raFactor * dmut);
+            put(ResultId::RaDmut, x, y, dmut);
+            put(ResultId::RaRest, x, y, pre - m_run->inputs.raFactor * dmut);
         }
     }
 
-    void finish() override { makeResidualRatio(&m_dMut->image, &m_rest->image, &m_ratio->image); }
+    void finish() override { makeResidualRatio(m_results); }
     void stopped() override { finish(); }
 
   private:
-    Result* m_dMut;
-    Result* m_rest;
-    Result* m_ratio;
+    void put(ResultId id, int x, int y, double value) {
+        imageOf(m_results, id).setData(x, y, m_grid.halfW, m_grid.halfH, value);
+    }
+
+    ResidualResults m_results;
 };
 
 }  // namespace
 
-void makeResidualRatio(Analyzed2DRes* dMut, Analyzed2DRes* rest, Analyzed2DRes* ratio) {
+void makeResidualRatio(const ResidualResults& results) {
+    const Analyzed2DRes* dMut = &imageOf(results, ResultId::RaDmut);
+    const Analyzed2DRes* rest = &imageOf(results, ResultId::RaRest);
+    Analyzed2DRes* ratio = &imageOf(results, ResultId::RaRatio);
     const int width = rest->grid().width;
     const int height = rest->hasData() ? rest->grid().height : 0;
     double lowest = 1e300;
@@ -215,8 +223,8 @@ void makeResidualRatio(Analyzed2DRes* dMut, Analyzed2DRes* rest, Analyzed2DRes* 
             ratio->setData(x, y, 0, 0, b / (dMut->valueAt(x, y) + b));
         }
     }
-    for (Analyzed2DRes* result : {dMut, rest, ratio}) {
-        result->genImg();
+    for (Result* result : results) {
+        result->image.genImg();
     }
 }
 
@@ -232,6 +240,6 @@ std::unique_ptr<AreaAnalysis> makeFit(const AnalysisGrid& grid, std::shared_ptr<
 }
 
 std::unique_ptr<AreaAnalysis> makeResidual(const AnalysisGrid& grid, std::shared_ptr<Run> run,
-                                           Result* dMut, Result* rest, Result* ratio) {
-    return std::make_unique<Residual>(grid, std::move(run), dMut, rest, ratio);
+                                           const ResidualResults& results) {
+    return std::make_unique<Residual>(grid, std::move(run), results);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -55,11 +56,14 @@ std::unique_ptr<AreaAnalysis> makeFit(const AnalysisGrid& grid, std::shared_ptr<
                                       const std::vector<std::unique_ptr<Reference>>& references,
                                       const Analyzed2DRes& map);
 
+/// Those of residual absorption, in the order of their ids.
+using ResidualResults = std::array<Result*, ResidualCount>;
+
 /// Residual absorption: the edge jump at an energy, what is left of the pre-edge there, and the
 /// share of the latter.
 std::unique_ptr<AreaAnalysis> makeResidual(const AnalysisGrid& grid, std::shared_ptr<Run> run,
-                                           Result* dMut, Result* rest, Result* ratio);
+                                           const ResidualResults& results);
 
-/// The ratio image of residual absorption from the other two: with m the lowest finite rest,
-/// (rest - m) / (dmut + rest - m); then all three pictures.
-void makeResidualRatio(Analyzed2DRes* dMut, Analyzed2DRes* rest, Analyzed2DRes* ratio);
+/// The ratio image of residual absorption from dmut and rest: with m the lowest finite rest,
+/// (rest - m) / (dmut + rest - m); then all pictures.
+void makeResidualRatio(const ResidualResults& results);

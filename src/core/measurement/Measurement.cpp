@@ -18,9 +18,9 @@ Measurement::Measurement()
       m_job([this](const RasterPass::Row& row, const BinRaster& raster) {
           m_analysis->take(row, raster);
       }) {
-    m_residual[0] = std::make_unique<Result>(ResultId::RaDmut);
-    m_residual[1] = std::make_unique<Result>(ResultId::RaRest);
-    m_residual[2] = std::make_unique<Result>(ResultId::RaRatio);
+    for (int i = 0; i < ResidualCount; ++i) {
+        m_residual[i] = std::make_unique<Result>(residualId(i));
+    }
     connectStack(m_i1);
     connectStack(m_i0);
     connect(&m_dark, &DarkData::changed, this, [this] {
@@ -321,7 +321,7 @@ void Measurement::setFrame(StackId id, int n) {
 }
 
 void Measurement::select(int id) {
-    if (id >= 0 && id < referenceCount() + 3) {
+    if (id >= 0 && id < referenceCount() + ResidualCount) {
         m_settings.selected = id;
     }
     emit changed(Changes(Display) | Setting);
@@ -330,7 +330,7 @@ void Measurement::select(int id) {
 Result* Measurement::selectedResult() const {
     const int id = m_settings.selected;
     const int n = referenceCount();
-    if (id < 0 || id >= n + 3) {
+    if (id < 0 || id >= n + ResidualCount) {
         return nullptr;
     }
     if (id < n) {

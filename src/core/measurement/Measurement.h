@@ -94,10 +94,10 @@ class Measurement : public QObject {
     std::vector<const Result*> results() const;  ///< that hold values; the map first
     bool hasUnsavedResults() const;
     void remakePictures();  ///< of all references' results
-    void remakeResidual();  ///< the ratio image of RA and all three pictures
+    void remakeResidual();  ///< the ratio image of RA and all its pictures
     Outcome deglitch(double factor, double ratio);
     Outcome showProcessed(bool on);
-    Result& residual(int i) const { return *m_residual[i]; }  ///< dmut, rest, ratio
+    Result& residual(int i) const { return *m_residual[i]; }  ///< that of residualId(i)
     /// What a fitter has found for the current point of the last fit's grid, and the step to the
     /// next; nothing while a pass runs.
     void recordPoint(const std::vector<int>& references, const std::vector<double>& dMuts,
@@ -137,6 +137,7 @@ class Measurement : public QObject {
     void inputsChanged(Changes what);
     AnalysisGrid grid() const;
     std::unique_ptr<AreaAnalysis> makeAnalysis(Work work);
+    ResidualResults residualResults() const;
     Outcome whyNotStart(Work work) const;
     Outcome warningsOf(const Run& run) const;
     void rowsTaken(int rows, int of);
@@ -155,7 +156,7 @@ class Measurement : public QObject {
     std::unique_ptr<Result> m_map;
     std::shared_ptr<const MapInput> m_mapInput;
     std::vector<std::unique_ptr<Reference>> m_references;
-    std::unique_ptr<Result> m_residual[3];
+    std::unique_ptr<Result> m_residual[ResidualCount];
     std::unique_ptr<Result> m_newMap;  // of a calibration that runs
     std::unique_ptr<AbsorptionSource> m_source;
     QPointF m_position{-1.0, -1.0};

@@ -106,7 +106,14 @@ std::unique_ptr<AreaAnalysis> Measurement::makeAnalysis(Work work) {
         m_point = grid();
         return makeFit(grid(), run, m_references, m_map->image);
     }
-    return makeResidual(grid(), run, m_residual[0].get(), m_residual[1].get(), m_residual[2].get());
+    return makeResidual(grid(), run, residualResults());
+}
+
+ResidualResults Measurement::residualResults() const {
+    ResidualResults results{};
+    std::transform(std::begin(m_residual), std::end(m_residual), results.begin(),
+                   [](const auto& result) { return result.get(); });
+    return results;
 }
 
 Outcome Measurement::start(Work work) {
@@ -231,7 +238,7 @@ void Measurement::remakePictures() {
 }
 
 void Measurement::remakeResidual() {
-    makeResidualRatio(&m_residual[0]->image, &m_residual[1]->image, &m_residual[2]->image);
+    makeResidualRatio(residualResults());
     emit changed(Changes(Results) | Display);
 }
 

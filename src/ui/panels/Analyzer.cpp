@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QScreen>
 #include <QSignalBlocker>
 #include <QStyle>
@@ -49,15 +50,23 @@ Analyzer::Analyzer(Measurement& measurement, QWidget* parent)
     m_lastReferenceControl = m_ui->AddRef;
     m_view->setWindowTitle(tr("Analyzing Spectrum"));
     m_view->setObjectName(QStringLiteral("AnalyzingSpectrum"));
-    m_choice->addButton(m_ui->ShowDMuT, 0);
-    m_choice->addButton(m_ui->ShowRest, 1);
-    m_choice->addButton(m_ui->ShowRatio, 2);
+    for (int i = 0; i < ResidualCount; ++i) {
+        m_choice->addButton(residualButton(i), i);
+    }
     connectControls();
     connectMeasurement();
     startWorker();
     followReferences();
     showSettings();
     setContAccess(m_measurement.working() != Work::None);
+}
+
+/// The button "Show..." of a result of residual absorption bears the name of its kind, in any case.
+QAbstractButton* Analyzer::residualButton(int i) const {
+    const QString name = QString::fromLatin1(resultKind(residualId(i)).source);
+    const QRegularExpression pattern(QStringLiteral("^Show%1$").arg(name),
+                                     QRegularExpression::CaseInsensitiveOption);
+    return m_ui->raBox->findChildren<QAbstractButton*>(pattern).first();
 }
 
 Analyzer::~Analyzer() {
@@ -186,9 +195,9 @@ void Analyzer::addRow() {
     const int index = m_references.size();
     // The numbers of the residual-absorption buttons follow those of the references: they move up
     // before the new button takes the first of them.
-    m_choice->setId(m_ui->ShowRatio, index + 3);
-    m_choice->setId(m_ui->ShowRest, index + 2);
-    m_choice->setId(m_ui->ShowDMuT, index + 1);
+    for (int i = ResidualCount - 1; i >= 0; --i) {
+        m_choice->setId(residualButton(i), index + 1 + i);
+    }
 
     auto* reference = new LCFReference(m_measurement, index, m_ui->RefBase);
     auto* button = new QRadioButton(tr("Select Ref%1").arg(index + 1), m_ui->RefBase);
@@ -226,9 +235,7 @@ void Analyzer::growWithReferences() {
 QString Analyzer::titleOf(int id) const {
     const int count = m_measurement.referenceCount();
     if (id >= count) {
-        const QStringList titles{tr("Edge jump"), tr("Residual absorption"),
-                                 tr("Residual absorption over edge jump")};
-        return titles.value(id - count);
+        return QCoreApplication::translate("ResultKind", resultKind(residualId(id - count)).title);
     }
     const QRadioButton* kind = imageType() == Reference::Ratio ? m_ui->SelRatio : m_ui->SelDMut;
     // Of the reference that was fitted, whatever has been chosen in its row since.
@@ -240,7 +247,7 @@ QString Analyzer::titleOf(int id) const {
 
 QString Analyzer::selectedTitle() const {
     const int id = m_measurement.settings().selected;
-    if (id < 0 || id >= m_measurement.referenceCount() + 3) {
+    if (id < 0 || id >= m_measurement.referenceCount() + ResidualCount) {
         return QString();
     }
     QString title = titleOf(id);

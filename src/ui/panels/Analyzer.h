@@ -13,6 +13,7 @@ class Analyzer;
 }
 class AnalyzeProc;
 class LCFReference;
+class QAbstractButton;
 class QButtonGroup;
 class QLineEdit;
 class XafsView;
@@ -117,6 +118,7 @@ class Analyzer : public QFrame {
     void updateControls();
     QString whyNotFit() const;
     QString titleOf(int id) const;
+    QAbstractButton* residualButton(int i) const;
 
     Measurement& m_measurement;
     std::unique_ptr<Ui::Analyzer> m_ui;
