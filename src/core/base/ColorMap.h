@@ -26,6 +26,11 @@ struct ColorScale {
     }
 };
 
+/// All colour maps.
+const std::vector<ColorScale>& colorScales();
+/// The map of this id, null for none.
+const ColorScale* colorScaleOf(const char* id);
+
 /// Black to white.
 const ColorScale& greyScale();
 /// Black, red, yellow, white.
@@ -38,8 +43,3 @@ inline const ColorScale& frameColors() {
 inline const ColorScale& resultColors() {
     return heatScale();
 }
-
-/// All colour maps.
-const std::vector<ColorScale>& colorScales();
-/// The map of this id, null for none.
-const ColorScale* colorScaleOf(const char* id);

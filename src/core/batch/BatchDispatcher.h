@@ -9,7 +9,7 @@
 
 /// The interpreter of the batch language. Reads the lines of a batch one at a time, carries out the
 /// control words, fills loop variables into the arguments of commands and hands every line to the
-/// main window, which answers with finishBatchExec(); only then is the next line read. Lives in a
+/// BatchRunner, which answers with finishBatchExec(); only then is the next line read. Lives in a
 /// thread of its own; everything that it is told and tells goes through signals.
 class BatchDispatcher : public QObject {
     Q_OBJECT

@@ -21,6 +21,14 @@ QStringList crystalNames() {
     return names;
 }
 
+QStringList backgroundNames() {
+    QStringList names;
+    for (const background::Row& row : background::rows()) {
+        names << QString::fromLatin1(row.title);
+    }
+    return names;
+}
+
 QString absolute(const QString& name) {
     return QDir::cleanPath(QFileInfo(name).absoluteFilePath());
 }
@@ -84,7 +92,7 @@ void CommandCheck::checkArgument(ArgKind kind, const QString& text) {
             checkWord(text, {QStringLiteral("eV"), QStringLiteral("keV")});
             break;
         case ArgKind::Background:
-            checkWord(text, {backgroundWord(0), backgroundWord(1)});
+            checkWord(text, backgroundNames());
             break;
         case ArgKind::Crystal:
             checkWord(text, crystalNames());

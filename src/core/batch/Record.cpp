@@ -89,9 +89,10 @@ void presentSettings(RecordWriter& w, const Measurement& m) {
     w.inputs(in, Work::Residual);
     w.map(in.map);
     w.frames(in);  // a map from a file is read without images
+    constexpr int last = static_cast<int>(CrystalTable.size()) - 1;
     w.put(QStringLiteral("crystal"), QStringLiteral("calib_set_crystal"),
           {QString::fromLatin1(
-              CrystalTable[static_cast<std::size_t>(toClampedInt(s.crystal, 0, 4))].name)});
+              CrystalTable[static_cast<std::size_t>(toClampedInt(s.crystal, 0, last))].name)});
     w.standard(in.standard, in.standardBackground);
     w.put(QStringLiteral("edge"), QStringLiteral("calib_set_edge_eV"),
           s.edgeEnergy.isEmpty() ? QStringList() : QStringList{s.edgeEnergy});
