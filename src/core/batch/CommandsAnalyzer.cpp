@@ -31,7 +31,7 @@ void setReference(Action& a) {
 
 void selectType(Action& a) {
     const int type = a.args.integer(0);
-    if (type == Reference::DMut || type == Reference::Ratio) {
+    if (type >= 0 && type < Reference::KindCount) {
         a.measurement.set(&Settings::resultType, type);
     }
 }
@@ -107,7 +107,9 @@ void addAnalyzerCommands(std::vector<CommandRow>* rows) {
          false,
          Work::None,
          selectType,
-         [](CommandCheck& c, const CmdLine& cmd) { c.checkRange(cmd, 0, 1); }},
+         [](CommandCheck& c, const CmdLine& cmd) {
+             c.checkRange(cmd, 0, Reference::KindCount - 1);
+         }},
         {21, "analyzer_set_ra_energy", {K::Real}, 1, false, Work::None, setNumber<&S::raEnergy>},
         {22, "analyzer_set_ra_factor", {K::Real}, 1, false, Work::None, setNumber<&S::raFactor>},
         {23,

@@ -262,7 +262,7 @@ void RecordWriter::show(const Result& result) {
             {number(result.reference >= 0 ? result.reference : ofResidual)});
         if (result.reference >= 0) {
             put(QStringLiteral("type"), QStringLiteral("analyzer_select_image_type"),
-                {number(result.id == ResultId::Ratio ? 1 : 0)});
+                {number(static_cast<int>(result.id))});
         }
     }
     put(QStringLiteral("display"), QStringLiteral("select_disp_image"),

@@ -4,6 +4,8 @@
 #include <memory>
 #include <numeric>
 
+#include "fitting/ResultKinds.h"
+
 using lanes::Count;
 
 LaneFit::LaneFit(const QVector<XafsSpectrum>& references, LinearFit::Method method,
@@ -54,7 +56,8 @@ void LaneFit::fit(const double* mu, const double* corrections, int count, double
             prepare(corrections[l]);
             project();
         }
-        finish(m_sums.data(), l, results + static_cast<std::ptrdiff_t>(l) * 2 * referenceCount());
+        finish(m_sums.data(), l,
+               results + static_cast<std::ptrdiff_t>(l) * ReferenceKindCount * referenceCount());
     }
 }
 

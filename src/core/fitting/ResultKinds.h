@@ -4,9 +4,12 @@
 #include <array>
 #include <cstddef>
 
-/// What a result image holds: two of each reference, those of residual absorption, the energy map.
-/// Ids as in ResultKinds.
+/// What a result image holds: those of each reference, those of residual absorption, the energy
+/// map. Ids as in ResultKinds.
 enum class ResultId { DMut, Ratio, RaDmut, RaRest, RaRatio, Shift };
+
+/// Results of each reference of a fit.
+constexpr int ReferenceKindCount = static_cast<int>(ResultId::RaDmut);
 
 /// Results of residual absorption; they follow the references' where results have numbers.
 constexpr int ResidualCount =

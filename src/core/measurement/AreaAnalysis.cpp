@@ -90,7 +90,7 @@ class Fit : public AreaAnalysis {
         }
     }
 
-    int valuesPerBin() const override { return 2 * m_spectra.size(); }
+    int valuesPerBin() const override { return Reference::KindCount * m_spectra.size(); }
 
     std::vector<RasterPass::Evaluate> evaluators(int threads,
                                                  const AbsorptionSource& source) const override {
@@ -119,7 +119,7 @@ class Fit : public AreaAnalysis {
                 const double* value = row.values + kind * taking + u;
                 for (int column = 0; column < raster.columns; ++column) {
                     image.setData(raster.x(column), y, m_grid.halfW, m_grid.halfH, *value);
-                    value += 2 * taking;
+                    value += Reference::KindCount * taking;
                 }
             }
         }

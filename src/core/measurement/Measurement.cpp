@@ -207,8 +207,9 @@ void Measurement::applyScales() {
         result.image.setFixedScale(m_settings.fixedScale);
     };
     for (const auto& reference : m_references) {
-        apply(reference->result(Reference::DMut));
-        apply(reference->result(Reference::Ratio));
+        for (int kind = 0; kind < Reference::KindCount; ++kind) {
+            apply(reference->result(kind));
+        }
     }
     for (const auto& result : m_residual) {
         apply(*result);

@@ -47,7 +47,7 @@ Difference Measurement::differenceOf(const Result& result) const {
 
 std::vector<const Result*> Measurement::results() const {
     std::vector<const Result*> all{m_map.get()};
-    for (const int kind : {Reference::DMut, Reference::Ratio}) {
+    for (int kind = 0; kind < Reference::KindCount; ++kind) {
         for (const auto& reference : m_references) {
             all.push_back(&reference->result(kind));
         }
@@ -230,8 +230,9 @@ void Measurement::remakePictures() {
     } else {
         qDebug() << "generate res images" << Reference::KindCount * referenceCount();
         for (const auto& reference : m_references) {
-            reference->result(Reference::DMut).image.genImg();
-            reference->result(Reference::Ratio).image.genImg();
+            for (int kind = 0; kind < Reference::KindCount; ++kind) {
+                reference->result(kind).image.genImg();
+            }
         }
     }
     emit changed(Changes(Results) | Display);

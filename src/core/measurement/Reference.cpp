@@ -38,8 +38,11 @@ void NormalisedFile::forget() {
     file.revision = nextRevision();
 }
 
-Reference::Reference(int index)
-    : m_revision(nextRevision()), m_dMut(ResultId::DMut, index), m_ratio(ResultId::Ratio, index) {}
+Reference::Reference(int index) : m_revision(nextRevision()) {
+    for (int kind = 0; kind < KindCount; ++kind) {
+        m_results[indexOf(kind)] = std::make_unique<Result>(static_cast<ResultId>(kind), index);
+    }
+}
 
 ReferenceInput Reference::input() const {
     return {m_file.file, m_use, takesPart(), m_deltaE, m_background};

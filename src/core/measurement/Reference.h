@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+#include <memory>
+
 #include "measurement/Inputs.h"
 #include "measurement/Result.h"
 #include "spectra/XafsSpectrum.h"
@@ -18,11 +21,15 @@ struct NormalisedFile {
     void forget();
 };
 
-/// One reference of the fits: its spectrum with background and energy offset, and its two result
+/// One reference of the fits: its spectrum with background and energy offset, and its result
 /// images.
 class Reference {
   public:
-    enum Kind { DMut = 0, Ratio = 1, KindCount = 2 };
+    enum Kind {
+        DMut = static_cast<int>(ResultId::DMut),
+        Ratio = static_cast<int>(ResultId::Ratio),
+        KindCount = ReferenceKindCount
+    };
 
     explicit Reference(int index);
 
@@ -45,10 +52,14 @@ class Reference {
     void setDeltaE(double deltaE);
     void setBackground(int background);
 
-    Result& result(int kind) { return kind == Ratio ? m_ratio : m_dMut; }
-    const Result& result(int kind) const { return kind == Ratio ? m_ratio : m_dMut; }
+    /// The edge jump for a kind that there is not.
+    Result& result(int kind) { return *m_results[indexOf(kind)]; }
+    const Result& result(int kind) const { return *m_results[indexOf(kind)]; }
 
   private:
+    static std::size_t indexOf(int kind) {
+        return static_cast<std::size_t>(kind > 0 && kind < KindCount ? kind : 0);
+    }
     void applyShift();
 
     NormalisedFile m_file;
@@ -56,6 +67,5 @@ class Reference {
     double m_deltaE = 0.0;
     int m_background = XafsSpectrum::Simple;
     quint64 m_revision = 0;
-    Result m_dMut;
-    Result m_ratio;
+    std::array<std::unique_ptr<Result>, KindCount> m_results;
 };

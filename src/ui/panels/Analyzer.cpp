@@ -27,6 +27,14 @@ void check(QAbstractButton* button, bool on = true) {
     button->setChecked(on);
 }
 
+/// The button that chooses a kind of result bears its name, in any case.
+QAbstractButton* buttonOf(const QWidget& box, const char* verb, ResultId id) {
+    const QString name = QLatin1String(verb) + QString::fromLatin1(resultKind(id).source);
+    const QRegularExpression pattern(QStringLiteral("^%1$").arg(name),
+                                     QRegularExpression::CaseInsensitiveOption);
+    return box.findChildren<QAbstractButton*>(pattern).first();
+}
+
 /// As a batch sets it, whatever the field shows.
 void setField(QLineEdit* field, double value) {
     field->setText(fieldText(value));
@@ -61,12 +69,13 @@ Analyzer::Analyzer(Measurement& measurement, QWidget* parent)
     setContAccess(m_measurement.working() != Work::None);
 }
 
-/// The button "Show..." of a result of residual absorption bears the name of its kind, in any case.
 QAbstractButton* Analyzer::residualButton(int i) const {
-    const QString name = QString::fromLatin1(resultKind(residualId(i)).source);
-    const QRegularExpression pattern(QStringLiteral("^Show%1$").arg(name),
-                                     QRegularExpression::CaseInsensitiveOption);
-    return m_ui->raBox->findChildren<QAbstractButton*>(pattern).first();
+    return buttonOf(*m_ui->raBox, "Show", residualId(i));
+}
+
+QAbstractButton* Analyzer::kindButton(int kind) const {
+    const bool isKind = kind > 0 && kind < Reference::KindCount;
+    return buttonOf(*m_ui->imageBox, "Sel", static_cast<ResultId>(isKind ? kind : Reference::DMut));
 }
 
 Analyzer::~Analyzer() {
@@ -81,7 +90,13 @@ void Analyzer::connectControls() {
     connect(m_ui->AskAnalyze, &QPushButton::clicked, this, &Analyzer::askAnalyze);
     connect(m_ui->AskRAAnalyze, &QPushButton::clicked, this, &Analyzer::askRAAnalyze);
     connect(m_choice, &QButtonGroup::idClicked, this, &Analyzer::selectedNewRef);
-    connect(m_ui->SelDMut, &QRadioButton::toggled, this, &Analyzer::selectedImgChanged);
+    for (int kind = 0; kind < Reference::KindCount; ++kind) {
+        connect(kindButton(kind), &QAbstractButton::toggled, this, [this](bool on) {
+            if (on) {
+                selectedImgChanged(on);
+            }
+        });
+    }
     connect(m_ui->FixedScale, &QCheckBox::toggled, this, &Analyzer::scalePolicyChanged);
     for (QLineEdit* field :
          {m_ui->DMutScaleMin, m_ui->DMutScaleMax, m_ui->RatioScaleMin, m_ui->RatioScaleMax}) {
@@ -114,7 +129,7 @@ void Analyzer::connectMeasurement() {
 }
 
 void Analyzer::setImageType(int type) {
-    if (type == Reference::DMut || type == Reference::Ratio) {
+    if (type >= 0 && type < Reference::KindCount) {
         m_measurement.set(&Settings::resultType, type);
         emit changedSelection();
     }
@@ -151,7 +166,7 @@ void Analyzer::showSettings() {
     check(m_ui->MLCF, settings.method == LinearFit::Mlcf);
     check(m_ui->DispOnTime, settings.showsEachRow);
     check(m_ui->FixedScale, settings.fixedScale);
-    check(settings.resultType == Reference::Ratio ? m_ui->SelRatio : m_ui->SelDMut);
+    check(kindButton(settings.resultType));
     showNumber(m_ui->DMutScaleMin, settings.dMutMin);
     showNumber(m_ui->DMutScaleMax, settings.dMutMax);
     showNumber(m_ui->RatioScaleMin, settings.ratioMin);
@@ -237,12 +252,11 @@ QString Analyzer::titleOf(int id) const {
     if (id >= count) {
         return QCoreApplication::translate("ResultKind", resultKind(residualId(id - count)).title);
     }
-    const QRadioButton* kind = imageType() == Reference::Ratio ? m_ui->SelRatio : m_ui->SelDMut;
     // Of the reference that was fitted, whatever has been chosen in its row since.
     const ReferenceInput* fitted = m_measurement.selectedResult()->referenceInput();
     const ReferenceInput row = m_measurement.references()[static_cast<std::size_t>(id)]->input();
     const QString file = (fitted != nullptr ? *fitted : row).file.name;
-    return kind->text() + QStringLiteral("   ") + QFileInfo(file).fileName();
+    return kindButton(imageType())->text() + QStringLiteral("   ") + QFileInfo(file).fileName();
 }
 
 QString Analyzer::selectedTitle() const {
@@ -281,8 +295,11 @@ void Analyzer::selectedNewRef(int id) {
 }
 
 void Analyzer::selectedImgChanged(bool) {
-    setImageType(!m_ui->SelDMut->isChecked() && m_ui->SelRatio->isChecked() ? Reference::Ratio
-                                                                            : Reference::DMut);
+    int type = Reference::DMut;
+    for (int kind = 0; kind < Reference::KindCount; ++kind) {
+        type = kindButton(kind)->isChecked() ? kind : type;
+    }
+    setImageType(type);
 }
 
 void Analyzer::selectImage(int id) {

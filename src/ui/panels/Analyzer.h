@@ -119,6 +119,7 @@ class Analyzer : public QFrame {
     QString whyNotFit() const;
     QString titleOf(int id) const;
     QAbstractButton* residualButton(int i) const;
+    QAbstractButton* kindButton(int kind) const;
 
     Measurement& m_measurement;
     std::unique_ptr<Ui::Analyzer> m_ui;
