@@ -43,7 +43,8 @@ Outcome judgement(const Measurement& measurement, const Result& result) {
         outcome.warnings << Saving::tr("the run was stopped before its end");
     }
     const Difference difference = measurement.differenceOf(result);
-    if (difference != Difference::None) {
+    // An energy map is made of a standard's frames and kept for those of samples.
+    if (difference != Difference::None && result.id != ResultId::Shift) {
         outcome.warnings << Saving::tr("the result is %1")
                                 .arg(QCoreApplication::translate("Difference",
                                                                  differenceText(difference)));

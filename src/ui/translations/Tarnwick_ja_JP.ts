@@ -192,18 +192,6 @@
         <translation>先に参照のファイルを選び、「使用」にチェックを入れてください。</translation>
     </message>
     <message>
-        <source>Edge jump</source>
-        <translation>エッジジャンプ</translation>
-    </message>
-    <message>
-        <source>Residual absorption</source>
-        <translation>残留吸収</translation>
-    </message>
-    <message>
-        <source>Residual absorption over edge jump</source>
-        <translation>残留吸収／エッジジャンプ</translation>
-    </message>
-    <message>
         <source>Analyse every bin of the selected area; a second click stops</source>
         <translation>選択領域のすべてのビンを解析します。もう一度押すと中止します</translation>
     </message>
@@ -273,6 +261,18 @@
     <message>
         <source>cannot be written: %1</source>
         <translation>書き込めません: %1</translation>
+    </message>
+    <message>
+        <source>all its commands are known</source>
+        <translation>コマンドはすべて認識できます</translation>
+    </message>
+    <message>
+        <source>not known: %1</source>
+        <translation>認識できないもの: %1</translation>
+    </message>
+    <message>
+        <source>the record is of a newer version; %1</source>
+        <translation>作業記録は新しいバージョンのものです。%1</translation>
     </message>
 </context>
 <context>
@@ -1372,6 +1372,10 @@
     <message>
         <source>nothing has been deglitched: the processed values are 0</source>
         <translation>グリッチ除去がまだ行われていないため、処理後の値は 0 です</translation>
+    </message>
+    <message>
+        <source>the system gives no thread</source>
+        <translation>システムがスレッドを作成できません</translation>
     </message>
 </context>
 <context>

@@ -229,7 +229,8 @@ void Body::workEnded(Work work, const Outcome& outcome) {
     if (isLoad && outcome.failures.size() > 1) {
         // A line for each would bury the rest.
         m_status->say(tr("%n file(s) could not be read: %1", nullptr, outcome.failures.size())
-                          .arg(QFileInfo(outcome.failures.first()).fileName()));
+                          .arg(QFileInfo(outcome.failures.first().section(QStringLiteral(": "), 1))
+                                   .fileName()));
     } else {
         say(outcome);
     }

@@ -133,7 +133,7 @@ void WhatWasDone::ask() {
         m_question->addButton(tr("Close without saving"), QMessageBox::DestructiveRole);
     close->setObjectName(QStringLiteral("CloseWithoutSaving"));
     QPushButton* save = m_question->addButton(tr("Save what was done..."), QMessageBox::ActionRole);
-    m_question->addButton(QMessageBox::Cancel);
+    m_question->setDefaultButton(m_question->addButton(QMessageBox::Cancel));
     connect(close, &QPushButton::clicked, this, &WhatWasDone::closeAtOnce, Qt::QueuedConnection);
     connect(save, &QPushButton::clicked, this, &WhatWasDone::askForTarget);
     m_question->open();
