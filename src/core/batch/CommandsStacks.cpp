@@ -1,5 +1,7 @@
 // Commands that load and clear frames.
 
+#include <QRegularExpression>
+
 #include "batch/CommandRows.h"
 #include "files/FileListing.h"
 
@@ -32,6 +34,10 @@ void setEnergyPattern(Action& a) {
     if (unit != QLatin1String("ev") && unit != QLatin1String("kev")) {
         a.fail(Batch::tr("neither eV nor keV: %1").arg(a.args.text(2)));
         return;
+    }
+    if (!QRegularExpression(a.args.text(1)).isValid()) {
+        a.outcome.warnings
+            << Batch::tr("no regular expression: %1; frames are numbered").arg(a.args.text(1));
     }
     a.measurement.setNames(id, {a.args.text(1), unit == QLatin1String("kev")});
 }

@@ -274,6 +274,10 @@
         <source>the record is of a newer version; %1</source>
         <translation>作業記録は新しいバージョンのものです。%1</translation>
     </message>
+    <message>
+        <source>no regular expression: %1; frames are numbered</source>
+        <translation>正規表現ではありません: %1。フレームには番号が付きます</translation>
+    </message>
 </context>
 <context>
     <name>BatchCtrl</name>
