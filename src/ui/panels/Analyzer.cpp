@@ -1,8 +1,6 @@
 #include "panels/Analyzer.h"
 
 #include <QButtonGroup>
-#include <QCoreApplication>
-#include <QFileInfo>
 #include <QRadioButton>
 #include <QRegularExpression>
 #include <QScreen>
@@ -13,7 +11,6 @@
 #include "base/Globals.h"
 #include "display/Availability.h"
 #include "display/XafsView.h"
-#include "measurement/Display.h"
 #include "panels/AnalyzeProc.h"
 #include "panels/LCFReference.h"
 #include "panels/NumberField.h"
@@ -245,38 +242,6 @@ void Analyzer::growWithReferences() {
         move(std::max(frame.left(), std::min(x(), corner.x())),
              std::max(frame.top(), std::min(y(), corner.y())));
     }
-}
-
-QString Analyzer::titleOf(int id) const {
-    const int count = m_measurement.referenceCount();
-    if (id >= count) {
-        return QCoreApplication::translate("ResultKind", resultKind(residualId(id - count)).title);
-    }
-    // Of the reference that was fitted, whatever has been chosen in its row since.
-    const ReferenceInput* fitted = m_measurement.selectedResult()->referenceInput();
-    const ReferenceInput row = m_measurement.references()[static_cast<std::size_t>(id)]->input();
-    const QString file = (fitted != nullptr ? *fitted : row).file.name;
-    return kindButton(imageType())->text() + QStringLiteral("   ") + QFileInfo(file).fileName();
-}
-
-QString Analyzer::selectedTitle() const {
-    const int id = m_measurement.settings().selected;
-    if (id < 0 || id >= m_measurement.referenceCount() + ResidualCount) {
-        return QString();
-    }
-    QString title = titleOf(id);
-    const Result* result = m_measurement.selectedResult();
-    if (result != nullptr && result->run && result->run->state == Run::State::Stopped) {
-        title += QStringLiteral(", ") + QCoreApplication::translate("Difference", "stopped at %1 %")
-                                            .arg(static_cast<int>(result->run->percent));
-    }
-    const Difference difference =
-        result != nullptr ? m_measurement.differenceOf(*result) : Difference::None;
-    if (difference != Difference::None) {
-        title += QStringLiteral(", ") +
-                 QCoreApplication::translate("Difference", differenceText(difference));
-    }
-    return title;
 }
 
 void Analyzer::putNextInTabOrder(QWidget* button, const LCFReference* reference) {

@@ -53,9 +53,6 @@ class Analyzer : public QFrame {
     /// The image that the choice buttons name; null without a choice, or for a residual-absorption
     /// image that has not been made yet.
     Analyzed2DRes* selectedResult() const;
-    /// What the chosen image shows, of what, and what keeps it from being one of the present
-    /// inputs, for the user; empty without a choice.
-    QString selectedTitle() const;
     Analyzed2DRes* raDmut() const { return &m_measurement.residual(0).image; }
     Analyzed2DRes* raRest() const { return &m_measurement.residual(1).image; }
     Analyzed2DRes* raRatio() const { return &m_measurement.residual(2).image; }
@@ -117,7 +114,6 @@ class Analyzer : public QFrame {
     void putNextInTabOrder(QWidget* button, const LCFReference* reference);
     void updateControls();
     QString whyNotFit() const;
-    QString titleOf(int id) const;
     QAbstractButton* residualButton(int i) const;
     QAbstractButton* kindButton(int kind) const;
 
