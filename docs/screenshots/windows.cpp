@@ -1,4 +1,7 @@
 #include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
 #include <QScrollArea>
 #include <QWidget>
 #include <algorithm>
@@ -6,28 +9,82 @@
 #include "Stage.h"
 #include "panels/BatchCtrl.h"
 
+namespace {
+
+QString nameOf(const QWidget* window) {
+    return window->objectName().toLower();
+}
+
+/// Each menu of a window as it opens, with what can be done now.
+void saveMenus(Stage& stage, const QWidget* window) {
+    int number = 0;
+    for (const QMenuBar* bar : window->findChildren<QMenuBar*>()) {
+        for (const QAction* entry : bar->actions()) {
+            entry->menu()->popup(QPoint(0, 0));
+            stage.settle();
+            stage.save(entry->menu(),
+                       QStringLiteral("%1-menu%2").arg(nameOf(window)).arg(++number));
+            entry->menu()->close();
+        }
+    }
+}
+
+/// Runs lines and keeps a picture of a window at the first row of a kind of work.
+void saveAtWork(Stage& stage, const QStringList& lines, Work work, QWidget* window,
+                const QString& name) {
+    QImage picture;
+    const auto watching = QObject::connect(&stage.body().measurement(), &Measurement::progressed,
+                                           window, [&](Work now) {
+                                               if (now == work && picture.isNull()) {
+                                                   picture = stage.picture(window);
+                                               }
+                                           });
+    stage.run(lines);
+    QObject::disconnect(watching);
+    stage.save(picture, name);
+}
+
+void saveWindow(Stage& stage, QWidget* window) {
+    // The screen without a display is small: no room for all rows at a large font.
+    if (const auto* rows = window->findChild<QScrollArea*>(QStringLiteral("refScroll"))) {
+        const int hidden = rows->widget()->height() - rows->viewport()->height();
+        window->resize(window->width(), window->height() + std::max(0, hidden));
+        stage.settle();
+    }
+    stage.save(window, nameOf(window));
+    saveMenus(stage, window);
+}
+
+/// What the program asks when it is closed before the results are saved.
+void saveQuestion(Stage& stage) {
+    stage.body().close();
+    stage.settle();
+    auto* question = stage.body().findChild<QMessageBox*>();
+    stage.save(question, QStringLiteral("question"));
+    question->close();
+}
+
+}  // namespace
+
 void makeWindowPictures(Stage& stage) {
     stage.run({QStringLiteral("analyzer_show_window"), QStringLiteral("calib_show_window"),
                QStringLiteral("saveDataCfg_show_window")});
     BatchCtrl* batch = stage.body().batchCtrl();
     batch->show();
     batch->setBatchFile(QStringLiteral("calibrate-and-fit.bat"));
-    stage.run(batch->editorLines(Qt::SkipEmptyParts));
+    saveAtWork(stage, batch->editorLines(Qt::SkipEmptyParts), Work::Calibrate,
+               stage.control("CalibCtrl"), QStringLiteral("calibctrl-at-work"));
+    saveAtWork(stage, {QStringLiteral("analyzer_exec_ra")}, Work::Residual,
+               stage.control("Analyzer"), QStringLiteral("analyzer-at-work"));
     stage.run(
         {QStringLiteral("select_region 40 30 200 160"), QStringLiteral("move_position 123 100")});
     stage.click("ShowXafsView");
 
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget* window : windows) {
-        if (!window->isVisible() || window->windowTitle().isEmpty()) {
-            continue;
+        if (window->isVisible() && !window->windowTitle().isEmpty()) {
+            saveWindow(stage, window);
         }
-        // The screen without a display is small: no room for all rows at a large font.
-        if (const auto* rows = window->findChild<QScrollArea*>(QStringLiteral("refScroll"))) {
-            const int hidden = rows->widget()->height() - rows->viewport()->height();
-            window->resize(window->width(), window->height() + std::max(0, hidden));
-            stage.settle();
-        }
-        stage.save(window, window->objectName().toLower());
     }
+    saveQuestion(stage);
 }
