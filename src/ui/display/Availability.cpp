@@ -20,6 +20,10 @@ void showToolTip(QWidget* control) {
 }  // namespace
 
 void setUsable(QWidget* control, const QString& whyNot) {
+    const QVariant before = control->property(WhyNot);
+    if (before.isValid() && before.toString() == whyNot) {
+        return;
+    }
     if (!control->property(OwnToolTip).isValid()) {
         control->setProperty(OwnToolTip, control->toolTip());
     }

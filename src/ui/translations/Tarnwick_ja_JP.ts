@@ -806,16 +806,16 @@
         <translation>処理(&amp;P)</translation>
     </message>
     <message>
-        <source>&amp;Calibrate the Area</source>
-        <translation>選択領域をエネルギー校正(&amp;C)</translation>
+        <source>&amp;Calibrate the Area, or Stop</source>
+        <translation>選択領域をエネルギー校正／中止(&amp;C)</translation>
     </message>
     <message>
         <source>&amp;Fit the Area (LCF, MLCF), or Stop</source>
         <translation>選択領域をフィット (LCF、MLCF)／中止(&amp;F)</translation>
     </message>
     <message>
-        <source>&amp;Residual Absorption of the Area</source>
-        <translation>選択領域の残留吸収(&amp;R)</translation>
+        <source>&amp;Residual Absorption of the Area, or Stop</source>
+        <translation>選択領域の残留吸収／中止(&amp;R)</translation>
     </message>
     <message>
         <source>&amp;Deglitch the Map</source>

@@ -129,11 +129,11 @@ void BodyMenu::addShowMenu() const {
 
 void BodyMenu::addProcessMenu() const {
     QMenu* menu = addMenu(tr("&Process"));
-    press(menu, tr("&Calibrate the Area"), QStringLiteral("ExecCalib"),
+    press(menu, tr("&Calibrate the Area, or Stop"), QStringLiteral("ExecCalib"),
           QKeySequence(Qt::CTRL + Qt::Key_K));
     press(menu, tr("&Fit the Area (LCF, MLCF), or Stop"), QStringLiteral("AskAnalyze"),
           QKeySequence(Qt::CTRL + Qt::Key_L));
-    press(menu, tr("&Residual Absorption of the Area"), QStringLiteral("AskRAAnalyze"),
+    press(menu, tr("&Residual Absorption of the Area, or Stop"), QStringLiteral("AskRAAnalyze"),
           QKeySequence(Qt::CTRL + Qt::Key_R));
     menu->addSeparator();
     press(menu, tr("&Deglitch the Map"), QStringLiteral("DeGlitch"),

@@ -13,6 +13,7 @@
 
 namespace {
 constexpr int NoticeMs = 8000;
+constexpr int RefreshMs = 40;  // the pace of the image
 const QString Gap = QStringLiteral("   ");
 }  // namespace
 
@@ -34,9 +35,11 @@ StatusLine::StatusLine(Measurement& measurement, QMainWindow* window)
     window->statusBar()->addPermanentWidget(m_stopLoading);
     connect(&measurement, &Measurement::changed, this, [this](Measurement::Changes what) {
         if (what & ~Measurement::Changes(Measurement::Position)) {
-            show();
+            showSoon();
         }
     });
+    m_pace.setSingleShot(true);
+    connect(&m_pace, &QTimer::timeout, this, &StatusLine::show);
     connect(&measurement, &Measurement::progressed, this, &StatusLine::showProgress);
     show();
 }
@@ -54,6 +57,22 @@ void StatusLine::makeStop(QMainWindow* window) {
 
 void StatusLine::say(const QString& notice) {
     m_window->statusBar()->showMessage(notice, NoticeMs);
+}
+
+bool StatusLine::isLoading() const {
+    return m_measurement.stack(StackId::I1).isLoading() ||
+           m_measurement.stack(StackId::I0).isLoading();
+}
+
+/// The beginning and the end of a load are shown at once. While frames come in, the rest waits: a
+/// bar that moves takes longer to paint than a frame to read.
+void StatusLine::showSoon() {
+    if (!isLoading()) {
+        show();
+    } else if (!m_pace.isActive() || m_stopLoading->isHidden()) {
+        show();
+        m_pace.start(RefreshMs);
+    }
 }
 
 void StatusLine::show() {
@@ -104,7 +123,7 @@ QString StatusLine::resultOnDisplay(const Result* result) const {
 
 void StatusLine::showProgress(Work work, double done, double of) {
     if (work == Work::LoadI1 || work == Work::LoadI0) {
-        showLoads();
+        showSoon();
         return;
     }
     m_bar->setVisible(done < of);

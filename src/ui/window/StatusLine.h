@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QTimer>
 
 #include "measurement/Measurement.h"
 
@@ -22,6 +23,8 @@ class StatusLine : public QObject {
     void show();
 
   private:
+    void showSoon();
+    bool isLoading() const;
     void makeStop(QMainWindow* window);
     QString display() const;
     QString resultOnDisplay(const Result* result) const;
@@ -33,6 +36,7 @@ class StatusLine : public QObject {
     QLabel* m_state;
     QProgressBar* m_bar;
     QToolButton* m_stopLoading;
+    QTimer m_pace;
 };
 
 /// What there is of dark frames, for people; empty without any.
