@@ -60,7 +60,8 @@ class Window : public QObject {
     Window();
 
     void display(Display what, bool magnified);
-    void postMove(int i) const;
+    /// To another place than the one before: a move to where the mouse is paints nothing.
+    void postMove();
     /// Until what posted moves ask for is formed, fitted and painted.
     void finish();
 
@@ -77,6 +78,7 @@ class Window : public QObject {
     Analyzer* m_analyzer;
     QSet<QObject*> m_toPaint;
     QSet<QObject*> m_unpainted;
+    int m_moves = 0;
 };
 
 Window::Window()
@@ -163,7 +165,8 @@ bool Window::eventFilter(QObject* object, QEvent* event) {
     return false;
 }
 
-void Window::postMove(int i) const {
+void Window::postMove() {
+    const int i = ++m_moves;
     const QPointF at(m_view->rect().center() + QPoint(i * 7 % 101 - 50, i * 3 % 89 - 44));
     QApplication::postEvent(m_view, moveTo(m_view, at));
 }
@@ -179,10 +182,9 @@ Window* window = nullptr;
 
 void moves(benchmark::State& state, int atOnce) {
     window->display(static_cast<Display>(state.range(0)), state.range(1) != 0);
-    int i = 0;
     for (auto _ : state) {
         for (int n = 0; n < atOnce; ++n) {
-            window->postMove(++i);
+            window->postMove();
         }
         window->finish();
     }
