@@ -12,6 +12,9 @@
 #include "measurement/Display.h"
 #include "measurement/Measurement.h"
 
+Q_DECLARE_METATYPE(std::function<void(Measurement&)>)
+Q_DECLARE_METATYPE(QVector<Difference>)
+
 namespace {
 
 constexpr int Width = 13;
@@ -388,9 +391,6 @@ class TestMeasurement : public QObject {
         QCOMPARE(m.area(), QRectF(0, 3, Width, 2));
     }
 };
-
-Q_DECLARE_METATYPE(std::function<void(Measurement&)>)
-Q_DECLARE_METATYPE(QVector<Difference>)
 
 TARNWICK_TEST_MAIN(QCoreApplication, TestMeasurement)
 #include "tst_measurement.moc"

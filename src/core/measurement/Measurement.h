@@ -123,7 +123,7 @@ class Measurement : public QObject {
 
   signals:
     void changed(Measurement::Changes what);
-    void progressed(Work work, double done, double of);  ///< files of a load, or rows of a pass
+    void progressed(Work work, double done, double of);  ///< files of a load, per cent of a pass
     void ended(Work work, const Outcome& outcome);
     void windowAsked(Measurement::Window window);
 
