@@ -32,7 +32,7 @@ int main(int argc, char** argv) {
     }
     const QDir out(arguments.at(3));
     QDir().mkpath(out.path());
-    const QString language = arguments.at(4);
+    const QString& language = arguments.at(4);
     const QString percent = arguments.value(5, QStringLiteral("100"));
     QFont font(QStringLiteral("Sans Serif"));
     font.setPointSizeF(UsualPointSize * percent.toInt() / 100);

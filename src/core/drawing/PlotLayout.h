@@ -19,8 +19,8 @@ struct PlotLetters {
 /// Where everything of a plot lies: made once from the value, then painted. It needs no painter and
 /// no application.
 struct PlotLayout {
-    /// The plot in the rectangle `all`.
-    PlotLayout(const SpectrumPlot& plot, const QRectF& all, const PlotLetters& letters);
+    /// The plot in a rectangle.
+    PlotLayout(const SpectrumPlot& plot, const QRectF& rect, const PlotLetters& letters);
 
     /// The axes' rectangle in `all`, which has room under it for a residual or not.
     static QRectF axesIn(const QRectF& all, const PlotLetters& letters, bool withResidual);

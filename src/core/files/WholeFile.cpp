@@ -56,7 +56,7 @@ QByteArray makeBeside(const QByteArray& path) {
     const int folder = endOfFolder(path);
     const QByteArray stem = path.left(folder) + path.mid(folder).left(LongestName) + '.';
     for (int i = 0; i < MostTries; ++i) {
-        const QByteArray name =
+        QByteArray name =
             stem + QByteArray::number(QRandomGenerator::global()->generate(), 36) + ".part";
         const int file =
             ::open(name.constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);  // NOLINT

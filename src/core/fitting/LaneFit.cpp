@@ -87,6 +87,7 @@ Spectrum spectrumOf(const std::vector<double>& energies, const double* mu, int l
 template <typename Make>
 std::vector<RasterPass::Evaluate> ofEachThread(int threads, Make make) {
     std::vector<RasterPass::Evaluate> evaluators;
+    evaluators.reserve(static_cast<std::size_t>(std::max(0, threads)));
     for (int t = 0; t < threads; ++t) {
         evaluators.push_back(make());
     }

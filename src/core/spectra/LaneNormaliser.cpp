@@ -162,7 +162,7 @@ int LaneNormaliser::pairAround(double e) const {
 
 double LaneNormaliser::curveAt(const lanes::Curve& curve, int i, int l) const {
     const std::size_t point = static_cast<std::size_t>(i);
-    double c[background::MaxTerms];
+    double c[background::MaxTerms] = {};
     for (int k = 0; k < m_terms; ++k) {
         c[k] = curve.c[k][l];
     }

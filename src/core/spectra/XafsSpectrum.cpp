@@ -69,6 +69,9 @@ XafsSpectrum::XafsSpectrum(const XafsSpectrum& other)
 }
 
 XafsSpectrum& XafsSpectrum::operator=(const XafsSpectrum& other) {
+    if (this == &other) {
+        return *this;
+    }
     Results* const old = m_results;
     m_results = other.share();
     release(old);
