@@ -1161,7 +1161,7 @@
 <context>
     <name>Dark</name>
     <message>
-        <source>Clear dark data</source>
+        <source>Clear Dark Data</source>
         <translation>ダークデータを消去</translation>
     </message>
     <message>

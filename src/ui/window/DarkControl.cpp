@@ -15,7 +15,7 @@ class Dark {
 }  // namespace
 
 void connectDarkButton(QPushButton* button, Measurement& measurement, SaveDialogs* dialogs) {
-    auto* clear = new QAction(Dark::tr("Clear dark data"), button->window());
+    auto* clear = new QAction(Dark::tr("Clear Dark Data"), button->window());
     clear->setObjectName(QStringLiteral("ClearDark"));
     button->addAction(clear);
     button->setContextMenuPolicy(Qt::ActionsContextMenu);
