@@ -1,11 +1,11 @@
 #include <QPoint>
 #include <climits>
 #include <cmath>
-#include <cstring>
 #include <iterator>
 #include <map>
 #include <random>
 
+#include "SameBits.h"
 #include "TestMain.h"
 #include "TinyStacks.h"
 #include "absorption/AbsorptionSource.h"
@@ -21,10 +21,6 @@ namespace {
 
 constexpr int Width = 23;
 constexpr int Height = 17;
-
-bool sameBits(double a, double b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
 
 void truncate(TiffData* frame, std::size_t rows) {
     while (frame->rows.size() > rows) {
@@ -92,10 +88,8 @@ class TestAbsorption : public QObject {
   private slots:
     void everyPathGivesTheSameBits_data() {
         using Energies = std::vector<double>;
-        QTest::addColumn<Energies>("i1Energies");
-        QTest::addColumn<Energies>("i0Energies");
-        QTest::addColumn<int>("halfWidth");
-        QTest::addColumn<int>("halfHeight");
+        columns<Energies, Energies, int, int>("i1Energies", "i0Energies", "halfWidth",
+                                              "halfHeight");
         const Energies ascending{7090, 7100, 7105.5, 7110, 7110, 7120, 7200};
         const Energies shuffled{7120, 7090, 7110, 7200, 7105.5, 7100, 7110};
         const Energies few{7100, 7110, 7150};
@@ -160,12 +154,12 @@ class TestAbsorption : public QObject {
                 QCOMPARE(b.size(), i1.size());
                 for (int i = 0; i < a.size(); ++i) {
                     const Spoint& v = plain[static_cast<std::size_t>(i)];
-                    QVERIFY(sameBits(a.value(i), v.y));
-                    QVERIFY(sameBits(b.value(i), v.y));
-                    QVERIFY(sameBits(none.value(i), v.y));
+                    QVERIFY(same(a.value(i), v.y));
+                    QVERIFY(same(b.value(i), v.y));
+                    QVERIFY(same(none.value(i), v.y));
                     const double w = dimmed[static_cast<std::size_t>(i)].y;
-                    QVERIFY(sameBits(c.value(i), w));
-                    QVERIFY(sameBits(d.value(i), w));
+                    QVERIFY(same(c.value(i), w));
+                    QVERIFY(same(d.value(i), w));
                     QCOMPARE(a.energy(i), v.x);
                     QCOMPARE(b.energy(i), v.x);
                 }

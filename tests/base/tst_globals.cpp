@@ -9,9 +9,7 @@ class TestGlobals : public QObject {
 
   private slots:
     void colourLookups_data() {
-        QTest::addColumn<double>("value");
-        QTest::addColumn<int>("grey");
-        QTest::addColumn<QVector<int>>("rgb");
+        columns<double, int, QVector<int>>("value", "grey", "rgb");
         const double nan = std::numeric_limits<double>::quiet_NaN();
         const double inf = std::numeric_limits<double>::infinity();
         QTest::newRow("one") << 1.0 << 255 << QVector<int>{255, 255, 255};

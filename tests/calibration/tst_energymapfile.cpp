@@ -69,9 +69,7 @@ class TestEnergyMapFile : public QObject {
 
   private slots:
     void headerNeedsItsLines_data() {
-        QTest::addColumn<int>("line");
-        QTest::addColumn<QString>("instead");
-        QTest::addColumn<bool>("ok");
+        columns<int, QString, bool>("line", "instead", "ok");
         const QString none;
         QTest::newRow("whole") << 1 << none << true;
         QTest::newRow("short tag") << 0 << "###TWEM" << true;
@@ -100,8 +98,7 @@ class TestEnergyMapFile : public QObject {
     }
 
     void damagedFilesLeaveTheMap_data() {
-        QTest::addColumn<QStringList>("lines");
-        QTest::addColumn<QString>("said");
+        columns<QStringList, QString>("lines", "said");
         const QString invalid = "Invalid Energy Map Data File : ";
         const QString mismatch = QStringLiteral(
             "Loading Energy Map size : %1 x %1 : is not matched to the current image size : 3 x 3");
@@ -159,8 +156,7 @@ class TestEnergyMapFile : public QObject {
     }
 
     void anglesBecomeShifts_data() {
-        QTest::addColumn<double>("panelEdge");
-        QTest::addColumn<double>("usedEdge");
+        columns<double, double>("panelEdge", "usedEdge");
         QTest::newRow("edge of the file") << 0.0 << 7112.5;
         QTest::newRow("edge of the panel") << 8979.0 << 8979.0;
         QTest::newRow("negative panel edge") << -1.0 << 7112.5;
@@ -194,8 +190,7 @@ class TestEnergyMapFile : public QObject {
     }
 
     void missingValuesRunOut_data() {
-        QTest::addColumn<QString>("data");
-        QTest::addColumn<int>("missing");
+        columns<QString, int>("data", "missing");
         QTest::newRow("none") << "1 2 3 \n4 5 6 \n7 8 9 \n" << 0;
         QTest::newRow("no end of line") << "1 2 3 4 5 6 7 8 9" << 0;
         QTest::newRow("last") << "1 2 3 \n4 5 6 \n7 8 \n" << 1;

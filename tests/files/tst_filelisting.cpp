@@ -1,6 +1,6 @@
-#include <QFile>
 #include <QTemporaryDir>
 
+#include "Files.h"
 #include "TestMain.h"
 #include "files/FileListing.h"
 
@@ -16,8 +16,7 @@ class TestFileListing : public QObject {
         QStringList made = expected;
         std::reverse(made.begin(), made.end());
         for (const QString& name : made + QStringList{"notes.txt"}) {
-            QFile file(dir.filePath(name));
-            QVERIFY(file.open(QIODevice::WriteOnly));
+            put(dir.filePath(name), {});
         }
         QVERIFY(QDir(dir.path()).mkdir("Zn-1eV.tif"));  // a directory is no image
         QStringList names = listImageFiles(dir.path(), {"*.tif", "*.tiff"});

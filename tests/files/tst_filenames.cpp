@@ -10,9 +10,7 @@ class TestFileNames : public QObject {
 
   private slots:
     void names_data() {
-        QTest::addColumn<QString>("base");
-        QTest::addColumn<QString>("tagged");
-        QTest::addColumn<QString>("suffixed");
+        columns<QString, QString, QString>("base", "tagged", "suffixed");
         const QString here = QDir::currentPath();
         const auto row = [](const QString& base, const QString& tagged, const QString& suffixed) {
             QTest::newRow(qPrintable(base)) << base << tagged << suffixed;
@@ -33,9 +31,7 @@ class TestFileNames : public QObject {
     }
 
     void folders_data() {
-        QTest::addColumn<QStringList>("files");
-        QTest::addColumn<QString>("folder");
-        QTest::addColumn<QStringList>("seen");
+        columns<QStringList, QString, QStringList>("files", "folder", "seen");
         using L = QStringList;
         const QString here = QDir::currentPath();
         QTest::newRow("none") << L{} << "" << L{};

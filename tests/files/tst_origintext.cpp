@@ -17,8 +17,8 @@ class TestOriginText : public QObject {
     }
 
     void read_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("found");  // "key|value;" ... and "/line" ..., or why not
+        // found: "key|value;" ... and "/line" ..., or why not
+        columns<QString, QString>("text", "found");
         const auto row = [](const char* text, const char* found) {
             QTest::newRow(qPrintable(QString(text).simplified()))
                 << QString(text).replace('~', QChar(0)) << found;

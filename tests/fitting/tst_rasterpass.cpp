@@ -5,13 +5,13 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <memory>
 #include <random>
 
 #include "DebugLines.h"
 #include "Edges.h"
+#include "SameBits.h"
 #include "TestMain.h"
 #include "TinyStacks.h"
 #include "absorption/AbsorptionSource.h"
@@ -29,10 +29,6 @@ constexpr int Height = 4;
 constexpr double At = 7101.25;  // eV, for residual absorption
 constexpr double Nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double Infinity = std::numeric_limits<double>::infinity();
-
-bool same(double a, double b) {
-    return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
-}
 
 /// Noisy steps at various energies.
 FrameSet edgeStack(const Energies& energies) {
@@ -165,8 +161,8 @@ class TestRasterPass : public QObject {
     }
 
     void goesOnWithTheThreadsThatThereAre_data() {
-        QTest::addColumn<int>("threads");
-        QTest::addColumn<int>("stacks");  // that the process has room for
+        // stacks: that the process has room for
+        columns<int, int>("threads", "stacks");
         QTest::newRow("all of them") << 3 << 100;
         QTest::newRow("fewer") << 20 << 2;
         QTest::newRow("none") << 3 << 0;

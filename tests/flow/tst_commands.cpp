@@ -6,7 +6,6 @@
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QSet>
 #include <QSlider>
@@ -19,6 +18,7 @@
 #include <vector>
 
 #include "BatchRun.h"
+#include "Controls.h"
 #include "Files.h"
 #include "Phantom.h"
 #include "TestMain.h"
@@ -37,28 +37,6 @@
 namespace {
 
 constexpr int Size = 8;  // square, since maps load on square images alone
-
-template <typename Window>
-Window* topLevel() {
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget* window : windows) {
-        if (auto* found = qobject_cast<Window*>(window)) {
-            return found;
-        }
-    }
-    return nullptr;
-}
-
-/// The lines of a table behind its header.
-QList<QByteArray> rowsOf(const QString& fileName) {
-    QList<QByteArray> rows;
-    for (const QByteArray& line : contentOf(fileName).split('\n')) {
-        if (!line.isEmpty() && !line.startsWith('#')) {
-            rows << line;
-        }
-    }
-    return rows;
-}
 
 }  // namespace
 
@@ -81,12 +59,6 @@ class TestCommands : public QObject {
 
     QString file(const QString& name) const { return m_dir.filePath(name); }
 
-    template <typename Widget>
-    Widget* in(QWidget* window, const char* name) const {
-        auto* found = window->findChild<Widget*>(QString::fromLatin1(name));
-        Q_ASSERT(found != nullptr);
-        return found;
-    }
     Analyzer* analyzer() const { return topLevel<Analyzer>(); }
     CalibCtrl* calib() const { return topLevel<CalibCtrl>(); }
     SaveDataCfg* saveCfg() const { return topLevel<SaveDataCfg>(); }
@@ -97,20 +69,20 @@ class TestCommands : public QObject {
         });
         return qobject_cast<XafsView*>(*found);
     }
-    ImageView* view() const { return in<ImageView>(m_body.get(), "dispA"); }
+    ImageView* view() const { return control<ImageView>("dispA", m_body.get()); }
 
     QString text(QWidget* window, const char* field) const {
-        return in<QLineEdit>(window, field)->text();
+        return control<QLineEdit>(field, window)->text();
     }
     bool checked(QWidget* window, const char* button) const {
-        return in<QAbstractButton>(window, button)->isChecked();
+        return control<QAbstractButton>(button, window)->isChecked();
     }
     int choice(QWidget* window, const char* box) const {
-        return in<QComboBox>(window, box)->currentIndex();
+        return control<QComboBox>(box, window)->currentIndex();
     }
-    QString state() const { return in<QLabel>(m_body.get(), "State")->text(); }
+    QString state() const { return textOf("State", m_body.get()); }
     int frames(const char* panel) const {
-        return in<QLabel>(in<QWidget>(m_body.get(), panel), "Count")->text().toInt();
+        return textOf("Count", control<QWidget>(panel, m_body.get())).toInt();
     }
     LCFReference* reference(int i) const { return analyzer()->references().at(i); }
     double fraction(int x, int y) const {
@@ -145,15 +117,14 @@ class TestCommands : public QObject {
   private slots:
     void initTestCase() {
         Phantom::Options options;
-        options.width = Size;
-        options.height = Size;
+        options.width = options.height = Size;
         options.energies = 151;
         options.i0Energies = 4;
         options.fractionOfA = [](int x, int y) { return 0.05 * x + 0.07 * y; };
         // One bin is far off, for the smoothing of the map.
         options.energyShift = [](int x, int y) { return x == 4 && y == 7 ? 60.0 : 0.5 * x; };
         m_phantom = std::make_unique<Phantom>(options);
-        QVERIFY(m_phantom->isValid() && m_dir.isValid());
+        QVERIFY(m_dir.isValid());
         QVERIFY(QDir::setCurrent(m_dir.path()));  // some commands name no folder
         m_body = std::make_unique<Body>();
         m_batch = std::make_unique<BatchRun>(*m_body);
@@ -207,8 +178,7 @@ class TestCommands : public QObject {
 
     /// What does no work without being a file that fails is told of all the same, and does no harm.
     void linesThatDoNoWork_data() {
-        QTest::addColumn<QStringList>("lines");
-        QTest::addColumn<QString>("problem");
+        columns<QStringList, QString>("lines", "problem");
         using L = QStringList;
         const QString load = "load_I1_files NEW " + m_phantom->file("i1-7000_000eV.tif");
         QTest::newRow("no frames to calibrate") << L{"calib_exec"} << "no images are loaded";
@@ -255,7 +225,7 @@ class TestCommands : public QObject {
         QVERIFY(m_batch->run({"calib_save_map " + file("first.emp")}));
         Body body;
         BatchRun batch(body);
-        auto* dispA = in<ImageView>(&body, "dispA");
+        auto* dispA = control<ImageView>("dispA", &body);
         QVERIFY(batch.run({"select_region 2 2 4 4", "calib_load_map " + file("first.emp"),
                            "select_disp_image 2", "save_image " + file("first.png")}));
         QCOMPARE(batch.problems(), QStringList());
@@ -275,10 +245,11 @@ void TestCommands::addStackCases() {
         {"load_I1_files NEW " + i1},
         [=] { return i1Frames() == 2 && m_body->measurement().imageSize().width() == Size; });
     add("load_I1_files ADD " + i1, [=] { return i1Frames() == 3; });
-    add("clear_I1_files", [=] { return i1Frames() == 0 && m_body->measurement().imageSize().width() == -1; });
+    add("clear_I1_files",
+        [=] { return i1Frames() == 0 && m_body->measurement().imageSize().width() == -1; });
     add("load_I0_files NEW " + i0, [=] { return i0Frames() == 1; });
     add("clear_I0_files", [=] { return i0Frames() == 0; });
-    auto* i1Panel = in<QWidget>(m_body.get(), "SelectI1Files");
+    auto* i1Panel = control<QWidget>("SelectI1Files", m_body.get());
     add("set_energy_pattern i1 (?<=i1-)\\d+ kev", [=] {
         return text(i1Panel, "EngPattern") == "(?<=i1-)\\d+" && choice(i1Panel, "SelectUnit") == 1;
     });
@@ -330,7 +301,7 @@ void TestCommands::addViewCases() {
         [=] { return !view()->hasSelection(); });
     add("select_region 0 0 0 0", [=] { return !view()->hasSelection(); });
     add("move_position 3 4", {"move_position 1 1"}, [=] {
-        return in<QLabel>(m_body.get(), "Position")->text() == "(   3,    4)" &&
+        return textOf("Position", m_body.get()) == "(   3,    4)" &&
                view()->realPosition() == QPointF(3, 4);
     });
     add("save_spectra " + file("spectrum.dat"), [=] {
@@ -342,10 +313,10 @@ void TestCommands::addViewCases() {
 }
 
 void TestCommands::addPictureCases() {
-    const auto* bar = in<ColorBar>(m_body.get(), "CBar");
+    const auto* bar = control<ColorBar>("CBar", m_body.get());
     add("show_frame 3", {"show_frame 0"}, [this] {
         return state().contains("frame 4 of 151") &&
-               in<QSlider>(m_body.get(), "SeekBar")->value() == 3;
+               control<QSlider>("SeekBar", m_body.get())->value() == 3;
     });
     add("set_view_range 65534 65535", {"set_view_range"},
         [=] { return !bar->isAuto() && bar->rangeMin() == 65534 && bar->rangeMax() == 65535; });
@@ -395,7 +366,7 @@ void TestCommands::addAnalyzerCases() {
     add("analyzer_exec_LCF", [=] {
         // The map of shifts is empty yet; only the first column has none.
         return !analyzer()->isBusy() && std::abs(fraction(0, 6) - 0.42) < 1e-3 &&
-               in<QLabel>(analyzer(), "Progress")->text() == "100.00";
+               textOf("Progress", analyzer()) == "100.00";
     });
     add("analyzer_select_image 1", {"analyzer_select_image 0"}, [=] {
         return analyzer()->selectedResult() == reference(1)->result(analyzer()->imageType());
@@ -455,7 +426,7 @@ void TestCommands::addCalibrationCases() {
     add("calib_set_edge_eV 7112.537", [=] { return text(calib(), "EdgeEeV") == "7112.537"; });
     const auto shift = [this](int x, int y) {
         m_body->showXafsSpectrum(x, y);
-        return in<QLabel>(m_body.get(), "EShiftOnTbl")->text().toDouble();
+        return textOf("EShiftOnTbl", m_body.get()).toDouble();
     };
     // Two points of the same fraction, and so of the same shape of edge, seven columns of the
     // drift apart. Straight lines between energies 2 eV apart put an edge off by up to 0.14 eV.

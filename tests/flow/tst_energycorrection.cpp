@@ -1,12 +1,13 @@
 #include <QApplication>
 #include <QCheckBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <cmath>
 #include <functional>
 #include <memory>
 
 #include "BatchRun.h"
+#include "Controls.h"
+#include "Edges.h"
 #include "Files.h"
 #include "Phantom.h"
 #include "TestMain.h"
@@ -35,18 +36,11 @@ class TestEnergyCorrection : public QObject {
 
     void writeSpectrum(const QString& name, const std::function<double(double)>& mu,
                        double offset = 0.0) {
-        QByteArray text;
-        for (double e = 6980.0; e <= 7320.0; e += 0.5) {
-            text += QByteArray::number(e + offset, 'g', 12) + ' ' +
-                    QByteArray::number(mu(e), 'g', 12) + '\n';
-        }
-        put(m_phantom->file(name), text);
+        putCurve(m_phantom->file(name), edges::energies(6980.0 + offset, 7320.0 + offset, 0.5),
+                 [&](double e) { return mu(e - offset); });
     }
 
-    void run(const QStringList& lines) {
-        QVERIFY(m_batch->run(lines));
-        QVERIFY2(m_batch->problems().isEmpty(), qPrintable(m_batch->problems().join('\n')));
-    }
+    void run(const QStringList& lines) { QVERIFY(m_batch->succeeds(lines)); }
 
     LCFReference* reference(int i) const { return analyzerWindow()->references().at(i); }
 
@@ -60,13 +54,12 @@ class TestEnergyCorrection : public QObject {
 
     double shiftOfPosition() const {
         m_body->showXafsSpectrum(1, 2);
-        return m_body->findChild<QLabel*>("EShiftOnTbl")->text().toDouble();
+        return textOf("EShiftOnTbl", m_body.get()).toDouble();
     }
 
     double firstSavedEnergy(const QString& name) {
         run({"move_position 1 2", "save_spectra " + m_phantom->file(name)});
-        const QList<QByteArray> lines = contentOf(m_phantom->file(name)).split('\n');
-        return lines.value(2).split('\t').first().toDouble();
+        return rowsOf(m_phantom->file(name)).value(0).split('\t').first().toDouble();
     }
 
     QString setReference(int i, double shift) const {
@@ -78,14 +71,12 @@ class TestEnergyCorrection : public QObject {
   private slots:
     void initTestCase() {
         Phantom::Options options;
-        options.width = 4;
-        options.height = 4;
+        options.width = options.height = 4;
         options.energies = 301;
         options.i0Energies = 2;
         options.fractionOfA = [](int x, int) { return x == 0 ? 1.0 : Fraction; };
         options.energyShift = [](int, int) { return Drift; };
         m_phantom = std::make_unique<Phantom>(options);
-        QVERIFY(m_phantom->isValid());
         writeSpectrum("late-a.dat", Phantom::muA, OffsetA);
         writeSpectrum("late-b.dat", Phantom::muB, OffsetB);
         // What the calibration compares with is the very mixture of the position.

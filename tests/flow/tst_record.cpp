@@ -1,15 +1,12 @@
 #include <QAction>
 #include <QCloseEvent>
-#include <QFileDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QProcess>
-#include <QPushButton>
-#include <QRadioButton>
 #include <memory>
 
 #include "BatchRun.h"
+#include "Controls.h"
 #include "Files.h"
 #include "Mouse.h"
 #include "Phantom.h"
@@ -44,25 +41,6 @@ class TestRecord : public QObject {
 
     QString file(const QString& name) const { return m_phantom->file(name); }
 
-    template <typename Widget>
-    Widget* control(const char* name, const char* panel = nullptr) {
-        if (panel != nullptr) {
-            return m_body->findChild<QWidget*>(panel)->findChild<Widget*>(name);
-        }
-        for (const QWidget* window : QApplication::topLevelWidgets()) {
-            if (auto* found = window->findChild<Widget*>(name)) {
-                return found;
-            }
-        }
-        qFatal("no %s", name);
-    }
-
-    void press(const char* name, const char* panel = nullptr) {
-        auto* button = control<QAbstractButton>(name, panel);
-        QVERIFY2(button->isEnabled(), qPrintable(name + button->toolTip()));
-        button->click();
-    }
-
     void type(const char* name, const QString& text) {
         auto* field = control<QLineEdit>(name);
         field->window()->activateWindow();
@@ -70,19 +48,6 @@ class TestRecord : public QObject {
         field->selectAll();
         QTest::keyClicks(field, text);
         QTest::keyClick(field, Qt::Key_Return);
-    }
-
-    /// Answers the file dialog that is open.
-    static void answer(const QStringList& names) {
-        QFileDialog* open = nullptr;
-        for (QWidget* window : QApplication::topLevelWidgets()) {
-            auto* dialog = qobject_cast<QFileDialog*>(window);
-            open = dialog != nullptr && dialog->isVisible() ? dialog : open;
-        }
-        QVERIFY(open != nullptr);
-        open->hide();
-        emit open->filesSelected(names);
-        emit open->fileSelected(names.first());
     }
 
     QStringList frames(const QString& pattern) const {
@@ -96,12 +61,12 @@ class TestRecord : public QObject {
     bool idle() const { return m_body->measurement().working() == Work::None; }
 
     void loadAndCalibrate() {
-        press("Select", "SelectI1Files");
+        press("Select", control<QWidget>("SelectI1Files"));
         answer(frames("i1-*.tif"));
-        press("Select", "SelectI0Files");
+        press("Select", control<QWidget>("SelectI0Files"));
         answer(frames("i0-*.tif"));
-        QTRY_COMPARE(control<QLabel>("Count", "SelectI1Files")->text(), QString("91"));
-        QTRY_COMPARE(control<QLabel>("Count", "SelectI0Files")->text(), QString("91"));
+        QTRY_COMPARE(textOf("Count", control<QWidget>("SelectI1Files")), QString("91"));
+        QTRY_COMPARE(textOf("Count", control<QWidget>("SelectI0Files")), QString("91"));
         QTRY_VERIFY(!m_body->measurement().isAtWork(Work::LoadI1) &&
                     !m_body->measurement().isAtWork(Work::LoadI0));
         type("HWidth", "1");
@@ -114,7 +79,7 @@ class TestRecord : public QObject {
         QCOMPARE(m_body->measurement().selection(), QRectF(1, 0, 7, 9));
         press("OpenCalibCtrl");
         press("SelectStd");
-        control<QWidget>("StdSelector")->findChild<QPushButton*>("Select")->click();
+        press("Select", control<QWidget>("StdSelector"));
         answer({file("a.dat")});
         press("ExecCalib");
         QTRY_VERIFY(m_body->measurement().map().image.hasData() && idle());
@@ -127,8 +92,7 @@ class TestRecord : public QObject {
         }
         const QStringList names{"a.dat", "b.dat"};
         for (int i = 0; i < names.size(); ++i) {
-            LCFReference* row = analyzerWindow()->references()[i];
-            row->findChild<QPushButton*>("Select")->click();
+            press("Select", analyzerWindow()->references()[i]);
             answer({file(names[i])});
         }
         press("AskAnalyze");
@@ -164,14 +128,11 @@ class TestRecord : public QObject {
   private slots:
     void init() {
         Phantom::Options options;
-        options.width = Size;
-        options.height = Size;
-        options.energies = 91;
-        options.i0Energies = 91;
+        options.width = options.height = Size;
+        options.energies = options.i0Energies = 91;
         options.fractionOfA = [](int x, int y) { return 0.1 * x + 0.01 * y; };
         options.energyShift = [](int x, int y) { return x == 4 && y == 4 ? Glitch : 0.3 * x; };
         m_phantom = std::make_unique<Phantom>(options);
-        QVERIFY(m_phantom->isValid());
         m_body = std::make_unique<Body>();
         m_body->resize(1100, 800);
         m_body->show();

@@ -30,12 +30,8 @@ class TestSaved : public QObject {
     QString file(const QString& name) const { return m_dir.filePath(name); }
 
     void writeSpectrum(const QString& name, double bump, double late) {
-        QByteArray text;
-        for (double e : edges::energies()) {
-            text += QByteArray::number(e) + ' ' +
-                    QByteArray::number(edges::step(e - late, bump), 'g', 12) + '\n';
-        }
-        put(file(name), text);
+        putCurve(file(name), edges::energies(),
+                 [=](double e) { return edges::step(e - late, bump); });
     }
 
   private slots:
@@ -56,43 +52,40 @@ class TestSaved : public QObject {
         writeSpectrum("late.dat", Bump, Late);
         Body body;
         BatchRun batch(body);
-        QVERIFY(batch.run({"load_I1_files_of_pattern NEW " + m_dir.path() + " i1-*.tif",
-                           "load_I0_files_of_pattern NEW " + m_dir.path() + " i0-*.tif",
-                           "set_band_w 0",
-                           "set_band_h 0",
-                           "saveDataCfg_save_as_text",
-                           "saveDataCfg_text_as_ssv",
-                           "saveDataCfg_text_as_vals",
-                           "calib_load_std " + file("late.dat"),
-                           "calib_exec",
-                           "select_disp_image 2",
-                           "save_data_as_tiff " + file("E-shift"),
-                           "calib_clear_map",
-                           "analyzer_set_LCF_std 0 1 0 " + file("a.dat") + " 0",
-                           "analyzer_set_LCF_std 1 1 0 " + file("b.dat") + " 0",
-                           "analyzer_exec_LCF",
-                           "analyzer_set_ra_energy 7050",
-                           "analyzer_set_ra_factor 0.125",
-                           "analyzer_exec_ra",
-                           "analyzer_select_image_type 0",
-                           "analyzer_select_image 0",
-                           "save_data_as_tiff " + file("DMut"),
-                           "analyzer_select_image_type 1",
-                           "analyzer_select_image 1",
-                           "save_data_as_tiff " + file("Ratio"),
-                           "analyzer_select_image 2",
-                           "save_data_as_tiff " + file("dmut-ra"),
-                           "analyzer_select_image 3",
-                           "save_data_as_tiff " + file("rest-ra"),
-                           "analyzer_select_image 4",
-                           "save_data_as_tiff " + file("ratio-ra")}));
-        QCOMPARE(batch.problems(), QStringList());
+        QVERIFY(batch.succeeds({"load_I1_files_of_pattern NEW " + m_dir.path() + " i1-*.tif",
+                                "load_I0_files_of_pattern NEW " + m_dir.path() + " i0-*.tif",
+                                "set_band_w 0",
+                                "set_band_h 0",
+                                "saveDataCfg_save_as_text",
+                                "saveDataCfg_text_as_ssv",
+                                "saveDataCfg_text_as_vals",
+                                "calib_load_std " + file("late.dat"),
+                                "calib_exec",
+                                "select_disp_image 2",
+                                "save_data_as_tiff " + file("E-shift"),
+                                "calib_clear_map",
+                                "analyzer_set_LCF_std 0 1 0 " + file("a.dat") + " 0",
+                                "analyzer_set_LCF_std 1 1 0 " + file("b.dat") + " 0",
+                                "analyzer_exec_LCF",
+                                "analyzer_set_ra_energy 7050",
+                                "analyzer_set_ra_factor 0.125",
+                                "analyzer_exec_ra",
+                                "analyzer_select_image_type 0",
+                                "analyzer_select_image 0",
+                                "save_data_as_tiff " + file("DMut"),
+                                "analyzer_select_image_type 1",
+                                "analyzer_select_image 1",
+                                "save_data_as_tiff " + file("Ratio"),
+                                "analyzer_select_image 2",
+                                "save_data_as_tiff " + file("dmut-ra"),
+                                "analyzer_select_image 3",
+                                "save_data_as_tiff " + file("rest-ra"),
+                                "analyzer_select_image 4",
+                                "save_data_as_tiff " + file("ratio-ra")}));
     }
 
     void tables_data() {
-        QTest::addColumn<QString>("source");
-        QTest::addColumn<QString>("reference");
-        QTest::addColumn<QVector<double>>("row");
+        columns<QString, QString, QVector<double>>("source", "reference", "row");
         using Row = QVector<double>;
         QTest::newRow("E-shift") << "E-shift" << QString() << Row(Size, -Late);
         QTest::newRow("DMut") << "DMut" << QStringLiteral("a.dat") << Row(Size, Jump);
@@ -108,22 +101,18 @@ class TestSaved : public QObject {
         QFETCH(QString, source);
         QFETCH(QString, reference);
         QFETCH(QVector<double>, row);
-        QStringList head;
-        QStringList rows;
-        const QString text = QString::fromUtf8(contentOf(file(QTest::currentDataTag())));
-        for (const QString& line : text.split('\n', Qt::SkipEmptyParts)) {
-            (line.startsWith('#') ? head : rows) << line;
-        }
-        QVERIFY2(head.contains("# source = " + source), qPrintable(text));
-        const QStringList named = head.filter("# reference file = ");
-        QCOMPARE(named, reference.isEmpty() ? QStringList()
-                                            : QStringList("# reference file = " + reference));
-        QCOMPARE(rows.size(), Size);
-        for (const QString& line : rows) {
-            const QStringList values = line.split(' ', Qt::SkipEmptyParts);
+        const QString name = file(QTest::currentDataTag());
+        const QString text = QString::fromUtf8(contentOf(name));
+        QVERIFY2(text.contains("# source = " + source + '\n'), qPrintable(text));
+        QCOMPARE(text.count("# reference file = "), reference.isEmpty() ? 0 : 1);
+        QVERIFY2(text.contains("# reference file = " + reference) || reference.isEmpty(),
+                 qPrintable(text));
+        const QVector<QVector<double>> table = numbersOf(name);
+        QCOMPARE(table.size(), Size);
+        for (const QVector<double>& values : table) {
             QCOMPARE(values.size(), Size);
             for (int x = 0; x < Size; ++x) {
-                QVERIFY2(std::abs(values[x].toDouble() - row[x]) < 1e-3, qPrintable(line));
+                QVERIFY2(std::abs(values[x] - row[x]) < 1e-3, qPrintable(text));
             }
         }
     }

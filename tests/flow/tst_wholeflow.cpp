@@ -48,49 +48,18 @@ class TestWholeFlow : public QObject {
         Phantom::Options options;
         options.fractionOfA = fractionOfA;
         m_phantom = std::make_unique<Phantom>(options);
-        QVERIFY(m_phantom->isValid());
         // Enough points for events to come in between.
         options.width = 40;
         options.height = 24;
         m_large = std::make_unique<Phantom>(options);
-        QVERIFY(m_large->isValid());
         m_lines = m_large->loadAndSetReferences() + QStringList{"analyzer_exec_LCF", "set_band_w 0",
                                                                 "what", "analyzer_exec_LCF",
                                                                 "set_band_h 0"};
     }
 
-    /// The counts are integers of about 20000: mu-t is off by at most 1 / 40000 a point. The
-    /// fraction is a least-squares mean over the edge step of 0.8, so its error stays below that
-    /// of a single point, 1 / 40000 / 0.8, times the leverage of two similar references (about 5).
-    void knownFractionsComeBack_data() {
-        QTest::addColumn<int>("mode");
-        QTest::newRow("LCF") << 0;
-        QTest::newRow("MLCF") << 1;
-    }
-
-    void knownFractionsComeBack() {
-        QFETCH(int, mode);
-        Body body;
-        BatchRun batch(body);
-        QVERIFY(batch.run(
-            m_phantom->loadAndSetReferences() +
-            QStringList{QString("analyzer_set_LCF_mode %1").arg(mode), "analyzer_exec_LCF"}));
-        QCOMPARE(batch.problems(), QStringList());
-        const Analyzed2DRes* ratio = analyzerWindow()->references().at(0)->result(1);
-        double worst = 0.0;
-        for (int y = 0; y < 8; ++y) {
-            for (int x = 0; x < 12; ++x) {
-                worst = std::max(worst, std::abs(ratio->valueAt(x, y) - fractionOfA(x, y)));
-            }
-        }
-        qInfo() << "worst error of a fraction" << worst;
-        QVERIFY(worst < 2e-4);
-    }
-
     /// Whatever is wrong in a batch, it reaches its end and what is right in it is done.
     void aBatchReachesItsEnd_data() {
-        QTest::addColumn<QStringList>("lines");
-        QTest::addColumn<int>("problems");
+        columns<QStringList, int>("lines", "problems");
         const QString dir = m_phantom->dir();
         QTest::newRow("analysis without images") << QStringList{"analyzer_exec_LCF"} << 1;
         QTest::newRow("analysis without references")
@@ -146,8 +115,8 @@ class TestWholeFlow : public QObject {
     }
 
     void whateverHappens_data() {
-        QTest::addColumn<Action>("action");
-        QTest::addColumn<int>("problems");  // "what" is one
+        // problems: "what" is one
+        columns<Action, int>("action", "problems");
         const QString i1 = m_large->file("i1-7000_000eV.tif");
         const QString i0 = m_large->file("i0-7000_000eV.tif");
         const auto row = [](const char* name, int problems, const Action& action) {
@@ -229,13 +198,9 @@ class TestWholeFlow : public QObject {
         bool reached = true;
         int points = 0;
         int y = 0;
-        for (const QByteArray& line : contentOf(stopped).split('\n')) {
-            if (line.isEmpty() || line.startsWith('#')) {
-                continue;
-            }
-            const QList<QByteArray> values = line.split(' ');
+        for (const QVector<double>& values : numbersOf(stopped)) {
             for (int x = 0; x < values.size(); ++x) {
-                const double value = values[x].toDouble();
+                const double value = values[x];
                 const bool right = std::abs(value - fractionOfA(x, y)) < 2e-4;
                 reached = reached && right;
                 QVERIFY2(right || value == 0.0, qPrintable(QString("%1 %2").arg(x).arg(y)));
@@ -275,26 +240,6 @@ class TestWholeFlow : public QObject {
         QCOMPARE(answers.count(), 7);
         QVERIFY(batch.run(m_lines));
         QCOMPARE(batch.done(), m_lines.size());
-    }
-
-    /// A user's own load ends while a batch runs: it must not answer a line of the batch.
-    void aUsersLoadDoesNotStepTheBatch() {
-        Body body;
-        BatchRun batch(body);
-        QStringList order;
-        connect(&body, &Body::commandDone, this,
-                [&](const CmdLine& cmd, const QStringList&) { order << cmd.text; });
-        bool once = false;
-        connect(&body, &Body::loadProgress, this, [&](int stack, int done, int) {
-            if (stack == 1 && done == 3 && !once) {
-                once = true;
-                body.readI0Files({m_phantom->file("i0-7000_000eV.tif")}, true);
-            }
-        });
-        const QStringList lines = m_phantom->loadAndSetReferences();
-        QVERIFY(batch.run(lines));
-        QVERIFY(once);
-        QCOMPARE(order, lines);
     }
 
     /// Closing in the middle of a load must stop every thread and lose no memory.

@@ -1,9 +1,9 @@
 #include <QBuffer>
-#include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
 #include <climits>
 
+#include "Files.h"
 #include "TestMain.h"
 #include "TinyStacks.h"
 #include "frames/EnergyFromName.h"
@@ -15,33 +15,20 @@ class TestFrames : public QObject {
     Q_OBJECT
 
   private slots:
-    void boxSum_data() {
-        QTest::addColumn<int>("x");
-        QTest::addColumn<int>("y");
-        QTest::addColumn<int>("hw");
-        QTest::addColumn<int>("hh");
-        QTest::addColumn<double>("sum");
-        QTest::newRow("corner") << 0 << 0 << 1 << 1 << 4.0;
-        QTest::newRow("middle") << 5 << 5 << 1 << 2 << 15.0;
-        QTest::newRow("magnitude") << 5 << 5 << -1 << -2 << 15.0;
-        QTest::newRow("outside") << 20 << 5 << 1 << 1 << 0.0;
-        QTest::newRow("reaching in") << -1 << 4 << 1 << 0 << 1.0;
-        QTest::newRow("everything") << 5 << 5 << INT_MAX << INT_MIN << 100.0;
-        QTest::newRow("far away") << INT_MIN << INT_MAX << 3 << 3 << 0.0;
-    }
     void boxSum() {
-        QFETCH(int, x);
-        QFETCH(int, y);
-        QFETCH(int, hw);
-        QFETCH(int, hh);
-        QFETCH(double, sum);
         const auto frame = tinyFrame(10, 10, 0, [](int, int) { return quint16(1); });
-        QCOMPARE(frame->boxSum(x, y, hw, hh), sum);
+        QCOMPARE(frame->boxSum(0, 0, 1, 1), 4.0);
+        QCOMPARE(frame->boxSum(5, 5, 1, 2), 15.0);
+        QCOMPARE(frame->boxSum(5, 5, -1, -2), 15.0);  // by magnitude
+        QCOMPARE(frame->boxSum(20, 5, 1, 1), 0.0);
+        QCOMPARE(frame->boxSum(-1, 4, 1, 0), 1.0);  // reaches in
+        QCOMPARE(frame->boxSum(5, 5, INT_MAX, INT_MIN), 100.0);
+        QCOMPARE(frame->boxSum(INT_MIN, INT_MAX, 3, 3), 0.0);
     }
 
     void pictureIsTheLookUpOfEveryCount_data() {
-        QTest::addColumn<int>("format");
-        QTest::addColumn<int>("width");  // rows of 5 pixels are not a multiple of 4 bytes
+        // width: rows of 5 pixels are not a multiple of 4 bytes
+        columns<int, int>("format", "width");
         QTest::newRow("grey, looked up one by one") << 24 << 5;
         QTest::newRow("grey, through a table") << 24 << 401;
         QTest::newRow("colour, looked up one by one") << 13 << 5;
@@ -102,8 +89,7 @@ class TestFrames : public QObject {
     }
 
     void otherFilesAreRefused_data() {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<QByteArray>("message");
+        columns<QByteArray, QByteArray>("content", "message");
         QTest::newRow("empty") << QByteArray() << QByteArray("Error on reading file (1)");
         QTest::newRow("one byte") << QByteArray("I") << QByteArray("Error on reading file (1)");
         QTest::newRow("text") << QByteArray("hello, world") << QByteArray();
@@ -117,10 +103,7 @@ class TestFrames : public QObject {
         QFETCH(QByteArray, message);
         QTemporaryDir dir;
         const QString name = dir.filePath("file");
-        QFile file(name);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        file.close();
+        put(name, content);
         if (!message.isEmpty()) {
             QTest::ignoreMessage(QtDebugMsg, message + ' ' + name.toUtf8());
         }
@@ -134,11 +117,8 @@ class TestFrames : public QObject {
     }
 
     void imgComment_data() {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<int>("length");
-        QTest::addColumn<bool>("whole");
-        QTest::addColumn<quint32>("width");
-        QTest::addColumn<quint32>("height");
+        columns<QByteArray, int, bool, quint32, quint32>("text", "length", "whole", "width",
+                                                         "height");
         const auto row = [](const char* tag, const QByteArray& text, quint32 w, quint32 h) {
             QTest::newRow(tag) << text << text.size() << true << w << h;
         };
@@ -186,27 +166,17 @@ class TestFrames : public QObject {
         QCOMPARE(frameNameFilters("%1 (%2)"), QStringList({"Tiff (*.tif *.tiff)", "IMG (*.img)"}));
     }
 
-    void energyInAName_data() {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("pattern");
-        QTest::addColumn<double>("number");  // -1: none
-        const QString usual("[\\d_]+eV");
-        QTest::newRow("decimals") << "/d/Fe-7112_5eV.img" << usual << 7112.5;
-        QTest::newRow("underscore before") << "Fe_7112_5eV.img" << usual << 0.0;
-        QTest::newRow("folder first") << "/50eV_run/Fe-7112eV.tif" << usual << 50.0;
-        QTest::newRow("keV") << "Fe-7_1125keV.tif"
-                             << "[\\d_]+keV" << 7.1125;
-        QTest::newRow("empty pattern") << "Fe-7112eV.tif"
-                                       << "" << 0.0;
-        QTest::newRow("no match") << "Fe.tif" << usual << -1.0;
-        QTest::newRow("broken pattern") << "Fe-7112eV.tif"
-                                        << "[" << -1.0;
-    }
     void energyInAName() {
-        QFETCH(QString, path);
-        QFETCH(QString, pattern);
-        QFETCH(double, number);
-        QCOMPARE(numberFromName(path, QRegularExpression(pattern)).value_or(-1.0), number);
+        const auto number = [](const char* path, const char* pattern = "[\\d_]+eV") {
+            return numberFromName(path, QRegularExpression(pattern)).value_or(-1.0);
+        };
+        QCOMPARE(number("/d/Fe-7112_5eV.img"), 7112.5);
+        QCOMPARE(number("Fe_7112_5eV.img"), 0.0);  // the underscore before it
+        QCOMPARE(number("/50eV_run/Fe-7112eV.tif"), 50.0);
+        QCOMPARE(number("Fe-7_1125keV.tif", "[\\d_]+keV"), 7.1125);
+        QCOMPARE(number("Fe-7112eV.tif", ""), 0.0);
+        QCOMPARE(number("Fe.tif"), -1.0);
+        QCOMPARE(number("Fe-7112eV.tif", "["), -1.0);
     }
 
     void units() {

@@ -3,6 +3,7 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include "Files.h"
 #include "TestMain.h"
 
 // The documents hold together and with the program: what they link to, quote and tell to type.
@@ -11,8 +12,7 @@ namespace {
 const QString Root = QStringLiteral(TARNWICK_SOURCE_DIR "/");
 
 QString textOf(const QString& fileName) {
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return QString::fromUtf8(contentOf(fileName));
 }
 
 QStringList filesBelow(const QString& dir, const QStringList& patterns) {
@@ -130,10 +130,7 @@ class TestDocs : public QObject {
         int checked = 0;
         for (const QString& document : filesBelow("docs/guide", {"*.md"})) {
             for (const QString& batch : captures(textOf(document), "\\n```batch\\n(.*?)\\n```")) {
-                QFile file(dir.filePath("guide.bat"));
-                QVERIFY(file.open(QIODevice::WriteOnly));
-                file.write(batch.toUtf8());
-                file.close();
+                put(dir.filePath("guide.bat"), batch.toUtf8());
                 QProcess runner;
                 runner.setWorkingDirectory(dir.path());
                 runner.start(TARNWICK_BATCH, {"guide.bat"});

@@ -3,6 +3,7 @@
 #include <QRegularExpression>
 #include <QSet>
 
+#include "Files.h"
 #include "TestMain.h"
 
 // Who may include whom, as docs/architecture.md tells it. What is not listed is forbidden; a room
@@ -62,11 +63,8 @@ Includes includesOf(const QString& fileName) {
     static const QRegularExpression line("^\\s*#\\s*include\\s*([<\"])([^>\"]+)[>\"]",
                                          QRegularExpression::MultilineOption);
     Includes found;
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return found;
-    }
-    QRegularExpressionMatchIterator matches = line.globalMatch(QString::fromUtf8(file.readAll()));
+    QRegularExpressionMatchIterator matches =
+        line.globalMatch(QString::fromUtf8(contentOf(fileName)));
     while (matches.hasNext()) {
         const QRegularExpressionMatch match = matches.next();
         (match.captured(1) == "<" ? found.angled : found.quoted).append(match.captured(2));

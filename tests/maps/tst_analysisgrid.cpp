@@ -21,10 +21,7 @@ class TestAnalysisGrid : public QObject {
 
   private slots:
     void coversTheArea_data() {
-        QTest::addColumn<QRectF>("area");
-        QTest::addColumn<int>("halfW");
-        QTest::addColumn<int>("halfH");
-        QTest::addColumn<Visited>("points");
+        columns<QRectF, int, int, Visited>("area", "halfW", "halfH", "points");
 
         QTest::newRow("single pixels")
             << QRectF(1, 2, 2, 2) << 0 << 0 << Visited{{1, 2}, {2, 2}, {1, 3}, {2, 3}};

@@ -125,8 +125,7 @@ class TestAnalyzed2DRes : public QObject {
     }
 
     void wordsOfPixels_data() {
-        QTest::addColumn<double>("value");
-        QTest::addColumn<int>("word");
+        columns<double, int>("value", "word");
         // On a fixed scale of 0..1.
         QTest::newRow("low end") << 0.0 << 0;
         QTest::newRow("high end") << 1.0 << 65535;

@@ -1,6 +1,5 @@
 #include <QApplication>
 #include <QCheckBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -9,6 +8,7 @@
 #include <QThread>
 #include <cmath>
 
+#include "Controls.h"
 #include "Edges.h"
 #include "Files.h"
 #include "TestMain.h"
@@ -47,29 +47,17 @@ class TestAnalyzer : public QObject {
     std::unique_ptr<Analyzer> m_analyzer;
 
     QString writeReference(const QString& name, double bump) const {
-        QByteArray text;
-        for (double e : edges::energies()) {
-            text += QByteArray::number(e, 'g', 17) + ' ' +
-                    QByteArray::number(edges::step(e, bump), 'g', 17) + '\n';
-        }
-        put(m_dir.filePath(name), text);
+        putCurve(m_dir.filePath(name), edges::energies(),
+                 [=](double e) { return edges::step(e, bump); });
         return m_dir.filePath(name);
     }
 
-    template <class T>
-    T* control(const char* name) const {
-        T* found = m_analyzer->findChild<T*>(QLatin1String(name));
-        if (!found) {
-            qFatal("no control %s", name);
-        }
-        return found;
+    QPushButton* button(const char* name) const {
+        return control<QPushButton>(name, m_analyzer.get());
     }
-    QPushButton* button(const char* name) const { return control<QPushButton>(name); }
 
     LCFReference* panel(int i) const { return m_analyzer->references().at(i); }
-    QLineEdit* field(int i, const char* name) const {
-        return panel(i)->findChild<QLineEdit*>(QLatin1String(name));
-    }
+    QLineEdit* field(int i, const char* name) const { return control<QLineEdit>(name, panel(i)); }
     void addReferences() const {
         m_analyzer->addNewRef();
         m_analyzer->addNewRef();
@@ -209,19 +197,20 @@ class TestAnalyzer : public QObject {
     }
 
     void controlsAreTheMeasurementsSettings() {
-        QCOMPARE(control<QLineEdit>("DMutScaleMin")->text(), QString("0.0"));
+        QCOMPARE(control<QLineEdit>("DMutScaleMin", m_analyzer.get())->text(), QString("0.0"));
         m_measurement->set(&Settings::raEnergy, 7200.5);
         m_measurement->set(&Settings::method, LinearFit::Mlcf);
         m_measurement->set(&Settings::showsEachRow, true);
         m_measurement->set(&Settings::dMutMax, 1.0);  // reads 1.0 already
-        QCOMPARE(control<QLineEdit>("RAAtEV")->text(), QString("7200.5"));
-        QVERIFY(control<QCheckBox>("MLCF")->isChecked());
-        QVERIFY(control<QCheckBox>("DispOnTime")->isChecked() && m_analyzer->dispOnTime());
-        QCOMPARE(control<QLineEdit>("DMutScaleMax")->text(), QString("1.0"));
+        QCOMPARE(control<QLineEdit>("RAAtEV", m_analyzer.get())->text(), QString("7200.5"));
+        QVERIFY(control<QCheckBox>("MLCF", m_analyzer.get())->isChecked());
+        QVERIFY(control<QCheckBox>("DispOnTime", m_analyzer.get())->isChecked() &&
+                m_analyzer->dispOnTime());
+        QCOMPARE(control<QLineEdit>("DMutScaleMax", m_analyzer.get())->text(), QString("1.0"));
 
-        control<QCheckBox>("MLCF")->click();
+        control<QCheckBox>("MLCF", m_analyzer.get())->click();
         QVERIFY(m_measurement->settings().method == LinearFit::Lcf);
-        auto* energy = control<QLineEdit>("RAAtEV");
+        auto* energy = control<QLineEdit>("RAAtEV", m_analyzer.get());
         energy->clear();
         QTest::keyClicks(energy, "7100.2568");
         QCOMPARE(m_analyzer->raEnergy(), 7100.26);
@@ -229,11 +218,11 @@ class TestAnalyzer : public QObject {
         QTest::keyClick(energy, Qt::Key_Return);
         QCOMPARE(energy->text(), QString("7100.26"));
         m_analyzer->setRaFactor(0.123456789);
-        QCOMPARE(control<QLineEdit>("RAFactor")->text(), QString("0.123457"));
+        QCOMPARE(control<QLineEdit>("RAFactor", m_analyzer.get())->text(), QString("0.123457"));
         QCOMPARE(m_measurement->settings().raFactor, 0.123457);
 
         QSignalSpy changed(m_analyzer.get(), &Analyzer::changedSelection);
-        auto* limit = control<QLineEdit>("RatioScaleMax");
+        auto* limit = control<QLineEdit>("RatioScaleMax", m_analyzer.get());
         limit->selectAll();
         QTest::keyClicks(limit, "0.25");
         m_measurement->set(&Settings::ratioMin, -1.0);  // from elsewhere, in mid-typing
@@ -241,15 +230,15 @@ class TestAnalyzer : public QObject {
         QTest::keyClick(limit, Qt::Key_Return);
         QCOMPARE(m_measurement->settings().ratioMax, 0.25);
         QCOMPARE(changed.size(), 1);
-        control<QCheckBox>("FixedScale")->click();
+        control<QCheckBox>("FixedScale", m_analyzer.get())->click();
         QVERIFY(m_measurement->settings().fixedScale);
         m_analyzer->setDMutScaleMin(0.0);
-        QCOMPARE(control<QLineEdit>("DMutScaleMin")->text(), QString("0"));
+        QCOMPARE(control<QLineEdit>("DMutScaleMin", m_analyzer.get())->text(), QString("0"));
         m_analyzer->setImageType(1);
         m_analyzer->setScaleMax(0.75);
         QCOMPARE(m_measurement->settings().ratioMax, 0.75);
-        QVERIFY(control<QRadioButton>("SelRatio")->isChecked());
-        control<QRadioButton>("SelDMut")->click();
+        QVERIFY(control<QRadioButton>("SelRatio", m_analyzer.get())->isChecked());
+        control<QRadioButton>("SelDMut", m_analyzer.get())->click();
         QCOMPARE(m_measurement->settings().resultType, int(Reference::DMut));
     }
 
@@ -269,7 +258,7 @@ class TestAnalyzer : public QObject {
         addReferences();  // ids move: the button that is down stays the dmut image's
         QVERIFY(button("ShowDMuT")->isChecked());
         QCOMPARE(m_analyzer->selectedResult(), m_analyzer->raDmut());
-        control<QRadioButton>("SelectRef2")->click();
+        control<QRadioButton>("SelectRef2", m_analyzer.get())->click();
         QCOMPARE(m_measurement->settings().selected, 1);
         QCOMPARE(m_analyzer->selectedResult(), panel(1)->result(LCFReference::DMut));
         m_analyzer->setImageType(1);
@@ -314,7 +303,7 @@ class TestAnalyzer : public QObject {
 
         QSignalSpy asked(m_analyzer.get(), &Analyzer::askAnalyze);
         m_measurement->start(Work::Fit);
-        QCOMPARE(control<QLabel>("Progress")->text(), QString(" 0.00"));
+        QCOMPARE(textOf("Progress", m_analyzer.get()), QString(" 0.00"));
         QCOMPARE(fit->text(), QString("Stop"));
         QVERIFY(fit->isEnabled() && m_analyzer->isBusy());
         QVERIFY(!residual->isEnabled() && !button("AddRef")->isEnabled());
@@ -324,7 +313,7 @@ class TestAnalyzer : public QObject {
         fit->click();
         QCOMPARE(asked.size(), 1);
         QTRY_VERIFY(!m_analyzer->isBusy());
-        QCOMPARE(control<QLabel>("Progress")->text(), QString("100.00"));
+        QCOMPARE(textOf("Progress", m_analyzer.get()), QString("100.00"));
         QCOMPARE(fit->text(), QString("Analyze"));
         QVERIFY(button("AddRef")->isEnabled());
         m_measurement->start(Work::Residual);

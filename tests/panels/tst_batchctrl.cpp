@@ -1,10 +1,10 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
+#include "Controls.h"
 #include "Files.h"
 #include "FullDisk.h"
 #include "TestMain.h"
@@ -15,19 +15,9 @@ class TestBatchCtrl : public QObject {
 
     BatchCtrl* m_window = nullptr;
 
-    QPlainTextEdit* cmds() const { return m_window->findChild<QPlainTextEdit*>("BatchCmds"); }
-    QPlainTextEdit* logs() const { return m_window->findChild<QPlainTextEdit*>("BatchLogs"); }
-    void click(const char* name) {
-        QTest::mouseClick(m_window->findChild<QPushButton*>(name), Qt::LeftButton);
-    }
-    QFileDialog* visibleDialog() const {
-        for (QFileDialog* dialog : m_window->findChildren<QFileDialog*>()) {
-            if (dialog->isVisible()) {
-                return dialog;
-            }
-        }
-        return nullptr;
-    }
+    QPlainTextEdit* cmds() const { return control<QPlainTextEdit>("BatchCmds", m_window); }
+    QPlainTextEdit* logs() const { return control<QPlainTextEdit>("BatchLogs", m_window); }
+    void click(const char* name) { press(name, m_window); }
 
   private slots:
     void init() {
@@ -111,30 +101,25 @@ class TestBatchCtrl : public QObject {
         QCOMPARE(cmds()->toPlainText(), "a\n" + japanese + "\n");
     }
 
-    void dialogs_data() {
-        QTest::addColumn<QByteArray>("button");
-        QTest::addColumn<int>("mode");
-        QTest::newRow("load") << QByteArray("Load") << int(QFileDialog::AcceptOpen);
-        QTest::newRow("save") << QByteArray("Save") << int(QFileDialog::AcceptSave);
-    }
-
     void dialogs() {
-        QFETCH(QByteArray, button);
         QTemporaryDir dir;
+        const QString name = dir.filePath("x.bat");
         cmds()->setPlainText("text");
-        m_window->save(dir.filePath("x.bat"));
-        cmds()->setPlainText("changed");
-        QVERIFY(!visibleDialog());
-        click(button);
-        QFileDialog* dialog = visibleDialog();
-        QVERIFY(dialog);
-        QVERIFY(!dialog->isModal());
-        QTEST(int(dialog->acceptMode()), "mode");
-        QCOMPARE(dialog->nameFilters(), (QStringList{"Batch File (*.bat)", "Any Files (* *.*)"}));
-        emit dialog->fileSelected(dir.filePath("x.bat"));
-        QStringList lines{button == "Load" ? "text" : "changed"};
-        m_window->load(dir.filePath("x.bat"));
-        QCOMPARE(cmds()->toPlainText(), lines.join('\n') + "\n");
+        for (const char* button : {"Save", "Load"}) {
+            click(button);
+            const QFileDialog* dialog = nullptr;
+            for (const QFileDialog* one : m_window->findChildren<QFileDialog*>()) {
+                dialog = one->isVisible() ? one : dialog;
+            }
+            QVERIFY(dialog != nullptr && !dialog->isModal());
+            QCOMPARE(dialog->acceptMode() == QFileDialog::AcceptSave, button == QByteArray("Save"));
+            QCOMPARE(dialog->nameFilters(),
+                     (QStringList{"Batch File (*.bat)", "Any Files (* *.*)"}));
+            answer({name});
+            QCOMPARE(contentOf(name), QByteArray("text"));
+            cmds()->setPlainText(button == QByteArray("Save") ? "changed" : cmds()->toPlainText());
+        }
+        QCOMPARE(cmds()->toPlainText(), QString("text\n"));
     }
 };
 

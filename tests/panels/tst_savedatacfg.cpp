@@ -3,6 +3,7 @@
 #include <QLineEdit>
 #include <QRadioButton>
 
+#include "Controls.h"
 #include "TestMain.h"
 #include "panels/SaveDataCfg.h"
 
@@ -11,19 +12,6 @@ using Layout = TableOptions::Layout;
 
 class TestSaveDataCfg : public QObject {
     Q_OBJECT
-
-    template <class T>
-    static T* control(const SaveDataCfg& dialog, const char* name) {
-        T* found = dialog.findChild<T*>(QLatin1String(name));
-        if (!found) {
-            qFatal("no control %s", name);
-        }
-        return found;
-    }
-
-    static void click(const SaveDataCfg& dialog, const char* name) {
-        control<QAbstractButton>(dialog, name)->click();
-    }
 
   private slots:
     void choicesAreTheMeasurementsSettings() {
@@ -34,19 +22,19 @@ class TestSaveDataCfg : public QObject {
         QVERIFY(dialog.savesAsTiff());
         QCOMPARE(dialog.suffix(), QStringLiteral("tif"));
         QVERIFY(dialog.nameFilters().value(0).contains(QLatin1String("(*.tif)")));
-        click(dialog, "SaveAsText");
+        press("SaveAsText", &dialog);
         QVERIFY(!settings.savesTiff);
         QCOMPARE(dialog.suffix(), QStringLiteral("dat"));
         QVERIFY(dialog.nameFilters().value(0).contains(QLatin1String("(*.dat)")));
         // Each pair is a group of its own: choosing one leaves the other two as they are.
-        click(dialog, "SSV");
+        press("SSV", &dialog);
         QVERIFY((settings.table == TableOptions{Separator::Blank, Layout::Points, false}));
-        click(dialog, "Vals");
+        press("Vals", &dialog);
         QVERIFY((settings.table == TableOptions{Separator::Blank, Layout::Rows, false}));
         QVERIFY(!settings.savesTiff);
-        click(dialog, "AsAnalyzed");
+        press("AsAnalyzed", &dialog);
         QVERIFY(settings.table.asAnalyzed && settings.tiff.asAnalyzed);
-        click(dialog, "CloseButton");
+        press("CloseButton", &dialog);
         QVERIFY(!dialog.isVisible());
 
         // And the other way round.
@@ -54,27 +42,27 @@ class TestSaveDataCfg : public QObject {
         measurement.set(&Settings::table, TableOptions{Separator::Comma, Layout::Rows, false});
         measurement.set(&Settings::tiff, TiffOptions{true, -1.5, 1.0, false});
         for (const char* name : {"SaveAsTiff", "CSV", "Vals", "TiffFixScale"}) {
-            QVERIFY2(control<QAbstractButton>(dialog, name)->isChecked(), name);
+            QVERIFY2(control<QAbstractButton>(name, &dialog)->isChecked(), name);
         }
-        QVERIFY(!control<QCheckBox>(dialog, "AsAnalyzed")->isChecked());
-        QCOMPARE(control<QLineEdit>(dialog, "TiffScaleMin")->text(), QStringLiteral("-1.5"));
+        QVERIFY(!control<QCheckBox>("AsAnalyzed", &dialog)->isChecked());
+        QCOMPARE(control<QLineEdit>("TiffScaleMin", &dialog)->text(), QStringLiteral("-1.5"));
         // A text that reads as the value stays as it is.
-        QCOMPARE(control<QLineEdit>(dialog, "TiffScaleMax")->text(), QStringLiteral("1.0"));
+        QCOMPARE(control<QLineEdit>("TiffScaleMax", &dialog)->text(), QStringLiteral("1.0"));
     }
 
     void onlyWhatIsUsedIsEnabled() {
         Measurement measurement;
         SaveDataCfg dialog(measurement);
-        const auto* minimum = control<QLineEdit>(dialog, "TiffScaleMin");
-        const auto* maximum = control<QLineEdit>(dialog, "TiffScaleMax");
-        const auto* comma = control<QRadioButton>(dialog, "CSV");
+        const auto* minimum = control<QLineEdit>("TiffScaleMin", &dialog);
+        const auto* maximum = control<QLineEdit>("TiffScaleMax", &dialog);
+        const auto* comma = control<QRadioButton>("CSV", &dialog);
         QVERIFY(!minimum->isEnabled() && !maximum->isEnabled() && !comma->isEnabled());
-        click(dialog, "TiffFixScale");
+        press("TiffFixScale", &dialog);
         QVERIFY(minimum->isEnabled() && maximum->isEnabled());
-        click(dialog, "SaveAsText");
+        press("SaveAsText", &dialog);
         QVERIFY(!minimum->isEnabled() && !maximum->isEnabled() && comma->isEnabled());
-        QVERIFY(control<QCheckBox>(dialog, "AsAnalyzed")->isEnabled());
-        click(dialog, "SaveAsTiff");
+        QVERIFY(control<QCheckBox>("AsAnalyzed", &dialog)->isEnabled());
+        press("SaveAsTiff", &dialog);
         QVERIFY(minimum->isEnabled() && maximum->isEnabled() && !comma->isEnabled());
     }
 
@@ -85,7 +73,7 @@ class TestSaveDataCfg : public QObject {
             Measurement measurement;
             SaveDataCfg dialog(measurement);
             dialog.setTiffFixedScale(true);
-            auto* field = control<QLineEdit>(dialog, "TiffScaleMax");
+            auto* field = control<QLineEdit>("TiffScaleMax", &dialog);
             field->clear();
             QTest::keyClicks(field, QStringLiteral("2,x5.75"));
             QCOMPARE(field->text(), QStringLiteral("25.75"));

@@ -1,8 +1,6 @@
-#include <QCheckBox>
 #include <QComboBox>
 #include <QDateTime>
 #include <QFile>
-#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -34,21 +32,6 @@ class TestSelectDataFiles : public QObject {
         QCOMPARE(panel.findChild<QLabel*>("Count")->text(), QString("5"));
         QCOMPARE(list->itemText(2), QString("/d/Fe-7112_5eV.tif"));
         QCOMPARE(list->itemData(2).toDouble(), 7112.5);
-    }
-
-    void theDialogSaysWhetherFilesAreAdded() {
-        SelectDataFiles panel;
-        auto* dialog = panel.findChild<QFileDialog*>();
-        QVERIFY(dialog != nullptr);
-        QSignalSpy spy(&panel, &SelectDataFiles::filesSelected);
-        panel.findChild<QCheckBox*>("AddFiles")->setChecked(true);
-        emit dialog->filesSelected({"a", "b"});
-        panel.findChild<QCheckBox*>("AddFiles")->setChecked(false);
-        emit dialog->filesSelected({"c"});
-        QCOMPARE(spy.size(), 2);
-        QCOMPARE(spy[0][0].toStringList(), QStringList({"a", "b"}));
-        QCOMPARE(spy[0][1].toBool(), true);
-        QCOMPARE(spy[1][1].toBool(), false);
     }
 
     void theListFollowsItsStack() {

@@ -1,10 +1,7 @@
-#include <QApplication>
-#include <QCheckBox>
-#include <QFileDialog>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QSignalSpy>
 
+#include "Controls.h"
 #include "TestMain.h"
 #include "panels/XafsFileSelect.h"
 
@@ -15,31 +12,22 @@ class TestXafsFileSelect : public QObject {
     void aChoiceIsShownAndAnnounced() {
         XafsFileSelect select;
         QSignalSpy chosen(&select, &XafsFileSelect::newFile);
-        auto* field = select.findChild<QLineEdit*>("Selected");
+        QSignalSpy used(&select, &XafsFileSelect::changedUse);
+        const auto* field = control<QLineEdit>("Selected", &select);
         QVERIFY(!select.isSelected());
-        select.findChild<QPushButton*>("Select")->click();
-        auto* dialog = select.findChild<QFileDialog*>();
-        QVERIFY(dialog->isVisible());
-        emit dialog->fileSelected("/a/b.dat");
-        select.load("/a/b.dat");
-        QCOMPARE(chosen.size(), 2);
+        press("Select", &select);
+        answer({"/a/b.dat"});
+        QCOMPARE(chosen.size(), 1);
         QCOMPARE(field->text(), QString("/a/b.dat"));
-        QTest::mouseClick(select.findChild<QPushButton*>("Clear"), Qt::LeftButton);
+        press("Clear", &select);
         QCOMPARE(field->text(), QString());
         QVERIFY(select.isSelected());
-    }
-
-    void useIsAnnouncedAndCanBeHidden() {
-        XafsFileSelect select;
-        QSignalSpy used(&select, &XafsFileSelect::changedUse);
-        auto* box = select.findChild<QCheckBox*>("Use");
-        box->click();
+        press("Use", &select);
+        QVERIFY(select.use());
         select.setUse(false);
         QCOMPARE(used.size(), 2);
-        QCOMPARE(used.at(0).at(0).toBool(), true);
-        QVERIFY(!select.use());
         select.showUse(false);
-        QVERIFY(box->isHidden());
+        QVERIFY(control<QWidget>("Use", &select)->isHidden());
     }
 };
 

@@ -1,8 +1,6 @@
 #include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QTextStream>
 #include <cmath>
 #include <csignal>
 #include <memory>
@@ -15,26 +13,6 @@
 namespace {
 
 using Table = QVector<QVector<double>>;
-
-/// The numbers of a file, line by line, without the lines that begin with "#".
-Table readNumbers(const QString& fileName) {
-    Table rows;
-    QFile file(fileName);
-    file.open(QIODevice::ReadOnly | QIODevice::Text);
-    QTextStream in(&file);
-    while (!in.atEnd()) {
-        const QString line = in.readLine();
-        if (line.startsWith('#')) {
-            continue;
-        }
-        QVector<double> row;
-        for (const QString& item : line.split(' ', Qt::SkipEmptyParts)) {
-            row << item.toDouble();
-        }
-        rows << row;
-    }
-    return rows;
-}
 
 template <typename Value>
 double worstError(const Table& table, Value value) {
@@ -108,13 +86,11 @@ class TestProgram : public QObject {
         Phantom::Options options;
         options.fractionOfA = fractionOfA;
         m_phantom = std::make_unique<Phantom>(options);
-        QVERIFY(m_phantom->isValid() && m_dir.isValid());
+        QVERIFY(m_dir.isValid());
     }
 
     void usage_data() {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<int>("code");
-        QTest::addColumn<QString>("said");
+        columns<QStringList, int, QString>("arguments", "code", "said");
         const auto row = [](const QStringList& arguments, int code, const char* said) {
             QTest::newRow(qPrintable(arguments.join(' '))) << arguments << code << said;
         };
@@ -195,14 +171,13 @@ class TestProgram : public QObject {
         QVERIFY2(result.problems.contains("line 4: load_I1_files: ") &&
                      result.problems.contains("missing.tif"),
                  qPrintable(result.problems));
-        const Table fractions = readNumbers(file("b.dat"));
+        const Table fractions = numbersOf(file("b.dat"));
         QCOMPARE(fractions.size(), 8);
         QVERIFY(worstError(fractions, [](int x, int y) { return 1.0 - fractionOfA(x, y); }) < 2e-4);
     }
 
     void interrupted_data() {
-        QTest::addColumn<int>("number");
-        QTest::addColumn<QString>("line");
+        columns<int, QString>("number", "line");
         QTest::newRow("while it loads")
             << SIGINT << "load_I1_files_of_pattern NEW " + m_phantom->dir() + " i1-*.tif";
         QTest::newRow("while it fits") << SIGTERM << "analyzer_exec_LCF";

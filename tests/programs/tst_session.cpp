@@ -34,9 +34,8 @@ class TestSession : public QObject {
     }
 
     void verdict_data() {
-        QTest::addColumn<QStringList>("commands");  // "index command", "!index command" fails
-        QTest::addColumn<QString>("verdict");
-        QTest::addColumn<int>("code");
+        // commands: "index command", "!index command" fails
+        columns<QStringList, QString, int>("commands", "verdict", "code");
         using L = QStringList;
         QTest::newRow("nothing") << L{} << "0 lines" << 0;
         QTest::newRow("one") << L{"0 a"} << "1 line done, 0 failed" << 0;

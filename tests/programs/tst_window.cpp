@@ -58,7 +58,7 @@ class TestWindow : public QObject {
         Phantom::Options options;
         options.fractionOfA = [](int x, int) { return x / 11.0; };
         m_phantom = std::make_unique<Phantom>(options);
-        QVERIFY(m_phantom->isValid() && m_dir.isValid());
+        QVERIFY(m_dir.isValid());
         write(batchName(), {":echo \"the batch runs\""});
     }
 
@@ -78,8 +78,7 @@ class TestWindow : public QObject {
     }
 
     void endsAtAnyMoment_data() {
-        QTest::addColumn<QByteArray>("moment");
-        QTest::addColumn<int>("number");
+        columns<QByteArray, int>("moment", "number");
         QTest::newRow("loading") << QByteArray("energy from file name") << SIGTERM;
         QTest::newRow("fitting, Ctrl-C") << QByteArray("2da 2:") << SIGINT;
         QTest::newRow("between two fits") << QByteArray("2da 3:") << SIGHUP;

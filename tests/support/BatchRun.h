@@ -1,25 +1,18 @@
 #pragma once
 
-#include <QApplication>
 #include <QEventLoop>
 #include <QSignalSpy>
 #include <QStringList>
 #include <QTimer>
 
+#include "Controls.h"
 #include "batch/BatchDispatcher.h"
 #include "panels/Analyzer.h"
 #include "panels/BatchCtrl.h"
 #include "window/Body.h"
 
-/// The analysis window of the main window that is open.
 inline Analyzer* analyzerWindow() {
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget* window : windows) {
-        if (auto* analyzer = qobject_cast<Analyzer*>(window)) {
-            return analyzer;
-        }
-    }
-    return nullptr;
+    return topLevel<Analyzer>();
 }
 
 /// Runs batch lines in a main window to their end.
@@ -49,6 +42,15 @@ class BatchRun {
         QTimer::singleShot(0, &loop, [&] { m_body.batchCtrl()->dispatchLines(lines); });
         loop.exec();
         return ended;
+    }
+
+    /// Whether every line of the batch did its work.
+    bool succeeds(const QStringList& lines) {
+        const bool ended = run(lines);
+        for (const QString& problem : m_problems) {
+            qWarning("%s", qPrintable(problem));
+        }
+        return ended && m_problems.isEmpty();
     }
 
     int done() const { return m_done; }

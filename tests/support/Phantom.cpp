@@ -1,12 +1,11 @@
 #include "Phantom.h"
 
-#include <QFile>
-#include <QTextStream>
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
-#include "frames/TiffFile.h"
+#include "Files.h"
+#include "TinyStacks.h"
 
 namespace {
 
@@ -39,73 +38,44 @@ double Phantom::muB(double e) {
 }
 
 Phantom::Phantom(const Options& options) {
-    m_valid = m_dir.isValid();
     writeStacks(options);
-    writeReference(QStringLiteral("a.dat"), muA);
-    writeReference(QStringLiteral("b.dat"), muB);
+    std::vector<double> energies;
+    for (double e = FirstEnergy - 20.0; e <= LastEnergy + 20.0; e += 0.5) {
+        energies.push_back(e);
+    }
+    putCurve(file("a.dat"), energies, muA);
+    putCurve(file("b.dat"), energies, muB);
 }
 
 void Phantom::writeStacks(const Options& options) {
-    const std::size_t pixels =
-        static_cast<std::size_t>(options.width) * static_cast<std::size_t>(options.height);
-    std::vector<quint16> frame(pixels);
-    const auto write = [&](const QString& stem, double e) {
-        const QString name = stem + QString::number(e, 'f', 3).replace('.', '_') + "eV.tif";
-        m_valid = m_valid && writeTiff(file(name), static_cast<quint32>(options.width),
-                                       options.height, frame.data());
+    const auto darkAt = [&](int x, int y) { return options.dark ? options.dark(x, y) : 0; };
+    const auto write = [&](const char* prefix, int count, const auto& beamAt) {
+        std::vector<double> energies;
+        for (int i = 0; i < count; ++i) {
+            energies.push_back(energyOf(i, count));
+        }
+        const QStringList names = writeTinyStack(
+            dir(), prefix, options.width, options.height, energies, [&](int i, int x, int y) {
+                const double e = energies[static_cast<std::size_t>(i)];
+                return static_cast<quint16>(beamAt(e, x, y) + darkAt(x, y));
+            });
+        if (names.isEmpty()) {
+            qFatal("cannot write %s", prefix);
+        }
     };
-    for (int i = 0; i < options.i0Energies; ++i) {
-        for (std::size_t p = 0; p < pixels; ++p) {
-            const int x = static_cast<int>(p) % options.width;
-            const int y = static_cast<int>(p) / options.width;
-            frame[p] = static_cast<quint16>(Beam + (options.dark ? options.dark(x, y) : 0));
-        }
-        write(QStringLiteral("i0-"), energyOf(i, options.i0Energies));
-    }
-    for (int i = 0; i < options.energies; ++i) {
-        const double e = energyOf(i, options.energies);
-        std::size_t pixel = 0;
-        for (int y = 0; y < options.height; ++y) {
-            for (int x = 0; x < options.width; ++x) {
-                const double shifted = options.energyShift ? e - options.energyShift(x, y) : e;
-                const double a = options.fractionOfA(x, y);
-                const double mu = a * muA(shifted) + (1.0 - a) * muB(shifted);
-                frame[pixel++] = static_cast<quint16>(std::lround(Beam * std::exp(-mu)) +
-                                                      (options.dark ? options.dark(x, y) : 0));
-            }
-        }
-        write(QStringLiteral("i1-"), e);
-    }
+    write("i0", options.i0Energies, [](double, int, int) { return std::lround(Beam); });
+    write("i1", options.energies, [&](double e, int x, int y) {
+        const double shifted = options.energyShift ? e - options.energyShift(x, y) : e;
+        const double a = options.fractionOfA(x, y);
+        return std::lround(Beam * std::exp(-a * muA(shifted) - (1.0 - a) * muB(shifted)));
+    });
 }
 
 QStringList Phantom::writeDarkFrames(int width, int height,
                                      const std::function<int(int x, int y)>& dark) const {
-    QStringList files;
-    std::vector<quint16> frame;
-    for (const int offset : {-30, 10, 20}) {
-        frame.clear();
-        for (int y = 0; y < height; ++y) {
-            for (int x = 0; x < width; ++x) {
-                frame.push_back(static_cast<quint16>(dark(x, y) + offset));
-            }
-        }
-        files << file(QStringLiteral("dark%1-%2.tif").arg(width).arg(offset));
-        if (!writeTiff(files.last(), static_cast<quint32>(width), height, frame.data())) {
-            return {};
-        }
-    }
-    return files;
-}
-
-void Phantom::writeReference(const QString& name, double (*mu)(double)) {
-    QFile out(file(name));
-    m_valid = m_valid && out.open(QIODevice::WriteOnly | QIODevice::Text);
-    QTextStream text(&out);
-    text.setRealNumberPrecision(12);
-    text << "# energy mu\n";
-    for (double e = FirstEnergy - 20.0; e <= LastEnergy + 20.0; e += 0.5) {
-        text << e << ' ' << mu(e) << '\n';
-    }
+    const int offsets[] = {-30, 10, 20};
+    return writeTinyStack(dir(), QString("dark%1").arg(width), width, height, {1, 2, 3},
+                          [&](int i, int x, int y) { return dark(x, y) + offsets[i]; });
 }
 
 QStringList Phantom::loadAndSetReferences() const {

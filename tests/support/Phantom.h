@@ -26,7 +26,6 @@ class Phantom {
 
     QString dir() const { return m_dir.path(); }
     QString file(const QString& name) const { return m_dir.filePath(name); }
-    bool isValid() const { return m_valid; }
 
     /// Writes three frames whose mean is these counts, none of them alike; their files.
     QStringList writeDarkFrames(int width, int height,
@@ -41,8 +40,6 @@ class Phantom {
 
   private:
     void writeStacks(const Options& options);
-    void writeReference(const QString& name, double (*mu)(double));
 
     QTemporaryDir m_dir;
-    bool m_valid = true;
 };

@@ -40,7 +40,7 @@ QStringList writeTinyStack(const QString& directory, const QString& prefix, int 
                 data[p++] = count(names.size(), x, y);
             }
         }
-        QString number = QString::number(e, 'f', 4);
+        QString number = QString::number(e, 'f', 3);
         number.replace('.', '_');
         const QString name = directory + '/' + prefix + '-' + number + "eV.tif";
         if (!writeTiff(name, static_cast<quint32>(width), height, data.data())) {

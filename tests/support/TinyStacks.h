@@ -19,7 +19,7 @@ std::unique_ptr<TiffData> tinyFrame(int width, int height, double energy,
 FrameSet tinyStack(int width, int height, const std::vector<double>& energies,
                    const CountAt& count);
 
-/// Writes "prefix-7112_5eV.tif" and so on into a directory, one file an energy (at most four
+/// Writes "prefix-7112_5eV.tif" and so on into a directory, one file an energy (at most three
 /// decimals); the images must not be taller than wide. The files' paths in the order of energies,
 /// empty when one could not be written.
 QStringList writeTinyStack(const QString& directory, const QString& prefix, int width, int height,

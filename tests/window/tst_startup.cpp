@@ -45,10 +45,7 @@ class TestStartup : public QObject {
     }
 
     void commandLine_data() {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<QString>("batchFile");
-        QTest::addColumn<bool>("translate");
-        QTest::addColumn<bool>("execute");
+        columns<QStringList, QString, bool, bool>("arguments", "batchFile", "translate", "execute");
         QTest::newRow("none") << QStringList{} << "" << true << false;
         QTest::newRow("-b file -x") << QStringList{"-b", "r.bat", "-x"} << "r.bat" << true << true;
         QTest::newRow("-x -b file takes argv[2]")

@@ -14,8 +14,10 @@
 #include <QTranslator>
 
 #include "BatchRun.h"
+#include "Controls.h"
 #include "TestMain.h"
 #include "display/ImageView.h"
+#include "panels/CalibCtrl.h"
 #include "window/Translation.h"
 
 namespace {
@@ -170,15 +172,11 @@ class TestWindows : public QObject {
     void toolWindowsKeepTheirPlace() {
         Body body;
         body.show();
-        auto* open = body.findChild<QPushButton*>("OpenCalibCtrl");
+        auto* open = control<QPushButton>("OpenCalibCtrl");
         open->setFocus();
         QTest::keyClick(open, Qt::Key_Return);
-        QWidget* panel = nullptr;
-        const QWidgetList all = QApplication::topLevelWidgets();
-        for (QWidget* window : all) {
-            panel = window->objectName() == "CalibCtrl" && window->isVisible() ? window : panel;
-        }
-        QVERIFY(panel != nullptr);
+        QWidget* panel = topLevel<CalibCtrl>();
+        QVERIFY(panel->isVisible());
         QVERIFY(panel->screen()->availableGeometry().contains(panel->geometry()));
         panel->move(7, 11);
         panel->activateWindow();
@@ -190,8 +188,7 @@ class TestWindows : public QObject {
     }
 
     void windowsFitASmallScreen_data() {
-        QTest::addColumn<bool>("japanese");
-        QTest::addColumn<double>("points");
+        columns<bool, double>("japanese", "points");
         for (const bool japanese : {false, true}) {
             for (const double points : {10.0, 15.0}) {
                 QTest::addRow("%s, %g points", japanese ? "ja" : "en", points)
