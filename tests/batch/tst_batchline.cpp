@@ -85,30 +85,13 @@ class TestBatchLine : public QObject {
         }
     }
 
-    void items_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("item");  // empty: refused
-        const auto row = [](const QString& text, const QString& item) {
-            QTest::newRow(qPrintable(text)) << text << item;
-        };
-        row("a/b.tif", "a/b.tif");
-        row("a b.tif", "\"a b.tif\"");
-        row("c:\\d\\", "\"c:\\d\\\"");
-        row("5\"", "5\"");
-        row("a \"b\"", "");
-        row("\"b\"", "");
-        row("b\"\\", "");
-        row("", "");
-        row("a\nb", "");
-        row("a\rb", "");
-        row(QString::fromUtf8("a\u2028b"), "");
-        row(QString("a") + QChar(0xD800), "");
-        row(QString("a") + QChar(0), "");
-    }
-
-    void items() {
-        QFETCH(QString, text);
-        QTEST(batchItem(text).value_or(QString()), "item");
+    void plainNamesStayAsTheyAre() {
+        QCOMPARE(batchItem("a/b.tif").value_or("none"), QString("a/b.tif"));
+        QCOMPARE(batchItem("5\"").value_or("none"), QString("5\""));
+        for (const uint refused : {0x0Au, 0x0Du, 0x2028u, 0xD800u, 0u}) {
+            QVERIFY2(!batchItem(QString("a") + QChar(refused)),
+                     qPrintable(QString::number(refused)));
+        }
     }
 
     void longLines() {

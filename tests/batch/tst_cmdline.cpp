@@ -14,10 +14,7 @@ class TestCmdLine : public QObject {
 
   private slots:
     void parse_data() {
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<QString>("command");
-        QTest::addColumn<QStringList>("args");
-        QTest::addColumn<QString>("said");
+        columns<QString, QString, QStringList, QString>("line", "command", "args", "said");
         const auto row = [](const char* line, const char* command, const QStringList& args,
                             const char* said = "") {
             QTest::newRow(line) << line << command << args << said;

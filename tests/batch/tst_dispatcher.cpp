@@ -45,93 +45,67 @@ class TestDispatcher : public QObject {
 
   private slots:
     void run_data() {
-        QTest::addColumn<QStringList>("lines");
-        QTest::addColumn<QStringList>("seen");
-        QTest::addColumn<QString>("log");  // where it says more than what was seen
-        using L = QStringList;
-        QTest::newRow("empty batch") << L{} << L{} << "";
-        QTest::newRow("one empty line") << L{""} << L{""} << "";
-        QTest::newRow("counting up")
-            << L{":for i %i 1 3", "set_band_w %i", ":next i"}
-            << L{":for i %i 1 3", "set_band_w 1", ":next i", "set_band_w 2",
-                 ":next i",       "set_band_w 3", ":next i"}
-            << "for i : %i = 1\nset_band_w : 1\nnext i : %i = 2\nset_band_w : 2\n"
-               "next i : %i = 3\nset_band_w : 3\nnext i : %i = 3\n";
-        QTest::newRow("counting down")
-            << L{":FOR i %i 5 3", "set_band_w %i", ":NEXT i"}
-            << L{":FOR i %i 5 3", "set_band_w 5", ":NEXT i", "set_band_w 4",
-                 ":NEXT i",       "set_band_w 3", ":NEXT i"}
-            << QString();
-        QTest::newRow("equal bounds run once")
-            << L{":for i %i 2 2", "set_band_w %i", ":next i"}
-            << L{":for i %i 2 2", "set_band_w 2", ":next i"} << QString();
-        QTest::newRow("bounds that are no numbers count as 0")
-            << L{":for i %i a 1", "set_band_w %i", ":next i"}
-            << L{":for i %i a 1", "set_band_w a", ":next i", "set_band_w 1", ":next i"}
-            << QString();
-        QTest::newRow("a finished loop still fills in")
-            << L{":for i %i 1 1", ":next i", "set_band_w %i"}
-            << L{":for i %i 1 1", ":next i", "set_band_w 1"} << QString();
-        QTest::newRow("names are exact")
-            << L{":for i %i 1 2", ":next I"} << L{":for i %i 1 2", ":next I"}
-            << "for i : %i = 1\nnext  :  = \n";
-        QTest::newRow("a second :for replaces the first and goes to the end")
-            << L{":for a X 1 1", ":for b XY 2 2", ":for a X 7 7", "set_band_w XY"}
-            << L{":for a X 1 1", ":for b XY 2 2", ":for a X 7 7", "set_band_w 2"}
-            << "for a : X = 1\nfor b : XY = 2\nfor a : X = 7\nset_band_w : 2\n";
-        QTest::newRow("nested") << L{":for i %i 1 2", ":for j %j 1 2", "move_position %i %j",
-                                     ":next j", ":next i"}
-                                << L{":for i %i 1 2", ":for j %j 1 2",     "move_position 1 1",
-                                     ":next j",       "move_position 1 2", ":next j",
-                                     ":next i",       ":for j %j 1 2",     "move_position 2 1",
-                                     ":next j",       "move_position 2 2", ":next j",
-                                     ":next i"}
-                                << QString();
-        QTest::newRow("continued :for: the body starts after its last line")
-            << L{":for i \\", "%i 1 2", "set_band_w %i", ":next i"}
-            << L{":for i %i 1 2", "set_band_w 1", ":next i", "set_band_w 2", ":next i"}
-            << QString();
-        QTest::newRow("quoted items of :for are split again")
-            << L{":for i \"%i 4\" 5", "set_band_w %i", ":next i"}
-            << L{":for i %i 4 5", "set_band_w 4", ":next i", "set_band_w 5", ":next i"}
-            << QString();
-        QTest::newRow("neither command words nor control lines are filled in")
-            << L{":for i band 1 1", "set_band_w band", ":echo band"}
-            << L{":for i band 1 1", "set_band_w 1", ":echo band"}
-            << "for i : band = 1\nset_band_w : 1\necho band";
-        QTest::newRow("unknown words are passed on without filling in and log")
-            << L{":for i %i 1 1", "frobnicate %i"} << L{":for i %i 1 1", "frobnicate %i"}
-            << "for i : %i = 1\n";
-        QTest::newRow("a placeholder like %1 leaves the log right")
-            << L{":for i %1 5 5", "move_position %1 %2"} << L{":for i %1 5 5", "move_position 5 %2"}
-            << "for i : %1 = 5\nmove_position : 5 %2\n";
-        QTest::newRow("echo runs on")
-            << L{":echo \"a b\" c", ":echo", "clear_I1_files"}
-            << L{":echo a b c", ":echo", "clear_I1_files"} << "echo a becho clear_I1_files : \n";
-        QTest::newRow("remark") << L{":rem_start", "frobnicate", ":for i %i 1 2",
-                                     ":REM_START", ":rem_end",   "set_band_w 1"}
-                                << L{"(rem) :rem_start", "(rem) frobnicate", "(rem) :for i %i 1 2",
-                                     "(rem) :REM_START", ":rem_end",         "set_band_w 1"}
-                                << "set_band_w : 1\n";
-        QTest::newRow("a backslash in a remark swallows its end")
-            << L{":rem_start", "note \\", ":rem_end", "set_band_w 1"}
-            << L{"(rem) :rem_start", "(rem) note :rem_end", "(rem) set_band_w 1"} << "";
-        QTest::newRow("continuation") << L{"load_I1_files NEW a.img \\", "b.img"}
-                                      << L{"load_I1_files NEW a.img b.img"} << QString();
-        QTest::newRow("continuation joins without a blank, over white space after the backslash")
-            << L{"load_I1_files NEW a\\ \t", ".img \\", "\\", "b.img"}
-            << L{"load_I1_files NEW a.img b.img"} << "load_I1_files : NEW a.img b.img\n";
-        QTest::newRow("continuation into nothing")
-            << L{"set_band_w 1 \\"} << L{"set_band_w 1"} << QString();
-        QTest::newRow("empty placeholder replaces nothing")
-            << L{":for i", "set_band_w x", ":next i"} << L{":for i", "set_band_w x", ":next i"}
-            << "for i :  = \nset_band_w : x\nnext i :  = \n";
-        QTest::newRow("value holding its placeholder: one pass")
-            << L{":for i 1 11 12", "move_position 1 101"}
-            << L{":for i 1 11 12", "move_position 11 11011"} << QString();
-        QTest::newRow("filled in from the start again")
-            << L{":for i ab a 2", "set_band_w abbb"} << L{":for i ab a 2", "set_band_w a"}
-            << QString();
+        // Lines and items seen with a | between them; log: where it says more than what was seen.
+        columns<QStringList, QStringList, QString>("lines", "seen", "log");
+        const auto row = [](const char* name, const char* lines, const char* seen,
+                            const char* log = nullptr) {
+            QTest::newRow(name) << QString(lines).split('|') << QString(seen).split('|')
+                                << QString(log);
+        };
+        QTest::newRow("empty batch") << QStringList() << QStringList() << "";
+        row("one empty line", "", "", "");
+        row("counting up", ":for i %i 1 3|set_band_w %i|:next i",
+            ":for i %i 1 3|set_band_w 1|:next i|set_band_w 2|:next i|set_band_w 3|:next i",
+            "for i : %i = 1\nset_band_w : 1\nnext i : %i = 2\nset_band_w : 2\nnext i : %i = 3\n"
+            "set_band_w : 3\nnext i : %i = 3\n");
+        row("counting down", ":FOR i %i 5 3|set_band_w %i|:NEXT i",
+            ":FOR i %i 5 3|set_band_w 5|:NEXT i|set_band_w 4|:NEXT i|set_band_w 3|:NEXT i");
+        row("equal bounds run once", ":for i %i 2 2|set_band_w %i|:next i",
+            ":for i %i 2 2|set_band_w 2|:next i");
+        row("bounds that are no numbers count as 0", ":for i %i a 1|set_band_w %i|:next i",
+            ":for i %i a 1|set_band_w a|:next i|set_band_w 1|:next i");
+        row("a finished loop still fills in", ":for i %i 1 1|:next i|set_band_w %i",
+            ":for i %i 1 1|:next i|set_band_w 1");
+        row("names are exact", ":for i %i 1 2|:next I", ":for i %i 1 2|:next I",
+            "for i : %i = 1\nnext  :  = \n");
+        row("a second :for replaces the first and goes to the end",
+            ":for a X 1 1|:for b XY 2 2|:for a X 7 7|set_band_w XY",
+            ":for a X 1 1|:for b XY 2 2|:for a X 7 7|set_band_w 2",
+            "for a : X = 1\nfor b : XY = 2\nfor a : X = 7\nset_band_w : 2\n");
+        row("nested", ":for i %i 1 2|:for j %j 1 2|move_position %i %j|:next j|:next i",
+            ":for i %i 1 2|:for j %j 1 2|move_position 1 1|:next j|move_position 1 2|:next j|"
+            ":next i|:for j %j 1 2|move_position 2 1|:next j|move_position 2 2|:next j|:next i");
+        row("continued :for: the body starts after its last line",
+            ":for i \\|%i 1 2|set_band_w %i|:next i",
+            ":for i %i 1 2|set_band_w 1|:next i|set_band_w 2|:next i");
+        row("quoted items of :for are split again", ":for i \"%i 4\" 5|set_band_w %i|:next i",
+            ":for i %i 4 5|set_band_w 4|:next i|set_band_w 5|:next i");
+        row("neither command words nor control lines are filled in",
+            ":for i band 1 1|set_band_w band|:echo band", ":for i band 1 1|set_band_w 1|:echo band",
+            "for i : band = 1\nset_band_w : 1\necho band");
+        row("unknown words are passed on without filling in and log", ":for i %i 1 1|frobnicate %i",
+            ":for i %i 1 1|frobnicate %i", "for i : %i = 1\n");
+        row("a placeholder like %1 leaves the log right", ":for i %1 5 5|move_position %1 %2",
+            ":for i %1 5 5|move_position 5 %2", "for i : %1 = 5\nmove_position : 5 %2\n");
+        row("echo runs on", ":echo \"a b\" c|:echo|clear_I1_files",
+            ":echo a b c|:echo|clear_I1_files", "echo a becho clear_I1_files : \n");
+        row("remark", ":rem_start|frobnicate|:for i %i 1 2|:REM_START|:rem_end|set_band_w 1",
+            "(rem) :rem_start|(rem) frobnicate|(rem) :for i %i 1 2|"
+            "(rem) :REM_START|:rem_end|set_band_w 1",
+            "set_band_w : 1\n");
+        row("a backslash in a remark swallows its end", ":rem_start|note \\|:rem_end|set_band_w 1",
+            "(rem) :rem_start|(rem) note :rem_end|(rem) set_band_w 1", "");
+        row("continuation", "load_I1_files NEW a.img \\|b.img", "load_I1_files NEW a.img b.img");
+        row("continuation joins without a blank, over white space after the backslash",
+            "load_I1_files NEW a\\ \t|.img \\|\\|b.img", "load_I1_files NEW a.img b.img",
+            "load_I1_files : NEW a.img b.img\n");
+        row("continuation into nothing", "set_band_w 1 \\", "set_band_w 1");
+        row("empty placeholder replaces nothing", ":for i|set_band_w x|:next i",
+            ":for i|set_band_w x|:next i", "for i :  = \nset_band_w : x\nnext i :  = \n");
+        row("value holding its placeholder: one pass", ":for i 1 11 12|move_position 1 101",
+            ":for i 1 11 12|move_position 11 11011");
+        row("filled in from the start again", ":for i ab a 2|set_band_w abbb",
+            ":for i ab a 2|set_band_w a");
     }
 
     void run() {
