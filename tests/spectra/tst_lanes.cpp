@@ -3,6 +3,7 @@
 #include <random>
 #include <vector>
 
+#include "SameBits.h"
 #include "TestMain.h"
 #include "spectra/LaneNormaliser.h"
 #include "spectra/Lanes.h"
@@ -20,10 +21,6 @@ constexpr double Infinity = std::numeric_limits<double>::infinity();
 /// A whole number below a limit.
 double whole(std::mt19937& random, unsigned limit) {
     return static_cast<double>(random() % limit);
-}
-
-bool same(double a, double b) {
-    return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
 }
 
 std::vector<double> energies() {

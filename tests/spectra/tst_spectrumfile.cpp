@@ -24,9 +24,7 @@ class TestSpectrumFile : public QObject {
 
   private slots:
     void files_data() {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<int>("not9809");
-        QTest::addColumn<Points>("points");
+        columns<QByteArray, int, Points>("content", "not9809", "points");
         const double inf = std::numeric_limits<double>::infinity();
         QTest::newRow("two columns")
             << QByteArray("# energy mu\n7000 0.5\n7001\t0.75 9 9\n\n7002\n") << 1
