@@ -51,8 +51,9 @@ QList<QAction*> menuOf(ColorBar* bar) {
 // Number of pixels of a colour's kind in a column of a grab.
 int inkIn(const QImage& grab, int x, const QColor& ink) {
     int count = 0;
-    for (int y = 0; y < grab.height(); ++y)
+    for (int y = 0; y < grab.height(); ++y) {
         count += grab.pixelColor(x, y) == ink ? 1 : 0;
+    }
     return count;
 }
 
@@ -105,8 +106,9 @@ class BarsTest : public QObject {
             Mouse::drag(&bar, LowerEnd, LowerEnd - QPointF(0, 5000));
             QVERIFY(bar.rangeMax() > bar.rangeMin());
         }
-        for (int i = 0; i < 400; ++i)
+        for (int i = 0; i < 400; ++i) {
             Mouse::drag(&bar, UpperEnd, UpperEnd - QPointF(0, 1e6));
+        }
         QVERIFY(std::isfinite(bar.rangeMax()));
     }
 
@@ -120,11 +122,7 @@ class BarsTest : public QObject {
     }
 
     void typingAnEndFixesTheRange_data() {
-        QTest::addColumn<bool>("upper");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<double>("low");
-        QTest::addColumn<double>("high");
-        QTest::addColumn<bool>("fixed");
+        columns<bool, QString, double, double, bool>("upper", "typed", "low", "high", "fixed");
         QTest::newRow("upper") << true << "450.5" << 100.0 << 450.5 << true;
         QTest::newRow("lower") << false << "-3e2" << -300.0 << 500.0 << true;
         QTest::newRow("blanks") << false << " 120 " << 120.0 << 500.0 << true;
@@ -203,31 +201,24 @@ class BarsTest : public QObject {
         QVERIFY(at(225).red() < 150 && at(225).green() == 0);
     }
 
-    void barsWithoutARange_data() {
-        QTest::addColumn<double>("low");
-        QTest::addColumn<double>("high");
-        QTest::newRow("equal") << 5.0 << 5.0;
-        QTest::newRow("no values") << 1e300 << -1e300;
-        QTest::newRow("no numbers") << NotANumber << NotANumber;
-        QTest::newRow("without end") << -Infinity << Infinity;
-    }
-
     void barsWithoutARange() {
-        QFETCH(double, low);
-        QFETCH(double, high);
-        for (const ColorScale& colors : colorScales()) {
-            Bar bar;
-            bar.showResult(colors);
-            bar.setRange(low, high);
-            const QImage grab = bar.grab().toImage();
-            if (!(high > low)) {
-                QCOMPARE(grab.pixelColor(15, 40), QColor(Qt::black));
-                QCOMPARE(grab.pixelColor(15, 220), QColor(Qt::black));
+        const QVector<QPair<double, double>> ranges{
+            {5.0, 5.0}, {1e300, -1e300}, {NotANumber, NotANumber}, {-Infinity, Infinity}};
+        for (const auto& [low, high] : ranges) {
+            for (const ColorScale& colors : colorScales()) {
+                Bar bar;
+                bar.showResult(colors);
+                bar.setRange(low, high);
+                const QImage grab = bar.grab().toImage();
+                if (!(high > low)) {
+                    QCOMPARE(grab.pixelColor(15, 40), QColor(Qt::black));
+                    QCOMPARE(grab.pixelColor(15, 220), QColor(Qt::black));
+                }
+                bar.showFrames(colors);
+                Mouse::drag(&bar, UpperEnd, LowerEnd);
+                Mouse::wheel(&bar, UpperEnd, 1);
+                QVERIFY(bar.isAuto());
             }
-            bar.showFrames(colors);
-            Mouse::drag(&bar, UpperEnd, LowerEnd);
-            Mouse::wheel(&bar, UpperEnd, 1);
-            QVERIFY(bar.isAuto());
         }
     }
 
@@ -283,14 +274,16 @@ class BarsTest : public QObject {
     void sectionsScaleToWhatIsSeen() {
         Section section(100);
         QVector<double> values(100);
-        for (int i = 0; i < 100; ++i)
+        for (int i = 0; i < 100; ++i) {
             values[i] = i;
+        }
         section.setProfile(values, 0);
         section.grab();
         QCOMPARE(section.coord().ry0, 0.0);
         QCOMPARE(section.coord().ry1, 99.0);
-        for (int i = 0; i < 5; ++i)
+        for (int i = 0; i < 5; ++i) {
             Mouse::wheel(&section.view, QPointF(0, 200), 1);
+        }
         section.grab();
         QCOMPARE(section.coord().ry0, 0.0);
         QVERIFY(section.coord().ry1 < 35.0);
@@ -299,8 +292,9 @@ class BarsTest : public QObject {
     void wildValuesDoNotFlatten() {
         Section section(100);
         QVector<double> values(100);
-        for (int i = 0; i < 100; ++i)
+        for (int i = 0; i < 100; ++i) {
             values[i] = 0.01 * (i % 11);
+        }
         values[50] = 2.0;  // a grain
         section.setProfile(values, 0);
         section.grab();

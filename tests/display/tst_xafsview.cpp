@@ -2,7 +2,6 @@
 #include <QAction>
 #include <QComboBox>
 #include <QDir>
-#include <QFile>
 #include <QImage>
 #include <QLabel>
 #include <QSignalSpy>
@@ -10,6 +9,7 @@
 #include <cmath>
 #include <limits>
 
+#include "Files.h"
 #include "Mouse.h"
 #include "TestMain.h"
 #include "display/DispA.h"
@@ -23,8 +23,9 @@ constexpr double Edge = 7112.0;
 // An edge of a given height on a sloping background.
 XafsSpectrum edge(double height, double correction = 0.0) {
     Spectrum measured;
-    for (double e = Edge - 100; e <= Edge + 200; e += 2.0)
+    for (double e = Edge - 100; e <= Edge + 200; e += 2.0) {
         measured.append(e, 0.2 + 1e-4 * (e - Edge) + height / (1 + std::exp(-(e - Edge) / 3)));
+    }
     return XafsSpectrum(measured, XafsSpectrum::Simple, correction);
 }
 
@@ -32,28 +33,19 @@ XafsSpectrum edge(double height, double correction = 0.0) {
 XafsSpectrum fitOf(const XafsSpectrum& sample, double miss) {
     Spectrum points;
     const Spectrum& values = sample.doubleNormalizedPreBase();
-    for (int i = 0; i < values.size(); ++i)
+    for (int i = 0; i < values.size(); ++i) {
         points.append(sample.correctedEnergy(i), values.value(i) - miss);
+    }
     return XafsSpectrum(points, XafsSpectrum::Simple, 0.0);
 }
 
-QList<QByteArray> linesOf(const QString& name) {
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll().split('\n') : QList<QByteArray>();
-}
-
 double lastMuT(const QString& name) {
-    const QList<QByteArray> lines = linesOf(name);
-    const QList<QByteArray> columns = lines.value(lines.size() - 2).split('\t');
+    const QList<QByteArray> columns = rowsOf(name).value(rowsOf(name).size() - 1).split('\t');
     return columns.size() == 5 ? columns[2].toDouble() : -1.0;
 }
 
 double firstEnergy(const QString& name) {
-    for (const QByteArray& line : linesOf(name)) {
-        if (!line.startsWith('#'))
-            return line.split('\t').first().toDouble();
-    }
-    return 0.0;
+    return rowsOf(name).value(0).split('\t').first().toDouble();
 }
 
 struct View : XafsView {
@@ -155,7 +147,7 @@ class XafsViewTest : public QObject {
         QCOMPARE(read.size(), 3 * SavedPlotSize);  // whatever the window's size
         QCOMPARE(read.pixelColor(2, read.height() - 2), QColor(Qt::white));
         QVERIFY(view.savePlot(dir.filePath("plot.pdf")));
-        const QByteArray drawing = linesOf(dir.filePath("plot.pdf")).join('\n');
+        const QByteArray drawing = contentOf(dir.filePath("plot.pdf"));
         QVERIFY(drawing.startsWith("%PDF-1."));
         QVERIFY(drawing.trimmed().endsWith("%%EOF"));
         QVERIFY(!drawing.contains("/Subtype /Image"));  // lines, no picture of them
@@ -252,8 +244,9 @@ class XafsViewTest : public QObject {
         QTest::newRow("no numbers") << QVector<double>(50, nan);
         QTest::newRow("huge") << QVector<double>{-1.7e308, 1.7e308, 0.0, 1e200, -1e300, 1e150};
         QVector<double> gap(60);
-        for (int i = 0; i < gap.size(); ++i)
+        for (int i = 0; i < gap.size(); ++i) {
             gap[i] = i > 30 ? 1.0 : 0.0;
+        }
         gap[40] = nan;
         gap[45] = std::numeric_limits<double>::infinity();
         QTest::newRow("gaps") << gap;
@@ -262,8 +255,9 @@ class XafsViewTest : public QObject {
     void drawsAnything() {
         QFETCH(QVector<double>, values);
         Spectrum measured;
-        for (int i = 0; i < values.size(); ++i)
+        for (int i = 0; i < values.size(); ++i) {
             measured.append(7000.0 + 4 * i, values[i]);
+        }
         const XafsSpectrum spectrum(measured, XafsSpectrum::Simple, 0.0);
         View view;
         view.setSample(spectrum, QString(500, 'x'));

@@ -41,10 +41,7 @@ class CoordTest : public QObject {
     }
 
     void tickStep_data() {
-        QTest::addColumn<double>("pixelsPerUnit");
-        QTest::addColumn<double>("base");
-        QTest::addColumn<double>("spacing");
-        QTest::addColumn<double>("step");
+        columns<double, double, double, double>("pixelsPerUnit", "base", "spacing", "step");
         QTest::newRow("base") << 10.0 << 1.0 << 9.0 << 1.0;
         QTest::newRow("strictly more") << 10.0 << 1.0 << 10.0 << 2.0;
         QTest::newRow("two") << 10.0 << 1.0 << 15.0 << 2.0;
@@ -68,38 +65,31 @@ class CoordTest : public QObject {
         QTEST(c.tickStepY(base, spacing), "step");
     }
 
-    void niceRange_data() {
-        QTest::addColumn<double>("low");
-        QTest::addColumn<double>("high");
-        QTest::addColumn<double>("step");
-        QTest::addColumn<double>("first");
-        QTest::addColumn<double>("last");
-        QTest::newRow("0 to 37") << 0.0 << 37.0 << 5.0 << 0.0 << 35.0;
-        QTest::newRow("one") << 0.0 << 1.0 << 0.2 << 0.0 << 1.0;
-        QTest::newRow("two") << 3.0 << 28.0 << 2.0 << 4.0 << 28.0;
-        QTest::newRow("four") << -2.0 << 2.9 << 0.5 << -2.0 << 2.5;
-        QTest::newRow("seven") << 1.0 << 71.5 << 10.0 << 10.0 << 70.0;
-        QTest::newRow("nine") << 0.0 << 950.0 << 200.0 << 0.0 << 800.0;
-        QTest::newRow("below one") << 0.0 << 0.5 << 0.0 << NotANumber << NotANumber;
-        QTest::newRow("far below one") << 1.0 << 1.004 << 0.0 << NotANumber << NotANumber;
-        QTest::newRow("reversed") << 5.0 << 1.0 << 0.0 << NotANumber << NotANumber;
-        QTest::newRow("empty") << 5.0 << 5.0 << 0.0 << NotANumber << NotANumber;
-        QTest::newRow("no number") << 0.0 << NotANumber << 0.0 << NotANumber << NotANumber;
-        QTest::newRow("without end") << 0.0 << Infinity << 0.0 << NotANumber << NotANumber;
-    }
-
     void niceRange() {
-        QFETCH(double, low);
-        QFETCH(double, high);
-        const ChCoord::NiceRange range = ChCoord::niceRange(low, high);
-        QTEST(range.step, "step");
-        QTEST(range.first, "first");
-        QTEST(range.last, "last");
+        using Nice = QVector<double>;
+        const auto nice = [](double low, double high) {
+            const ChCoord::NiceRange range = ChCoord::niceRange(low, high);
+            return Nice{range.step, range.first, range.last};
+        };
+        QCOMPARE(nice(0.0, 37.0), (Nice{5.0, 0.0, 35.0}));
+        QCOMPARE(nice(0.0, 1.0), (Nice{0.2, 0.0, 1.0}));
+        QCOMPARE(nice(3.0, 28.0), (Nice{2.0, 4.0, 28.0}));
+        QCOMPARE(nice(-2.0, 2.9), (Nice{0.5, -2.0, 2.5}));
+        QCOMPARE(nice(1.0, 71.5), (Nice{10.0, 10.0, 70.0}));
+        QCOMPARE(nice(0.0, 950.0), (Nice{200.0, 0.0, 800.0}));
+        for (const auto& [low, high] : QVector<QPair<double, double>>{{0.0, 0.5},
+                                                                      {1.0, 1.004},
+                                                                      {5.0, 1.0},
+                                                                      {5.0, 5.0},
+                                                                      {0.0, NotANumber},
+                                                                      {0.0, Infinity}}) {
+            const Nice none = nice(low, high);
+            QVERIFY(none[0] == 0.0 && std::isnan(none[1]) && std::isnan(none[2]));
+        }
     }
 
     void ticksOfAnySpan_data() {
-        QTest::addColumn<double>("low");
-        QTest::addColumn<double>("high");
+        columns<double, double>("low", "high");
         for (double scale : {1e-150, 1e-9, 1e-3, 0.1, 1.0, 10.0, 1e6, 1e200}) {
             for (double span : {1.0, 1.0000001, 1.9, 2.5, 4.2, 7.0, 9.99999999}) {
                 for (double from : {0.0, -0.3, 17.3}) {
@@ -132,15 +122,15 @@ class CoordTest : public QObject {
 
     void noTicksWithoutARange() {
         using Range = QPair<double, double>;
-        for (const Range& range : {Range(3, 3), Range(1e300, -1e300), Range(NotANumber, 1),
-                                   Range(0, Infinity), Range(-1.7e308, 1.7e308), Range(0, 5e-324)})
+        for (const Range& range :
+             {Range(3, 3), Range(1e300, -1e300), Range(NotANumber, 1), Range(0, Infinity),
+              Range(-1.7e308, 1.7e308), Range(0, 5e-324)}) {
             QVERIFY(ticksBetween(range.first, range.second).values.isEmpty());
+        }
     }
 
     void tickTexts_data() {
-        QTest::addColumn<double>("value");
-        QTest::addColumn<double>("step");
-        QTest::addColumn<QString>("text");
+        columns<double, double, QString>("value", "step", "text");
         QTest::newRow("integer") << 35.0 << 5.0 << "35";
         QTest::newRow("hundreds") << 7100.0 << 200.0 << "7100";
         QTest::newRow("tenths") << 1.0 << 0.2 << "1.0";
@@ -164,8 +154,7 @@ class CoordTest : public QObject {
     }
 
     void textStandsWhereItIsTold_data() {
-        QTest::addColumn<int>("alignment");
-        QTest::addColumn<bool>("upright");
+        columns<int, bool>("alignment", "upright");
         for (int upright : {0, 1}) {
             for (int across : {int(Qt::AlignLeft), int(Qt::AlignHCenter), int(Qt::AlignRight)}) {
                 for (int along : {int(Qt::AlignTop), int(Qt::AlignVCenter), int(Qt::AlignBottom)}) {
@@ -187,26 +176,33 @@ class CoordTest : public QObject {
         };
         const QRectF place = draw(QPointF(100, 100), QRectF());
         QCOMPARE(place.height() > place.width(), upright);
-        if (alignment & Qt::AlignLeft)
+        if (alignment & Qt::AlignLeft) {
             QCOMPARE(place.left(), 100.0);
-        if (alignment & Qt::AlignHCenter)
+        }
+        if (alignment & Qt::AlignHCenter) {
             QCOMPARE(place.center().x(), 100.0);
-        if (alignment & Qt::AlignRight)
+        }
+        if (alignment & Qt::AlignRight) {
             QCOMPARE(place.right(), 100.0);
-        if (alignment & Qt::AlignTop)
+        }
+        if (alignment & Qt::AlignTop) {
             QCOMPARE(place.top(), 100.0);
-        if (alignment & Qt::AlignVCenter)
+        }
+        if (alignment & Qt::AlignVCenter) {
             QCOMPARE(place.center().y(), 100.0);
-        if (alignment & Qt::AlignBottom)
+        }
+        if (alignment & Qt::AlignBottom) {
             QCOMPARE(place.bottom(), 100.0);
+        }
         painter.end();
 
         // Ink lies in the rectangle that was reported, and nowhere else.
         QRect ink;
         for (int y = 0; y < paper.height(); ++y) {
             for (int x = 0; x < paper.width(); ++x) {
-                if (qGray(paper.pixel(x, y)) < 200)
+                if (qGray(paper.pixel(x, y)) < 200) {
                     ink |= QRect(x, y, 1, 1);
+                }
             }
         }
         QVERIFY(!ink.isEmpty());
@@ -215,8 +211,9 @@ class CoordTest : public QObject {
         QVERIFY(painter.begin(&paper));
         const QRectF inside(50, 60, 120, 120);
         for (const QPointF& corner :
-             {QPointF(0, 0), QPointF(200, 0), QPointF(0, 200), QPointF(200, 200)})
+             {QPointF(0, 0), QPointF(200, 0), QPointF(0, 200), QPointF(200, 200)}) {
             QVERIFY(inside.contains(draw(corner, inside)));
+        }
     }
 };
 

@@ -20,9 +20,7 @@ class PicturesTest : public QObject {
 
   private slots:
     void framesGoThroughTheColours_data() {
-        QTest::addColumn<double>("low");
-        QTest::addColumn<double>("high");
-        QTest::addColumn<bool>("empty");
+        columns<double, double, bool>("low", "high", "empty");
         QTest::newRow("all counts") << 0.0 << 65535.0 << false;
         QTest::newRow("inner range") << 1000.5 << 3000.25 << false;
         QTest::newRow("outer range") << -1e6 << 1e7 << false;
@@ -85,9 +83,8 @@ class PicturesTest : public QObject {
     }
 
     void profilesAreMeansOverTheBin_data() {
-        QTest::addColumn<int>("at");
-        QTest::addColumn<int>("half");
-        QTest::addColumn<double>("mean");  // of at - half .. at + half inside 0..4
+        // mean: of at - half .. at + half inside 0..4
+        columns<int, int, double>("at", "half", "mean");
         QTest::newRow("one line") << 2 << 0 << 2.0;
         QTest::newRow("inside") << 2 << 1 << 2.0;
         QTest::newRow("upper edge") << 0 << 2 << 1.0;

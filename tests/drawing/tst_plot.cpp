@@ -46,10 +46,7 @@ class PlotTest : public QObject {
 
   private slots:
     void axesSpanWhatIsShown_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<double>("spacing");
-        QTest::addColumn<double>("low");
-        QTest::addColumn<double>("high");
+        columns<int, double, double, double>("unit", "spacing", "low", "high");
         // hc = 12398.42 eV A; asin(hc / E / 2d) by hand
         QTest::newRow("eV") << 0 << 3.1355316 << 7000.0 << 7300.0;
         QTest::newRow("keV") << 1 << 3.1355316 << 7.0 << 7.3;
@@ -107,8 +104,9 @@ class PlotTest : public QObject {
         shown.pinned = {{edges::reference(0), "pinned"}};
         const auto names = [](const SpectrumPlot& from) {
             QStringList list;
-            for (const SpectrumPlot::Shown& one : from.shown())
+            for (const SpectrumPlot::Shown& one : from.shown()) {
                 list += one.name;
+            }
             return list.join(',');
         };
         shown.texts.fit = "?";

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "Edges.h"
+#include "Files.h"
 #include "TestMain.h"
 #include "drawing/BarPicture.h"
 #include "drawing/PlotPicture.h"
@@ -50,11 +51,6 @@ void save(const QString& dir) {
     QVERIFY(writePlot(dir + "/plot.png", plot()));
 }
 
-QByteArray bytesOf(const QString& name) {
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 // Where two pictures differ from a column on, by more than letters do that move by a hundredth of a
 // pixel.
 QRect difference(const QImage& a, const QImage& b, int from) {
@@ -98,9 +94,7 @@ class SavedPicturesTest : public QObject {
 
   private slots:
     void readsBack_data() {
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<bool>("isGrey");
-        QTest::addColumn<int>("scale");
+        columns<QSize, bool, int>("size", "isGrey", "scale");
         QTest::newRow("small map") << QSize(16, 16) << false << 30;
         QTest::newRow("one pixel") << QSize(1, 1) << true << 480;
         QTest::newRow("frame") << QSize(600, 300) << true << 1;
@@ -180,19 +174,18 @@ class SavedPicturesTest : public QObject {
         other.start(QCoreApplication::applicationFilePath(), QStringList());
         QVERIFY(other.waitForFinished() && other.exitCode() == 0);
         for (const char* name : {"/bar.png", "/plot.png"}) {
-            QVERIFY(bytesOf(here.path() + name).size() > 5000);
-            QVERIFY2(bytesOf(here.path() + name) == bytesOf(there.path() + name), name);
+            QVERIFY(contentOf(here.path() + name).size() > 5000);
+            QVERIFY2(contentOf(here.path() + name) == contentOf(there.path() + name), name);
         }
         SpectrumPlot seen = plot();
         seen.colors = {Qt::white, Qt::black, Qt::red};
         seen.texts.fit = seen.texts.residual = seen.texts.abscissas[0] = "?";
         QVERIFY(writePlot(here.filePath("seen.png"), seen));
-        QVERIFY(bytesOf(here.filePath("seen.png")) == bytesOf(here.filePath("plot.png")));
+        QVERIFY(contentOf(here.filePath("seen.png")) == contentOf(here.filePath("plot.png")));
     }
 
     void anyRangeAndText_data() {
-        QTest::addColumn<double>("low");
-        QTest::addColumn<double>("high");
+        columns<double, double>("low", "high");
         const double no = std::numeric_limits<double>::quiet_NaN();
         QTest::newRow("equal") << 3.0 << 3.0;
         QTest::newRow("no values") << 1e300 << -1e300;
