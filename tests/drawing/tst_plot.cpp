@@ -1,5 +1,4 @@
 #include <cmath>
-#include <limits>
 
 #include "Edges.h"
 #include "TestMain.h"

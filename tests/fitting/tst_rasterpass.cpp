@@ -6,7 +6,6 @@
 #include <atomic>
 #include <cmath>
 #include <limits>
-#include <memory>
 #include <random>
 
 #include "DebugLines.h"

@@ -4,13 +4,10 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
-#include <QLabel>
 #include <QLineEdit>
-#include <QRadioButton>
 #include <QSet>
 #include <QSlider>
 #include <QTemporaryDir>
-#include <QTextStream>
 #include <algorithm>
 #include <cmath>
 #include <functional>

@@ -1,5 +1,4 @@
 #include <QAction>
-#include <QCloseEvent>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QProcess>

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "Files.h"
 #include "Phantom.h"
 #include "SameBits.h"
 #include "TestMain.h"

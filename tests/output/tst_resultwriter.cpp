@@ -1,7 +1,6 @@
 #include <QDir>
 #include <QImage>
 #include <QTemporaryDir>
-#include <cmath>
 #include <limits>
 
 #include "Files.h"

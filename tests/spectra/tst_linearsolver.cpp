@@ -1,5 +1,6 @@
 #include <cmath>
 
+#include "SameBits.h"
 #include "TestMain.h"
 #include "spectra/LinearSolver.h"
 
@@ -29,25 +30,27 @@ class TestLinearSolver : public QObject {
         }
     }
 
-    /// Above the size that is solved without an allocation.
-    void manyUnknowns() {
-        constexpr int N = 20;
-        double a[N * N];
-        double b[N] = {};
-        for (int i = 0; i < N; ++i) {
-            for (int j = 0; j < N; ++j) {
-                a[i * N + j] = 1.0 / (1.0 + ((i * 7 + j * 3) % 11)) + (j == N - 1 - i ? 5.0 : 0.0);
-                b[i] += a[i * N + j] * (j - 4);
+    /// Also in place, below and above the size that is solved without an allocation.
+    void aDecompositionServesInPlace() {
+        for (const int n : {3, 20}) {
+            double a[400];
+            double b[20] = {};
+            for (int i = 0; i < n; ++i) {
+                for (int j = 0; j < n; ++j) {
+                    a[i * n + j] =
+                        1.0 / (1.0 + ((i * 7 + j * 3) % 11)) + (j == n - 1 - i ? 5.0 : 0.0);
+                    b[i] += a[i * n + j] * (j - 4);
+                }
             }
-        }
-        double x[N];
-        solveLinear(a, b, N, x);
-        LuDecomposition lu;
-        lu.decompose(a, N);
-        lu.solve(b, b);
-        for (int i = 0; i < N; ++i) {
-            QVERIFY(std::abs(x[i] - (i - 4)) < 1e-10);
-            QCOMPARE(b[i], x[i]);
+            double x[20];
+            solveLinear(a, b, n, x);
+            LuDecomposition lu;
+            lu.decompose(a, n);
+            lu.solve(b, b);
+            for (int i = 0; i < n; ++i) {
+                QVERIFY(std::abs(x[i] - (i - 4)) < 1e-10);
+                QVERIFY(same(b[i], x[i]));
+            }
         }
     }
 

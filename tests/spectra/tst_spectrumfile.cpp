@@ -1,5 +1,4 @@
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <cmath>
 #include <limits>
