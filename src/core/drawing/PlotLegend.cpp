@@ -34,8 +34,8 @@ QRectF emptiestPlace(const QSizeF& size, const QRectF& plot, const QVector<PlotC
     QRectF box;
     int hiddenLeast = std::numeric_limits<int>::max();
     for (int place = 0; place < 22 && hiddenLeast > 0; ++place) {  // from the lower right corner on
-        const int step = 10 - place / 2;
-        const QPointF side(place % 2 == 0 ? 1.0 : 0.0, step / 10.0);
+        const int tenths = 10 - place / 2;
+        const QPointF side(place % 2 == 0 ? 1.0 : 0.0, tenths / 10.0);
         const QRectF tried(
             QPointF(plot.left() + 6 + side.x() * (plot.width() - size.width() - 12),
                     plot.top() + 6 + side.y() * (plot.height() - size.height() - 12)),

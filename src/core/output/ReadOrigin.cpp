@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 
 #include "files/PictureFile.h"
 #include "files/PictureText.h"
@@ -12,10 +13,11 @@ namespace {
 /// The lines of a table from where its origin begins up to its values, without their "#". A table
 /// that ends before its values has lost lines of its origin, so that none of it counts.
 QString textInTable(QFile& file) {
+    constexpr qint64 LongestLine = 1 << 16;  // so much is set aside for each
     QString text;
     qint64 left = OriginText::mostBytes;
     while (left > 1 && !file.atEnd()) {
-        const QByteArray raw = file.readLine(left);
+        const QByteArray raw = file.readLine(std::min(left, LongestLine));
         if (!raw.startsWith('#')) {
             return text;
         }

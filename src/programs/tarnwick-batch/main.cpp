@@ -84,8 +84,8 @@ int run(const BatchText& text, int threads, Console& console) {
     QObject::connect(dispatcher, &BatchDispatcher::ended, &session, &BatchSession::end);
     const CleanEnd cleanEnd;
     QObject::connect(&cleanEnd, &CleanEnd::requested, &session, &BatchSession::interrupt);
-    QObject::connect(&session, &BatchSession::finished, qApp, &QCoreApplication::exit,
-                     Qt::QueuedConnection);
+    QObject::connect(&session, &BatchSession::finished, QCoreApplication::instance(),
+                     &QCoreApplication::exit, Qt::QueuedConnection);
     runner.start(text.lines);
     return QCoreApplication::exec();
 }
@@ -109,8 +109,8 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
         args << QString::fromLocal8Bit(argv[i]);
     }
     // Help knows the program's name, which there is not yet.
-    const bool asksForHelp = args.contains(QStringLiteral("--help")) ||
-                             args.contains(QStringLiteral("-h"));
+    const bool asksForHelp =
+        args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h"));
     const RunnerOptions options = asksForHelp ? RunnerOptions() : RunnerOptions::parse(args);
     if (options.action == RunnerOptions::Action::Run && drawsLetters(options.file)) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
