@@ -272,9 +272,10 @@ class TestMeasurement : public QObject {
         columns<std::function<void(M&)>, std::function<void(M&)>, QVector<Difference>>(
             "change", "back", "expected");
         using D = Difference;
-        const auto row = [](const char* name, std::function<void(M&)> change,
-                            std::function<void(M&)> back, QVector<Difference> expected) {
-            QTest::newRow(name) << std::move(change) << std::move(back) << expected;
+        const auto row = [](const char* name, const std::function<void(M&)>& change,
+                            const std::function<void(M&)>& back,
+                            const QVector<Difference>& expected) {
+            QTest::newRow(name) << change << back << expected;
         };
         const auto none = D::None;
         const auto set = [](auto member, auto value) {

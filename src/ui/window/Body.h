@@ -63,9 +63,9 @@ class Body : public QMainWindow {
     void newCBar();
     void onMouseMovedInDispA();
     void loadNextI1();
-    void loadedI1(TiffData* data);
+    void loadedI1(TiffData* frame);
     void loadNextI0();
-    void loadedI0(TiffData* data);
+    void loadedI0(TiffData* frame);
     void stopLoading();
     void startLCF2DAnalysis();
     void stop2DAnalysis();
