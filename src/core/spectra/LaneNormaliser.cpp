@@ -91,7 +91,7 @@ int LaneNormaliser::prepared(int first, int end) {
 
 void LaneNormaliser::solve(const Prepared& prepared, const double* sums, int l,
                            lanes::Curve* curve) const {
-    double right[background::MaxTerms];
+    double right[background::MaxTerms] = {};
     double c[background::MaxTerms] = {};
     for (int k = 0; k < m_terms; ++k) {
         right[k] = sums[k * Count + l];
