@@ -44,7 +44,6 @@ class RecordWriter {
     bool isInForce(const QString& key, const QString& value) const {
         return m_inForce.value(key) == value;
     }
-    int referencesInForce() const { return m_references; }
 
   private:
     void stack(const char* name, const StackInputs& stack);

@@ -24,7 +24,6 @@ class RowJob : public QObject {
                std::vector<RasterPass::Evaluate> evaluators);
     /// Ends the threads in mid-work; nothing is emitted any more.
     void stop();
-    bool isRunning() const { return m_running; }
 
   signals:
     /// Some rows have been taken in; that many of all.
