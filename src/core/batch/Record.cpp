@@ -13,6 +13,7 @@
 #include "files/WholeFile.h"
 #include "measurement/Display.h"
 #include "measurement/Origin.h"
+#include "measurement/Writing.h"
 #include "spectra/Units.h"
 
 namespace {
@@ -180,18 +181,20 @@ Outcome saveRecord(const Measurement& measurement, const QString& fileName) {
     if (!record.whyNotInWindow.isEmpty()) {
         return Outcome::failure(record.whyNotInWindow);
     }
-    QSaveFile file(fileName);
     const QByteArray text = (record.lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
-    const bool written = openBeside(file) && file.write(text) == text.size() && putInPlace(file);
-    if (!written) {
-        return Outcome::failure(Batch::tr("cannot be written: %1").arg(fileName));
+    const Outcome outcome = writeFile(measurement, fileName, [&] {
+        QSaveFile file(fileName);
+        return openBeside(file) && file.write(text) == text.size() && putInPlace(file);
+    });
+    if (outcome.failed()) {
+        return outcome;
     }
     for (const Result* result : measurement.results()) {
         if (result->run) {
             result->run->saved = true;
         }
     }
-    return {};
+    return outcome;
 }
 
 Outcome aboutNewerRecord(const QStringList& lines) {

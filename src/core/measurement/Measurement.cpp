@@ -1,5 +1,6 @@
 #include "measurement/Measurement.h"
 
+#include <QFileInfo>
 #include <algorithm>
 #include <cmath>
 
@@ -263,7 +264,7 @@ Outcome Measurement::loadMap(const QString& fileName) {
     }
     inputsChanged(Changes(Map) | Frames | Results | Display);
     return whole
-               ? Outcome()
+               ? Outcome::note(tr("Loaded %1").arg(QFileInfo(fileName).fileName()))
                : Outcome::failure(tr("no whole energy map of the images' size: %1").arg(fileName));
 }
 

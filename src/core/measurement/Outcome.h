@@ -7,17 +7,22 @@
 struct Outcome {
     QStringList failures;
     QStringList warnings;
+    QStringList notes;  ///< of what went well, such as "Saved fraction.tif"
+    QStringList files;  ///< that were written, by the names given
 
-    static Outcome failure(const QString& text) { return {{text}, {}}; }
-    static Outcome warning(const QString& text) { return {{}, {text}}; }
+    static Outcome failure(const QString& text) { return {{text}, {}, {}, {}}; }
+    static Outcome warning(const QString& text) { return {{}, {text}, {}, {}}; }
+    static Outcome note(const QString& text) { return {{}, {}, {text}, {}}; }
 
     bool failed() const { return !failures.isEmpty(); }
-    /// Failures first.
+    /// What somebody should look at, failures first.
     QStringList texts() const { return failures + warnings; }
 
     Outcome& operator+=(const Outcome& other) {
         failures += other.failures;
         warnings += other.warnings;
+        notes += other.notes;
+        files += other.files;
         return *this;
     }
 };

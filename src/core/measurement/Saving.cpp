@@ -3,14 +3,15 @@
 #include <QCoreApplication>
 #include <QGuiApplication>
 
-#include "base/DebugLog.h"
 #include "calibration/EnergyMapFile.h"
 #include "drawing/BarPicture.h"
 #include "drawing/PlotPicture.h"
 #include "files/FileNames.h"
 #include "files/PictureFile.h"
+#include "files/WholeFile.h"
 #include "measurement/Display.h"
 #include "measurement/Origin.h"
+#include "measurement/Writing.h"
 #include "output/FlatDark.h"
 #include "output/ResultWriter.h"
 #include "spectra/SpectrumFile.h"
@@ -20,14 +21,6 @@ namespace {
 class Saving {
     Q_DECLARE_TR_FUNCTIONS(Saving)
 };
-
-Outcome unwritable(const QString& file) {
-    return Outcome::failure(Saving::tr("cannot be written: %1").arg(file));
-}
-
-Outcome written(bool done, const QString& file) {
-    return done ? Outcome() : unwritable(file);
-}
 
 bool hasLetters() {
     return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
@@ -64,7 +57,8 @@ Outcome savePicture(Measurement& measurement, const QString& fileName, const QIm
     const Result* result = measurement.shownResult();
     const QString origin =
         result != nullptr ? originText(measurement, *result, savedBy) : QString();
-    Outcome outcome = written(writePicture(fileName, picture, origin), fileName);
+    Outcome outcome =
+        writeFile(measurement, fileName, [&] { return writePicture(fileName, picture, origin); });
     if (result != nullptr && !outcome.failed()) {
         outcome += judgement(measurement, *result);
     }
@@ -107,7 +101,8 @@ Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
             }
             const QString name = taggedName(fileName, QStringLiteral("%1-%2").arg(i).arg(kind));
             const QString origin = originText(measurement, result, "save_image");
-            outcome += written(writePicture(name, *result.image.img(), origin), name);
+            outcome += writeFile(measurement, name,
+                                 [&] { return writePicture(name, *result.image.img(), origin); });
             const Outcome judged = judgement(measurement, result);
             if (outcome.texts().isEmpty()) {
                 outcome += judged;  // once for all of them
@@ -130,10 +125,15 @@ Outcome saveData(const Measurement& measurement, const QString& fileName) {
     }
     const Settings& form = measurement.settings();
     const QString origin = originText(measurement, *result, "save_data_as_tiff");
-    const bool done = form.savesTiff ? writeResultTiff(fileName, result->image, form.tiff, origin)
-                                     : writeResultTable(fileName, result->image, form.table,
-                                                        headOf(*result), origin);
-    return done ? judgement(measurement, *result) : unwritable(fileName);
+    Outcome outcome = writeFile(measurement, fileName, [&] {
+        return form.savesTiff
+                   ? writeResultTiff(fileName, result->image, form.tiff, origin)
+                   : writeResultTable(fileName, result->image, form.table, headOf(*result), origin);
+    });
+    if (!outcome.failed()) {
+        outcome += judgement(measurement, *result);
+    }
+    return outcome;
 }
 
 Outcome saveSpectra(Measurement& measurement, const QString& fileName,
@@ -159,11 +159,10 @@ Outcome saveSpectra(Measurement& measurement, const QString& fileName,
     for (const XafsSpectrum& spectrum : qAsConst(spectra)) {
         const QString name = number == 0 ? fileName : taggedName(fileName, QString::number(number));
         ++number;
-        if (writeSpectrumFile(name, spectrum, measurement.settings().correctedSpectra)) {
-            debugFile("Saved", name);
-        } else {
-            outcome += unwritable(name);
-        }
+        outcome += writeFile(measurement, name, [&] {
+            return writeSpectrumFile(name, spectrum, measurement.settings().correctedSpectra) &&
+                   noteSaved(name);
+        });
     }
     return outcome;
 }
@@ -176,7 +175,7 @@ Outcome savePlot(Measurement& measurement, const QString& fileName) {
     if (!hasLetters()) {
         return Outcome::failure(Saving::tr("there are no letters to draw with"));
     }
-    return written(writePlot(fileName, plot), fileName);
+    return writeFile(measurement, fileName, [&] { return writePlot(fileName, plot); });
 }
 
 Outcome saveMap(const Measurement& measurement, const QString& fileName) {
@@ -185,15 +184,21 @@ Outcome saveMap(const Measurement& measurement, const QString& fileName) {
     info.edgeEnergy = edgeEnergyForMap(measurement.standard(), measurement.edgeEnergy());
     info.spacing = measurement.spacing();
     info.standardFileName = measurement.standardFile();
-    const bool done = writeEMap(fileName, measurement.map().image, info);
-    if (done && measurement.map().run) {
-        measurement.map().run->saved = true;
+    const Result& map = measurement.map();
+    const Outcome outcome =
+        writeFile(measurement, fileName, [&] { return writeEMap(fileName, map.image, info); });
+    if (!outcome.failed() && map.run) {
+        map.run->saved = true;
     }
-    return written(done, fileName);
+    return outcome;
 }
 
 Outcome saveFlatDark(const Measurement& measurement) {
     const QSize size = measurement.imageSize();
-    return written(writeFlatDark(size.width(), size.height()),
-                   QStringLiteral("flat.dat, dark.dat"));
+    Outcome outcome;
+    for (const FlatDark& file : FlatDarkFiles) {
+        outcome += writeFile(measurement, QLatin1String(file.name),
+                             [&] { return writeFlatDark(file, size.width(), size.height()); });
+    }
+    return outcome;
 }

@@ -1,22 +1,8 @@
 #include "output/FlatDark.h"
 
-#include <QString>
+#include "files/WholeFile.h"
 
-#include "base/DebugLog.h"
-#include "frames/TiffFile.h"
-
-bool writeFlatDark(int width, int height) {
-    const QString flat = QStringLiteral("flat.dat");
-    const QString dark = QStringLiteral("dark.dat");
-    const auto w = quint32(qMax(0, width));
-    const auto h = quint32(qMax(0, height));
-    const bool flatWritten = writeOnesTiff(flat, w, h);
-    if (flatWritten) {
-        debugFile("Saved", flat);
-    }
-    const bool darkWritten = writeZerosTiff(dark, w, h);
-    if (darkWritten) {
-        debugFile("Saved", dark);
-    }
-    return flatWritten && darkWritten;
+bool writeFlatDark(const FlatDark& file, int width, int height) {
+    const QString name = QLatin1String(file.name);
+    return file.write(name, quint32(qMax(0, width)), quint32(qMax(0, height))) && noteSaved(name);
 }

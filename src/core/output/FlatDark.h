@@ -1,7 +1,16 @@
 #pragma once
 
-/// Writes the neutral frames "flat.dat" (every pixel 1) and "dark.dat" (every pixel 0) of
-/// @p width x @p height pixels as TIFF content into the current directory, over existing ones. A
-/// negative size counts as 0 and gives files without pixels. Returns whether both frames were
-/// written; one that fails does not keep the other from being written.
-bool writeFlatDark(int width, int height);
+#include "frames/TiffFile.h"
+
+/// A neutral frame that is written into the current folder.
+struct FlatDark {
+    const char* name;
+    bool (*write)(const QString& name, quint32 width, quint32 height);
+};
+
+/// Every pixel 1, and every pixel 0.
+constexpr FlatDark FlatDarkFiles[] = {{"flat.dat", writeOnesTiff}, {"dark.dat", writeZerosTiff}};
+
+/// Writes one of them, over an existing one. A negative size counts as 0 and gives a file without
+/// pixels, which counts as a failure.
+bool writeFlatDark(const FlatDark& file, int width, int height);

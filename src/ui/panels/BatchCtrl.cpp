@@ -8,6 +8,7 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QSaveFile>
+#include <QTextBlock>
 #include <QTextStream>
 
 #include "base/Globals.h"
@@ -123,6 +124,22 @@ void BatchCtrl::load(QString fname) {
     }
     m_ui->BatchCmds->insertPlainText(text);
     m_ui->BatchCmds->moveCursor(QTextCursor::Start);
+}
+
+void BatchCtrl::logOutcome(const Outcome& outcome) {
+    // The log's own texts do not all end their line.
+    QString lines = m_ui->BatchLogs->document()->lastBlock().text().isEmpty()
+                        ? QString()
+                        : QStringLiteral("\n");
+    for (const QString& failure : outcome.failures) {
+        lines += QStringLiteral("failed: %1\n").arg(failure);
+    }
+    for (const QString& warning : outcome.warnings) {
+        lines += QStringLiteral("warning: %1\n").arg(warning);
+    }
+    if (!outcome.texts().isEmpty()) {
+        logmsg(lines);
+    }
 }
 
 void BatchCtrl::setBatchFile(QString fname) {

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "batch/CmdLine.h"
+#include "measurement/Outcome.h"
 
 class QFileDialog;
 
@@ -48,6 +49,8 @@ class BatchCtrl : public QMainWindow {
     void load(QString fname);
     /// Adds a text to the end of the log. No line feed is added: the texts carry their own.
     void logmsg(QString log);
+    /// Adds a line for each failure and warning, each on a line of its own.
+    void logOutcome(const Outcome& outcome);
     void setBatchFile(QString fname);
     void execBatch();
     void showCmdErr(CmdLine cmd);

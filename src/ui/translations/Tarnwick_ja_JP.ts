@@ -259,10 +259,6 @@
         <translation>範囲の上限は下限より大きくしてください</translation>
     </message>
     <message>
-        <source>cannot be written: %1</source>
-        <translation>書き込めません: %1</translation>
-    </message>
-    <message>
         <source>all its commands are known</source>
         <translation>コマンドはすべて認識できます</translation>
     </message>
@@ -677,18 +673,6 @@
     <message>
         <source>Save the image on display as a picture with its colour bar, title and unit</source>
         <translation>表示中の画像を、カラーバー・表題・単位とともに画像ファイルに保存します</translation>
-    </message>
-    <message>
-        <source>Saved %1</source>
-        <translation>保存しました: %1</translation>
-    </message>
-    <message>
-        <source>Loaded %1</source>
-        <translation>読み込みました: %1</translation>
-    </message>
-    <message>
-        <source>Saved all images</source>
-        <translation>全画像を保存しました</translation>
     </message>
 </context>
 <context>
@@ -1381,6 +1365,10 @@
         <source>the system gives no thread</source>
         <translation>システムがスレッドを作成できません</translation>
     </message>
+    <message>
+        <source>Loaded %1</source>
+        <translation>読み込みました: %1</translation>
+    </message>
 </context>
 <context>
     <name>Record</name>
@@ -1569,10 +1557,6 @@
 </context>
 <context>
     <name>Saving</name>
-    <message>
-        <source>cannot be written: %1</source>
-        <translation>書き込めません: %1</translation>
-    </message>
     <message>
         <source>the run was stopped before its end</source>
         <translation>途中で中止した解析の結果です</translation>
@@ -1812,6 +1796,21 @@
     <message>
         <source>Save what was done...</source>
         <translation>作業記録を保存...</translation>
+    </message>
+</context>
+<context>
+    <name>Writing</name>
+    <message>
+        <source>the measurement was read from this file: %1</source>
+        <translation>測定の入力ファイルのため書き込めません: %1</translation>
+    </message>
+    <message>
+        <source>cannot be written: %1</source>
+        <translation>書き込めません: %1</translation>
+    </message>
+    <message>
+        <source>Saved %1</source>
+        <translation>保存しました: %1</translation>
     </message>
 </context>
 <context>

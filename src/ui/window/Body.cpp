@@ -134,6 +134,7 @@ void Body::connectBatch() {
     connect(&m_runner, &BatchRunner::finishBatchExec, this, &Body::finishBatchExec);
     connect(&m_runner, &BatchRunner::commandDone, this,
             [this](const CmdLine& cmd, const Outcome& outcome) {
+                m_batchCtrl->logOutcome(outcome);
                 say(outcome);
                 emit commandDone(cmd, outcome.texts());
             });
@@ -215,12 +216,10 @@ void Body::connectSaving() {
     }
 }
 
-void Body::say(const Outcome& outcome, const QString& done) {
-    const QStringList texts = outcome.texts();
+void Body::say(const Outcome& outcome) {
+    const QStringList texts = outcome.texts().isEmpty() ? outcome.notes : outcome.texts();
     if (!texts.isEmpty()) {
         m_status->say(texts.join(QStringLiteral("   ")));
-    } else if (!done.isEmpty()) {
-        m_status->say(done);
     }
 }
 

@@ -100,7 +100,7 @@ class Body : public QMainWindow {
     void connectImage();
     void connectPanels();
     void connectSaving();
-    void say(const Outcome& outcome, const QString& done = QString());
+    void say(const Outcome& outcome);
     void workEnded(Work work, const Outcome& outcome);
     void toggle(Work work);
 

@@ -135,10 +135,10 @@ void Body::showShiftMap() {
 }
 
 void Body::saveEMap(const QString& fname) {
-    say(saveMap(m_measurement, fname), tr("Saved %1").arg(fname));
+    say(saveMap(m_measurement, fname));
 }
 void Body::loadEMap(const QString& fname) {
-    say(m_measurement.loadMap(fname), tr("Loaded %1").arg(fname));
+    say(m_measurement.loadMap(fname));
 }
 EMPHeader Body::loadEMapHeader(EMPHeader, QTextStream& in) {
     return readEMapHeader(in);
@@ -161,36 +161,36 @@ void Body::showProcImg(bool on) {
 }
 
 void Body::saveImage(const QString& fname) {
-    say(::saveImage(m_measurement, fname), tr("Saved %1").arg(fname));
+    say(::saveImage(m_measurement, fname));
 }
 void Body::saveImageWithBar(const QString& fname) {
-    say(::saveImageWithBar(m_measurement, fname), tr("Saved %1").arg(fname));
+    say(::saveImageWithBar(m_measurement, fname));
 }
 void Body::saveAllImages(const QString& fname) {
-    say(::saveAllImages(m_measurement, fname), tr("Saved all images"));
+    say(::saveAllImages(m_measurement, fname));
 }
 void Body::showSaveDataDialog() {
     m_dialogs->askForTarget(tr("Save Data"), m_saveDataCfg->nameFilters(), m_saveDataCfg->suffix(),
                             [this](const QString& name) { saveData(name); });
 }
 void Body::saveData(const QString& fname) {
-    say(::saveData(m_measurement, fname), tr("Saved %1").arg(fname));
+    say(::saveData(m_measurement, fname));
 }
 void Body::saveDataAsTiff(const QString& fname) {
     saveData(fname);
 }
 void Body::saveFlatDark() {
-    say(::saveFlatDark(m_measurement), tr("Saved %1").arg(QStringLiteral("flat.dat, dark.dat")));
+    say(::saveFlatDark(m_measurement));
 }
 void Body::saveXafsSpectra(const QString& fname) {
-    say(saveSpectra(m_measurement, fname, m_xafsView->pinned()), tr("Saved %1").arg(fname));
+    say(saveSpectra(m_measurement, fname, m_xafsView->pinned()));
 }
 void Body::saveRecord(const QString& fname) {
     const Outcome outcome = ::saveRecord(m_measurement, fname);
     if (!outcome.failed()) {
         m_record->remember(fname);
     }
-    say(outcome, tr("Saved %1").arg(fname));
+    say(outcome);
 }
 
 void Body::execCmd(CmdLine cmd, bool inRem) {
