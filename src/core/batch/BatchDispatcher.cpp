@@ -1,6 +1,7 @@
 #include "batch/BatchDispatcher.h"
 
 #include <QDebug>
+#include <utility>
 
 #include "batch/BatchText.h"
 #include "batch/CommandTables.h"
@@ -11,6 +12,7 @@ BatchDispatcher::BatchDispatcher(QObject* parent) : QObject(parent) {
 
 void BatchDispatcher::doDispatchCmds(const QStringList& cmdList) {
     m_running = true;
+    m_open = true;
     if (cmdList != m_lines) {
         m_lines = cmdList;
     }
@@ -31,7 +33,10 @@ void BatchDispatcher::finishBatchExec() {
 
 void BatchDispatcher::execNextLine() {
     if (!m_running || m_current < 0 || m_current >= m_lines.size()) {
-        emit ended();
+        // Once: an answer that comes without a batch, such as that to a user's own load, ends none.
+        if (std::exchange(m_open, false)) {
+            emit ended();
+        }
         return;
     }
     CmdLine cmd = CmdLine::parse(readLogicalLine(m_lines, &m_current));

@@ -41,6 +41,7 @@ class BatchDispatcher : public QObject {
     void doEcho(const CmdLine& cmd);
 
     bool m_running = false;
+    bool m_open = false;  // a batch whose end has not been told
     bool m_inRem = false;
     QStringList m_lines;
     int m_current = 0;
