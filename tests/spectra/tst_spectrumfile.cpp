@@ -6,7 +6,7 @@
 #include "Files.h"
 #include "TestMain.h"
 #include "spectra/SpectrumFile.h"
-#include "spectra/XafsSpectrum.h"
+#include "spectra/UsableRows.h"
 
 namespace {
 using Points = QVector<QPair<double, double>>;
@@ -73,6 +73,97 @@ class TestSpectrumFile : public QObject {
         QTest::ignoreMessage(QtDebugMsg, "Can not open /no/such/file.dat");
         QVERIFY(!readSpectrumFile("/no/such/file.dat", &s));
         QVERIFY(!s.valid());
+    }
+
+    void usableRows_data() {
+        columns<QByteArray, int, QString>("content", "leftOut", "whyNot");
+        const auto row = [](const char* name, const QByteArray& content, int leftOut = 0,
+                            const QString& whyNot = QString()) {
+            QTest::newRow(name) << content << leftOut << whyNot;
+        };
+        const QByteArray blanks("7000.5 0.25\n7001 0.5\n7002 1000\n7003 0.5\n7004 0.5\n");
+        const auto with = [blanks](const char* what, const char* by) {
+            return QByteArray(blanks).replace(what, by);
+        };
+        const auto decimalCommas = [blanks](const char* separator) {
+            return QByteArray(blanks).replace('.', ',').replace(" ", separator);
+        };
+        row("blanks", blanks);
+        row("tabs and more columns", with(" 0.5", "\t0.5 x 9"));
+        row("commas", with(" ", ","));
+        row("commas and blanks", with(" ", ", "));
+        row("blanks and commas", with(" ", " ,"));
+        row("semicolons", with(" ", ";"));
+        row("decimal commas and blanks", decimalCommas(" "));
+        row("decimal commas and semicolons", decimalCommas(" ; "));
+        row("decimal commas, commas and blanks", decimalCommas(", "));
+        row("exponents of Fortran", with("1000", "1.0D+3").replace("0.25", "25d-2"));
+        row("headings", "# a 1\nenergy mu\neV, -\n\n" + with("7003", "# 9 9\n7003"));
+        row("signs that are no UTF-8, returns, an end mark",
+            "\xb5t\r\n" + with("\n", "\r\n") + "\x1a\x1a");
+        row("returns alone", with("\n", "\r"));
+        row("UTF-16", [blanks] {
+            const QString text = QChar(QChar::ByteOrderMark) + QString(blanks);
+            return QByteArray(reinterpret_cast<const char*>(text.utf16()), 2 * text.size());
+        }());
+        row("descending", "7004 0.5\n7003 0.5\n7002 1000\n7001 0.5\n7000.5 0.25");
+        row("repeated", with("7000.5 0.25", "7000.5 0\n7000.5 0.5").replace("7001 0.5", "7001 1") +
+                            "7001 0.5\n7001 0");
+        row("no numbers", with("7003", "7002.5 nan\n7002.6 inf\n0 1\n-1 1\n7 x\nend\n7003"), 6);
+        row("four energies", "7000 1\n7001 1\n7002 1\n7003 1\n7003 2\n", 0, "4 usable");
+        row("commas for thousands", "7,000.5 1\n7,001.5 1\n7,002.5 1\n7,003.5 1\n7,004.5 1", 0,
+            "1 usable");
+        row("keV", "7.1 1\n7.2 1\n7.3 1\n7.4 1\n7.5 1\n", 0, "7.1 to 7.5 look like keV");
+        row("keV of a heavy element", "80 1\n80.1 1\n80.2 1\n80.3 1\n80.4 1\n", 0, "keV");
+        row("no text", QByteArray("II*\0", 4) + blanks, 0, "no text");
+        row("nothing", "", 0, "0 usable");
+        const QByteArray rows9809("10 10 1 200 100\n");
+        row("9809 of one energy", Header + rows9809 + rows9809, 0, "1 usable");
+        row("9809 without spacing", "9809\nOffset\n" + rows9809, 0, "spacing");
+        row("9809 without Offset", "9809 D= 3.1\n" + rows9809, 0, "Offset");
+    }
+
+    void usableRows() {
+        QFETCH(QByteArray, content);
+        QFETCH(int, leftOut);
+        QFETCH(QString, whyNot);
+        QTemporaryDir dir;
+        const QString name = dir.filePath("s.dat");
+        put(name, content);
+        const TakenSpectrum taken = takeSpectrumFile(name);
+        QVERIFY2(whyNot.isEmpty() == taken.whyNot.isEmpty() && taken.whyNot.contains(whyNot),
+                 qPrintable(taken.whyNot));
+        const Points points{{7000.5, 0.25}, {7001, 0.5}, {7002, 1000}, {7003, 0.5}, {7004, 0.5}};
+        QCOMPARE(taken.spectrum.size(), whyNot.isEmpty() ? points.size() : 0);
+        for (int i = 0; i < taken.spectrum.size(); ++i) {
+            QCOMPARE(taken.spectrum.energy(i), points[i].first);
+            QCOMPARE(taken.spectrum.value(i), points[i].second);
+        }
+        QCOMPARE(taken.warnings.size(), leftOut > 0 ? 1 : 0);
+        QVERIFY(leftOut == 0 || taken.warnings[0].contains(QString(": %1 row").arg(leftOut)));
+    }
+
+    /// What is usable of a 9809 file, to the bit as it is read.
+    void usableRowsOf9809() {
+        QTemporaryDir dir;
+        const QString name = dir.filePath("s.dat");
+        QByteArray rows;
+        for (int i = 0; i < 9; ++i) {
+            rows.prepend(" 9 " + QByteArray::number(12.0 + 0.01 * i) + " 1 200 1" + char('0' + i) +
+                         "\n");
+        }
+        put(name, Header + rows);
+        XafsSpectrum read;
+        QVERIFY(readSpectrumFile(name, &read));
+        put(name, Header + rows + "9 11 1 200 0\n9 11 1 -200 -100\n");
+        const TakenSpectrum taken = takeSpectrumFile(name);
+        QCOMPARE(taken.spectrum.not9809(), 0);
+        QCOMPARE(taken.spectrum.size(), 9);
+        for (int i = 0; i < 9; ++i) {
+            QVERIFY(taken.spectrum.energy(i) == read.energy(i));
+            QVERIFY(taken.spectrum.value(i) == read.value(i));
+        }
+        QVERIFY(taken.warnings.value(0).contains(": 2 row"));
     }
 
     void aSpectrumIsWrittenLineByLine() {

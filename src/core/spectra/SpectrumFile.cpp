@@ -16,23 +16,6 @@ QStringList itemsOf(const QString& line) {
     return line.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
-/// The last d-spacing (angstrom) that the header names; reads up to and including "Offset".
-double readDSpacing(QTextStream& in) {
-    double d = 0.0;
-    while (!in.atEnd()) {
-        const QStringList items = itemsOf(in.readLine());
-        for (int i = 1; i < items.size(); ++i) {
-            if (items.at(i - 1) == QLatin1String("D=")) {
-                d = items.at(i).toDouble();
-            }
-        }
-        if (!items.isEmpty() && items.first() == QLatin1String("Offset")) {
-            break;
-        }
-    }
-    return d;
-}
-
 double valueOr0(const Spectrum& series, int i) {
     return i < series.size() ? series.value(i) : 0.0;
 }
@@ -75,18 +58,41 @@ void readPlain(QTextStream& in, XafsSpectrum* spectrum) {
     }
 }
 
-void read9809(QTextStream& in, XafsSpectrum* spectrum) {
-    const double d = readDSpacing(in);
-    while (!in.atEnd()) {
+double readHeaderOf9809(QTextStream& in, bool* isWhole) {
+    double d = 0.0;
+    *isWhole = false;
+    while (!in.atEnd() && !*isWhole) {
         const QStringList items = itemsOf(in.readLine());
-        if (items.size() < 5) {
-            continue;
+        for (int i = 1; i < items.size(); ++i) {
+            if (items.at(i - 1) == QLatin1String("D=")) {
+                d = items.at(i).toDouble();
+            }
         }
-        const double angle = items.at(1).toDouble();
-        const double i0 = items.at(3).toDouble();
-        const double i1 = items.at(4).toDouble();
-        const double energy = Hc / (2.0 * d * std::sin(angle * PiTenDigits / 180.0));
-        spectrum->append(energy, i0 * i1 > 0.0 ? std::log(i0 / i1) : 1.0);
+        *isWhole = !items.isEmpty() && items.first() == QLatin1String("Offset");
+    }
+    return d;
+}
+
+Row9809 rowOf9809(const QString& line, double d) {
+    const QStringList items = itemsOf(line);
+    if (items.size() < 5) {
+        return {};
+    }
+    const double angle = items.at(1).toDouble();
+    const double i0 = items.at(3).toDouble();
+    const double i1 = items.at(4).toDouble();
+    const double energy = Hc / (2.0 * d * std::sin(angle * PiTenDigits / 180.0));
+    return {true, i0 > 0.0 && i1 > 0.0, {energy, i0 * i1 > 0.0 ? std::log(i0 / i1) : 1.0}};
+}
+
+void read9809(QTextStream& in, XafsSpectrum* spectrum) {
+    bool isWhole = false;
+    const double d = readHeaderOf9809(in, &isWhole);
+    while (!in.atEnd()) {
+        const Row9809 row = rowOf9809(in.readLine(), d);
+        if (row.isPoint) {
+            spectrum->append(row.point.x, row.point.y);
+        }
     }
 }
 

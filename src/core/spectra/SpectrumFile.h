@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include "spectra/PointBuffer.h"
+
 class QTextStream;
 class XafsSpectrum;
 
@@ -22,6 +24,18 @@ void readPlain(QTextStream& in, XafsSpectrum* spectrum);
 
 /// Appends the points of 9809 text; without a "D=" item the energies are infinite.
 void read9809(QTextStream& in, XafsSpectrum* spectrum);
+
+/// Reads up to and including the line "Offset", which a whole header has; the last d-spacing
+/// (angstrom) that it names, 0.0 for none.
+double readHeaderOf9809(QTextStream& in, bool* isWhole);
+
+/// A line below the header.
+struct Row9809 {
+    bool isPoint = false;    ///< it has the five items of a point
+    bool hasCounts = false;  ///< both of them are above 0
+    Spoint point{0.0, 0.0};  ///< energy in eV and mu-t, the latter 1.0 when the counts give none
+};
+Row9809 rowOf9809(const QString& line, double dSpacing);
 
 /// Writes x, the double-normalized-pre-base value, mu-t, pre-edge and post-edge curve of every
 /// point, one tab-separated line each, six digits, below two header lines. x is the point's energy,
