@@ -69,7 +69,7 @@ class TestMeasurement : public QObject {
             QVERIFY(!m_measurement->addReference().failed());
             const QString file = m_phantom->file(QLatin1String(name));
             m_measurement->change(m_measurement->referenceCount() - 1,
-                                  [&file](Reference& r) { QVERIFY(r.read(file)); });
+                                  [&file](Reference& r) { QVERIFY(!r.read(file).failed()); });
         }
     }
 

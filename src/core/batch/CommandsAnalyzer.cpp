@@ -18,15 +18,11 @@ void setReference(Action& a) {
     }
     m.change(index, [&a](Reference& reference) {
         reference.setBackground(background::fromBatchWord(a.args.text(4)));
-        reference.read(a.args.text(3));
+        a.outcome += reference.read(a.args.text(3));
         reference.setUse(a.args.flag(1));
         reference.setDeltaE(a.args.real(2));
     });
-    const Reference& reference = *m.references()[static_cast<std::size_t>(index)];
-    if (!reference.hasSpectrum()) {
-        a.fail(Batch::tr("cannot be read: %1").arg(a.args.text(3)));
-    }
-    a.expect(reference.file());
+    a.expect(m.references()[static_cast<std::size_t>(index)]->file());
 }
 
 void selectType(Action& a) {

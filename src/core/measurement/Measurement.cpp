@@ -235,15 +235,13 @@ QRectF Measurement::area() const {
 }
 
 Outcome Measurement::loadStandard(const QString& fileName) {
-    const bool read = m_standard.read(fileName, m_settings.standardBackground);
+    Outcome outcome = m_standard.read(fileName, m_settings.standardBackground);
     m_hasStandard = true;
-    if (read) {
+    if (!outcome.failed()) {
         m_settings.edgeEnergy = fieldText(m_standard.spectrum.midE());
     }
     emit changed(Changes(Standard) | Setting | Position);
-    return read && !m_standard.spectrum.isEmpty()
-               ? Outcome()
-               : Outcome::failure(tr("cannot be read: %1").arg(fileName));
+    return outcome;
 }
 
 Outcome Measurement::loadMap(const QString& fileName) {

@@ -67,7 +67,7 @@ class Measurement : public QObject {
     void loadDark(const QStringList& files);
 
     // Standard, energy shifts, references
-    /// Null before the first file; without points after one that could not be read.
+    /// Null before the first file; without points after one that was not taken.
     const XafsSpectrum* standard() const { return m_hasStandard ? &m_standard.spectrum : nullptr; }
     QString standardFile() const { return m_standard.file.name; }
     Outcome loadStandard(const QString& fileName);

@@ -1,11 +1,12 @@
 #include "measurement/Reference.h"
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
 
 #include "measurement/Revision.h"
-#include "spectra/SpectrumFile.h"
+#include "spectra/UsableRows.h"
 
 namespace {
 
@@ -16,26 +17,70 @@ QByteArray digestOf(const QString& fileName) {
                                                                  : QByteArray();
 }
 
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(Reference)
+};
+
+int pointsIn(const XafsSpectrum& spectrum, double start, double end) {
+    int count = 0;
+    for (int i = 0; i < spectrum.size(); ++i) {
+        count += spectrum.energy(i) >= start && spectrum.energy(i) < end;
+    }
+    return count;
+}
+
 }  // namespace
 
 FileInput fileInput(const QString& fileName) {
     return {fileName, QFileInfo(fileName).absoluteFilePath(), digestOf(fileName), nextRevision()};
 }
 
-bool NormalisedFile::read(const QString& fileName, int background) {
+Outcome NormalisedFile::read(const QString& fileName, int background) {
     forget();
-    if (!readSpectrumFile(fileName, &spectrum)) {
-        return false;
+    const TakenSpectrum taken = takeSpectrumFile(fileName);
+    spectrum = taken.spectrum;
+    whyNot = taken.whyNot;
+    if (!whyNot.isEmpty()) {
+        return Outcome::failure(whyNot);
     }
     file = fileInput(fileName);
+    warnings = taken.warnings;
     spectrum.normalise(background);
-    return true;
+    Outcome outcome;
+    outcome.warnings = warnings;
+    const QString fault = edgeFault();
+    if (!fault.isEmpty()) {
+        outcome.warnings << fault;
+    }
+    return outcome;
 }
 
 void NormalisedFile::forget() {
     spectrum = XafsSpectrum();
     file = FileInput();
     file.revision = nextRevision();
+    whyNot.clear();
+    warnings.clear();
+}
+
+QString NormalisedFile::edgeFault() const {
+    constexpr int FewestPoints = 3;
+    if (spectrum.isEmpty()) {
+        return {};
+    }
+    if (spectrum.midE() == 0.0) {
+        return Texts::tr("%1: there is no edge").arg(file.name);
+    }
+    const double e0 = spectrum.findE(0.5, 0);
+    const int pre = pointsIn(spectrum, e0 + spectrum.preStart(), e0 + spectrum.preEnd());
+    if (pre < FewestPoints) {
+        return Texts::tr("%1: the pre-edge line rests on %n point(s)", nullptr, pre).arg(file.name);
+    }
+    const int post = pointsIn(spectrum, e0 + spectrum.postStart(), e0 + spectrum.postEnd());
+    return post < FewestPoints
+               ? Texts::tr("%1: the post-edge line rests on %n point(s)", nullptr, post)
+                     .arg(file.name)
+               : QString();
 }
 
 Reference::Reference(int index) : m_revision(nextRevision()) {
@@ -48,10 +93,16 @@ ReferenceInput Reference::input() const {
     return {m_file.file, m_use, takesPart(), m_deltaE, m_background};
 }
 
-bool Reference::read(const QString& fileName) {
-    const bool read = m_file.read(fileName, m_background);
+Outcome Reference::read(const QString& fileName) {
+    Outcome outcome = m_file.read(fileName, m_background);
     applyShift();
-    return read;
+    return outcome;
+}
+
+QStringList Reference::warnings() const {
+    QStringList all = m_file.warnings;
+    const QString fault = edgeFault();
+    return fault.isEmpty() ? all : all << fault;
 }
 
 void Reference::setUse(bool use) {

@@ -4,21 +4,28 @@
 #include <memory>
 
 #include "measurement/Inputs.h"
+#include "measurement/Outcome.h"
 #include "measurement/Result.h"
 #include "spectra/XafsSpectrum.h"
 
 /// The file with its digest (none when it cannot be read) and a new revision.
 FileInput fileInput(const QString& fileName);
 
-/// A spectrum file, read and normalised, with its name and digest: a reference's or the standard.
+/// A spectrum file, taken and normalised, with its name and digest: a reference's or the standard.
 struct NormalisedFile {
     FileInput file;
     XafsSpectrum spectrum;
+    QString whyNot;        ///< the last file was not taken, with its name; empty: it was
+    QStringList warnings;  ///< what was left out of it
 
-    /// Replaces the spectrum by the file's; false, and empty with a new revision, when it cannot be
-    /// read.
-    bool read(const QString& fileName, int background);
+    /// Replaces the spectrum by the file's, see takeSpectrumFile(); failed, and empty with a new
+    /// revision, when it is not taken.
+    Outcome read(const QString& fileName, int background);
     void forget();
+
+    /// What makes the normalisation worthless, with the file's name: there is no edge (midE is 0),
+    /// or the pre-edge or post-edge line rests on fewer than three points. Empty: nothing.
+    QString edgeFault() const;
 };
 
 /// One reference of the fits: its spectrum with background and energy offset, and its result
@@ -46,8 +53,14 @@ class Reference {
     quint64 revision() const { return m_revision; }
     ReferenceInput input() const;
 
-    /// False when the file cannot be read: then there is no spectrum.
-    bool read(const QString& fileName);
+    /// Failed when the file is not taken: then there is no spectrum.
+    Outcome read(const QString& fileName);
+    /// Why the file given last was not taken; empty: it was, or none was given.
+    const QString& whyNot() const { return m_file.whyNot; }
+    /// See NormalisedFile.
+    QString edgeFault() const { return m_file.edgeFault(); }
+    /// What was left out of the file, and what is wrong with its edge as it is normalised now.
+    QStringList warnings() const;
     void setUse(bool use);
     void setDeltaE(double deltaE);
     void setBackground(int background);

@@ -223,6 +223,7 @@ void Analyzer::addRow() {
     button->show();
     putNextInTabOrder(button, reference);
     connect(reference, &LCFReference::shownToggled, this, &Analyzer::showReferences);
+    connect(reference, &LCFReference::said, this, &Analyzer::said);
 }
 
 /// Makes the window as high as its references need, as far as the screen goes; then they scroll.

@@ -69,6 +69,7 @@ class Analyzer : public QFrame {
     void analyzeSpectrum0(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
                           XafsSpectrum* fitted, bool isMLCF);
     void changedSelection();
+    void said(const Outcome& outcome);  ///< of taking the file of a reference
     void finished();
 
   public slots:

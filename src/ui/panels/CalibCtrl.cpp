@@ -124,8 +124,9 @@ QString CalibCtrl::standardFileName() const {
 }
 
 void CalibCtrl::newFile(const QString& fname) {
-    m_measurement.loadStandard(fname);
-    if (!m_measurement.standardFile().isEmpty()) {  // it could be read
+    const Outcome outcome = m_measurement.loadStandard(fname);
+    emit said(outcome);
+    if (!outcome.failed()) {
         emit newStdFileLoaded();
     }
 }

@@ -34,6 +34,7 @@ class CalibCtrl : public QWidget {
 
   signals:
     void newStdFileLoaded();
+    void said(const Outcome& outcome);  ///< of taking the file of a standard
     /// A calibration is to begin, or the one that runs is to stop.
     void execCalibration();
     void saveEMap(const QString& fname);

@@ -127,7 +127,9 @@ void LCFReference::showReference() {
 }
 
 void LCFReference::newFile(const QString& fname) {
-    m_measurement.change(m_index, [&fname](Reference& r) { r.read(fname); });
+    Outcome outcome;
+    m_measurement.change(m_index, [&](Reference& r) { outcome = r.read(fname); });
+    emit said(outcome);
     emit newFileSelected();
 }
 
@@ -159,13 +161,15 @@ void LCFReference::setStd(const QString& fname, const QString& isVic) {
 }
 
 void LCFReference::setStd(const QString& fname, bool use, double deltaE, const QString& isVic) {
+    Outcome outcome;
     m_measurement.change(m_index, [&](Reference& r) {
         r.setBackground(background::fromBatchWord(isVic));
-        r.read(fname);
+        outcome = r.read(fname);
         r.setUse(use);
         r.setDeltaE(deltaE);
     });
     m_ui->DeltaE->setText(fieldText(deltaE));
+    emit said(outcome);
     emit newFileSelected();
     emit newDeltaE();
 }

@@ -66,6 +66,7 @@ class LCFReference : public QFrame {
     void newFileSelected();
     void newDeltaE();
     void shownToggled();
+    void said(const Outcome& outcome);  ///< of taking a file
 
   public slots:
     void newFile(const QString& fname);

@@ -159,6 +159,7 @@ void Body::connectImage() {
 void Body::connectPanels() {
     connect(m_ui->OpenCalibCtrl, &QPushButton::clicked, m_calib.get(), &QWidget::show);
     connect(m_calib.get(), &CalibCtrl::newStdFileLoaded, this, &Body::newStdFile);
+    connect(m_calib.get(), &CalibCtrl::said, this, &Body::say);
     connect(m_calib.get(), &CalibCtrl::execCalibration, this, &Body::execCalibration);
     connect(m_calib.get(), &CalibCtrl::saveEMap, this, &Body::saveEMap);
     connect(m_calib.get(), &CalibCtrl::loadEMap, this, &Body::loadEMap);
@@ -182,6 +183,7 @@ void Body::connectPanels() {
     connect(m_analyzer.get(), &Analyzer::askAnalyze, this, &Body::startLCF2DAnalysis);
     connect(m_analyzer.get(), &Analyzer::askRAAnalyze, this, &Body::startRA2DAnalysis);
     connect(m_analyzer.get(), &Analyzer::changedSelection, this, &Body::selectedNewRef);
+    connect(m_analyzer.get(), &Analyzer::said, this, &Body::say);
     m_analyzer->view()->setRaEnergy(m_measurement.settings().raEnergy);
 }
 
