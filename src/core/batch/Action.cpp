@@ -1,30 +1,15 @@
 #include "batch/Action.h"
 
-#include <QDebug>
 #include <QFileInfo>
 
 #include "batch/BatchTexts.h"
 
-int CommandArgs::integer(int i) const {
-    bool ok = false;
-    const int value = text(i).toInt(&ok);
-    if (!ok && !text(i).isEmpty()) {
-        qDebug().noquote() << "not an integer, read as 0:" << text(i);
-    }
-    return ok ? value : 0;
-}
-
-double CommandArgs::real(int i) const {
-    bool ok = false;
-    const double value = text(i).toDouble(&ok);
-    if (!ok && !text(i).isEmpty()) {
-        qDebug().noquote() << "not a number, read as 0:" << text(i);
-    }
-    return ok ? value : 0.0;
-}
-
 bool CommandArgs::isNew(int i) const {
     return text(i).toUpper() == QLatin1String("NEW");
+}
+
+StackId CommandArgs::stack(int i) const {
+    return text(i).toUpper() == QLatin1String("I1") ? StackId::I1 : StackId::I0;
 }
 
 void Action::expect(const FileInput& file) {

@@ -5,17 +5,19 @@
 
 #include "measurement/Measurement.h"
 
-/// The arguments of a batch line: a missing one reads as an empty text, text that is no number as
-/// 0 (said in the debug log).
+/// The arguments of a batch line, which judgeArguments() has accepted: numbers are numbers, and
+/// only those are missing that a line may do without.
 class CommandArgs {
   public:
     explicit CommandArgs(const QStringList& args) : m_args(args) {}
     QString text(int i) const { return m_args.value(i); }
-    int integer(int i) const;
-    double real(int i) const;
+    int count() const { return m_args.size(); }
+    int integer(int i) const { return text(i).toInt(); }
+    double real(int i) const { return text(i).toDouble(); }
     bool flag(int i) const { return integer(i) != 0; }
     /// The argument that is NEW in any case: frames are replaced.
     bool isNew(int i) const;
+    StackId stack(int i) const;
     QStringList from(int i) const { return m_args.mid(i); }
 
   private:

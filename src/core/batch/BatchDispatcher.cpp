@@ -4,7 +4,9 @@
 #include <utility>
 
 #include "batch/BatchText.h"
+#include "batch/BatchTexts.h"
 #include "batch/CommandTables.h"
+#include "batch/LineCheck.h"
 
 BatchDispatcher::BatchDispatcher(QObject* parent) : QObject(parent) {
     qRegisterMetaType<CmdLine>("CmdLine");
@@ -16,6 +18,7 @@ void BatchDispatcher::doDispatchCmds(const QStringList& cmdList) {
     if (cmdList != m_lines) {
         m_lines = cmdList;
     }
+    m_problems = problemsOfForm(m_lines, m_inRem);
     m_current = 0;
     m_loops.clear();
     emit started();
@@ -40,12 +43,16 @@ void BatchDispatcher::execNextLine() {
         return;
     }
     CmdLine cmd = CmdLine::parse(readLogicalLine(m_lines, &m_current));
+    cmd.line = m_current;
     m_lineInWork = m_current;
     const int control = controlId(cmd.command);
     if (control == RemEndControl) {
         m_inRem = false;
     } else if (control == RemStartControl) {
         m_inRem = true;
+    }
+    if (!m_inRem || control == RemStartControl) {
+        cmd.problems = m_problems.value(m_current);
     }
     if (!m_inRem) {
         switch (control) {
@@ -62,7 +69,9 @@ void BatchDispatcher::execNextLine() {
                 break;
         }
         if (commandId(cmd.command) != NoCommand) {
-            m_loops.substitute(&cmd.args);
+            if (!m_loops.substitute(&cmd.args)) {
+                cmd.problems.warnings << Batch::tr("endless substitution of a loop variable");
+            }
             emit log(QStringLiteral("%1 : %2\n").arg(cmd.command, cmd.args.join(QLatin1Char(' '))));
         }
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QObject>
 #include <QStringList>
 #include <atomic>
@@ -46,5 +47,6 @@ class BatchDispatcher : public QObject {
     QStringList m_lines;
     int m_current = 0;
     ForLoops m_loops;
+    QHash<int, Outcome> m_problems;  // of form, by the last physical line
     std::atomic<int> m_lineInWork{-1};
 };

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "batch/Action.h"
+#include "batch/ArgumentCheck.h"
 #include "batch/BatchTexts.h"
 #include "batch/CommandTables.h"
 #include "batch/Record.h"
@@ -44,7 +45,7 @@ void BatchRunner::execCmd(const CmdLine& cmd, bool inRem) {
         return;  // left over from a batch that has been started anew meanwhile
     }
     if (inRem) {
-        answer(cmd, {});
+        answer(cmd, cmd.problems);
     } else {
         run(cmd);
     }
@@ -53,18 +54,26 @@ void BatchRunner::execCmd(const CmdLine& cmd, bool inRem) {
 void BatchRunner::run(const CmdLine& cmd) {
     const CommandRow* row = commandRow(commandId(CmdLine::parse(cmd.command).command));
     if (row == nullptr) {
-        Outcome outcome;
+        Outcome outcome = cmd.problems;
         if (controlId(cmd.command) == NoControl) {
-            outcome = std::exchange(m_aboutRecord, {});
             emit unknownCommand(cmd);
-            outcome += Outcome::failure(Batch::tr("unknown command"));
+            if (!cmd.text.trimmed().isEmpty()) {
+                outcome += std::exchange(m_aboutRecord, {});
+                outcome += Outcome::failure(Batch::tr("unknown command"));
+            }
         }
         answer(cmd, outcome);
         return;
     }
+    Outcome outcome = std::exchange(m_aboutRecord, {});
+    outcome += cmd.problems;
+    outcome += judgeArguments(*row, cmd.args);
+    if (outcome.failed()) {
+        answer(cmd, outcome);
+        return;
+    }
     m_pacing.wait(cmd, row->work);
-    Action action{m_measurement, CommandArgs(cmd.args), m_digests, row->work,
-                  std::exchange(m_aboutRecord, {})};
+    Action action{m_measurement, CommandArgs(cmd.args), m_digests, row->work, outcome};
     m_endedWith.reset();
     m_running = true;
     row->run(action);

@@ -24,9 +24,9 @@ enum ControlId : int {
 constexpr int NoCommand = 49;
 
 enum class ArgKind {
-    Integer,       ///< decimal integer; anything else counts as 0
+    Integer,       ///< decimal integer
     Flag,          ///< integer, 0 = no
-    Real,          ///< real number; anything else counts as 0
+    Real,          ///< finite real number
     Text,          ///< as it stands
     Mode,          ///< NEW in any case replaces the stack, every other word adds to it
     InFile,        ///< file to read
@@ -53,7 +53,7 @@ struct CommandRow {
     int id;
     const char* name;
     std::vector<ArgKind> args;
-    int required;  ///< so many arguments must be there to do something sensible
+    int required;  ///< with fewer arguments the line fails
     bool repeats;  ///< the last argument may be given any number of times
     Work work;     ///< the line is answered when this has ended; None: at once
     Run run;

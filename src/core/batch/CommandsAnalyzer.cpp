@@ -27,9 +27,23 @@ void setReference(Action& a) {
 
 void selectType(Action& a) {
     const int type = a.args.integer(0);
-    if (type >= 0 && type < Reference::KindCount) {
-        a.measurement.set(&Settings::resultType, type);
+    if (type < 0 || type >= Reference::KindCount) {
+        a.fail(Batch::tr("%1 is out of range %2 to %3")
+                   .arg(type)
+                   .arg(0)
+                   .arg(Reference::KindCount - 1));
+        return;
     }
+    a.measurement.set(&Settings::resultType, type);
+}
+
+void selectResult(Action& a) {
+    const int id = a.args.integer(0);
+    const int last = a.measurement.referenceCount() + ResidualCount - 1;
+    if (id < 0 || id > last) {
+        a.fail(Batch::tr("%1 is out of range %2 to %3").arg(id).arg(0).arg(last));
+    }
+    a.measurement.select(id);  // tells in any case
 }
 
 /// A number in a field.
@@ -94,7 +108,7 @@ void addAnalyzerCommands(std::vector<CommandRow>* rows) {
          1,
          false,
          Work::None,
-         [](Action& a) { a.measurement.select(a.args.integer(0)); },
+         selectResult,
          [](CommandCheck& c, const CmdLine& cmd) { c.checkResult(cmd); }},
         {20,
          "analyzer_select_image_type",

@@ -1,6 +1,6 @@
 // Commands of the energy calibration.
 
-#include <algorithm>
+#include <cmath>
 
 #include "batch/CommandRows.h"
 #include "measurement/Saving.h"
@@ -22,25 +22,16 @@ void loadMap(Action& a) {
 
 template <int Settings::*Background>
 void setBackground(Action& a) {
-    const int background = backgroundOfWord(a.args.text(0));
-    if (background < 0) {
-        a.fail(Batch::tr("no such background: %1").arg(a.args.text(0)));
-        return;
-    }
-    a.measurement.set(Background, background);
+    a.measurement.set(Background, backgroundOfWord(a.args.text(0)));
 }
 
-void setCrystal(Action& a) {
-    const QString name = a.args.text(0);
-    const auto found =
-        std::find_if(CrystalTable.begin(), CrystalTable.end(), [&name](const Crystal& crystal) {
-            return name.compare(QLatin1String(crystal.name), Qt::CaseInsensitive) == 0;
-        });
-    if (found == CrystalTable.end()) {
-        a.fail(Batch::tr("no such crystal: %1").arg(name));
-        return;
+void setEdgeEnergy(Action& a) {
+    const QString text = a.args.text(0);
+    bool ok = true;
+    if (!text.isEmpty() && !(std::isfinite(text.toDouble(&ok)) && ok)) {
+        a.outcome.warnings << Batch::tr("'%1' is not a number").arg(text);
     }
-    a.measurement.set(&Settings::crystal, static_cast<int>(found - CrystalTable.begin()));
+    a.measurement.set(&Settings::edgeEnergy, text);
 }
 
 }  // namespace
@@ -63,13 +54,7 @@ void addCalibrationCommands(std::vector<CommandRow>* rows) {
          Work::None,
          loadStandard,
          [](CommandCheck& c, const CmdLine& cmd) { c.noteStandard(cmd); }},
-        {33,
-         "calib_set_edge_eV",
-         {K::Text},
-         1,
-         false,
-         Work::None,
-         [](Action& a) { a.measurement.set(&Settings::edgeEnergy, a.args.text(0)); }},
+        {33, "calib_set_edge_eV", {K::Text}, 0, false, Work::None, setEdgeEnergy},
         {34,
          "calib_exec",
          {},
@@ -108,7 +93,13 @@ void addCalibrationCommands(std::vector<CommandRow>* rows) {
          false,
          Work::None,
          setBackground<&Settings::standardBackground>},
-        {56, "calib_set_crystal", {K::Crystal}, 1, false, Work::None, setCrystal},
+        {56,
+         "calib_set_crystal",
+         {K::Crystal},
+         1,
+         false,
+         Work::None,
+         [](Action& a) { a.measurement.set(&Settings::crystal, crystalOfName(a.args.text(0))); }},
         {57,
          "calib_smooth_map",
          {},

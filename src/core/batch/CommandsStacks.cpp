@@ -15,39 +15,20 @@ void loadOfPattern(Action& a, StackId id) {
     a.measurement.load(id, files, a.args.isNew(0));
 }
 
-bool stackOf(Action& a, StackId* id) {
-    const QString name = a.args.text(0).toUpper();
-    if (name != QLatin1String("I1") && name != QLatin1String("I0")) {
-        a.fail(Batch::tr("neither I1 nor I0: %1").arg(a.args.text(0)));
-        return false;
-    }
-    *id = name == QLatin1String("I1") ? StackId::I1 : StackId::I0;
-    return true;
-}
-
 void setEnergyPattern(Action& a) {
-    StackId id = StackId::I1;
-    if (!stackOf(a, &id)) {
+    const QString pattern = a.args.text(1);
+    if (!QRegularExpression(pattern).isValid()) {
+        a.fail(Batch::tr("no regular expression: %1").arg(pattern));
         return;
     }
-    const QString unit = a.args.text(2).toLower();
-    if (unit != QLatin1String("ev") && unit != QLatin1String("kev")) {
-        a.fail(Batch::tr("neither eV nor keV: %1").arg(a.args.text(2)));
-        return;
-    }
-    if (!QRegularExpression(a.args.text(1)).isValid()) {
-        a.outcome.warnings
-            << Batch::tr("no regular expression: %1; frames are numbered").arg(a.args.text(1));
-    }
-    a.measurement.setNames(id, {a.args.text(1), unit == QLatin1String("kev")});
+    const bool isKeV = a.args.text(2).toLower() == QLatin1String("kev");
+    a.measurement.setNames(a.args.stack(0), {pattern, isKeV});
 }
 
 void loadNew(Action& a) {
-    StackId id = StackId::I1;
-    if (stackOf(a, &id)) {
-        a.awaited = id == StackId::I1 ? Work::LoadI1 : Work::LoadI0;
-        a.outcome += a.measurement.loadNew(id);
-    }
+    const StackId id = a.args.stack(0);
+    a.awaited = id == StackId::I1 ? Work::LoadI1 : Work::LoadI0;
+    a.outcome += a.measurement.loadNew(id);
 }
 
 void loadDarkOfPattern(Action& a) {

@@ -1,8 +1,5 @@
 // Commands for bins, area, position and what is on display.
 
-#include <algorithm>
-#include <cmath>
-
 #include "batch/CommandRows.h"
 #include "measurement/Display.h"
 #include "spectra/Units.h"
@@ -12,17 +9,35 @@ namespace {
 void selectRegion(Action& a) {
     Measurement& m = a.measurement;
     const Area area{a.args.integer(0), a.args.integer(1), a.args.integer(2), a.args.integer(3)};
-    m.set(&Settings::area, area);
-    if (!area.isWhole() && m.imageSize().width() >= 0 && m.selection().isEmpty()) {
-        a.fail(Batch::tr("no part of the region lies inside the image"));
+    a.outcome += m.judge(area);
+    if (!a.outcome.failed()) {
+        m.set(&Settings::area, area.clipped(m.imageSize()));
+    }
+}
+
+void movePosition(Action& a) {
+    const QPoint at(a.args.integer(0), a.args.integer(1));
+    const QSize size = a.measurement.imageSize();
+    if (size.isEmpty()) {
+        a.fail(Batch::tr("there is no image to move in"));
+    } else if (!QRect(QPoint(0, 0), size).contains(at)) {
+        a.fail(Batch::tr("the image is %1 x %2 pixels: there is no position %3, %4")
+                   .arg(size.width())
+                   .arg(size.height())
+                   .arg(at.x())
+                   .arg(at.y()));
+    } else {
+        a.measurement.setPosition(at.x(), at.y());
     }
 }
 
 void selectDisplay(Action& a) {
     const int n = a.args.integer(0);
-    if (n >= static_cast<int>(Shown::I1) && n <= static_cast<int>(Shown::Result)) {
-        a.measurement.set(&Settings::shown, static_cast<Shown>(n));
+    if (n < static_cast<int>(Shown::I1) || n > static_cast<int>(Shown::Result)) {
+        a.fail(Batch::tr("%1 is out of range %2 to %3").arg(n).arg(0).arg(3));
+        return;
     }
+    a.measurement.set(&Settings::shown, static_cast<Shown>(n));
 }
 
 void showFrame(Action& a) {
@@ -38,27 +53,29 @@ void showFrame(Action& a) {
 void setPlotAxes(Action& a) {
     const int ordinate = a.args.integer(0);
     const QString unit = a.args.text(1);
-    const auto found = std::find_if(UnitTable.begin(), UnitTable.end(), [&unit](const Unit& u) {
-        return unit.compare(QLatin1String(u.name), Qt::CaseInsensitive) == 0;
-    });
+    const int abscissa = unitOfName(unit);
     if (ordinate < SpectrumPlot::MuT || ordinate > SpectrumPlot::PostBasedBySpan) {
         a.fail(Batch::tr("there is no ordinate %1").arg(a.args.text(0)));
-    } else if (found == UnitTable.end()) {
+    } else if (abscissa < 0) {
         a.fail(Batch::tr("there is no unit %1").arg(unit));
     } else {
         a.measurement.set(&Settings::plotOrdinate, ordinate);
-        a.measurement.set(&Settings::plotAbscissa, static_cast<int>(found - UnitTable.begin()));
+        a.measurement.set(&Settings::plotAbscissa, abscissa);
     }
 }
 
 /// Two numbers fix the range; none leaves each frame its own.
 void setViewRange(Action& a) {
-    if (a.args.from(0).isEmpty()) {
+    if (a.args.count() == 0) {
         a.measurement.set(&Settings::viewRange, ViewRange());
         return;
     }
     const ViewRange range{true, a.args.real(0), a.args.real(1)};
-    if (!std::isfinite(range.low) || !std::isfinite(range.high) || range.high <= range.low) {
+    if (a.args.count() < 2) {
+        a.fail(Batch::tr("too few arguments: a range has two ends"));
+        return;
+    }
+    if (range.high <= range.low) {
         a.fail(Batch::tr("the upper end of a range must lie above the lower one"));
         return;
     }
@@ -98,7 +115,7 @@ void addViewCommands(std::vector<CommandRow>* rows) {
          2,
          false,
          Work::None,
-         [](Action& a) { a.measurement.setPosition(a.args.integer(0), a.args.integer(1)); },
+         movePosition,
          [](CommandCheck& c, const CmdLine&) { c.setMoved(); }},
         {13,
          "select_region",

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "batch/BatchTexts.h"
 #include "batch/CommandTables.h"
 #include "batch/ForLoops.h"
 #include "batch/LineItems.h"
@@ -62,7 +63,7 @@ QString quoteProblem(const QString& line) {
         if (line.at(i) == QLatin1Char('"')) {
             const int end = line.indexOf(QLatin1Char('"'), i + 1);
             if (end < 0) {
-                return QStringLiteral("a quote is opened but not closed");
+                return Batch::tr("a quote is opened but not closed");
             }
             i = end + 1;
             continue;
@@ -72,48 +73,57 @@ QString quoteProblem(const QString& line) {
             ++i;
         }
         if (line.mid(start, i - start).contains(QLatin1Char('"'))) {
-            return QStringLiteral("a quote inside an item is part of it: start the item with it");
+            return Batch::tr("a quote inside an item is part of it: start the item with it");
         }
     }
     return QString();
 }
 
-class LineChecker {
+QString surplus(const QStringList& args, int wanted) {
+    return args.size() > wanted ? Batch::tr("'%1' is ignored: too many arguments")
+                                      .arg(args.mid(wanted).join(QLatin1Char(' ')))
+                                : QString();
+}
+
+class FormChecker {
   public:
-    LineChecker(const BatchText& text, const Report& report) : m_text(text), m_report(report) {}
+    FormChecker(const BatchText& text, const Report& report) : m_text(text), m_report(report) {}
 
     void check(const QVector<CheckedLine>& lines) {
         for (const CheckedLine& line : lines) {
             checkRemarks(line);
             checkContinuation(line);
             if (!line.inRemark) {
-                checkWords(line);
+                warn(line.number, quoteProblem(line.cmd.text));
+                checkControl(line);
             }
         }
         if (m_remark > 0) {
-            error(m_remark, QStringLiteral("this remark is never closed by :rem_end"));
+            error(m_remark, Batch::tr("this remark is never closed by :rem_end"));
         }
         for (const auto& loop : m_open) {
-            error(loop.second,
-                  QStringLiteral("loop '%1' is never closed by :next").arg(loop.first));
+            error(loop.second, Batch::tr("loop '%1' is never closed by :next").arg(loop.first));
         }
     }
 
   private:
     void error(int line, const QString& what) { m_report(line, false, what); }
-    void warn(int line, const QString& what) { m_report(line, true, what); }
+    void warn(int line, const QString& what) {
+        if (!what.isEmpty()) {
+            m_report(line, true, what);
+        }
+    }
 
     void checkRemarks(const CheckedLine& line) {
         if (line.control == RemStartControl) {
             if (m_remark > 0) {
-                warn(line.number,
-                     QStringLiteral("remarks do not nest: the first :rem_end ends it"));
+                warn(line.number, Batch::tr("remarks do not nest: the first :rem_end ends it"));
             } else {
                 m_remark = line.number;
             }
         } else if (line.control == RemEndControl) {
             if (m_remark == 0) {
-                warn(line.number, QStringLiteral(":rem_end without :rem_start"));
+                warn(line.number, Batch::tr(":rem_end without :rem_start"));
             }
             m_remark = 0;
         }
@@ -127,49 +137,15 @@ class LineChecker {
             if (line.inRemark ? ends
                               : controlId(word) != NoControl || commandId(word) != NoCommand) {
                 m_report(m_text.numbers.at(i), !ends,
-                         QStringLiteral("the backslash at the end of the line before makes '%1' "
-                                        "part of that line")
+                         Batch::tr("the backslash at the end of the line before makes '%1' part "
+                                   "of that line")
                              .arg(word));
             }
         }
         QString end = m_text.lines.at(line.last);
         if (line.last + 1 == m_text.lines.size() && hasContinuation(end)) {
-            error(m_text.numbers.at(line.last),
-                  QStringLiteral("a backslash continues this line, but no line follows"));
-        }
-    }
-
-    void checkWords(const CheckedLine& line) {
-        const QString quotes = quoteProblem(line.cmd.text);
-        if (!quotes.isEmpty()) {
-            error(line.number, quotes);
-        }
-        if (line.control != NoControl) {
-            checkControl(line);
-        } else if (line.command != NoCommand) {
-            checkCount(line);
-        } else if (line.cmd.command.startsWith(QLatin1Char('#'))) {
-            error(line.number, QStringLiteral("'#' does not start a comment: "
-                                              "use :rem_start and :rem_end"));
-        } else {
-            error(line.number, QStringLiteral("unknown command '%1'").arg(line.cmd.command) +
-                                   suggestion(line.cmd.command));
-        }
-    }
-
-    void checkCount(const CheckedLine& line) {
-        const CommandRow& row = *commandRow(line.command);
-        const int count = line.cmd.args.size();
-        if (count < row.required) {
-            error(line.number, QStringLiteral("too few arguments: ") + commandSyntax(row));
-        }
-        checkSurplus(line, row.repeats ? count : static_cast<int>(row.args.size()));
-    }
-
-    void checkSurplus(const CheckedLine& line, int wanted) {
-        if (line.cmd.args.size() > wanted) {
-            warn(line.number, QStringLiteral("'%1' is ignored: too many arguments")
-                                  .arg(line.cmd.args.mid(wanted).join(QLatin1Char(' '))));
+            warn(m_text.numbers.at(line.last),
+                 Batch::tr("a backslash continues this line, but no line follows"));
         }
     }
 
@@ -183,12 +159,14 @@ class LineChecker {
                 break;
             case EchoControl:
                 if (line.cmd.args.size() > 1) {
-                    warn(line.number, QStringLiteral("only '%1' is echoed: put the text in quotes")
+                    warn(line.number, Batch::tr("only '%1' is echoed: put the text in quotes")
                                           .arg(line.cmd.arg(0)));
                 }
                 break;
+            case NoControl:
+                break;
             default:
-                checkSurplus(line, 0);
+                warn(line.number, surplus(line.cmd.args, 0));
                 break;
         }
     }
@@ -197,39 +175,38 @@ class LineChecker {
         ForLoops loops;
         const ForLoop loop = loops.begin(line.cmd.args, line.last);
         if (loop.to.isEmpty()) {
-            error(line.number,
-                  QStringLiteral(":for needs four arguments: name placeholder from to"));
+            error(line.number, Batch::tr(":for needs four arguments: name placeholder from to"));
         } else {
-            checkSurplus(line, 4);
+            warn(line.number, surplus(line.cmd.args, 4));
             for (const QString& bound : {loop.from, loop.to}) {
                 bool ok = false;
                 bound.toInt(&ok);
                 if (!ok) {
-                    warn(line.number,
-                         QStringLiteral("'%1' is not an integer and counts as 0").arg(bound));
+                    error(line.number,
+                          Batch::tr("'%1' is not an integer and counts as 0").arg(bound));
                 }
             }
         }
         const auto old = find(loop.name);
         if (old != m_open.end()) {
             error(old->second,
-                  QStringLiteral("loop '%1' is not closed before :for in line %2 starts it anew")
-                      .arg(loop.name, QString::number(line.number)));
+                  Batch::tr("loop '%1' is not closed before another :for starts it anew")
+                      .arg(loop.name));
             m_open.erase(old);
         }
         m_open.emplace_back(loop.name, line.number);
     }
 
     void checkNext(const CheckedLine& line) {
-        checkSurplus(line, 1);
+        warn(line.number, surplus(line.cmd.args, 1));
         const QString name = line.cmd.arg(0);
         const auto loop = find(name);
         if (loop == m_open.end()) {
-            error(line.number, QStringLiteral(":next without :for of the name '%1'").arg(name));
+            error(line.number, Batch::tr(":next without :for of the name '%1'").arg(name));
             return;
         }
         if (loop != m_open.end() - 1) {
-            warn(line.number, QStringLiteral("loop '%1' ends before loop '%2' inside it")
+            warn(line.number, Batch::tr("loop '%1' ends before loop '%2' inside it")
                                   .arg(name, m_open.back().first));
         }
         m_open.erase(loop);
@@ -247,11 +224,32 @@ class LineChecker {
     Open m_open;       // loops: name, line
 };
 
+void checkWords(const CheckedLine& line, const Report& report) {
+    if (line.command != NoCommand) {
+        const CommandRow& row = *commandRow(line.command);
+        const int count = line.cmd.args.size();
+        if (count < row.required) {
+            report(line.number, false, QStringLiteral("too few arguments: ") + commandSyntax(row));
+        }
+        const QString ignored =
+            surplus(line.cmd.args, row.repeats ? count : static_cast<int>(row.args.size()));
+        if (!ignored.isEmpty()) {
+            report(line.number, true, ignored);
+        }
+    } else if (line.cmd.command.startsWith(QLatin1Char('#'))) {
+        report(line.number, false,
+               QStringLiteral("'#' does not start a comment: use :rem_start and :rem_end"));
+    } else {
+        report(line.number, false,
+               QStringLiteral("unknown command '%1'").arg(line.cmd.command) +
+                   suggestion(line.cmd.command));
+    }
+}
+
 }  // namespace
 
-QVector<CheckedLine> logicalLines(const BatchText& text) {
+QVector<CheckedLine> logicalLines(const BatchText& text, bool inRemark) {
     QVector<CheckedLine> lines;
-    bool inRemark = false;
     for (int i = 0; i < text.lines.size(); ++i) {
         CheckedLine line;
         line.first = i;
@@ -271,6 +269,35 @@ QVector<CheckedLine> logicalLines(const BatchText& text) {
     return lines;
 }
 
+void checkForm(const BatchText& text, const QVector<CheckedLine>& lines, const Report& report) {
+    FormChecker(text, report).check(lines);
+}
+
 void checkLines(const BatchText& text, const QVector<CheckedLine>& lines, const Report& report) {
-    LineChecker(text, report).check(lines);
+    checkForm(text, lines, report);
+    for (const CheckedLine& line : lines) {
+        if (!line.inRemark && line.control == NoControl) {
+            checkWords(line, report);
+        }
+    }
+}
+
+QHash<int, Outcome> problemsOfForm(const QStringList& lines, bool inRemark) {
+    const SilentItems silent;  // what is said of items is said when they are taken
+    BatchText text;
+    text.lines = lines;
+    for (int i = 0; i < lines.size(); ++i) {
+        text.numbers << i;
+    }
+    QVector<int> lastOf(lines.size());
+    const QVector<CheckedLine> logical = logicalLines(text, inRemark);
+    for (const CheckedLine& line : logical) {
+        std::fill(lastOf.begin() + line.first, lastOf.begin() + line.last + 1, line.last);
+    }
+    QHash<int, Outcome> problems;
+    checkForm(text, logical, [&](int line, bool warning, const QString& what) {
+        Outcome& outcome = problems[lastOf.at(line)];
+        (warning ? outcome.warnings : outcome.failures) << what;
+    });
+    return problems;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -22,9 +23,16 @@ struct CheckedLine {
 /// Takes what is found: line number in the file, whether it is a warning only, text.
 using Report = std::function<void(int line, bool warning, const QString& text)>;
 
-/// Splits a batch into its logical lines and follows its remarks.
-QVector<CheckedLine> logicalLines(const BatchText& text);
+/// Splits a batch into its logical lines and follows its remarks; inRemark: it begins in one.
+QVector<CheckedLine> logicalLines(const BatchText& text, bool inRemark = false);
 
-/// What can be said of the lines as they stand: their words, quotes, continuations and remarks,
-/// the number of arguments, the pairing of loops.
+/// What can be said of the form of lines as they stand: quotes, continuations, remarks, the
+/// arguments of control words and the pairing of loops.
+void checkForm(const BatchText& text, const QVector<CheckedLine>& lines, const Report& report);
+
+/// The same, and words that are no commands and the number of arguments.
 void checkLines(const BatchText& text, const QVector<CheckedLine>& lines, const Report& report);
+
+/// What checkForm() says of lines that are about to be run, by the index of the last physical line
+/// of each logical one. Lines without a problem have no entry.
+QHash<int, Outcome> problemsOfForm(const QStringList& lines, bool inRemark);

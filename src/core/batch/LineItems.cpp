@@ -6,6 +6,14 @@ namespace {
 
 const QChar Quote = QLatin1Char('"');
 
+thread_local int silent = 0;
+
+void say(const QString& text, const QString& line) {
+    if (silent == 0) {
+        qDebug().noquote() << text.arg(line);
+    }
+}
+
 // White space of ASCII only: any other is part of an item.
 bool separates(QChar c) {
     return c == QLatin1Char(' ') || (c >= QLatin1Char('\t') && c <= QLatin1Char('\r'));
@@ -28,9 +36,8 @@ int firstBlank(const QString& line, int from) {
 QString takeQuoted(const QString& line, int from, int* place) {
     const int end = line.indexOf(Quote, from);
     if (end < 0) {
-        qDebug().noquote()
-            << QStringLiteral("In a line [%1] item is started from quote but not ended by quote")
-                   .arg(line.mid(*place));
+        say(QStringLiteral("In a line [%1] item is started from quote but not ended by quote"),
+            line.mid(*place));
         *place = line.size();
         return line.mid(from);
     }
@@ -39,6 +46,14 @@ QString takeQuoted(const QString& line, int from, int* place) {
 }
 
 }  // namespace
+
+SilentItems::SilentItems() {
+    ++silent;
+}
+
+SilentItems::~SilentItems() {
+    --silent;
+}
 
 QString stripComment(const QString& line) {
     const int comment = line.indexOf(QLatin1Char('#'));
@@ -78,9 +93,8 @@ QString takeItemAt(const QString& line, int* place) {
     }
     const int end = firstBlank(line, start);
     if (end == line.size() && line.endsWith(Quote)) {
-        qDebug().noquote()
-            << QStringLiteral("In a line [%1] item is started from not quote but ended by quote")
-                   .arg(line.mid(*place));
+        say(QStringLiteral("In a line [%1] item is started from not quote but ended by quote"),
+            line.mid(*place));
     }
     *place = end;
     return line.mid(start, end - start);

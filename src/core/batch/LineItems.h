@@ -6,6 +6,15 @@
 // ASCII) separates items, an item that begins with a double quote runs to the next one, "#" starts
 // a comment, a trailing backslash continues the line on the next.
 
+/// While one lives, its thread splits lines without a debug line: for those who look ahead.
+class SilentItems {
+  public:
+    SilentItems();
+    ~SilentItems();
+    SilentItems(const SilentItems&) = delete;
+    SilentItems& operator=(const SilentItems&) = delete;
+};
+
 /// The text before the first "#", quoted or not.
 QString stripComment(const QString& line);
 

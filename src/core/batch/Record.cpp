@@ -96,7 +96,7 @@ void presentSettings(RecordWriter& w, const Measurement& m) {
               CrystalTable[static_cast<std::size_t>(toClampedInt(s.crystal, 0, last))].name)});
     w.standard(in.standard, in.standardBackground);
     w.put(QStringLiteral("edge"), QStringLiteral("calib_set_edge_eV"),
-          s.edgeEnergy.isEmpty() ? QStringList() : QStringList{s.edgeEnergy});
+          edgeEnergyArgs(s.edgeEnergy));
     w.inputs(in, Work::Fit);
     for (const ResultId id : {ResultId::DMut, ResultId::Ratio}) {
         w.scaleOf(resultKind(id), s);
@@ -124,9 +124,9 @@ void presentSettings(RecordWriter& w, const Measurement& m) {
     if ((s.shown == Shown::I1 || s.shown == Shown::I0) && m.frame() >= 0 && m.frame() != newest) {
         w.line(QStringLiteral("show_frame"), {text(m.frame())});
     }
-    if (m.position().x() >= 0.0 && m.position().y() >= 0.0) {
-        w.line(QStringLiteral("move_position"),
-               {text(toPixel(m.position().x())), text(toPixel(m.position().y()))});
+    const QPoint at(toPixel(m.position().x()), toPixel(m.position().y()));
+    if (QRect(QPoint(0, 0), m.imageSize()).contains(at)) {
+        w.line(QStringLiteral("move_position"), {text(at.x()), text(at.y())});
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <QLocale>
 #include <QRegularExpression>
+#include <cmath>
 
 #include "batch/BatchLine.h"
 #include "files/FileNames.h"
@@ -10,6 +11,8 @@
 #include "spectra/Units.h"
 
 namespace {
+
+constexpr int AnySize = 1 << 30;
 
 QString number(int n) {
     return QString::number(n);
@@ -28,10 +31,18 @@ QString joined(const QString& command, const QStringList& args) {
 }
 
 QStringList namesArgs(const QString& stack, const NamePattern& names) {
-    return {stack, names.pattern, names.unit()};
+    // A batch takes no pattern that is none; it finds nothing, and so does this one.
+    const bool isValid = QRegularExpression(names.pattern).isValid();
+    return {stack, isValid ? names.pattern : QStringLiteral("(?!)"), names.unit()};
 }
 
 }  // namespace
+
+QStringList edgeEnergyArgs(const QString& text) {
+    bool ok = false;
+    const double energy = text.toDouble(&ok);
+    return ok && std::isfinite(energy) ? QStringList{text} : QStringList();
+}
 
 RecordWriter::RecordWriter(const QString& folder) : m_folder(folder) {
     const auto atStart = [this](const char* key, const char* command, const QStringList& args) {
@@ -198,7 +209,7 @@ void RecordWriter::map(const std::shared_ptr<const MapInput>& map) {
         // A map is held against the images that are loaded, if any are.
         stack("I1", {});
         put(QStringLiteral("edge"), QStringLiteral("calib_set_edge_eV"),
-            map->edgeEnergy.isEmpty() ? QStringList() : QStringList{map->edgeEnergy});
+            edgeEnergyArgs(map->edgeEnergy));
         digest(map->file);
         line(QStringLiteral("calib_load_map"), {fileName(map->file.path)});
     }
@@ -233,8 +244,10 @@ void RecordWriter::inputs(const Inputs& in, Work work) {
     frames(in);
     put(QStringLiteral("width"), QStringLiteral("set_band_w"), {number(in.halfWidth)});
     put(QStringLiteral("height"), QStringLiteral("set_band_h"), {number(in.halfHeight)});
+    const bool isWhole = in.area.within(AnySize, AnySize).isEmpty();  // or of no image
+    const Area area = isWhole ? Area() : in.area.clipped(in.size);
     put(QStringLiteral("area"), QStringLiteral("select_region"),
-        {number(in.area.x0), number(in.area.y0), number(in.area.x1), number(in.area.y1)});
+        {number(area.x0), number(area.y0), number(area.x1), number(area.y1)});
     if (work == Work::Calibrate) {
         standard(in.standard, in.standardBackground);
         return;

@@ -8,6 +8,9 @@
 #include "measurement/Measurement.h"
 #include "measurement/RecordLines.h"
 
+/// The arguments of calib_set_edge_eV for a text of that field: none where it is no number.
+QStringList edgeEnergyArgs(const QString& text);
+
 /// Writes inputs and settings as batch lines, leaving out what is in force already: at first the
 /// state of a program that has just started.
 class RecordWriter {

@@ -114,9 +114,11 @@ Outcome fixPercentiles(Measurement& measurement) {
             QCoreApplication::translate("Measurement", "there is no frame on display"));
     }
     const auto [low, high] = countPercentiles(*frame, 0.01);
-    if (high > low) {
-        measurement.set(&Settings::viewRange, ViewRange{true, low, high});
+    if (high <= low) {
+        return Outcome::failure(QCoreApplication::translate(
+            "Measurement", "the percentiles of the frame are one value: the range stays"));
     }
+    measurement.set(&Settings::viewRange, ViewRange{true, low, high});
     return {};
 }
 

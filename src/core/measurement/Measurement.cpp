@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "absorption/AbsorptionSource.h"
 #include "base/DebugLog.h"
@@ -82,10 +83,38 @@ void Measurement::setImageSize(const QSize& size) {
     m_dark.setImageSize(size.width(), size.height());
     // Between two stacks there is no image; the area waits for the next one.
     if (!size.isEmpty() && !m_settings.area.isWhole()) {
+        m_aboutArea = judge(m_settings.area);
+        if (m_aboutArea.failed()) {
+            m_aboutArea.failures << tr("the whole image is taken instead");
+        }
         const QRect inside = selection().toRect();
         m_settings.area = {inside.left(), inside.top(), inside.left() + inside.width(),
                            inside.top() + inside.height()};
     }
+}
+
+Outcome Measurement::judge(const Area& area) const {
+    constexpr int AnySize = 1 << 30;
+    const bool isKnown = !m_size.isEmpty();
+    const QSize size = isKnown ? m_size : QSize(AnySize, AnySize);
+    if (area.isWhole()) {
+        return {};
+    }
+    if (area.within(size.width(), size.height()).isEmpty()) {
+        return Outcome::failure(isKnown ? tr("no part of the region lies inside the image of %1 x "
+                                             "%2 pixels")
+                                              .arg(size.width())
+                                              .arg(size.height())
+                                        : tr("the region holds no pixel of any image"));
+    }
+    const Area inside = area.clipped(size);
+    return inside == area ? Outcome()
+                          : Outcome::warning(tr("the region reaches over the edge of the image: "
+                                                "%1 %2 %3 %4 is left of it")
+                                                 .arg(inside.x0)
+                                                 .arg(inside.y0)
+                                                 .arg(inside.x1)
+                                                 .arg(inside.y1));
 }
 
 void Measurement::inputsChanged(Changes what) {
@@ -130,6 +159,9 @@ void Measurement::loadEnded(StackId id) {
     const QStringList unread = stack(id).takeFailures();
     for (const QString& file : unread) {
         outcome.failures << tr("cannot be read: %1").arg(file);
+    }
+    if (id == StackId::I1) {
+        outcome += std::exchange(m_aboutArea, {});
     }
     emit changed(AtWork);
     emit ended(id == StackId::I1 ? Work::LoadI1 : Work::LoadI0, outcome);
@@ -261,9 +293,10 @@ Outcome Measurement::loadMap(const QString& fileName) {
         setImageSize(size);
     }
     inputsChanged(Changes(Map) | Frames | Results | Display);
-    return whole
-               ? Outcome::note(tr("Loaded %1").arg(QFileInfo(fileName).fileName()))
-               : Outcome::failure(tr("no whole energy map of the images' size: %1").arg(fileName));
+    Outcome outcome =
+        whole ? Outcome::note(tr("Loaded %1").arg(QFileInfo(fileName).fileName()))
+              : Outcome::failure(tr("no whole energy map of the images' size: %1").arg(fileName));
+    return outcome += std::exchange(m_aboutArea, {});
 }
 
 void Measurement::clearMap() {

@@ -61,6 +61,9 @@ class Measurement : public QObject {
     void clear(StackId id);
     Outcome loadNew(StackId id);  ///< the files that have come beside the last one loaded
     void stopLoading();
+    /// Failed: no pixel of the image lies in such an area, or of no image while there is none.
+    /// Warns where it reaches over the edge.
+    Outcome judge(const Area& area) const;
     QSize imageSize() const { return m_size; }  ///< of the first I1 frame; -1 x -1 without
     DarkData& dark() { return m_dark; }
     const DarkData& dark() const { return m_dark; }
@@ -150,6 +153,7 @@ class Measurement : public QObject {
     quint64 m_darkRevision = 0;
     bool m_darkIsNew = false;
     QSize m_size{-1, -1};
+    Outcome m_aboutArea;        // that was selected before the image's size was known
     int m_frame[2] = {-1, -1};  // by StackId
     NormalisedFile m_standard;
     bool m_hasStandard = false;

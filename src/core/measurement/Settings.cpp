@@ -12,6 +12,18 @@ QRectF Area::within(int width, int height) const {
     return inside.isEmpty() ? QRectF() : inside;
 }
 
+Area Area::clipped(const QSize& image) const {
+    const auto isInside = [&image](int x, int y) {
+        return x >= 0 && y >= 0 && x <= image.width() && y <= image.height();
+    };
+    if (image.isEmpty() || (isInside(x0, y0) && isInside(x1, y1))) {
+        return *this;
+    }
+    const QRect inside = within(image.width(), image.height()).toRect();
+    return {inside.left(), inside.top(), inside.left() + inside.width(),
+            inside.top() + inside.height()};
+}
+
 QString backgroundWord(int background) {
     const auto kind = static_cast<std::size_t>(background::kindOf(background));
     return QString::fromLatin1(background::rows()[kind].title);

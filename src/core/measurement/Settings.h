@@ -41,6 +41,8 @@ struct Area {
     bool isWhole() const { return x0 == 0 && y0 == 0 && x1 == 0 && y1 == 0; }
     /// The part of the area that lies inside the image, empty for none.
     QRectF within(int width, int height) const;
+    /// That part as an area, all zero for none; the area itself where there is no image.
+    Area clipped(const QSize& image) const;
     bool operator==(const Area& o) const {
         return x0 == o.x0 && y0 == o.y0 && x1 == o.x1 && y1 == o.y1;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 #include <array>
 
 /// A unit of the abscissa and the printf format of values in it.
@@ -24,6 +25,10 @@ constexpr std::array<Crystal, 5> CrystalTable{{{"Si(111)", 3.1355316},
                                                {"Si(333)", 1.0451772},
                                                {"Ge(111)", 3.2663822},
                                                {"Ge(333)", 1.0887941}}};
+
+/// The place in its table of a unit, or of a crystal, of that name in any case; -1 for none.
+int unitOfName(const QString& name);
+int crystalOfName(const QString& name);
 
 /// Wavelength in angstrom of an energy in eV.
 double wavelengthOf(double energy);

@@ -1,0 +1,78 @@
+#include "batch/ArgumentCheck.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "batch/BatchTexts.h"
+#include "batch/CommandTables.h"
+#include "measurement/Settings.h"
+#include "spectra/Units.h"
+
+namespace {
+
+bool isOneOf(const QString& text, std::initializer_list<const char*> words) {
+    return std::any_of(words.begin(), words.end(), [&text](const char* word) {
+        return text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0;
+    });
+}
+
+/// Why the text is not of its kind; empty: it is.
+QString refusal(ArgKind kind, const QString& text) {
+    bool ok = true;
+    switch (kind) {
+        case ArgKind::Integer:
+        case ArgKind::Flag:
+            text.toInt(&ok);
+            return ok ? QString() : Batch::tr("'%1' is not an integer").arg(text);
+        case ArgKind::Real:
+            ok = std::isfinite(text.toDouble(&ok)) && ok;
+            return ok ? QString() : Batch::tr("'%1' is not a number").arg(text);
+        case ArgKind::Stack:
+            ok = isOneOf(text, {"I1", "I0"});
+            return ok ? QString() : Batch::tr("neither I1 nor I0: %1").arg(text);
+        case ArgKind::Unit:
+            ok = isOneOf(text, {"eV", "keV"});
+            return ok ? QString() : Batch::tr("neither eV nor keV: %1").arg(text);
+        case ArgKind::Background:
+            ok = backgroundOfWord(text) >= 0;
+            return ok ? QString() : Batch::tr("no such background: %1").arg(text);
+        case ArgKind::Crystal:
+            ok = crystalOfName(text) >= 0;
+            return ok ? QString() : Batch::tr("no such crystal: %1").arg(text);
+        case ArgKind::Text:
+        case ArgKind::Mode:
+        case ArgKind::InFile:
+        case ArgKind::OutFile:
+        case ArgKind::Directory:
+        case ArgKind::Pattern:
+        case ArgKind::VictreenWord:
+            break;
+    }
+    return QString();
+}
+
+}  // namespace
+
+Outcome judgeArguments(const CommandRow& row, const QStringList& args) {
+    Outcome outcome;
+    const int kinds = static_cast<int>(row.args.size());
+    const int count = args.size();
+    if (count < row.required) {
+        outcome.failures << Batch::tr("too few arguments: %1").arg(commandSyntax(row));
+    }
+    for (int i = 0; i < std::min(count, kinds); ++i) {
+        const ArgKind kind = row.args[static_cast<std::size_t>(i)];
+        const QString why = refusal(kind, args.at(i));
+        if (!why.isEmpty()) {
+            outcome.failures << why;
+        }
+        if (kind == ArgKind::Mode && !isOneOf(args.at(i), {"NEW", "ADD"})) {
+            outcome.warnings << Batch::tr("'%1' is neither NEW nor ADD and adds").arg(args.at(i));
+        }
+    }
+    if (count > kinds && !row.repeats) {
+        outcome.warnings << Batch::tr("'%1' is ignored: too many arguments")
+                                .arg(args.mid(kinds).join(QLatin1Char(' ')));
+    }
+    return outcome;
+}
