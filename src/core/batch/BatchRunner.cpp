@@ -104,8 +104,11 @@ void BatchRunner::workEnded(Work work, const Outcome& outcome) {
         Outcome all = m_outcome;
         all += outcome;
         answer(m_pacing.take(), all);
-    } else if (!m_pacing.isActive() &&
-               (work == Work::LoadI1 || work == Work::LoadI0 || work == Work::Fit)) {
-        emit finishBatchExec();  // a user's own
+    } else {
+        emit endedAlone(work, outcome);
+        if (!m_pacing.isActive() &&
+            (work == Work::LoadI1 || work == Work::LoadI0 || work == Work::Fit)) {
+            emit finishBatchExec();  // a user's own
+        }
     }
 }

@@ -32,6 +32,8 @@ class BatchRunner : public QObject {
     /// A line has been dealt with. Emitted just before finishBatchExec().
     void commandDone(const CmdLine& cmd, const Outcome& outcome);
     void finishBatchExec();
+    /// Work has ended that no line was waiting for.
+    void endedAlone(Work work, const Outcome& outcome);
     /// A line whose word is no command.
     void unknownCommand(const CmdLine& cmd);
     void linesAsked(const QStringList& lines);  // to the interpreter

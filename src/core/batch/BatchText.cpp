@@ -30,7 +30,8 @@ bool readBatchFile(const QString& fileName, QStringList* lines) {
 }
 
 BatchText BatchText::fromLines(const QStringList& all) {
-    BatchText text;
+    QStringList lines;
+    QVector<int> numbers;
     bool continued = false;
     for (int i = 0; i < all.size(); ++i) {
         const QString& line = all.at(i);
@@ -39,9 +40,14 @@ BatchText BatchText::fromLines(const QStringList& all) {
         }
         QString copy = line;
         continued = hasContinuation(copy);
-        text.lines.append(line);
-        text.numbers.append(i + 1);
+        lines.append(line);
+        numbers.append(i + 1);
     }
+    return numbered(lines, numbers);
+}
+
+BatchText BatchText::numbered(const QStringList& lines, const QVector<int>& numbers) {
+    BatchText text{lines, numbers, {}};
     for (int i = 0; i < text.lines.size(); ++i) {
         const int start = i;
         readLogicalLine(text.lines, &i);

@@ -22,6 +22,8 @@ struct BatchText {
     QVector<int> first;    ///< for each of them the index at which its logical line starts
 
     static BatchText fromLines(const QStringList& all);
+    /// Lines that are dispatched as they are, with their numbers.
+    static BatchText numbered(const QStringList& lines, const QVector<int>& numbers);
 
     /// Number in the file, from 1, of the start of the logical line that holds lines[index]; 0
     /// outside the list.

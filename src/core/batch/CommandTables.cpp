@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "batch/CmdLine.h"
 #include "batch/CommandRows.h"
 
 namespace {
@@ -77,6 +78,13 @@ int controlId(const QString& name) {
 
 int commandId(const QString& name) {
     return idOf(tables().commands, name, NoCommand);
+}
+
+QString CommandRow::fileOf(const CmdLine& cmd) const {
+    const auto file = std::find_if(args.begin(), args.end(), [](ArgKind kind) {
+        return kind == ArgKind::InFile || kind == ArgKind::OutFile;
+    });
+    return file == args.end() ? QString() : cmd.arg(static_cast<int>(file - args.begin()));
 }
 
 QString argKindName(ArgKind kind) {

@@ -59,6 +59,9 @@ struct CommandRow {
     Run run;
     Check check = nullptr;
     bool drawsLetters = false;  ///< needs a QGuiApplication
+
+    /// The file that a line of this command reads or writes; empty for none.
+    QString fileOf(const CmdLine& cmd) const;
 };
 
 /// How a time of finishing is written in the reference: "at once", "when loaded" ...
