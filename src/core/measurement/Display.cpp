@@ -146,11 +146,8 @@ const char* differenceText(Difference difference) {
     return "";
 }
 
-QString describe(const Measurement& measurement, const Result& result) {
-    QStringList parts{QCoreApplication::translate("ResultKind", result.kind().title)};
-    if (const ReferenceInput* reference = result.referenceInput()) {
-        parts << QFileInfo(reference->file.name).fileName();
-    }
+QString stateText(const Measurement& measurement, const Result& result) {
+    QStringList parts;
     if (result.run && result.run->state == Run::State::Stopped) {
         parts << QCoreApplication::translate("Difference", "stopped at %1 %")
                      .arg(static_cast<int>(result.run->percent));
@@ -158,6 +155,18 @@ QString describe(const Measurement& measurement, const Result& result) {
     const Difference difference = measurement.differenceOf(result);
     if (difference != Difference::None) {
         parts << QCoreApplication::translate("Difference", differenceText(difference));
+    }
+    return parts.join(QStringLiteral("   "));
+}
+
+QString describe(const Measurement& measurement, const Result& result) {
+    QStringList parts{QCoreApplication::translate("ResultKind", result.kind().title)};
+    if (const ReferenceInput* reference = result.referenceInput()) {
+        parts << QFileInfo(reference->file.name).fileName();
+    }
+    const QString state = stateText(measurement, result);
+    if (!state.isEmpty()) {
+        parts << state;
     }
     return parts.join(QStringLiteral("   "));
 }

@@ -29,6 +29,10 @@ Outcome fixPercentiles(Measurement& measurement);
 /// frames", "before the energy calibration"; empty for nothing. English, context "Difference".
 const char* differenceText(Difference difference);
 
+/// What keeps a result from being one of now, "stopped at 43 %" and the text of its difference, in
+/// the language of the program; empty for nothing.
+QString stateText(const Measurement& measurement, const Result& result);
+
 /// A result's title, its reference and what keeps it from being one of now, in the language of the
 /// program.
 QString describe(const Measurement& measurement, const Result& result);
