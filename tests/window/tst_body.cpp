@@ -1,14 +1,16 @@
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSlider>
-#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QToolButton>
+#include <QTreeView>
 #include <cmath>
 
 #include "BatchRun.h"
@@ -20,6 +22,7 @@
 #include "display/XafsView.h"
 #include "maps/Analyzed2DRes.h"
 #include "panels/Analyzer.h"
+#include "panels/CalibCtrl.h"
 #include "panels/LCFReference.h"
 #include "window/GuideWindow.h"
 
@@ -115,21 +118,57 @@ class TestBody : public QObject {
         QCOMPARE(m_body->measurement().imageSize().width(), 12);
     }
 
-    /// What went wrong stays readable although the window shows other things meanwhile.
-    void noticesAreKept() {
+    /// What goes wrong is said where it was started and in the main window, and kept with file and
+    /// line of the batch until somebody looks at it.
+    void whatGoesWrongIsKept() {
+        auto* count = control<QPushButton>("ShowMessages", m_body.get());
+        auto* list = control<QTreeView>("MessageList");
+        const auto row = [list](int n) {
+            QStringList cells;
+            for (int column = 1; column < list->model()->columnCount(); ++column) {
+                cells << list->model()->index(n, column).data().toString();
+            }
+            return cells.join('|');
+        };
+        QVERIFY(!count->isVisible());
         m_body->readI1Files({m_phantom->file("a.dat"), m_phantom->file("missing.tif"),
                              m_phantom->file("i1-7000_000eV.tif")},
                             true);
-        QTRY_COMPARE(m_body->statusBar()->currentMessage(),
-                     QString("2 file(s) could not be read: a.dat"));
+        QTRY_COMPARE(textOf("Notice"), QString("2 files were not taken, see Messages"));
         QCOMPARE(panelCount("SelectI1Files"), QString("1"));
-        QTemporaryDir dir;
-        m_body->loadEMap(dir.filePath("none.emp"));
-        QVERIFY(m_body->statusBar()->currentMessage().contains("none.emp"));
-        auto* state = control<QLabel>("State", m_body.get());
-        QVERIFY(state->text().contains("7000.00 eV"));
-        m_body->statusBar()->clearMessage();
-        state->setText(QString(5000, 'x'));
+        QCOMPARE(count->text(), QString("2 messages"));
+        QVERIFY(row(1).startsWith("failed|||") && row(1).contains("missing.tif"));
+        QVERIFY(textOf("State").contains("7000.00 eV"));
+
+        const auto* calibration = topLevel<CalibCtrl>();
+        press("LoadMap");
+        answer({m_phantom->file("none.emp")});
+        for (const QString& said : {textOf("Message", calibration), textOf("Notice"), row(2)}) {
+            QVERIFY2(said.contains("none.emp"), qPrintable(said));
+        }
+        QVERIFY(row(2).startsWith("failed||none.emp|"));
+
+        QWidget* batch = m_body->batchCtrl();
+        control<QPlainTextEdit>("BatchCmds", batch)
+            ->setPlainText(
+                "set_band_w 0\n\ncalib_load_map \\\nnone.emp\n:rem_start\nabc\n"
+                ":rem_end\nsave_image " +
+                m_phantom->file("saved.png"));
+        press("Exec", batch);
+        QTRY_COMPARE(textOf("Message", batch), QString("2 done, 0 with a warning, 1 failed"));
+        QVERIFY2(row(3).startsWith("failed|3|none.emp|"), qPrintable(row(3)));
+        QCOMPARE(list->model()->rowCount(), 4);
+        QCOMPARE(textOf("Notice"), QString("Saved saved.png"));
+
+        QCOMPARE(count->text(), QString("4 messages"));
+        count->click();
+        QVERIFY(list->window()->isVisible() && !count->isVisible());
+        press("CopyMessages");
+        QCOMPARE(QApplication::clipboard()->text().count('\n'), 4);
+        press("ClearMessages");
+        QCOMPARE(list->model()->rowCount(), 0);
+        auto* notice = control<QLabel>("Notice", m_body.get());
+        notice->setText(QString(5000, 'x'));
         QCoreApplication::processEvents();
         QVERIFY(m_body->width() < 3000);
     }
@@ -235,7 +274,14 @@ class TestBody : public QObject {
         QVERIFY(std::abs(result->shownValueAt(5, 4) - result->valueAt(5, 5)) < 0.5);
         QCOMPARE(result->valueAt(5, 4), 9.0);
 
-        QVERIFY(batch.run({"analyzer_select_image 1"}));
+        auto* view = control<ImageView>("dispA", m_body.get());
+        QCOMPARE(view->band(), QString());
+        QVERIFY(batch.run({"set_band_w 1"}));
+        QCOMPARE(view->band(), QString("with other bins"));
+        QVERIFY(textOf("State").endsWith(view->band()));
+        QVERIFY(textOf("ResultState").endsWith(view->band()));
+        QVERIFY(batch.run({"analyzer_select_image 1", "set_band_w 0"}));
+        QCOMPARE(view->band(), QString());
         QVERIFY(page->isEnabled() && !page->isChecked());
         QVERIFY(batch.run({"analyzer_select_image 0"}));
         QVERIFY(page->isChecked());

@@ -4,7 +4,7 @@
 
 /// How an action ended and what is to be said of it, one line a text: done; done, with a warning
 /// (somebody should look); failed (it did not happen, or not as a whole).
-struct Outcome {
+struct [[nodiscard]] Outcome {
     QStringList failures;
     QStringList warnings;
     QStringList notes;  ///< of what went well, such as "Saved fraction.tif"

@@ -68,6 +68,13 @@ void ImageView::applySelection(const QRectF& area) {
     update();
 }
 
+void ImageView::setBand(const QString& text) {
+    if (text != m_band) {
+        m_band = text;
+        update();
+    }
+}
+
 void ImageView::setBinBox(int halfWidth, int halfHeight) {
     m_halfWidth = toClampedInt(std::abs(static_cast<double>(halfWidth)), 0, 1 << 20);
     m_halfHeight = toClampedInt(std::abs(static_cast<double>(halfHeight)), 0, 1 << 20);

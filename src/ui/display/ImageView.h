@@ -34,6 +34,10 @@ class ImageView : public DispA {
     void setResultDisplayed(bool on) { m_resultDisplayed = on; }
     bool resultDisplayed() const { return m_resultDisplayed; }
 
+    /// A text in a band over the image, for what must be known of it; empty: none.
+    void setBand(const QString& text);
+    QString band() const { return m_band; }
+
     /// Half widths of the bin that is drawn around the position.
     void setBinBox(int halfWidth, int halfHeight);
 
@@ -93,6 +97,7 @@ class ImageView : public DispA {
     void paintPosition(QPainter& painter) const;
     void paintSelection(QPainter& painter) const;
     void paintTicks(QPainter& painter) const;
+    void paintBand(QPainter& painter) const;
 
     /// The picture as it was last reduced, for pictures are repainted with every mouse move.
     struct Reduced {
@@ -111,6 +116,7 @@ class ImageView : public DispA {
     QRectF m_selection;                    // inside the image
     QRectF m_wantedSelection;              // as it was asked for
     bool m_resultDisplayed = false;
+    QString m_band;
     int m_halfWidth = 0;
     int m_halfHeight = 0;
     QPointF m_position{-1.0, -1.0};

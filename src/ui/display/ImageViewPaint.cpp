@@ -88,6 +88,7 @@ void ImageView::paintAbove(QPainter& painter) {
     paintTicks(painter);
     paintPosition(painter);
     paintSelection(painter);
+    paintBand(painter);
 }
 
 void ImageView::paintTicks(QPainter& painter) const {
@@ -144,4 +145,20 @@ void ImageView::paintSelection(QPainter& painter) const {
     // Light: red is hard to read on dark pictures.
     drawLabel(painter, area.bottomLeft() + QPointF(2, 2), size, Qt::AlignLeft | Qt::AlignTop,
               QRectF(rect()), QColor(255, 225, 225));
+}
+
+void ImageView::paintBand(QPainter& painter) const {
+    if (m_band.isEmpty()) {
+        return;
+    }
+    const QFontMetrics letters = painter.fontMetrics();
+    const int margin = letters.height() / 3;
+    const QRect shown = onScreen(m_visible).toAlignedRect() & rect();
+    const QString text = letters.elidedText(m_band, Qt::ElideRight, shown.width() - 2 * margin);
+    QRect band(0, 0, letters.horizontalAdvance(text) + 4 * margin, letters.height() + 2 * margin);
+    band.moveCenter(shown.center());
+    band.moveBottom(shown.bottom() - margin);
+    painter.fillRect(band & shown, QColor(0, 0, 0, 190));
+    painter.setPen(QColor(255, 225, 130));
+    painter.drawText(band, Qt::AlignCenter, text);
 }

@@ -11,6 +11,7 @@
 #include "base/Globals.h"
 #include "display/Availability.h"
 #include "display/XafsView.h"
+#include "measurement/Display.h"
 #include "panels/AnalyzeProc.h"
 #include "panels/LCFReference.h"
 #include "panels/NumberField.h"
@@ -153,6 +154,10 @@ void Analyzer::showChanges(Measurement::Changes what) {
                 Measurement::References)) {
         updateControls();
     }
+    if (what & ~Measurement::Changes(Measurement::Position)) {
+        updateChoice();
+        showState();
+    }
     if (what & Measurement::References) {
         reAnalyzeSpectrum();
     }
@@ -190,7 +195,16 @@ void Analyzer::showChoice() {
 }
 
 void Analyzer::addNewRef() {
-    m_measurement.addReference();
+    sayOwn(m_measurement.addReference(), QString());
+}
+
+void Analyzer::say(const Outcome& outcome) {
+    m_ui->Message->say(outcome);
+}
+
+void Analyzer::sayOwn(const Outcome& outcome, const QString& file) {
+    say(outcome);
+    emit said(outcome, file);
 }
 
 void Analyzer::followReferences() {
@@ -223,7 +237,7 @@ void Analyzer::addRow() {
     button->show();
     putNextInTabOrder(button, reference);
     connect(reference, &LCFReference::shownToggled, this, &Analyzer::showReferences);
-    connect(reference, &LCFReference::said, this, &Analyzer::said);
+    connect(reference, &LCFReference::said, this, &Analyzer::sayOwn);
 }
 
 /// Makes the window as high as its references need, as far as the screen goes; then they scroll.
@@ -323,6 +337,29 @@ void Analyzer::updateControls() {
     setUsable(m_ui->AskAnalyze, whyNotFit());
     m_ui->AskRAAnalyze->setText(textOf(Work::Residual));
     setUsable(m_ui->AskRAAnalyze, whyNotAnalyze(m_measurement, Work::Residual));
+}
+
+/// A reference that took no part in the last fit has no map to choose.
+void Analyzer::updateChoice() {
+    const auto& references = m_measurement.references();
+    const auto hasMap = [](const auto& reference) {
+        return reference->result(Reference::DMut).image.hasData();
+    };
+    const bool fitted = std::any_of(references.begin(), references.end(), hasMap);
+    for (std::size_t i = 0; i < references.size(); ++i) {
+        setUsable(m_choice->button(static_cast<int>(i)),
+                  fitted && !hasMap(references[i])
+                      ? tr("This reference took no part in the last analysis.")
+                      : QString());
+    }
+}
+
+/// What the chosen result is, and what keeps it from being one of now.
+void Analyzer::showState() {
+    const Result* selected = m_measurement.selectedResult();
+    m_ui->ResultState->setText(selected != nullptr && selected->image.hasData()
+                                   ? describe(m_measurement, *selected)
+                                   : QString());
 }
 
 void Analyzer::setLCFMode(int mode) {

@@ -33,6 +33,8 @@ class Analyzer : public QFrame {
     const QVector<LCFReference*>& references() const { return m_references; }
     const AnalyzeProc* worker() const { return m_worker.get(); }
     XafsView* view() const { return m_view.get(); }
+    /// Shows how an action that was started here ended.
+    void say(const Outcome& outcome);
 
     /// An analysis of the image runs.
     bool isBusy() const { return m_busy; }
@@ -69,8 +71,9 @@ class Analyzer : public QFrame {
     void analyzeSpectrum0(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
                           XafsSpectrum* fitted, bool isMLCF);
     void changedSelection();
-    void said(const Outcome& outcome);  ///< of taking the file of a reference
     void finished();
+    /// How an action of this window ended that it has done itself.
+    void said(const Outcome& outcome, const QString& file);
 
   public slots:
     void addNewRef();
@@ -114,6 +117,9 @@ class Analyzer : public QFrame {
     void growWithReferences();
     void putNextInTabOrder(QWidget* button, const LCFReference* reference);
     void updateControls();
+    void updateChoice();
+    void showState();
+    void sayOwn(const Outcome& outcome, const QString& file);
     QString whyNotFit() const;
     QAbstractButton* residualButton(int i) const;
     QAbstractButton* kindButton(int kind) const;

@@ -2,23 +2,52 @@
 
 #include <QAction>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QSaveFile>
+#include <QStatusBar>
 #include <QTextBlock>
 #include <QTextStream>
+#include <utility>
 
 #include "base/Globals.h"
-#include "batch/BatchText.h"
+#include "display/MessageLine.h"
 #include "files/WholeFile.h"
 #include "ui_BatchCtrl.h"
 
+namespace {
+
+constexpr int ProgressMs = 100;
+
+/// Where the lines of a batch stand in a text that they were taken from; a line that is not there
+/// has its own place.
+QVector<int> numbersIn(const QStringList& text, const QStringList& lines) {
+    QVector<int> numbers;
+    int at = 0;
+    for (int i = 0; i < lines.size(); ++i) {
+        const int found = text.indexOf(lines.at(i), at);
+        at = found < 0 ? text.size() : found + 1;
+        numbers << (found < 0 ? i + 1 : at);
+    }
+    return numbers;
+}
+
+}  // namespace
+
 BatchCtrl::BatchCtrl(QWidget* parent)
-    : QMainWindow(parent), m_ui(std::make_unique<Ui::BatchCtrl>()) {
+    : QMainWindow(parent),
+      m_ui(std::make_unique<Ui::BatchCtrl>()),
+      m_message(new MessageLine(this)) {
     m_ui->setupUi(this);
+    m_message->setObjectName(QStringLiteral("Message"));
+    statusBar()->addWidget(m_message, 1);
+    m_pace.setSingleShot(true);
+    m_pace.setInterval(ProgressMs);
+    connect(&m_pace, &QTimer::timeout, this, &BatchCtrl::showProgress);
     QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     fixed.setPointSizeF(font().pointSizeF());
     fixed.setFamily(QFontInfo(fixed).fixedPitch() ? fixed.family() : QStringLiteral("monospace"));
@@ -63,7 +92,16 @@ QFileDialog* BatchCtrl::makeDialog(const QString& title) {
 }
 
 QStringList BatchCtrl::editorLines(Qt::SplitBehavior behaviour) const {
-    return m_ui->BatchCmds->toPlainText().split(QLatin1Char('\n'), behaviour);
+    return editorText().split(QLatin1Char('\n'), behaviour);
+}
+
+/// As it was typed: the editor's own plain text has a blank for a no-break space.
+QString BatchCtrl::editorText() const {
+    QString text = m_ui->BatchCmds->document()->toRawText();
+    for (const QChar::SpecialCharacter end : {QChar::ParagraphSeparator, QChar::LineSeparator}) {
+        text.replace(end, QLatin1Char('\n'));
+    }
+    return text;
 }
 
 void BatchCtrl::insert(const QStringList& lines) {
@@ -74,8 +112,56 @@ void BatchCtrl::insert(const QStringList& lines) {
 }
 
 void BatchCtrl::dispatchLines(const QStringList& lines) {
-    m_cmdLines = lines;
-    emit doDispatchCmds(m_cmdLines);
+    m_batch = BatchText::numbered(lines, numbersIn(editorLines(), lines));
+    emit doDispatchCmds(lines);
+}
+
+void BatchCtrl::batchStarted() {
+    m_verdict = Verdict();
+    m_line = 0;
+    m_running = true;
+    showProgress();
+}
+
+int BatchCtrl::lineDone(const CmdLine& cmd, const Outcome& outcome, int index) {
+    const int line = m_batch.lineNumber(index);
+    m_line = index + 1;
+    if (!m_verdict.take(cmd, outcome, line)) {
+        return 0;
+    }
+    logOutcome(outcome);
+    if (m_running && !m_pace.isActive()) {
+        m_pace.start();
+    }
+    return line;
+}
+
+void BatchCtrl::batchEnded() {
+    m_pace.stop();
+    if (std::exchange(m_running, false)) {
+        m_message->setText(verdict());
+    }
+}
+
+void BatchCtrl::showProgress() {
+    const QString line = tr("Line %1 of %2").arg(m_line).arg(m_batch.lines.size());
+    m_message->setText(m_verdict.lines() > 0 ? line + QStringLiteral("   ") + verdict() : line);
+}
+
+QString BatchCtrl::verdict() const {
+    return tr("%1 done, %2 with a warning, %3 failed")
+        .arg(m_verdict.done())
+        .arg(m_verdict.warned())
+        .arg(m_verdict.failed());
+}
+
+void BatchCtrl::say(const Outcome& outcome) {
+    m_message->say(outcome);
+}
+
+void BatchCtrl::sayOwn(const Outcome& outcome, const QString& file) {
+    say(outcome);
+    emit said(outcome, file);
 }
 
 void BatchCtrl::execCmds() {
@@ -98,23 +184,32 @@ void BatchCtrl::clearLog() {
 }
 
 void BatchCtrl::save(QString fname) {
+    const auto writer = [this, &fname] { return writeText(fname); };
+    sayOwn(m_write    ? m_write(fname, writer)
+           : writer() ? Outcome()
+                      : Outcome::failure(tr("cannot be written: %1").arg(fname)),
+           fname);
+}
+
+bool BatchCtrl::writeText(const QString& fname) const {
     QSaveFile file(fname);
     if (!openBeside(file, QIODevice::WriteOnly | QIODevice::Text)) {
-        return;
+        return false;
     }
     QTextStream out(&file);
     out.setCodec("UTF-8");
-    out << m_ui->BatchCmds->toPlainText();
+    out << editorText();
     out.flush();
     if (out.status() != QTextStream::Ok) {
         file.cancelWriting();
     }
-    putInPlace(file);
+    return putInPlace(file);
 }
 
 void BatchCtrl::load(QString fname) {
     QStringList lines;
     if (!readBatchFile(fname, &lines)) {
+        sayOwn(Outcome::failure(tr("cannot be read: %1").arg(fname)), fname);
         return;
     }
     m_ui->BatchCmds->clear();
@@ -124,6 +219,7 @@ void BatchCtrl::load(QString fname) {
     }
     m_ui->BatchCmds->insertPlainText(text);
     m_ui->BatchCmds->moveCursor(QTextCursor::Start);
+    sayOwn(Outcome::note(tr("Loaded %1").arg(QFileInfo(fname).fileName())), fname);
 }
 
 void BatchCtrl::logOutcome(const Outcome& outcome) {

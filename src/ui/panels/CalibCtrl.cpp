@@ -123,9 +123,14 @@ QString CalibCtrl::standardFileName() const {
     return m_ui->StdSelector->fileName();
 }
 
+void CalibCtrl::say(const Outcome& outcome) {
+    m_ui->Message->say(outcome);
+}
+
 void CalibCtrl::newFile(const QString& fname) {
     const Outcome outcome = m_measurement.loadStandard(fname);
-    emit said(outcome);
+    say(outcome);
+    emit said(outcome, fname);
     if (!outcome.failed()) {
         emit newStdFileLoaded();
     }

@@ -31,15 +31,18 @@ class CalibCtrl : public QWidget {
     const XafsSpectrum* standard() const;
     /// As the file selector shows it.
     QString standardFileName() const;
+    /// Shows how an action that was started here ended.
+    void say(const Outcome& outcome);
 
   signals:
     void newStdFileLoaded();
-    void said(const Outcome& outcome);  ///< of taking the file of a standard
     /// A calibration is to begin, or the one that runs is to stop.
     void execCalibration();
     void saveEMap(const QString& fname);
     void loadEMap(const QString& fname);
     void clearMap();
+    /// How an action of this panel ended that it has done itself.
+    void said(const Outcome& outcome, const QString& file);
 
   public slots:
     void newFile(const QString& fname);

@@ -124,12 +124,18 @@ void LCFReference::showReference() {
     m_ui->DMut->setText(now.hasSpectrum() ? fieldText(now.spectrum().dMut()) : QString());
     m_ui->MidE->setText(now.hasSpectrum() ? fieldText(now.spectrum().midE()) : QString());
     showNumber(m_ui->DeltaE, inField(now.deltaE()));
+    QStringList remarks = now.warnings();
+    if (!now.whyNot().isEmpty()) {
+        remarks.prepend(now.whyNot());
+    }
+    m_ui->Remark->setText(remarks.join(QStringLiteral("   ")));
+    m_ui->Remark->setHidden(remarks.isEmpty());
 }
 
 void LCFReference::newFile(const QString& fname) {
     Outcome outcome;
     m_measurement.change(m_index, [&](Reference& r) { outcome = r.read(fname); });
-    emit said(outcome);
+    emit said(outcome, fname);
     emit newFileSelected();
 }
 
@@ -169,7 +175,7 @@ void LCFReference::setStd(const QString& fname, bool use, double deltaE, const Q
         r.setDeltaE(deltaE);
     });
     m_ui->DeltaE->setText(fieldText(deltaE));
-    emit said(outcome);
+    emit said(outcome, fname);
     emit newFileSelected();
     emit newDeltaE();
 }

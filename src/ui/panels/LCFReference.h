@@ -66,7 +66,8 @@ class LCFReference : public QFrame {
     void newFileSelected();
     void newDeltaE();
     void shownToggled();
-    void said(const Outcome& outcome);  ///< of taking a file
+    /// How the choice of a file ended.
+    void said(const Outcome& outcome, const QString& file);
 
   public slots:
     void newFile(const QString& fname);

@@ -203,6 +203,6 @@ void SelectDataFiles::repeatLoadNew(bool on) {
 
 void SelectDataFiles::loadNewFiles() {
     if (m_measurement != nullptr && !m_measurement->stack(m_stack).isLoading()) {
-        m_measurement->loadNew(m_stack);
+        emit said(m_measurement->loadNew(m_stack));
     }
 }

@@ -34,6 +34,8 @@ class SelectDataFiles : public QWidget {
     void filesSelected(QStringList files, bool add);
     /// "Clear" was clicked: the stack is to be emptied.
     void clearRequested();
+    /// How an action of this panel ended that ends at once.
+    void said(const Outcome& outcome, const QString& file = QString());
 
   public slots:
     /// Appends a file with its energy (eV, see frameEnergy()), which is returned. For a list that

@@ -1,14 +1,16 @@
 #include "window/Body.h"
 
 #include <QCloseEvent>
-#include <QFileInfo>
 #include <QPainter>
 #include <QScreen>
 #include <QStyle>
 
+#include "batch/CommandTables.h"
 #include "display/ColorBar.h"
 #include "display/ImageView.h"
+#include "display/MessageLine.h"
 #include "display/XafsView.h"
+#include "measurement/Writing.h"
 #include "panels/Analyzer.h"
 #include "panels/BatchCtrl.h"
 #include "panels/CalibCtrl.h"
@@ -20,6 +22,8 @@
 #include "window/DarkControl.h"
 #include "window/Fields.h"
 #include "window/ImagePane.h"
+#include "window/Messages.h"
+#include "window/MessagesWindow.h"
 #include "window/SaveDialogs.h"
 #include "window/SpectrumPane.h"
 #include "window/StatusLine.h"
@@ -42,6 +46,15 @@ void fitToFont(QMainWindow& window, const Ui::Body& ui) {
     window.resize(QSize(72 * line, 46 * line).boundedTo(room));
 }
 
+/// Of many files that a load did not take, their number: a line for each would bury the rest.
+Outcome inShort(Work work, const Outcome& outcome) {
+    const bool isLoad = work == Work::LoadI1 || work == Work::LoadI0;
+    const int n = outcome.failures.size();
+    return isLoad && n > 1
+               ? Outcome::failure(Body::tr("%1 files were not taken, see Messages").arg(n))
+               : outcome;
+}
+
 }  // namespace
 
 Body::Body(QWidget* parent)
@@ -51,7 +64,9 @@ Body::Body(QWidget* parent)
       m_analyzer(std::make_unique<Analyzer>(m_measurement)),
       m_xafsView(std::make_unique<XafsView>()),
       m_saveDataCfg(std::make_unique<SaveDataCfg>(m_measurement)),
-      m_batchCtrl(std::make_unique<BatchCtrl>()) {
+      m_batchCtrl(std::make_unique<BatchCtrl>()),
+      m_messages(new Messages(this)),
+      m_messagesWindow(std::make_unique<MessagesWindow>(*m_messages)) {
     m_ui->setupUi(this);
     fitToFont(*this, *m_ui);
     m_ui->SelectI1Files->setLabel(tr("I1 Data"));
@@ -62,7 +77,7 @@ Body::Body(QWidget* parent)
     m_xafsView->setObjectName(QStringLiteral("Spectrum"));
     addAction(m_xafsView->pinAction());  // its shortcut works while the mouse is over the image
     m_dialogs = new SaveDialogs(this);
-    m_status = new StatusLine(m_measurement, this);
+    m_status = new StatusLine(m_measurement, *m_messages, this);
     m_image = new ImagePane(m_measurement, *m_ui, this);
     m_spectrum = new SpectrumPane(m_measurement, *m_ui, *m_xafsView, *m_analyzer, this);
     m_record = new WhatWasDone(m_measurement, this, m_batchCtrl.get(), m_dialogs);
@@ -73,8 +88,9 @@ Body::Body(QWidget* parent)
     connectPanels();
     connectSaving();
     connectDarkButton(m_ui->SelectDark, m_measurement, m_dialogs);
-    const QWidgetList tools{m_xafsView.get(),   m_calib.get(),     m_analyzer.get(),
-                            m_analyzer->view(), m_batchCtrl.get(), m_saveDataCfg.get()};
+    const QWidgetList tools{m_xafsView.get(),      m_calib.get(),     m_analyzer.get(),
+                            m_analyzer->view(),    m_batchCtrl.get(), m_saveDataCfg.get(),
+                            m_messagesWindow.get()};
     auto* toolWindows = new ToolWindows(this);
     for (QWidget* window : tools) {
         toolWindows->add(window);
@@ -106,7 +122,8 @@ void Body::connectMeasurement() {
             [this] { updateControls(*m_ui, m_measurement, *m_xafsView); });
     connect(m_xafsView.get(), &XafsView::updated, this,
             [this] { updateControls(*m_ui, m_measurement, *m_xafsView); });
-    connect(&m_measurement, &Measurement::ended, this, &Body::workEnded);
+    connect(&m_runner, &BatchRunner::endedAlone, this,
+            [this](Work work, const Outcome& outcome) { sayOf(work, outcome); });
     connect(&m_measurement, &Measurement::progressed, this,
             [this](Work work, double done, double of) {
                 if (work == Work::LoadI1 || work == Work::LoadI0) {
@@ -122,6 +139,8 @@ void Body::connectMeasurement() {
             [this](const QStringList& files, bool add) { readI1Files(files, !add); });
     connect(m_ui->SelectI0Files, &SelectDataFiles::filesSelected, this,
             [this](const QStringList& files, bool add) { readI0Files(files, !add); });
+    connect(m_ui->SelectI1Files, &SelectDataFiles::said, this, &Body::say);
+    connect(m_ui->SelectI0Files, &SelectDataFiles::said, this, &Body::say);
     connect(m_ui->SelectI1Files, &SelectDataFiles::clearRequested, this, &Body::clearI1Files);
     connect(m_ui->SelectI0Files, &SelectDataFiles::clearRequested, this, &Body::clearI0Files);
 }
@@ -132,12 +151,17 @@ void Body::connectBatch() {
     connect(m_runner.dispatcher(), &BatchDispatcher::log, m_batchCtrl.get(), &BatchCtrl::logmsg);
     connect(&m_runner, &BatchRunner::unknownCommand, m_batchCtrl.get(), &BatchCtrl::showCmdErr);
     connect(&m_runner, &BatchRunner::finishBatchExec, this, &Body::finishBatchExec);
-    connect(&m_runner, &BatchRunner::commandDone, this,
-            [this](const CmdLine& cmd, const Outcome& outcome) {
-                m_batchCtrl->logOutcome(outcome);
-                say(outcome);
-                emit commandDone(cmd, outcome.texts());
-            });
+    connect(&m_runner, &BatchRunner::commandDone, this, &Body::lineDone);
+    connect(m_runner.dispatcher(), &BatchDispatcher::started, m_batchCtrl.get(),
+            &BatchCtrl::batchStarted);
+    connect(m_runner.dispatcher(), &BatchDispatcher::ended, m_batchCtrl.get(),
+            &BatchCtrl::batchEnded);
+    connect(m_batchCtrl.get(), &BatchCtrl::said, this, &Body::say);
+    m_batchCtrl->setWriter([this](const QString& name, const std::function<bool()>& write) {
+        return writeFile(m_measurement, name, write);
+    });
+    connect(m_status->messagesButton(), &QPushButton::clicked, m_messagesWindow.get(),
+            &QWidget::show);
     connect(m_ui->BatchCtrlB, &QPushButton::clicked, m_batchCtrl.get(), &QWidget::show);
 }
 
@@ -154,12 +178,13 @@ void Body::connectImage() {
     connect(m_ui->dispA, &DispA::drawImage2, this, &Body::draw);
     connect(m_ui->dispA, &DispA::mouseMoved0, this, &Body::onMouseMovedInDispA);
     connect(m_ui->CBar, &ColorBar::newBar, this, &Body::newCBar);
+    connect(m_image, &ImagePane::said, this, &Body::say);
 }
 
 void Body::connectPanels() {
     connect(m_ui->OpenCalibCtrl, &QPushButton::clicked, m_calib.get(), &QWidget::show);
-    connect(m_calib.get(), &CalibCtrl::newStdFileLoaded, this, &Body::newStdFile);
     connect(m_calib.get(), &CalibCtrl::said, this, &Body::say);
+    connect(m_calib.get(), &CalibCtrl::newStdFileLoaded, this, &Body::newStdFile);
     connect(m_calib.get(), &CalibCtrl::execCalibration, this, &Body::execCalibration);
     connect(m_calib.get(), &CalibCtrl::saveEMap, this, &Body::saveEMap);
     connect(m_calib.get(), &CalibCtrl::loadEMap, this, &Body::loadEMap);
@@ -180,10 +205,10 @@ void Body::connectPanels() {
         }
     });
     connect(m_ui->ShowXafsView, &QPushButton::clicked, m_xafsView.get(), &QWidget::show);
+    connect(m_analyzer.get(), &Analyzer::said, this, &Body::say);
     connect(m_analyzer.get(), &Analyzer::askAnalyze, this, &Body::startLCF2DAnalysis);
     connect(m_analyzer.get(), &Analyzer::askRAAnalyze, this, &Body::startRA2DAnalysis);
     connect(m_analyzer.get(), &Analyzer::changedSelection, this, &Body::selectedNewRef);
-    connect(m_analyzer.get(), &Analyzer::said, this, &Body::say);
     m_analyzer->view()->setRaEnergy(m_measurement.settings().raEnergy);
 }
 
@@ -210,29 +235,33 @@ void Body::connectSaving() {
     connect(m_ui->ShowProcImg, &QPushButton::toggled, this, &Body::showProcImg);
     connect(m_ui->NormalizeEShift, &QPushButton::clicked, this, &Body::normalizeEShift);
     connect(m_record, &WhatWasDone::saveAsked, this, &Body::saveRecord);
-    connect(m_record, &WhatWasDone::failed, this,
-            [this](const QString& why) { say(Outcome::failure(why)); });
+    connect(m_record, &WhatWasDone::said, this, &Body::say);
     for (QLineEdit* field : {m_ui->DeGlitchFactor, m_ui->DeGlitchRatio}) {
         numberIn(field);
         connect(field, &QLineEdit::editingFinished, this, [field] { numberIn(field); });
     }
 }
 
-void Body::say(const Outcome& outcome) {
-    const QStringList texts = outcome.texts().isEmpty() ? outcome.notes : outcome.texts();
-    if (!texts.isEmpty()) {
-        m_status->say(texts.join(QStringLiteral("   ")));
+void Body::say(const Outcome& outcome, const QString& file) {
+    sayOf(Work::None, outcome, file);
+}
+
+void Body::sayOf(Work work, const Outcome& outcome, const QString& file) {
+    m_status->say(textOf(inShort(work, outcome)));
+    m_messages->take(outcome, file);
+    if (work == Work::Calibrate) {
+        m_calib->say(outcome);
+    } else if (work == Work::Fit || work == Work::Residual) {
+        m_analyzer->say(outcome);
     }
 }
 
-void Body::workEnded(Work work, const Outcome& outcome) {
-    const bool isLoad = work == Work::LoadI1 || work == Work::LoadI0;
-    if (isLoad && outcome.failures.size() > 1) {
-        // A line for each would bury the rest.
-        m_status->say(tr("%n file(s) could not be read: %1", nullptr, outcome.failures.size())
-                          .arg(QFileInfo(outcome.failures.first().section(QStringLiteral(": "), 1))
-                                   .fileName()));
-    } else {
-        say(outcome);
+void Body::lineDone(const CmdLine& cmd, const Outcome& outcome) {
+    const int line = m_batchCtrl->lineDone(cmd, outcome, m_runner.dispatcher()->lineInWork());
+    const CommandRow* row = commandRow(commandId(cmd.command));
+    if (line > 0) {
+        m_status->say(textOf(inShort(row != nullptr ? row->work : Work::None, outcome)));
+        m_messages->take(outcome, row != nullptr ? row->fileOf(cmd) : QString(), line);
     }
+    emit commandDone(cmd, outcome.texts());
 }

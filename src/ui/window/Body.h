@@ -13,6 +13,8 @@ class Analyzer;
 class BatchCtrl;
 class CalibCtrl;
 class ImagePane;
+class Messages;
+class MessagesWindow;
 class SaveDataCfg;
 class SaveDialogs;
 class SpectrumPane;
@@ -100,8 +102,9 @@ class Body : public QMainWindow {
     void connectImage();
     void connectPanels();
     void connectSaving();
-    void say(const Outcome& outcome);
-    void workEnded(Work work, const Outcome& outcome);
+    void say(const Outcome& outcome, const QString& file = QString());
+    void sayOf(Work work, const Outcome& outcome, const QString& file = QString());
+    void lineDone(const CmdLine& cmd, const Outcome& outcome);
     void toggle(Work work);
 
     std::unique_ptr<Ui::Body> m_ui;
@@ -112,6 +115,8 @@ class Body : public QMainWindow {
     std::unique_ptr<XafsView> m_xafsView;
     std::unique_ptr<SaveDataCfg> m_saveDataCfg;
     std::unique_ptr<BatchCtrl> m_batchCtrl;
+    Messages* m_messages;
+    std::unique_ptr<MessagesWindow> m_messagesWindow;
     ImagePane* m_image;
     SpectrumPane* m_spectrum;
     StatusLine* m_status;

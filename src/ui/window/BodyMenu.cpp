@@ -154,7 +154,9 @@ void BodyMenu::addWindowsMenu() const {
               QKeySequence(Qt::CTRL + Qt::Key_3)),
         press(menu, tr("&Batch"), QStringLiteral("BatchCtrlB"), QKeySequence(Qt::CTRL + Qt::Key_4)),
         press(menu, tr("&Form of Saved Data"), QStringLiteral("SaveDataCfgB"),
-              QKeySequence(Qt::CTRL + Qt::Key_5))};
+              QKeySequence(Qt::CTRL + Qt::Key_5)),
+        press(menu, tr("&Messages"), QStringLiteral("ShowMessages"),
+              QKeySequence(Qt::CTRL + Qt::Key_6))};
     // They work in every window, to go from one to the next without the mouse.
     for (QAction* action : actions) {
         action->setShortcutContext(Qt::ApplicationShortcut);

@@ -91,7 +91,7 @@ void Body::toggle(Work work) {
     if (outcome.failed() && work == Work::Fit) {
         debugTimed(QStringLiteral("LCF not started: "));  // why: in the window's language alone
     }
-    say(outcome);
+    sayOf(work, outcome);
 }
 void Body::execCalibration() {
     toggle(Work::Calibrate);
@@ -135,16 +135,17 @@ void Body::showShiftMap() {
 }
 
 void Body::saveEMap(const QString& fname) {
-    say(saveMap(m_measurement, fname));
+    sayOf(Work::Calibrate, saveMap(m_measurement, fname), fname);
 }
 void Body::loadEMap(const QString& fname) {
-    say(m_measurement.loadMap(fname));
+    sayOf(Work::Calibrate, m_measurement.loadMap(fname), fname);
 }
 EMPHeader Body::loadEMapHeader(EMPHeader, QTextStream& in) {
     return readEMapHeader(in);
 }
 void Body::clearShiftMap() {
     m_measurement.clearMap();
+    sayOf(Work::Calibrate, {});
 }
 void Body::normalizeEShift() {
     say(m_measurement.smoothMap());
@@ -161,20 +162,20 @@ void Body::showProcImg(bool on) {
 }
 
 void Body::saveImage(const QString& fname) {
-    say(::saveImage(m_measurement, fname));
+    say(::saveImage(m_measurement, fname), fname);
 }
 void Body::saveImageWithBar(const QString& fname) {
-    say(::saveImageWithBar(m_measurement, fname));
+    say(::saveImageWithBar(m_measurement, fname), fname);
 }
 void Body::saveAllImages(const QString& fname) {
-    say(::saveAllImages(m_measurement, fname));
+    say(::saveAllImages(m_measurement, fname), fname);
 }
 void Body::showSaveDataDialog() {
     m_dialogs->askForTarget(tr("Save Data"), m_saveDataCfg->nameFilters(), m_saveDataCfg->suffix(),
                             [this](const QString& name) { saveData(name); });
 }
 void Body::saveData(const QString& fname) {
-    say(::saveData(m_measurement, fname));
+    say(::saveData(m_measurement, fname), fname);
 }
 void Body::saveDataAsTiff(const QString& fname) {
     saveData(fname);
@@ -183,14 +184,14 @@ void Body::saveFlatDark() {
     say(::saveFlatDark(m_measurement));
 }
 void Body::saveXafsSpectra(const QString& fname) {
-    say(saveSpectra(m_measurement, fname, m_xafsView->pinned()));
+    say(saveSpectra(m_measurement, fname, m_xafsView->pinned()), fname);
 }
 void Body::saveRecord(const QString& fname) {
     const Outcome outcome = ::saveRecord(m_measurement, fname);
     if (!outcome.failed()) {
         m_record->remember(fname);
     }
-    say(outcome);
+    say(outcome, fname);
 }
 
 void Body::execCmd(CmdLine cmd, bool inRem) {

@@ -8,6 +8,7 @@
 #include "display/XafsView.h"
 #include "measurement/Display.h"
 #include "panels/NumberField.h"
+#include "panels/WhyNot.h"
 #include "ui_Body.h"
 
 namespace {
@@ -32,10 +33,10 @@ bool hasImageToSave(const Measurement& measurement) {
 void updateMapControls(const Ui::Body& ui, const Measurement& measurement) {
     const Result* target = measurement.deglitchTarget();
     const bool hasValues = target != nullptr && target->image.hasData();
-    const bool runs = target != nullptr && target->run && target->run->state == Run::State::Running;
+    const QString running = whileAnalyzing(measurement);
     const QString noMap =
-        runs
-            ? Controls::tr("Not while an analysis of the image runs.")
+        !running.isEmpty()
+            ? running
             : unless(hasValues, Controls::tr("Show a result image or the energy-shift map first."));
     setUsable(ui.DeGlitch, noMap);
     setUsable(ui.ShowProcImg, noMap);
@@ -43,8 +44,10 @@ void updateMapControls(const Ui::Body& ui, const Measurement& measurement) {
     showNumber(ui.DeGlitchRatio, measurement.settings().deglitchRatio);
     const QSignalBlocker blocked(ui.ShowProcImg);
     ui.ShowProcImg->setChecked(target != nullptr && target->image.showsProc());
-    setUsable(ui.NormalizeEShift, unless(measurement.map().image.hasData(),
-                                         Controls::tr("Make or load an energy-shift map first.")));
+    setUsable(ui.NormalizeEShift,
+              !running.isEmpty() ? running
+                                 : unless(measurement.map().image.hasData(),
+                                          Controls::tr("Make or load an energy-shift map first.")));
 }
 
 }  // namespace

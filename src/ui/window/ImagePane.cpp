@@ -70,7 +70,7 @@ void ImagePane::connectControls() {
         }
     });
     connect(m_ui.CBar, &ColorBar::percentilesAsked, this,
-            [this] { fixPercentiles(m_measurement); });
+            [this] { emit said(fixPercentiles(m_measurement)); });
 }
 
 void ImagePane::connectBins() {
@@ -104,6 +104,18 @@ void ImagePane::changed(Measurement::Changes what) {
     } else if (what & Measurement::Setting) {
         updateValueAndCrossSections();
     }
+    if (what & (Measurement::Changes(Measurement::Setting) | Measurement::Dark |
+                Measurement::Standard | Measurement::Map | Measurement::References)) {
+        showMark();
+    }
+}
+
+/// What keeps the result on display from being one of now, over its picture.
+void ImagePane::showMark() {
+    const Result* result = m_measurement.shownResult();
+    m_ui.dispA->setBand(result != nullptr && result->image.hasData()
+                            ? stateText(m_measurement, *result)
+                            : QString());
 }
 
 bool ImagePane::isLoading() const {
@@ -223,6 +235,7 @@ void ImagePane::refresh() {
     const Shown shown = m_measurement.settings().shown;
     m_ui.dispA->setResultDisplayed(shown == Shown::Map || shown == Shown::Result);
     showBar();
+    showMark();
     m_ui.SeekBar->setMaximum(std::max(0, m_measurement.shownStack().size() - 1));
     m_ui.SeekBar->setValue(m_measurement.frame());
     updateValueAndCrossSections();

@@ -32,6 +32,9 @@ class ImagePane : public QObject {
     /// Shows everything again.
     void refresh();
 
+  signals:
+    void said(const Outcome& outcome, const QString& file = QString());
+
   private:
     void connectControls();
     void connectBins();
@@ -40,6 +43,7 @@ class ImagePane : public QObject {
     void showArea();
     void refreshSoon();
     void showBar();
+    void showMark();
     QImage markedPicture();
     bool isLoading() const;
 

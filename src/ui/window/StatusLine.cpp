@@ -1,15 +1,16 @@
 #include "window/StatusLine.h"
 
 #include <QAction>
-#include <QCoreApplication>
-#include <QLabel>
 #include <QMainWindow>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QToolButton>
 
 #include "base/Numbers.h"
+#include "display/MessageLine.h"
 #include "measurement/Display.h"
+#include "window/Messages.h"
 
 namespace {
 constexpr int NoticeMs = 8000;
@@ -17,22 +18,26 @@ constexpr int RefreshMs = 40;  // the pace of the image
 const QString Gap = QStringLiteral("   ");
 }  // namespace
 
-StatusLine::StatusLine(Measurement& measurement, QMainWindow* window)
+StatusLine::StatusLine(Measurement& measurement, const Messages& messages, QMainWindow* window)
     : QObject(window),
       m_measurement(measurement),
-      m_window(window),
-      m_state(new QLabel(window)),
+      m_state(new MessageLine(window)),
+      m_notice(new MessageLine(window)),
       m_bar(new QProgressBar(window)),
-      m_stopLoading(new QToolButton(window)) {
+      m_stopLoading(new QToolButton(window)),
+      m_count(new QPushButton(window)) {
     m_state->setObjectName(QStringLiteral("State"));
-    // A long text is cut off; it must not widen the window.
-    m_state->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_notice->setObjectName(QStringLiteral("Notice"));
     m_bar->setMaximumWidth(240);
     m_bar->hide();
     makeStop(window);
     window->statusBar()->addWidget(m_state, 1);
+    window->statusBar()->addWidget(m_notice, 1);
+    m_notice->hide();
     window->statusBar()->addPermanentWidget(m_bar);
     window->statusBar()->addPermanentWidget(m_stopLoading);
+    window->statusBar()->addPermanentWidget(m_count);
+    followMessages(messages);
     connect(&measurement, &Measurement::changed, this, [this](Measurement::Changes what) {
         if (what & ~Measurement::Changes(Measurement::Position)) {
             showSoon();
@@ -40,8 +45,25 @@ StatusLine::StatusLine(Measurement& measurement, QMainWindow* window)
     });
     m_pace.setSingleShot(true);
     connect(&m_pace, &QTimer::timeout, this, &StatusLine::show);
+    m_noticeEnds.setSingleShot(true);
+    connect(&m_noticeEnds, &QTimer::timeout, this, [this] {
+        m_notice->hide();
+        m_state->show();
+    });
     connect(&measurement, &Measurement::progressed, this, &StatusLine::showProgress);
     show();
+}
+
+void StatusLine::followMessages(const Messages& messages) {
+    m_count->setObjectName(QStringLiteral("ShowMessages"));
+    m_count->setToolTip(tr("Failures and warnings that nobody has looked at yet"));
+    m_count->setFlat(true);
+    m_count->hide();
+    connect(&messages, &Messages::counted, this, [this, &messages] {
+        const int n = messages.unseen();
+        m_count->setText(n == 1 ? tr("1 message") : tr("%1 messages").arg(n));
+        m_count->setVisible(n > 0);
+    });
 }
 
 void StatusLine::makeStop(QMainWindow* window) {
@@ -56,7 +78,12 @@ void StatusLine::makeStop(QMainWindow* window) {
 }
 
 void StatusLine::say(const QString& notice) {
-    m_window->statusBar()->showMessage(notice, NoticeMs);
+    if (!notice.isEmpty()) {
+        m_notice->setText(notice);
+        m_state->hide();
+        m_notice->show();
+        m_noticeEnds.start(NoticeMs);
+    }
 }
 
 bool StatusLine::isLoading() const {
@@ -77,7 +104,7 @@ void StatusLine::showSoon() {
 
 void StatusLine::show() {
     showLoads();
-    QString text = display();
+    QString text = (QStringList(display()) + m_measurement.lastingWarnings()).join(Gap);
     int left = 0;
     for (const StackId id : {StackId::I1, StackId::I0}) {
         const Stack& stack = m_measurement.stack(id);
@@ -103,7 +130,7 @@ QString StatusLine::display() const {
     switch (m_measurement.settings().shown) {
         case Shown::Map:
             return result != nullptr && result->image.hasData()
-                       ? tr("Energy-shift map") + resultOnDisplay(result)
+                       ? withState(tr("Energy-shift map"), *result)
                        : tr("No energy-shift map yet");
         case Shown::Result:
             return result != nullptr && result->image.hasData()
@@ -114,11 +141,9 @@ QString StatusLine::display() const {
     }
 }
 
-QString StatusLine::resultOnDisplay(const Result* result) const {
-    const Difference difference = m_measurement.differenceOf(*result);
-    return difference == Difference::None
-               ? QString()
-               : Gap + QCoreApplication::translate("Difference", differenceText(difference));
+QString StatusLine::withState(const QString& title, const Result& result) const {
+    const QString state = stateText(m_measurement, result);
+    return state.isEmpty() ? title : title + Gap + state;
 }
 
 void StatusLine::showProgress(Work work, double done, double of) {

@@ -5,38 +5,46 @@
 
 #include "measurement/Measurement.h"
 
-class QLabel;
+class MessageLine;
+class Messages;
 class QMainWindow;
 class QProgressBar;
+class QPushButton;
 class QToolButton;
 
-/// The status bar of the main window: what is on display, how far work is and what stops a load,
-/// and for a while what an action has said.
+/// The status bar of the main window: what is on display and what should be known of it as long as
+/// it holds, how far work is and what stops a load, for a while what an action has said, and the
+/// number of messages that nobody has looked at.
 class StatusLine : public QObject {
     Q_OBJECT
 
   public:
-    StatusLine(Measurement& measurement, QMainWindow* window);
+    StatusLine(Measurement& measurement, const Messages& messages, QMainWindow* window);
 
-    /// Covers the rest for some seconds.
+    /// Stands in front of what is on display for some seconds; nothing for an empty text.
     void say(const QString& notice);
+    /// The button that counts the messages.
+    QPushButton* messagesButton() const { return m_count; }
     void show();
 
   private:
     void showSoon();
     bool isLoading() const;
     void makeStop(QMainWindow* window);
+    void followMessages(const Messages& messages);
     QString display() const;
-    QString resultOnDisplay(const Result* result) const;
+    QString withState(const QString& title, const Result& result) const;
     void showProgress(Work work, double done, double of);
     void showLoads();
 
     Measurement& m_measurement;
-    QMainWindow* m_window;
-    QLabel* m_state;
+    MessageLine* m_state;
+    MessageLine* m_notice;
     QProgressBar* m_bar;
     QToolButton* m_stopLoading;
+    QPushButton* m_count;
     QTimer m_pace;
+    QTimer m_noticeEnds;
 };
 
 /// What there is of dark frames, for people; empty without any.

@@ -84,12 +84,12 @@ void WhatWasDone::open(const QString& fileName) {
     QStringList lines;
     const QFileInfo info(fileName);
     if (!readBatchFile(fileName, &lines)) {
-        emit failed(tr("cannot be read: %1").arg(fileName));
+        emit said(Outcome::failure(tr("cannot be read: %1").arg(fileName)), fileName);
         return;
     }
     // Its names are relative to the folder of the frames, where it is kept.
     if (!QDir::setCurrent(info.absolutePath())) {
-        emit failed(tr("cannot enter %1").arg(info.absolutePath()));
+        emit said(Outcome::failure(tr("cannot enter %1").arg(info.absolutePath())), fileName);
         return;
     }
     remember(info.absoluteFilePath());
@@ -100,11 +100,14 @@ void WhatWasDone::open(const QString& fileName) {
 
 void WhatWasDone::insert() {
     const RecordLines record = recordOf(m_measurement);
+    Outcome outcome;
     if (record.whyNotInWindow.isEmpty()) {
         m_batch->insert(record.lines);
     } else {
-        emit failed(record.whyNotInWindow);
+        outcome = Outcome::failure(record.whyNotInWindow);
     }
+    m_batch->say(outcome);
+    emit said(outcome);
 }
 
 bool WhatWasDone::mayClose() {

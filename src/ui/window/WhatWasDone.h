@@ -36,8 +36,8 @@ class WhatWasDone : public QObject {
 
   signals:
     void saveAsked(const QString& fileName);
-    /// Why a record could not be run.
-    void failed(const QString& why);
+    /// Why a record could not be run or inserted.
+    void said(const Outcome& outcome, const QString& file = QString());
 
   private:
     void askForTarget();
