@@ -58,7 +58,9 @@ QRectF extent(const QVector<PlotCurve>& curves) {
 QRectF PlotLayout::axesIn(const QRectF& all, const PlotLetters& letters, bool withResidual) {
     // Room for two rows of text below and a column of numbers beside an upright title.
     const double under = withResidual ? ResidualRows * letters.row + ResidualGap : 0.0;
-    return all.adjusted(letters.row + letters.number + 14, letters.row * 0.75, -letters.row,
+    const double number =
+        withResidual ? std::max(letters.number, letters.difference) : letters.number;
+    return all.adjusted(letters.row + number + 14, letters.row * 0.75, -letters.row,
                         -2 * letters.row - 12 - under);
 }
 

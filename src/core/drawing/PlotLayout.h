@@ -12,8 +12,9 @@ struct SpectrumPlot;
 
 /// The sizes of letters that a plot's layout depends on, in units of the painter.
 struct PlotLetters {
-    double row;     ///< height of a line
-    double number;  ///< width of a number beside the ordinate
+    double row;               ///< height of a line
+    double number;            ///< width of a number beside the ordinate
+    double difference = 0.0;  ///< width of one beside the residual, which has more digits
 };
 
 /// Where everything of a plot lies: made once from the value, then painted. It needs no painter and

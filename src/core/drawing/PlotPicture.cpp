@@ -199,7 +199,8 @@ void PlotPainter::paintDifferences() {
 
 PlotLetters plotLettersOf(const Letters& letters) {
     // Whole pixels: the lines of the axes are crisp then.
-    return {std::round(letters.height()), std::round(letters.width(QStringLiteral("-0.000")))};
+    return {std::round(letters.height()), std::round(letters.width(QStringLiteral("-0.000"))),
+            std::round(letters.width(QStringLiteral("-0.00000")))};
 }
 
 PlotLayout paintPlot(QPainter& painter, const SpectrumPlot& plot, const QRectF& all,

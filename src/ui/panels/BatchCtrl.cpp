@@ -54,7 +54,11 @@ BatchCtrl::BatchCtrl(QWidget* parent)
     m_ui->BatchCmds->setFont(fixed);
     m_ui->BatchLogs->setFont(fixed);
     m_ui->BatchCmds->setFocus();
-    QAction* insert = menuBar()->addMenu(tr("&Edit"))->addAction(tr("&Insert What Was Done"));
+    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+    QAction* insert = edit->addAction(tr("&Insert What Was Done"));
+    // The style's own width of a menu without shortcuts is too small for large letters.
+    edit->setMinimumWidth(edit->fontMetrics().horizontalAdvance(insert->text()) +
+                          4 * edit->fontMetrics().height());
     insert->setObjectName(QStringLiteral("actionInsertRecord"));
     connect(insert, &QAction::triggered, this, &BatchCtrl::insertAsked);
 
