@@ -79,6 +79,10 @@ void makeWindowPictures(Stage& stage) {
     stage.run(
         {QStringLiteral("select_region 40 30 200 160"), QStringLiteral("move_position 123 100")});
     stage.click("ShowXafsView");
+    stage.run({QStringLiteral("calib_load_map missing.emp"), QStringLiteral("set_band_w 2"),
+               QStringLiteral("analyzer_set_LCF_std 3 1 0.0 missing.dat 0")});
+    stage.save(&stage.body(), QStringLiteral("body-counts"));
+    stage.click("ShowMessages");
 
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget* window : windows) {

@@ -2,13 +2,19 @@
 
 #include "batch/CommandTables.h"
 
-bool Verdict::take(const CmdLine& cmd, const Outcome& outcome, int line) {
+/// Blank lines and remarks do not, unless there is something to be said of them.
+bool Verdict::counts(const CmdLine& cmd, const Outcome& outcome) {
+    const bool isSaid = !outcome.texts().isEmpty();
     const int control = controlId(cmd.command);
     if (control == RemStartControl || control == RemEndControl) {
         m_inRemark = control == RemStartControl;
-        return false;
+        return isSaid;
     }
-    if (m_inRemark || cmd.command.isEmpty()) {
+    return !m_inRemark && !cmd.text.trimmed().isEmpty();
+}
+
+bool Verdict::take(const CmdLine& cmd, const Outcome& outcome, int line) {
+    if (!counts(cmd, outcome)) {
         return false;
     }
     if (!outcome.failed()) {

@@ -23,6 +23,8 @@ class Verdict {
     const QMap<int, Failure>& failures() const { return m_failures; }  ///< by line number
 
   private:
+    bool counts(const CmdLine& cmd, const Outcome& outcome);
+
     qint64 m_done = 0;
     qint64 m_warned = 0;
     qint64 m_failed = 0;
