@@ -84,7 +84,9 @@ QString CommandRow::fileOf(const CmdLine& cmd) const {
     const auto file = std::find_if(args.begin(), args.end(), [](ArgKind kind) {
         return kind == ArgKind::InFile || kind == ArgKind::OutFile;
     });
-    return file == args.end() ? QString() : cmd.arg(static_cast<int>(file - args.begin()));
+    const bool several = repeats && cmd.args.size() > static_cast<int>(args.size());
+    return file == args.end() || several ? QString()
+                                         : cmd.arg(static_cast<int>(file - args.begin()));
 }
 
 QString argKindName(ArgKind kind) {

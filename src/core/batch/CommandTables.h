@@ -60,7 +60,7 @@ struct CommandRow {
     Check check = nullptr;
     bool drawsLetters = false;  ///< needs a QGuiApplication
 
-    /// The file that a line of this command reads or writes; empty for none.
+    /// The file that a line of this command reads or writes; empty for none or several.
     QString fileOf(const CmdLine& cmd) const;
 };
 

@@ -160,5 +160,6 @@ void ImageView::paintBand(QPainter& painter) const {
     band.moveBottom(shown.bottom() - margin);
     painter.fillRect(band & shown, QColor(0, 0, 0, 190));
     painter.setPen(QColor(255, 225, 130));
+    painter.drawRect(band & shown);
     painter.drawText(band, Qt::AlignCenter, text);
 }
