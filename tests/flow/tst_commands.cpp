@@ -184,9 +184,6 @@ class TestCommands : public QObject {
         const QString noHeight = "set_band_h 0";
         QTest::newRow("no standard")
             << L{load, noWidth, noHeight, "calib_exec"} << "no standard is loaded";
-        QTest::newRow("a standard without an edge")
-            << L{load, noWidth, noHeight, "calib_load_std " + file("flat.dat"), "calib_exec"}
-            << "no rising edge";
         QTest::newRow("a region beside the image")
             << L{load, "select_region 8 0 9 9"} << "no part of the region lies inside";
         const QString unused = " 0 0 " + m_phantom->file("a.dat");
@@ -206,7 +203,6 @@ class TestCommands : public QObject {
     void linesThatDoNoWork() {
         QFETCH(QStringList, lines);
         QFETCH(QString, problem);
-        put(file("flat.dat"), "7000 1\n7100 1\n7200 1\n");
         Body body;
         BatchRun batch(body);
         QVERIFY(batch.run(lines));

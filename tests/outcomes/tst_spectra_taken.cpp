@@ -36,16 +36,17 @@ class TestSpectraTaken : public QObject {
         add("a reference with commas and a heading", whole, reference, "done", "");
         add("a standard like it", whole, standard, "done", "");
         add("rows left out", points(7000, 7300, comma, "7000, 1\nbad\n7001, nan\n"), reference,
-            "warning", "s\\.dat: 2 row");
-        add("a reference in keV", wrong, reference, "failed", "s\\.dat is not taken.* keV");
-        add("a standard in keV", wrong, standard, "failed", "s\\.dat is not taken.* keV");
+            "warning", "2 row.*: s\\.dat");
+        add("a reference in keV", wrong, reference, "failed", "not taken, .* keV.*: s\\.dat");
+        add("a standard in keV", wrong, standard, "failed", "not taken, .* keV.*: s\\.dat");
         add("a frame", {}, "calib_load_std i1-7100_000eV.tif", "failed", "no text");
         add("no file", {}, reference, "failed", "cannot be read: s\\.dat");
-        add("no edge", points(7000, 7080, comma), standard, "warning", "s\\.dat: there is no edge");
+        add("no edge", points(7000, 7080, comma), standard, "warning", "no edge: s\\.dat");
+        add("no rising edge", points(7000, 7080, comma), "LOAD\n" + standard + "\ncalib_exec",
+            "warning", "no rising edge");
         add("no pre-edge", points(7098, 7300, comma), reference, "warning",
-            "pre-edge line rests on");
-        add("no post-edge", points(7000, 7122, comma), reference, "warning",
-            "post-edge line rests on 2");
+            "pre-edge line on [12] ");
+        add("no post-edge", points(7000, 7122, comma), reference, "warning", "post-edge line on 2");
         // What is not taken leaves nothing of what was there before.
         add("nothing to save", wrong, "calib_load_std a.dat\n" + standard + "\nsave_spectra o.dat",
             "failed", "no spectrum");

@@ -124,7 +124,8 @@ class TestProgram : public QObject {
 
     void runsInAFolder() {
         QVERIFY(QDir(m_dir.path()).mkdir("in here"));
-        put(file("in here/foil.dat"), "7100 0\n7110 0.5\n7120 1\n");
+        put(file("in here/foil.dat"),
+            "7010 0\n7020 0\n7030 0\n7100 0\n7110 1\n7120 1\n7130 1\n7140 1\n");
         const Run result = runWith({"-C", "in here", batchOf({"calib_load_std foil.dat"})});
         QCOMPARE(result.verdict, QString("1 line done, 0 failed"));
         QCOMPARE(result.code, 0);

@@ -69,17 +69,16 @@ QString NormalisedFile::edgeFault() const {
         return {};
     }
     if (spectrum.midE() == 0.0) {
-        return Texts::tr("%1: there is no edge").arg(file.name);
+        return Texts::tr("no edge: %1").arg(file.name);
     }
     const double e0 = spectrum.findE(0.5, 0);
     const int pre = pointsIn(spectrum, e0 + spectrum.preStart(), e0 + spectrum.preEnd());
     if (pre < FewestPoints) {
-        return Texts::tr("%1: the pre-edge line rests on %n point(s)", nullptr, pre).arg(file.name);
+        return Texts::tr("pre-edge line on %n point(s): %1", nullptr, pre).arg(file.name);
     }
     const int post = pointsIn(spectrum, e0 + spectrum.postStart(), e0 + spectrum.postEnd());
     return post < FewestPoints
-               ? Texts::tr("%1: the post-edge line rests on %n point(s)", nullptr, post)
-                     .arg(file.name)
+               ? Texts::tr("post-edge line on %n point(s): %1", nullptr, post).arg(file.name)
                : QString();
 }
 

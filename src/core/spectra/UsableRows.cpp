@@ -89,7 +89,7 @@ class Taking {
             return m_taken;
         }
         if (!isText(file.peek(4096))) {
-            refuse(Usable::tr("this is no text file"));
+            refuse(Usable::tr("no text file"));
             return m_taken;
         }
         const QByteArray content = file.readAll();
@@ -184,8 +184,7 @@ class Taking {
             }
             if (m_leftOut > 0) {
                 m_taken.warnings << Usable::tr(
-                                        "%1: %n row(s) that are no energy and value were "
-                                        "left out",
+                                        "%n row(s) that are no energy and value left out: %1",
                                         nullptr, m_leftOut)
                                         .arg(m_fileName);
             }
@@ -216,7 +215,7 @@ class Taking {
     }
 
     void refuse(const QString& why) {
-        m_taken.whyNot = Usable::tr("%1 is not taken: %2").arg(m_fileName, why);
+        m_taken.whyNot = Usable::tr("not taken, %1: %2").arg(why, m_fileName);
     }
 
     const QString m_fileName;
