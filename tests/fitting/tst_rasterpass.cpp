@@ -152,6 +152,54 @@ class TestRasterPass : public QObject {
         }
     }
 
+    /// Counted the same by any number of threads, in packs and one by one.
+    void binsAreTallied_data() {
+        columns<int, bool>("threads", "inPacks");
+        QTest::newRow("one thread") << 1 << true;
+        QTest::newRow("five threads") << 5 << true;
+        QTest::newRow("one by one") << 2 << false;
+    }
+    void binsAreTallied() {
+        QFETCH(int, threads);
+        QFETCH(bool, inPacks);
+        const DebugLines said;
+        Energies energies = evenly(7000, 7300, 4);
+        if (!inPacks) {
+            energies.push_back(7300);
+        }
+        // No counts in column 3, at one energy in every second row of column 5; mu-t 0 in column 4.
+        const FrameSet i1 = tinyStack(Width, Height, energies, [](int i, int x, int y) {
+            const bool isEmpty = x == 3 || (x == 5 && y % 2 == 0 && i == 7);
+            return isEmpty ? 0 : x == 4 ? 8004 : 100 + i;
+        });
+        const FrameSet i0 = flatStack();
+        const AbsorptionSource source(i1, i0, Width, Height);
+        BinRaster raster = wholeImage();
+        raster.halfWidth = 0;
+        raster.halfHeight = 0;
+        RasterPass pass(source, raster, 2,
+                        backgroundEvaluators(threads, source.energies(), XafsSpectrum::Simple, At));
+        RasterPass::Tally all;
+        for (auto row = pass.take(); row.values != nullptr; row = pass.take()) {
+            all += row.tally;
+        }
+        int expected = 0;
+        int flat = 0;
+        for (int y = 0; y < raster.rows; ++y) {
+            for (int x = 0; x < raster.columns; ++x) {
+                const Spectrum at = source.spectrumAt(raster.x(x), raster.y(y), 0, 0);
+                expected += at.maximum().y == 1.0 || at.minimum().y == 1.0;
+                flat +=
+                    XafsSpectrum(at, XafsSpectrum::Simple, 0.0, XafsSpectrum::Quiet).dMut() == 0;
+            }
+        }
+        QCOMPARE(all.bins, raster.rows * raster.columns);
+        QCOMPARE(all.withoutCounts, expected);
+        QCOMPARE(all.withoutJump, flat);
+        QVERIFY(expected > 0 && flat > 0);
+        QCOMPARE(said.countOf("dMut_ is 0"), 0);
+    }
+
     void withoutFramesAnEdgeIsZero() {
         const double mu = 0.0;
         double edge = 1.0;

@@ -17,6 +17,13 @@ constexpr std::size_t RowsAhead = 8;
 // Bytes of the counts of a few bins over all frames that a core keeps near itself.
 constexpr std::size_t NearMemory = std::size_t(1) << 18;
 
+/// How many of the first `count` spectra of a pack have a value of exactly 1.0.
+int withoutCounts(const double* mu, int energies, int count) {
+    bool holds[lanes::Count];
+    lanes::kernels(lanes::bestUnits()).holdsOne(mu, energies, holds);
+    return static_cast<int>(std::count(holds, holds + count, true));
+}
+
 }  // namespace
 
 RasterPass::RasterPass(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
@@ -87,19 +94,23 @@ void RasterPass::evaluateRows(const Evaluate& evaluate) {
     std::vector<double> values;
     int row = 0;
     while (nextRow(&row)) {
+        Tally tally;
         values.resize(static_cast<std::size_t>(m_raster.columns) *
                       static_cast<std::size_t>(m_valuesPerBin));
         for (int first = 0; first < m_raster.columns; first += packs * Pack) {
             const int count = std::min(packs * Pack, m_raster.columns - first);
             bins.sum(m_raster.y(row), first, count);
             for (int bin = 0; bin < count; bin += Pack) {
+                const int spectra = std::min(Pack, count - bin);
                 bins.formPack(bin, mu.data());
-                evaluate(mu.data(), row, first + bin, std::min(Pack, count - bin),
-                         &values[static_cast<std::size_t>(first + bin) *
-                                 static_cast<std::size_t>(m_valuesPerBin)]);
+                tally.bins += spectra;
+                tally.withoutCounts += withoutCounts(mu.data(), m_source.energyCount(), spectra);
+                tally.withoutJump += evaluate(mu.data(), row, first + bin, spectra,
+                                              &values[static_cast<std::size_t>(first + bin) *
+                                                      static_cast<std::size_t>(m_valuesPerBin)]);
             }
         }
-        finish(row, &values);
+        finish(row, tally, &values);
     }
 }
 
@@ -118,12 +129,13 @@ bool RasterPass::nextRow(int* row) {
     return true;
 }
 
-void RasterPass::finish(int row, std::vector<double>* values) {
+void RasterPass::finish(int row, const Tally& tally, std::vector<double>* values) {
     bool awaited = false;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         Slot& slot = slotOf(row);
         std::swap(slot.values, *values);
+        slot.tally = tally;
         slot.done = true;
         awaited = row == m_taken;
     }
@@ -151,7 +163,7 @@ RasterPass::Row RasterPass::taken() {
     Slot& slot = slotOf(row);
     std::swap(m_current, slot.values);
     slot.done = false;
-    return {row, m_current.data()};
+    return {row, m_current.data(), slot.tally};
 }
 
 RasterPass::Row RasterPass::take() {

@@ -18,14 +18,32 @@ class AbsorptionSource;
 class RasterPass {
   public:
     /// Works out `valuesPerBin` numbers for each of `count` spectra (at most lanes::Count) that
-    /// belong to columns `column`, ... of a row; spectra as in BinRowSpectra::formPack().
+    /// belong to columns `column`, ... of a row; spectra as in BinRowSpectra::formPack(). Returns
+    /// how many of them were found to have an edge jump of 0.
     using Evaluate =
-        std::function<void(const double* mu, int row, int column, int count, double* values)>;
+        std::function<int(const double* mu, int row, int column, int count, double* values)>;
+
+    /// What was seen in the spectra of some bins.
+    struct Tally {
+        int bins = 0;
+        /// Those with a value of exactly 1.0, which stands for missing counts. Counts give it as
+        /// good as never: no quotient of whole numbers below 1e6 comes so near to e.
+        int withoutCounts = 0;
+        int withoutJump = 0;  ///< with an edge jump of 0, as far as it is worked out
+
+        Tally& operator+=(const Tally& other) {
+            bins += other.bins;
+            withoutCounts += other.withoutCounts;
+            withoutJump += other.withoutJump;
+            return *this;
+        }
+    };
 
     /// A row of results, column after column; null with the last row taken or after a failure.
     struct Row {
         int row = 0;
         const double* values = nullptr;
+        Tally tally;
     };
 
     enum class Failure { None, Memory, NoThread };
@@ -57,13 +75,14 @@ class RasterPass {
         int row = -1;
         bool done = false;
         std::vector<double> values;
+        Tally tally;
     };
 
     void work(const Evaluate& evaluate);
     void fail(Failure why);
     void evaluateRows(const Evaluate& evaluate);
     bool nextRow(int* row);
-    void finish(int row, std::vector<double>* values);
+    void finish(int row, const Tally& tally, std::vector<double>* values);
     Row taken();
     bool isReady() const;
     Slot& slotOf(int row) { return m_slots[static_cast<std::size_t>(row) % m_slots.size()]; }

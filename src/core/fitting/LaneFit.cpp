@@ -99,12 +99,17 @@ RasterPass::Evaluate fitOneByOne(const BinRaster& raster, const QVector<XafsSpec
                                  int backgroundType, const CorrectionAt& correctionAt) {
     const auto fit = std::make_shared<LinearFit>(references, method);
     return [=](const double* mu, int row, int column, int count, double* values) {
+        int withoutJump = 0;
         for (int l = 0; l < count; ++l) {
-            fit->fit(XafsSpectrum(spectrumOf(energies, mu, l), backgroundType,
-                                  correctionAt(raster.x(column + l), raster.y(row))));
+            const XafsSpectrum spectrum(spectrumOf(energies, mu, l), backgroundType,
+                                        correctionAt(raster.x(column + l), raster.y(row)),
+                                        XafsSpectrum::Quiet);
+            fit->fit(spectrum);
+            withoutJump += spectrum.dMut() == 0.0;
             values = std::copy(fit->dMuts().begin(), fit->dMuts().end(), values);
             values = std::copy(fit->ratios().begin(), fit->ratios().end(), values);
         }
+        return withoutJump;
     };
 }
 
@@ -118,17 +123,22 @@ RasterPass::Evaluate fitPacks(const BinRaster& raster, const QVector<XafsSpectru
             corrections[l] = correctionAt(raster.x(column + l), raster.y(row));
         }
         fit->fit(mu, corrections, count, values);
+        return fit->withoutJump();
     };
 }
 
 RasterPass::Evaluate curvesOneByOne(const std::vector<double>& energies, int backgroundType,
                                     double e) {
     return [=](const double* mu, int, int, int count, double* values) {
+        int withoutJump = 0;
         for (int l = 0; l < count; ++l) {
-            const XafsSpectrum spectrum(spectrumOf(energies, mu, l), backgroundType, 0.0);
+            const XafsSpectrum spectrum(spectrumOf(energies, mu, l), backgroundType, 0.0,
+                                        XafsSpectrum::Quiet);
+            withoutJump += spectrum.dMut() == 0.0;
             *values++ = spectrum.preEdge().valueAt(e);
             *values++ = spectrum.postEdge().valueAt(e);
         }
+        return withoutJump;
     };
 }
 
@@ -141,6 +151,7 @@ RasterPass::Evaluate curvesOfPacks(const std::vector<double>& energies, int back
             *values++ = normaliser->preAt(e, l);
             *values++ = normaliser->postAt(e, l);
         }
+        return normaliser->withoutJump();
     };
 }
 

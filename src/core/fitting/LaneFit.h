@@ -22,6 +22,8 @@ class LaneFit {
     /// the energy correction in eV is taken off its energies. results: for every spectrum the edge
     /// jumps due to all references, then their ratios.
     void fit(const double* mu, const double* corrections, int count, double* results);
+    /// See LaneNormaliser; 0 for a method that needs no normalisation.
+    int withoutJump() const { return m_normaliser.withoutJump(); }
 
   private:
     void prepare(double correction);

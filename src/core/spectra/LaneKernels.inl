@@ -79,6 +79,18 @@ void muT(const Sums* sums, int energies, std::size_t bin, double* mu) {
     }
 }
 
+void holdsOne(const double* mu, int energies, bool* holds) {
+    for (int l = 0; l < Count; l += Width) {
+        Mask found = {};
+        for (int i = 0; i < energies; ++i) {
+            found |= load(mu + i * Count + l) == 1.0;
+        }
+        for (int k = 0; k < Width; ++k) {
+            holds[l + k] = found[k] != 0;
+        }
+    }
+}
+
 void risingEdge(const double* mu, const double* e, int n, double fraction, double* edge) {
     for (int l = 0; l < Count; l += Width) {
         const double* const y = mu + l;
@@ -281,5 +293,5 @@ void projections(const double* y, const double* f, int stride, int count, double
     }
 }
 
-constexpr Kernels All = {fromCounts,       muT,        risingEdge, rangeSums, middle,
-                         doubleNormalised, projections};
+constexpr Kernels All = {fromCounts, muT,    holdsOne,         risingEdge,
+                         rangeSums,  middle, doubleNormalised, projections};

@@ -1,6 +1,5 @@
 #include "spectra/LaneNormaliser.h"
 
-#include <QDebug>
 #include <algorithm>
 #include <cmath>
 
@@ -148,10 +147,8 @@ void LaneNormaliser::normalise(const double* mu, int count) {
         const int pair = pairAround(m_midE[l]);
         m_dMut[l] =
             interpolatedAt(m_post, m_midE[l], pair, l) - interpolatedAt(m_pre, m_midE[l], pair, l);
-        if (l < count && m_dMut[l] == 0.0) {
-            qDebug() << "dMut_ is 0 in findMidEandDMut";
-        }
     }
+    m_withoutJump = static_cast<int>(std::count(m_dMut, m_dMut + count, 0.0));
 }
 
 int LaneNormaliser::pairAround(double e) const {

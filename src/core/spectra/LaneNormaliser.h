@@ -21,12 +21,14 @@ class LaneNormaliser {
                    lanes::Units units = lanes::bestUnits());
 
     /// Normalises the pack mu[energy * lanes::Count + spectrum], whose first `count` spectra
-    /// matter. One of them without an edge jump gives a debug line.
+    /// matter.
     void normalise(const double* mu, int count = lanes::Count);
 
     // Of the last pack, one for each of its spectra.
     const double* midE() const { return m_midE; }
     const double* dMut() const { return m_dMut; }
+    /// How many of those that matter have an edge jump of 0.
+    int withoutJump() const { return m_withoutJump; }
 
     /// (mu - pre) / (post - pre) of the last pack at some of the energies.
     void doubleNormalised(const double* mu, const std::vector<int>& points, double* y) const;
@@ -73,4 +75,5 @@ class LaneNormaliser {
     lanes::Curve m_post = {};
     double m_midE[lanes::Count] = {};
     double m_dMut[lanes::Count] = {};
+    int m_withoutJump = 0;
 };

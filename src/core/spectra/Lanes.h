@@ -54,6 +54,9 @@ struct Kernels {
     /// where s0 s1 is not above 0.
     void (*muT)(const Sums* sums, int energies, std::size_t bin, double* mu);
 
+    /// Whether each spectrum has a value of exactly 1.0.
+    void (*holdsOne)(const double* mu, int energies, bool* holds);
+
     /// Energy at which each spectrum first rises through minimum + fraction (maximum - minimum),
     /// interpolated; e[0] where it does not. At least one point.
     void (*risingEdge)(const double* mu, const double* e, int n, double fraction, double* edge);

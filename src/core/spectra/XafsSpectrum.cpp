@@ -46,13 +46,14 @@ XafsSpectrum::XafsSpectrum() : m_results(new Results) {
     livecounts::addXafsSpectra(1);
 }
 
-XafsSpectrum::XafsSpectrum(const Spectrum& measured, int backgroundType, double energyCorrection)
+XafsSpectrum::XafsSpectrum(const Spectrum& measured, int backgroundType, double energyCorrection,
+                           Debug debug)
     : Spectrum(measured),
       m_results(new Results),
       m_backgroundType(backgroundType),
       m_energyCorrection(energyCorrection) {
     livecounts::addXafsSpectra(1);
-    normalise(backgroundType);
+    normalise(backgroundType, debug);
 }
 
 XafsSpectrum::XafsSpectrum(const XafsSpectrum& other)
@@ -101,7 +102,7 @@ void XafsSpectrum::setPostRange(double start, double end) {
     m_postEnd = end;
 }
 
-void XafsSpectrum::normalise(int backgroundType) {
+void XafsSpectrum::normalise(int backgroundType, Debug debug) {
     if (isEmpty()) {
         return;
     }
@@ -116,7 +117,7 @@ void XafsSpectrum::normalise(int backgroundType) {
     const int kind = background::kindOf(backgroundType);
     m_results->preEdge.fit(kind, *this, e0 + m_preStart, e0 + m_preEnd);
     m_results->postEdge.fit(kind, *this, e0 + m_postStart, e0 + m_postEnd);
-    findMidEandDMut(e0);
+    findMidEandDMut(e0, debug);
     fillSeries();
 }
 
@@ -144,7 +145,7 @@ void store(Spoint* series, int first, int second, Pair e, Pair value) {
 
 }  // namespace
 
-void XafsSpectrum::findMidEandDMut(double e0) {
+void XafsSpectrum::findMidEandDMut(double e0, Debug debug) {
     const double from = e0 + m_preEnd;
     const double to = e0 + m_postStart;
     const Under preEdge(m_results->preEdge);
@@ -169,7 +170,7 @@ void XafsSpectrum::findMidEandDMut(double e0) {
     m_results->midE = crossings > 0 ? sum / crossings : 0.0;
     m_results->dMut =
         m_results->postEdge.valueAt(m_results->midE) - m_results->preEdge.valueAt(m_results->midE);
-    if (m_results->dMut == 0.0) {
+    if (m_results->dMut == 0.0 && debug == Talkative) {
         qDebug() << "dMut_ is 0 in findMidEandDMut";
     }
 }

@@ -18,18 +18,20 @@
 class XafsSpectrum : public Spectrum {
   public:
     enum Background { Simple = 0, Victreen = 1 };  ///< any non-zero type is Victreen
+    enum Debug { Quiet, Talkative };               ///< whether an edge jump of 0 gives a debug line
 
     /// Empty, to be read from a file; Victreen until told otherwise.
     XafsSpectrum();
     /// Takes the measured points with their shift and normalises them. The energy correction is
     /// what the calibration found for the position (eV, taken off when fitting and writing).
-    XafsSpectrum(const Spectrum& measured, int backgroundType, double energyCorrection);
+    XafsSpectrum(const Spectrum& measured, int backgroundType, double energyCorrection,
+                 Debug debug = Talkative);
     XafsSpectrum(const XafsSpectrum& other);
     XafsSpectrum& operator=(const XafsSpectrum& other);
     ~XafsSpectrum();
 
     /// Normalises with this background type; does nothing without points.
-    void normalise(int backgroundType);
+    void normalise(int backgroundType, Debug debug = Talkative);
 
     int backgroundType() const { return m_backgroundType; }
     void setBackgroundType(int type) { m_backgroundType = type; }
@@ -91,7 +93,7 @@ class XafsSpectrum : public Spectrum {
 
     Results* share() const;
     static void release(Results* results);
-    void findMidEandDMut(double e0);
+    void findMidEandDMut(double e0, Debug debug);
     void fillSeries();
 
     Results* m_results;  // never null
