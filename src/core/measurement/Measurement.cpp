@@ -18,6 +18,7 @@ Measurement::Measurement()
     : m_map(std::make_unique<Result>(ResultId::Shift)),
       m_threads(QThread::idealThreadCount()),
       m_job([this](const RasterPass::Row& row, const BinRaster& raster) {
+          m_analysis->run()->tally += row.tally;
           m_analysis->take(row, raster);
       }) {
     for (int i = 0; i < ResidualCount; ++i) {

@@ -6,6 +6,7 @@
 
 #include "absorption/AbsorptionSource.h"
 #include "calibration/EnergyShift.h"
+#include "measurement/FitJudgement.h"
 #include "measurement/Measurement.h"
 #include "measurement/Revision.h"
 
@@ -125,7 +126,12 @@ Outcome Measurement::start(Work work) {
         return whyNot;
     }
     const AbsorptionSource& frames = source();
+    const Outcome judged = judgeBefore(work, frames.energies(), m_references, m_settings);
+    if (judged.failed()) {
+        return judged;
+    }
     m_analysis = makeAnalysis(work);
+    m_analysis->run()->warnings = judged.warnings;
     m_eachRow.start();
     m_analysis->begin();
     BinRaster raster = m_analysis->grid().raster();
@@ -174,6 +180,7 @@ void Measurement::passEnded(RasterPass::Failure failure) {
         run.state = Run::State::Complete;
         run.percent = 100.0;
         outcome = warningsOf(run);
+        outcome += judgeAfter(run);
     }
     if (m_newMap) {
         MapInput input;

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include "absorption/RasterPass.h"
 #include "fitting/ResultKinds.h"
 #include "maps/Analyzed2DRes.h"
 #include "measurement/Inputs.h"
@@ -15,6 +16,8 @@ struct Run {
     Inputs inputs;
     State state = State::Running;
     double percent = 0.0;        ///< done, when it was stopped
+    QStringList warnings;        ///< of what could be judged at its start
+    RasterPass::Tally tally;     ///< of the bins done
     mutable bool saved = false;  ///< one of its results, or the record that makes them
 };
 

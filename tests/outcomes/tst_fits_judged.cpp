@@ -1,0 +1,72 @@
+#include "OutcomeCase.h"
+#include "TinyStacks.h"
+
+/// What is said of fits and residual absorption that find nothing worth having.
+class TestFitsJudged : public QObject {
+    Q_OBJECT
+
+    OutcomeCases m_cases;
+
+    static void putLine() {
+        putCurve("s.dat", QVector<double>{7000, 7020, 7100, 7200, 7290, 7300},
+                 [](double e) { return 1.0 - 1e-4 * (e - 7000.0); });
+    }
+    /// As a reference a.dat itself.
+    static void putTwice() {
+        QVector<double> energies;
+        for (double e = 6990.0; e <= 7310.0; e += 0.7) {
+            energies << e;
+        }
+        putCurve("s.dat", energies, [](double e) { return 2.0 * Phantom::muA(e) + 0.1; });
+    }
+    /// An I1 frame without counts in three pixels, and one in one of them.
+    static void putHoles() {
+        writeTinyStack(".", "i1", 12, 8, {7100, 7200}, [](int i, int x, int y) {
+            return y == 4 && (i == 0 ? x < 3 : x == 0) ? 0 : 40000;
+        });
+    }
+
+  private slots:
+    void judged_data() {
+        OutcomeCases::declare();
+        const auto add = OutcomeCases::add;
+        const QString fit("LOAD\nREFS\n%1\nanalyzer_exec_LCF");
+        const auto offset = [fit](int eV) {
+            return fit.arg(QString("analyzer_set_LCF_std 0 1 %1 a.dat 0").arg(eV));
+        };
+        const QString other = fit.arg("analyzer_set_LCF_std 1 1 0 s.dat 0");
+        const QString toMlcf("\nanalyzer_set_LCF_mode 1\nanalyzer_exec_LCF");
+        const auto mlcf = [toMlcf](QString lines) {
+            return lines.replace("\nanalyzer_exec_LCF", toMlcf);
+        };
+        add("LCF", {}, offset(0), "done", "");
+        add("MLCF", {}, mlcf(offset(0)), "done", "");
+        add("nothing inside", {}, offset(2000), "failed",
+            "0 of 31 energies of the frames \\(7000.0 to 7300.0 eV\\).*"
+            "a.dat covers 4980.0 to 5320.0 eV$");
+        add("a range each", {},
+            offset(-200).replace("exec_LCF", "set_LCF_std 1 1 200 b.dat 0\nanalyzer_exec_LCF"),
+            "failed", "a.dat covers 7180.0 to 7520.0 eV, b.dat covers 6780.0 to 7120.0 eV");
+        add("just enough", {}, offset(-290), "warning", "only 4 of 31 energies .*: a.dat covers");
+        add("too few", {}, offset(-291), "failed", "3 of 31 energies .* needs 4: a.dat covers");
+        add("too few for MLCF", {}, mlcf(offset(-290)), "failed", "4 of 31 .* needs 6");
+        add("nine tenths", {}, offset(-50), "done", "");
+        add("fewer", {}, offset(-60), "warning", "only 27 of 31 energies");
+        add("no edge", putLine, other, "warning", "no edge: s.dat");
+        add("alike", putTwice, other, "warning", "a.dat and s.dat cannot be told apart");
+        add("alike in MLCF", putTwice, mlcf(other), "warning", "a.dat and s.dat cannot be told");
+        add("holes of a fit", putHoles, offset(0), "warning",
+            "3 of 96 bins have no counts at some energy");
+        add("holes of a calibration", putHoles, "LOAD\ncalib_exec", "warning", "3 of 96 bins have");
+        const QString residual("LOAD\nanalyzer_set_ra_energy %1\nanalyzer_exec_ra");
+        add("holes of residual absorption", putHoles, residual.arg(7200), "warning",
+            "3 of 96 bins have");
+        add("residual absorption", {}, residual.arg(7300), "done", "");
+        add("beside the frames", {}, residual.arg(7301), "warning",
+            "7301 eV .* outside those of the frames \\(7000.0 to 7300.0 eV\\)");
+    }
+    void judged() { m_cases.judge(); }
+};
+
+TARNWICK_TEST_MAIN(QApplication, TestFitsJudged)
+#include "tst_fits_judged.moc"
