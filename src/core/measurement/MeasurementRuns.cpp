@@ -134,11 +134,7 @@ Outcome Measurement::start(Work work) {
     m_analysis->run()->warnings = judged.warnings;
     m_eachRow.start();
     m_analysis->begin();
-    BinRaster raster = m_analysis->grid().raster();
-    if (m_analysis->valuesPerBin() == 0) {
-        raster.rows = 0;  // no reference is in use: the maps stay empty
-    }
-    m_job.start(frames, raster, m_analysis->valuesPerBin(),
+    m_job.start(frames, m_analysis->grid().raster(), m_analysis->valuesPerBin(),
                 m_analysis->evaluators(std::max(1, m_threads), frames));
     // Who is told may stop it at once.
     emit changed(Changes(AtWork) | Results | Display);
@@ -197,12 +193,6 @@ void Measurement::passEnded(RasterPass::Failure failure) {
 }
 
 Outcome Measurement::warningsOf(const Run& run) const {
-    if (run.work == Work::Fit) {
-        const auto& references = run.inputs.references;
-        const bool any = std::any_of(references.begin(), references.end(),
-                                     [](const ReferenceInput& r) { return r.takesPart; });
-        return any ? Outcome() : Outcome::failure(tr("no reference is in use"));
-    }
     if (run.work == Work::Calibrate) {
         const XafsSpectrum* spectrum = standard();
         if (spectrum == nullptr || spectrum->isEmpty()) {
