@@ -89,24 +89,24 @@ class TestBatchCheck : public QObject {
             "E2 no such file: s4.dat|E2 no such file: s5.dat|E2 and more of this kind");
         row("loops", ":for i %i 1 3|:next I|:for j %j 1|:next j|:for k %k a 3|:next k|:next k",
             "E1 loop 'i' is never closed|E2 :next without :for of the name 'I'|"
-            "E3 :for needs four arguments|W5 'a' is not an integer|"
+            "E3 :for needs four arguments|E5 'a' is not an integer|"
             "E7 :next without :for of the name 'k'");
         row("crossing and replaced loops",
             ":for i %i 1 2|:for j %j 1 2|:next i|:next j|:for k %k 1 2|:for k %k 1 3|:next k",
             "W3 loop 'i' ends before loop 'j' inside it|"
-            "E5 loop 'k' is not closed before :for in line 6");
+            "E5 loop 'k' is not closed before another :for starts it anew");
         row("endless substitution",
             ":for i 1 9 12|move_position 1 1|:next i||:for j ab bbaa 0|calib_set_edge_eV abb|"
             ":next j",
             "E1 endless substitution: the value 10 holds the placeholder '1'|"
             "E1 endless substitution: the value 11|E1 endless substitution: the value 12|"
-            "W5 'bbaa' is not an integer");
+            "E5 'bbaa' is not an integer");
         row("growing substitution", ":for j ab bbaa 0|calib_set_edge_eV abb|:next j",
-            "W1 'bbaa' is not an integer|E2 endless substitution");
+            "E1 'bbaa' is not an integer|E2 endless substitution");
         row("quotes", "calib_set_edge_eV \"7112|calib_set_edge_eV 7112\"|:echo \"a\"\"b\"",
-            "E1 a quote is opened but not closed|E2 a quote inside an item|"
+            "W1 a quote is opened but not closed|W2 a quote inside an item|"
             "W3 only 'a' is echoed");
-        row("continuation into nothing", "set_band_w 1 \\|", "E1 a backslash continues this line");
+        row("continuation into nothing", "set_band_w 1 \\|", "W1 a backslash continues this line");
         row("continuation into a command", ":echo done\\|set_band_w 1",
             "W1 only 'doneset_band_w' is echoed|W2 the backslash at the end of the line");
         row("remarks",

@@ -281,7 +281,7 @@ void TestCommands::addViewCases() {
     const auto field = [this](const char* name) { return text(m_body.get(), name); };
     add("set_band_w 1", {"set_band_w 0"}, [=] { return field("HWidth") == "1"; });
     add("set_band_h 2", {"set_band_h 0"}, [=] { return field("VWidth") == "2"; });
-    add("set_band_w x", {"set_band_h 0"},  // what follows works on single pixels
+    add("set_band_w 0", {"set_band_h 0"},  // what follows works on single pixels
         [=] { return field("HWidth") == "0"; });
     const char* const buttons[] = {"ShowData", "ShowI0", "ShowShiftMap", "ShowResAnalysis"};
     for (const int n : {3, 2, 1, 0}) {
@@ -369,7 +369,7 @@ void TestCommands::addAnalyzerCases() {
         [=] { return checked(analyzer(), "SelRatio"); },
         [=] { return checked(analyzer(), "SelDMut"); });
     add(
-        "analyzer_select_image_type 0", {"analyzer_select_image_type 7"},
+        "analyzer_select_image_type 0", {"analyzer_select_image_type 1"},
         [=] { return checked(analyzer(), "SelDMut"); },
         [=] { return checked(analyzer(), "SelRatio"); });
     const auto shows = [=](const char* name) { return [=] { return inAnalyzer(name); }; };

@@ -1,5 +1,9 @@
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <cmath>
 #include <csignal>
@@ -101,6 +105,9 @@ class TestProgram : public QObject {
         row({"--", "-b"}, 2, "cannot open -b");
         row({"--check"}, 2, "No file given");
         row({"a.bat", "b.bat"}, 2, "");
+        row({"--strict", "--check", "b.bat"}, 2, "go with a run only");
+        row({"--report", "./b.bat", "b.bat"}, 2, "would replace the batch file");
+        row({"--report", "nowhere/r.json", "b.bat"}, 2, "cannot write");
         row({"-x", "a.bat"}, 2, "");
         row({"-C", "nowhere", "b.bat"}, 2, "cannot enter nowhere");
         row({"--origin", "nothing.tif"}, 1, "nothing.tif: there is no such file");
@@ -127,7 +134,7 @@ class TestProgram : public QObject {
         put(file("in here/foil.dat"),
             "7010 0\n7020 0\n7030 0\n7100 0\n7110 1\n7120 1\n7130 1\n7140 1\n");
         const Run result = runWith({"-C", "in here", batchOf({"calib_load_std foil.dat"})});
-        QCOMPARE(result.verdict, QString("1 line done, 0 failed"));
+        QCOMPARE(result.verdict, QString("1 line done, 0 with a warning, 0 failed"));
         QCOMPARE(result.code, 0);
     }
 
@@ -136,8 +143,57 @@ class TestProgram : public QObject {
             run({"", "# note", "set_band_h \\", " 3", QString::fromUtf8("calib_load_std 鉄.dat")});
         QCOMPARE(result.out,
                  QString::fromUtf8("Err: # noteset_band_h : 3\ncalib_load_std : 鉄.dat\n"
-                                   "1 line done, 2 failed: line 2 (#), line 5 (calib_load_std)\n"));
+                                   "1 line done, 0 with a warning, 2 failed: line 2 (#), line 5 "
+                                   "(calib_load_std)\n"));
         QCOMPARE(result.code, 1);
+    }
+
+    /// The report tells each line that counts, and the totals; it spares what was read.
+    void report() {
+        QVERIFY(QDir(m_dir.path()).mkdir("elsewhere"));
+        const QStringList lines =
+            m_phantom->loadAndSetReferences() + QStringList{":rem_start",
+                                                            "no line",
+                                                            ":rem_end",
+                                                            "set_band_w 1 2",
+                                                            "move_position 2 2",
+                                                            "save_spectra a.dat",
+                                                            "",
+                                                            "set_band_h",
+                                                            ":echo \"a b\""};
+        const Run result =
+            runWith({"--report", "r.json", "-C", "elsewhere", "--times", batchOf(lines)});
+        QVERIFY2(QRegularExpression("^\\d\\d:\\d\\d:\\d\\d\\.\\d{3} echo a b$",
+                                    QRegularExpression::MultilineOption)
+                     .match(result.out)
+                     .hasMatch(),
+                 qPrintable(result.out));
+        QVERIFY2(
+            QRegularExpression("set_band_h\\); \\d+\\.\\d\\d s$").match(result.verdict).hasMatch(),
+            qPrintable(result.verdict));
+        const QByteArray text = contentOf(file("r.json"));
+        const QJsonArray told = QJsonDocument::fromJson(text).array();
+        QCOMPARE(text.count('\n'), told.size() + 2);  // one object a line of text
+        const int first = lines.indexOf("set_band_w 1 2") - 3;
+        QCOMPARE(told.size(), first + 6);
+        const auto entry = [&told](int i) { return told.at(i).toObject(); };
+        QCOMPARE(entry(first).value("outcome").toString(), QString("warning"));
+        QCOMPARE(entry(first).value("line").toInt(), first + 4);
+        QCOMPARE(entry(first).value("arguments").toArray(), QJsonArray({"1", "2"}));
+        QCOMPARE(entry(first + 2).value("files").toArray(), QJsonArray({"a.dat"}));
+        QCOMPARE(entry(first + 3).value("reasons").toArray(),
+                 QJsonArray({"too few arguments: set_band_h n"}));
+        const QJsonObject totals = entry(first + 5).value("totals").toObject();
+        QCOMPARE(totals.value("done").toInt(), first + 3);
+        QCOMPARE(totals.value("warning").toInt() + 10 * totals.value("failed").toInt(), 11);
+        QCOMPARE(totals.value("exit").toInt(), 1);
+
+        const QString standard = file("std.dat");
+        QVERIFY(QFile::copy(m_phantom->file("a.dat"), standard));
+        const Run spared = runWith({"--report", "std.dat", batchOf({"calib_load_std std.dat"})});
+        QCOMPARE(spared.code, 1);
+        QVERIFY2(spared.problems.contains("was read from this file"), qPrintable(spared.problems));
+        QCOMPARE(contentOf(standard), contentOf(m_phantom->file("a.dat")));
     }
 
     void check() {
@@ -167,8 +223,9 @@ class TestProgram : public QObject {
                   "save_data_as_tiff b.dat"};
         const Run result = run(lines);
         QCOMPARE(result.code, 1);
-        QCOMPARE(result.verdict, QString("17 lines done, 5 failed: line 4 (load_I1_files), line 12 "
-                                         "(calib_load_std), line 17 (save_data_as_tiff, 3 times)"));
+        QCOMPARE(result.verdict,
+                 QString("17 lines done, 0 with a warning, 5 failed: line 4 (load_I1_files), "
+                         "line 12 (calib_load_std), line 17 (save_data_as_tiff, 3 times)"));
         QVERIFY2(result.problems.contains("line 4: load_I1_files: ") &&
                      result.problems.contains("missing.tif"),
                  qPrintable(result.problems));

@@ -1,5 +1,6 @@
 #include <QBuffer>
 #include <QImage>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -34,54 +35,70 @@ class TestSession : public QObject {
     }
 
     void verdict_data() {
-        // commands: "index command", "!index command" fails
-        columns<QStringList, QString, int>("commands", "verdict", "code");
+        // commands: "index command", "!index command" fails, "?index command" warns; exit codes
+        // without and with --strict
+        columns<QStringList, QString, int, int>("commands", "verdict", "code", "strict");
         using L = QStringList;
-        QTest::newRow("nothing") << L{} << "0 lines" << 0;
-        QTest::newRow("one") << L{"0 a"} << "1 line done, 0 failed" << 0;
-        QTest::newRow("all done") << L{"0 a", "2 b"} << "2 lines done, 0 failed" << 0;
+        QTest::newRow("nothing") << L{} << "0 lines" << 0 << 0;
+        QTest::newRow("one") << L{"0 a"} << "1 line done, 0 with a warning, 0 failed" << 0 << 0;
+        QTest::newRow("all done") << L{"0 a", "2 b"} << "2 lines done, 0 with a warning, 0 failed"
+                                  << 0 << 0;
         QTest::newRow("named by the line in the file where they start")
-            << L{"0 a", "!2 b", "!3 c"} << "1 line done, 2 failed: line 3 (b), line 6 (c)" << 1;
+            << L{"0 a", "!2 b", "!3 c"}
+            << "1 line done, 0 with a warning, 2 failed: line 3 (b), line 6 (c)" << 1 << 1;
         QTest::newRow("remarks do not count")
-            << L{"0 :rem_start", "0 a", "0 :rem_end", "0 b"} << "1 line done, 0 failed" << 0;
-        QTest::newRow("repeated in a loop") << L{"!0 a", "!0 a", "3 c", "!0 a"}
-                                            << "1 line done, 3 failed: line 2 (a, 3 times)" << 1;
+            << L{"0 :rem_start", "0 a", "0 :rem_end", "0 b"}
+            << "1 line done, 0 with a warning, 0 failed" << 0 << 0;
+        QTest::newRow("a blank line, and one that ends the text in a backslash")
+            << L{"0 a", "4", "?4"} << "2 lines done, 1 with a warning, 0 failed" << 0 << 1;
+        QTest::newRow("a remark that never ends")
+            << L{"!0 :rem_start", "!2 b"}
+            << "0 lines done, 0 with a warning, 1 failed: line 2 (:rem_start)" << 1 << 1;
+        QTest::newRow("repeated in a loop")
+            << L{"!0 a", "!0 a", "3 c", "!0 a"}
+            << "1 line done, 0 with a warning, 3 failed: line 2 (a, 3 times)" << 1 << 1;
     }
 
     void verdict() {
         QFETCH(QStringList, commands);
         Console console(&m_out, &m_err, false, false);
-        int index = -1;
         const BatchText text = BatchText::fromLines({"", "a", "b \\", "rest", " ", "c"});
-        BatchSession session(&console, text, [&index] { return index; });
-        QSignalSpy finished(&session, &BatchSession::finished);
-        for (const QString& item : commands) {
-            const bool fails = item.startsWith('!');
-            const CmdLine cmd = command(item.mid(fails ? 1 : 0));
-            index = cmd.command.toInt();
-            session.commandDone(command(cmd.arg(0)), fails ? Outcome::failure("why") : Outcome());
+        for (const bool isStrict : {false, true}) {
+            m_out.buffer().clear();
+            m_out.seek(0);
+            BatchSession session(&console, text, [] { return -1; }, {isStrict, false, nullptr});
+            QSignalSpy finished(&session, &BatchSession::finished);
+            for (QString item : commands) {
+                const Outcome outcome = item.startsWith('!')   ? Outcome::failure("why")
+                                        : item.startsWith('?') ? Outcome::warning("why")
+                                                               : Outcome();
+                item.remove(QRegularExpression("^[!?]"));
+                CmdLine cmd = command(item.section(' ', 1));
+                cmd.line = item.section(' ', 0, 0).toInt();
+                session.commandDone(cmd, outcome);
+            }
+            session.end();
+            QTEST(QString::fromUtf8(m_out.data()).trimmed(), "verdict");
+            QCOMPARE(finished.count(), 1);
+            QTEST(finished.at(0).at(0).toInt(), isStrict ? "strict" : "code");
+            session.end();  // only once
+            session.commandDone(command("x"), Outcome::failure("late"));
+            session.log("late");
+            QCOMPARE(finished.count(), 1);
+            QVERIFY(!m_out.data().contains("late"));
         }
-        session.end();
-        QTEST(QString::fromUtf8(m_out.data()).trimmed(), "verdict");
-        QCOMPARE(finished.count(), 1);
-        QTEST(finished.at(0).at(0).toInt(), "code");
-        session.end();  // only once
-        session.commandDone(command("x"), Outcome::failure("late"));
-        session.log("late");
-        QCOMPARE(finished.count(), 1);
-        QVERIFY(!m_out.data().contains("late"));
     }
 
     void barOnlyOnATerminal() {
         {
             Console file(&m_out, &m_err, false, false);
-            BatchSession session(&file, BatchText(), [] { return -1; });
+            BatchSession session(&file, BatchText(), [] { return -1; }, {});
             session.progress(Work::LoadI1, 1, 2);
             session.progress(Work::Fit, 50.0, 100.0);
             QCOMPARE(m_err.data() + m_out.data(), QByteArray());
         }
         Console console(&m_out, &m_err, false, true);
-        BatchSession session(&console, BatchText(), [] { return -1; });
+        BatchSession session(&console, BatchText(), [] { return -1; }, {});
         session.progress(Work::LoadI0, 0, 0);  // nothing to show
         QCOMPARE(m_err.data(), QByteArray());
         session.progress(Work::LoadI0, 45, 90);
@@ -105,10 +122,16 @@ class TestSession : public QObject {
         console.log("x\n");
         console.log("echo b");
         console.note("debug");
+        console.tellTimes();
+        console.log("y");
         console.logLine("end");
-        QCOMPARE(terminal.data(),
-                 QByteArray("echo a\nI1 [..............................] 0/2\r\033[Kx\n"
-                            "echo b\ndebug\nend\n"));
+        const QString said =
+            QString::fromUtf8(terminal.data()).remove(QLatin1Char('\r')).remove(QChar(033));
+        QVERIFY2(QRegularExpression("^echo a\nI1 \\[\\.{30}\\] 0/2\\[Kx\necho b\ndebug\n"
+                                    "\\d\\d:\\d\\d:\\d\\d\\.\\d{3} y\nend\n$")
+                     .match(said)
+                     .hasMatch(),
+                 qPrintable(said));
     }
 
     void savedFilesTell() {

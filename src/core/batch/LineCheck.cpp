@@ -98,7 +98,7 @@ class FormChecker {
                 checkControl(line);
             }
         }
-        if (m_remark > 0) {
+        if (m_remark >= 0) {
             error(m_remark, Batch::tr("this remark is never closed by :rem_end"));
         }
         for (const auto& loop : m_open) {
@@ -116,16 +116,16 @@ class FormChecker {
 
     void checkRemarks(const CheckedLine& line) {
         if (line.control == RemStartControl) {
-            if (m_remark > 0) {
+            if (m_remark >= 0) {
                 warn(line.number, Batch::tr("remarks do not nest: the first :rem_end ends it"));
             } else {
                 m_remark = line.number;
             }
         } else if (line.control == RemEndControl) {
-            if (m_remark == 0) {
+            if (m_remark < 0) {
                 warn(line.number, Batch::tr(":rem_end without :rem_start"));
             }
-            m_remark = 0;
+            m_remark = -1;
         }
     }
 
@@ -220,7 +220,7 @@ class FormChecker {
 
     const BatchText& m_text;
     const Report& m_report;
-    int m_remark = 0;  // line of the :rem_start that is open
+    int m_remark = -1;  // line of the :rem_start that is open
     Open m_open;       // loops: name, line
 };
 
@@ -288,6 +288,7 @@ QHash<int, Outcome> problemsOfForm(const QStringList& lines, bool inRemark) {
     text.lines = lines;
     for (int i = 0; i < lines.size(); ++i) {
         text.numbers << i;
+        text.first << i;
     }
     QVector<int> lastOf(lines.size());
     const QVector<CheckedLine> logical = logicalLines(text, inRemark);

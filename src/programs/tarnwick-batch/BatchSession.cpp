@@ -1,17 +1,32 @@
 #include "tarnwick-batch/BatchSession.h"
 
+#include <QJsonArray>
+#include <QJsonObject>
 #include <utility>
 
 #include "base/Globals.h"
 #include "batch/CommandTables.h"
 #include "tarnwick-batch/Console.h"
+#include "tarnwick-batch/RunReport.h"
+
+namespace {
+
+double secondsOf(const QElapsedTimer& timer) {
+    return static_cast<double>(timer.nsecsElapsed() / 1000) / 1e6;
+}
+
+}  // namespace
 
 BatchSession::BatchSession(Console* console, BatchText text, std::function<int()> lineInWork,
-                           QObject* parent)
+                           const Options& options, QObject* parent)
     : QObject(parent),
       m_console(console),
       m_text(std::move(text)),
-      m_lineInWork(std::move(lineInWork)) {}
+      m_lineInWork(std::move(lineInWork)),
+      m_options(options) {
+    m_sinceStart.start();
+    m_sinceLine.start();
+}
 
 void BatchSession::log(const QString& text) {
     if (!m_finished) {
@@ -28,34 +43,61 @@ void BatchSession::commandDone(const CmdLine& cmd, const Outcome& outcome) {
         return;
     }
     m_console->clearBar();
+    if (counts(cmd, outcome)) {
+        const int line = m_text.lineNumber(cmd.line);
+        say(line, cmd, outcome);
+        report(line, cmd, outcome);
+        if (outcome.failed()) {
+            ++m_failed;
+            Failure& failure = m_failures[line];
+            failure.command = cmd.command;
+            ++failure.times;
+        } else {
+            ++m_done;
+            m_warned += outcome.warnings.isEmpty() ? 0 : 1;
+        }
+    }
+    m_sinceLine.start();
+}
+
+bool BatchSession::counts(const CmdLine& cmd, const Outcome& outcome) {
     const int control = controlId(cmd.command);
     if (control == RemStartControl || control == RemEndControl) {
         m_inRemark = control == RemStartControl;
-        return;
+        return !outcome.texts().isEmpty();
     }
-    if (m_inRemark) {
-        return;
-    }
-    const int line = m_text.lineNumber(m_lineInWork());
-    const auto say = [&](const QString& text) {
-        m_console->note(
-            QStringLiteral("line %1: %2: %3").arg(QString::number(line), cmd.command, text));
-    };
+    return !m_inRemark && (!cmd.text.trimmed().isEmpty() || !outcome.texts().isEmpty());
+}
+
+void BatchSession::say(int line, const CmdLine& cmd, const Outcome& outcome) {
+    const QString head = QStringLiteral("line %1: %2: ").arg(QString::number(line), cmd.command);
     for (const QString& failure : outcome.failures) {
-        say(failure);
+        m_console->note(head + failure);
     }
     for (const QString& warning : outcome.warnings) {
-        say(QStringLiteral("warning: ") + warning);
+        m_console->note(head + QStringLiteral("warning: ") + warning);
     }
-    if (!outcome.failed()) {
-        ++m_done;
-        m_warned += outcome.warnings.isEmpty() ? 0 : 1;
+    // Names of saved files stand in the line itself.
+    for (const QString& note : outcome.files.isEmpty() ? outcome.notes : QStringList()) {
+        m_console->logLine(QStringLiteral("note: ") + note);
+    }
+}
+
+void BatchSession::report(int line, const CmdLine& cmd, const Outcome& outcome) {
+    if (m_options.report == nullptr) {
         return;
     }
-    ++m_failed;
-    Failure& failure = m_failures[line];
-    failure.command = cmd.command;
-    ++failure.times;
+    const char* const word = outcome.failed()             ? "failed"
+                             : outcome.warnings.isEmpty() ? "done"
+                                                          : "warning";
+    m_options.report->add({{"line", line},
+                           {"command", cmd.command},
+                           {"arguments", QJsonArray::fromStringList(cmd.args)},
+                           {"outcome", word},
+                           {"reasons", QJsonArray::fromStringList(outcome.texts())},
+                           {"seconds", secondsOf(m_sinceLine)},
+                           {"files", QJsonArray::fromStringList(outcome.files)},
+                           {"notes", QJsonArray::fromStringList(outcome.notes)}});
 }
 
 void BatchSession::progress(Work work, double done, double of) {
@@ -73,7 +115,8 @@ void BatchSession::progress(Work work, double done, double of) {
 }
 
 void BatchSession::end() {
-    finish(verdict(), m_failed == 0 ? AllDone : SomeFailed);
+    const bool isGood = m_failed == 0 && (m_warned == 0 || !m_options.isStrict);
+    finish(verdict(), isGood ? AllDone : SomeFailed);
 }
 
 void BatchSession::interrupt(int signalNumber) {
@@ -89,7 +132,16 @@ void BatchSession::finish(const QString& closing, int exitCode) {
     }
     m_finished = true;
     m_console->clearBar();
-    m_console->logLine(closing);
+    if (m_options.report != nullptr) {
+        m_options.report->add({{"totals", QJsonObject{{"done", m_done - m_warned},
+                                                      {"warning", m_warned},
+                                                      {"failed", m_failed},
+                                                      {"seconds", secondsOf(m_sinceStart)},
+                                                      {"exit", exitCode}}}});
+    }
+    m_console->logLine(m_options.tellsTime ? closing + QStringLiteral("; %1 s").arg(
+                                                           secondsOf(m_sinceStart), 0, 'f', 2)
+                                           : closing);
     emit finished(exitCode);
 }
 
@@ -107,9 +159,6 @@ QString BatchSession::verdict() const {
     }
     QString text =
         m_done == 1 ? QStringLiteral("1 line done") : QStringLiteral("%1 lines done").arg(m_done);
-    if (m_warned > 0) {
-        text += QStringLiteral(", %1 with a warning").arg(m_warned);
-    }
-    text += QStringLiteral(", %1 failed").arg(m_failed);
+    text += QStringLiteral(", %1 with a warning, %2 failed").arg(m_warned).arg(m_failed);
     return named.isEmpty() ? text : text + QLatin1String(": ") + named.join(QLatin1String(", "));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QMap>
 #include <QObject>
 #include <QStringList>
@@ -11,22 +12,31 @@
 #include "measurement/Outcome.h"
 
 class Console;
+class RunReport;
 
 /// The record of one unattended batch: passes its log on, shows how far loads and analyses are,
-/// counts the lines, remarks aside, that did their work and those that failed, and says the verdict
-/// at the end. It is fed by signals and knows neither the main window nor the interpreter.
+/// counts the lines, remarks aside, that did their work, those that did it with a warning and those
+/// that failed, reports each, and says the verdict at the end. What it keeps does not grow with the
+/// rounds of a loop. It is fed by signals and knows neither the main window nor the interpreter.
 class BatchSession : public QObject {
     Q_OBJECT
 
   public:
     enum ExitCode { AllDone = 0, SomeFailed = 1, BadUsage = 2, SignalBase = 128 };
 
+    struct Options {
+        bool isStrict = false;        ///< a warning is a failure
+        bool tellsTime = false;       ///< of all of it, with the verdict
+        RunReport* report = nullptr;  ///< open; null: none
+    };
+
     /// lineInWork gives the index, in text.lines, of the line that is being carried out.
     BatchSession(Console* console, BatchText text, std::function<int()> lineInWork,
-                 QObject* parent = nullptr);
+                 const Options& options, QObject* parent = nullptr);
 
-    /// "12 lines done, 0 failed", "12 lines done, 1 with a warning, 0 failed" or "10 lines done, 3
-    /// failed: line 4 (load_I1_files), line 7 (abc, 2 times)"; "0 lines" when there was none.
+    /// "12 lines done, 1 with a warning, 0 failed" or "10 lines done, 0 with a warning, 3 failed:
+    /// line 4 (load_I1_files), line 7 (abc, 2 times)"; "0 lines" when there was none. Those with a
+    /// warning are among those done.
     QString verdict() const;
 
   public slots:
@@ -50,11 +60,18 @@ class BatchSession : public QObject {
         int times = 0;
     };
 
+    /// Whether a line counts: remarks, and blank lines without a word to say, do not.
+    bool counts(const CmdLine& cmd, const Outcome& outcome);
+    void say(int line, const CmdLine& cmd, const Outcome& outcome);
+    void report(int line, const CmdLine& cmd, const Outcome& outcome);
     void finish(const QString& closing, int exitCode);
 
     Console* m_console;
     BatchText m_text;
     std::function<int()> m_lineInWork;
+    Options m_options;
+    QElapsedTimer m_sinceStart;
+    QElapsedTimer m_sinceLine;
     qint64 m_done = 0;
     qint64 m_warned = 0;  // of those done
     qint64 m_failed = 0;

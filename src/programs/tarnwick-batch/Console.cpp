@@ -1,6 +1,7 @@
 #include "tarnwick-batch/Console.h"
 
 #include <QIODevice>
+#include <QTime>
 
 #include "base/Globals.h"
 
@@ -14,16 +15,25 @@ Console::Console(QIODevice* out, QIODevice* err, bool outIsTerminal, bool errIsT
 void Console::log(const QString& text) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     eraseBar();
-    writeOut(text);
+    if (!m_tellsTimes) {
+        writeOut(text);
+        return;
+    }
+    endLogLine();
+    writeOut(QTime::currentTime().toString(QStringLiteral("HH:mm:ss.zzz ")) + text);
 }
 
 void Console::logLine(const QString& line) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     eraseBar();
+    endLogLine();
+    writeOut(line + QLatin1Char('\n'));
+}
+
+void Console::endLogLine() {
     if (m_logInLine) {
         writeOut(m_outIsTerminal && !m_cursorInLine ? QString() : QStringLiteral("\n"));
     }
-    writeOut(line + QLatin1Char('\n'));
 }
 
 void Console::note(const QString& line) {

@@ -13,6 +13,9 @@ class Console {
     /// The bar needs a terminal; it is drawn on err if that is one, otherwise on out.
     Console(QIODevice* out, QIODevice* err, bool outIsTerminal, bool errIsTerminal);
 
+    /// From now on each text of the log begins a line of its own, with the time of day.
+    void tellTimes() { m_tellsTimes = true; }
+
     /// Adds to the log as it stands; a text need not end a line.
     void log(const QString& text);
     /// Adds a line of its own to the log.
@@ -27,6 +30,7 @@ class Console {
   private:
     void eraseBar();
     void endLogLineOnTerminal();
+    void endLogLine();
     void writeOut(const QString& text);
 
     std::mutex m_mutex;
@@ -34,6 +38,7 @@ class Console {
     QIODevice* m_err;
     bool m_outIsTerminal;
     bool m_errIsTerminal;
+    bool m_tellsTimes = false;
     bool m_logInLine = false;     // the log's last text did not end its line
     bool m_cursorInLine = false;  // nor has anything else on the terminal ended it
     QString m_bar;                // as drawn

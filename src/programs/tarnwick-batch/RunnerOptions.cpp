@@ -1,6 +1,7 @@
 #include "tarnwick-batch/RunnerOptions.h"
 
 #include <QCommandLineParser>
+#include <QFileInfo>
 
 namespace {
 
@@ -11,9 +12,9 @@ const char* const Description =
     "result was made. File names in the batch are taken relative to the current\n"
     "directory, or to the folder of -C.\n"
     "\n"
-    "Exit code: 0 every line did its work, 1 a line failed (with --check: has an error;\n"
-    "with --origin and --record: the file does not tell), 2 wrong usage or unreadable\n"
-    "batch file, 130 after Ctrl-C.";
+    "Exit code: 0 nothing failed, 1 a line failed (with --strict: or had a warning; with\n"
+    "--check: has an error; with --origin and --record: the file does not tell), 2 wrong\n"
+    "usage or unreadable batch file, 130 after Ctrl-C.";
 
 /// The switches and what they say in the help text.
 struct Switches {
@@ -25,6 +26,15 @@ struct Switches {
     QCommandLineOption folder{
         "C", "Run the batch in this folder. FILE is taken from where the program is started.",
         "FOLDER"};
+    QCommandLineOption strict{"strict", "A warning counts as a failure."};
+    QCommandLineOption times{"times",
+                             "Put the time of day before each text of the log, and the time that "
+                             "all took behind the last."};
+    QCommandLineOption report{"report",
+                              "Write what became of each line to this file, as JSON. It is taken "
+                              "from where the program is started.",
+                              "JSON"};
+    QCommandLineOption verbose{"verbose", "Print debug lines on standard error."};
     QCommandLineOption origin{
         "origin", "Print what the saved result FILE (TIFF, PNG, table) says of how it was made."};
     QCommandLineOption record{"record", "Print the batch that makes the saved result FILE again."};
@@ -32,7 +42,8 @@ struct Switches {
     QCommandLineOption version{{"v", "version"}, "Show the version."};
 
     QList<QCommandLineOption> all() const {
-        return {check, threads, folder, origin, record, help, version};
+        return {check,   threads, folder, strict, times,  report,
+                verbose, origin,  record, help,   version};
     }
 };
 
@@ -60,6 +71,15 @@ QString takeValues(const QCommandLineParser& parser, const Switches& switches,
             return QStringLiteral("--threads needs a number from 1 to 1024.");
         }
     }
+    options->isStrict = parser.isSet(switches.strict);
+    options->tellsTimes = parser.isSet(switches.times);
+    options->isVerbose = parser.isSet(switches.verbose);
+    if (parser.isSet(switches.report)) {
+        options->report = QFileInfo(parser.value(switches.report)).absoluteFilePath();
+        if (parser.value(switches.report).isEmpty()) {
+            return QStringLiteral("--report needs a file.");
+        }
+    }
     options->folder = parser.value(switches.folder);
     if (parser.isSet(switches.folder) && options->folder.isEmpty()) {
         return QStringLiteral("-C needs a folder.");
@@ -70,6 +90,9 @@ QString takeValues(const QCommandLineParser& parser, const Switches& switches,
                                : QStringLiteral("More than one file given.");
     }
     options->file = files.first();
+    if (!options->report.isEmpty() && QFileInfo(options->report) == QFileInfo(options->file)) {
+        return QStringLiteral("The report would replace the batch file.");
+    }
     return QString();
 }
 
@@ -107,6 +130,12 @@ RunnerOptions RunnerOptions::parse(const QStringList& args) {
     const bool runs = action == Action::Run || action == Action::Check;
     if (options.text.isEmpty() && !runs && !options.folder.isEmpty()) {
         options.text = QStringLiteral("-C goes with a batch only.");
+    }
+    const bool ofRuns =
+        options.isStrict || options.tellsTimes || !options.report.isEmpty() || options.isVerbose;
+    if (options.text.isEmpty() && action != Action::Run && ofRuns) {
+        options.text =
+            QStringLiteral("--strict, --times, --report and --verbose go with a run only.");
     }
     options.action = options.text.isEmpty() ? action : Action::BadUsage;
     return options;

@@ -18,16 +18,23 @@
 #include "batch/BatchRunner.h"
 #include "batch/CommandTables.h"
 #include "batch/LineCheck.h"
+#include "measurement/Writing.h"
 #include "tarnwick-batch/BatchSession.h"
 #include "tarnwick-batch/Console.h"
+#include "tarnwick-batch/RunReport.h"
 #include "tarnwick-batch/RunnerOptions.h"
 #include "tarnwick-batch/SavedOrigin.h"
 
 namespace {
 
-Console* debugConsole = nullptr;  // where debug lines go; null: nowhere
+Console* debugConsole = nullptr;  // where debug lines go
+bool isVerbose = false;           // otherwise only what ends the program
 
-void writeMessage(QtMsgType, const QMessageLogContext&, const QString& message) {
+void writeMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    const bool isGrave = type == QtCriticalMsg || type == QtFatalMsg;
+    if (!isVerbose && !isGrave) {
+        return;
+    }
     // What Qt says about a missing display or session is no news to an unattended program.
     const bool isNews = !message.startsWith(QLatin1String("This plugin does not support")) &&
                         !message.startsWith(QLatin1String("QStandardPaths: "));
@@ -52,7 +59,6 @@ QString counted(int n, const QString& what) {
 }
 
 int check(const QStringList& lines, const QString& file, Console& console) {
-    debugConsole = nullptr;
     int errors = 0;
     const QVector<Finding> findings = checkBatch(lines);
     for (const Finding& finding : findings) {
@@ -69,14 +75,36 @@ int check(const QStringList& lines, const QString& file, Console& console) {
     return errors == 0 ? BatchSession::AllDone : BatchSession::SomeFailed;
 }
 
-int run(const BatchText& text, int threads, Console& console) {
+/// The report in its place. It replaces no file that the measurement was read from.
+bool finishReport(RunReport* report, const Measurement& measurement, Console& console) {
+    const Outcome outcome =
+        writeFile(measurement, report->fileName(), [report] { return report->close(); });
+    for (const QString& failure : outcome.failures) {
+        console.note(QStringLiteral("tarnwick-batch: --report: ") + failure);
+    }
+    return !outcome.failed();
+}
+
+int run(const BatchText& text, const RunnerOptions& options, Console& console) {
+    std::unique_ptr<RunReport> report;
+    if (!options.report.isEmpty()) {
+        report = std::make_unique<RunReport>(options.report);
+        if (!report->open()) {
+            console.note(QStringLiteral("tarnwick-batch: cannot write ") + options.report);
+            return BatchSession::BadUsage;
+        }
+    }
+    if (options.tellsTimes) {
+        console.tellTimes();
+    }
     Measurement measurement;
-    if (threads > 0) {
-        measurement.setThreads(threads);
+    if (options.threads > 0) {
+        measurement.setThreads(options.threads);
     }
     BatchRunner runner(measurement);
     BatchDispatcher* dispatcher = runner.dispatcher();
-    BatchSession session(&console, text, [dispatcher] { return dispatcher->lineInWork(); });
+    BatchSession session(&console, text, [dispatcher] { return dispatcher->lineInWork(); },
+                         {options.isStrict, options.tellsTimes, report.get()});
     QObject::connect(dispatcher, &BatchDispatcher::log, &session, &BatchSession::log);
     QObject::connect(&runner, &BatchRunner::unknownCommand, &session, &BatchSession::unknown);
     QObject::connect(&runner, &BatchRunner::commandDone, &session, &BatchSession::commandDone);
@@ -87,7 +115,9 @@ int run(const BatchText& text, int threads, Console& console) {
     QObject::connect(&session, &BatchSession::finished, QCoreApplication::instance(),
                      &QCoreApplication::exit, Qt::QueuedConnection);
     runner.start(text.lines);
-    return QCoreApplication::exec();
+    const int code = QCoreApplication::exec();
+    const bool isReported = !report || finishReport(report.get(), measurement, console);
+    return code == BatchSession::AllDone && !isReported ? BatchSession::SomeFailed : code;
 }
 
 /// Whether a batch has a line that draws letters, for which Qt needs more than a bare program.
@@ -164,7 +194,7 @@ int perform(const RunnerOptions& options, Console& console) {
     }
     return options.action == RunnerOptions::Action::Check
                ? check(lines, options.file, console)
-               : run(BatchText::fromLines(lines), options.threads, console);
+               : run(BatchText::fromLines(lines), options, console);
 }
 
 }  // namespace
@@ -185,7 +215,9 @@ int main(int argc, char** argv) {
     const std::unique_ptr<QCoreApplication> app = makeApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("tarnwick-batch"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TARNWICK_VERSION));
-    const int code = perform(RunnerOptions::parse(QCoreApplication::arguments()), console);
+    const RunnerOptions options = RunnerOptions::parse(QCoreApplication::arguments());
+    isVerbose = options.isVerbose;
+    const int code = perform(options, console);
     qInstallMessageHandler(nullptr);
     return code;
 }
