@@ -20,14 +20,16 @@ void movePosition(Action& a) {
     const QSize size = a.measurement.imageSize();
     if (size.isEmpty()) {
         a.fail(Batch::tr("there is no image to move in"));
-    } else if (!QRect(QPoint(0, 0), size).contains(at)) {
+        return;
+    }
+    // Also to where there is no spectrum: the one before must not pass for it.
+    a.measurement.setPosition(at.x(), at.y());
+    if (!QRect(QPoint(0, 0), size).contains(at)) {
         a.fail(Batch::tr("the image is %1 x %2 pixels: there is no position %3, %4")
                    .arg(size.width())
                    .arg(size.height())
                    .arg(at.x())
                    .arg(at.y()));
-    } else {
-        a.measurement.setPosition(at.x(), at.y());
     }
 }
 
