@@ -10,7 +10,7 @@ bool Verdict::counts(const CmdLine& cmd, const Outcome& outcome) {
         m_inRemark = control == RemStartControl;
         return isSaid;
     }
-    return !m_inRemark && !cmd.text.trimmed().isEmpty();
+    return !m_inRemark && (isSaid || !cmd.text.trimmed().isEmpty());
 }
 
 bool Verdict::take(const CmdLine& cmd, const Outcome& outcome, int line) {

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "base/Globals.h"
-#include "batch/CommandTables.h"
 #include "tarnwick-batch/Console.h"
 #include "tarnwick-batch/RunReport.h"
 
@@ -43,30 +42,12 @@ void BatchSession::commandDone(const CmdLine& cmd, const Outcome& outcome) {
         return;
     }
     m_console->clearBar();
-    if (counts(cmd, outcome)) {
-        const int line = m_text.lineNumber(cmd.line);
+    const int line = m_text.lineNumber(cmd.line);
+    if (m_verdict.take(cmd, outcome, line)) {
         say(line, cmd, outcome);
         report(line, cmd, outcome);
-        if (outcome.failed()) {
-            ++m_failed;
-            Failure& failure = m_failures[line];
-            failure.command = cmd.command;
-            ++failure.times;
-        } else {
-            ++m_done;
-            m_warned += outcome.warnings.isEmpty() ? 0 : 1;
-        }
     }
     m_sinceLine.start();
-}
-
-bool BatchSession::counts(const CmdLine& cmd, const Outcome& outcome) {
-    const int control = controlId(cmd.command);
-    if (control == RemStartControl || control == RemEndControl) {
-        m_inRemark = control == RemStartControl;
-        return !outcome.texts().isEmpty();
-    }
-    return !m_inRemark && (!cmd.text.trimmed().isEmpty() || !outcome.texts().isEmpty());
 }
 
 void BatchSession::say(int line, const CmdLine& cmd, const Outcome& outcome) {
@@ -115,7 +96,7 @@ void BatchSession::progress(Work work, double done, double of) {
 }
 
 void BatchSession::end() {
-    const bool isGood = m_failed == 0 && (m_warned == 0 || !m_options.isStrict);
+    const bool isGood = m_verdict.failed() == 0 && (m_verdict.warned() == 0 || !m_options.isStrict);
     finish(verdict(), isGood ? AllDone : SomeFailed);
 }
 
@@ -133,11 +114,12 @@ void BatchSession::finish(const QString& closing, int exitCode) {
     m_finished = true;
     m_console->clearBar();
     if (m_options.report != nullptr) {
-        m_options.report->add({{"totals", QJsonObject{{"done", m_done - m_warned},
-                                                      {"warning", m_warned},
-                                                      {"failed", m_failed},
-                                                      {"seconds", secondsOf(m_sinceStart)},
-                                                      {"exit", exitCode}}}});
+        m_options.report->add(
+            {{"totals", QJsonObject{{"done", m_verdict.done() - m_verdict.warned()},
+                                    {"warning", m_verdict.warned()},
+                                    {"failed", m_verdict.failed()},
+                                    {"seconds", secondsOf(m_sinceStart)},
+                                    {"exit", exitCode}}}});
     }
     m_console->logLine(m_options.tellsTime ? closing + QStringLiteral("; %1 s").arg(
                                                            secondsOf(m_sinceStart), 0, 'f', 2)
@@ -146,19 +128,23 @@ void BatchSession::finish(const QString& closing, int exitCode) {
 }
 
 QString BatchSession::verdict() const {
-    if (m_done + m_failed == 0) {
+    if (m_verdict.lines() == 0) {
         return QStringLiteral("0 lines");
     }
     QStringList named;
-    for (auto it = m_failures.begin(); it != m_failures.end(); ++it) {
+    const auto& failures = m_verdict.failures();
+    for (auto it = failures.begin(); it != failures.end(); ++it) {
         QString name = QStringLiteral("line %1 (").arg(it.key()) + it->command;
         if (it->times > 1) {
             name += QStringLiteral(", %1 times").arg(it->times);
         }
         named.append(name + QLatin1Char(')'));
     }
-    QString text =
-        m_done == 1 ? QStringLiteral("1 line done") : QStringLiteral("%1 lines done").arg(m_done);
-    text += QStringLiteral(", %1 with a warning, %2 failed").arg(m_warned).arg(m_failed);
+    const QString text =
+        QStringLiteral("%1 done, %2 with a warning, %3 failed")
+            .arg(m_verdict.done() == 1 ? QStringLiteral("1 line")
+                                       : QStringLiteral("%1 lines").arg(m_verdict.done()))
+            .arg(m_verdict.warned())
+            .arg(m_verdict.failed());
     return named.isEmpty() ? text : text + QLatin1String(": ") + named.join(QLatin1String(", "));
 }

@@ -1,13 +1,13 @@
 #pragma once
 
 #include <QElapsedTimer>
-#include <QMap>
 #include <QObject>
 #include <QStringList>
 #include <functional>
 
 #include "batch/BatchText.h"
 #include "batch/CmdLine.h"
+#include "batch/Verdict.h"
 #include "measurement/Inputs.h"
 #include "measurement/Outcome.h"
 
@@ -55,13 +55,6 @@ class BatchSession : public QObject {
     void finished(int exitCode);
 
   private:
-    struct Failure {
-        QString command;
-        int times = 0;
-    };
-
-    /// Whether a line counts: remarks, and blank lines without a word to say, do not.
-    bool counts(const CmdLine& cmd, const Outcome& outcome);
     void say(int line, const CmdLine& cmd, const Outcome& outcome);
     void report(int line, const CmdLine& cmd, const Outcome& outcome);
     void finish(const QString& closing, int exitCode);
@@ -72,10 +65,6 @@ class BatchSession : public QObject {
     Options m_options;
     QElapsedTimer m_sinceStart;
     QElapsedTimer m_sinceLine;
-    qint64 m_done = 0;
-    qint64 m_warned = 0;  // of those done
-    qint64 m_failed = 0;
-    QMap<int, Failure> m_failures;  // by line number
-    bool m_inRemark = false;
+    Verdict m_verdict;
     bool m_finished = false;
 };

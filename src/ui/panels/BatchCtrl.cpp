@@ -22,6 +22,8 @@
 namespace {
 
 constexpr int ProgressMs = 100;
+/// A loop of many rounds would fill the memory: it took 1 kB a round.
+constexpr int MostLogLines = 50000;
 
 /// Where the lines of a batch stand in a text that they were taken from; a line that is not there
 /// has its own place.
@@ -53,6 +55,7 @@ BatchCtrl::BatchCtrl(QWidget* parent)
     fixed.setFamily(QFontInfo(fixed).fixedPitch() ? fixed.family() : QStringLiteral("monospace"));
     m_ui->BatchCmds->setFont(fixed);
     m_ui->BatchLogs->setFont(fixed);
+    m_ui->BatchLogs->setMaximumBlockCount(MostLogLines);
     m_ui->BatchCmds->setFocus();
     QMenu* edit = menuBar()->addMenu(tr("&Edit"));
     QAction* insert = edit->addAction(tr("&Insert What Was Done"));
