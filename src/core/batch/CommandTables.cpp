@@ -1,8 +1,8 @@
 #include "batch/CommandTables.h"
 
+#include <QHash>
 #include <algorithm>
 
-#include <utility>
 
 #include "batch/CmdLine.h"
 #include "batch/CommandRows.h"
@@ -11,8 +11,8 @@ namespace {
 
 struct Tables {
     std::vector<CommandRow> rows;
-    std::vector<std::pair<int, QString>> controls;  // names in upper case
-    std::vector<std::pair<int, QString>> commands;
+    QHash<QString, int> controls;  // by names in upper case
+    QHash<QString, int> commands;
 };
 
 std::vector<CommandRow> commandRows() {
@@ -30,29 +30,19 @@ Tables buildTables() {
     Tables tables;
     tables.rows = commandRows();
     for (const CommandRow& row : tables.rows) {
-        tables.commands.emplace_back(row.id, QString::fromLatin1(row.name).toUpper());
+        tables.commands.insert(QString::fromLatin1(row.name).toUpper(), row.id);
     }
-    tables.controls = {{ForControl, QStringLiteral(":FOR")},
-                       {NextControl, QStringLiteral(":NEXT")},
-                       {EchoControl, QStringLiteral(":ECHO")},
-                       {RemStartControl, QStringLiteral(":REM_START")},
-                       {RemEndControl, QStringLiteral(":REM_END")}};
+    tables.controls = {{QStringLiteral(":FOR"), ForControl},
+                       {QStringLiteral(":NEXT"), NextControl},
+                       {QStringLiteral(":ECHO"), EchoControl},
+                       {QStringLiteral(":REM_START"), RemStartControl},
+                       {QStringLiteral(":REM_END"), RemEndControl}};
     return tables;
 }
 
 const Tables& tables() {
     static const Tables built = buildTables();
     return built;
-}
-
-int idOf(const std::vector<std::pair<int, QString>>& table, const QString& name, int none) {
-    const QString upper = name.toUpper();
-    for (const auto& entry : table) {
-        if (entry.second == upper) {
-            return entry.first;
-        }
-    }
-    return none;
 }
 
 }  // namespace
@@ -73,11 +63,11 @@ const CommandRow* commandRow(int id) {
 }
 
 int controlId(const QString& name) {
-    return idOf(tables().controls, name, NoControl);
+    return tables().controls.value(name.toUpper(), NoControl);
 }
 
 int commandId(const QString& name) {
-    return idOf(tables().commands, name, NoCommand);
+    return tables().commands.value(name.toUpper(), NoCommand);
 }
 
 QString CommandRow::fileOf(const CmdLine& cmd) const {
