@@ -3,7 +3,6 @@
 #include <QHash>
 #include <algorithm>
 
-
 #include "batch/CmdLine.h"
 #include "batch/CommandRows.h"
 

@@ -221,7 +221,7 @@ class FormChecker {
     const BatchText& m_text;
     const Report& m_report;
     int m_remark = -1;  // line of the :rem_start that is open
-    Open m_open;       // loops: name, line
+    Open m_open;        // loops: name, line
 };
 
 void checkWords(const CheckedLine& line, const Report& report) {
