@@ -74,7 +74,7 @@ std::vector<Spoint> plainSpectrum(const FrameSet& i1, const FrameSet& i0, double
         for (const TiffData* frame : frames) {
             const double s1 = frame->boxSum(x, y, hw, hh) - dark;
             const double s0 = before.empty() ? 1.0 : i0At(e) - dark;
-            spectrum.push_back({e, s0 * s1 > 0 ? logarithm(s0 / s1) : 1.0});
+            spectrum.push_back({e, s0 > 0 && s1 > 0 ? logarithm(s0 / s1) : 1.0});
         }
     }
     return spectrum;

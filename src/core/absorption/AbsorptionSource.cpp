@@ -8,7 +8,7 @@
 namespace {
 
 double muT(double s0, double s1) {
-    return s0 * s1 > 0.0 ? logarithm(s0 / s1) : 1.0;
+    return s0 > 0.0 && s1 > 0.0 ? logarithm(s0 / s1) : 1.0;
 }
 
 }  // namespace

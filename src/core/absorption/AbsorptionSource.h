@@ -9,8 +9,8 @@ class FrameSet;
 struct TiffData;
 
 /// Turns the I1 and I0 stacks into absorption spectra: at every I1 energy the value
-/// mu-t = ln(s0 / s1) of the box sums at a position, I0 interpolated to the energy; 1.0 where the
-/// product of the sums is not above 0. With a dark frame both sums first lose its sum over the same
+/// mu-t = ln(s0 / s1) of the box sums at a position, I0 interpolated to the energy; 1.0 where a
+/// sum is not above 0 (no counts). With a dark frame both sums first lose its sum over the same
 /// box, s0 after the interpolation; without I0 frames s0 is 1.0 and loses nothing.
 ///
 /// The frames count in order of energy, whatever the order of their arrival. Several I1 frames of

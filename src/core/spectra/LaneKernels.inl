@@ -69,7 +69,7 @@ void fromCounts(const unsigned short* counts, std::ptrdiff_t n, double* out) {
         } else {
             logarithmOfNormal<Real, Bits>(ratio, Real{}, ln);
         }
-        store(mu + l, s0 * s1 > 0.0 ? ln : Real{} + 1.0);
+        store(mu + l, (s0 > 0.0) & (s1 > 0.0) ? ln : Real{} + 1.0);
     }
 }
 
