@@ -177,23 +177,20 @@ class TestCommands : public QObject {
     void linesThatDoNoWork_data() {
         columns<QStringList, QString>("lines", "problem");
         using L = QStringList;
-        const QString load = "load_I1_files NEW " + m_phantom->file("i1-7000_000eV.tif");
+        const QString oneFrame = "load_I1_files NEW " + m_phantom->file("i1-7000_000eV.tif");
+        const QString from = "_files_of_pattern NEW " + m_phantom->dir();
+        const L load{"load_I1" + from + " i1-700*.tif", "load_I0" + from + " i0-*.tif",
+                     "set_band_w 0", "set_band_h 0"};
         QTest::newRow("no frames to calibrate") << L{"calib_exec"} << "no images are loaded";
         QTest::newRow("no frames to analyse") << L{"analyzer_exec_ra"} << "no images are loaded";
-        const QString noWidth = "set_band_w 0";
-        const QString noHeight = "set_band_h 0";
-        QTest::newRow("no standard")
-            << L{load, noWidth, noHeight, "calib_exec"} << "no standard is loaded";
+        QTest::newRow("no standard") << load + L{"calib_exec"} << "no standard is loaded";
         QTest::newRow("a region beside the image")
-            << L{load, "select_region 8 0 9 9"} << "no part of the region lies inside";
+            << L{oneFrame, "select_region 8 0 9 9"} << "no part of the region lies inside";
         const QString unused = " 0 0 " + m_phantom->file("a.dat");
-        QTest::newRow("no reference in use") << L{load,
-                                                  noWidth,
-                                                  noHeight,
-                                                  "analyzer_set_LCF_std 0" + unused,
-                                                  "analyzer_set_LCF_std 1" + unused,
-                                                  "analyzer_exec_LCF"}
-                                             << "no reference is in use";
+        QTest::newRow("no reference in use")
+            << load + L{"analyzer_set_LCF_std 0" + unused, "analyzer_set_LCF_std 1" + unused,
+                        "analyzer_exec_LCF"}
+            << "no reference is in use";
         QTest::newRow("no map, no frames")
             << L{"calib_save_map " + file("none.emp")} << "cannot be written";
         QTest::newRow("no result")
@@ -237,34 +234,35 @@ void TestCommands::addStackCases() {
     add("LOAD_i1_Files new " + i1 + ' ' + m_phantom->file("i1-7002_000eV.tif"),
         {"load_I1_files NEW " + i1},
         [=] { return i1Frames() == 2 && m_body->measurement().imageSize().width() == Size; });
-    add("load_I1_files ADD " + i1, [=] { return i1Frames() == 3; });
+    add("load_I1_files ADD " + m_phantom->file("i1-7004_000eV.tif"),
+        [=] { return i1Frames() == 3; });
     add("clear_I1_files",
         [=] { return i1Frames() == 0 && m_body->measurement().imageSize().width() == -1; });
     add("load_I0_files NEW " + i0, [=] { return i0Frames() == 1; });
     add("clear_I0_files", [=] { return i0Frames() == 0; });
     auto* i1Panel = control<QWidget>("SelectI1Files", m_body.get());
-    add("set_energy_pattern i1 (?<=i1-)\\d+ kev", [=] {
-        return text(i1Panel, "EngPattern") == "(?<=i1-)\\d+" && choice(i1Panel, "SelectUnit") == 1;
-    });
-    add("load_I1_files NEW " + i1, [=] { return state().contains("7000000.00 eV"); });
-    add("set_energy_pattern I1 [\\d_]+eV eV", [=] {
-        return text(i1Panel, "EngPattern") == "[\\d_]+eV" && choice(i1Panel, "SelectUnit") == 0;
-    });
     QDir(m_dir.path()).mkdir("new");
-    for (const char* const name : {"new/1eV.tif", "new/2eV.tif"}) {
+    for (const char* const name : {"new/7001eV.tif", "new/7002eV.tif", "8keV.tif"}) {
         QFile::copy(i0, file(name));
         QFile copy(file(name));  // not one that is still being written
         QVERIFY(copy.open(QIODevice::ReadWrite) &&
                 copy.setFileTime(QDateTime::currentDateTime().addSecs(-60),
                                  QFileDevice::FileModificationTime));
     }
-    add("load_new I0", {"load_I0_files NEW new/1eV.tif"}, [=] { return i0Frames() == 2; });
+    add("set_energy_pattern i1 \\d+(?=keV) kev", [=] {
+        return text(i1Panel, "EngPattern") == "\\d+(?=keV)" && choice(i1Panel, "SelectUnit") == 1;
+    });
+    add("load_I1_files NEW 8keV.tif", [=] { return state().contains("8000.00 eV"); });
+    add("set_energy_pattern I1 [\\d_]+eV eV", [=] {
+        return text(i1Panel, "EngPattern") == "[\\d_]+eV" && choice(i1Panel, "SelectUnit") == 0;
+    });
+    add("load_new I0", {"load_I0_files NEW new/7001eV.tif"}, [=] { return i0Frames() == 2; });
     add("load_I1_files_of_pattern NEW " + m_phantom->dir() +
             " i1-70*.tif i1-71*.tif "
             "i1-72*.tif i1-73*.tif",
         [=] { return i1Frames() == 151; });
     add("load_I0_files_of_pattern NEW " + m_phantom->dir() + " i0-*.tif",
-        {"load_I0_files ADD " + i0}, [=] { return i0Frames() == 4; });
+        {"load_I0_files NEW " + i0}, [=] { return i0Frames() == 4; });
 }
 
 void TestCommands::addDarkCases() {

@@ -69,11 +69,11 @@ class TestWholeFlow : public QObject {
         QTest::newRow("no file matches")
             << QStringList{"load_I0_files_of_pattern NEW " + dir + " *.none",
                            "load_I1_files_of_pattern NEW " + dir + "/none"}
-            << 2;
+            << 4;  // and no frame was taken
         QTest::newRow("files that are no images")
             << QStringList{"load_I1_files NEW " + m_phantom->file("a.dat") + " " +
                            m_phantom->file("missing.tif") + " " + m_phantom->file("b.dat")}
-            << 3;
+            << 4;
         QTest::newRow("nothing to load") << QStringList{"load_I1_files", "load_I0_files NEW"} << 2;
         QTest::newRow("unknown words") << QStringList{"what", "", ":next nothing"} << 2;
         QTest::newRow("unbalanced quote")
@@ -165,7 +165,7 @@ class TestWholeFlow : public QObject {
         const bool loads = QByteArray(QTest::currentDataTag()).endsWith("are loaded");
         QVERIFY2(batch.problems().size() == problems ||
                      batch.problems().last().contains(QRegularExpression("images|energies")) ||
-                     (loads && batch.problems().size() == problems - 1),
+                     (loads && qAbs(batch.problems().size() - problems) == 1),
                  qPrintable(batch.problems().join('\n')));
         QVERIFY(!analyzerWindow()->isBusy());
     }

@@ -26,8 +26,9 @@ class TestStackLoader : public QObject {
         const auto good = loader.next();
         good->frame->loaded = true;
         QVERIFY(loader.arrived(good->frame));
-        QCOMPARE(loader.takeFailures(), QStringList{"bad"});
-        QCOMPARE(loader.takeFailures(), QStringList());
+        const auto refused = loader.takeRefused();
+        QVERIFY(refused.size() == 1 && refused.first().fileName == "bad");
+        QVERIFY(loader.takeRefused().isEmpty());
     }
 
     /// A frame on its way when the stack is cleared must not turn up in the new stack.
@@ -46,7 +47,7 @@ class TestStackLoader : public QObject {
         fresh->frame->loaded = true;
         QVERIFY(loader.arrived(fresh->frame));
         QVERIFY(!loader.isLoading());
-        QVERIFY(loader.takeFailures().isEmpty());
+        QVERIFY(loader.takeRefused().isEmpty());
     }
 
     /// Frames on their way when the loading is stopped do not come in later, also when more files

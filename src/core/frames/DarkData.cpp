@@ -4,6 +4,7 @@
 #include <QFileInfo>
 
 #include "base/DebugLog.h"
+#include "frames/FrameHeader.h"
 
 DarkData::DarkData() {
     m_reader.moveToThread(&m_thread);
@@ -35,7 +36,7 @@ void DarkData::setImageSize(int width, int height) {
 
 void DarkData::replace(const QStringList& files) {
     m_loader.clear();
-    m_refused = 0;
+    m_refused.clear();
     m_saidUnused = false;
     m_loader.enqueue(files);
     loadNext();
@@ -44,7 +45,7 @@ void DarkData::replace(const QStringList& files) {
 
 void DarkData::clear() {
     m_loader.clear();
-    m_refused = 0;
+    m_refused.clear();
     m_saidUnused = false;
     changeMean();
 }
@@ -88,12 +89,16 @@ void DarkData::loadNext() {
 void DarkData::arrived(TiffData* data) {
     std::unique_ptr<TiffData> frame = m_loader.arrived(data);
     if (frame && isRefused(*frame)) {
-        ++m_refused;
+        m_refused.append({frame->fileName, FrameHeader::tr("%1 x %2 pixels, the images %3 x %4")
+                                               .arg(frame->width)
+                                               .arg(frame->height)
+                                               .arg(m_imageWidth)
+                                               .arg(m_imageHeight)});
         debugFile("Dark frame of another size than the images", frame->fileName);
     } else if (frame) {
         m_loader.frames().append(std::move(frame));
     }
-    m_refused += m_loader.takeFailures().size();
+    m_refused += m_loader.takeRefused();
     loadNext();
     emit progressed();
 }

@@ -34,7 +34,9 @@ class DarkData : public QObject {
     /// Absolute paths of the frames that went into the mean, or will.
     QStringList files() const;
     /// Files of the last reading that could not be read or were refused.
-    int refused() const { return m_refused; }
+    int refused() const { return m_refused.size(); }
+    /// These with the reason of each.
+    const QVector<StackLoader::Refused>& refusals() const { return m_refused; }
 
     /// Mean of the fitting frames as of the last changed(), null when there is none of the images'
     /// size. Valid until the next call.
@@ -58,7 +60,7 @@ class DarkData : public QObject {
     LoadTiff m_reader;
     int m_imageWidth = -1;
     int m_imageHeight = -1;
-    int m_refused = 0;
+    QVector<StackLoader::Refused> m_refused;
     bool m_saidUnused = false;
     bool m_meanIsStale = false;
     DarkFrame m_mean;

@@ -1,5 +1,29 @@
 #include "frames/EnergyFromName.h"
 
+namespace {
+
+bool isDigit(const QString& text, int i) {
+    return i >= 0 && i < text.size() && text.at(i) >= QLatin1Char('0') &&
+           text.at(i) <= QLatin1Char('9');
+}
+
+/// Whether the number that has its outermost digit at i goes on in that direction.
+bool goesOn(const QString& text, int i, int direction) {
+    const int next = i + direction;
+    const bool isPoint = next >= 0 && next < text.size() &&
+                         (text.at(next) == QLatin1Char('.') || text.at(next) == QLatin1Char(','));
+    return isDigit(text, i) && isDigit(text, isPoint ? next + direction : next);
+}
+
+}  // namespace
+
+bool cutsNumber(const QString& path, const QRegularExpression& pattern) {
+    const QRegularExpressionMatch match =
+        pattern.isValid() ? pattern.match(path) : QRegularExpressionMatch();
+    return match.hasMatch() &&
+           (goesOn(path, match.capturedStart(0), -1) || goesOn(path, match.capturedEnd(0) - 1, 1));
+}
+
 std::optional<double> numberFromName(const QString& path, const QRegularExpression& pattern,
                                      QString* matched) {
     if (!pattern.isValid()) {

@@ -10,3 +10,7 @@
 /// it stands in the path.
 std::optional<double> numberFromName(const QString& path, const QRegularExpression& pattern,
                                      QString* matched = nullptr);
+
+/// Whether what the pattern finds is a part of a longer number in the path, such as the "5eV" of
+/// "7112.5eV": a digit, or a point or comma with a digit beyond it, stands beside its own digits.
+bool cutsNumber(const QString& path, const QRegularExpression& pattern);

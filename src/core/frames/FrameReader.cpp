@@ -8,11 +8,13 @@
 // The reader of each format, in a file of its own.
 QString readTiffFrom(QIODevice& in, TiffData* frame);
 QString readImgFrom(QIODevice& in, TiffData* frame);
+FrameHeader headerOfTiff(const QString& name);
+FrameHeader headerOfImg(const QString& name);
 
 const std::vector<FrameReader>& frameReaders() {
     static const std::vector<FrameReader> rows = {
-        {"Tiff", {"II", "MM"}, {"tif", "tiff"}, readTiffFrom, &TiffData::readTiff},
-        {"IMG", {"IM"}, {"img"}, readImgFrom, &TiffData::readImg},
+        {"Tiff", {"II", "MM"}, {"tif", "tiff"}, readTiffFrom, headerOfTiff, &TiffData::readTiff},
+        {"IMG", {"IM"}, {"img"}, readImgFrom, headerOfImg, &TiffData::readImg},
     };
     return rows;
 }

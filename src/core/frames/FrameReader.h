@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <vector>
 
+#include "frames/FrameHeader.h"
+
 class QIODevice;
 struct TiffData;
 
@@ -15,6 +17,8 @@ struct FrameReader {
     /// Reads a frame from a device that can seek, from its beginning. Returns what went wrong,
     /// nothing when the frame has been read.
     QString (*read)(QIODevice& in, TiffData* frame);
+    /// What a file of the format says before its counts are read.
+    FrameHeader (*header)(const QString& name);
     /// A way of its own to a file's name, with its own debug lines; null: read() on the file.
     bool (TiffData::*readFile)(const QString& name) = nullptr;
 };

@@ -5,9 +5,12 @@
 #include <algorithm>
 
 #include "base/DebugLog.h"
+#include "frames/FrameHeader.h"
 #include "frames/TiffData.h"
 
-QString readImgFrom(QIODevice& in, TiffData* frame);  // of the row in FrameReader.cpp
+// Of the row in FrameReader.cpp.
+QString readImgFrom(QIODevice& in, TiffData* frame);
+FrameHeader headerOfImg(const QString& name);
 
 // IMG files: a 64-byte header ("IM", length of the comment in bytes 2 and 3, little-endian), the
 // comment, then 16-bit little-endian counts row by row.
@@ -15,6 +18,10 @@ QString readImgFrom(QIODevice& in, TiffData* frame);  // of the row in FrameRead
 namespace {
 
 constexpr int FixedHeader = 64;
+
+QString refusalOfAll() {
+    return FrameHeader::tr("an IMG file, whose counts are not read");
+}
 
 quint32 firstNumber(const QByteArray& text) {
     const QList<QByteArray> words = text.simplified().split(' ');
@@ -47,8 +54,7 @@ QString readCounts(QIODevice& in, TiffData* frame) {
     if (pixels == 0 || 2 * pixels > left) {
         return QStringLiteral("Error on reading (2)");
     }
-    frame->min = 0xFFFFFFFFu;
-    frame->max = 0;
+    frame->startCounts();
     frame->makeRows(static_cast<std::size_t>(frame->width) * 2);
     if (frame->rows.size() < frame->height) {
         return QStringLiteral("Not enough memory");
@@ -126,9 +132,21 @@ int TiffData::readImgHeader(const QString& name) {
     return length + FixedHeader;
 }
 
+FrameHeader headerOfImg(const QString& name) {
+    TiffData frame;
+    FrameHeader header;
+    if (frame.readImgHeader(name) < 1) {
+        header.refusal = refusalOfAll();
+    }
+    header.width = frame.width;
+    header.height = frame.height;
+    return header;
+}
+
 bool TiffData::readImg(const QString& name) {
     const int offset = readImgHeader(name);
     if (offset < 1) {
+        refusal = refusalOfAll();
         return false;
     }
     clearRows();

@@ -6,7 +6,7 @@
 void StackLoader::clear() {
     stop();
     m_frames.clear();
-    m_failures.clear();
+    m_refused.clear();
     m_done = 0;
 }
 
@@ -50,13 +50,13 @@ std::unique_ptr<TiffData> StackLoader::arrived(const TiffData* frame) {
         return nullptr;
     }
     ++m_done;
-    if (!returned.frame->loaded) {
-        m_failures.append(returned.fileName);
+    if (!returned.frame->loaded || !returned.frame->refusal.isEmpty()) {
+        m_refused.append({returned.fileName, returned.frame->refusal});
         return nullptr;
     }
     return std::move(returned.frame);
 }
 
-QStringList StackLoader::takeFailures() {
-    return std::exchange(m_failures, {});
+QVector<StackLoader::Refused> StackLoader::takeRefused() {
+    return std::exchange(m_refused, {});
 }

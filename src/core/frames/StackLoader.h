@@ -2,6 +2,7 @@
 
 #include <QQueue>
 #include <QStringList>
+#include <QVector>
 #include <deque>
 #include <memory>
 #include <optional>
@@ -25,7 +26,7 @@ class StackLoader {
         TiffData* frame;
     };
 
-    /// Deletes every frame, empties the queue and forgets the failures.
+    /// Deletes every frame, empties the queue and forgets what was left out.
     void clear();
 
     /// Appends files to the queue; a queue that had run empty starts a new count.
@@ -37,8 +38,15 @@ class StackLoader {
     /// The next file to read; nothing while enough frames are under way or when the queue is empty.
     std::optional<Request> next();
 
+    /// A file that is left out, and why in one phrase.
+    struct Refused {
+        QString fileName;
+        QString why;
+    };
+
     /// Takes the frame back from the reader. The result is the frame when it is to be appended;
-    /// empty when it could not be read or is not wanted any more.
+    /// empty when it could not be read, holds no counts (TiffData::refusal) or is not wanted any
+    /// more.
     std::unique_ptr<TiffData> arrived(const TiffData* frame);
 
     /// Whether frames are still to come.
@@ -46,8 +54,8 @@ class StackLoader {
     int done() const { return m_done; }
     int total() const;
 
-    /// Names of the files that could not be read since the last call.
-    QStringList takeFailures();
+    /// The files that were left out since the last call.
+    QVector<Refused> takeRefused();
 
     FrameSet& frames() { return m_frames; }
     const FrameSet& frames() const { return m_frames; }
@@ -64,5 +72,5 @@ class StackLoader {
     QQueue<QString> m_queue;
     std::deque<UnderWay> m_underWay;
     int m_done = 0;
-    QStringList m_failures;
+    QVector<Refused> m_refused;
 };

@@ -23,6 +23,7 @@ TiffData::~TiffData() {
 
 bool TiffData::load(const QString& name) {
     loaded = false;
+    refusal.clear();
     QFile file(name);
     // Unbuffered: two bytes do not need the first 16 KB.
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
@@ -93,6 +94,12 @@ quint16* TiffData::appendRow(std::size_t bytes) {
     return row;
 }
 
+void TiffData::startCounts() {
+    min = 0xFFFFFFFFu;
+    max = 0;
+    saturated = 0;
+}
+
 void TiffData::foldIn(const quint16* counts, std::size_t n) {
     // In signed numbers of the same order, whose extremes every processor finds eight at a time.
     constexpr int Sign = 0x8000;
@@ -106,6 +113,10 @@ void TiffData::foldIn(const quint16* counts, std::size_t n) {
     if (n > 0) {
         min = std::min(min, static_cast<quint32>(low - std::numeric_limits<qint16>::min()));
         max = std::max(max, static_cast<quint32>(high - std::numeric_limits<qint16>::min()));
+    }
+    if (n > 0 && high == std::numeric_limits<qint16>::max()) {
+        saturated += static_cast<quint64>(
+            std::count(counts, counts + n, std::numeric_limits<quint16>::max()));
     }
 }
 

@@ -30,6 +30,9 @@ struct TiffData {
     uchar* pixels = nullptr;     ///< the picture's memory, owned
     QImage* image = nullptr;     ///< over `pixels`, owned
     bool loaded = false;         ///< the last load() succeeded
+    /// Why no stack takes what has been read, in one phrase; empty: it is a frame of counts.
+    QString refusal;
+    quint64 saturated = 0;  ///< pixels at 65535
 
     /// Reads an image file of any format of frameReaders(), told by its first bytes. A failure
     /// gives one debug line (none for a TIFF file or a format that is not known) and false.
@@ -66,7 +69,9 @@ struct TiffData {
     /// Replaces the rows by `height` rows of `bytes` bytes (an even number) in one piece of memory,
     /// which is not cleared; without rows when memory runs out.
     void makeRows(std::size_t bytes);
-    /// Widens min and max with the first `width` counts of a row.
+    /// Before the first count: min, max and saturated.
+    void startCounts();
+    /// Widens min and max with the first `width` counts of a row, and counts those at 65535.
     void foldIn(const quint16* row) { foldIn(row, width); }
     void foldIn(const quint16* counts, std::size_t n);
 

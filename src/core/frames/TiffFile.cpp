@@ -14,8 +14,11 @@
 #include "files/WholeFile.h"
 #include "frames/RowMemory.h"
 #include "frames/TiffData.h"
+#include "frames/TiffHeader.h"
 
-QString readTiffFrom(QIODevice& in, TiffData* frame);  // of the row in FrameReader.cpp
+// Of the row in FrameReader.cpp.
+QString readTiffFrom(QIODevice& in, TiffData* frame);
+FrameHeader headerOfTiff(const QString& name);
 
 namespace {
 
@@ -23,9 +26,6 @@ struct CloseTiff {
     void operator()(TIFF* tiff) const { TIFFClose(tiff); }
 };
 using TiffHandle = std::unique_ptr<TIFF, CloseTiff>;
-
-/// Pixels that the narrowest row counts as against TiffData::maxPixels.
-constexpr quint64 SmallestRow = 32;
 
 /// The names under which a file is tried: as Latin-1 where that can hold it, then in the system's
 /// own encoding, which reaches what the first does not (a folder named in UTF-8).
@@ -230,36 +230,34 @@ namespace {
 using Open = std::function<TiffHandle(const char* mode)>;
 
 /// Reads whatever can be read of a frame that has its rows; a file that is gone gives zeros.
-void readByRow(TIFF* tiff, std::size_t lineBytes, std::size_t rowBytes, TiffData* frame) {
-    frame->min = 0xFFFFFFFFu;
-    frame->max = 0;
+/// Returns the number of rows that were read.
+quint32 readByRow(TIFF* tiff, std::size_t lineBytes, std::size_t rowBytes, TiffData* frame) {
+    frame->startCounts();
+    quint32 rowsRead = 0;
     for (quint32 y = 0; y < frame->height; ++y) {
         // Only what the file does not fill is cleared: writing every row twice costs time.
         quint16* const row = frame->rows[y];
         const bool isRead = tiff != nullptr && TIFFReadScanline(tiff, row, y, 0) == 1;
+        rowsRead += isRead ? 1 : 0;
         const std::size_t filled = isRead ? lineBytes : 0;
         std::memset(reinterpret_cast<char*>(row) + filled, 0, rowBytes - filled);
         frame->foldIn(row);
     }
+    return rowsRead;
 }
 
 /// Reads a frame; returns what went wrong once the file could be opened.
 QString readFrom(TiffHandle tiff, const Open& open, TiffData* frame) {
     frame->clearRows();
-    frame->min = 0xFFFFFFFFu;
-    frame->max = 0;
-    frame->width = 0;
-    frame->height = 0;
-    TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &frame->height);
-    TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &frame->width);
-    const quint32 width = frame->width;
-    const quint32 height = frame->height;
+    frame->startCounts();
+    const FrameHeader header = tiffHeader(tiff.get());
+    const quint32 width = header.width;
+    const quint32 height = header.height;
+    frame->width = width;
+    frame->height = height;
+    frame->refusal = header.refusal;
     const tmsize_t lineBytes = TIFFScanlineSize(tiff.get());
-    // A row costs memory of its own however narrow it is.
-    const quint64 rowCost = std::max<quint64>(width, SmallestRow);
-    if (height > 0 &&
-        (lineBytes <= 0 || lineBytes > 0x7FFFFFFF || rowCost * height > TiffData::maxPixels ||
-         static_cast<quint64>(lineBytes) * height > 8 * TiffData::maxPixels)) {
+    if (isTooLarge(tiff.get(), width, height)) {
         return QStringLiteral("Too large an image");
     }
     frame->scanlineSize = static_cast<qint32>(lineBytes);
@@ -273,7 +271,12 @@ QString readFrom(TiffHandle tiff, const Open& open, TiffData* frame) {
     PlainReader plain(tiff.get(), width, height);
     if (!(plain.canRead() && plain.read(frame))) {
         tiff.reset();
-        readByRow(open("r").get(), static_cast<std::size_t>(lineBytes), rowBytes, frame);
+        const quint32 rows =
+            readByRow(open("r").get(), static_cast<std::size_t>(lineBytes), rowBytes, frame);
+        if (rows < height && frame->refusal.isEmpty()) {
+            frame->refusal =
+                FrameHeader::tr("damaged: %1 of %2 rows can be decoded").arg(rows).arg(height);
+        }
     }
     frame->dropPicture();
     return QString();
@@ -335,6 +338,16 @@ bool TiffData::readTiff(const QString& name) {
     }
     fileName = name;
     return readFrom(std::move(tiff), open, this).isEmpty();
+}
+
+FrameHeader headerOfTiff(const QString& name) {
+    const TiffHandle tiff = openTiff(name, "rm");
+    if (tiff) {
+        return tiffHeader(tiff.get());
+    }
+    FrameHeader header;
+    header.refusal = FrameHeader::tr("a TIFF file without an image");
+    return header;
 }
 
 QString readTiffFrom(QIODevice& in, TiffData* frame) {

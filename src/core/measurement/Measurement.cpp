@@ -32,12 +32,11 @@ Measurement::Measurement()
         inputsChanged(Dark);
         if (m_loadsDark && !m_dark.isLoading()) {
             m_loadsDark = false;
-            emit ended(Work::LoadDark,
-                       m_dark.refused() == 0
-                           ? Outcome()
-                           : Outcome::failure(tr("%n dark file(s) unreadable or not of the image's "
-                                                 "size",
-                                                 nullptr, m_dark.refused())));
+            Outcome outcome;
+            for (const StackLoader::Refused& file : m_dark.refusals()) {
+                outcome.failures << QStringLiteral("%1: %2").arg(file.fileName, file.why);
+            }
+            emit ended(Work::LoadDark, outcome);
         }
     });
     connect(&m_dark, &DarkData::progressed, this, [this] { emit changed(AtWork); });
@@ -58,7 +57,7 @@ void Measurement::connectStack(Stack& stack) {
     const StackId id = stack.id();
     const Work work = id == StackId::I1 ? Work::LoadI1 : Work::LoadI0;
     connect(&stack, &Stack::changing, this, [this] {
-        stop();
+        stopFor(tr("frames were added: the analysis was stopped"));
         m_source.reset();
     });
     connect(&stack, &Stack::changed, this, [this, id] { frameArrived(id); });
@@ -125,6 +124,7 @@ void Measurement::inputsChanged(Changes what) {
 
 void Measurement::load(StackId id, const QStringList& files, bool replace) {
     if (replace) {
+        stopFor(tr("frames were replaced: the analysis was stopped"));
         clear(id);
     }
     stack(id).setNames(m_settings.names[static_cast<int>(id)]);
@@ -148,19 +148,15 @@ Outcome Measurement::loadNew(StackId id) {
 }
 
 void Measurement::clear(StackId id) {
+    stopFor(tr("frames were cleared: the analysis was stopped"));
     if (id == StackId::I1) {
-        stop();
         setImageSize(QSize(-1, -1));
     }
     stack(id).clear();
 }
 
 void Measurement::loadEnded(StackId id) {
-    Outcome outcome;
-    const QStringList unread = stack(id).takeFailures();
-    for (const QString& file : unread) {
-        outcome.failures << tr("cannot be read: %1").arg(file);
-    }
+    Outcome outcome = stack(id).takeOutcome();
     if (id == StackId::I1) {
         outcome += std::exchange(m_aboutArea, {});
     }
@@ -177,11 +173,12 @@ void Measurement::stopLoading() {
                                  .arg(stack->done())
                                  .arg(stack->total());
         debugTimed(what);
-        const Outcome stopped = Outcome::failure(tr("%1: loading stopped after %2 of %3 files")
-                                                     .arg(stack->name())
-                                                     .arg(stack->done())
-                                                     .arg(stack->total()));
+        Outcome stopped = Outcome::failure(tr("%1: loading stopped after %2 of %3 files")
+                                               .arg(stack->name())
+                                               .arg(stack->done())
+                                               .arg(stack->total()));
         stack->stop();
+        stopped += stack->takeOutcome();
         emit progressed(stack == &m_i1 ? Work::LoadI1 : Work::LoadI0, stack->done(),
                         stack->total());
         emit changed(Changes(AtWork) | Display);
@@ -198,7 +195,6 @@ void Measurement::setNames(StackId id, const NamePattern& names) {
     NamePattern& present = m_settings.names[static_cast<int>(id)];
     if (!(present == names)) {
         present = names;
-        stack(id).setNames(names);
         emit changed(Setting);
     }
 }

@@ -68,6 +68,8 @@ class Measurement : public QObject {
     DarkData& dark() { return m_dark; }
     const DarkData& dark() const { return m_dark; }
     void loadDark(const QStringList& files);
+    /// What is wrong with the frames for as long as they are loaded; empty: nothing.
+    QStringList lastingWarnings() const;
 
     // Standard, energy shifts, references
     /// Null before the first file; without points after one that was not taken.
@@ -147,6 +149,7 @@ class Measurement : public QObject {
     Outcome warningsOf(const Run& run) const;
     void rowsTaken(int rows, int of);
     void passEnded(RasterPass::Failure failure);
+    void stopFor(const QString& why);
 
     Settings m_settings;
     Stack m_i1{StackId::I1};

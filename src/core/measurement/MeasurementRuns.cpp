@@ -7,6 +7,7 @@
 #include "absorption/AbsorptionSource.h"
 #include "calibration/EnergyShift.h"
 #include "measurement/FitJudgement.h"
+#include "measurement/FrameJudgement.h"
 #include "measurement/Measurement.h"
 #include "measurement/Revision.h"
 
@@ -91,7 +92,7 @@ Outcome Measurement::whyNotStart(Work work) const {
         return Outcome::failure(tr("fewer than two reference panels"));
     }
     return grid().raster().rows > 0
-               ? Outcome()
+               ? judgeFrames(*this)
                : Outcome::failure(tr("no point of the area lies inside the image"));
 }
 
@@ -121,12 +122,12 @@ Outcome Measurement::start(Work work) {
     if (working() != Work::None) {
         return Outcome::failure(tr("not while an analysis of the image runs"));
     }
-    Outcome whyNot = whyNotStart(work);
-    if (whyNot.failed()) {
-        return whyNot;
+    Outcome judged = whyNotStart(work);
+    if (judged.failed()) {
+        return judged;
     }
     const AbsorptionSource& frames = source();
-    const Outcome judged = judgeBefore(work, frames.energies(), m_references, m_settings);
+    judged += judgeBefore(work, frames.energies(), m_references, m_settings);
     if (judged.failed()) {
         return judged;
     }
@@ -141,7 +142,7 @@ Outcome Measurement::start(Work work) {
     if (working() == work) {
         emit progressed(work, 0.0, 100.0);
     }
-    return {};
+    return {};  // its warnings come with its end
 }
 
 void Measurement::rowsTaken(int rows, int) {
@@ -207,6 +208,10 @@ Outcome Measurement::warningsOf(const Run& run) const {
 }
 
 void Measurement::stop() {
+    stopFor(tr("stopped before its end"));
+}
+
+void Measurement::stopFor(const QString& why) {
     if (!m_analysis) {
         return;
     }
@@ -218,7 +223,7 @@ void Measurement::stop() {
     m_newMap.reset();
     emit changed(Changes(AtWork) | Results | Display);
     emit progressed(run.work, 100.0, 100.0);
-    emit ended(run.work, Outcome::failure(tr("stopped before its end")));
+    emit ended(run.work, Outcome::failure(why));
 }
 
 void Measurement::remakePictures() {

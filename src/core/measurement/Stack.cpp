@@ -3,18 +3,37 @@
 #include <QDebug>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <algorithm>
+#include <utility>
 
 #include "frames/EnergyFromName.h"
+#include "measurement/FrameJudgement.h"
 #include "measurement/Revision.h"
 
-double frameEnergy(const QString& fileName, const NamePattern& names, int before) {
-    // Compiled once, not for every file of a stack.
+namespace {
+
+/// Compiled once, not for every file of a stack.
+const QRegularExpression& expressionOf(const NamePattern& names) {
     thread_local QRegularExpression expression;
     if (expression.pattern() != names.pattern) {
         expression.setPattern(names.pattern);
     }
+    return expression;
+}
+
+QSize sizeOf(const TiffData& frame) {
+    return QSize(static_cast<int>(frame.width), static_cast<int>(frame.height));
+}
+
+bool hasEnergy(const QString& fileName, const NamePattern& names) {
+    return numberFromName(fileName, expressionOf(names)).has_value();
+}
+
+}  // namespace
+
+double frameEnergy(const QString& fileName, const NamePattern& names, int before) {
     QString matched;
-    const std::optional<double> found = numberFromName(fileName, expression, &matched);
+    const std::optional<double> found = numberFromName(fileName, expressionOf(names), &matched);
     if (found) {
         qDebug().noquote() << "match captured" << matched;
     }
@@ -44,19 +63,68 @@ void Stack::clear() {
     emit changing();
     m_loader.clear();
     m_files.clear();
+    m_leftOut.clear();
+    m_before = 0;
+    m_energies = false;
     m_revision = nextRevision();
     emit changed();
 }
 
 void Stack::read(const QStringList& files) {
-    m_loader.enqueue(files);
+    if (!isLoading()) {
+        m_before = size();
+        m_energies = std::any_of(m_files.begin(), m_files.end(),
+                                 [](const File& file) { return !file.isNumbered; });
+    }
+    m_loadNames = m_names;
+    m_loader.enqueue(withEnergies(files));
     emit progressed();
     loadNext();
 }
 
+/// Decided before the first is read: a file without an energy among others that have one would
+/// stand at an energy of its own making.
+QStringList Stack::withEnergies(const QStringList& files) {
+    const auto isNamed = [this](const QString& file) { return hasEnergy(file, m_loadNames); };
+    m_energies = m_energies || std::any_of(files.begin(), files.end(), isNamed);
+    if (!m_energies) {
+        return files;
+    }
+    QStringList named;
+    for (const QString& file : files) {
+        if (isNamed(file)) {
+            named << file;
+        } else {
+            leaveOut(file, tr("no energy in its name, while others have one"));
+        }
+    }
+    return named;
+}
+
+void Stack::leaveOut(const QString& fileName, const QString& why) {
+    m_leftOut << QStringLiteral("%1: %2").arg(fileName, why);
+}
+
+QSize Stack::imageSize() const {
+    const TiffData* first = frames().at(0);
+    return first == nullptr ? QSize(-1, -1) : sizeOf(*first);
+}
+
+Outcome Stack::takeOutcome() {
+    for (const StackLoader::Refused& file : m_loader.takeRefused()) {
+        leaveOut(file.fileName, file.why);
+    }
+    Outcome outcome;
+    if (size() == m_before) {
+        outcome.failures << tr("%1: no frame was taken").arg(name());
+    }
+    outcome.failures += std::exchange(m_leftOut, {});
+    outcome.warnings = warningsOf(*this, m_before);
+    return outcome;
+}
+
 void Stack::stop() {
     m_loader.stop();
-    m_loader.takeFailures();
 }
 
 bool Stack::request() {
@@ -77,10 +145,19 @@ void Stack::loadNext() {
 void Stack::loaded(TiffData* data) {
     std::unique_ptr<TiffData> frame = m_loader.arrived(data);
     request();  // the reader goes on while this frame is taken in and shown
-    if (frame) {
+    const QSize wanted = imageSize();
+    const QSize size = frame ? sizeOf(*frame) : wanted;
+    if (frame && !wanted.isEmpty() && size != wanted) {
+        leaveOut(frame->fileName, tr("%1 x %2 pixels, the first frame %3 x %4")
+                                      .arg(size.width())
+                                      .arg(size.height())
+                                      .arg(wanted.width())
+                                      .arg(wanted.height()));
+    } else if (frame) {
         emit changing();
-        frame->energy = frameEnergy(frame->fileName, m_names, size());
-        m_files.append({QFileInfo(frame->fileName).absoluteFilePath(), frame->energy, m_names});
+        frame->energy = frameEnergy(frame->fileName, m_loadNames, frames().size());
+        m_files.append({QFileInfo(frame->fileName).absoluteFilePath(), frame->energy, m_loadNames,
+                        !hasEnergy(frame->fileName, m_loadNames)});
         frames().append(std::move(frame));
         m_revision = nextRevision();
         emit changed();

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <QObject>
+#include <QSize>
 #include <QThread>
 #include <QVector>
 
 #include "frames/LoadTiff.h"
 #include "frames/StackLoader.h"
+#include "measurement/Outcome.h"
 #include "measurement/Settings.h"
 
 enum class StackId { I0 = 0, I1 = 1 };
@@ -14,7 +16,9 @@ enum class StackId { I0 = 0, I1 = 1 };
 /// name, else its own number less one, times the unit. Says so in two debug lines.
 double frameEnergy(const QString& fileName, const NamePattern& names, int before);
 
-/// One stack of frames in order of arrival, with the thread that reads them.
+/// One stack of frames in order of arrival, with the thread that reads them. It takes no file that
+/// holds anything but 16-bit counts, none of another size than its first frame, and none without an
+/// energy in its name where others have one.
 class Stack : public QObject {
     Q_OBJECT
 
@@ -24,6 +28,7 @@ class Stack : public QObject {
         QString path;  ///< absolute
         double energy;
         NamePattern names;
+        bool isNumbered = false;  ///< no energy in the name: its number stands for it
     };
 
     explicit Stack(StackId id);
@@ -33,7 +38,7 @@ class Stack : public QObject {
     StackId id() const { return m_id; }
     /// "I1" or "I0".
     QString name() const;
-    /// For the files that arrive from now on.
+    /// For the files that are asked for from now on.
     void setNames(const NamePattern& names) { m_names = names; }
 
     /// Deletes every frame and empties the queue.
@@ -53,8 +58,11 @@ class Stack : public QObject {
     const QVector<File>& files() const { return m_files; }
     /// Another whenever the frames are others.
     quint64 revision() const { return m_revision; }
-    /// Names of the files that could not be read since the last call.
-    QStringList takeFailures() { return m_loader.takeFailures(); }
+    /// Of the first frame, in pixels; -1 x -1 without.
+    QSize imageSize() const;
+    /// How the load went since the last call: each file that was left out with the reason, and what
+    /// somebody should know of the frames; a failure also when none was taken.
+    Outcome takeOutcome();
 
   public slots:
     /// Gives the reader its next file; finished() when there is none and none is under way.
@@ -73,12 +81,18 @@ class Stack : public QObject {
 
   private:
     bool request();
+    QStringList withEnergies(const QStringList& files);
+    void leaveOut(const QString& fileName, const QString& why);
 
     StackId m_id;
     NamePattern m_names;
+    NamePattern m_loadNames;  // of the load under way
     StackLoader m_loader{2};
     QVector<File> m_files;
     quint64 m_revision = 0;
+    int m_before = 0;         // frames before the load under way
+    bool m_energies = false;  // some of its names, or of those before, have one
+    QStringList m_leftOut;
     QThread m_thread;
     LoadTiff m_reader;
 };

@@ -1,0 +1,23 @@
+#include "frames/FrameHeader.h"
+
+#include <QFile>
+
+#include "frames/FrameReader.h"
+
+FrameHeader frameHeader(const QString& fileName) {
+    FrameHeader header;
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        header.refusal =
+            file.exists() ? FrameHeader::tr("cannot be opened") : FrameHeader::tr("no such file");
+        return header;
+    }
+    const QByteArray mark = file.read(FrameMagicBytes);
+    file.close();
+    if (const FrameReader* const reader = frameReaderOf(mark)) {
+        return reader->header(fileName);
+    }
+    header.refusal =
+        mark.isEmpty() ? FrameHeader::tr("an empty file") : FrameHeader::tr("neither TIFF nor IMG");
+    return header;
+}

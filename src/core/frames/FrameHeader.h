@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+
+/// What a file says of its frame before any count is read.
+struct FrameHeader {
+    Q_DECLARE_TR_FUNCTIONS(FrameHeader)
+
+  public:
+    quint32 width = 0;   ///< pixels a row; 0 where the file does not tell
+    quint32 height = 0;  ///< rows
+    /// Why no stack takes the file, in one phrase such as "32-bit float, not 16-bit counts". Empty:
+    /// nothing but a strip that cannot be decoded keeps a stack from taking it.
+    QString refusal;
+};
+
+/// The header of a frame's file, told by its first bytes as TiffData::load() does; no count is
+/// read. What load() accepts and a stack does not (see TiffData::refusal) is refused here, too.
+FrameHeader frameHeader(const QString& fileName);

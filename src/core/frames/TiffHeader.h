@@ -1,0 +1,12 @@
+#pragma once
+
+#include "frames/FrameHeader.h"
+
+using TIFF = struct tiff;
+
+/// Whether an image is taken for a damaged header: its rows would take more memory than any
+/// detector's frame does.
+bool isTooLarge(TIFF* tiff, quint32 width, quint32 height);
+
+/// Size and kind of an open TIFF file, from its tags and the places of its strips.
+FrameHeader tiffHeader(TIFF* tiff);
