@@ -201,6 +201,49 @@ class TestFramesJudged : public QObject {
         add("hardly saturated", saturate(3), all, "done", "");
     }
     void frames() { m_cases.judge(); }
+
+    /// "Load New" takes what only energy and counters tell from a loaded file, and no result.
+    void newFrames() {
+        const DebugLines unseen;
+        QTemporaryDir dir;
+        const auto path = [&dir](const QString& name) { return dir.filePath(name); };
+        putPlain({path("i1-0001-7000eV.tif"), path("i1-0002-7100eV.tif"), path("i0-7000eV.tif"),
+                  path("i1-0003-7200eV.tif"), path("i1-0004-7300eV.TIF"),
+                  path("i1_0004-7300eV.tif"), path("i2-0003-7200eV.tif"), path("i1-fraction.tif")});
+        QVERIFY(writeTiff(path("i1-0005-7400eV.tif"), 1, 1, std::vector<quint16>{1}.data(),
+                          OriginText().toText()));
+        Measurement m;
+        m.set(&Settings::halfWidth, 0);
+        m.set(&Settings::halfHeight, 0);
+        const auto loaded = [&m] {
+            return !m.stack(StackId::I1).isLoading() && !m.stack(StackId::I0).isLoading();
+        };
+        m.load(StackId::I1, {path("i1-0001-7000eV.tif"), path("i1-0002-7100eV.tif")}, true);
+        m.load(StackId::I0, {path("i0-7000eV.tif")}, true);
+        QTRY_VERIFY(loaded());
+        const Outcome outcome = m.loadNew(StackId::I1);
+        QVERIFY(m.start(Work::Residual).failures.join(' ').contains("I1 is being loaded"));
+        QTRY_VERIFY(loaded());
+        QStringList names;
+        for (const Stack::File& file : m.stack(StackId::I1).files().mid(2)) {
+            names << QFileInfo(file.path).fileName();
+        }
+        QCOMPARE(names.join(' '), QString("i1-0003-7200eV.tif i1-0004-7300eV.TIF"));
+        QVERIFY(outcome.warnings.join(' ').contains("i2-0003-7200eV.tif"));
+
+        // Frames that become others stop a run, and say so.
+        QStringList stopped;
+        connect(&m, &Measurement::ended, this, [&stopped](Work work, const Outcome& ended) {
+            stopped += work == Work::Residual ? ended.failures : QStringList();
+        });
+        QVERIFY(!m.start(Work::Residual).failed());
+        m.load(StackId::I0, {path("i0-7000eV.tif")}, true);
+        QTRY_VERIFY(loaded());
+        QVERIFY(!m.start(Work::Residual).failed());
+        m.clear(StackId::I0);
+        QCOMPARE(stopped.join('|'), QString("frames were replaced: the analysis was stopped|"
+                                            "frames were cleared: the analysis was stopped"));
+    }
 };
 
 TARNWICK_TEST_MAIN(QApplication, TestFramesJudged)

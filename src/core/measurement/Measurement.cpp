@@ -10,7 +10,7 @@
 #include "base/Globals.h"
 #include "calibration/EnergyMapFile.h"
 #include "calibration/EnergyShift.h"
-#include "files/FileListing.h"
+#include "measurement/NewFrames.h"
 #include "measurement/Revision.h"
 #include "spectra/Units.h"
 
@@ -133,18 +133,23 @@ void Measurement::load(StackId id, const QStringList& files, bool replace) {
 }
 
 Outcome Measurement::loadNew(StackId id) {
-    QStringList listed;
-    for (const Stack::File& file : stack(id).files()) {
-        listed << file.path;
+    const QString name = stack(id).name();
+    if (stack(id).files().isEmpty()) {
+        return Outcome::failure(tr("no %1 frames are loaded yet").arg(name));
     }
-    if (listed.isEmpty()) {
-        return Outcome::failure(tr("no %1 frames are loaded yet").arg(stack(id).name()));
+    const NewFrames fresh =
+        newFramesOf(stack(id), stack(id == StackId::I1 ? StackId::I0 : StackId::I1));
+    Outcome outcome;
+    if (!fresh.otherwise.isEmpty()) {
+        outcome.warnings << tr("%1: not taken, of another number in the name: %2")
+                                .arg(name, QFileInfo(fresh.otherwise.first()).fileName());
     }
-    const QStringList fresh = listNewFiles(listed);
-    if (!fresh.isEmpty()) {
-        load(id, fresh, false);
+    if (fresh.files.isEmpty()) {
+        outcome.notes << tr("no new %1 frames").arg(name);
+    } else {
+        load(id, fresh.files, false);
     }
-    return {};
+    return outcome;
 }
 
 void Measurement::clear(StackId id) {

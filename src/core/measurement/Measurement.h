@@ -59,7 +59,7 @@ class Measurement : public QObject {
     /// Replaces the frames, or adds to them, by files that are read in the background.
     void load(StackId id, const QStringList& files, bool replace);
     void clear(StackId id);
-    Outcome loadNew(StackId id);  ///< the files that have come beside the last one loaded
+    Outcome loadNew(StackId id);  ///< what has come beside the last file loaded, see NewFrames.h
     void stopLoading();
     /// Failed: no pixel of the image lies in such an area, or of no image while there is none.
     /// Warns where it reaches over the edge.

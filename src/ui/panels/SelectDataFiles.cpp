@@ -7,11 +7,6 @@
 #include "display/Availability.h"
 #include "ui_SelectDataFiles.h"
 
-namespace {
-constexpr int HeldDownMs = 700;  // when a press is no click any more
-constexpr int RepeatMs = 5000;
-}  // namespace
-
 SelectDataFiles::SelectDataFiles(QWidget* parent)
     : QWidget(parent),
       m_ui(std::make_unique<Ui::SelectDataFiles>()),
@@ -43,7 +38,7 @@ SelectDataFiles::SelectDataFiles(QWidget* parent)
             &SelectDataFiles::changeNames);
     connect(m_ui->Select, &QPushButton::clicked, m_dialog, &QWidget::show);
     connect(m_ui->Clear, &QPushButton::clicked, this, &SelectDataFiles::clear);
-    connectLoadNew();
+    connect(m_ui->LoadNewFiles, &QPushButton::clicked, this, &SelectDataFiles::loadNewFiles);
     connect(m_dialog, &QFileDialog::filesSelected, this, [this](const QStringList& files) {
         emit filesSelected(files, m_ui->AddFiles->isChecked());
     });
@@ -129,15 +124,10 @@ void SelectDataFiles::showNames() {
 
 void SelectDataFiles::updateButtons() {
     m_ui->Count->setText(QString::number(count()));
-    if (count() == 0) {
-        repeatLoadNew(false);
-    }
     const bool loading = m_measurement != nullptr && m_measurement->stack(m_stack).isLoading();
-    // While it repeats it must stay alive, to be switched off.
-    const bool usable = m_repeat.isActive() || (count() > 0 && !loading);
-    setUsable(m_ui->LoadNewFiles, usable    ? QString()
-                                  : loading ? tr("Wait until the stack is loaded.")
-                                            : tr("Select the first files first."));
+    setUsable(m_ui->LoadNewFiles, loading       ? tr("Wait until the stack is loaded.")
+                                  : count() > 0 ? QString()
+                                                : tr("Select the first files first."));
 }
 
 double SelectDataFiles::newFile(const QString& fname) {
@@ -170,35 +160,6 @@ void SelectDataFiles::select(int i) {
     if (i >= 0 && i < count()) {
         m_ui->Selected->setCurrentIndex(i);
     }
-}
-
-void SelectDataFiles::connectLoadNew() {
-    QPushButton* button = m_ui->LoadNewFiles;
-    m_hold.setSingleShot(true);
-    m_hold.setInterval(HeldDownMs);
-    m_repeat.setInterval(RepeatMs);
-    connect(button, &QPushButton::pressed, this, [this] {
-        m_wasHeld = false;
-        m_hold.start();
-    });
-    connect(button, &QPushButton::released, &m_hold, &QTimer::stop);
-    connect(&m_hold, &QTimer::timeout, this, [this] { m_wasHeld = true; });
-    connect(&m_repeat, &QTimer::timeout, this, &SelectDataFiles::loadNewFiles);
-    connect(button, &QPushButton::clicked, this, [this] {
-        const bool repeats = m_repeat.isActive();
-        repeatLoadNew(m_wasHeld && !repeats);
-        m_wasHeld = false;
-        if (!repeats) {
-            loadNewFiles();
-        }
-        updateButtons();
-    });
-}
-
-void SelectDataFiles::repeatLoadNew(bool on) {
-    on ? m_repeat.start() : m_repeat.stop();
-    m_ui->LoadNewFiles->setCheckable(on);
-    m_ui->LoadNewFiles->setChecked(on);
 }
 
 void SelectDataFiles::loadNewFiles() {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QTimer>
 #include <QWidget>
 #include <memory>
 
@@ -56,8 +55,6 @@ class SelectDataFiles : public QWidget {
     void showChanges(Measurement::Changes what);
     void showFiles();
     void showNames();
-    void connectLoadNew();
-    void repeatLoadNew(bool on);
     void loadNewFiles();
     void updateButtons();
 
@@ -66,7 +63,4 @@ class SelectDataFiles : public QWidget {
     Measurement* m_measurement = nullptr;  // null: follows none
     StackId m_stack = StackId::I1;
     bool m_isShowing = false;  // the list is brought in step with the stack
-    QTimer m_hold;             // tells a press that is held from a click
-    QTimer m_repeat;           // looks for new files while "Load New" stays down
-    bool m_wasHeld = false;
 };
