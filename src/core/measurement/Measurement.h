@@ -96,8 +96,6 @@ class Measurement : public QObject {
     bool isAtWork(Work work) const;
     Inputs inputs() const;  ///< what a run would work on that begins now
     Difference differenceOf(const Result& result) const;
-    /// What to know of the inputs for as long as it holds, in the language of the program.
-    QStringList lastingWarnings() const { return {}; }
     std::vector<const Result*> results() const;  ///< that hold values; the map first
     bool hasUnsavedResults() const;
     void remakePictures();  ///< of all references' results
