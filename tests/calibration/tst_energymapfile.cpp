@@ -115,6 +115,18 @@ class TestEnergyMapFile : public QObject {
         QTest::newRow("just too large") << sized("16385") << invalid;
         QTest::newRow("larger than the image") << goodHeader(4) << mismatch.arg(4);
         QTest::newRow("no number") << sized("3.0") << mismatch.arg(0);
+        const auto with = [](int line, const char* text) {
+            QStringList lines = goodHeader(3);
+            lines[line] += text;
+            return lines;
+        };
+        QTest::newRow("spacing of 0") << with(3, "e-999") << invalid;
+        QTest::newRow("spacing in nm") << with(3, "e-1") << invalid;
+        QTest::newRow("absurd spacing") << with(3, "e9") << invalid;
+        QTest::newRow("spacing that is no number") << with(3, "x") << invalid;
+        QTest::newRow("edge energy in keV") << with(2, "e-3") << invalid;
+        QTest::newRow("endless shift") << with(12, "\n0 nan 0") << invalid;
+        QTest::newRow("shift of 1100 eV") << with(12, "\n0 0 3") << invalid;
     }
 
     void damagedFilesLeaveTheMap() {
@@ -126,7 +138,7 @@ class TestEnergyMapFile : public QObject {
         const double before = map.valueAt(2, 1);
         QSize imageSize(3, 3);
         const DebugLines debug;
-        QVERIFY(!readEMap(name, 0.0, &imageSize, &map));
+        QVERIFY(readEMap(name, 0.0, &imageSize, &map).refusal != EMapRefusal::None);
         QCOMPARE(debug.countOf(said), 1);
         QCOMPARE(map.valueAt(2, 1), before);
         QCOMPARE(map.grid().width, 3);
@@ -137,7 +149,7 @@ class TestEnergyMapFile : public QObject {
         Analyzed2DRes map;
         QSize imageSize(-1, -1);
         const DebugLines debug;
-        QVERIFY(!readEMap(path("none.emp"), 0.0, &imageSize, &map));
+        QVERIFY(readEMap(path("none.emp"), 0.0, &imageSize, &map).refusal == EMapRefusal::NoFile);
         QCOMPARE(debug.all(), QStringList("Can not open " + path("none.emp")));
     }
 
@@ -146,7 +158,7 @@ class TestEnergyMapFile : public QObject {
         Analyzed2DRes map;
         const DebugLines debug;
         QSize wide(3, 2);
-        QVERIFY(!readEMap(name, 0.0, &wide, &map));
+        QVERIFY(readEMap(name, 0.0, &wide, &map).refusal == EMapRefusal::OtherSize);
         QCOMPARE(debug.countOf("Loading Energy Map size : 3 x 3"), 1);
         // Without an image the map brings its size along.
         QSize none(-1, -1);
@@ -169,33 +181,35 @@ class TestEnergyMapFile : public QObject {
         lines.insert(4, "Shift Map Width         : 0 99");  // no label of the map's size
         lines.replaceInStrings(QRegularExpression("$"), "\r");
         // The rest of a row may stand anywhere, only blanks and line ends count.
-        const QString name = written(lines, "0.001 -0.002 0 \n1e-3 x\n nan 0 0 0.005");
+        const QString name = written(lines, "0.001 -0.002 0 \n1e-3 x\n -1 0 0 0.005 7");
         Analyzed2DRes map;
         QSize imageSize(3, 3);
-        QVERIFY(readEMap(name, panelEdge, &imageSize, &map));
+        const EMapReading reading = readEMap(name, panelEdge, &imageSize, &map);
+        QVERIFY(reading.refusal == EMapRefusal::None && reading.goesOn);
+        QCOMPARE(reading.noNumbers, 1);
         const double d = 3.13553;
         QCOMPARE(map.valueAt(0, 0), shiftOf(0.001, usedEdge, d));
         QCOMPARE(map.valueAt(1, 0), shiftOf(-0.002, usedEdge, d));
         QCOMPARE(map.valueAt(0, 1), shiftOf(0.001, usedEdge, d));
         QCOMPARE(map.valueAt(1, 1), shiftOf(0.0, usedEdge, d));  // "x" is no number
-        QVERIFY(std::isnan(map.valueAt(2, 1)));
+        QCOMPARE(map.valueAt(2, 1), shiftOf(-1.0, usedEdge, d));
         QCOMPARE(map.valueAt(2, 2), shiftOf(0.005, usedEdge, d));
         QCOMPARE(map.grid().halfW, 1);
         QCOMPARE(map.grid().halfH, 0);
         QCOMPARE(map.grid().x1, 3);
         QCOMPARE(map.grid().y0, 1);
         QCOMPARE(map.grid().y1, 2);
-        QCOMPARE(map.dataMin(), shiftOf(-0.002, usedEdge, d));
+        QCOMPARE(map.dataMin(), shiftOf(-1.0, usedEdge, d));
         QCOMPARE(map.dataMax(), shiftOf(0.005, usedEdge, d));
     }
 
     void missingValuesRunOut_data() {
         columns<QString, int>("data", "missing");
-        QTest::newRow("none") << "1 2 3 \n4 5 6 \n7 8 9 \n" << 0;
-        QTest::newRow("no end of line") << "1 2 3 4 5 6 7 8 9" << 0;
-        QTest::newRow("last") << "1 2 3 \n4 5 6 \n7 8 \n" << 1;
-        QTest::newRow("last without end of line") << "1 2 3 \n4 5 6 \n7 8" << 1;
-        QTest::newRow("last row") << "1 2 3 \n4 5 6 \n" << 3;
+        QTest::newRow("none") << ".1 .2 .3 \n.4 .5 .6 \n.7 .8 .9 \n" << 0;
+        QTest::newRow("no end of line") << ".1 .2 .3 .4 .5 .6 .7 .8 .9" << 0;
+        QTest::newRow("last") << "1 1 1 \n1 1 1 \n1 1 \n" << 1;
+        QTest::newRow("last without end of line") << "1 1 1 \n1 1 1 \n1 1" << 1;
+        QTest::newRow("last row") << "1 1 1 \n1 1 1 \n" << 3;
         QTest::newRow("all") << "" << 9;
     }
 
@@ -205,12 +219,12 @@ class TestEnergyMapFile : public QObject {
         Analyzed2DRes map;
         QSize imageSize(3, 3);
         const DebugLines debug;
-        QCOMPARE(readEMap(written(goodHeader(3), data), 0.0, &imageSize, &map), missing == 0);
-        QCOMPARE(debug.countOf("run out!"), missing);
+        QCOMPARE(readEMap(written(goodHeader(3), data), 0.0, &imageSize, &map).missing, missing);
+        QCOMPARE(debug.countOf("run out!"), missing > 0 ? 1 : 0);
         if (missing > 0) {
             QVERIFY(std::abs(map.valueAt(2, 2)) < 1e-9);
         } else {
-            QCOMPARE(map.valueAt(2, 2), shiftOf(9.0, 7112.5, 3.13553));
+            QCOMPARE(map.valueAt(2, 2), shiftOf(0.9, 7112.5, 3.13553));
         }
     }
 
@@ -221,7 +235,7 @@ class TestEnergyMapFile : public QObject {
         lines[9] = "Area X1                 : 2147483647";
         Analyzed2DRes map;
         QSize imageSize(3, 3);
-        QVERIFY(readEMap(written(lines, "1 1 1 1 1 1 1 1 1"), 0.0, &imageSize, &map));
+        QVERIFY(readEMap(written(lines, "1 1 1 1 1 1 1 1 1"), 0.0, &imageSize, &map).missing == 0);
         QVERIFY(map.grid().halfW >= 0 && map.grid().stepX >= 1);
         QVERIFY(map.grid().x0 >= 0 && map.grid().x1 <= 3);
         map.deglitch2(40.0);

@@ -183,7 +183,6 @@ class TestCommands : public QObject {
                      "set_band_w 0", "set_band_h 0"};
         QTest::newRow("no frames to calibrate") << L{"calib_exec"} << "no images are loaded";
         QTest::newRow("no frames to analyse") << L{"analyzer_exec_ra"} << "no images are loaded";
-        QTest::newRow("no standard") << load + L{"calib_exec"} << "no standard is loaded";
         QTest::newRow("a region beside the image")
             << L{oneFrame, "select_region 8 0 9 9"} << "no part of the region lies inside";
         const QString unused = " 0 0 " + m_phantom->file("a.dat");
@@ -192,7 +191,7 @@ class TestCommands : public QObject {
                         "analyzer_exec_LCF"}
             << "no reference is in use";
         QTest::newRow("no map, no frames")
-            << L{"calib_save_map " + file("none.emp")} << "cannot be written";
+            << L{"calib_save_map " + file("none.emp")} << "no images are loaded";
         QTest::newRow("no result")
             << L{"save_data_as_tiff " + file("none.tif")} << "no result image is selected";
     }

@@ -121,10 +121,6 @@ class TestMeasurement : public QObject {
         m_measurement->stop();
         QCOMPARE(m_ended, QVector<Work>{Work::Fit});
         QVERIFY(m_outcome.failed() && m_measurement->working() == Work::None);
-        for (int i = 0; i < 3; ++i) {
-            m_measurement->change(i, [](Reference& r) { r.setUse(false); });
-        }
-        QVERIFY(m_measurement->start(Work::Fit).failed());
         // Who hears of the beginning may stop it.
         connect(m_measurement.get(), &Measurement::changed, m_measurement.get(),
                 &Measurement::stop);
@@ -235,7 +231,7 @@ class TestMeasurement : public QObject {
         QCOMPARE(valuesOf(m.map()), before);
         QVERIFY(m.mapInput() == input);
         QCOMPARE(m.sample().energyCorrection(), correction);
-        QVERIFY(m.differenceOf(m.map()) == Difference::References);
+        QVERIFY(m.differenceOf(m.map()) == Difference::Before);
         m.clearMap();
         QVERIFY(!m.map().image.hasData() && !m.mapInput());
         QCOMPARE(m.sample().energyCorrection(), 0.0);
@@ -261,6 +257,63 @@ class TestMeasurement : public QObject {
             QVERIFY(kept[i] == whole[i] || (kept[i] == 0.0 && i >= Width));
         }
         QVERIFY(m.residual(2).image.isValid());
+    }
+
+    /// A run that does not come about leaves the results of the one before, which say so.
+    void resultsOfTheRunBefore() {
+        Measurement& m = *m_measurement;
+        run(Work::Fit);
+        const Result& result = reference(0).result(Reference::Ratio);
+        m.set(&Settings::halfHeight, 1000);
+        QVERIFY(m.start(Work::Fit).failed());
+        QVERIFY(m.differenceOf(result) == Difference::Bins);
+        m.set(&Settings::halfHeight, 1);
+        QVERIFY(m.differenceOf(result) == Difference::Before && result.image.hasData());
+        QCOMPARE(marksOf(m, result), QStringList{"of the run before"});
+        run(Work::Fit);
+        QVERIFY(marksOf(m, result).isEmpty());
+        m.forget(Work::Fit);
+        QVERIFY(m.results().empty() && result.image.img() == nullptr && !result.run);
+    }
+
+    /// What is changed while it is on its way counts for the next run; other frames end it.
+    void aRunWorksOnWhatItWasStartedWith() {
+        Measurement& m = *m_measurement;
+        QVERIFY(!m.loadStandard(m_phantom->file("a.dat")).failed());
+        run(Work::Calibrate);
+        QCOMPARE(m_outcome.notes.size(), 1);
+        QVERIFY(m_outcome.notes.first().endsWith("0 of 16 bins without an edge"));
+        QVERIFY(m_outcome.warnings.isEmpty());
+        run(Work::Fit);
+        const Result& result = reference(0).result(Reference::Ratio);
+        const QVector<double> expected = valuesOf(result);
+
+        m.setThreads(1);
+        bool isChanged = false;
+        const auto changing =
+            connect(&m, &Measurement::progressed, this, [&](Work, double, double) {
+                if (!std::exchange(isChanged, true)) {
+                    m.smoothMap();
+                    m.clearMap();
+                    m.set(&Settings::area, Area{0, 0, 4, 4});
+                    m.set(&Settings::halfWidth, 0);
+                    m.set(&Settings::method, LinearFit::Mlcf);
+                    m.set(&Settings::targetBackground, XafsSpectrum::Victreen);
+                    m.change(0, [](Reference& r) { r.setDeltaE(3.0); });
+                    m.change(1, [](Reference& r) { r.setUse(false); });
+                    QVERIFY(m.deglitch(2.0, 0.1).failed() && m.showProcessed(true).failed());
+                }
+            });
+        run(Work::Fit);
+        disconnect(changing);
+        QVERIFY(isChanged);
+        QCOMPARE(valuesOf(result), expected);
+        QVERIFY(m.differenceOf(result) == Difference::Bins);
+
+        QVERIFY(!m.start(Work::Residual).failed());
+        m.clear(StackId::I0);
+        QVERIFY(m.working() == Work::None && m_outcome.stopped);
+        QCOMPARE(m_outcome.failures, QStringList{"stopped at 0 %: the frames have changed"});
     }
 
     /// After each change a result says what keeps it from being one of the present inputs, and is

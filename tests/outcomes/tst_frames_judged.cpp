@@ -241,8 +241,11 @@ class TestFramesJudged : public QObject {
         QTRY_VERIFY(loaded());
         QVERIFY(!m.start(Work::Residual).failed());
         m.clear(StackId::I0);
-        QCOMPARE(stopped.join('|'), QString("frames were replaced: the analysis was stopped|"
-                                            "frames were cleared: the analysis was stopped"));
+        QVERIFY2(QRegularExpression("^stopped at \\d+ %: frames were replaced\\|"
+                                    "stopped at \\d+ %: frames were cleared$")
+                     .match(stopped.join('|'))
+                     .hasMatch(),
+                 qPrintable(stopped.join('|')));
     }
 };
 

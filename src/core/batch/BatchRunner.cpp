@@ -89,7 +89,15 @@ void BatchRunner::run(const CmdLine& cmd) {
         return;
     }
     m_pacing.take();
+    forgetFailed(row->work, m_outcome);
     answer(cmd, m_outcome);
+}
+
+/// What an analysis that failed left, or found, must not pass for its result.
+void BatchRunner::forgetFailed(Work work, const Outcome& outcome) {
+    if (outcome.failed() && !outcome.stopped) {
+        m_measurement.forget(work);
+    }
 }
 
 void BatchRunner::answer(const CmdLine& cmd, const Outcome& outcome) {
@@ -103,6 +111,7 @@ void BatchRunner::workEnded(Work work, const Outcome& outcome) {
     } else if (m_pacing.isWaitingFor(work)) {
         Outcome all = m_outcome;
         all += outcome;
+        forgetFailed(work, all);
         answer(m_pacing.take(), all);
     } else {
         emit endedAlone(work, outcome);

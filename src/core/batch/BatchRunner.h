@@ -42,6 +42,7 @@ class BatchRunner : public QObject {
   private:
     void run(const CmdLine& cmd);
     void answer(const CmdLine& cmd, const Outcome& outcome);
+    void forgetFailed(Work work, const Outcome& outcome);
     void workEnded(Work work, const Outcome& outcome);
 
     Measurement& m_measurement;

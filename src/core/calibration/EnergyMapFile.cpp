@@ -9,6 +9,7 @@
 #include <cmath>
 #include <memory>
 #include <new>
+#include <vector>
 
 #include "base/DebugLog.h"
 #include "files/WholeFile.h"
@@ -23,6 +24,9 @@ constexpr qint64 kMostPixels = qint64(1) << 28;
 constexpr qint64 kLongestLine = 1 << 16;  // of a header; keeps a foreign binary file out of memory
 constexpr double kHalfHeight = 0.5;
 constexpr int kRisingEdge = 0;
+constexpr double kLeastSpacing = 0.1;  // angstrom; crystals and multilayers lie far inside
+constexpr double kMostSpacing = 1000.0;
+constexpr double kMostShift = 1000.0;  // eV
 
 const QLatin1String kShortTag("###TWEM");
 const QLatin1String kTag("###Tarnwick::TWEM");
@@ -70,7 +74,7 @@ bool sizeIsUsable(const EMPHeader& header) {
     if (header.width < 0 || header.height < 0 || pixels > kMostPixels) {
         return false;
     }
-    constexpr size_t kArrays = 2;  // the values and the processed ones
+    constexpr size_t kArrays = 3;  // the values, as read and in the map, and the processed ones
     const std::unique_ptr<double[]> trial(new (std::nothrow) double[size_t(pixels) * kArrays]);
     return trial != nullptr;
 }
@@ -83,29 +87,77 @@ AnalysisGrid gridOf(const EMPHeader& header) {
                                 header.binHalfHeight, area);
 }
 
-/// Reads the angles behind the header into the shifts of @p map; false when some were missing.
-bool readShifts(QTextStream& stream, double edgeEnergy, double spacing, Analyzed2DRes* map) {
+bool isUsable(double edgeEnergy, double spacing) {
+    return spacing >= kLeastSpacing && spacing <= kMostSpacing && edgeEnergy > 0.0 &&
+           std::isfinite(edgeEnergy) && braggAngle(edgeEnergy, spacing) > 0.0;
+}
+
+bool isUsableShift(double shift) {
+    return std::abs(shift) <= kMostShift;  // false for what is no number
+}
+
+/// The shifts that belong to the angles behind a header, row by row; what the file says too little
+/// or too much is noted in *reading. Stops at a shift that cannot be.
+std::vector<double> readShifts(QTextStream& stream, double edgeEnergy, double spacing,
+                               qint64 pixels, EMapReading* reading) {
     const double angle0 = braggAngle(edgeEnergy, spacing);
-    const int width = map->grid().width;
-    const int height = map->grid().height;
-    bool complete = true;
+    const auto shiftOf = [&](double angle) {
+        return edgeEnergy - energyOfAngle(angle + angle0, spacing);
+    };
+    std::vector<double> shifts;
+    shifts.reserve(size_t(pixels));
     QString item;
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            // Each row ends with a blank, so white space may be all that is left.
-            stream.skipWhiteSpace();
-            double angle = 0.0;
-            if (stream.atEnd()) {
-                qDebug() << "run out!";
-                complete = false;
-            } else {
-                stream >> item;
-                angle = item.toDouble();
-            }
-            map->setData(x, y, 0, 0, edgeEnergy - energyOfAngle(angle + angle0, spacing));
+    // Each row ends with a blank, so white space may be all that is left.
+    for (stream.skipWhiteSpace(); qint64(shifts.size()) < pixels && !stream.atEnd();
+         stream.skipWhiteSpace()) {
+        stream >> item;
+        bool isNumber = false;
+        const double shift = shiftOf(item.toDouble(&isNumber));
+        reading->noNumbers += isNumber ? 0 : 1;
+        if (!isUsableShift(shift)) {
+            reading->refusal = EMapRefusal::Shift;
+            return shifts;
+        }
+        shifts.push_back(shift);
+    }
+    reading->goesOn = !stream.atEnd();
+    reading->missing = pixels - qint64(shifts.size());
+    if (reading->missing > 0) {
+        qDebug() << "run out!" << reading->missing;
+        shifts.resize(size_t(pixels), shiftOf(0.0));
+    }
+    return shifts;
+}
+
+/// Whether the map has the size of the image, which is set where there is none.
+bool fits(const QSize& size, QSize* imageSize) {
+    if (size == *imageSize) {
+        return true;
+    }
+    if (imageSize->width() >= 0 || imageSize->height() >= 0) {
+        qDebug().noquote()
+            << QStringLiteral(
+                   "Loading Energy Map size : %1 x %2 : is not matched to the current image size : "
+                   "%3 x %4")
+                   .arg(size.width())
+                   .arg(size.height())
+                   .arg(imageSize->width())
+                   .arg(imageSize->height());
+        return false;
+    }
+    *imageSize = size;
+    return true;
+}
+
+void fill(Analyzed2DRes* map, const AnalysisGrid& grid, const std::vector<double>& shifts) {
+    map->startOver(grid);
+    for (int y = 0; y < grid.height; ++y) {
+        for (int x = 0; x < grid.width; ++x) {
+            map->setData(x, y, 0, 0, shifts[size_t(y) * size_t(grid.width) + size_t(x)]);
         }
     }
-    return complete;
+    map->updateExtremes();
+    map->genImg();
 }
 
 void writeHeader(QTextStream& out, const AnalysisGrid& grid, const EMapInfo& info) {
@@ -189,42 +241,61 @@ EMPHeader readEMapHeader(QTextStream& stream) {
     return header;
 }
 
-bool readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize, Analyzed2DRes* map) {
+EMapReading readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize,
+                     Analyzed2DRes* map) {
+    EMapReading reading;
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         debugFile("Can not open", fileName);
-        return false;
+        reading.refusal = EMapRefusal::NoFile;
+        return reading;
     }
     QTextStream stream(&file);
     stream.setCodec("UTF-8");
     const EMPHeader header = readEMapHeader(stream);
-    if (!header.ok || !sizeIsUsable(header)) {
-        debugFile("Invalid Energy Map Data File : ", fileName);
-        return false;
-    }
-    const QSize size(header.width, header.height);
-    if (size != *imageSize) {
-        if (imageSize->width() >= 0 || imageSize->height() >= 0) {
-            qDebug().noquote() << QStringLiteral(
-                                      "Loading Energy Map size : %1 x %2 : is not matched to the "
-                                      "current image size : %3 x %4")
-                                      .arg(size.width())
-                                      .arg(size.height())
-                                      .arg(imageSize->width())
-                                      .arg(imageSize->height());
-            return false;
-        }
-        *imageSize = size;
-    }
-
-    debugTimed(QStringLiteral("Start Reading EMP file "));
-    map->startOver(gridOf(header));
     const double edge = edgeEnergy > 0.0 ? edgeEnergy : header.stdEdgeEnergy;
-    const bool complete = readShifts(stream, edge, header.spacing, map);
-    map->updateExtremes();
-    map->genImg();
+    if (!header.ok || !sizeIsUsable(header)) {
+        reading.refusal = EMapRefusal::NoMap;
+    } else if (!isUsable(edge, header.spacing)) {
+        reading.refusal = EMapRefusal::EdgeEnergy;
+    }
+    QSize size = *imageSize;
+    if (reading.refusal == EMapRefusal::None && !fits(QSize(header.width, header.height), &size)) {
+        reading.refusal = EMapRefusal::OtherSize;
+        return reading;
+    }
+    std::vector<double> shifts;
+    if (reading.refusal == EMapRefusal::None) {
+        debugTimed(QStringLiteral("Start Reading EMP file "));
+        shifts = readShifts(stream, edge, header.spacing, qint64(header.width) * header.height,
+                            &reading);
+    }
+    if (reading.refusal != EMapRefusal::None) {
+        debugFile("Invalid Energy Map Data File : ", fileName);
+        return reading;
+    }
+    *imageSize = size;
+    fill(map, gridOf(header), shifts);
     debugTimed(QStringLiteral("End Reading EMP file   "));
-    return complete;
+    return reading;
+}
+
+EMapRefusal refusalOf(const Analyzed2DRes& map, const EMapInfo& info) {
+    if (!isUsable(info.edgeEnergy, info.spacing)) {
+        return EMapRefusal::EdgeEnergy;
+    }
+    double lastShift = 0.0;
+    for (int y = 0; y < info.imageSize.height(); ++y) {
+        for (int x = 0; x < info.imageSize.width(); ++x) {
+            const double shift = map.valueAt(x, y);
+            if (shift != lastShift &&
+                (!isUsableShift(shift) || !isUsable(info.edgeEnergy - shift, info.spacing))) {
+                return EMapRefusal::Shift;
+            }
+            lastShift = shift;
+        }
+    }
+    return EMapRefusal::None;
 }
 
 bool writeEMap(const QString& fileName, const Analyzed2DRes& map, const EMapInfo& info) {

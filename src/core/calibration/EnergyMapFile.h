@@ -36,15 +36,38 @@ struct EMapInfo {
 /// Reads @p stream up to and including the line before the data.
 EMPHeader readEMapHeader(QTextStream& stream);
 
+/// Why a map file is not taken.
+enum class EMapRefusal {
+    None,
+    NoFile,      ///< cannot be opened
+    NoMap,       ///< not of this kind, or of a size that cannot be held
+    OtherSize,   ///< not of the images' size
+    EdgeEnergy,  ///< spacing or edge energy missing or absurd: there is no Bragg angle to start
+                 ///< from
+    Shift        ///< one that is not finite, beyond the crystal's reach or above 1000 eV
+};
+
+/// How a map file was read.
+struct EMapReading {
+    EMapRefusal refusal = EMapRefusal::None;
+    qint64 missing = 0;    ///< values that the file ends before
+    qint64 noNumbers = 0;  ///< texts in place of values
+    bool goesOn = false;   ///< more follows than belongs to the map
+};
+
 /// Replaces @p map by the one in the file. The angles become shifts with @p edgeEnergy (eV) when it
 /// is above 0, else with the file's own edge energy, and with the file's d-spacing.
 ///
 /// The map must have the size of the images, @p imageSize; negative means that none is loaded, then
 /// the map's size is stored there. Only square images have maps that load, see EMPHeader::height.
 ///
-/// Returns whether a whole map was read. A file that is no map or does not fit leaves the map as it
-/// was; values that are missing at the end, "run out!" each, are shifts of 0.
-bool readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize, Analyzed2DRes* map);
+/// A file that is refused leaves the map as it was. Values that are missing at the end ("run out!"
+/// with their number), or no numbers, are shifts of 0.
+EMapReading readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize,
+                     Analyzed2DRes* map);
+
+/// Why readEMap() would refuse the map when it were written; its shape apart.
+EMapRefusal refusalOf(const Analyzed2DRes& map, const EMapInfo& info);
 
 /// Writes @p map, which may be empty (all shifts 0), for the pixels of the image. Nothing is
 /// written without an image; on failure an existing file stays whole.

@@ -91,6 +91,15 @@ void smoothShiftMap(Analyzed2DRes* map) {
     debugTimed(QStringLiteral("End Normalize E Shift  "));
 }
 
+std::function<double(int x, int y)> shiftsOf(const Analyzed2DRes& map) {
+    if (!map.hasData()) {
+        return [](int, int) { return 0.0; };
+    }
+    return [values = map.values(), grid = map.grid()](int x, int y) {
+        return grid.isInsideImage(x, y) ? values[y * grid.width + x] : 0.0;
+    };
+}
+
 double shiftAt(const Analyzed2DRes* map, int x, int y) {
     return map ? map->valueAt(x, y) : 0.0;
 }

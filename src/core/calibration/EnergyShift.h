@@ -40,5 +40,8 @@ void clearShiftMap(Analyzed2DRes* map);
 /// Analyzed2DRes::deglitch2(). Nothing happens without a map.
 void smoothShiftMap(Analyzed2DRes* map);
 
+/// shiftAt() of a map as it is now, whatever becomes of it.
+std::function<double(int x, int y)> shiftsOf(const Analyzed2DRes& map);
+
 /// The shift at a pixel in eV; 0.0 outside the map or without one.
 double shiftAt(const Analyzed2DRes* map, int x, int y);

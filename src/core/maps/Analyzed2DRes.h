@@ -39,6 +39,7 @@ class Analyzed2DRes : public QObject {
     double valueAt(qint64 x, qint64 y) const { return at(m_data, x, y); }
     double shownValueAt(qint64 x, qint64 y) const { return at(shownArray(), x, y); }
     const double* data() const { return m_data.constData(); }
+    QVector<double> values() const { return m_data; }  ///< as they are now, row by row
     const double* proc() const { return procArray().constData(); }
 
     // Ranges of the finite values; dataMin > dataMax until a value is set.

@@ -20,6 +20,7 @@ void AreaAnalysis::startOver(Result* result, int number) {
     result->image.setNo(number);
     result->run = m_run;
     result->deglitched.reset();
+    result->isOfBefore = false;
 }
 
 namespace {
@@ -27,8 +28,8 @@ namespace {
 class Calibration : public AreaAnalysis {
   public:
     Calibration(const AnalysisGrid& grid, std::shared_ptr<Run> run, Result* newMap,
-                double standardEdge)
-        : AreaAnalysis(grid, std::move(run)), m_map(newMap), m_standardEdge(standardEdge) {}
+                const CalibrationEdges& edges)
+        : AreaAnalysis(grid, std::move(run)), m_map(newMap), m_edges(edges) {}
 
     int valuesPerBin() const override { return 1; }
 
@@ -50,7 +51,7 @@ class Calibration : public AreaAnalysis {
         }
         for (int column = 0; column < raster.columns; ++column) {
             m_map->image.setData(raster.x(column), y, m_grid.halfW, m_grid.halfH,
-                                 row.values[column] - m_standardEdge);
+                                 row.values[column] - m_edges.standard);
         }
     }
 
@@ -60,6 +61,8 @@ class Calibration : public AreaAnalysis {
         debugTimed(QStringLiteral("End Calibration   "));
     }
 
+    Outcome judgement() const override { return judgeShifts(m_map->image, m_edges); }
+
   private:
     void sayProgress(int y) {
         AnalysisGrid at = m_grid;
@@ -68,14 +71,14 @@ class Calibration : public AreaAnalysis {
     }
 
     Result* m_map;
-    double m_standardEdge;
+    CalibrationEdges m_edges;
 };
 
 class Fit : public AreaAnalysis {
   public:
     Fit(const AnalysisGrid& grid, std::shared_ptr<Run> run,
         const std::vector<std::unique_ptr<Reference>>& references, const Analyzed2DRes& map)
-        : AreaAnalysis(grid, std::move(run)), m_map(map) {
+        : AreaAnalysis(grid, std::move(run)), m_shiftAt(shiftsOf(map)) {
         for (int kind = 0; kind < Reference::KindCount; ++kind) {
             for (const auto& reference : references) {
                 m_results.push_back(&reference->result(kind));
@@ -95,8 +98,7 @@ class Fit : public AreaAnalysis {
     std::vector<RasterPass::Evaluate> evaluators(int threads,
                                                  const AbsorptionSource& source) const override {
         return fitEvaluators(threads, m_grid.raster(), m_spectra, m_run->inputs.method,
-                             source.energies(), m_run->inputs.background,
-                             [&map = m_map](int x, int y) { return shiftAt(&map, x, y); });
+                             source.energies(), m_run->inputs.background, m_shiftAt);
     }
 
     void begin() override {
@@ -146,7 +148,7 @@ class Fit : public AreaAnalysis {
     }
 
   private:
-    const Analyzed2DRes& m_map;
+    std::function<double(int x, int y)> m_shiftAt;
     std::vector<Result*> m_results;  // all edge jumps, then all ratios, in order of the references
     std::size_t m_panels = 0;
     QVector<XafsSpectrum> m_spectra;    // of those that take part
@@ -229,8 +231,8 @@ void makeResidualRatio(const ResidualResults& results) {
 }
 
 std::unique_ptr<AreaAnalysis> makeCalibration(const AnalysisGrid& grid, std::shared_ptr<Run> run,
-                                              Result* newMap, double standardEdge) {
-    return std::make_unique<Calibration>(grid, std::move(run), newMap, standardEdge);
+                                              Result* newMap, const CalibrationEdges& edges) {
+    return std::make_unique<Calibration>(grid, std::move(run), newMap, edges);
 }
 
 std::unique_ptr<AreaAnalysis> makeFit(const AnalysisGrid& grid, std::shared_ptr<Run> run,

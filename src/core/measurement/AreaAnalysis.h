@@ -6,6 +6,7 @@
 
 #include "absorption/RasterPass.h"
 #include "maps/AnalysisGrid.h"
+#include "measurement/CalibrationJudgement.h"
 #include "measurement/Result.h"
 
 class AbsorptionSource;
@@ -32,6 +33,8 @@ class AreaAnalysis {
     virtual void take(const RasterPass::Row& row, const BinRaster& raster) = 0;
     /// All rows are in.
     virtual void finish() = 0;
+    /// What somebody should know of what it has found.
+    virtual Outcome judgement() const { return {}; }
     /// Stopped before its end.
     virtual void stopped() {}
     /// Makes pictures of what there is so far.
@@ -46,12 +49,12 @@ class AreaAnalysis {
 };
 
 /// The energy shift of every bin against the standard, into a map of its own that replaces the one
-/// in force at the end. standardEdge in eV, see calibrationEdge().
+/// in force at the end.
 std::unique_ptr<AreaAnalysis> makeCalibration(const AnalysisGrid& grid, std::shared_ptr<Run> run,
-                                              Result* newMap, double standardEdge);
+                                              Result* newMap, const CalibrationEdges& edges);
 
-/// LCF or MLCF: edge jump and ratio of every reference that takes part. The map of energy shifts,
-/// which may be without values, stays as it is during the run.
+/// LCF or MLCF: edge jump and ratio of every reference that takes part, with the energy shifts of
+/// the map, which may be without values, as they are now.
 std::unique_ptr<AreaAnalysis> makeFit(const AnalysisGrid& grid, std::shared_ptr<Run> run,
                                       const std::vector<std::unique_ptr<Reference>>& references,
                                       const Analyzed2DRes& map);

@@ -5,6 +5,7 @@
 
 #include "base/Numbers.h"
 #include "drawing/FramePicture.h"
+#include "measurement/Origin.h"
 
 TiffData* shownFrame(Measurement& measurement) {
     const Shown shown = measurement.settings().shown;
@@ -77,9 +78,8 @@ BarPicture shownWithBar(Measurement& measurement) {
     if (image.showsProc()) {
         parts.title += QStringLiteral(", processed");
     }
-    const Difference difference = measurement.differenceOf(*result);
-    if (difference != Difference::None) {
-        parts.title += QStringLiteral(", ") + QString::fromLatin1(differenceText(difference));
+    for (const QString& mark : marksOf(measurement, *result)) {
+        parts.title += QStringLiteral(", ") + mark;
     }
     parts.unit = QString::fromLatin1(result->kind().unit);
     parts.source = QFileInfo(sourceOf(*result, measurement)).fileName();
@@ -142,15 +142,33 @@ const char* differenceText(Difference difference) {
             return QT_TRANSLATE_NOOP("Difference", "with another background");
         case Difference::Settings:
             return QT_TRANSLATE_NOOP("Difference", "with other settings");
+        case Difference::Before:
+            return QT_TRANSLATE_NOOP("Difference", "of the run before");
     }
     return "";
+}
+
+QString stoppedText(const Run& run) {
+    return QCoreApplication::translate("Difference", "stopped at %1 %")
+        .arg(static_cast<int>(run.percent));
+}
+
+QStringList marksOf(const Measurement& measurement, const Result& result) {
+    QStringList marks;
+    if (result.run && result.run->state == Run::State::Stopped) {
+        marks << stateOf(result);
+    }
+    const Difference difference = measurement.differenceOf(result);
+    if (difference != Difference::None) {
+        marks << QString::fromLatin1(differenceText(difference));
+    }
+    return marks;
 }
 
 QString stateText(const Measurement& measurement, const Result& result) {
     QStringList parts;
     if (result.run && result.run->state == Run::State::Stopped) {
-        parts << QCoreApplication::translate("Difference", "stopped at %1 %")
-                     .arg(static_cast<int>(result.run->percent));
+        parts << stoppedText(*result.run);
     }
     const Difference difference = measurement.differenceOf(result);
     if (difference != Difference::None) {

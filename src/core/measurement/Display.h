@@ -29,9 +29,15 @@ Outcome fixPercentiles(Measurement& measurement);
 /// frames", "before the energy calibration"; empty for nothing. English, context "Difference".
 const char* differenceText(Difference difference);
 
-/// What keeps a result from being one of now, "stopped at 43 %" and the text of its difference, in
-/// the language of the program; empty for nothing.
+/// What somebody should know of a result wherever it is shown or saved: "stopped at 43 %", and the
+/// text of its difference. In English.
+QStringList marksOf(const Measurement& measurement, const Result& result);
+
+/// The same in the language of the program, in one text; empty for nothing.
 QString stateText(const Measurement& measurement, const Result& result);
+
+/// "stopped at 43 %" in the language of the program.
+QString stoppedText(const Run& run);
 
 /// A result's title, its reference and what keeps it from being one of now, in the language of the
 /// program.

@@ -70,6 +70,17 @@ struct MapInput {
 };
 
 /// What differs of the inputs that this work goes by, in the order in which a user would look for
-/// it; None: nothing.
-enum class Difference { None, Frames, Dark, Map, References, Bins, Area, Background, Settings };
+/// it; None: nothing. Before: a later run that was to make it failed.
+enum class Difference {
+    None,
+    Frames,
+    Dark,
+    Map,
+    References,
+    Bins,
+    Area,
+    Background,
+    Settings,
+    Before
+};
 Difference difference(const Inputs& a, const Inputs& b, Work work);

@@ -1,6 +1,5 @@
 #include "measurement/Measurement.h"
 
-#include <QFileInfo>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -8,8 +7,8 @@
 #include "absorption/AbsorptionSource.h"
 #include "base/DebugLog.h"
 #include "base/Globals.h"
-#include "calibration/EnergyMapFile.h"
 #include "calibration/EnergyShift.h"
+#include "measurement/CalibrationJudgement.h"
 #include "measurement/NewFrames.h"
 #include "measurement/Revision.h"
 #include "spectra/Units.h"
@@ -57,7 +56,7 @@ void Measurement::connectStack(Stack& stack) {
     const StackId id = stack.id();
     const Work work = id == StackId::I1 ? Work::LoadI1 : Work::LoadI0;
     connect(&stack, &Stack::changing, this, [this] {
-        stopFor(tr("frames were added: the analysis was stopped"));
+        stopRun(tr("frames were added"));
         m_source.reset();
     });
     connect(&stack, &Stack::changed, this, [this, id] { frameArrived(id); });
@@ -124,7 +123,7 @@ void Measurement::inputsChanged(Changes what) {
 
 void Measurement::load(StackId id, const QStringList& files, bool replace) {
     if (replace) {
-        stopFor(tr("frames were replaced: the analysis was stopped"));
+        stopRun(tr("frames were replaced"));
         clear(id);
     }
     stack(id).setNames(m_settings.names[static_cast<int>(id)]);
@@ -153,7 +152,7 @@ Outcome Measurement::loadNew(StackId id) {
 }
 
 void Measurement::clear(StackId id) {
-    stopFor(tr("frames were cleared: the analysis was stopped"));
+    stopRun(tr("frames were cleared"));
     if (id == StackId::I1) {
         setImageSize(QSize(-1, -1));
     }
@@ -278,12 +277,20 @@ Outcome Measurement::loadStandard(const QString& fileName) {
     return outcome;
 }
 
+/// A fit under way has the shifts that it began with; a calibration would replace the map asked
+/// for.
+void Measurement::stopCalibration() {
+    if (working() == Work::Calibrate) {
+        stopRun(tr("the energy map has changed"));
+    }
+}
+
 Outcome Measurement::loadMap(const QString& fileName) {
-    stop();
     QSize size = m_size;
     auto loaded = std::make_unique<Result>(ResultId::Shift);
-    const bool whole = readEMap(fileName, edgeEnergy(), &size, &loaded->image);
-    if (loaded->image.hasData()) {
+    const EMapReading reading = readEMap(fileName, edgeEnergy(), &size, &loaded->image);
+    if (reading.refusal == EMapRefusal::None) {
+        stopCalibration();
         MapInput input;
         input.file = fileInput(fileName);
         input.edgeEnergy = m_settings.edgeEnergy;
@@ -295,14 +302,12 @@ Outcome Measurement::loadMap(const QString& fileName) {
         setImageSize(size);
     }
     inputsChanged(Changes(Map) | Frames | Results | Display);
-    Outcome outcome =
-        whole ? Outcome::note(tr("Loaded %1").arg(QFileInfo(fileName).fileName()))
-              : Outcome::failure(tr("no whole energy map of the images' size: %1").arg(fileName));
+    Outcome outcome = judgeMapFile(reading, fileName, size);
     return outcome += std::exchange(m_aboutArea, {});
 }
 
 void Measurement::clearMap() {
-    stop();
+    stopCalibration();
     m_map = std::make_unique<Result>(ResultId::Shift);
     m_mapInput.reset();
     inputsChanged(Changes(Map) | Results | Display);
@@ -312,7 +317,7 @@ Outcome Measurement::smoothMap() {
     if (m_map->image.grid().width <= 0) {
         return Outcome::failure(tr("there is no energy-shift map"));
     }
-    stop();
+    stopCalibration();
     smoothShiftMap(&m_map->image);
     m_map->deglitched.reset();  // the processed values are those of the smoothing now
     if (m_mapInput) {

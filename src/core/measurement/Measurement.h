@@ -92,14 +92,17 @@ class Measurement : public QObject {
     /// follows.
     Outcome start(Work work);
     void stop();
+    /// Empties the results of an analysis, but for the energy map in force; not while it runs.
+    void forget(Work work);
     Work working() const { return m_analysis ? m_analysis->run()->work : Work::None; }
     bool isAtWork(Work work) const;
     Inputs inputs() const;  ///< what a run would work on that begins now
     Difference differenceOf(const Result& result) const;
     std::vector<const Result*> results() const;  ///< that hold values; the map first
     bool hasUnsavedResults() const;
-    void remakePictures();  ///< of all references' results
-    void remakeResidual();  ///< the ratio image of RA and all its pictures
+    void remakePictures();           ///< of all references' results
+    void remakeResidual();           ///< the ratio image of RA and all its pictures
+    QString whyNotDeglitch() const;  ///< nor show the processed values; empty: it can
     Outcome deglitch(double factor, double ratio);
     Outcome showProcessed(bool on);
     Result& residual(int i) const { return *m_residual[i]; }  ///< that of residualId(i)
@@ -143,11 +146,14 @@ class Measurement : public QObject {
     AnalysisGrid grid() const;
     std::unique_ptr<AreaAnalysis> makeAnalysis(Work work);
     ResidualResults residualResults() const;
-    Outcome whyNotStart(Work work) const;
-    Outcome warningsOf(const Run& run) const;
+    Outcome judgeStart(Work work);
+    void stopRun(const QString& why);
+    void stopCalibration();
+    void endAsStopped(const std::unique_ptr<AreaAnalysis>& analysis);
+    std::vector<Result*> resultsOf(Work work) const;
+    void markOfBefore(Work work);
     void rowsTaken(int rows, int of);
     void passEnded(RasterPass::Failure failure);
-    void stopFor(const QString& why);
 
     Settings m_settings;
     Stack m_i1{StackId::I1};

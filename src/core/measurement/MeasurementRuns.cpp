@@ -6,6 +6,8 @@
 
 #include "absorption/AbsorptionSource.h"
 #include "calibration/EnergyShift.h"
+#include "measurement/CalibrationJudgement.h"
+#include "measurement/Display.h"
 #include "measurement/FitJudgement.h"
 #include "measurement/FrameJudgement.h"
 #include "measurement/Measurement.h"
@@ -42,9 +44,14 @@ Inputs Measurement::inputs() const {
 }
 
 Difference Measurement::differenceOf(const Result& result) const {
-    return result.run && result.run->state != Run::State::Running
-               ? difference(result.run->inputs, inputs(), result.run->work)
-               : Difference::None;
+    // A map is kept for other inputs than its own; that its calibration failed tells more.
+    if (result.isOfBefore && result.id == ResultId::Shift) {
+        return Difference::Before;
+    }
+    const Difference found = result.run && result.run->state != Run::State::Running
+                                 ? difference(result.run->inputs, inputs(), result.run->work)
+                                 : Difference::None;
+    return found == Difference::None && result.isOfBefore ? Difference::Before : found;
 }
 
 std::vector<const Result*> Measurement::results() const {
@@ -84,16 +91,27 @@ bool Measurement::isAtWork(Work work) const {
     }
 }
 
-Outcome Measurement::whyNotStart(Work work) const {
+/// What needs no counts: failed, it cannot begin; else the warnings are said at its end.
+Outcome Measurement::judgeStart(Work work) {
     if (m_i1.frames().isEmpty()) {
         return Outcome::failure(tr("no images are loaded"));
     }
     if (work == Work::Fit && referenceCount() < 2) {
         return Outcome::failure(tr("fewer than two reference panels"));
     }
-    return grid().raster().rows > 0
-               ? judgeFrames(*this)
-               : Outcome::failure(tr("no point of the area lies inside the image"));
+    const BinRaster raster = grid().raster();
+    if (raster.rows <= 0 || raster.columns <= 0) {
+        return Outcome::failure(tr("no bin of the area lies inside the image"));
+    }
+    Outcome outcome = judgeFrames(*this);
+    if (outcome.failed()) {
+        return outcome;
+    }
+    outcome += judgeBefore(work, source().energies(), m_references, m_settings);
+    if (work == Work::Calibrate) {
+        outcome += judgeStandard(standard(), m_i1.files());
+    }
+    return outcome;
 }
 
 std::unique_ptr<AreaAnalysis> Measurement::makeAnalysis(Work work) {
@@ -102,7 +120,8 @@ std::unique_ptr<AreaAnalysis> Measurement::makeAnalysis(Work work) {
     run->inputs = inputs();
     if (work == Work::Calibrate) {
         m_newMap = std::make_unique<Result>(ResultId::Shift);
-        return makeCalibration(grid(), run, m_newMap.get(), calibrationEdge(standard()));
+        return makeCalibration(grid(), run, m_newMap.get(),
+                               {calibrationEdge(standard()), source().energies().front()});
     }
     if (work == Work::Fit) {
         m_point = grid();
@@ -122,15 +141,12 @@ Outcome Measurement::start(Work work) {
     if (working() != Work::None) {
         return Outcome::failure(tr("not while an analysis of the image runs"));
     }
-    Outcome judged = whyNotStart(work);
+    const Outcome judged = judgeStart(work);
     if (judged.failed()) {
+        markOfBefore(work);
         return judged;
     }
     const AbsorptionSource& frames = source();
-    judged += judgeBefore(work, frames.energies(), m_references, m_settings);
-    if (judged.failed()) {
-        return judged;
-    }
     m_analysis = makeAnalysis(work);
     m_analysis->run()->warnings = judged.warnings;
     m_eachRow.start();
@@ -163,22 +179,19 @@ void Measurement::rowsTaken(int rows, int) {
 void Measurement::passEnded(RasterPass::Failure failure) {
     const std::unique_ptr<AreaAnalysis> analysis = std::move(m_analysis);
     Run& run = *analysis->run();
-    Outcome outcome;
-    Changes what = Changes(AtWork) | Results | Display;
     if (failure != RasterPass::Failure::None) {
-        run.state = Run::State::Stopped;
-        analysis->stopped();
-        m_newMap.reset();
-        outcome = Outcome::failure(failure == RasterPass::Failure::NoThread
-                                       ? tr("the system gives no thread")
-                                       : tr("memory ran out"));
-    } else {
-        analysis->finish();
-        run.state = Run::State::Complete;
-        run.percent = 100.0;
-        outcome = warningsOf(run);
-        outcome += judgeAfter(run);
+        endAsStopped(analysis);
+        emit ended(run.work, Outcome::failure(failure == RasterPass::Failure::NoThread
+                                                  ? tr("the system gives no thread")
+                                                  : tr("memory ran out")));
+        return;
     }
+    analysis->finish();
+    run.state = Run::State::Complete;
+    run.percent = 100.0;
+    Outcome outcome = judgeAfter(run);
+    outcome += analysis->judgement();
+    Changes what = Changes(AtWork) | Results | Display | Position;
     if (m_newMap) {
         MapInput input;
         input.calibration = std::make_shared<const Inputs>(run.inputs);
@@ -186,44 +199,83 @@ void Measurement::passEnded(RasterPass::Failure failure) {
         m_map = std::move(m_newMap);
         m_mapInput = std::make_shared<const MapInput>(input);
         m_sample.reset();
-        what |= Changes(Map) | Position;
+        what |= Map;
     }
     emit changed(what);
     emit progressed(run.work, 100.0, 100.0);
     emit ended(run.work, outcome);
 }
 
-Outcome Measurement::warningsOf(const Run& run) const {
-    if (run.work == Work::Calibrate) {
-        const XafsSpectrum* spectrum = standard();
-        if (spectrum == nullptr || spectrum->isEmpty()) {
-            return Outcome::warning(
-                tr("no standard is loaded: the map holds edge energies, not shifts"));
-        }
-        if (!hasCalibrationEdge(*spectrum)) {
-            return Outcome::warning(tr("the standard has no rising edge to compare with"));
-        }
-    }
-    return {};
-}
-
 void Measurement::stop() {
-    stopFor(tr("stopped before its end"));
+    stopRun({});
 }
 
-void Measurement::stopFor(const QString& why) {
+void Measurement::stopRun(const QString& why) {
     if (!m_analysis) {
         return;
     }
     m_job.stop();
     const std::unique_ptr<AreaAnalysis> analysis = std::move(m_analysis);
+    endAsStopped(analysis);
+    QStringList text{stoppedText(*analysis->run())};
+    if (!why.isEmpty()) {
+        text << why;
+    }
+    Outcome outcome = Outcome::failure(text.join(QStringLiteral(": ")));
+    outcome.stopped = true;
+    emit ended(analysis->run()->work, outcome);
+}
+
+/// The rows done stay; a new energy map does not come into force.
+void Measurement::endAsStopped(const std::unique_ptr<AreaAnalysis>& analysis) {
     Run& run = *analysis->run();
     run.state = Run::State::Stopped;
     analysis->stopped();
     m_newMap.reset();
-    emit changed(Changes(AtWork) | Results | Display);
+    if (run.work == Work::Calibrate) {
+        m_map->isOfBefore = m_map->image.hasData();
+    }
+    emit changed(Changes(AtWork) | Results | Display | Position);
     emit progressed(run.work, 100.0, 100.0);
-    emit ended(run.work, Outcome::failure(why));
+}
+
+/// Those that an analysis makes.
+std::vector<Result*> Measurement::resultsOf(Work work) const {
+    std::vector<Result*> made;
+    if (work == Work::Calibrate) {
+        made.push_back(m_map.get());
+    } else if (work == Work::Residual) {
+        for (const auto& result : m_residual) {
+            made.push_back(result.get());
+        }
+    } else if (work == Work::Fit) {
+        for (const auto& reference : m_references) {
+            for (int kind = 0; kind < Reference::KindCount; ++kind) {
+                made.push_back(&reference->result(kind));
+            }
+        }
+    }
+    return made;
+}
+
+void Measurement::markOfBefore(Work work) {
+    for (Result* result : resultsOf(work)) {
+        result->isOfBefore = result->image.hasData();
+    }
+    emit changed(Changes(Results) | Display);
+}
+
+void Measurement::forget(Work work) {
+    if (work == working() || work == Work::Calibrate) {
+        return;
+    }
+    for (Result* result : resultsOf(work)) {
+        result->image.startOver(AnalysisGrid());
+        result->run.reset();
+        result->deglitched.reset();
+        result->isOfBefore = false;
+    }
+    emit changed(Changes(Results) | Display);
 }
 
 void Measurement::remakePictures() {
@@ -267,14 +319,29 @@ void Measurement::stepPoint() {
     }
 }
 
-Outcome Measurement::deglitch(double factor, double ratio) {
-    Result* target = deglitchTarget();
+QString Measurement::whyNotDeglitch() const {
+    if (working() != Work::None) {
+        return tr("not while an analysis of the image runs");
+    }
+    const Result* target = deglitchTarget();
     if (target == nullptr || !target->image.hasData()) {
-        return Outcome::failure(tr("there is no map to deglitch"));
+        return tr("there is no map to work on");
     }
-    if (target->run && target->run->state == Run::State::Running) {
-        return Outcome::failure(tr("not while an analysis of the image runs"));
+    if (target->image.dataMin() <= target->image.dataMax()) {
+        return QString();
     }
+    const ReferenceInput* reference = target->referenceInput();
+    return reference != nullptr && !reference->takesPart
+               ? tr("the reference took no part in the fit: its map holds no values")
+               : tr("the map holds no values");
+}
+
+Outcome Measurement::deglitch(double factor, double ratio) {
+    const QString whyNot = whyNotDeglitch();
+    if (!whyNot.isEmpty()) {
+        return Outcome::failure(whyNot);
+    }
+    Result* target = deglitchTarget();
     m_settings.deglitchFactor = inField(factor);
     m_settings.deglitchRatio = inField(ratio);
     target->image.setDeglitchConds(m_settings.deglitchFactor, m_settings.deglitchRatio);
@@ -286,10 +353,11 @@ Outcome Measurement::deglitch(double factor, double ratio) {
 }
 
 Outcome Measurement::showProcessed(bool on) {
-    Result* target = deglitchTarget();
-    if (target == nullptr || !target->image.hasData()) {
-        return Outcome::failure(tr("there is no map on display"));
+    const QString whyNot = whyNotDeglitch();
+    if (!whyNot.isEmpty()) {
+        return Outcome::failure(whyNot);
     }
+    Result* target = deglitchTarget();
     // Smoothing leaves what it made in the processed values, too.
     const bool isSmoothed = target == m_map.get() && m_mapInput && m_mapInput->smoothed > 0;
     target->image.selectProcImg(on);

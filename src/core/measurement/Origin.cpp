@@ -5,6 +5,7 @@
 #include <QLocale>
 
 #include "files/FileNames.h"
+#include "measurement/Display.h"
 #include "spectra/Units.h"
 
 namespace {
@@ -165,6 +166,10 @@ OriginText originOf(const Measurement& measurement, const Result& result, const 
     }
     if (result.run) {
         writer.add("state", stateOf(result));
+    }
+    const Difference difference = measurement.differenceOf(result);
+    if (difference != Difference::None && result.id != ResultId::Shift) {
+        writer.add("remark", QString::fromLatin1(differenceText(difference)));
     }
     QString processed = QStringLiteral("no");
     if (result.image.showsProc()) {

@@ -7,12 +7,13 @@
 struct [[nodiscard]] Outcome {
     QStringList failures;
     QStringList warnings;
-    QStringList notes;  ///< of what went well, such as "Saved fraction.tif"
-    QStringList files;  ///< that were written, by the names given
+    QStringList notes;     ///< of what went well, such as "Saved fraction.tif"
+    QStringList files;     ///< that were written, by the names given
+    bool stopped = false;  ///< on purpose, before its end: what was done till then is kept
 
-    static Outcome failure(const QString& text) { return {{text}, {}, {}, {}}; }
-    static Outcome warning(const QString& text) { return {{}, {text}, {}, {}}; }
-    static Outcome note(const QString& text) { return {{}, {}, {text}, {}}; }
+    static Outcome failure(const QString& text) { return {{text}, {}, {}, {}, false}; }
+    static Outcome warning(const QString& text) { return {{}, {text}, {}, {}, false}; }
+    static Outcome note(const QString& text) { return {{}, {}, {text}, {}, false}; }
 
     bool failed() const { return !failures.isEmpty(); }
     /// What somebody should look at, failures first.
@@ -23,6 +24,7 @@ struct [[nodiscard]] Outcome {
         warnings += other.warnings;
         notes += other.notes;
         files += other.files;
+        stopped = stopped || other.stopped;
         return *this;
     }
 };

@@ -41,4 +41,5 @@ struct Result {
     Analyzed2DRes image;
     std::shared_ptr<const Run> run;  ///< null: empty, or a map that was loaded
     std::optional<Deglitched> deglitched;
+    bool isOfBefore = false;  ///< a later run that was to make it failed
 };

@@ -9,6 +9,7 @@
 #include "files/FileNames.h"
 #include "files/PictureFile.h"
 #include "files/WholeFile.h"
+#include "measurement/CalibrationJudgement.h"
 #include "measurement/Display.h"
 #include "measurement/Origin.h"
 #include "measurement/Writing.h"
@@ -33,16 +34,28 @@ Outcome judgement(const Measurement& measurement, const Result& result) {
         result.run->saved = true;
     }
     if (result.run && result.run->state == Run::State::Stopped) {
-        outcome.warnings << Saving::tr("the run was stopped before its end");
+        outcome.warnings << stoppedText(*result.run);
     }
     const Difference difference = measurement.differenceOf(result);
     // An energy map is made of a standard's frames and kept for those of samples.
-    if (difference != Difference::None && result.id != ResultId::Shift) {
+    const bool counts = result.id != ResultId::Shift || difference == Difference::Before;
+    if (difference != Difference::None && counts) {
         outcome.warnings << Saving::tr("the result is %1")
                                 .arg(QCoreApplication::translate("Difference",
                                                                  differenceText(difference)));
     }
     return outcome;
+}
+
+/// What the form makes of the values.
+Outcome judgeForm(const Settings& form, const AnalysisGrid& grid) {
+    const TiffOptions& tiff = form.tiff;
+    const qint64 width = tiff.asAnalyzed ? grid.columns() : grid.width;
+    const qint64 height = tiff.asAnalyzed ? grid.rows() : grid.height;
+    return form.savesTiff && height > width
+               ? Outcome::warning(Saving::tr("a 16-bit TIFF taller than wide has shifted rows; a "
+                                             "table or a float TIFF has not"))
+               : Outcome();
 }
 
 QString originText(const Measurement& measurement, const Result& result, const char* savedBy) {
@@ -109,7 +122,9 @@ Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
             }
         }
     }
-    return outcome;
+    return outcome.files.isEmpty() && !outcome.failed()
+               ? Outcome::failure(Saving::tr("there are no result images"))
+               : outcome;
 }
 
 Outcome saveData(const Measurement& measurement, const QString& fileName) {
@@ -132,29 +147,23 @@ Outcome saveData(const Measurement& measurement, const QString& fileName) {
     });
     if (!outcome.failed()) {
         outcome += judgement(measurement, *result);
+        outcome += judgeForm(form, result->image.grid());
     }
     return outcome;
 }
 
 Outcome saveSpectra(Measurement& measurement, const QString& fileName,
                     const QVector<XafsSpectrum>& more) {
-    QVector<XafsSpectrum> spectra;
-    Outcome outcome;
-    if (!measurement.sample().isEmpty()) {
-        spectra << measurement.sample();
+    if (measurement.sample().isEmpty()) {
+        return Outcome::failure(Saving::tr("there is no spectrum at the position"));
     }
+    QVector<XafsSpectrum> spectra{measurement.sample()};
     const XafsSpectrum* standard = measurement.standard();
     if (standard != nullptr && !standard->isEmpty()) {
-        if (spectra.isEmpty()) {
-            outcome.warnings << Saving::tr(
-                "there is no spectrum at the position: this is the standard");
-        }
         spectra << *standard;
     }
     spectra << more;
-    if (spectra.isEmpty()) {
-        return Outcome::failure(Saving::tr("the spectrum window shows no spectrum"));
-    }
+    Outcome outcome;
     int number = 0;
     for (const XafsSpectrum& spectrum : qAsConst(spectra)) {
         const QString name = number == 0 ? fileName : taggedName(fileName, QString::number(number));
@@ -185,10 +194,14 @@ Outcome saveMap(const Measurement& measurement, const QString& fileName) {
     info.spacing = measurement.spacing();
     info.standardFileName = measurement.standardFile();
     const Result& map = measurement.map();
-    const Outcome outcome =
+    Outcome outcome = judgeMapToSave(map.image, info);
+    if (outcome.failed()) {
+        return outcome;
+    }
+    outcome +=
         writeFile(measurement, fileName, [&] { return writeEMap(fileName, map.image, info); });
-    if (!outcome.failed() && map.run) {
-        map.run->saved = true;
+    if (!outcome.failed()) {
+        outcome += judgement(measurement, map);
     }
     return outcome;
 }

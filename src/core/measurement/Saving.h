@@ -15,7 +15,8 @@ Outcome saveImageWithBar(Measurement& measurement, const QString& fileName);
 Outcome saveAllImages(const Measurement& measurement, const QString& fileName);
 /// The result selected, else the energy-shift map on display, in the form chosen.
 Outcome saveData(const Measurement& measurement, const QString& fileName);
-/// The spectrum at the position, and the standard and what else is given under names with "-1",
+/// The spectrum at the position (none: fails), the standard and what else is given under names with
+/// "-1",
 /// "-2", ... before the suffix.
 Outcome saveSpectra(Measurement& measurement, const QString& fileName,
                     const QVector<XafsSpectrum>& more = {});

@@ -71,8 +71,14 @@ void Analyzer::analyzeSpectrumFinished() {
 
 void Analyzer::analyzeAndShowSpectrum(const XafsSpectrum& spectrum) {
     m_sample = spectrum;
-    m_view->setSample(spectrum, tr("Sample"), QStringLiteral("Sample"));
-    if (m_busy || spectrum.isEmpty()) {
+    if (spectrum.isEmpty()) {
+        m_view->clearSample();
+        m_waiting.reset();
+        m_sampleIsOut = false;  // a fit that is still out belongs to no curve
+    } else {
+        m_view->setSample(spectrum, tr("Sample"), QStringLiteral("Sample"));
+    }
+    if (m_busy) {
         m_view->clearFit();
     }
     reAnalyzeSpectrum();

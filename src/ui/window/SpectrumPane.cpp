@@ -68,9 +68,9 @@ void SpectrumPane::show() {
         const int y = toPixel(position.y());
         m_view.setSample(sample, tr("Position (%1, %2)").arg(x).arg(y),
                          QStringLiteral("Position (%1, %2)").arg(x).arg(y));
-        if (m_analyzer.isVisible()) {
-            m_analyzer.analyzeAndShowSpectrum(sample);
-        }
+    }
+    if (m_analyzer.isVisible()) {
+        m_analyzer.analyzeAndShowSpectrum(sample);
     }
     showLabels(sample);
 }

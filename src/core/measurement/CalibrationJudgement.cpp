@@ -1,0 +1,175 @@
+#include "measurement/CalibrationJudgement.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <algorithm>
+#include <cmath>
+
+#include "calibration/EnergyShift.h"
+#include "maps/Analyzed2DRes.h"
+#include "spectra/XafsSpectrum.h"
+
+namespace {
+
+class Calibration {
+    Q_DECLARE_TR_FUNCTIONS(Calibration)
+};
+
+constexpr double MostUsualShift = 40.0;  // eV
+constexpr double MostWithoutEdge = 0.3;
+
+QString inEv(double energy) {
+    return QString::number(energy, 'f', 2);
+}
+
+/// The bins of a map, counted.
+struct Bins {
+    qint64 all = 0;
+    qint64 withEdge = 0;
+    qint64 farOff = 0;
+    double lowest = 1e300;
+    double highest = -1e300;
+    double sum = 0.0;
+
+    void add(double shift, double withoutEdge) {
+        ++all;
+        if (shift == withoutEdge || !std::isfinite(shift)) {
+            return;
+        }
+        ++withEdge;
+        farOff += std::abs(shift) > MostUsualShift ? 1 : 0;
+        lowest = std::min(lowest, shift);
+        highest = std::max(highest, shift);
+        sum += shift;
+    }
+};
+
+QString summary(const Bins& bins, bool hasStandard) {
+    const QString without = Calibration::tr("%1 of %2 bins without an edge")
+                                .arg(bins.all - bins.withEdge)
+                                .arg(bins.all);
+    if (bins.withEdge == 0) {
+        return without;
+    }
+    const QString range = hasStandard
+                              ? Calibration::tr("Energy shifts from %1 to %2 eV, mean %3 eV; %4")
+                              : Calibration::tr("Edge energies from %1 to %2 eV, mean %3 eV; %4");
+    return range.arg(inEv(bins.lowest), inEv(bins.highest),
+                     inEv(bins.sum / static_cast<double>(bins.withEdge)), without);
+}
+
+}  // namespace
+
+Outcome judgeStandard(const XafsSpectrum* standard, const QVector<Stack::File>& frames) {
+    if (standard == nullptr || standard->isEmpty()) {
+        return Outcome::warning(
+            Calibration::tr("no standard: the map holds edge energies, not shifts"));
+    }
+    if (!hasCalibrationEdge(*standard)) {
+        return Outcome::warning(Calibration::tr("the standard has no rising edge to compare with"));
+    }
+    const auto [low, high] = std::minmax_element(
+        frames.begin(), frames.end(),
+        [](const Stack::File& a, const Stack::File& b) { return a.energy < b.energy; });
+    const double edge = calibrationEdge(standard);
+    if (low == frames.end() || (edge >= low->energy && edge <= high->energy)) {
+        return {};
+    }
+    return Outcome::warning(
+        Calibration::tr("the standard's edge at %1 eV lies outside the frames' energies, "
+                        "%2 to %3 eV")
+            .arg(inEv(edge), inEv(low->energy), inEv(high->energy)));
+}
+
+Outcome judgeShifts(const Analyzed2DRes& map, const CalibrationEdges& edges) {
+    Bins bins;
+    const BinRaster raster = map.grid().raster();
+    for (int row = 0; row < raster.rows; ++row) {
+        for (int column = 0; column < raster.columns; ++column) {
+            bins.add(map.valueAt(raster.x(column), raster.y(row)), edges.none - edges.standard);
+        }
+    }
+    const bool hasStandard = edges.standard != 0.0;
+    Outcome outcome = Outcome::note(summary(bins, hasStandard));
+    const qint64 without = bins.all - bins.withEdge;
+    if (static_cast<double>(without) > MostWithoutEdge * static_cast<double>(bins.all)) {
+        outcome.warnings
+            << Calibration::tr("%1 of %2 bins have no edge").arg(without).arg(bins.all);
+    }
+    if (hasStandard && 2 * bins.farOff > bins.withEdge) {
+        outcome.warnings
+            << Calibration::tr("most shifts are above %1 eV: the standard may be another element's")
+                   .arg(MostUsualShift);
+    }
+    return outcome;
+}
+
+namespace {
+
+QString whyRefused(EMapRefusal refusal) {
+    switch (refusal) {
+        case EMapRefusal::NoFile:
+            return Calibration::tr("cannot be read: %1");
+        case EMapRefusal::NoMap:
+            return Calibration::tr("no energy map: %1");
+        case EMapRefusal::OtherSize:
+            return Calibration::tr("not of the images' size: %1");
+        case EMapRefusal::EdgeEnergy:
+            return Calibration::tr("no edge energy that the crystal reflects: %1");
+        case EMapRefusal::Shift:
+            return Calibration::tr("holds a shift that cannot be, or one above 1000 eV: %1");
+        case EMapRefusal::None:
+            break;
+    }
+    return QString();
+}
+
+}  // namespace
+
+Outcome judgeMapFile(const EMapReading& reading, const QString& fileName, const QSize& size) {
+    if (reading.refusal != EMapRefusal::None) {
+        return Outcome::failure(whyRefused(reading.refusal).arg(fileName));
+    }
+    Outcome outcome =
+        Outcome::note(Calibration::tr("Loaded %1").arg(QFileInfo(fileName).fileName()));
+    const qint64 pixels = qint64(size.width()) * size.height();
+    if (reading.missing > 0) {
+        outcome.warnings << Calibration::tr("%1 of %2 values are missing and count as no shift: %3")
+                                .arg(reading.missing)
+                                .arg(pixels)
+                                .arg(fileName);
+    }
+    if (reading.noNumbers > 0) {
+        outcome.warnings << Calibration::tr("%1 values are no numbers and count as no shift: %2")
+                                .arg(reading.noNumbers)
+                                .arg(fileName);
+    }
+    if (reading.goesOn) {
+        outcome.warnings
+            << Calibration::tr("more values than the %1 of the map: %2").arg(pixels).arg(fileName);
+    }
+    return outcome;
+}
+
+Outcome judgeMapToSave(const Analyzed2DRes& map, const EMapInfo& info) {
+    if (info.imageSize.isEmpty()) {
+        return Outcome::failure(Calibration::tr("no images are loaded"));
+    }
+    switch (refusalOf(map, info)) {
+        case EMapRefusal::EdgeEnergy:
+            return Outcome::failure(Calibration::tr(
+                "nothing could read the map: no standard and no edge energy that the crystal "
+                "reflects"));
+        case EMapRefusal::Shift:
+            return Outcome::failure(Calibration::tr(
+                "nothing could read the map: it holds shifts above 1000 eV, or beyond what the "
+                "crystal reflects"));
+        default:
+            break;
+    }
+    return info.imageSize.width() == info.imageSize.height()
+               ? Outcome()
+               : Outcome::warning(
+                     Calibration::tr("only maps of square images load from .emp; a float TIFF "
+                                     "takes any shape"));
+}

@@ -1,0 +1,167 @@
+#include <sys/stat.h>
+
+#include "OutcomeCase.h"
+#include "TinyStacks.h"
+
+namespace {
+
+/// An energy map file of 3 x 3 pixels at 7112.5 eV, with a part of its text replaced.
+Make mapFile(const QByteArray& part = {}, const QByteArray& by = {}) {
+    return [part, by] {
+        QByteArray text =
+            "###Tarnwick::TWEM\n"
+            "Std Edge Energy [eV]    : 7112.5\n"
+            "Spacing [nm]            : 3.13553\n"
+            "Width [pix]             : 3\n"
+            "##-----------------\n"
+            "0.001 0 0 \n0 0 0 \n0 0 0.002 \n";
+        put("good.emp", text);
+        put("map.emp", part.isEmpty() ? text : text.replace(part, by));
+    };
+}
+
+/// Stacks t1 and t0 of 4 x 4 pixels, and a standard, with the edge at 7110 eV; the first columns
+/// have none.
+Make squareImages(int withoutEdge) {
+    return [withoutEdge] {
+        std::vector<double> energies;
+        QByteArray standard;
+        for (int i = 0; i < 21; ++i) {
+            energies.push_back(7010.0 + 10.0 * i);
+            standard += QByteArray::number(energies.back()) + (i > 10 ? " 1\n" : " 0\n");
+        }
+        put("step.dat", standard);
+        writeTinyStack(".", "t1", 4, 4, energies, [=](int frame, int x, int) {
+            return quint16(frame > 10 && x >= withoutEdge ? 20000 : 40000);
+        });
+        writeTinyStack(".", "t0", 4, 4, energies, [](int, int, int) { return quint16(50000); });
+    };
+}
+
+const QString loadSquare =
+    "load_I1_files_of_pattern NEW . t1-*.tif\nload_I0_files_of_pattern NEW . t0-*.tif\n"
+    "set_band_w 0\nset_band_h 0\ncalib_load_std step.dat\n";
+
+}  // namespace
+
+/// Energy maps, deglitching, runs that fail or whose inputs have changed, and what is saved then.
+class TestMapsJudged : public QObject {
+    Q_OBJECT
+
+    OutcomeCases m_cases;
+
+  private slots:
+    void calibration_data() {
+        OutcomeCases::declare();
+        const auto add = OutcomeCases::add;
+        add("every bin has an edge", squareImages(0), loadSquare + "calib_exec", "done", "");
+        add("no standard", {}, "LOAD\ncalib_exec", "warning",
+            "^warning: no standard: the map holds edge energies, not shifts$");
+        add(
+            "a standard without an edge",
+            [] { put("flat.dat", "7000 1\n7050 1\n7100 1\n7150 1\n7200 1\n7250 1\n"); },
+            "LOAD\ncalib_load_std flat.dat\ncalib_exec", "warning", "no rising edge");
+        const Make nickel = [] {
+            put("ni.dat", "8200 0\n8250 0.1\n8300 0.1\n8330 0.2\n8340 1\n8400 1\n");
+        };
+        const QString withNickel = "LOAD\ncalib_load_std ni.dat\ncalib_exec";
+        add("another element's standard", nickel, withNickel, "warning",
+            "edge at 8336.25 eV lies outside the frames' energies, 7000.00 to 7300.00 eV");
+        add("and far from every bin", nickel, withNickel, "warning", "most shifts are above 40 eV");
+        add("a quarter without an edge", squareImages(1), loadSquare + "calib_exec", "done", "");
+        add("half without an edge", squareImages(2), loadSquare + "calib_exec", "warning",
+            "^warning: 8 of 16 bins have no edge$");
+        const QString noBin = loadSquare + "calib_exec\nset_band_h 9\ncalib_exec\n";
+        add("no bin inside", squareImages(0), noBin.trimmed(), "failed", "no bin of the area");
+        add("the map before stays", squareImages(0), noBin + "calib_save_map x.emp", "warning",
+            "^warning: the result is of the run before$");
+    }
+    void calibration() { m_cases.judge(); }
+
+    void mapFiles_data() {
+        OutcomeCases::declare();
+        const auto add = OutcomeCases::add;
+        const QString load = "calib_load_map map.emp";
+        const QString withEdge = "calib_set_edge_eV 7112\n";
+        add("whole", mapFile(), load, "done", "");
+        add("spacing of 0", mapFile("3.13553", "0"), load, "failed", "no edge energy that the");
+        add("no edge energy", mapFile("7112.5", "x"), load, "failed", "no edge energy that the");
+        add("that of the panel", mapFile("7112.5", "x"), withEdge + load, "done", "");
+        add("a shift of 2000 eV", mapFile("0.002", "4"), load, "failed", "above 1000 eV: map.emp$");
+        add("the map before stays", mapFile("0.002", "inf"),
+            "calib_load_map good.emp\n" + load + "\nselect_disp_image 2\nsave_image x.png", "done",
+            "");
+        add("cut", mapFile("0 0.002 \n", ""), load, "warning",
+            "^warning: 2 of 9 values are missing and count as no shift: map.emp$");
+        add("text in it", mapFile("0.002", "O"), load, "warning", "1 values are no numbers");
+        add("more than it says", mapFile("0.002", "0 0"), load, "warning",
+            "^warning: more values than the 9 of the map: map.emp$");
+        add("of another size", mapFile(), "LOAD\n" + load, "failed", "not of the images' size");
+        add("nothing to start from", {}, "LOAD\ncalib_save_map x.emp", "failed",
+            "no standard and no edge energy");
+        add("below the crystal's reach", {},
+            "LOAD\ncalib_set_edge_eV 3000\ncalib_set_crystal Si(333)\ncalib_save_map x.emp",
+            "failed", "no standard and no edge energy");
+        add("edge energies", {}, "LOAD\n" + withEdge + "calib_exec\ncalib_save_map x.emp", "failed",
+            "shifts above 1000 eV");
+        add("square", squareImages(0), loadSquare + "calib_exec\ncalib_save_map x.emp", "done", "");
+        add("not square", {}, "LOAD\n" + withEdge + "calib_save_map x.emp", "warning",
+            "only maps of square images load");
+    }
+    void mapFiles() { m_cases.judge(); }
+
+    void results_data() {
+        OutcomeCases::declare();
+        const auto add = OutcomeCases::add;
+        const QString fit = "LOAD\nREFS\nanalyzer_set_LCF_std 2 0 0 a.dat 0\nanalyzer_exec_LCF\n";
+        const QString first = fit + "analyzer_select_image 0\n";
+        const QString third = fit + "analyzer_select_image 2\n";
+        add("nothing to deglitch", {}, third + "deglitch 2 0.1", "failed", "took no part");
+        add("nothing to show", {}, third + "show_processed 1", "failed", "took no part");
+        add("deglitched", {}, first + "deglitch 2 0.1", "done", "");
+        add("of the bins before", {}, first + "set_band_w 1\nsave_data_as_tiff x.tif", "warning",
+            "^warning: the result is with other bins$");
+        const QString failing = first + "set_band_h 9\nanalyzer_exec_LCF\n";
+        add("a fit that fails", {}, failing.trimmed(), "failed", "no bin of the area");
+        add("leaves nothing", {}, failing + "save_data_as_tiff x.tif", "failed", "no values");
+        add("nor a picture", {}, failing + "save_all_images x.png", "failed", "no result images");
+        const QString tall = fit + "analyzer_select_image 0\nsaveDataCfg_tiff_as_analyzed 1\n";
+        const QString save = "save_data_as_tiff x.dat";
+        const QString narrow =
+            "LOAD\nREFS\nselect_region 0 0 2 8\nanalyzer_exec_LCF\n"
+            "analyzer_select_image 0\nsaveDataCfg_tiff_as_analyzed 1\n";
+        add("taller than wide", {}, narrow + save, "warning", "taller than wide.*float TIFF");
+        add("as a table", {}, narrow + "saveDataCfg_save_as_text\n" + save, "done", "");
+        add("wider than tall", {}, tall + save, "done", "");
+        const QString noSpectrum =
+            "LOAD\ncalib_load_std a.dat\nmove_position 50 3\nsave_spectra x.dat";
+        add("no spectrum", {}, noSpectrum, "failed", "no spectrum at the position");
+        add("and no file", {}, noSpectrum + "\ncalib_load_std x.dat", "failed", "x.dat");
+    }
+    void results() { m_cases.judge(); }
+
+    /// Where it is no file that would be replaced, no kind of output is written.
+    void devices_data() {
+        OutcomeCases::declare();
+        const QString all =
+            "LOAD\nREFS\nanalyzer_exec_LCF\nanalyzer_select_image 0\n"
+            "move_position 3 3\ncalib_set_edge_eV 7112\n";
+        const Make device = [] {
+            for (const char* name : {"x.png", "x.tif", "x.dat", "x.emp", "x.bat"}) {
+                QFile::link("/dev/null", name);
+            }
+            QDir().mkdir("folder.tif");
+            QCOMPARE(mkfifo("fifo.tif", 0600), 0);
+        };
+        for (const char* line :
+             {"save_image x.png", "save_data_as_tiff x.tif", "save_data_as_tiff fifo.tif",
+              "save_data_as_tiff folder.tif", "save_spectra x.dat", "calib_save_map x.emp",
+              "save_record x.bat", "saveDataCfg_save_as_text\nsave_data_as_tiff x.dat"}) {
+            OutcomeCases::add(line, device, all + line, "failed", "cannot be written: ");
+        }
+    }
+    void devices() { m_cases.judge(); }
+};
+
+TARNWICK_TEST_MAIN(QApplication, TestMapsJudged)
+#include "tst_maps_judged.moc"
