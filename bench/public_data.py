@@ -251,11 +251,11 @@ def single(title, path, columns, program, report, expected):
     stem = path.stem.split("_")[0]
     write_stack(program.folder / stem, e, mu)
     # A straight rise: 70 % at 7070 eV.
-    (program.folder / "step.dat").write_text("7000 0\n7100 1\n")
+    (program.folder / "step.dat").write_text("7000 0\n7025 0.25\n7050 0.5\n7075 0.75\n7100 1\n")
     program.run(loads(stem) + TABLE +
                 ["calib_load_std step.dat", "calib_exec", "select_disp_image 2",
-                 "save_data_as_tiff stack.txt", f"calib_load_std {path}",
-                 f"calib_save_map {stem}.emp", "calib_exec", "save_data_as_tiff own.txt"])
+                 "save_data_as_tiff stack.txt", f"calib_load_std {path}", "calib_exec",
+                 f"calib_save_map {stem}.emp", "save_data_as_tiff own.txt"])
     report.add(f"{title}: half height, eV", program.head(f"{stem}.emp", "Std Edge Energy"), half,
                six_digits(half))
     report.add(f"{title}: 70 %, eV", 7070.0 + program.table("stack.txt")[0, 2], seventy, 6e-4)

@@ -13,7 +13,6 @@ set_band_h 1
 select_region 0 0 0 0
 calib_load_std standard/fe-foil.dat
 calib_exec
-calib_save_map results/energy-shift.emp
 :rem_start
 Now the sample.
 :rem_end

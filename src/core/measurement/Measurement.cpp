@@ -1,5 +1,6 @@
 #include "measurement/Measurement.h"
 
+#include <QFileInfo>
 #include <algorithm>
 #include <cmath>
 #include <utility>
