@@ -118,6 +118,7 @@ class TestMapsJudged : public QObject {
         const QString third = fit + "analyzer_select_image 2\n";
         add("nothing to deglitch", {}, third + "deglitch 2 0.1", "failed", "took no part");
         add("nothing to show", {}, third + "show_processed 1", "failed", "took no part");
+        add("nothing to save", {}, third + "save_data_as_tiff x.tif", "failed", "took no part");
         add("deglitched", {}, first + "deglitch 2 0.1", "done", "");
         add("of the bins before", {}, first + "set_band_w 1\nsave_data_as_tiff x.tif", "warning",
             "^warning: the result is with other bins$");

@@ -327,13 +327,11 @@ QString Measurement::whyNotDeglitch() const {
     if (target == nullptr || !target->image.hasData()) {
         return tr("there is no map to work on");
     }
-    if (target->image.dataMin() <= target->image.dataMax()) {
-        return QString();
+    if (!target->tookPart()) {
+        return tr("the reference took no part in the fit: its map holds no values");
     }
-    const ReferenceInput* reference = target->referenceInput();
-    return reference != nullptr && !reference->takesPart
-               ? tr("the reference took no part in the fit: its map holds no values")
-               : tr("the map holds no values");
+    return target->image.dataMin() <= target->image.dataMax() ? QString()
+                                                              : tr("the map holds no values");
 }
 
 Outcome Measurement::deglitch(double factor, double ratio) {

@@ -6,3 +6,8 @@ const ReferenceInput* Result::referenceInput() const {
                ? &run->inputs.references[index]
                : nullptr;
 }
+
+bool Result::tookPart() const {
+    const ReferenceInput* input = referenceInput();
+    return input == nullptr || input->takesPart;
+}

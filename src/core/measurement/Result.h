@@ -35,6 +35,8 @@ struct Result {
     const ResultKind& kind() const { return resultKind(id); }
     /// The input of the reference that it belongs to; null for a result of none.
     const ReferenceInput* referenceInput() const;
+    /// False for the map of a reference that took no part in the run: it holds no values.
+    bool tookPart() const;
 
     ResultId id;
     int reference;  ///< index; -1: of none

@@ -58,6 +58,11 @@ Outcome judgeForm(const Settings& form, const AnalysisGrid& grid) {
                : Outcome();
 }
 
+Outcome noPart() {
+    return Outcome::failure(
+        Saving::tr("the reference took no part in the fit: its map holds no values"));
+}
+
 QString originText(const Measurement& measurement, const Result& result, const char* savedBy) {
     return originOf(measurement, result, QString::fromLatin1(savedBy)).toText();
 }
@@ -68,6 +73,9 @@ Outcome savePicture(Measurement& measurement, const QString& fileName, const QIm
         return Outcome::failure(Saving::tr("no image is shown"));
     }
     const Result* result = measurement.shownResult();
+    if (result != nullptr && !result->tookPart()) {
+        return noPart();
+    }
     const QString origin =
         result != nullptr ? originText(measurement, *result, savedBy) : QString();
     Outcome outcome =
@@ -109,7 +117,7 @@ Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
         for (int i = 0; i < measurement.referenceCount(); ++i) {
             const Reference& reference = *measurement.references()[static_cast<std::size_t>(i)];
             const Result& result = reference.result(kind);
-            if (!reference.takesPart() || result.image.img() == nullptr) {
+            if (!reference.takesPart() || !result.tookPart() || result.image.img() == nullptr) {
                 continue;
             }
             const QString name = taggedName(fileName, QStringLiteral("%1-%2").arg(i).arg(kind));
@@ -137,6 +145,9 @@ Outcome saveData(const Measurement& measurement, const QString& fileName) {
     }
     if (!result->image.hasData()) {
         return Outcome::failure(Saving::tr("the selected result holds no values"));
+    }
+    if (!result->tookPart()) {
+        return noPart();
     }
     const Settings& form = measurement.settings();
     const QString origin = originText(measurement, *result, "save_data_as_tiff");
@@ -208,6 +219,9 @@ Outcome saveMap(const Measurement& measurement, const QString& fileName) {
 
 Outcome saveFlatDark(const Measurement& measurement) {
     const QSize size = measurement.imageSize();
+    if (size.isEmpty()) {
+        return Outcome::failure(Saving::tr("no images are loaded"));
+    }
     Outcome outcome;
     for (const FlatDark& file : FlatDarkFiles) {
         outcome += writeFile(measurement, QLatin1String(file.name),
