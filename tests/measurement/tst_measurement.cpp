@@ -313,7 +313,7 @@ class TestMeasurement : public QObject {
         QVERIFY(!m.start(Work::Residual).failed());
         m.clear(StackId::I0);
         QVERIFY(m.working() == Work::None && m_outcome.stopped);
-        QCOMPARE(m_outcome.failures, QStringList{"stopped at 0 %: the frames have changed"});
+        QCOMPARE(m_outcome.failures, QStringList{"stopped at 0 %: frames were cleared"});
     }
 
     /// After each change a result says what keeps it from being one of the present inputs, and is
