@@ -201,10 +201,10 @@ class TestProgram : public QObject {
         const Run bad =
             runWith({"--check", batchOf({"set_band_w 1", "", "set_band_x 1", "set_band_w 1.0"})});
         QCOMPARE(bad.code, 1);
-        QCOMPARE(bad.out, QString("b.bat:3: error: unknown command 'set_band_x' (did you mean "
+        QCOMPARE(bad.out, QString("b.bat:3: error: unknown command (did you mean "
                                   "set_band_w?)\n"
-                                  "b.bat:4: warning: '1.0' is not an integer and counts as 0\n"
-                                  "b.bat: 1 error, 1 warning\n"));
+                                  "b.bat:4: error: '1.0' is not an integer\n"
+                                  "b.bat: 2 errors, 0 warnings\n"));
     }
 
     /// What fails is named by its line in the file, and the rest is done.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDir>
+#include <QMap>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -40,6 +41,16 @@ class OutcomeCases {
         QTest::newRow(name) << make << batch << verdict << text;
     }
 
+    /// How the lines of a batch end, by their numbers; those that do their work are left out.
+    using Ends = QMap<int, QString>;
+
+    /// As `--check` tells it.
+    static Ends predictedEnds(const QString& batch) {
+        return endsOf(output({"--check", batch}).out, "^[^:]*:(\\d+): (\\w+): (.*)$");
+    }
+    /// As it is, but for what only counts can tell.
+    static Ends ends(const QString& batch) { return endsOf(output({batch}).err, RunLine); }
+
     /// Judges the present row; verdict is "done", "warning" or "failed", text a regular expression
     /// for one of the last line's messages.
     void judge() {
@@ -56,30 +67,24 @@ class OutcomeCases {
                {"analyzer_set_LCF_std 0 1 0 a.dat 0", "analyzer_set_LCF_std 1 1 0 b.dat 0"});
         QStringList batchTexts;
         QStringList windowTexts;
-        inFolder(make, [&] { batchTexts = runProgram(lines); });
+        Ends predicted;
+        Ends ended;
+        inFolder(make, [&] {
+            put("judged.bat", lines.join('\n').toUtf8());
+            predicted = predictedEnds("judged.bat");
+            const QString err = output({"judged.bat"}).err;
+            ended = endsOf(err, RunLine);
+            batchTexts = textsOf(err, lines.size());
+        });
         inFolder(make, [&] { windowTexts = runWindow(lines); });
+        QCOMPARE(predicted, ended);
         const QString said = batchTexts.join('\n');
         QCOMPARE(windowTexts.join('\n'), said);
         QVERIFY2(verdictOf(batchTexts) == verdict, qPrintable(said));
         QVERIFY2(said.contains(QRegularExpression(text)), qPrintable(said));
     }
 
-  private:
-    static void expand(QStringList* lines, const QString& word, const QStringList& by) {
-        const int at = lines->indexOf(word);
-        if (at >= 0) {
-            *lines = lines->mid(0, at) + by + lines->mid(at + 1);
-        }
-    }
-
-    static QString verdictOf(const QStringList& texts) {
-        if (texts.isEmpty()) {
-            return QStringLiteral("done");
-        }
-        return texts.first().startsWith("failed: ") ? QStringLiteral("failed")
-                                                    : QStringLiteral("warning");
-    }
-
+    /// Does something in a fresh folder with the common files and those that are made.
     void inFolder(const Make& make, const std::function<void()>& what) {
         const QTemporaryDir folder;
         const QDir source(m_phantom->dir());
@@ -95,17 +100,61 @@ class OutcomeCases {
         QVERIFY(QDir::setCurrent(before));
     }
 
-    /// What tarnwick-batch says of the last line.
-    static QStringList runProgram(const QStringList& lines) {
-        put("judged.bat", lines.join('\n').toUtf8());
+  private:
+    static constexpr char RunLine[] = "^line (\\d+): [^ ]+: (warning|)(.*)$";
+
+    struct Output {
+        QString out;
+        QString err;
+    };
+    static Output output(const QStringList& arguments) {
         QProcess process;
-        process.start(TARNWICK_BATCH, {"judged.bat"});
-        if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
+        process.start(TARNWICK_BATCH, arguments);
+        if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit) {
             qWarning("tarnwick-batch did not come to its end");
         }
+        return {QString::fromUtf8(process.readAllStandardOutput()),
+                QString::fromUtf8(process.readAllStandardError())};
+    }
+
+    static Ends endsOf(const QString& text, const char* pattern) {
+        static const QRegularExpression onlyInTheRun(
+            "have no counts at some energy|most shifts are above|have no edge|"
+            "percentiles of the frame are one value|are saturated|can be decoded");
+        Ends ends;
+        const QRegularExpression line(pattern, QRegularExpression::MultilineOption);
+        QRegularExpressionMatchIterator it = line.globalMatch(text);
+        while (it.hasNext()) {
+            const QRegularExpressionMatch found = it.next();
+            if (!found.captured(3).contains(onlyInTheRun) && found.captured(2) != "note") {
+                const bool isWarning = found.captured(2) == "warning";
+                QString& end = ends[found.captured(1).toInt()];
+                end = isWarning && end != "failed" ? "warning" : "failed";
+            }
+        }
+        return ends;
+    }
+
+    static void expand(QStringList* lines, const QString& word, const QStringList& by) {
+        const int at = lines->indexOf(word);
+        if (at >= 0) {
+            *lines = lines->mid(0, at) + by + lines->mid(at + 1);
+        }
+    }
+
+    static QString verdictOf(const QStringList& texts) {
+        if (texts.isEmpty()) {
+            return QStringLiteral("done");
+        }
+        return texts.first().startsWith("failed: ") ? QStringLiteral("failed")
+                                                    : QStringLiteral("warning");
+    }
+
+    /// What is said of a line on standard error.
+    static QStringList textsOf(const QString& err, int number) {
         QStringList texts;
-        const QString head = QString("line %1: ").arg(lines.size());
-        for (const QString& line : QString::fromUtf8(process.readAllStandardError()).split('\n')) {
+        const QString head = QString("line %1: ").arg(number);
+        for (const QString& line : err.split('\n')) {
             if (line.startsWith(head)) {
                 const QString text = line.section(": ", 2);
                 texts << (text.startsWith("warning: ") ? text : "failed: " + text);

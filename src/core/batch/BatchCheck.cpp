@@ -1,10 +1,12 @@
 #include "batch/BatchCheck.h"
 
+#include <QEventLoop>
+#include <QHash>
 #include <QSet>
 #include <algorithm>
 
+#include "batch/BatchRunner.h"
 #include "batch/BatchText.h"
-#include "batch/CommandCheck.h"
 #include "batch/CommandTables.h"
 #include "batch/ForLoops.h"
 #include "batch/LineCheck.h"
@@ -17,7 +19,7 @@ constexpr int MaxFindingsOfLine = 5;
 /// Findings without repetitions, bounded for each line.
 class Findings {
   public:
-    void add(int line, bool warning, const QString& text) {
+    void add(int line, Finding::Kind kind, const QString& text) {
         const QString key = QString::number(line) + QLatin1Char(' ') + text;
         if (m_seen.contains(key)) {
             return;
@@ -25,16 +27,16 @@ class Findings {
         const int count = ++m_ofLine[line];
         if (count > MaxFindingsOfLine + 1) {
             Finding& more = m_found[m_more.value(line)];
-            more.warning = more.warning && warning;
+            more.kind = std::min(more.kind, kind);
             return;
         }
         if (count == MaxFindingsOfLine + 1) {
             m_more.insert(line, m_found.size());
-            m_found.append({line, warning, QStringLiteral("and more of this kind")});
+            m_found.append({line, kind, QStringLiteral("and more of this kind")});
             return;
         }
         m_seen.insert(key);
-        m_found.append({line, warning, text});
+        m_found.append({line, kind, text});
     }
 
     QVector<Finding> sorted() && {
@@ -50,98 +52,81 @@ class Findings {
     QHash<int, int> m_more;  // index of the finding that stands for the rest
 };
 
-/// Goes through a batch as it would run, loops included, without doing anything.
-class DryRun {
-  public:
-    DryRun(const QVector<CheckedLine>& lines, Findings* findings, qint64 effort)
-        : m_lines(lines),
-          m_findings(findings),
-          m_effort(effort),
-          m_commands([this](bool warning, const QString& text) { report(warning, text); }) {}
-
-    void run() {
-        int reached = 0;
-        for (m_at = 0; m_at < m_lines.size(); ++m_at) {
-            reached = std::max(reached, m_at);
-            if (m_effort < 0 && m_followsLoops) {
-                m_at = reached;
-                report(true, QStringLiteral("too many steps: from here on loops are not followed"));
-                m_followsLoops = false;
+/// Carries a batch out in a rehearsal.
+void rehearse(const BatchText& text, Findings* findings, qint64 effort) {
+    Measurement measurement;
+    measurement.rehearse();
+    BatchRunner runner(measurement);
+    BatchDispatcher* dispatcher = runner.dispatcher();
+    QEventLoop loop;
+    QObject::connect(
+        &runner, &BatchRunner::commandDone, &loop, [&](const CmdLine& cmd, const Outcome& outcome) {
+            const int line = text.lineNumber(dispatcher->lineInWork());
+            for (const QString& failure : outcome.failures) {
+                findings->add(line, Finding::Kind::Error, failure);
             }
-            step(m_lines.at(m_at));
+            for (const QString& warning : outcome.warnings) {
+                findings->add(line, Finding::Kind::Warning, warning);
+            }
+            const CommandRow* row = commandRow(commandId(cmd.command));
+            if (row != nullptr && row->work != Work::None) {
+                for (const QString& note : outcome.notes) {
+                    findings->add(line, Finding::Kind::Note, note);
+                }
+            }
+            const bool hadEffort = effort >= 0;
+            effort -= 1 + cmd.text.size() / 64 + cmd.args.size();
+            if (hadEffort && effort < 0) {
+                findings->add(
+                    line, Finding::Kind::Note,
+                    QStringLiteral("too many steps: from here on loops are not followed"));
+                dispatcher->leaveLoops();
+            }
+        });
+    QObject::connect(dispatcher, &BatchDispatcher::ended, &loop, &QEventLoop::quit);
+    runner.start(text.lines);
+    loop.exec();
+}
+
+/// What is likely to be meant otherwise of the loops, although their lines do their work.
+void checkLoops(const BatchText& text, Findings* findings) {
+    QVector<QPair<int, ForLoop>> loops;  // with the number of the line
+    for (const CheckedLine& line : logicalLines(text)) {
+        if (line.control == ForControl && !line.inRemark) {
+            ForLoops parsed;
+            loops.append({line.number, parsed.begin(line.cmd.args, line.last)});
         }
     }
-
-  private:
-    void report(bool warning, const QString& text) {
-        m_findings->add(m_lines.at(m_at).number, warning, text);
-    }
-
-    void step(const CheckedLine& line) {
-        m_effort -= 1 + line.cmd.text.size() / 64;
-        if (line.inRemark) {
-            return;
+    const auto warn = [findings](int line, const QString& what) {
+        findings->add(line, Finding::Kind::Warning, what);
+    };
+    for (const auto& [line, loop] : loops) {
+        if (loop.from.toInt() != loop.to.toInt() &&
+            QString::number(loop.from.toInt()).size() < loop.from.size()) {
+            warn(line,
+                 QStringLiteral("zeros in front are kept in the first round only: %1, then %2")
+                     .arg(loop.from)
+                     .arg(loop.from.toInt() + (loop.from.toInt() < loop.to.toInt() ? 1 : -1)));
         }
-        if (line.control == ForControl) {
-            checkValue(m_loops.begin(line.cmd.args, m_at));
-        } else if (line.control == NextControl) {
-            next(line.cmd.arg(0));
-        } else if (line.command != NoCommand) {
-            command(line);
-        }
-    }
-
-    void next(const QString& name) {
-        if (m_followsLoops && m_loops.step(name)) {
-            const ForLoop& loop = *m_loops.find(name);
-            checkValue(loop);
-            m_at = loop.forLine;
-        }
-    }
-
-    void checkValue(const ForLoop& loop) {
-        // A loop without a placeholder lacks arguments; that has been said.
-        if (!loop.placeholder.isEmpty() && loop.value.contains(loop.placeholder)) {
-            m_selfHolding = true;
-            m_findings->add(m_lines.at(loop.forLine).number, false,
-                            QStringLiteral("endless substitution: the value %1 holds the "
-                                           "placeholder '%2'")
-                                .arg(loop.value, loop.placeholder));
-        }
-    }
-
-    void command(const CheckedLine& line) {
-        CmdLine cmd = line.cmd;
-        m_effort -= cmd.args.size();
-        if (!m_loops.substitute(&cmd.args)) {
-            m_effort -= ForLoops::MaxReplacements + line.cmd.text.size();
-            if (!m_selfHolding) {
-                report(false, QStringLiteral("endless substitution of a loop variable"));
-                return;
+        for (const auto& other : loops) {
+            if (!loop.placeholder.isEmpty() && other.second.placeholder != loop.placeholder &&
+                other.second.placeholder.contains(loop.placeholder)) {
+                warn(line,
+                     QStringLiteral("'%1' is replaced inside the placeholder '%2' of line %3, "
+                                    "too")
+                         .arg(loop.placeholder, other.second.placeholder)
+                         .arg(other.first));
             }
         }
-        m_commands.check(*commandRow(line.command), cmd);
     }
-
-    const QVector<CheckedLine>& m_lines;
-    Findings* m_findings;
-    qint64 m_effort;
-    int m_at = 0;
-    bool m_followsLoops = true;
-    bool m_selfHolding = false;
-    ForLoops m_loops;
-    CommandCheck m_commands;
-};
+}
 
 }  // namespace
 
 QVector<Finding> checkBatch(const QStringList& lines, qint64 effort) {
     const BatchText text = BatchText::fromLines(lines);
-    const QVector<CheckedLine> logical = logicalLines(text);
     Findings findings;
-    checkLines(text, logical, [&findings](int line, bool warning, const QString& what) {
-        findings.add(line, warning, what);
-    });
-    DryRun(logical, &findings, effort).run();
+    checkLoops(text, &findings);
+    rehearse(text, &findings, effort);
     return std::move(findings).sorted();
 }

@@ -6,18 +6,24 @@
 
 /// Something in a batch that will not do what its author wants.
 struct Finding {
-    int line = 0;          ///< in the file, from 1
-    bool warning = false;  ///< it works, but probably not as meant; otherwise it fails
-    QString text;          ///< one line, English
+    enum class Kind {
+        Error,    ///< the line will fail
+        Warning,  ///< the line will warn, or a control line is probably not meant so
+        Note      ///< the line will do its work, but probably not what is meant
+    };
+
+    int line = 0;  ///< in the file, from 1
+    Kind kind = Kind::Error;
+    QString text;  ///< one line
 };
 
-/// Work that a check does at most, about one unit an executed line: loops are followed as far as
-/// this goes.
-constexpr qint64 DefaultCheckEffort = 200000;
+/// Lines that a check goes through at most, long ones counting for several; from then on loops are
+/// not followed any more.
+constexpr qint64 DefaultCheckEffort = 100000;
 
-/// Checks a batch, given as the lines of its file, without running it: unknown commands, missing
-/// and unreadable arguments, missing files (but for those that an earlier line writes), loops that
-/// are not closed, quotes, continuations and remarks that go wrong, and steps that can not work
-/// because an earlier one is missing. Loops are followed value by value; the effort bounds the
-/// work, whatever the batch holds. Sorted by line.
+/// Tells how the lines of a batch (those of its file) would end, by carrying them out in a
+/// rehearsal: nothing is analysed and nothing is written, frames are read by their headers. The
+/// commands are those of the run, so that what is told is what will happen, but for what only
+/// counts and time can tell. Loops are followed value by value; the effort bounds the work,
+/// whatever the batch holds. Sorted by line. Needs an application object.
 QVector<Finding> checkBatch(const QStringList& lines, qint64 effort = DefaultCheckEffort);

@@ -88,7 +88,7 @@ void BatchDispatcher::doFor(const CmdLine& cmd) {
 void BatchDispatcher::doNext(const CmdLine& cmd) {
     const QString name = cmd.arg(0);
     ForLoop loop;
-    if (m_loops.step(name)) {
+    if (m_followsLoops && m_loops.step(name)) {
         m_current = m_loops.find(name)->forLine;
     }
     if (const ForLoop* found = m_loops.find(name)) {

@@ -22,6 +22,9 @@ class BatchDispatcher : public QObject {
     /// May be asked from any thread.
     int lineInWork() const { return m_lineInWork.load(); }
 
+    /// From now on the bodies of loops are not run again. May be called from any thread.
+    void leaveLoops() { m_followsLoops = false; }
+
   signals:
     void execCmd(CmdLine cmd, bool inRem);
     void log(QString);
@@ -49,4 +52,5 @@ class BatchDispatcher : public QObject {
     ForLoops m_loops;
     QHash<int, Outcome> m_problems;  // of form, by the last physical line
     std::atomic<int> m_lineInWork{-1};
+    std::atomic<bool> m_followsLoops{true};
 };

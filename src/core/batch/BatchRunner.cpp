@@ -7,6 +7,7 @@
 #include "batch/BatchTexts.h"
 #include "batch/CommandTables.h"
 #include "batch/Record.h"
+#include "batch/UnknownWord.h"
 
 BatchRunner::BatchRunner(Measurement& measurement) : m_measurement(measurement) {
     m_dispatcher.moveToThread(&m_thread);
@@ -59,7 +60,7 @@ void BatchRunner::run(const CmdLine& cmd) {
             emit unknownCommand(cmd);
             if (!cmd.text.trimmed().isEmpty()) {
                 outcome += std::exchange(m_aboutRecord, {});
-                outcome += Outcome::failure(Batch::tr("unknown command"));
+                outcome += Outcome::failure(unknownWord(cmd.command));
             }
         }
         answer(cmd, outcome);

@@ -4,7 +4,6 @@
 
 #include "batch/Action.h"
 #include "batch/BatchTexts.h"
-#include "batch/CommandCheck.h"
 #include "batch/CommandTables.h"
 
 // The rows of the command table, a file for each part of the program.

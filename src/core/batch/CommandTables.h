@@ -7,7 +7,6 @@
 
 // The vocabulary of the batch language: control words and commands.
 
-class CommandCheck;
 struct Action;
 struct CmdLine;
 
@@ -47,8 +46,6 @@ QString argKindName(ArgKind kind);
 /// know of it. Adding one is adding a row in one of the files Commands*.cpp.
 struct CommandRow {
     using Run = void (*)(Action& action);
-    /// What the check can tell of it beyond its arguments; null: nothing.
-    using Check = void (*)(CommandCheck& check, const CmdLine& cmd);
 
     int id;
     const char* name;
@@ -57,7 +54,6 @@ struct CommandRow {
     bool repeats;  ///< the last argument may be given any number of times
     Work work;     ///< the line is answered when this has ended; None: at once
     Run run;
-    Check check = nullptr;
     bool drawsLetters = false;  ///< needs a QGuiApplication
 
     /// The file that a line of this command reads or writes; empty for none or several.

@@ -8,7 +8,7 @@
 namespace {
 
 void loadOfPattern(Action& a, StackId id) {
-    const QStringList files = listImageFiles(a.args.text(1), a.args.from(2));
+    const QStringList files = a.measurement.list(a.args.text(1), a.args.from(2));
     if (files.isEmpty()) {
         a.fail(Batch::tr("no file matches in %1").arg(a.args.text(1)));
     }
@@ -32,7 +32,7 @@ void loadNew(Action& a) {
 }
 
 void loadDarkOfPattern(Action& a) {
-    const QStringList files = listImageFiles(a.args.text(0), a.args.from(1));
+    const QStringList files = a.measurement.list(a.args.text(0), a.args.from(1));
     if (files.isEmpty()) {
         a.fail(Batch::tr("no file matches in %1").arg(a.args.text(0)));
         return;
@@ -51,48 +51,42 @@ void addStackCommands(std::vector<CommandRow>* rows) {
          0,
          false,
          Work::None,
-         [](Action& a) { a.measurement.clear(StackId::I1); },
-         [](CommandCheck& c, const CmdLine&) { c.setLoaded(StackId::I1, false); }},
+         [](Action& a) { a.measurement.clear(StackId::I1); }},
         {1,
          "clear_I0_files",
          {},
          0,
          false,
          Work::None,
-         [](Action& a) { a.measurement.clear(StackId::I0); },
-         [](CommandCheck& c, const CmdLine&) { c.setLoaded(StackId::I0, false); }},
+         [](Action& a) { a.measurement.clear(StackId::I0); }},
         {2,
          "load_I1_files",
          {K::Mode, K::InFile},
          2,
          true,
          Work::LoadI1,
-         [](Action& a) { a.measurement.load(StackId::I1, a.args.from(1), a.args.isNew(0)); },
-         [](CommandCheck& c, const CmdLine& cmd) { c.checkFrames(StackId::I1, cmd); }},
+         [](Action& a) { a.measurement.load(StackId::I1, a.args.from(1), a.args.isNew(0)); }},
         {3,
          "load_I0_files",
          {K::Mode, K::InFile},
          2,
          true,
          Work::LoadI0,
-         [](Action& a) { a.measurement.load(StackId::I0, a.args.from(1), a.args.isNew(0)); },
-         [](CommandCheck& c, const CmdLine& cmd) { c.checkFrames(StackId::I0, cmd); }},
+         [](Action& a) { a.measurement.load(StackId::I0, a.args.from(1), a.args.isNew(0)); }},
         {4,
          "load_I1_files_of_pattern",
          {K::Mode, K::Directory, K::Pattern},
          2,
          true,
          Work::LoadI1,
-         [](Action& a) { loadOfPattern(a, StackId::I1); },
-         [](CommandCheck& c, const CmdLine& cmd) { c.checkListing(StackId::I1, cmd); }},
+         [](Action& a) { loadOfPattern(a, StackId::I1); }},
         {5,
          "load_I0_files_of_pattern",
          {K::Mode, K::Directory, K::Pattern},
          2,
          true,
          Work::LoadI0,
-         [](Action& a) { loadOfPattern(a, StackId::I0); },
-         [](CommandCheck& c, const CmdLine& cmd) { c.checkListing(StackId::I0, cmd); }},
+         [](Action& a) { loadOfPattern(a, StackId::I0); }},
         {50,
          "load_dark_files",
          {K::InFile},
@@ -106,8 +100,7 @@ void addStackCommands(std::vector<CommandRow>* rows) {
          1,
          true,
          Work::LoadDark,
-         loadDarkOfPattern,
-         [](CommandCheck& c, const CmdLine& cmd) { c.checkDarkListing(cmd); }},
+         loadDarkOfPattern},
         {52,
          "clear_dark",
          {},
@@ -121,16 +114,8 @@ void addStackCommands(std::vector<CommandRow>* rows) {
          3,
          false,
          Work::None,
-         setEnergyPattern,
-         [](CommandCheck& c, const CmdLine& cmd) { c.noteEnergyPattern(cmd); }},
-        {65,
-         "load_new",
-         {K::Stack},
-         1,
-         false,
-         Work::LoadI1,
-         loadNew,
-         [](CommandCheck& c, const CmdLine& cmd) { c.checkLoadNew(cmd); }},
+         setEnergyPattern},
+        {65, "load_new", {K::Stack}, 1, false, Work::LoadI1, loadNew},
     };
     rows->insert(rows->end(), mine.begin(), mine.end());
 }

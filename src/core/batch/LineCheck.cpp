@@ -11,47 +11,6 @@
 
 namespace {
 
-/// Number of single-character changes between two words.
-int distance(const QString& a, const QString& b) {
-    std::vector<int> row(static_cast<std::size_t>(b.size()) + 1);
-    for (std::size_t j = 0; j < row.size(); ++j) {
-        row[j] = static_cast<int>(j);
-    }
-    for (int i = 0; i < a.size(); ++i) {
-        int diagonal = row[0];
-        row[0] = i + 1;
-        for (int j = 0; j < b.size(); ++j) {
-            const auto k = static_cast<std::size_t>(j);
-            const int changed = diagonal + (a.at(i) == b.at(j) ? 0 : 1);
-            diagonal = row[k + 1];
-            row[k + 1] = std::min({changed, diagonal + 1, row[k] + 1});
-        }
-    }
-    return row.back();
-}
-
-/// " (did you mean x?)" where a known word is near, else nothing.
-QString suggestion(const QString& word) {
-    if (word.size() > 60) {
-        return QString();
-    }
-    QStringList known{QStringLiteral(":for"), QStringLiteral(":next"), QStringLiteral(":echo"),
-                      QStringLiteral(":rem_start"), QStringLiteral(":rem_end")};
-    for (const CommandRow& row : commandTable()) {
-        known.append(QString::fromLatin1(row.name));
-    }
-    QString best;
-    int least = 4;
-    for (const QString& name : qAsConst(known)) {
-        const int d = distance(word.toLower(), name.toLower());
-        if (d < least && d * 2 <= name.size()) {
-            least = d;
-            best = name;
-        }
-    }
-    return best.isEmpty() ? QString() : QStringLiteral(" (did you mean %1?)").arg(best);
-}
-
 /// What is wrong with the quotes of a line; empty if nothing.
 QString quoteProblem(const QString& line) {
     int i = 0;
@@ -224,28 +183,6 @@ class FormChecker {
     Open m_open;        // loops: name, line
 };
 
-void checkWords(const CheckedLine& line, const Report& report) {
-    if (line.command != NoCommand) {
-        const CommandRow& row = *commandRow(line.command);
-        const int count = line.cmd.args.size();
-        if (count < row.required) {
-            report(line.number, false, QStringLiteral("too few arguments: ") + commandSyntax(row));
-        }
-        const QString ignored =
-            surplus(line.cmd.args, row.repeats ? count : static_cast<int>(row.args.size()));
-        if (!ignored.isEmpty()) {
-            report(line.number, true, ignored);
-        }
-    } else if (line.cmd.command.startsWith(QLatin1Char('#'))) {
-        report(line.number, false,
-               QStringLiteral("'#' does not start a comment: use :rem_start and :rem_end"));
-    } else {
-        report(line.number, false,
-               QStringLiteral("unknown command '%1'").arg(line.cmd.command) +
-                   suggestion(line.cmd.command));
-    }
-}
-
 }  // namespace
 
 QVector<CheckedLine> logicalLines(const BatchText& text, bool inRemark) {
@@ -271,15 +208,6 @@ QVector<CheckedLine> logicalLines(const BatchText& text, bool inRemark) {
 
 void checkForm(const BatchText& text, const QVector<CheckedLine>& lines, const Report& report) {
     FormChecker(text, report).check(lines);
-}
-
-void checkLines(const BatchText& text, const QVector<CheckedLine>& lines, const Report& report) {
-    checkForm(text, lines, report);
-    for (const CheckedLine& line : lines) {
-        if (!line.inRemark && line.control == NoControl) {
-            checkWords(line, report);
-        }
-    }
 }
 
 QHash<int, Outcome> problemsOfForm(const QStringList& lines, bool inRemark) {

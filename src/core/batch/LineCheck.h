@@ -30,9 +30,6 @@ QVector<CheckedLine> logicalLines(const BatchText& text, bool inRemark = false);
 /// arguments of control words and the pairing of loops.
 void checkForm(const BatchText& text, const QVector<CheckedLine>& lines, const Report& report);
 
-/// The same, and words that are no commands and the number of arguments.
-void checkLines(const BatchText& text, const QVector<CheckedLine>& lines, const Report& report);
-
 /// What checkForm() says of lines that are about to be run, by the index of the last physical line
 /// of each logical one. Lines without a problem have no entry.
 QHash<int, Outcome> problemsOfForm(const QStringList& lines, bool inRemark);

@@ -45,9 +45,17 @@ QString originChunkKey() {
     return QStringLiteral("Tarnwick origin");
 }
 
+bool isPictureName(const QString& fileName) {
+    return QImageWriter::supportedImageFormats().contains(suffixOf(fileName));
+}
+
+bool isDrawingName(const QString& fileName) {
+    return suffixOf(fileName) == "pdf" || isPictureName(fileName);
+}
+
 bool writePicture(const QString& fileName, const QImage& picture, const QString& origin) {
     const QByteArray format = suffixOf(fileName);
-    if (picture.isNull() || !QImageWriter::supportedImageFormats().contains(format)) {
+    if (picture.isNull() || !isPictureName(fileName)) {
         return false;
     }
     QSaveFile file(fileName);

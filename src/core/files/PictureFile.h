@@ -11,6 +11,10 @@ class QPainter;
 // with its name. A writer that fails stays silent and leaves an existing file of that name as it
 // was.
 
+/// Whether the suffix names a format that writePicture() and writeDrawing() know.
+bool isPictureName(const QString& fileName);
+bool isDrawingName(const QString& fileName);
+
 /// Writes @p picture in the format that the suffix names, with default quality. Nothing is written
 /// for an empty picture, without a suffix or with a suffix that no picture format has. A PNG file
 /// carries the text of the picture's origin, if it has one, in a chunk (readers refuse one of more

@@ -102,6 +102,21 @@ bool WholeFile::putInPlace() {
     return true;
 }
 
+Target targetAt(const QString& fileName) {
+    mode_t mode = 0;
+    const QByteArray path = behindLinks(QFile::encodeName(fileName));
+    const int end = endOfFolder(path);
+    const QByteArray folder = end > 0 ? path.left(end) : QByteArray("./");
+    struct stat found {};
+    if (::stat(folder.constData(), &found) != 0 || !S_ISDIR(found.st_mode)) {
+        return Target::NoFolder;
+    }
+    if (path.size() == end || whatStandsAt(path, &mode) == Old::Taken) {
+        return Target::Taken;
+    }
+    return ::access(folder.constData(), W_OK) == 0 ? Target::Fine : Target::FolderNotWritable;
+}
+
 bool openBeside(QSaveFile& file, QIODevice::OpenMode openMode) {
     // QSaveFile itself would put the file in the place of a device or a pipe.
     mode_t mode = 0;

@@ -35,6 +35,10 @@ class WholeFile {
     bool m_taken = false;
 };
 
+/// Whether a file could be put under a name, as far as can be told without writing it.
+enum class Target { Fine, NoFolder, FolderNotWritable, Taken };
+Target targetAt(const QString& fileName);
+
 /// Opens such a file for writing where it is written through Qt.
 bool openBeside(QSaveFile& file, QIODevice::OpenMode mode = QIODevice::WriteOnly);
 

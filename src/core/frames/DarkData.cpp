@@ -18,6 +18,10 @@ DarkData::~DarkData() {
     m_thread.wait();
 }
 
+void DarkData::readHeadersOnly() {
+    m_reader.readHeadersOnly();
+}
+
 void DarkData::setImageSize(int width, int height) {
     if (width == m_imageWidth && height == m_imageHeight) {
         return;

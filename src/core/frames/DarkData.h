@@ -19,6 +19,8 @@ class DarkData : public QObject {
     /// Waits for the frame that is being read.
     ~DarkData() override;
 
+    /// Frames come by their headers alone and have no mean.
+    void readHeadersOnly();
     /// Size of the images; -1 while there are none.
     void setImageSize(int width, int height);
 

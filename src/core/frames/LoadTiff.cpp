@@ -2,8 +2,21 @@
 
 #include "frames/FrameHeader.h"
 
+void LoadTiff::loadHeader(const QString& fname, TiffData* data) const {
+    if (data->width == 0 && data->refusal.isEmpty()) {
+        const FrameHeader header = frameHeader(fname);
+        data->width = header.width;
+        data->height = header.height;
+        data->refusal = header.refusal;
+    }
+    data->fileName = fname;
+    data->loaded = data->refusal.isEmpty();
+}
+
 void LoadTiff::loadTiff(const QString& fname, TiffData* data) {
-    if (!data->load(fname) && data->refusal.isEmpty()) {
+    if (m_headersOnly) {
+        loadHeader(fname, data);
+    } else if (!data->load(fname) && data->refusal.isEmpty()) {
         const QString refusal = frameHeader(fname).refusal;
         data->refusal = refusal.isEmpty() ? FrameHeader::tr("cannot be read") : refusal;
     }

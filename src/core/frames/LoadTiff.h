@@ -11,10 +11,19 @@ class LoadTiff : public QObject {
   public:
     using QObject::QObject;
 
+    /// Counts are left alone: frames come without rows, as their headers tell. Those that already
+    /// have a size, or a refusal, are not looked at. Before the first file.
+    void readHeadersOnly() { m_headersOnly = true; }
+
   signals:
     /// Emitted whether or not the frame could be read (see TiffData::loaded).
     void loaded(TiffData* data);
 
   public slots:
     void loadTiff(const QString& fname, TiffData* data);
+
+  private:
+    void loadHeader(const QString& fname, TiffData* data) const;
+
+    bool m_headersOnly = false;
 };

@@ -15,6 +15,9 @@ TiffData* shownFrame(Measurement& measurement) {
 }
 
 QImage shownPicture(Measurement& measurement) {
+    if (measurement.rehearsal() != nullptr && shownFrame(measurement) != nullptr) {
+        return QImage(1, 1, QImage::Format_Grayscale8);  // its counts have not been read
+    }
     if (TiffData* frame = shownFrame(measurement)) {
         const ViewRange& range = measurement.settings().viewRange;
         return !range.fixed && frame->picture() != nullptr
@@ -112,6 +115,9 @@ Outcome fixPercentiles(Measurement& measurement) {
     if (frame == nullptr) {
         return Outcome::failure(
             QCoreApplication::translate("Measurement", "there is no frame on display"));
+    }
+    if (measurement.rehearsal() != nullptr) {
+        return {};
     }
     const auto [low, high] = countPercentiles(*frame, 0.01);
     if (high <= low) {

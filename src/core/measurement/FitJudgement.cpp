@@ -109,10 +109,25 @@ QStringList lookAlikes(const LinearFit& fit, const Taking& taking) {
                 cosine += columns[a][k] * columns[b][k];
             }
             cosine = std::abs(cosine);
-            if (1.0 + cosine >= LargestCondition * LargestCondition * (1.0 - cosine)) {
+            const bool isKnown = !taking[a]->isStandIn() && !taking[b]->isStandIn();
+            if (isKnown && 1.0 + cosine >= LargestCondition * LargestCondition * (1.0 - cosine)) {
                 texts << Texts::tr("%1 and %2 cannot be told apart by the fit")
                              .arg(nameOf(*taking[a]), nameOf(*taking[b]));
             }
+        }
+    }
+    return texts;
+}
+
+/// Stated and sometimes meant, but mostly a word that was left out of a batch line.
+QStringList otherBackgrounds(const std::vector<std::unique_ptr<Reference>>& references,
+                             int background) {
+    QStringList texts;
+    for (const auto& reference : references) {
+        if (reference->takesPart() && reference->background() != background) {
+            texts << Texts::tr("%1 is normalised with %2 curves, the image with %3 ones")
+                         .arg(nameOf(*reference), backgroundWord(reference->background()),
+                              backgroundWord(background));
         }
     }
     return texts;
@@ -178,7 +193,9 @@ Outcome judgeBefore(Work work, const std::vector<double>& energies,
                     const std::vector<std::unique_ptr<Reference>>& references,
                     const Settings& settings) {
     if (work == Work::Fit) {
-        return judgeFit(energies, references, settings.method);
+        Outcome outcome = judgeFit(energies, references, settings.method);
+        outcome.notes += otherBackgrounds(references, settings.targetBackground);
+        return outcome;
     }
     return work == Work::Residual ? judgeResidual(energies, settings.raEnergy) : Outcome();
 }

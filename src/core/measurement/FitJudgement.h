@@ -34,7 +34,8 @@ Outcome judgeFit(const std::vector<double>& energies,
 /// Of residual absorption at an energy (eV): warns when it lies outside those of the frames.
 Outcome judgeResidual(const std::vector<double>& energies, double at);
 
-/// Of work that is to begin: judgeFit(), judgeResidual() or nothing.
+/// Of work that is to begin: judgeFit(), judgeResidual() or nothing. Notes references of a fit that
+/// have another background than the image.
 Outcome judgeBefore(Work work, const std::vector<double>& energies,
                     const std::vector<std::unique_ptr<Reference>>& references,
                     const Settings& settings);

@@ -9,6 +9,7 @@
 #include "base/DebugLog.h"
 #include "base/Globals.h"
 #include "calibration/EnergyShift.h"
+#include "files/FileListing.h"
 #include "measurement/CalibrationJudgement.h"
 #include "measurement/NewFrames.h"
 #include "measurement/Revision.h"
@@ -51,6 +52,14 @@ Measurement::~Measurement() {
                           static_cast<QObject*>(&m_dark)}) {
         part->disconnect(this);
     }
+}
+
+void Measurement::rehearse() {
+    m_rehearsal = std::make_unique<Rehearsal>();
+    m_standard.rehearsal = rehearsal();
+    m_i1.rehearse(rehearsal());
+    m_i0.rehearse(rehearsal());
+    m_dark.readHeadersOnly();
 }
 
 void Measurement::connectStack(Stack& stack) {
@@ -120,6 +129,10 @@ Outcome Measurement::judge(const Area& area) const {
 void Measurement::inputsChanged(Changes what) {
     m_sample.reset();
     emit changed(what | Position);
+}
+
+QStringList Measurement::list(const QString& folder, const QStringList& patterns) const {
+    return m_rehearsal ? m_rehearsal->list(folder, patterns) : listImageFiles(folder, patterns);
 }
 
 void Measurement::load(StackId id, const QStringList& files, bool replace) {
@@ -289,7 +302,10 @@ void Measurement::stopCalibration() {
 Outcome Measurement::loadMap(const QString& fileName) {
     QSize size = m_size;
     auto loaded = std::make_unique<Result>(ResultId::Shift);
-    const EMapReading reading = readEMap(fileName, edgeEnergy(), &size, &loaded->image);
+    const Rehearsal::Written* written = m_rehearsal ? m_rehearsal->find(fileName) : nullptr;
+    const EMapReading reading = written != nullptr
+                                    ? Rehearsal::readMap(*written, &size, &loaded->image)
+                                    : readEMap(fileName, edgeEnergy(), &size, &loaded->image);
     if (reading.refusal == EMapRefusal::None) {
         stopCalibration();
         MapInput input;
@@ -341,7 +357,7 @@ Outcome Measurement::addReference() {
     if (m_settings.selected >= index) {
         ++m_settings.selected;
     }
-    m_references.push_back(std::make_unique<Reference>(index));
+    m_references.push_back(std::make_unique<Reference>(index, rehearsal()));
     m_references.back()->setUse(referenceCount() <= UsedFromTheStart);
     applyScales();
     emit changed(Changes(References) | Setting);
@@ -411,7 +427,8 @@ const AbsorptionSource& Measurement::source() {
     }
     if (!m_source) {
         m_source = std::make_unique<AbsorptionSource>(m_i1.frames(), m_i0.frames(), m_size.width(),
-                                                      m_size.height(), m_dark.mean());
+                                                      m_size.height(),
+                                                      m_rehearsal ? nullptr : m_dark.mean());
     }
     return *m_source;
 }
@@ -420,7 +437,11 @@ const XafsSpectrum& Measurement::sample() {
     if (!m_sample) {
         const int x = toPixel(m_position.x());
         const int y = toPixel(m_position.y());
-        const Spectrum raw = source().spectrumAt(x, y, m_settings.halfWidth, m_settings.halfHeight);
+        const Spectrum raw =
+            m_rehearsal ? Rehearsal::spectrumOf(QRect(QPoint(), m_size).contains(x, y)
+                                                    ? source().energies()
+                                                    : std::vector<double>())
+                        : source().spectrumAt(x, y, m_settings.halfWidth, m_settings.halfHeight);
         m_sample = std::make_unique<XafsSpectrum>(raw, m_settings.targetBackground,
                                                   shiftAt(&m_map->image, x, y));
     }

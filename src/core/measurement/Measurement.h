@@ -8,6 +8,7 @@
 #include "measurement/Outcome.h"
 #include "measurement/RecordLines.h"
 #include "measurement/Reference.h"
+#include "measurement/Rehearsal.h"
 #include "measurement/RowJob.h"
 
 /// A measurement: its stacks, dark frames, standard, energy-shift map, references, results and all
@@ -36,6 +37,11 @@ class Measurement : public QObject {
     Measurement();
     ~Measurement() override;
 
+    /// From now on nothing is analysed and nothing is written: what is asked for is only judged, as
+    /// far as headers, names and settings tell. To be called before anything is loaded.
+    void rehearse();
+    Rehearsal* rehearsal() const { return m_rehearsal.get(); }  ///< null: in earnest
+
     // Settings
     const Settings& settings() const { return m_settings; }
     template <class T, class V>
@@ -56,6 +62,8 @@ class Measurement : public QObject {
     // Frames
     Stack& stack(StackId id) { return id == StackId::I1 ? m_i1 : m_i0; }
     const Stack& stack(StackId id) const { return id == StackId::I1 ? m_i1 : m_i0; }
+    /// The files of a folder that match one of the patterns, see listImageFiles().
+    QStringList list(const QString& folder, const QStringList& patterns) const;
     /// Replaces the frames, or adds to them, by files that are read in the background.
     void load(StackId id, const QStringList& files, bool replace);
     void clear(StackId id);
@@ -152,9 +160,11 @@ class Measurement : public QObject {
     void endAsStopped(const std::unique_ptr<AreaAnalysis>& analysis);
     std::vector<Result*> resultsOf(Work work) const;
     void markOfBefore(Work work);
+    void standIn();
     void rowsTaken(int rows, int of);
     void passEnded(RasterPass::Failure failure);
 
+    std::unique_ptr<Rehearsal> m_rehearsal;
     Settings m_settings;
     Stack m_i1{StackId::I1};
     Stack m_i0{StackId::I0};

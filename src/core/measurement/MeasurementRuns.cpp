@@ -151,14 +151,35 @@ Outcome Measurement::start(Work work) {
     m_analysis->run()->warnings = judged.warnings;
     m_eachRow.start();
     m_analysis->begin();
-    m_job.start(frames, m_analysis->grid().raster(), m_analysis->valuesPerBin(),
+    BinRaster raster = m_analysis->grid().raster();
+    if (m_rehearsal) {
+        standIn();
+        raster.rows = 0;
+    }
+    m_job.start(frames, raster, m_analysis->valuesPerBin(),
                 m_analysis->evaluators(std::max(1, m_threads), frames));
     // Who is told may stop it at once.
     emit changed(Changes(AtWork) | Results | Display);
     if (working() == work) {
         emit progressed(work, 0.0, 100.0);
     }
-    return {};  // its warnings come with its end
+    Outcome begun;  // its warnings come with its end
+    begun.notes = judged.notes;
+    return begun;
+}
+
+/// Values in the place of those that a rehearsal does not work out.
+void Measurement::standIn() {
+    const std::vector<double>& energies = source().energies();
+    const double standardEdge = calibrationEdge(standard());
+    const double edge = standardEdge > 0.0 ? standardEdge : energies[energies.size() / 2];
+    const BinRaster raster = m_analysis->grid().raster();
+    const std::vector<double> values(
+        static_cast<std::size_t>(raster.columns * m_analysis->valuesPerBin()),
+        working() == Work::Calibrate ? edge : 1.0);
+    for (int row = 0; row < raster.rows; ++row) {
+        m_analysis->take({row, values.data(), {}}, raster);
+    }
 }
 
 void Measurement::rowsTaken(int rows, int) {
@@ -190,7 +211,9 @@ void Measurement::passEnded(RasterPass::Failure failure) {
     run.state = Run::State::Complete;
     run.percent = 100.0;
     Outcome outcome = judgeAfter(run);
-    outcome += analysis->judgement();
+    if (!m_rehearsal) {
+        outcome += analysis->judgement();
+    }
     Changes what = Changes(AtWork) | Results | Display | Position;
     if (m_newMap) {
         MapInput input;

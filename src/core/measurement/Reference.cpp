@@ -4,6 +4,7 @@
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 
 #include "measurement/Revision.h"
 #include "spectra/UsableRows.h"
@@ -21,6 +22,28 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(Reference)
 };
 
+/// Takes a file, or what a rehearsal says that it would hold by then.
+TakenSpectrum take(const QString& fileName, const Rehearsal* rehearsal) {
+    const Rehearsal::Written* written = rehearsal != nullptr ? rehearsal->find(fileName) : nullptr;
+    if (written == nullptr) {
+        return takeSpectrumFile(fileName);
+    }
+    TakenSpectrum taken;
+    std::vector<double> energies = written->energies;
+    energies.erase(std::remove_if(energies.begin(), energies.end(),
+                                  [](double energy) { return !(energy > 0.0); }),
+                   energies.end());
+    if (energies.size() >= FewestUsableEnergies) {
+        const Spectrum points = Rehearsal::spectrumOf(energies);
+        for (int i = 0; i < points.size(); ++i) {
+            taken.spectrum.append(points.energy(i), points.value(i));
+        }
+    } else {
+        taken.whyNot = Texts::tr("no spectrum: %1").arg(fileName);
+    }
+    return taken;
+}
+
 int pointsIn(const XafsSpectrum& spectrum, double start, double end) {
     int count = 0;
     for (int i = 0; i < spectrum.size(); ++i) {
@@ -37,13 +60,14 @@ FileInput fileInput(const QString& fileName) {
 
 Outcome NormalisedFile::read(const QString& fileName, int background) {
     forget();
-    const TakenSpectrum taken = takeSpectrumFile(fileName);
+    const TakenSpectrum taken = take(fileName, rehearsal);
     spectrum = taken.spectrum;
     whyNot = taken.whyNot;
     if (!whyNot.isEmpty()) {
         return Outcome::failure(whyNot);
     }
     file = fileInput(fileName);
+    isStandIn = rehearsal != nullptr && rehearsal->find(fileName) != nullptr;
     warnings = taken.warnings;
     spectrum.normalise(background);
     Outcome outcome;
@@ -59,13 +83,14 @@ void NormalisedFile::forget() {
     spectrum = XafsSpectrum();
     file = FileInput();
     file.revision = nextRevision();
+    isStandIn = false;
     whyNot.clear();
     warnings.clear();
 }
 
 QString NormalisedFile::edgeFault() const {
     constexpr int FewestPoints = 3;
-    if (spectrum.isEmpty()) {
+    if (spectrum.isEmpty() || isStandIn) {
         return {};
     }
     if (spectrum.midE() == 0.0) {
@@ -82,7 +107,8 @@ QString NormalisedFile::edgeFault() const {
                : QString();
 }
 
-Reference::Reference(int index) : m_revision(nextRevision()) {
+Reference::Reference(int index, const Rehearsal* rehearsal) : m_revision(nextRevision()) {
+    m_file.rehearsal = rehearsal;
     for (int kind = 0; kind < KindCount; ++kind) {
         m_results[indexOf(kind)] = std::make_unique<Result>(static_cast<ResultId>(kind), index);
     }

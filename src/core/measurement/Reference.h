@@ -5,6 +5,7 @@
 
 #include "measurement/Inputs.h"
 #include "measurement/Outcome.h"
+#include "measurement/Rehearsal.h"
 #include "measurement/Result.h"
 #include "spectra/XafsSpectrum.h"
 
@@ -17,6 +18,8 @@ struct NormalisedFile {
     XafsSpectrum spectrum;
     QString whyNot;        ///< the last file was not taken, with its name; empty: it was
     QStringList warnings;  ///< what was left out of it
+    bool isStandIn = false;  ///< of a rehearsal: only its energies are those of the file
+    const Rehearsal* rehearsal = nullptr;  ///< what has not been written stands for itself
 
     /// Replaces the spectrum by the file's, see takeSpectrumFile(); failed, and empty with a new
     /// revision, when it is not taken.
@@ -38,7 +41,7 @@ class Reference {
         KindCount = ReferenceKindCount
     };
 
-    explicit Reference(int index);
+    explicit Reference(int index, const Rehearsal* rehearsal = nullptr);
 
     /// At least one point has been read.
     bool hasSpectrum() const { return !m_file.spectrum.isEmpty(); }
@@ -57,6 +60,7 @@ class Reference {
     Outcome read(const QString& fileName);
     /// Why the file given last was not taken; empty: it was, or none was given.
     const QString& whyNot() const { return m_file.whyNot; }
+    bool isStandIn() const { return m_file.isStandIn; }
     /// See NormalisedFile.
     QString edgeFault() const { return m_file.edgeFault(); }
     /// What was left out of the file, and what is wrong with its edge as it is normalised now.

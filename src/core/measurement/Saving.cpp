@@ -23,8 +23,9 @@ class Saving {
     Q_DECLARE_TR_FUNCTIONS(Saving)
 };
 
-bool hasLetters() {
-    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+bool hasLetters(const Measurement& measurement) {
+    return measurement.rehearsal() != nullptr ||
+           qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
 }
 
 /// What somebody should know of a result that has been saved.
@@ -47,12 +48,15 @@ Outcome judgement(const Measurement& measurement, const Result& result) {
     return outcome;
 }
 
+QSize sizeInTiff(const TiffOptions& form, const AnalysisGrid& grid) {
+    return form.asAnalyzed ? QSize(static_cast<int>(grid.columns()), static_cast<int>(grid.rows()))
+                           : QSize(grid.width, grid.height);
+}
+
 /// What the form makes of the values.
 Outcome judgeForm(const Settings& form, const AnalysisGrid& grid) {
-    const TiffOptions& tiff = form.tiff;
-    const qint64 width = tiff.asAnalyzed ? grid.columns() : grid.width;
-    const qint64 height = tiff.asAnalyzed ? grid.rows() : grid.height;
-    return form.savesTiff && height > width
+    const QSize size = sizeInTiff(form.tiff, grid);
+    return form.savesTiff && size.height() > size.width()
                ? Outcome::warning(Saving::tr("a 16-bit TIFF taller than wide has shifted rows; a "
                                              "table or a float TIFF has not"))
                : Outcome();
@@ -63,8 +67,32 @@ Outcome noPart() {
         Saving::tr("the reference took no part in the fit: its map holds no values"));
 }
 
+std::vector<double> energiesOf(const XafsSpectrum& spectrum) {
+    std::vector<double> energies;
+    for (int i = 0; i < spectrum.size(); ++i) {
+        energies.push_back(spectrum.energy(i));
+    }
+    return energies;
+}
+
 QString originText(const Measurement& measurement, const Result& result, const char* savedBy) {
     return originOf(measurement, result, QString::fromLatin1(savedBy)).toText();
+}
+
+/// The suffix says which format.
+Outcome whyNoPicture(const QString& fileName, bool isKnown) {
+    return isKnown
+               ? Outcome()
+               : Outcome::failure(
+                     Saving::tr("no picture format has this suffix (use .png): %1").arg(fileName));
+}
+
+Outcome writePictureFile(const Measurement& measurement, const QString& fileName,
+                         const QImage& picture, const QString& origin) {
+    const Outcome whyNot = whyNoPicture(fileName, isPictureName(fileName));
+    return whyNot.failed() ? whyNot : writeFile(measurement, fileName, [&] {
+        return writePicture(fileName, picture, origin);
+    });
 }
 
 Outcome savePicture(Measurement& measurement, const QString& fileName, const QImage& picture,
@@ -78,8 +106,7 @@ Outcome savePicture(Measurement& measurement, const QString& fileName, const QIm
     }
     const QString origin =
         result != nullptr ? originText(measurement, *result, savedBy) : QString();
-    Outcome outcome =
-        writeFile(measurement, fileName, [&] { return writePicture(fileName, picture, origin); });
+    Outcome outcome = writePictureFile(measurement, fileName, picture, origin);
     if (result != nullptr && !outcome.failed()) {
         outcome += judgement(measurement, *result);
     }
@@ -104,11 +131,13 @@ Outcome saveImage(Measurement& measurement, const QString& fileName) {
 }
 
 Outcome saveImageWithBar(Measurement& measurement, const QString& fileName) {
-    if (!hasLetters()) {
+    if (!hasLetters(measurement)) {
         return Outcome::failure(Saving::tr("there are no letters to draw with"));
     }
-    return savePicture(measurement, fileName, withColorBar(shownWithBar(measurement)),
-                       "save_image_with_bar");
+    const QImage picture = measurement.rehearsal() != nullptr
+                               ? shownPicture(measurement)
+                               : withColorBar(shownWithBar(measurement));
+    return savePicture(measurement, fileName, picture, "save_image_with_bar");
 }
 
 Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
@@ -122,8 +151,7 @@ Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
             }
             const QString name = taggedName(fileName, QStringLiteral("%1-%2").arg(i).arg(kind));
             const QString origin = originText(measurement, result, "save_image");
-            outcome += writeFile(measurement, name,
-                                 [&] { return writePicture(name, *result.image.img(), origin); });
+            outcome += writePictureFile(measurement, name, *result.image.img(), origin);
             const Outcome judged = judgement(measurement, result);
             if (outcome.texts().isEmpty()) {
                 outcome += judged;  // once for all of them
@@ -151,14 +179,22 @@ Outcome saveData(const Measurement& measurement, const QString& fileName) {
     }
     const Settings& form = measurement.settings();
     const QString origin = originText(measurement, *result, "save_data_as_tiff");
-    Outcome outcome = writeFile(measurement, fileName, [&] {
-        return form.savesTiff
-                   ? writeResultTiff(fileName, result->image, form.tiff, origin)
-                   : writeResultTable(fileName, result->image, form.table, headOf(*result), origin);
-    });
+    const AnalysisGrid& grid = result->image.grid();
+    Rehearsal::Written written;
+    if (form.savesTiff) {
+        written = {Rehearsal::Kind::Frame, sizeInTiff(form.tiff, grid), {}};
+    }
+    Outcome outcome = writeFile(
+        measurement, fileName,
+        [&] {
+            return form.savesTiff ? writeResultTiff(fileName, result->image, form.tiff, origin)
+                                  : writeResultTable(fileName, result->image, form.table,
+                                                     headOf(*result), origin);
+        },
+        written);
     if (!outcome.failed()) {
         outcome += judgement(measurement, *result);
-        outcome += judgeForm(form, result->image.grid());
+        outcome += judgeForm(form, grid);
     }
     return outcome;
 }
@@ -179,10 +215,13 @@ Outcome saveSpectra(Measurement& measurement, const QString& fileName,
     for (const XafsSpectrum& spectrum : qAsConst(spectra)) {
         const QString name = number == 0 ? fileName : taggedName(fileName, QString::number(number));
         ++number;
-        outcome += writeFile(measurement, name, [&] {
-            return writeSpectrumFile(name, spectrum, measurement.settings().correctedSpectra) &&
-                   noteSaved(name);
-        });
+        outcome += writeFile(
+            measurement, name,
+            [&] {
+                return writeSpectrumFile(name, spectrum, measurement.settings().correctedSpectra) &&
+                       noteSaved(name);
+            },
+            {Rehearsal::Kind::Spectrum, {}, energiesOf(spectrum)});
     }
     return outcome;
 }
@@ -192,10 +231,13 @@ Outcome savePlot(Measurement& measurement, const QString& fileName) {
     if (plot.shown().isEmpty()) {
         return Outcome::failure(Saving::tr("the spectrum window shows no spectrum"));
     }
-    if (!hasLetters()) {
+    if (!hasLetters(measurement)) {
         return Outcome::failure(Saving::tr("there are no letters to draw with"));
     }
-    return writeFile(measurement, fileName, [&] { return writePlot(fileName, plot); });
+    const Outcome whyNot = whyNoPicture(fileName, isDrawingName(fileName));
+    return whyNot.failed()
+               ? whyNot
+               : writeFile(measurement, fileName, [&] { return writePlot(fileName, plot); });
 }
 
 Outcome saveMap(const Measurement& measurement, const QString& fileName) {
@@ -210,7 +252,8 @@ Outcome saveMap(const Measurement& measurement, const QString& fileName) {
         return outcome;
     }
     outcome +=
-        writeFile(measurement, fileName, [&] { return writeEMap(fileName, map.image, info); });
+        writeFile(measurement, fileName, [&] { return writeEMap(fileName, map.image, info); },
+                  {Rehearsal::Kind::Map, info.imageSize, {}});
     if (!outcome.failed()) {
         outcome += judgement(measurement, map);
     }
@@ -225,7 +268,8 @@ Outcome saveFlatDark(const Measurement& measurement) {
     Outcome outcome;
     for (const FlatDark& file : FlatDarkFiles) {
         outcome += writeFile(measurement, QLatin1String(file.name),
-                             [&] { return writeFlatDark(file, size.width(), size.height()); });
+                             [&] { return writeFlatDark(file, size.width(), size.height()); },
+                             {Rehearsal::Kind::Frame, size, {}});
     }
     return outcome;
 }

@@ -8,6 +8,7 @@
 
 #include "frames/EnergyFromName.h"
 #include "measurement/FrameJudgement.h"
+#include "measurement/Rehearsal.h"
 #include "measurement/Revision.h"
 
 namespace {
@@ -53,6 +54,11 @@ Stack::Stack(StackId id) : m_id(id), m_revision(nextRevision()) {
 Stack::~Stack() {
     m_thread.quit();
     m_thread.wait();
+}
+
+void Stack::rehearse(const Rehearsal* rehearsal) {
+    m_rehearsal = rehearsal;
+    m_reader.readHeadersOnly();
 }
 
 QString Stack::name() const {
@@ -131,6 +137,9 @@ bool Stack::request() {
     bool requested = false;
     while (const auto next = m_loader.next()) {
         requested = true;
+        if (m_rehearsal != nullptr) {
+            m_rehearsal->describe(next->fileName, next->frame);
+        }
         emit load(next->fileName, next->frame);
     }
     return requested;

@@ -16,6 +16,8 @@ enum class StackId { I0 = 0, I1 = 1 };
 /// name, else its own number less one, times the unit. Says so in two debug lines.
 double frameEnergy(const QString& fileName, const NamePattern& names, int before);
 
+class Rehearsal;
+
 /// One stack of frames in order of arrival, with the thread that reads them. It takes no file that
 /// holds anything but 16-bit counts, none of another size than its first frame, and none without an
 /// energy in its name where others have one.
@@ -38,6 +40,8 @@ class Stack : public QObject {
     StackId id() const { return m_id; }
     /// "I1" or "I0".
     QString name() const;
+    /// Frames come by their headers alone, see Measurement::rehearse().
+    void rehearse(const Rehearsal* rehearsal);
     /// For the files that are asked for from now on.
     void setNames(const NamePattern& names) { m_names = names; }
 
@@ -85,6 +89,7 @@ class Stack : public QObject {
     void leaveOut(const QString& fileName, const QString& why);
 
     StackId m_id;
+    const Rehearsal* m_rehearsal = nullptr;
     NamePattern m_names;
     NamePattern m_loadNames;  // of the load under way
     StackLoader m_loader{2};

@@ -7,6 +7,8 @@
 #include <QFileInfo>
 #include <algorithm>
 
+#include "files/WholeFile.h"
+
 namespace {
 
 class Writing {
@@ -49,16 +51,41 @@ bool isInput(const Measurement& measurement, const QString& fileName) {
     });
 }
 
+QString whyNot(Target target) {
+    switch (target) {
+        case Target::Fine:
+            return QString();
+        case Target::NoFolder:
+            return Writing::tr("no such folder");
+        case Target::FolderNotWritable:
+            return Writing::tr("the folder cannot be written to");
+        case Target::Taken:
+            return Writing::tr("something else than a file to be replaced is there");
+    }
+    return QString();
+}
+
+Outcome unwritable(const QString& fileName, const QString& why = QString()) {
+    const QString text = Writing::tr("cannot be written: %1").arg(fileName);
+    return Outcome::failure(why.isEmpty() ? text : text + QStringLiteral(" (%1)").arg(why));
+}
+
 }  // namespace
 
 Outcome writeFile(const Measurement& measurement, const QString& fileName,
-                  const std::function<bool()>& writer) {
+                  const std::function<bool()>& writer, const Rehearsal::Written& written) {
     if (isInput(measurement, fileName)) {
         return Outcome::failure(
             Writing::tr("the measurement was read from this file: %1").arg(fileName));
     }
-    if (!writer()) {
-        return Outcome::failure(Writing::tr("cannot be written: %1").arg(fileName));
+    const Target target = targetAt(fileName);
+    if (target != Target::Fine) {
+        return unwritable(fileName, whyNot(target));
+    }
+    if (Rehearsal* rehearsal = measurement.rehearsal()) {
+        rehearsal->write(fileName, written);
+    } else if (!writer()) {
+        return unwritable(fileName);
     }
     Outcome done = Outcome::note(Writing::tr("Saved %1").arg(QFileInfo(fileName).fileName()));
     done.files << fileName;

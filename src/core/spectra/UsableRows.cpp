@@ -22,7 +22,6 @@ struct Usable {
 
 using Point = std::optional<Spoint>;
 
-constexpr std::size_t FewestEnergies = 5;
 
 /// Ways to write two columns.
 struct Columns {
@@ -171,7 +170,7 @@ class Taking {
             return;
         }
         putInOrder();
-        if (m_points.size() < FewestEnergies) {
+        if (m_points.size() < FewestUsableEnergies) {
             refuse(Usable::tr("%n usable point(s), a spectrum has five or more", nullptr,
                               static_cast<int>(m_points.size())));
         } else if (looksLikeKeV()) {

@@ -7,6 +7,9 @@
 // What a file of a single spectrum holds for somebody who works with it: a reference, a standard.
 // readSpectrumFile() takes every line for a point; here only what can be one counts.
 
+/// With fewer usable energies a file is no spectrum.
+constexpr std::size_t FewestUsableEnergies = 5;
+
 /// A file that was taken, or why it was not.
 struct TakenSpectrum {
     XafsSpectrum spectrum;  ///< not normalised; without points when the file was not taken

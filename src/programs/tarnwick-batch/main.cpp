@@ -59,20 +59,20 @@ QString counted(int n, const QString& what) {
 }
 
 int check(const QStringList& lines, const QString& file, Console& console) {
-    int errors = 0;
+    const char* const names[] = {"error", "warning", "note"};  // by kind
+    int counts[] = {0, 0, 0};
     const QVector<Finding> findings = checkBatch(lines);
     for (const Finding& finding : findings) {
-        errors += finding.warning ? 0 : 1;
-        console.logLine(
-            QStringLiteral("%1:%2: %3: %4")
-                .arg(file, QString::number(finding.line),
-                     finding.warning ? QStringLiteral("warning") : QStringLiteral("error"),
-                     finding.text));
+        const auto kind = static_cast<int>(finding.kind);
+        ++counts[kind];
+        console.logLine(QStringLiteral("%1:%2: %3: %4")
+                            .arg(file, QString::number(finding.line),
+                                 QString::fromLatin1(names[kind]), finding.text));
     }
     console.logLine(QStringLiteral("%1: %2, %3")
-                        .arg(file, counted(errors, QStringLiteral("error")),
-                             counted(findings.size() - errors, QStringLiteral("warning"))));
-    return errors == 0 ? BatchSession::AllDone : BatchSession::SomeFailed;
+                        .arg(file, counted(counts[0], QStringLiteral("error")),
+                             counted(counts[1], QStringLiteral("warning"))));
+    return counts[0] == 0 ? BatchSession::AllDone : BatchSession::SomeFailed;
 }
 
 /// The report in its place. It replaces no file that the measurement was read from.

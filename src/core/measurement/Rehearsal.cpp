@@ -1,0 +1,81 @@
+#include "measurement/Rehearsal.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRectF>
+#include <algorithm>
+
+#include "files/FileListing.h"
+#include "frames/FrameHeader.h"
+#include "frames/TiffData.h"
+#include "maps/Analyzed2DRes.h"
+
+namespace {
+
+QString absolute(const QString& fileName) {
+    return QDir::cleanPath(QFileInfo(fileName).absoluteFilePath());
+}
+
+}  // namespace
+
+void Rehearsal::write(const QString& fileName, const Written& file) {
+    m_written.insert(absolute(fileName), file);
+}
+
+const Rehearsal::Written* Rehearsal::find(const QString& fileName) const {
+    if (m_written.isEmpty()) {
+        return nullptr;
+    }
+    const auto found = m_written.constFind(absolute(fileName));
+    return found == m_written.constEnd() ? nullptr : &*found;
+}
+
+QStringList Rehearsal::list(const QString& folder, const QStringList& patterns) const {
+    QStringList files = listImageFiles(folder, patterns);
+    const QDir dir(folder);
+    const QString path = absolute(folder);
+    for (auto it = m_written.begin(); it != m_written.end(); ++it) {
+        const QFileInfo info(it.key());
+        const QString name = dir.filePath(info.fileName());
+        if (info.path() == path && !files.contains(name) &&
+            (patterns.isEmpty() || QDir::match(patterns, info.fileName()))) {
+            files << name;
+        }
+    }
+    std::sort(files.begin(), files.end(), comesBefore);
+    return files;
+}
+
+void Rehearsal::describe(const QString& fileName, TiffData* frame) const {
+    const Written* written = find(fileName);
+    if (written != nullptr && written->kind == Kind::Frame) {
+        frame->width = static_cast<quint32>(written->size.width());
+        frame->height = static_cast<quint32>(written->size.height());
+    } else if (written != nullptr) {
+        frame->refusal = FrameHeader::tr("cannot be read");
+    }
+}
+
+EMapReading Rehearsal::readMap(const Written& file, QSize* imageSize, Analyzed2DRes* map) {
+    EMapReading reading;
+    const bool isSquare = file.size.width() == file.size.height();  // the header has one size
+    if (file.kind != Kind::Map) {
+        reading.refusal = EMapRefusal::NoMap;
+    } else if (!isSquare || (imageSize->width() >= 0 && *imageSize != file.size)) {
+        reading.refusal = EMapRefusal::OtherSize;
+    } else {
+        *imageSize = file.size;
+        map->startOver(AnalysisGrid::ofArea(file.size.width(), file.size.height(), 0, 0,
+                                            QRectF(QPointF(), file.size)));
+    }
+    return reading;
+}
+
+Spectrum Rehearsal::spectrumOf(const std::vector<double>& energies) {
+    Spectrum spectrum;
+    const double edge = energies.empty() ? 0.0 : energies[energies.size() / 2];
+    for (const double energy : energies) {
+        spectrum.append(energy, energy < edge ? 0.0 : 1.0);
+    }
+    return spectrum;
+}
