@@ -1,5 +1,6 @@
 // Commands that load and clear frames.
 
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include "batch/CommandRows.h"
@@ -7,10 +8,19 @@
 
 namespace {
 
+QString whyNoFile(const QString& folder, const QStringList& patterns) {
+    if (!QFileInfo(folder).isDir()) {
+        return Batch::tr("no such folder: %1").arg(folder);
+    }
+    return patterns.isEmpty()
+               ? Batch::tr("there is no file in %1").arg(folder)
+               : Batch::tr("no file matches %1 in %2").arg(patterns.join(QLatin1Char(' ')), folder);
+}
+
 void loadOfPattern(Action& a, StackId id) {
     const QStringList files = a.measurement.list(a.args.text(1), a.args.from(2));
     if (files.isEmpty()) {
-        a.fail(Batch::tr("no file matches in %1").arg(a.args.text(1)));
+        a.fail(whyNoFile(a.args.text(1), a.args.from(2)));
     }
     a.measurement.load(id, files, a.args.isNew(0));
 }
@@ -34,7 +44,7 @@ void loadNew(Action& a) {
 void loadDarkOfPattern(Action& a) {
     const QStringList files = a.measurement.list(a.args.text(0), a.args.from(1));
     if (files.isEmpty()) {
-        a.fail(Batch::tr("no file matches in %1").arg(a.args.text(0)));
+        a.fail(whyNoFile(a.args.text(0), a.args.from(1)));
         return;
     }
     a.measurement.loadDark(files);

@@ -79,9 +79,11 @@ void Stack::clear() {
 void Stack::read(const QStringList& files) {
     if (!isLoading()) {
         m_before = size();
+        m_asked = false;
         m_energies = std::any_of(m_files.begin(), m_files.end(),
                                  [](const File& file) { return !file.isNumbered; });
     }
+    m_asked = m_asked || !files.isEmpty();
     m_loadNames = m_names;
     m_loader.enqueue(withEnergies(files));
     emit progressed();
@@ -121,7 +123,7 @@ Outcome Stack::takeOutcome() {
         leaveOut(file.fileName, file.why);
     }
     Outcome outcome;
-    if (size() == m_before) {
+    if (size() == m_before && m_asked) {
         outcome.failures << tr("%1: no frame was taken").arg(name());
     }
     outcome.failures += std::exchange(m_leftOut, {});

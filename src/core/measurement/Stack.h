@@ -65,7 +65,7 @@ class Stack : public QObject {
     /// Of the first frame, in pixels; -1 x -1 without.
     QSize imageSize() const;
     /// How the load went since the last call: each file that was left out with the reason, and what
-    /// somebody should know of the frames; a failure also when none was taken.
+    /// somebody should know of the frames; a failure also when none was taken of those asked for.
     Outcome takeOutcome();
 
   public slots:
@@ -96,6 +96,7 @@ class Stack : public QObject {
     QVector<File> m_files;
     quint64 m_revision = 0;
     int m_before = 0;         // frames before the load under way
+    bool m_asked = false;     // for any file by it
     bool m_energies = false;  // some of its names, or of those before, have one
     QStringList m_leftOut;
     QThread m_thread;
