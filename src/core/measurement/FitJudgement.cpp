@@ -147,6 +147,9 @@ Outcome judgeFit(const std::vector<double>& energies,
             spectra << reference->spectrum();
             const QString fault = reference->edgeFault();
             outcome.warnings += fault.isEmpty() ? QStringList() : QStringList(fault);
+        } else if (reference->isUsed()) {
+            outcome.warnings << Texts::tr("reference %1 is in use but holds no spectrum: left out")
+                                    .arg(&reference - references.data());
         }
     }
     if (taking.empty()) {
