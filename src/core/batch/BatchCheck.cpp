@@ -53,9 +53,10 @@ class Findings {
 };
 
 /// Carries a batch out in a rehearsal.
-void rehearse(const BatchText& text, Findings* findings, qint64 effort) {
+void rehearse(const BatchText& text, const QString& file, Findings* findings, qint64 effort) {
     Measurement measurement;
     measurement.rehearse();
+    measurement.setBatchFile(file);
     BatchRunner runner(measurement);
     BatchDispatcher* dispatcher = runner.dispatcher();
     QEventLoop loop;
@@ -123,10 +124,10 @@ void checkLoops(const BatchText& text, Findings* findings) {
 
 }  // namespace
 
-QVector<Finding> checkBatch(const QStringList& lines, qint64 effort) {
+QVector<Finding> checkBatch(const QStringList& lines, const QString& file, qint64 effort) {
     const BatchText text = BatchText::fromLines(lines);
     Findings findings;
     checkLoops(text, &findings);
-    rehearse(text, &findings, effort);
+    rehearse(text, file, &findings, effort);
     return std::move(findings).sorted();
 }

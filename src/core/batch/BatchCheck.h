@@ -26,4 +26,6 @@ constexpr qint64 DefaultCheckEffort = 100000;
 /// commands are those of the run, so that what is told is what will happen, but for what only
 /// counts and time can tell. Loops are followed value by value; the effort bounds the work,
 /// whatever the batch holds. Sorted by line. Needs an application object.
-QVector<Finding> checkBatch(const QStringList& lines, qint64 effort = DefaultCheckEffort);
+/// @param file of the batch, which no line may replace; empty for none
+QVector<Finding> checkBatch(const QStringList& lines, const QString& file = QString(),
+                            qint64 effort = DefaultCheckEffort);

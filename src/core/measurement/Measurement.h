@@ -133,6 +133,9 @@ class Measurement : public QObject {
     void setPosition(double x, double y);
     const XafsSpectrum& sample();  ///< at the position, corrected; without points for none
     const AbsorptionSource& source();
+    /// The file of the batch that runs: no output may replace it. Empty for none.
+    void setBatchFile(const QString& file) { m_batchFile = file; }
+    const QString& batchFile() const { return m_batchFile; }
     void setRecorder(const Recorder& recorder) { m_recorder = recorder; }
     RecordLines recordOf(const Result& result, const QString& savedBy) const;
     void askForWindow(Window window) { emit windowAsked(window); }
@@ -191,6 +194,7 @@ class Measurement : public QObject {
     AnalysisGrid m_point;  // of the last fit
     bool m_loadsDark = false;
     Recorder m_recorder;
+    QString m_batchFile;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(Measurement::Changes)

@@ -1,6 +1,8 @@
 #include "measurement/Saving.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QGuiApplication>
 
 #include "calibration/EnergyMapFile.h"
@@ -75,6 +77,12 @@ std::vector<double> energiesOf(const XafsSpectrum& spectrum) {
     return energies;
 }
 
+/// The name of a further file, relative where the one that was asked for is.
+QString asGiven(const QString& name, const QString& asked) {
+    const bool isOther = QFileInfo(asked).isRelative() && QFileInfo(name).isAbsolute();
+    return isOther ? QDir().relativeFilePath(name) : name;
+}
+
 QString originText(const Measurement& measurement, const Result& result, const char* savedBy) {
     return originOf(measurement, result, QString::fromLatin1(savedBy)).toText();
 }
@@ -88,9 +96,10 @@ Outcome whyNoPicture(const QString& fileName, bool isKnown) {
 }
 
 Outcome writePictureFile(const Measurement& measurement, const QString& fileName,
-                         const QImage& picture, const QString& origin) {
-    const Outcome whyNot = whyNoPicture(fileName, isPictureName(fileName));
-    return whyNot.failed() ? whyNot : writeFile(measurement, fileName, [&] {
+                         const QImage& picture, const QString& origin, const QString& asked) {
+    const QString name = asGiven(fileName, asked);
+    const Outcome whyNot = whyNoPicture(name, isPictureName(fileName));
+    return whyNot.failed() ? whyNot : writeFile(measurement, name, [&] {
         return writePicture(fileName, picture, origin);
     });
 }
@@ -106,7 +115,7 @@ Outcome savePicture(Measurement& measurement, const QString& fileName, const QIm
     }
     const QString origin =
         result != nullptr ? originText(measurement, *result, savedBy) : QString();
-    Outcome outcome = writePictureFile(measurement, fileName, picture, origin);
+    Outcome outcome = writePictureFile(measurement, fileName, picture, origin, fileName);
     if (result != nullptr && !outcome.failed()) {
         outcome += judgement(measurement, *result);
     }
@@ -151,16 +160,18 @@ Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
             }
             const QString name = taggedName(fileName, QStringLiteral("%1-%2").arg(i).arg(kind));
             const QString origin = originText(measurement, result, "save_image");
-            outcome += writePictureFile(measurement, name, *result.image.img(), origin);
+            outcome += writePictureFile(measurement, name, *result.image.img(), origin, fileName);
+            if (outcome.failed()) {
+                return outcome;  // for one reason, said once
+            }
             const Outcome judged = judgement(measurement, result);
             if (outcome.texts().isEmpty()) {
                 outcome += judged;  // once for all of them
             }
         }
     }
-    return outcome.files.isEmpty() && !outcome.failed()
-               ? Outcome::failure(Saving::tr("there are no result images"))
-               : outcome;
+    return outcome.files.isEmpty() ? Outcome::failure(Saving::tr("there are no result images"))
+                                   : outcome;
 }
 
 Outcome saveData(const Measurement& measurement, const QString& fileName) {
@@ -216,12 +227,15 @@ Outcome saveSpectra(Measurement& measurement, const QString& fileName,
         const QString name = number == 0 ? fileName : taggedName(fileName, QString::number(number));
         ++number;
         outcome += writeFile(
-            measurement, name,
+            measurement, asGiven(name, fileName),
             [&] {
                 return writeSpectrumFile(name, spectrum, measurement.settings().correctedSpectra) &&
                        noteSaved(name);
             },
             {Rehearsal::Kind::Spectrum, {}, energiesOf(spectrum)});
+        if (outcome.failed()) {
+            break;
+        }
     }
     return outcome;
 }

@@ -37,18 +37,15 @@ QStringList filesRead(const Inputs& inputs) {
     return names;
 }
 
-bool isInput(const Measurement& measurement, const QString& fileName) {
+/// By what they are, not by their names: links lead to the same file.
+bool isOneOf(const QString& fileName, const QStringList& names) {
     struct stat target {};
-    if (!lookUp(fileName, &target)) {
-        return false;
-    }
-    // By what they are, not by their names: links lead to the same file.
-    const QStringList inputs = filesRead(measurement.inputs());
-    return std::any_of(inputs.begin(), inputs.end(), [&target](const QString& name) {
-        struct stat input {};
-        return !name.isEmpty() && lookUp(name, &input) && input.st_dev == target.st_dev &&
-               input.st_ino == target.st_ino;
-    });
+    return lookUp(fileName, &target) &&
+           std::any_of(names.begin(), names.end(), [&target](const QString& name) {
+               struct stat other {};
+               return !name.isEmpty() && lookUp(name, &other) && other.st_dev == target.st_dev &&
+                      other.st_ino == target.st_ino;
+           });
 }
 
 QString whyNot(Target target) {
@@ -74,9 +71,13 @@ Outcome unwritable(const QString& fileName, const QString& why = QString()) {
 
 Outcome writeFile(const Measurement& measurement, const QString& fileName,
                   const std::function<bool()>& writer, const Rehearsal::Written& written) {
-    if (isInput(measurement, fileName)) {
+    if (isOneOf(fileName, filesRead(measurement.inputs()))) {
         return Outcome::failure(
             Writing::tr("the measurement was read from this file: %1").arg(fileName));
+    }
+    if (isOneOf(fileName, {measurement.batchFile()})) {
+        return Outcome::failure(
+            Writing::tr("the batch that runs was read from this file: %1").arg(fileName));
     }
     const Target target = targetAt(fileName);
     if (target != Target::Fine) {

@@ -41,6 +41,8 @@ void Console::note(const QString& line) {
     eraseBar();
     if (m_errIsTerminal) {
         endLogLineOnTerminal();
+    } else if (m_sharesLines) {
+        endLogLine();
     }
     m_err->write(line.toUtf8() + '\n');
 }

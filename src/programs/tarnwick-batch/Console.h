@@ -16,6 +16,9 @@ class Console {
     /// From now on each text of the log begins a line of its own, with the time of day.
     void tellTimes() { m_tellsTimes = true; }
 
+    /// From now on notes begin lines of their own in the log: both streams are one file.
+    void shareLines() { m_sharesLines = true; }
+
     /// Adds to the log as it stands; a text need not end a line.
     void log(const QString& text);
     /// Adds a line of its own to the log.
@@ -39,6 +42,7 @@ class Console {
     bool m_outIsTerminal;
     bool m_errIsTerminal;
     bool m_tellsTimes = false;
+    bool m_sharesLines = false;
     bool m_logInLine = false;     // the log's last text did not end its line
     bool m_cursorInLine = false;  // nor has anything else on the terminal ended it
     QString m_bar;                // as drawn

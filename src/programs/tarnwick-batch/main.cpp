@@ -1,9 +1,11 @@
 // tarnwick-batch: a measurement without a window, driven by a batch file.
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <algorithm>
 #include <clocale>
@@ -53,15 +55,24 @@ void prepareEnvironment() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
+/// As after "> log 2>&1".
+bool isOneFile(int a, int b) {
+    struct stat first {};
+    struct stat second {};
+    return fstat(a, &first) == 0 && fstat(b, &second) == 0 && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
+}
+
 QString counted(int n, const QString& what) {
     return QStringLiteral("%1 %2%3").arg(QString::number(n), what,
                                          n == 1 ? QString() : QStringLiteral("s"));
 }
 
-int check(const QStringList& lines, const QString& file, Console& console) {
+/// @param file as it is named in the findings
+int check(const QStringList& lines, const QString& file, const QString& path, Console& console) {
     const char* const names[] = {"error", "warning", "note"};  // by kind
     int counts[] = {0, 0, 0};
-    const QVector<Finding> findings = checkBatch(lines);
+    const QVector<Finding> findings = checkBatch(lines, path);
     for (const Finding& finding : findings) {
         const auto kind = static_cast<int>(finding.kind);
         ++counts[kind];
@@ -85,7 +96,8 @@ bool finishReport(RunReport* report, const Measurement& measurement, Console& co
     return !outcome.failed();
 }
 
-int run(const BatchText& text, const RunnerOptions& options, Console& console) {
+int run(const BatchText& text, const QString& file, const RunnerOptions& options,
+        Console& console) {
     std::unique_ptr<RunReport> report;
     if (!options.report.isEmpty()) {
         report = std::make_unique<RunReport>(options.report);
@@ -98,6 +110,7 @@ int run(const BatchText& text, const RunnerOptions& options, Console& console) {
         console.tellTimes();
     }
     Measurement measurement;
+    measurement.setBatchFile(file);
     if (options.threads > 0) {
         measurement.setThreads(options.threads);
     }
@@ -188,13 +201,14 @@ int perform(const RunnerOptions& options, Console& console) {
         console.note(QStringLiteral("tarnwick-batch: cannot open ") + options.file);
         return BatchSession::BadUsage;
     }
+    const QString file = QFileInfo(options.file).absoluteFilePath();
     if (!options.folder.isEmpty() && !QDir::setCurrent(options.folder)) {
         console.note(QStringLiteral("tarnwick-batch: cannot enter ") + options.folder);
         return BatchSession::BadUsage;
     }
     return options.action == RunnerOptions::Action::Check
-               ? check(lines, options.file, console)
-               : run(BatchText::fromLines(lines), options, console);
+               ? check(lines, options.file, file, console)
+               : run(BatchText::fromLines(lines), file, options, console);
 }
 
 }  // namespace
@@ -209,6 +223,9 @@ int main(int argc, char** argv) {
     const bool plain = qgetenv("TERM") == "dumb";
     Console console(&out, &err, !plain && isatty(STDOUT_FILENO) == 1,
                     !plain && isatty(STDERR_FILENO) == 1);
+    if (isOneFile(STDOUT_FILENO, STDERR_FILENO)) {
+        console.shareLines();
+    }
     debugConsole = &console;
     qInstallMessageHandler(writeMessage);
 
