@@ -4,19 +4,24 @@
 #include <QPainter>
 #include <cmath>
 
-#include "base/DebugLog.h"
 #include "base/Globals.h"
 #include "display/Availability.h"
 #include "display/DispA.h"
+#include "display/MessageLine.h"
 #include "drawing/Letters.h"
 #include "drawing/PlotPicture.h"
 #include "files/FileNames.h"
+#include "files/WholeFile.h"
 #include "spectra/SpectrumFile.h"
 #include "spectra/Units.h"
 #include "ui_XafsView.h"
 
-XafsView::XafsView(QWidget* parent) : QFrame(parent), m_ui(std::make_unique<Ui::XafsView>()) {
+XafsView::XafsView(QWidget* parent)
+    : QFrame(parent), m_ui(std::make_unique<Ui::XafsView>()), m_message(new MessageLine(this)) {
     m_ui->setupUi(this);
+    m_message->setObjectName(QStringLiteral("Message"));
+    m_message->hide();
+    m_ui->viewLayout->addWidget(m_message);
     m_plot.texts = {
         {QStringLiteral("mu-t"), tr("Normalized"), tr("Double normalized"), tr("Post based"),
          tr("Post based by span")},
@@ -154,20 +159,25 @@ void XafsView::draw(QPainter* painter) {
     }
 }
 
+Outcome XafsView::write(const QString& fname, const std::function<bool()>& writer) {
+    if (m_write) {
+        return m_write(fname, writer);
+    }
+    return writer() ? Outcome() : Outcome::failure(tr("cannot be written: %1").arg(fname));
+}
+
 bool XafsView::saveData(const QString& fname) {
-    bool written = true;
+    Outcome outcome;
     const bool corrected = m_ui->Corrected->isChecked();
     int number = 0;
     for (const SpectrumPlot::Shown& shown : m_plot.shown()) {
         const QString name = number == 0 ? fname : taggedName(fname, QString::number(number));
-        const bool saved = writeSpectrumFile(name, *shown.spectrum, corrected);
-        if (saved) {
-            debugFile("Saved", name);
-        }
-        written = saved && written;
+        outcome += write(name, [&] {
+            return writeSpectrumFile(name, *shown.spectrum, corrected) && noteSaved(name);
+        });
         ++number;
     }
-    return written && number > 0;
+    return number > 0 && !outcome.failed();
 }
 
 void XafsView::startZoom() {

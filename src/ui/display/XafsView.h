@@ -1,11 +1,13 @@
 #pragma once
 
 #include <QFrame>
+#include <functional>
 #include <memory>
 #include <optional>
 
 #include "drawing/ChCoord.h"
 #include "drawing/SpectrumPlot.h"
+#include "measurement/Outcome.h"
 
 namespace Ui {
 class XafsView;
@@ -13,6 +15,7 @@ class XafsView;
 class QAction;
 class QFileDialog;
 class QMenu;
+class MessageLine;
 
 /// The window of a spectrum plot: shows the value and lets the user choose what of it is seen,
 /// magnify, read out, pin spectra and save.
@@ -55,6 +58,11 @@ class XafsView : public QFrame {
     /// Pins the spectrum; for the menus and shortcuts of other windows, too.
     QAction* pinAction() const { return m_pinAction; }
 
+    /// What writes files: calls a writer for a name, or says why not. Without one the writers are
+    /// called as they are.
+    using Write = std::function<Outcome(const QString& name, const std::function<bool()>& writer)>;
+    void setWriter(const Write& write) { m_write = write; }
+
     /// Whether there is a spectrum that saveData() would write.
     bool hasCurves() const;
     std::optional<double> rFactor() const { return m_plot.rFactor(); }
@@ -64,6 +72,8 @@ class XafsView : public QFrame {
     void updated();
     void axesChosen(int ordinate, int abscissa);
     void correctedChosen(bool on);
+    /// How the saving of the plot ended.
+    void said(const Outcome& outcome, const QString& file);
 
   public slots:
     void draw(QPainter* painter);
@@ -74,8 +84,8 @@ class XafsView : public QFrame {
     /// ... before the suffix. True when all were written; false, and nothing written, for an empty
     /// plot.
     bool saveData(const QString& fname);
-    /// Writes the plot with what is shown of it, as writePlot() does. False, with a debug line,
-    /// when it cannot be written.
+    /// Writes the plot with what is shown of it, as writePlot() does, and says how it ended. False,
+    /// with a debug line, when it cannot be written.
     bool savePlot(const QString& fname);
 
     /// Keeps a copy of the sample in the plot, with a colour of its own, until it is removed.
@@ -85,6 +95,7 @@ class XafsView : public QFrame {
     void removeAllPinned();
 
   private:
+    Outcome write(const QString& fname, const std::function<bool()>& writer);
     void makeMenu();
     void updateMenu();
     void listPinned();
@@ -100,7 +111,9 @@ class XafsView : public QFrame {
 
     std::unique_ptr<Ui::XafsView> m_ui;
     SpectrumPlot m_plot;
-    ChCoord m_coord;  // of the plot as it was last painted
+    Write m_write;
+    MessageLine* m_message;  // hidden while there is nothing to say
+    ChCoord m_coord;         // of the plot as it was last painted
     QMenu* m_menu = nullptr;
     QMenu* m_removeMenu = nullptr;
     QAction* m_pinAction = nullptr;

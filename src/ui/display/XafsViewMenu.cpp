@@ -8,6 +8,7 @@
 #include "base/DebugLog.h"
 #include "base/Globals.h"
 #include "display/DispA.h"
+#include "display/MessageLine.h"
 #include "display/XafsView.h"
 #include "drawing/PlotPicture.h"
 #include "ui_XafsView.h"
@@ -91,11 +92,14 @@ void XafsView::showSaveDialog() {
 }
 
 bool XafsView::savePlot(const QString& fname) {
-    const bool written = writePlot(fname, m_plot);
-    if (!written) {
+    const Outcome outcome = write(fname, [&] { return writePlot(fname, m_plot); });
+    if (outcome.failed()) {
         debugFile("cannot be written:", fname);
     }
-    return written;
+    m_message->say(outcome);
+    m_message->setVisible(!m_message->text().isEmpty());
+    emit said(outcome, fname);
+    return !outcome.failed();
 }
 
 QColor XafsView::colorOfPinned() const {

@@ -157,9 +157,6 @@ void Body::connectBatch() {
     connect(m_runner.dispatcher(), &BatchDispatcher::ended, m_batchCtrl.get(),
             &BatchCtrl::batchEnded);
     connect(m_batchCtrl.get(), &BatchCtrl::said, this, &Body::say);
-    m_batchCtrl->setWriter([this](const QString& name, const std::function<bool()>& write) {
-        return writeFile(m_measurement, name, write);
-    });
     connect(m_status->messagesButton(), &QPushButton::clicked, m_messagesWindow.get(),
             &QWidget::show);
     connect(m_ui->BatchCtrlB, &QPushButton::clicked, m_batchCtrl.get(), &QWidget::show);
@@ -213,6 +210,14 @@ void Body::connectPanels() {
 }
 
 void Body::connectSaving() {
+    const auto write = [this](const QString& name, const std::function<bool()>& writer) {
+        return writeFile(m_measurement, name, writer);
+    };
+    m_batchCtrl->setWriter(write);
+    for (XafsView* view : {m_xafsView.get(), m_analyzer->view()}) {
+        view->setWriter(write);
+        connect(view, &XafsView::said, this, &Body::say);
+    }
     const QStringList pictures{tr("Image File (*.png)"), tr("Any Files (* *.*)")};
     const QStringList spectra{tr("XAFS Spectra (*.dat)"), tr("Any Files (* *.*)")};
     const auto ask = [this](QPushButton* button, const QString& title, const QStringList& filters,
