@@ -1,4 +1,8 @@
+#include <sys/stat.h>
+
 #include "OutcomeCase.h"
+#include "TinyStacks.h"
+#include "display/XafsView.h"
 
 /// What stands in the way of an output.
 class TestOutputs : public QObject {
@@ -19,8 +23,43 @@ class TestOutputs : public QObject {
         add("another name", {}, "LOAD\nmove_position 3 3\nsave_spectra c.dat", "done", "");
         add("no folder", {}, "LOAD\nmove_position 3 3\nsave_spectra d/c.dat", "failed",
             "cannot be written: d/c.dat");
+        const char* const notAFile = "something else than a file";
+        add("a device", {}, "LOAD\nsave_image /dev/null", "failed", "no picture format");
+        add(
+            "a pipe", [] { mkfifo("pipe.png", 0600); }, "LOAD\nsave_image pipe.png", "failed",
+            notAFile);
+        add(
+            "a folder", [] { QDir().mkdir("d"); }, "LOAD\nmove_position 3 3\nsave_spectra d",
+            "failed", notAFile);
+        add(
+            "a dark frame by another name", [] { QFile::link("i0-7000_000eV.tif", "dark.png"); },
+            "LOAD\nload_dark_files i0-7000_000eV.tif\nsave_image dark.png", "failed",
+            "was read from this file: dark.png");
+        add("several files, one reason", {},
+            "LOAD\nREFS\nanalyzer_exec_LCF\nsave_all_images d/a.png", "failed",
+            "^[^\n]*cannot be written: d/a-0-0.png[^\n]*$");
     }
     void outputs() { m_cases.judge(); }
+
+    /// What the plot window saves by its own menu is judged and told like the rest.
+    void plotOfTheWindow() {
+        const QTemporaryDir folder;
+        const QString frame = folder.filePath("fe-7100eV.tif");
+        QVERIFY(!writeTinyStack(folder.path(), "i1", 4, 4, {7100}, [](int, int, int) {
+                     return quint16(7);
+                 }).isEmpty());
+        QVERIFY(QFile::rename(folder.filePath("i1-7100_000eV.tif"), frame));
+        Body body;
+        QVERIFY(BatchRun(body).run({"load_I1_files NEW " + frame}));
+        auto* view = topLevel<XafsView>();
+        QSignalSpy said(view, &XafsView::said);
+        const QByteArray before = contentOf(frame);
+        QVERIFY(!view->savePlot(frame));
+        QCOMPARE(contentOf(frame), before);
+        QVERIFY(view->savePlot(folder.filePath("plot.png")));
+        QCOMPARE(said.count(), 2);
+        QCOMPARE(view->findChild<QLabel*>("Message")->text(), QString("Saved plot.png"));
+    }
 };
 
 TARNWICK_TEST_MAIN(QApplication, TestOutputs)

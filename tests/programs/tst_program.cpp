@@ -196,6 +196,20 @@ class TestProgram : public QObject {
         QCOMPARE(contentOf(standard), contentOf(m_phantom->file("a.dat")));
     }
 
+    void theBatchThatRunsIsSpared() {
+        QVERIFY(QDir(m_dir.path()).mkdir("away"));
+        const QString batch = batchOf({"save_record ../b.bat"});
+        const QByteArray before = contentOf(file("b.bat"));
+        for (const QStringList& arguments :
+             {QStringList{"-C", "away", batch}, QStringList{"--check", "-C", "away", batch}}) {
+            const Run result = runWith(arguments);
+            QVERIFY2((result.out + result.problems).contains("the batch that runs was read from"),
+                     qPrintable(result.out));
+            QCOMPARE(result.code, 1);
+        }
+        QCOMPARE(contentOf(file("b.bat")), before);
+    }
+
     void check() {
         QCOMPARE(runWith({"--check", batchOf({"set_band_w 1"})}).code, 0);
         const Run bad =

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDir>
+#include <QLabel>
 #include <QMap>
 #include <QProcess>
 #include <QRegularExpression>
@@ -65,22 +66,25 @@ class OutcomeCases {
                 "load_I0_files_of_pattern NEW . i0-*.tif", "set_band_w 0", "set_band_h 0"});
         expand(&lines, "REFS",
                {"analyzer_set_LCF_std 0 1 0 a.dat 0", "analyzer_set_LCF_std 1 1 0 b.dat 0"});
-        QStringList batchTexts;
-        QStringList windowTexts;
+        Said inBatch;
+        Said inWindow;
+        QStringList last;
         Ends predicted;
         Ends ended;
         inFolder(make, [&] {
             put("judged.bat", lines.join('\n').toUtf8());
             predicted = predictedEnds("judged.bat");
-            const QString err = output({"judged.bat"}).err;
-            ended = endsOf(err, RunLine);
-            batchTexts = textsOf(err, lines.size());
+            const Output run = output({"judged.bat"});
+            ended = endsOf(run.err, RunLine);
+            inBatch = {textsOf(run.err, "\\d+"), countsIn(run.out.trimmed().section('\n', -1))};
+            last = textsOf(run.err, QString::number(lines.size()));
         });
-        inFolder(make, [&] { windowTexts = runWindow(lines); });
+        inFolder(make, [&] { inWindow = runWindow(lines); });
         QCOMPARE(predicted, ended);
-        const QString said = batchTexts.join('\n');
-        QCOMPARE(windowTexts.join('\n'), said);
-        QVERIFY2(verdictOf(batchTexts) == verdict, qPrintable(said));
+        QCOMPARE(inWindow.texts.join('\n'), inBatch.texts.join('\n'));
+        QCOMPARE(inWindow.counts, inBatch.counts);
+        const QString said = last.join('\n');
+        QVERIFY2(verdictOf(last) == verdict, qPrintable(said));
         QVERIFY2(said.contains(QRegularExpression(text)), qPrintable(said));
     }
 
@@ -150,37 +154,48 @@ class OutcomeCases {
                                                     : QStringLiteral("warning");
     }
 
-    /// What is said of a line on standard error.
-    static QStringList textsOf(const QString& err, int number) {
+    /// What a program says of all lines in their order, and how many were done, done with a warning
+    /// and failed.
+    struct Said {
         QStringList texts;
-        const QString head = QString("line %1: ").arg(number);
-        for (const QString& line : err.split('\n')) {
-            if (line.startsWith(head)) {
-                const QString text = line.section(": ", 2);
-                texts << (text.startsWith("warning: ") ? text : "failed: " + text);
-            }
+        QString counts;
+    };
+
+    static QString countsIn(const QString& verdict) {
+        static const QRegularExpression pattern(
+            "^(\\d+) (?:lines? )?done, (\\d+) with a warning, (\\d+) failed");
+        return pattern.match(verdict).capturedTexts().mid(1).join(' ');
+    }
+
+    /// What standard error says of the lines whose numbers match.
+    static QStringList textsOf(const QString& err, const QString& numbers) {
+        const QRegularExpression pattern("^line (?:" + numbers + "): [^ ]*: (warning: |)(.*)$",
+                                         QRegularExpression::MultilineOption);
+        QStringList texts;
+        QRegularExpressionMatchIterator it = pattern.globalMatch(err);
+        while (it.hasNext()) {
+            const QRegularExpressionMatch found = it.next();
+            texts << (found.captured(1).isEmpty() ? "failed: " : "warning: ") + found.captured(2);
         }
         return texts;
     }
 
-    /// What the Progress Log of the window says of it.
-    static QStringList runWindow(const QStringList& lines) {
+    /// What the Progress Log and the foot of the batch window say.
+    static Said runWindow(const QStringList& lines) {
         Body body;
-        QString log;
-        QObject::connect(body.batchCtrl(), &BatchCtrl::logged,
-                         [&log](const QString& text) { log += text; });
-        QObject::connect(body.dispatcher(), &BatchDispatcher::log, body.batchCtrl(),
-                         [&log] { log.clear(); });
+        Said said;
+        QObject::connect(body.batchCtrl(), &BatchCtrl::logged, [&said](const QString& log) {
+            for (const QString& line : log.split('\n')) {
+                if (line.startsWith("failed: ") || line.startsWith("warning: ")) {
+                    said.texts << line;
+                }
+            }
+        });
         if (!BatchRun(body).run(lines)) {
             qWarning("the window did not come to the end of the batch");
         }
-        QStringList texts;
-        for (const QString& line : log.split('\n')) {
-            if (line.startsWith("failed: ") || line.startsWith("warning: ")) {
-                texts << line;
-            }
-        }
-        return texts;
+        said.counts = countsIn(body.batchCtrl()->findChild<QLabel*>("Message")->text());
+        return said;
     }
 
     std::unique_ptr<Phantom> m_phantom;
