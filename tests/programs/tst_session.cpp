@@ -132,6 +132,14 @@ class TestSession : public QObject {
                      .match(said)
                      .hasMatch(),
                  qPrintable(said));
+
+        QBuffer log;  // as after "> log 2>&1"
+        log.open(QIODevice::WriteOnly);
+        Console file(&log, &log, false, false);
+        file.shareLines();
+        file.log("echo a");
+        file.note("failure");
+        QCOMPARE(log.data(), QByteArray("echo a\nfailure\n"));
     }
 
     void savedFilesTell() {
