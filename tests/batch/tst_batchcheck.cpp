@@ -104,7 +104,7 @@ class TestBatchCheck : public QObject {
 
     void neverHangs() {
         QFETCH(QStringList, lines);
-        const QVector<Finding> findings = checkBatch(lines, DefaultCheckEffort / 20);
+        const QVector<Finding> findings = checkBatch(lines, QString(), DefaultCheckEffort / 20);
         QVERIFY(!findings.isEmpty());
         QCOMPARE(findings.last().line, lines.size());  // the end is checked all the same
         QVERIFY(findings.last().kind == Finding::Kind::Error);
