@@ -1,3 +1,4 @@
+#include <sys/stat.h>
 #include <tiffio.h>
 
 #include <QDateTime>
@@ -16,9 +17,10 @@ constexpr int Width = 12;
 constexpr int Height = 8;
 const char* const Frame = "i1-7305eV.tif";  // joins the 31 of the stack
 
-/// A file of one image of the tags given, its counts 500 everywhere.
-void putTiff(const char* name, const std::initializer_list<std::pair<ttag_t, int>>& tags) {
-    TIFF* const tiff = TIFFOpen(name, "w");
+/// A file of one image of the tags given, its counts 500 everywhere; mode "a" adds an image.
+void putTiff(const char* name, const std::initializer_list<std::pair<ttag_t, int>>& tags,
+             const char* mode = "w") {
+    TIFF* const tiff = TIFFOpen(name, mode);
     TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, Width);
     TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, Height);
     TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 16);
@@ -106,6 +108,13 @@ class TestFramesJudged : public QObject {
             put(Frame, tiff);
         });
         row("damaged: 0 of 8 rows can be decoded", putDamaged, false);
+        row("a strip is announced longer than the file", [] {
+            putTiff(Frame, {});  // two strips of 4 rows, their lengths in 16 bits
+            const QByteArray lengths("\x60\0\x60\0", 4);
+            put(Frame, contentOf(Frame).replace(lengths, QByteArray("\x60\0\x60\x9", 4)));
+        });
+        row("a folder or a device, not a file",
+            [] { QVERIFY(mkfifo(QFile::encodeName(Frame).constData(), 0600) == 0); });
         row("an empty file", [] { put(Frame, ""); });
         row("neither TIFF nor IMG", [] { put(Frame, "7000 1\n"); });
         row("a TIFF file without an image", [] { put(Frame, "II*"); });
@@ -189,6 +198,27 @@ class TestFramesJudged : public QObject {
             },
             all + "\nload_I1_files ADD x7300_0eV.tif x7300eV.tif", "warning",
             "2 frame\\(s\\) of an energy");
+        add(
+            "marked as white",
+            [] {
+                putTiff(Frame, {{TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE}});
+            },
+            all, "warning", "I1: i1-7305eV.tif: .* 0 is marked as white");
+        add(
+            "several images",
+            [] {
+                putTiff(Frame, {});
+                putTiff(Frame, {}, "a");
+            },
+            all, "warning", "I1: i1-7305eV.tif: only the first");
+        add(
+            "dark frames of another size", [] { putPlain({"x.tif"}, 8, 12); },
+            "load_dark_files x.tif\nLOAD\nanalyzer_exec_ra", "warning", "1 dark frame\\(s\\)");
+        add(
+            "no dark frame is left of before", [] { putPlain({"x.tif"}, Width, Height, 60000); },
+            "LOAD\nanalyzer_set_ra_energy 7120\nload_dark_files x.tif\n"
+            "load_dark_files_of_pattern . y*\nanalyzer_exec_ra",
+            "done", "");
         // 4 of 32 x 96 pixels are 0.13 %, 3 are less than 0.1 %.
         const auto saturate = [](int pixels) -> Make {
             return [pixels] {

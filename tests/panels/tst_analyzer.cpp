@@ -132,6 +132,10 @@ class TestAnalyzer : public QObject {
         QVERIFY(panel(2)->findChild<QCheckBox*>("IsVictreen")->isChecked());
         QVERIFY(panel(2)->findChild<QCheckBox*>("Use")->isChecked());
         QCOMPARE(field(2, "DeltaE")->text(), QString("-2"));
+        press("Clear", panel(2));
+        QVERIFY(!panel(2)->hasSpectrum() && panel(2)->reference().file().name.isEmpty());
+        QVERIFY(panel(2)->isUsed());
+        QCOMPARE(field(2, "MidE")->text() + field(2, "DeltaE")->text(), QString("-2"));
 
         panel(2)->setRatio(0.12345);
         panel(2)->setDMut(1234567.0);

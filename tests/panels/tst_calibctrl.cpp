@@ -76,6 +76,9 @@ class TestCalibCtrl : public QObject {
         panel.loadStd(m_falling);  // no rising edge
         QCOMPARE(loaded.count(), 2);
         QCOMPARE(edgeText(panel), "0");
+        press("Clear", &panel);
+        QVERIFY(panel.standard()->isEmpty() && panel.standardFileName().isEmpty());
+        QCOMPARE(edgeText(panel), "0");
     }
 
     void backgroundOfTheStandard() {

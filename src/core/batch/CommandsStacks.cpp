@@ -45,7 +45,6 @@ void loadDarkOfPattern(Action& a) {
     const QStringList files = a.measurement.list(a.args.text(0), a.args.from(1));
     if (files.isEmpty()) {
         a.fail(whyNoFile(a.args.text(0), a.args.from(1)));
-        return;
     }
     a.measurement.loadDark(files);
 }

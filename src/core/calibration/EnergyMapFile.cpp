@@ -2,7 +2,7 @@
 
 #include <QDateTime>
 #include <QDebug>
-#include <QFile>
+#include <QFileInfo>
 #include <QRectF>
 #include <QSaveFile>
 #include <QTextStream>
@@ -245,7 +245,8 @@ EMapReading readEMap(const QString& fileName, double edgeEnergy, QSize* imageSiz
                      Analyzed2DRes* map) {
     EMapReading reading;
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    // A pipe would be waited for, a device has no end.
+    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         debugFile("Can not open", fileName);
         reading.refusal = EMapRefusal::NoFile;
         return reading;

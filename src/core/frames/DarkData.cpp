@@ -72,6 +72,17 @@ QStringList DarkData::files() const {
     return names;
 }
 
+QStringList DarkData::remarks() const {
+    QStringList texts;
+    for (int i = 0; i < loaded(); ++i) {
+        const TiffData& frame = *m_loader.frames().at(i);
+        for (const QString& remark : frame.remarks) {
+            texts << QStringLiteral("%1: %2").arg(frame.fileName, remark);
+        }
+    }
+    return texts;
+}
+
 const DarkFrame* DarkData::mean() {
     if (m_meanIsStale) {
         m_mean = DarkFrame(m_loader.frames(), m_imageWidth, m_imageHeight);

@@ -40,6 +40,9 @@ class DarkData : public QObject {
     /// These with the reason of each.
     const QVector<StackLoader::Refused>& refusals() const { return m_refused; }
 
+    /// What should be known of the loaded frames, each after its name.
+    QStringList remarks() const;
+
     /// Mean of the fitting frames as of the last changed(), null when there is none of the images'
     /// size. Valid until the next call.
     const DarkFrame* mean();

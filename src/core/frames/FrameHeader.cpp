@@ -1,11 +1,16 @@
 #include "frames/FrameHeader.h"
 
-#include <QFile>
+#include <QFileInfo>
 
 #include "frames/FrameReader.h"
 
 FrameHeader frameHeader(const QString& fileName) {
     FrameHeader header;
+    const QFileInfo info(fileName);
+    if (info.exists() && !info.isFile()) {
+        header.refusal = FrameHeader::tr("a folder or a device, not a file");
+        return header;
+    }
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         header.refusal =

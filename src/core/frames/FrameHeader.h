@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
-#include <QString>
+#include <QStringList>
 
 /// What a file says of its frame before any count is read.
 struct FrameHeader {
@@ -13,6 +13,8 @@ struct FrameHeader {
     /// Why no stack takes the file, in one phrase such as "32-bit float, not 16-bit counts". Empty:
     /// nothing but a strip that cannot be decoded keeps a stack from taking it.
     QString refusal;
+    /// What somebody should know of a file that is taken, each in one phrase.
+    QStringList remarks;
 };
 
 /// The header of a frame's file, told by its first bytes as TiffData::load() does; no count is

@@ -8,6 +8,7 @@ void LoadTiff::loadHeader(const QString& fname, TiffData* data) const {
         data->width = header.width;
         data->height = header.height;
         data->refusal = header.refusal;
+        data->remarks = header.remarks;
     }
     data->fileName = fname;
     data->loaded = data->refusal.isEmpty();

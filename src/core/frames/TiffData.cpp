@@ -1,6 +1,7 @@
 #include "frames/TiffData.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <algorithm>
 #include <cstring>
@@ -24,9 +25,11 @@ TiffData::~TiffData() {
 bool TiffData::load(const QString& name) {
     loaded = false;
     refusal.clear();
+    remarks.clear();
+    const QFileInfo info(name);
     QFile file(name);
-    // Unbuffered: two bytes do not need the first 16 KB.
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+    // A pipe would be waited for. Unbuffered: two bytes do not need the first 16 KB.
+    if ((info.exists() && !info.isFile()) || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         debugFile("Can not open (1)", name);
         return false;
     }

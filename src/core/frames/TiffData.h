@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QMetaType>
-#include <QString>
+#include <QStringList>
 #include <memory>
 #include <vector>
 
@@ -32,6 +32,7 @@ struct TiffData {
     bool loaded = false;         ///< the last load() succeeded
     /// Why no stack takes what has been read, in one phrase; empty: it is a frame of counts.
     QString refusal;
+    QStringList remarks;    ///< what should be known of it nevertheless, see FrameHeader
     quint64 saturated = 0;  ///< pixels at 65535
 
     /// Reads an image file of any format of frameReaders(), told by its first bytes. A failure

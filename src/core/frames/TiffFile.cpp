@@ -256,6 +256,7 @@ QString readFrom(TiffHandle tiff, const Open& open, TiffData* frame) {
     frame->width = width;
     frame->height = height;
     frame->refusal = header.refusal;
+    frame->remarks = header.remarks;
     const tmsize_t lineBytes = TIFFScanlineSize(tiff.get());
     if (isTooLarge(tiff.get(), width, height)) {
         return QStringLiteral("Too large an image");

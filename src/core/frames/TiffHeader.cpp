@@ -36,13 +36,18 @@ QString kindOfSamples(TIFF* tiff) {
     }
 }
 
-/// Rows of 16-bit counts that the file holds. A compressed strip is there as a whole or not.
-quint64 rowsInFile(TIFF* tiff, quint32 width, quint32 height, bool isPlain) {
+/// What the strips of a file hold.
+struct Strips {
+    quint64 rows = 0;        ///< of 16-bit counts; a compressed strip is there as a whole or not
+    bool isBeyond = false;  ///< one is to end behind the file's end
+};
+
+Strips stripsInFile(TIFF* tiff, quint32 width, quint32 height, bool isPlain) {
     const quint64 fileBytes = TIFFGetSizeProc(tiff)(TIFFClientdata(tiff));
     const quint64 rowBytes = quint64(width) * 2;
     uint32_t rowsPerStrip = 0;
     TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
-    quint64 found = 0;
+    Strips found;
     uint32_t strip = 0;
     for (quint64 y = 0; rowsPerStrip > 0 && y < height; y += rowsPerStrip, ++strip) {
         const quint64 offset = TIFFGetStrileOffset(tiff, strip);
@@ -52,7 +57,8 @@ quint64 rowsInFile(TIFF* tiff, quint32 width, quint32 height, bool isPlain) {
         }
         const quint64 rows = std::min<quint64>(rowsPerStrip, height - y);
         const quint64 left = fileBytes - offset;
-        found +=
+        found.isBeyond = found.isBeyond || bytes > left;
+        found.rows +=
             isPlain ? std::min(rows, std::min(bytes, left) / rowBytes) : (bytes <= left ? rows : 0);
     }
     return found;
@@ -76,9 +82,27 @@ QString refusalOf(TIFF* tiff, quint32 width, quint32 height) {
     if (TIFFIsCODECConfigured(static_cast<uint16_t>(compression)) == 0) {
         return FrameHeader::tr("a compression that is not known (%1)").arg(compression);
     }
-    const quint64 rows = rowsInFile(tiff, width, height, compression == COMPRESSION_NONE);
-    return rows == height ? QString()
-                          : FrameHeader::tr("truncated: %1 of %2 rows").arg(rows).arg(height);
+    const Strips strips = stripsInFile(tiff, width, height, compression == COMPRESSION_NONE);
+    if (strips.rows < height) {
+        return FrameHeader::tr("truncated: %1 of %2 rows").arg(strips.rows).arg(height);
+    }
+    return strips.isBeyond ? FrameHeader::tr("a strip is announced longer than the file")
+                           : QString();
+}
+
+QStringList remarksOn(TIFF* tiff) {
+    QStringList remarks;
+    uint16_t photometric = PHOTOMETRIC_MINISBLACK;
+    TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &photometric);
+    if (photometric == PHOTOMETRIC_MINISWHITE) {
+        remarks << FrameHeader::tr("its counts are taken as they stand, though 0 is marked as white");
+    } else if (photometric != PHOTOMETRIC_MINISBLACK) {
+        remarks << FrameHeader::tr("its values are taken as counts, though not marked as such");
+    }
+    if (TIFFLastDirectory(tiff) == 0) {
+        remarks << FrameHeader::tr("only the first of its images is read");
+    }
+    return remarks;
 }
 
 }  // namespace
@@ -96,5 +120,6 @@ FrameHeader tiffHeader(TIFF* tiff) {
     TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &header.height);
     TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &header.width);
     header.refusal = refusalOf(tiff, header.width, header.height);
+    header.remarks = remarksOn(tiff);
     return header;
 }

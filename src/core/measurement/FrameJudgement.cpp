@@ -1,6 +1,7 @@
 #include "measurement/FrameJudgement.h"
 
 #include <QFileInfo>
+#include <QMap>
 #include <QRegularExpression>
 #include <algorithm>
 #include <set>
@@ -85,6 +86,21 @@ QStringList aboutEnergies(const Files& files) {
     return texts;
 }
 
+/// What the files say of themselves, each remark once.
+QStringList aboutFiles(const Stack& stack, int firstNew) {
+    QMap<QString, Files> remarked;
+    for (int i = firstNew; i < stack.size(); ++i) {
+        for (const QString& remark : stack.frames().at(i)->remarks) {
+            remarked[remark] << stack.files().at(i);
+        }
+    }
+    QStringList texts;
+    for (auto it = remarked.constBegin(); it != remarked.constEnd(); ++it) {
+        texts << QStringLiteral("%1: %2").arg(named(it.value()), it.key());
+    }
+    return texts;
+}
+
 double saturatedShare(const FrameSet& frames) {
     double saturated = 0.0;
     double pixels = 0.0;
@@ -94,6 +110,14 @@ double saturatedShare(const FrameSet& frames) {
         pixels += static_cast<double>(frame.width) * frame.height;
     }
     return pixels > 0.0 ? saturated / pixels : 0.0;
+}
+
+/// Nothing where all dark frames are of the images' size.
+QString aboutDark(const Measurement& m) {
+    const int unused = m.imageSize().isEmpty() ? 0 : m.dark().loaded() - m.dark().fitting();
+    return unused == 0 ? QString()
+                       : Measurement::tr("%n dark frame(s) of another size than the images not used",
+                                         nullptr, unused);
 }
 
 QString text(const QSize& size) {
@@ -116,7 +140,8 @@ QStringList warningsOf(const Stack& stack, int firstNew) {
     if (firstNew >= stack.size()) {
         return {};  // of the others it has been said
     }
-    QStringList texts = aboutNames(stack.files().mid(firstNew)) + aboutEnergies(stack.files());
+    QStringList texts = aboutFiles(stack, firstNew) + aboutNames(stack.files().mid(firstNew)) +
+                        aboutEnergies(stack.files());
     const double saturated = saturatedShare(stack.frames());
     if (saturated > SaturatedShare) {
         texts << Stack::tr("%1 % of the pixels are saturated (65535 counts)")
@@ -148,12 +173,19 @@ Outcome judgeFrames(const Measurement& m) {
                             "%n",
                             nullptr, static_cast<int>(energies.size())));
     }
-    return m.stack(StackId::I0).size() > 0
-               ? Outcome()
-               : Outcome::warning(Measurement::tr("no I0 frames: I0 counts as 1 everywhere"));
+    Outcome outcome;
+    if (m.stack(StackId::I0).size() == 0) {
+        outcome.warnings << Measurement::tr("no I0 frames: I0 counts as 1 everywhere");
+    }
+    const QString dark = aboutDark(m);
+    if (!dark.isEmpty()) {
+        outcome.warnings << dark;
+    }
+    return outcome;
 }
 
 QStringList Measurement::lastingWarnings() const {
-    const QString sizes = aboutSizes(*this);
-    return sizes.isEmpty() ? QStringList() : QStringList{sizes};
+    QStringList texts{aboutSizes(*this), aboutDark(*this)};
+    texts.removeAll(QString());
+    return texts;
 }

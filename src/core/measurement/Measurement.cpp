@@ -37,6 +37,7 @@ Measurement::Measurement()
             for (const StackLoader::Refused& file : m_dark.refusals()) {
                 outcome.failures << QStringLiteral("%1: %2").arg(file.fileName, file.why);
             }
+            outcome.warnings = m_dark.remarks();
             emit ended(Work::LoadDark, outcome);
         }
     });
@@ -289,6 +290,11 @@ Outcome Measurement::loadStandard(const QString& fileName) {
     }
     emit changed(Changes(Standard) | Setting | Position);
     return outcome;
+}
+
+void Measurement::clearStandard() {
+    m_standard.forget();
+    emit changed(Changes(Standard) | Position);
 }
 
 /// A fit under way has the shifts that it began with; a calibration would replace the map asked

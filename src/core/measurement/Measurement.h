@@ -84,6 +84,7 @@ class Measurement : public QObject {
     const XafsSpectrum* standard() const { return m_hasStandard ? &m_standard.spectrum : nullptr; }
     QString standardFile() const { return m_standard.file.name; }
     Outcome loadStandard(const QString& fileName);
+    void clearStandard();  ///< the edge energy keeps its text
     Result& map() const { return *m_map; }
     /// Where the energy shifts in force come from; null while there are none.
     const std::shared_ptr<const MapInput>& mapInput() const { return m_mapInput; }

@@ -124,6 +124,11 @@ Outcome Reference::read(const QString& fileName) {
     return outcome;
 }
 
+void Reference::forget() {
+    m_file.forget();
+    applyShift();
+}
+
 QStringList Reference::warnings() const {
     QStringList all = m_file.warnings;
     const QString fault = edgeFault();

@@ -58,6 +58,8 @@ class Reference {
 
     /// Failed when the file is not taken: then there is no spectrum.
     Outcome read(const QString& fileName);
+    /// As before the first file, but for use, offset and background.
+    void forget();
     /// Why the file given last was not taken; empty: it was, or none was given.
     const QString& whyNot() const { return m_file.whyNot; }
     bool isStandIn() const { return m_file.isStandIn; }

@@ -1,7 +1,7 @@
 #include "spectra/UsableRows.h"
 
 #include <QCoreApplication>
-#include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QTextCodec>
 #include <QTextStream>
@@ -81,7 +81,8 @@ class Taking {
 
     TakenSpectrum take() {
         QFile file(m_fileName);
-        if (!file.open(QIODevice::ReadOnly)) {
+        // A pipe would be waited for, a device has no end.
+        if (!QFileInfo(m_fileName).isFile() || !file.open(QIODevice::ReadOnly)) {
             debugFile("Can not open", m_fileName);
             m_taken.spectrum.setValid(false);
             m_taken.whyNot = Usable::tr("cannot be read: %1").arg(m_fileName);

@@ -60,6 +60,8 @@ CalibCtrl::~CalibCtrl() = default;
 void CalibCtrl::connectControls() {
     connect(m_ui->SelectStd, &QAbstractButton::clicked, m_ui->StdSelector, &QWidget::show);
     connect(m_ui->StdSelector, &XafsFileSelect::newFile, this, &CalibCtrl::newFile);
+    connect(m_ui->StdSelector, &XafsFileSelect::cleared, this,
+            [this] { m_measurement.clearStandard(); });
     const auto toggled = QOverload<QAbstractButton*, bool>::of(&QButtonGroup::buttonToggled);
     connect(m_ui->stdBGGroup, toggled, this,
             [this](QAbstractButton*, bool on) { stdBGToggled(on); });

@@ -52,6 +52,10 @@ void LCFReference::arrangeFields() {
 
 void LCFReference::connectControls() {
     connect(m_ui->XFS, &XafsFileSelect::newFile, this, &LCFReference::newFile);
+    connect(m_ui->XFS, &XafsFileSelect::cleared, this, [this] {
+        m_measurement.change(m_index, [](Reference& r) { r.forget(); });
+        emit newFileSelected();
+    });
     connect(m_ui->XFS, &XafsFileSelect::changedUse, this, &LCFReference::changedUse);
     connect(m_ui->DeltaE, &QLineEdit::editingFinished, this, &LCFReference::editedDeltaE);
     connect(m_ui->IsVictreen, &QCheckBox::toggled, this, &LCFReference::toggledIsVictreen);

@@ -19,6 +19,7 @@ XafsFileSelect::XafsFileSelect(QWidget* parent)
     });
     connect(m_ui->Select, &QPushButton::clicked, this, &XafsFileSelect::showDialog);
     connect(m_ui->Clear, &QPushButton::clicked, this, &XafsFileSelect::clear);
+    connect(m_ui->Clear, &QPushButton::clicked, this, &XafsFileSelect::cleared);
     connect(m_ui->Use, &QCheckBox::toggled, this, &XafsFileSelect::changedUse);
 }
 

@@ -28,6 +28,8 @@ class XafsFileSelect : public QFrame {
   signals:
     void changedUse(bool use);
     void newFile(const QString& fname);
+    /// The user wants none.
+    void cleared();
 
   public slots:
     void fileSelected(const QString& fname);
