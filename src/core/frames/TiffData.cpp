@@ -29,7 +29,8 @@ bool TiffData::load(const QString& name) {
     const QFileInfo info(name);
     QFile file(name);
     // A pipe would be waited for. Unbuffered: two bytes do not need the first 16 KB.
-    if ((info.exists() && !info.isFile()) || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+    if ((info.exists() && !info.isFile()) ||
+        !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         debugFile("Can not open (1)", name);
         return false;
     }

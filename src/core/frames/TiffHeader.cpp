@@ -38,7 +38,7 @@ QString kindOfSamples(TIFF* tiff) {
 
 /// What the strips of a file hold.
 struct Strips {
-    quint64 rows = 0;        ///< of 16-bit counts; a compressed strip is there as a whole or not
+    quint64 rows = 0;       ///< of 16-bit counts; a compressed strip is there as a whole or not
     bool isBeyond = false;  ///< one is to end behind the file's end
 };
 
@@ -95,7 +95,8 @@ QStringList remarksOn(TIFF* tiff) {
     uint16_t photometric = PHOTOMETRIC_MINISBLACK;
     TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &photometric);
     if (photometric == PHOTOMETRIC_MINISWHITE) {
-        remarks << FrameHeader::tr("its counts are taken as they stand, though 0 is marked as white");
+        remarks << FrameHeader::tr(
+            "its counts are taken as they stand, though 0 is marked as white");
     } else if (photometric != PHOTOMETRIC_MINISBLACK) {
         remarks << FrameHeader::tr("its values are taken as counts, though not marked as such");
     }

@@ -115,9 +115,10 @@ double saturatedShare(const FrameSet& frames) {
 /// Nothing where all dark frames are of the images' size.
 QString aboutDark(const Measurement& m) {
     const int unused = m.imageSize().isEmpty() ? 0 : m.dark().loaded() - m.dark().fitting();
-    return unused == 0 ? QString()
-                       : Measurement::tr("%n dark frame(s) of another size than the images not used",
-                                         nullptr, unused);
+    return unused == 0
+               ? QString()
+               : Measurement::tr("%n dark frame(s) of another size than the images not used",
+                                 nullptr, unused);
 }
 
 QString text(const QSize& size) {
