@@ -106,13 +106,16 @@ Outcome judgeShifts(const Analyzed2DRes& map, const CalibrationEdges& edges) {
 
 namespace {
 
-QString whyRefused(EMapRefusal refusal) {
+QString whyRefused(EMapRefusal refusal, const QSize& images) {
     switch (refusal) {
         case EMapRefusal::NoFile:
             return Calibration::tr("cannot be read: %1");
         case EMapRefusal::NoMap:
             return Calibration::tr("no energy map: %1");
         case EMapRefusal::OtherSize:
+            if (images.width() != images.height()) {
+                return Calibration::tr("only maps of square images load: %1");
+            }
             return Calibration::tr("not of the images' size: %1");
         case EMapRefusal::EdgeEnergy:
             return Calibration::tr("no edge energy that the crystal reflects: %1");
@@ -128,7 +131,7 @@ QString whyRefused(EMapRefusal refusal) {
 
 Outcome judgeMapFile(const EMapReading& reading, const QString& fileName, const QSize& size) {
     if (reading.refusal != EMapRefusal::None) {
-        return Outcome::failure(whyRefused(reading.refusal).arg(fileName));
+        return Outcome::failure(whyRefused(reading.refusal, size).arg(fileName));
     }
     Outcome outcome =
         Outcome::note(Calibration::tr("Loaded %1").arg(QFileInfo(fileName).fileName()));

@@ -16,8 +16,8 @@ FileInput fileInput(const QString& fileName);
 struct NormalisedFile {
     FileInput file;
     XafsSpectrum spectrum;
-    QString whyNot;        ///< the last file was not taken, with its name; empty: it was
-    QStringList warnings;  ///< what was left out of it
+    QString whyNot;          ///< the last file was not taken, with its name; empty: it was
+    QStringList warnings;    ///< what was left out of it
     bool isStandIn = false;  ///< of a rehearsal: only its energies are those of the file
     const Rehearsal* rehearsal = nullptr;  ///< what has not been written stands for itself
 

@@ -93,6 +93,11 @@ void Stack::read(const QStringList& files) {
 /// Decided before the first is read: a file without an energy among others that have one would
 /// stand at an energy of its own making.
 QStringList Stack::withEnergies(const QStringList& files) {
+    // Of a file that is not there the reader says more.
+    const auto isThere = [this](const QString& file) {
+        return QFileInfo::exists(file) ||
+               (m_rehearsal != nullptr && m_rehearsal->find(file) != nullptr);
+    };
     const auto isNamed = [this](const QString& file) { return hasEnergy(file, m_loadNames); };
     m_energies = m_energies || std::any_of(files.begin(), files.end(), isNamed);
     if (!m_energies) {
@@ -100,7 +105,7 @@ QStringList Stack::withEnergies(const QStringList& files) {
     }
     QStringList named;
     for (const QString& file : files) {
-        if (isNamed(file)) {
+        if (isNamed(file) || !isThere(file)) {
             named << file;
         } else {
             leaveOut(file, tr("no energy in its name, while others have one"));
