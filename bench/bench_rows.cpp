@@ -15,6 +15,7 @@
 #include "absorption/AbsorptionSource.h"
 #include "absorption/RasterPass.h"
 #include "base/Globals.h"
+#include "calibration/EnergyShift.h"
 #include "fitting/LaneFit.h"
 #include "frames/FrameSet.h"
 #include "maps/AnalysisGrid.h"
@@ -249,6 +250,30 @@ void Corrected(benchmark::State& state) {
 }
 BENCHMARK(Corrected)->ArgName("threads")->Arg(1)->Arg(2)->UseRealTime()->Unit(
     benchmark::kMillisecond);
+
+/// The passes of a calibration and of residual absorption.
+void passRows(benchmark::State& state, int valuesPerBin,
+              const std::vector<RasterPass::Evaluate>& evaluators) {
+    const Stacks& s = stacks(512, 100);
+    for (auto _ : state) {
+        const AbsorptionSource source(s.i1, s.i0, s.side, s.side);
+        const BinRaster raster{0, 1, s.side, 0, 1, s.side, 0, 0};
+        RasterPass pass(source, raster, valuesPerBin, evaluators);
+        while (pass.take().values != nullptr) {
+        }
+    }
+}
+
+void Edges(benchmark::State& state) {
+    passRows(state, 1, edgeEvaluators(static_cast<int>(state.range(0)), stacks(512, 100).energies));
+}
+void Backgrounds(benchmark::State& state) {
+    passRows(state, 2,
+             backgroundEvaluators(static_cast<int>(state.range(0)), stacks(512, 100).energies,
+                                  XafsSpectrum::Simple, 7150.0));
+}
+BENCHMARK(Edges)->ArgName("threads")->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(Backgrounds)->ArgName("threads")->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void Growth(benchmark::State& state) {
     const Stacks& s = stacks(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));

@@ -154,9 +154,12 @@ void BinRowSpectra::sum(int y, int firstBin, int bins) {
     }
 }
 
-void BinRowSpectra::formPack(int bin, double* mu) const {
-    m_kernels.muT(m_sums.data(), static_cast<int>(m_sums.size()), static_cast<std::size_t>(bin),
-                  mu);
+int BinRowSpectra::formPack(int bin, double* mu) const {
+    bool lacksCounts[lanes::Count];
+    m_kernels.muT(m_sums.data(), static_cast<int>(m_sums.size()), static_cast<std::size_t>(bin), mu,
+                  lacksCounts);
+    const int bins = std::min(lanes::Count, m_sumCount - bin);
+    return static_cast<int>(std::count(lacksCounts, lacksCounts + bins, true));
 }
 
 void BinRowSpectra::formRow(int y) {

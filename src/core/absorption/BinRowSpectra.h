@@ -30,8 +30,8 @@ class BinRowSpectra {
     void sum(int y, int firstBin, int bins);
     /// mu-t of a pack of the bins summed last, mu[energy * lanes::Count + bin]: those from
     /// `bin` on, a multiple of lanes::Count counted from their first. What lies beyond the last
-    /// bin is some number.
-    void formPack(int bin, double* mu) const;
+    /// bin is some number. Returns how many of its bins have no counts at some energy.
+    int formPack(int bin, double* mu) const;
 
   private:
     void formRow(int y);

@@ -17,13 +17,6 @@ constexpr std::size_t RowsAhead = 8;
 // Bytes of the counts of a few bins over all frames that a core keeps near itself.
 constexpr std::size_t NearMemory = std::size_t(1) << 18;
 
-/// How many of the first `count` spectra of a pack have a value of exactly 1.0.
-int withoutCounts(const double* mu, int energies, int count) {
-    bool holds[lanes::Count];
-    lanes::kernels(lanes::bestUnits()).holdsOne(mu, energies, holds);
-    return static_cast<int>(std::count(holds, holds + count, true));
-}
-
 }  // namespace
 
 RasterPass::RasterPass(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
@@ -102,9 +95,8 @@ void RasterPass::evaluateRows(const Evaluate& evaluate) {
             bins.sum(m_raster.y(row), first, count);
             for (int bin = 0; bin < count; bin += Pack) {
                 const int spectra = std::min(Pack, count - bin);
-                bins.formPack(bin, mu.data());
                 tally.bins += spectra;
-                tally.withoutCounts += withoutCounts(mu.data(), m_source.energyCount(), spectra);
+                tally.withoutCounts += bins.formPack(bin, mu.data());
                 tally.withoutJump += evaluate(mu.data(), row, first + bin, spectra,
                                               &values[static_cast<std::size_t>(first + bin) *
                                                       static_cast<std::size_t>(m_valuesPerBin)]);

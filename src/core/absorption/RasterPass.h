@@ -26,10 +26,8 @@ class RasterPass {
     /// What was seen in the spectra of some bins.
     struct Tally {
         int bins = 0;
-        /// Those with a value of exactly 1.0, which stands for missing counts. Counts give it as
-        /// good as never: no quotient of whole numbers below 1e6 comes so near to e.
-        int withoutCounts = 0;
-        int withoutJump = 0;  ///< with an edge jump of 0, as far as it is worked out
+        int withoutCounts = 0;  ///< at some energy
+        int withoutJump = 0;    ///< with an edge jump of 0, as far as it is worked out
 
         Tally& operator+=(const Tally& other) {
             bins += other.bins;

@@ -43,7 +43,8 @@ void fromCounts(const unsigned short* counts, std::ptrdiff_t n, double* out) {
     }
 }
 
-[[gnu::always_inline]] inline void muTAt(const Sums& sums, std::size_t bin, double* mu) {
+[[gnu::always_inline]] inline void muTAt(const Sums& sums, std::size_t bin, double* mu,
+                                         Real* least) {
     // Counts are finite, so that a difference of 0 to the frame before leaves its sum as it is.
     const bool atFrame = sums.after == nullptr || (sums.fromBefore == 0.0 && sums.span > 1e-100);
     for (std::size_t l = 0; l < Count; l += Width) {
@@ -69,25 +70,21 @@ void fromCounts(const unsigned short* counts, std::ptrdiff_t n, double* out) {
         } else {
             logarithmOfNormal<Real, Bits>(ratio, Real{}, ln);
         }
-        store(mu + l, (s0 > 0.0) & (s1 > 0.0) ? ln : Real{} + 1.0);
+        const Real lower = s0 < s1 ? s0 : s1;
+        Real& lowest = least[l / Width];
+        lowest = lower < lowest ? lower : lowest;
+        store(mu + l, lower > 0.0 ? ln : Real{} + 1.0);
     }
 }
 
-void muT(const Sums* sums, int energies, std::size_t bin, double* mu) {
+void muT(const Sums* sums, int energies, std::size_t bin, double* mu, bool* lacksCounts) {
+    Real least[Count / Width];
+    std::fill(least, least + Count / Width, Real{} + LargestNumber);
     for (int i = 0; i < energies; ++i) {
-        muTAt(sums[i], bin, mu + i * Count);
+        muTAt(sums[i], bin, mu + i * Count, least);
     }
-}
-
-void holdsOne(const double* mu, int energies, bool* holds) {
-    for (int l = 0; l < Count; l += Width) {
-        Mask found = {};
-        for (int i = 0; i < energies; ++i) {
-            found |= load(mu + i * Count + l) == 1.0;
-        }
-        for (int k = 0; k < Width; ++k) {
-            holds[l + k] = found[k] != 0;
-        }
+    for (int l = 0; l < Count; ++l) {
+        lacksCounts[l] = !(least[l / Width][l % Width] > 0.0);
     }
 }
 
@@ -293,5 +290,5 @@ void projections(const double* y, const double* f, int stride, int count, double
     }
 }
 
-constexpr Kernels All = {fromCounts, muT,    holdsOne,         risingEdge,
-                         rangeSums,  middle, doubleNormalised, projections};
+constexpr Kernels All = {fromCounts,       muT,        risingEdge, rangeSums, middle,
+                         doubleNormalised, projections};

@@ -51,11 +51,8 @@ struct Kernels {
     void (*fromCounts)(const unsigned short* counts, std::ptrdiff_t n, double* out);
 
     /// mu-t of the pack of bins from `bin` on: mu[i * Count + l] = ln(s0 / s1) at energy i, 1.0
-    /// where s0 or s1 is not above 0.
-    void (*muT)(const Sums* sums, int energies, std::size_t bin, double* mu);
-
-    /// Whether each spectrum has a value of exactly 1.0.
-    void (*holdsOne)(const double* mu, int energies, bool* holds);
+    /// where s0 or s1 is not above 0 (no counts); lacksCounts[l] tells whether that is so at any.
+    void (*muT)(const Sums* sums, int energies, std::size_t bin, double* mu, bool* lacksCounts);
 
     /// Energy at which each spectrum first rises through minimum + fraction (maximum - minimum),
     /// interpolated; e[0] where it does not. At least one point.
