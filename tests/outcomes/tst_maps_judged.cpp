@@ -57,6 +57,8 @@ class TestMapsJudged : public QObject {
         add("every bin has an edge", squareImages(0), loadSquare + "calib_exec", "done", "");
         add("no standard", {}, "LOAD\ncalib_exec", "warning",
             "^warning: no standard: the map holds edge energies, not shifts$");
+        add("edge energies are no shifts", {}, "LOAD\nREFS\ncalib_exec\nanalyzer_exec_LCF",
+            "failed", "with the shifts of the energy map, 96 of 96 bins have too few energies");
         add(
             "a standard without an edge",
             [] { put("flat.dat", "7000 1\n7050 1\n7100 1\n7150 1\n7200 1\n7250 1\n"); },
@@ -75,6 +77,8 @@ class TestMapsJudged : public QObject {
         add("no bin inside", squareImages(0), noBin.trimmed(), "failed", "no bin of the area");
         add("the map before stays", squareImages(0), noBin + "calib_save_map x.emp", "warning",
             "^warning: the result is of the run before$");
+        add("no map", squareImages(0), loadSquare + "calib_save_map x.emp", "warning",
+            "every shift in the file is 0");
     }
     void calibration() { m_cases.judge(); }
 
@@ -89,8 +93,8 @@ class TestMapsJudged : public QObject {
         add("that of the panel", mapFile("7112.5", "x"), withEdge + load, "done", "");
         add("a shift of 2000 eV", mapFile("0.002", "4"), load, "failed", "above 1000 eV: map.emp$");
         add("the map before stays", mapFile("0.002", "inf"),
-            "calib_load_map good.emp\n" + load + "\nselect_disp_image 2\nsave_image x.png", "done",
-            "");
+            "calib_load_map good.emp\n" + load + "\nselect_disp_image 2\nsave_image x.png",
+            "warning", "^warning: the result is of the run before$");
         add("cut", mapFile("0 0.002 \n", ""), load, "warning",
             "^warning: 2 of 9 values are missing and count as no shift: map.emp$");
         add("text in it", mapFile("0.002", "O"), load, "warning", "1 values are no numbers");
@@ -119,6 +123,7 @@ class TestMapsJudged : public QObject {
         add("nothing to deglitch", {}, third + "deglitch 2 0.1", "failed", "took no part");
         add("nothing to show", {}, third + "show_processed 1", "failed", "took no part");
         add("nothing to save", {}, third + "save_data_as_tiff x.tif", "failed", "took no part");
+        add("nothing was deglitched", {}, first + "show_processed 1", "failed", "processed values");
         add("deglitched", {}, first + "deglitch 2 0.1", "done", "");
         add("of the bins before", {}, first + "set_band_w 1\nsave_data_as_tiff x.tif", "warning",
             "^warning: the result is with other bins$");
@@ -137,6 +142,7 @@ class TestMapsJudged : public QObject {
         const QString noSpectrum =
             "LOAD\ncalib_load_std a.dat\nmove_position 50 3\nsave_spectra x.dat";
         add("no spectrum", {}, noSpectrum, "failed", "no spectrum at the position");
+        add("a plot without it", {}, noSpectrum + "\nsave_plot x.png", "warning", "standard alone");
         add("and no file", {}, noSpectrum + "\ncalib_load_std x.dat", "failed", "x.dat");
     }
     void results() { m_cases.judge(); }
@@ -148,14 +154,15 @@ class TestMapsJudged : public QObject {
             "LOAD\nREFS\nanalyzer_exec_LCF\nanalyzer_select_image 0\n"
             "move_position 3 3\ncalib_set_edge_eV 7112\n";
         const Make device = [] {
-            for (const char* name : {"x.png", "x.tif", "x.dat", "x.emp", "x.bat"}) {
+            for (const char* name : {"x.png", "flat.dat", "x.tif", "x.dat", "x.emp", "x.bat"}) {
                 QFile::link("/dev/null", name);
             }
             QDir().mkdir("folder.tif");
             QCOMPARE(mkfifo("fifo.tif", 0600), 0);
         };
         for (const char* line :
-             {"save_image x.png", "save_data_as_tiff x.tif", "save_data_as_tiff fifo.tif",
+             {"save_image x.png", "save_image_with_bar x.png", "save_plot x.png", "save_flat_dark",
+              "save_data_as_tiff x.tif", "save_data_as_tiff fifo.tif",
               "save_data_as_tiff folder.tif", "save_spectra x.dat", "calib_save_map x.emp",
               "save_record x.bat", "saveDataCfg_save_as_text\nsave_data_as_tiff x.dat"}) {
             OutcomeCases::add(line, device, all + line, "failed", "cannot be written: ");

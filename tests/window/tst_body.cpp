@@ -263,7 +263,7 @@ class TestBody : public QObject {
         QVERIFY(!page->isEnabled());  // selected, but nothing has been analysed
         QVERIFY(!control<QPushButton>("DeGlitch")->isEnabled());
         QVERIFY(batch.run({"analyzer_exec_LCF"}));
-        QVERIFY(page->isEnabled());
+        QVERIFY(!page->isEnabled());  // nothing has been deglitched
 
         Analyzed2DRes* result = analyzerWindow()->selectedResult();
         result->setData(5, 4, 0, 0, 9.0);  // a spike
@@ -282,9 +282,9 @@ class TestBody : public QObject {
         QVERIFY(textOf("ResultState").endsWith(view->band()));
         QVERIFY(batch.run({"analyzer_select_image 1", "set_band_w 0"}));
         QCOMPARE(view->band(), QString());
-        QVERIFY(page->isEnabled() && !page->isChecked());
+        QVERIFY(!page->isEnabled() && !page->isChecked());
         QVERIFY(batch.run({"analyzer_select_image 0"}));
-        QVERIFY(page->isChecked());
+        QVERIFY(page->isEnabled() && page->isChecked());
         page->click();
         QVERIFY(!result->showsProc());
         QVERIFY(!control<QPushButton>("NormalizeEShift")->isEnabled());  // there is no shift map

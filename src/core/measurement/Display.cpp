@@ -154,6 +154,11 @@ const char* differenceText(Difference difference) {
     return "";
 }
 
+Difference differenceWhenSaved(const Measurement& measurement, const Result& result) {
+    const Difference found = measurement.differenceOf(result);
+    return result.id == ResultId::Shift && found != Difference::Before ? Difference::None : found;
+}
+
 QString stoppedText(const Run& run) {
     return QCoreApplication::translate("Difference", "stopped at %1 %")
         .arg(static_cast<int>(run.percent));

@@ -29,6 +29,10 @@ Outcome fixPercentiles(Measurement& measurement);
 /// frames", "before the energy calibration"; empty for nothing. English, context "Difference".
 const char* differenceText(Difference difference);
 
+/// Of a result that is saved: what differs. An energy map is made of a standard's frames and kept
+/// for those of samples, so that other inputs than its own are no difference of it.
+Difference differenceWhenSaved(const Measurement& measurement, const Result& result);
+
 /// What somebody should know of a result wherever it is shown or saved: "stopped at 43 %", and the
 /// text of its difference. In English.
 QStringList marksOf(const Measurement& measurement, const Result& result);

@@ -182,6 +182,44 @@ Outcome judgeFit(const std::vector<double>& energies,
     return outcome;
 }
 
+Outcome judgeShiftedFit(const std::vector<double>& energies,
+                        const std::vector<std::unique_ptr<Reference>>& references,
+                        LinearFit::Method method, const BinRaster& raster,
+                        const std::function<double(int x, int y)>& shiftAt) {
+    double from = 0.0;
+    double to = 1e100;
+    std::ptrdiff_t needed = method == LinearFit::Mlcf ? 4 : 2;
+    for (const auto& reference : references) {
+        if (reference->takesPart()) {
+            from = std::max(from, firstOf(*reference));
+            to = std::min(to, lastOf(*reference));
+            ++needed;
+        }
+    }
+    const int all = raster.rows * raster.columns;
+    int without = 0;
+    for (int row = 0; row < raster.rows; ++row) {
+        for (int column = 0; column < raster.columns; ++column) {
+            const double shift = shiftAt(raster.x(column), raster.y(row));
+            const auto first = std::partition_point(energies.begin(), energies.end(),
+                                                    [&](double e) { return e - shift < from; });
+            const auto end = std::partition_point(first, energies.end(),
+                                                  [&](double e) { return e - shift <= to; });
+            without += end - first < needed ? 1 : 0;
+        }
+    }
+    if (without == 0) {
+        return {};
+    }
+    const QString text =
+        Texts::tr(
+            "with the shifts of the energy map, %1 of %2 bins have too few energies inside "
+            "the references")
+            .arg(without)
+            .arg(all);
+    return without == all ? Outcome::failure(text) : Outcome::warning(text);
+}
+
 Outcome judgeResidual(const std::vector<double>& energies, double at) {
     return energies.empty() || (at >= energies.front() && at <= energies.back())
                ? Outcome()

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
+#include "maps/BinRaster.h"
 #include "measurement/Outcome.h"
 #include "measurement/Reference.h"
 
@@ -17,8 +19,8 @@ struct Run;
 ///
 /// It fails without a reference in use, and when fewer energies lie inside all references in use
 /// than two more than it has unknowns (the references; in MLCF a constant and a slope, too). It
-/// warns when less than 90 % of the energies do, of references with an edgeFault(), and of each two
-/// that cannot be told apart.
+/// warns when less than 90 % of the energies do, of references with an edgeFault(), of those in use
+/// that hold no spectrum, and of each two that cannot be told apart.
 ///
 /// Two references a and b cannot be told apart when the condition number of the matrix of their
 /// columns in the fit, each scaled to length 1, is 100 or more: sqrt((1 + |c|) / (1 - |c|)) with c
@@ -30,6 +32,13 @@ struct Run;
 Outcome judgeFit(const std::vector<double>& energies,
                  const std::vector<std::unique_ptr<Reference>>& references,
                  LinearFit::Method method);
+
+/// Of a fit with the energy shifts of a map (eV): how many bins are left with fewer energies inside
+/// all references in use than the fit needs. Warns of some, fails for all.
+Outcome judgeShiftedFit(const std::vector<double>& energies,
+                        const std::vector<std::unique_ptr<Reference>>& references,
+                        LinearFit::Method method, const BinRaster& raster,
+                        const std::function<double(int x, int y)>& shiftAt);
 
 /// Of residual absorption at an energy (eV): warns when it lies outside those of the frames.
 Outcome judgeResidual(const std::vector<double>& energies, double at);

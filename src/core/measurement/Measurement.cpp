@@ -320,6 +320,8 @@ Outcome Measurement::loadMap(const QString& fileName) {
         input.revision = nextRevision();
         m_map = std::move(loaded);
         m_mapInput = std::make_shared<const MapInput>(input);
+    } else {
+        m_map->isOfBefore = m_map->image.hasData();
     }
     if (size != m_size) {
         setImageSize(size);

@@ -111,7 +111,8 @@ class Measurement : public QObject {
     bool hasUnsavedResults() const;
     void remakePictures();           ///< of all references' results
     void remakeResidual();           ///< the ratio image of RA and all its pictures
-    QString whyNotDeglitch() const;  ///< nor show the processed values; empty: it can
+    QString whyNotDeglitch() const;  ///< empty: it can
+    QString whyNotShowProcessed() const;
     Outcome deglitch(double factor, double ratio);
     Outcome showProcessed(bool on);
     Result& residual(int i) const { return *m_residual[i]; }  ///< that of residualId(i)

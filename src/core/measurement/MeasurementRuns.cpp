@@ -111,6 +111,13 @@ Outcome Measurement::judgeStart(Work work) {
     if (work == Work::Calibrate) {
         outcome += judgeStandard(standard(), m_i1.files());
     }
+    if (work == Work::Fit && m_map->image.hasData() && !outcome.failed()) {
+        outcome += judgeShiftedFit(source().energies(), m_references, m_settings.method, raster,
+                                   shiftsOf(m_map->image));
+        if (m_map->isOfBefore) {
+            outcome.warnings << tr("the energy map is of before: what was to replace it failed");
+        }
+    }
     return outcome;
 }
 
@@ -140,6 +147,9 @@ ResidualResults Measurement::residualResults() const {
 Outcome Measurement::start(Work work) {
     if (working() != Work::None) {
         return Outcome::failure(tr("not while an analysis of the image runs"));
+    }
+    if (m_i1.isLoading() || m_i0.isLoading()) {
+        return Outcome::failure(tr("not while a stack is loading"));
     }
     const Outcome judged = judgeStart(work);
     if (judged.failed()) {
@@ -357,6 +367,19 @@ QString Measurement::whyNotDeglitch() const {
                                                               : tr("the map holds no values");
 }
 
+QString Measurement::whyNotShowProcessed() const {
+    const QString whyNot = whyNotDeglitch();
+    if (!whyNot.isEmpty()) {
+        return whyNot;
+    }
+    const Result* target = deglitchTarget();
+    // Smoothing leaves what it made in the processed values, too.
+    const bool isSmoothed = target == m_map.get() && m_mapInput && m_mapInput->smoothed > 0;
+    return target->deglitched || isSmoothed
+               ? QString()
+               : tr("nothing has been deglitched: the processed values are 0");
+}
+
 Outcome Measurement::deglitch(double factor, double ratio) {
     const QString whyNot = whyNotDeglitch();
     if (!whyNot.isEmpty()) {
@@ -374,18 +397,13 @@ Outcome Measurement::deglitch(double factor, double ratio) {
 }
 
 Outcome Measurement::showProcessed(bool on) {
-    const QString whyNot = whyNotDeglitch();
+    const QString whyNot = on ? whyNotShowProcessed() : whyNotDeglitch();
     if (!whyNot.isEmpty()) {
         return Outcome::failure(whyNot);
     }
-    Result* target = deglitchTarget();
-    // Smoothing leaves what it made in the processed values, too.
-    const bool isSmoothed = target == m_map.get() && m_mapInput && m_mapInput->smoothed > 0;
-    target->image.selectProcImg(on);
+    deglitchTarget()->image.selectProcImg(on);
     emit changed(Changes(Results) | Display);
-    return on && !target->deglitched && !isSmoothed
-               ? Outcome::warning(tr("nothing has been deglitched: the processed values are 0"))
-               : Outcome();
+    return {};
 }
 
 RecordLines Measurement::recordOf(const Result& result, const QString& savedBy) const {

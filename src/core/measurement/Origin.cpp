@@ -167,8 +167,8 @@ OriginText originOf(const Measurement& measurement, const Result& result, const 
     if (result.run) {
         writer.add("state", stateOf(result));
     }
-    const Difference difference = measurement.differenceOf(result);
-    if (difference != Difference::None && result.id != ResultId::Shift) {
+    const Difference difference = differenceWhenSaved(measurement, result);
+    if (difference != Difference::None) {
         writer.add("remark", QString::fromLatin1(differenceText(difference)));
     }
     QString processed = QStringLiteral("no");

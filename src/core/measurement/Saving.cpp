@@ -39,10 +39,8 @@ Outcome judgement(const Measurement& measurement, const Result& result) {
     if (result.run && result.run->state == Run::State::Stopped) {
         outcome.warnings << stoppedText(*result.run);
     }
-    const Difference difference = measurement.differenceOf(result);
-    // An energy map is made of a standard's frames and kept for those of samples.
-    const bool counts = result.id != ResultId::Shift || difference == Difference::Before;
-    if (difference != Difference::None && counts) {
+    const Difference difference = differenceWhenSaved(measurement, result);
+    if (difference != Difference::None) {
         outcome.warnings << Saving::tr("the result is %1")
                                 .arg(QCoreApplication::translate("Difference",
                                                                  differenceText(difference)));
@@ -248,10 +246,15 @@ Outcome savePlot(Measurement& measurement, const QString& fileName) {
     if (!hasLetters(measurement)) {
         return Outcome::failure(Saving::tr("there are no letters to draw with"));
     }
-    const Outcome whyNot = whyNoPicture(fileName, isDrawingName(fileName));
-    return whyNot.failed()
-               ? whyNot
-               : writeFile(measurement, fileName, [&] { return writePlot(fileName, plot); });
+    Outcome outcome = whyNoPicture(fileName, isDrawingName(fileName));
+    if (!outcome.failed()) {
+        outcome += writeFile(measurement, fileName, [&] { return writePlot(fileName, plot); });
+    }
+    if (!outcome.failed() && !plot.hasSample()) {
+        outcome.warnings << Saving::tr(
+            "there is no spectrum at the position: the plot shows the standard alone");
+    }
+    return outcome;
 }
 
 Outcome saveMap(const Measurement& measurement, const QString& fileName) {
@@ -270,6 +273,9 @@ Outcome saveMap(const Measurement& measurement, const QString& fileName) {
                   {Rehearsal::Kind::Map, info.imageSize, {}});
     if (!outcome.failed()) {
         outcome += judgement(measurement, map);
+        if (!map.image.hasData()) {
+            outcome.warnings << Saving::tr("there is no energy map: every shift in the file is 0");
+        }
     }
     return outcome;
 }

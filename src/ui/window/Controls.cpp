@@ -38,8 +38,10 @@ void updateMapControls(const Ui::Body& ui, const Measurement& measurement) {
         !running.isEmpty()
             ? running
             : unless(hasValues, Controls::tr("Show a result image or the energy-shift map first."));
-    setUsable(ui.DeGlitch, noMap);
-    setUsable(ui.ShowProcImg, noMap);
+    const bool shows = hasValues && target->image.showsProc();  // it can be taken back
+    setUsable(ui.DeGlitch, noMap.isEmpty() ? measurement.whyNotDeglitch() : noMap);
+    setUsable(ui.ShowProcImg,
+              noMap.isEmpty() && !shows ? measurement.whyNotShowProcessed() : noMap);
     showNumber(ui.DeGlitchFactor, measurement.settings().deglitchFactor);
     showNumber(ui.DeGlitchRatio, measurement.settings().deglitchRatio);
     const QSignalBlocker blocked(ui.ShowProcImg);
