@@ -46,7 +46,7 @@ void loadDarkOfPattern(Action& a) {
     if (files.isEmpty()) {
         a.fail(whyNoFile(a.args.text(0), a.args.from(1)));
     }
-    a.measurement.loadDark(files);
+    a.measurement.loadDark(files);  // in any case, lest those before pass for what was asked for
 }
 
 }  // namespace

@@ -240,7 +240,12 @@ void BatchCtrl::logOutcome(const Outcome& outcome) {
     for (const QString& warning : outcome.warnings) {
         lines += QStringLiteral("warning: %1\n").arg(warning);
     }
-    if (!outcome.texts().isEmpty()) {
+    // Names of saved files stand in the line itself.
+    const QStringList notes = outcome.files.isEmpty() ? outcome.notes : QStringList();
+    for (const QString& note : notes) {
+        lines += QStringLiteral("note: %1\n").arg(note);
+    }
+    if (!outcome.texts().isEmpty() || !notes.isEmpty()) {
         logmsg(lines);
     }
 }

@@ -127,6 +127,9 @@ QString CalibCtrl::standardFileName() const {
 
 void CalibCtrl::say(const Outcome& outcome) {
     m_ui->Message->say(outcome);
+    // What a calibration has found is read with its warnings, not in their place.
+    m_ui->Shifts->setText(outcome.texts().isEmpty() ? QString()
+                                                    : outcome.notes.join(QStringLiteral("   ")));
 }
 
 void CalibCtrl::newFile(const QString& fname) {
