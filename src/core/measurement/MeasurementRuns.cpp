@@ -44,14 +44,13 @@ Inputs Measurement::inputs() const {
 }
 
 Difference Measurement::differenceOf(const Result& result) const {
-    // A map is kept for other inputs than its own; that its calibration failed tells more.
-    if (result.isOfBefore && result.id == ResultId::Shift) {
+    // That what was to replace it failed tells more than what has changed since.
+    if (result.isOfBefore) {
         return Difference::Before;
     }
-    const Difference found = result.run && result.run->state != Run::State::Running
-                                 ? difference(result.run->inputs, inputs(), result.run->work)
-                                 : Difference::None;
-    return found == Difference::None && result.isOfBefore ? Difference::Before : found;
+    return result.run && result.run->state != Run::State::Running
+               ? difference(result.run->inputs, inputs(), result.run->work)
+               : Difference::None;
 }
 
 std::vector<const Result*> Measurement::results() const {
@@ -147,9 +146,6 @@ ResidualResults Measurement::residualResults() const {
 Outcome Measurement::start(Work work) {
     if (working() != Work::None) {
         return Outcome::failure(tr("not while an analysis of the image runs"));
-    }
-    if (m_i1.isLoading() || m_i0.isLoading()) {
-        return Outcome::failure(tr("not while a stack is loading"));
     }
     const Outcome judged = judgeStart(work);
     if (judged.failed()) {
