@@ -37,7 +37,7 @@ Outcome judgement(const Measurement& measurement, const Result& result) {
         result.run->saved = true;
     }
     if (result.run && result.run->state == Run::State::Stopped) {
-        outcome.warnings << stoppedText(*result.run);
+        outcome.warnings << Saving::tr("the result was %1").arg(stoppedText(*result.run));
     }
     const Difference difference = differenceWhenSaved(measurement, result);
     if (difference != Difference::None) {

@@ -10,8 +10,12 @@ constexpr int MostInALine = 2;
 }
 
 QString textOf(const Outcome& outcome) {
-    const QStringList texts = outcome.texts().isEmpty() ? outcome.notes : outcome.texts();
     const QString gap = QStringLiteral("   ");
+    if (!outcome.files.isEmpty() && !outcome.notes.isEmpty() && !outcome.texts().isEmpty() &&
+        !outcome.failed()) {
+        return outcome.notes.first() + gap + textOf({{}, outcome.warnings, {}, {}, false});
+    }
+    const QStringList texts = outcome.texts().isEmpty() ? outcome.notes : outcome.texts();
     if (texts.size() <= MostInALine) {
         return texts.join(gap);
     }

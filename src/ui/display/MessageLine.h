@@ -4,8 +4,8 @@
 
 #include "measurement/Outcome.h"
 
-/// What is to be said of an outcome in one line: its failures and warnings, else its notes. Of many
-/// the first, and how many more there are.
+/// What is to be said of an outcome in one line: its failures and warnings, behind what was saved,
+/// else its notes. Of many the first, and how many more there are.
 QString textOf(const Outcome& outcome);
 
 /// A line of text that does not widen its window: what is too long is cut off with an ellipsis and

@@ -252,6 +252,10 @@ void Body::say(const Outcome& outcome, const QString& file) {
 }
 
 void Body::sayOf(Work work, const Outcome& outcome, const QString& file) {
+    const bool isRun = work == Work::Calibrate || work == Work::Fit || work == Work::Residual;
+    if (isRun) {
+        m_status->endNotice();  // that of the run before
+    }
     m_status->say(textOf(inShort(work, outcome)));
     m_messages->take(outcome, file);
     if (work == Work::Calibrate) {

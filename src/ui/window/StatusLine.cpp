@@ -46,10 +46,7 @@ StatusLine::StatusLine(Measurement& measurement, const Messages& messages, QMain
     m_pace.setSingleShot(true);
     connect(&m_pace, &QTimer::timeout, this, &StatusLine::show);
     m_noticeEnds.setSingleShot(true);
-    connect(&m_noticeEnds, &QTimer::timeout, this, [this] {
-        m_notice->hide();
-        m_state->show();
-    });
+    connect(&m_noticeEnds, &QTimer::timeout, this, &StatusLine::endNotice);
     connect(&measurement, &Measurement::progressed, this, &StatusLine::showProgress);
     show();
 }
@@ -84,6 +81,13 @@ void StatusLine::say(const QString& notice) {
         m_notice->show();
         m_noticeEnds.start(NoticeMs);
     }
+}
+
+void StatusLine::endNotice() {
+    m_noticeEnds.stop();
+    m_notice->clear();
+    m_notice->hide();
+    m_state->show();
 }
 
 bool StatusLine::isLoading() const {

@@ -23,6 +23,7 @@ class StatusLine : public QObject {
 
     /// Stands in front of what is on display for some seconds; nothing for an empty text.
     void say(const QString& notice);
+    void endNotice();
     /// The button that counts the messages.
     QPushButton* messagesButton() const { return m_count; }
     void show();
