@@ -343,6 +343,9 @@ class TestAnalyzer : public QObject {
         // A change of a reference fits it anew.
         panel(1)->setUse(false);
         QTRY_COMPARE(m_analyzer->worker()->usedPanels().size(), std::size_t(1));
+        QTRY_VERIFY(field(1, "R")->text().isEmpty() && !field(0, "R")->text().isEmpty());
+        m_analyzer->analyzeAndShowSpectrum(XafsSpectrum());
+        QVERIFY(field(0, "R")->text().isEmpty() && field(0, "T")->text().isEmpty());
     }
 
     /// A fit under way when an analysis of the image begins is not shown; the spectrum is fitted

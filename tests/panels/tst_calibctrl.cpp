@@ -130,6 +130,9 @@ class TestCalibCtrl : public QObject {
         QCOMPARE(clear.count(), 1);
         m_measurement->clearMap();
         QVERIFY(look(text, true, false, true, false));
+        panel.say({{}, {"no standard"}, {"Energy shifts"}, {}, false});
+        QCOMPARE(textOf("Message", &panel) + ' ' + textOf("Shifts", &panel),
+                 QString("no standard Energy shifts"));
     }
 
     void mapFilesAreAskedFor() {

@@ -116,6 +116,9 @@ class TestBody : public QObject {
         const double counts = control<QLineEdit>("Value", m_body.get())->text().toDouble();
         QVERIFY(std::abs(counts - 60000 * std::exp(-mu)) < 1.0);
         QCOMPARE(m_body->measurement().imageSize().width(), 12);
+        QVERIFY(control<QPushButton>("SaveXAFSSpectra", m_body.get())->isEnabled());
+        m_body->measurement().setPosition(-5, 3);  // beside the image
+        QVERIFY(!control<QPushButton>("SaveXAFSSpectra", m_body.get())->isEnabled());
     }
 
     /// What goes wrong is said where it was started and in the main window, and kept with file and

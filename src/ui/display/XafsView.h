@@ -65,6 +65,7 @@ class XafsView : public QFrame {
 
     /// Whether there is a spectrum that saveData() would write.
     bool hasCurves() const;
+    bool hasSample() const { return m_plot.hasSample(); }
     std::optional<double> rFactor() const { return m_plot.rFactor(); }
 
   signals:

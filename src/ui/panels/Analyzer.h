@@ -137,8 +137,9 @@ class Analyzer : public QFrame {
     int m_fitsOut = 0;
     int m_method = LinearFit::Lcf;  // of the last fit of the sample
     XafsSpectrum m_sample;
-    XafsSpectrum m_fitted;       // written by the fitter; copied when it reports
-    bool m_sampleIsOut = false;  // the fit that is out is of the sample on display
+    XafsSpectrum m_fitted;        // written by the fitter; copied when it reports
+    bool m_sampleIsOut = false;   // the fit that is out is of the sample on display
+    bool m_sampleIsGone = false;  // there is no spectrum at the position
     struct Waiting {
         XafsSpectrum spectrum;
         bool isSample;

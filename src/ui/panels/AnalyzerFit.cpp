@@ -43,6 +43,7 @@ void Analyzer::handOver(const XafsSpectrum& spectrum, bool isSample) {
 }
 
 void Analyzer::analyzeSpectrum(const XafsSpectrum& spectrum) {
+    m_sampleIsGone = false;
     analyze(spectrum, false);
 }
 
@@ -56,6 +57,11 @@ void Analyzer::analyze(const XafsSpectrum& spectrum, bool isSample) {
 
 void Analyzer::analyzeSpectrumFinished() {
     m_fitsOut = std::max(0, m_fitsOut - 1);
+    for (LCFReference* reference : qAsConst(m_references)) {
+        if (m_sampleIsGone || !reference->reference().takesPart()) {
+            reference->clearFit();
+        }
+    }
     // A fit from before a run, or not of the sample, belongs to no curve on display.
     if (!m_busy && m_sampleIsOut) {
         m_view->setFit(m_fitted);
@@ -71,10 +77,14 @@ void Analyzer::analyzeSpectrumFinished() {
 
 void Analyzer::analyzeAndShowSpectrum(const XafsSpectrum& spectrum) {
     m_sample = spectrum;
-    if (spectrum.isEmpty()) {
+    m_sampleIsGone = spectrum.isEmpty();
+    if (m_sampleIsGone) {
         m_view->clearSample();
         m_waiting.reset();
         m_sampleIsOut = false;  // a fit that is still out belongs to no curve
+        for (LCFReference* reference : qAsConst(m_references)) {
+            reference->clearFit();
+        }
     } else {
         m_view->setSample(spectrum, tr("Sample"), QStringLiteral("Sample"));
     }

@@ -115,6 +115,11 @@ void LCFReference::setDMut(double dMut) {
     QMetaObject::invokeMethod(this, [this, text] { m_ui->T->setText(text); });
 }
 
+void LCFReference::clearFit() {
+    m_ui->R->clear();
+    m_ui->T->clear();
+}
+
 void LCFReference::showReference() {
     const Reference& now = reference();
     if (m_shown == now.revision()) {
@@ -127,6 +132,9 @@ void LCFReference::showReference() {
     check(m_ui->IsVictreen, now.background() != XafsSpectrum::Simple);
     m_ui->DMut->setText(now.hasSpectrum() ? fieldText(now.spectrum().dMut()) : QString());
     m_ui->MidE->setText(now.hasSpectrum() ? fieldText(now.spectrum().midE()) : QString());
+    if (!now.takesPart()) {
+        clearFit();
+    }
     showNumber(m_ui->DeltaE, inField(now.deltaE()));
     QStringList remarks = now.warnings();
     if (!now.whyNot().isEmpty()) {

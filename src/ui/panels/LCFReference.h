@@ -57,6 +57,8 @@ class LCFReference : public QFrame {
     /// Share and edge jump of the last fit: stored at once, shown by the panel's thread.
     void setRatio(double ratio);
     void setDMut(double dMut);
+    /// Shows neither: there is no fit of which it is a part.
+    void clearFit();
 
     /// Sets everything as a batch line does; an empty word, "VIC" in any case or an integer above
     /// 0 asks for the Victreen background.

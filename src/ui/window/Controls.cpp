@@ -79,6 +79,6 @@ void updateControls(const Ui::Body& ui, Measurement& measurement, const XafsView
                                              "the energy-shift map, first.")));
     setUsable(
         ui.SaveXAFSSpectra,
-        unless(view.hasCurves(), Controls::tr("Point at the image first, to form a spectrum.")));
+        unless(view.hasSample(), Controls::tr("Point at the image first, to form a spectrum.")));
     updateMapControls(ui, measurement);
 }

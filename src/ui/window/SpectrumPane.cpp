@@ -32,7 +32,9 @@ void SpectrumPane::changed(Measurement::Changes what) {
     const QPointF position = m_measurement.position();
     const bool isNew = what & (Measurement::Position | Measurement::Standard |
                                (loading ? 0 : Measurement::AtWork));
-    if (isNew && !loading && position.x() >= 0.0 && position.y() >= 0.0) {
+    const bool isPointed = position.x() >= 0.0 && position.y() >= 0.0;
+    // Beside the image there is no spectrum, and the one before must go.
+    if (isNew && !loading && (isPointed || m_view.hasSample())) {
         show();
     }
 }
