@@ -126,10 +126,14 @@ QString CalibCtrl::standardFileName() const {
 }
 
 void CalibCtrl::say(const Outcome& outcome) {
-    m_ui->Message->say(outcome);
-    // What a calibration has found is read with its warnings, not in their place.
-    m_ui->Shifts->setText(outcome.texts().isEmpty() ? QString()
-                                                    : outcome.notes.join(QStringLiteral("   ")));
+    // What a calibration has found is read as a whole, and with its warnings.
+    const bool hasFound = outcome.files.isEmpty();
+    m_ui->Shifts->setText(hasFound ? outcome.notes.join(QLatin1Char('\n')) : QString());
+    Outcome rest = outcome;
+    if (hasFound) {
+        rest.notes.clear();
+    }
+    m_ui->Message->say(rest);
 }
 
 void CalibCtrl::newFile(const QString& fname) {
