@@ -123,7 +123,7 @@ class TestBatchLines : public QObject {
         add("set_plot_axes 1 furlong", "failed", "no unit furlong");
         add("set_view_range 5", "failed", "too few arguments");
         add("set_view_range 5 5", "failed", "must lie above");
-        add("set_energy_pattern I1 [ eV", "failed", "no regular expression");
+        add("set_energy_pattern I1 [ eV", "failed", "not a regular expression");
         add("move_position 3 3", "failed", "no image");
         add("LOAD\nmove_position 12 3", "failed", "12 x 8 pixels");
         add("LOAD\nmove_position 11 7", "done");

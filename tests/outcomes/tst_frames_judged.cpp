@@ -180,7 +180,7 @@ class TestFramesJudged : public QObject {
             only, "warning", "the number of the frame stands for it: x1.tif and 1 more");
         add(
             "a number cut in two", [] { putPlain({"x7112.5eV.tif"}); }, only, "warning",
-            "cuts a number in two: 5 eV read from x7112.5eV.tif");
+            "finds only part of a number: 5 eV read from x7112.5eV.tif");
         add(
             "energies in keV",
             [] {

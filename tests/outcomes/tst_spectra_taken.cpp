@@ -39,7 +39,7 @@ class TestSpectraTaken : public QObject {
             "warning", "2 row.*: s\\.dat");
         add("a reference in keV", wrong, reference, "failed", "not taken, .* keV.*: s\\.dat");
         add("a standard in keV", wrong, standard, "failed", "not taken, .* keV.*: s\\.dat");
-        add("a frame", {}, "calib_load_std i1-7100_000eV.tif", "failed", "no text");
+        add("a frame", {}, "calib_load_std i1-7100_000eV.tif", "failed", "not a text");
         add("no file", {}, reference, "failed", "cannot be read: s\\.dat");
         add("no edge", points(7000, 7080, comma), standard, "warning", "no edge: s\\.dat");
         add("no rising edge", points(7000, 7080, comma), "LOAD\n" + standard + "\ncalib_exec",

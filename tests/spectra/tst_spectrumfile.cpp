@@ -115,7 +115,7 @@ class TestSpectrumFile : public QObject {
             "1 usable");
         row("keV", "7.1 1\n7.2 1\n7.3 1\n7.4 1\n7.5 1\n", 0, "7.1 to 7.5 look like keV");
         row("keV of a heavy element", "80 1\n80.1 1\n80.2 1\n80.3 1\n80.4 1\n", 0, "keV");
-        row("no text", QByteArray("II*\0", 4) + blanks, 0, "not taken, no text");
+        row("no text", QByteArray("II*\0", 4) + blanks, 0, "not taken, not a text");
         row("nothing", "", 0, "0 usable");
         const QByteArray rows9809("10 10 1 200 100\n");
         row("9809 of one energy", Header + rows9809 + rows9809, 0, "1 usable");

@@ -67,7 +67,7 @@ Outcome judgeArguments(const CommandRow& row, const QStringList& args) {
             outcome.failures << why;
         }
         if (kind == ArgKind::Mode && !isOneOf(args.at(i), {"NEW", "ADD"})) {
-            outcome.warnings << Batch::tr("'%1' is neither NEW nor ADD and adds").arg(args.at(i));
+            outcome.warnings << Batch::tr("'%1' is neither NEW nor ADD: the files are added").arg(args.at(i));
         }
     }
     if (count > kinds && !row.repeats) {

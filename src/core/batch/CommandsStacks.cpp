@@ -28,7 +28,7 @@ void loadOfPattern(Action& a, StackId id) {
 void setEnergyPattern(Action& a) {
     const QString pattern = a.args.text(1);
     if (!QRegularExpression(pattern).isValid()) {
-        a.fail(Batch::tr("no regular expression: %1").arg(pattern));
+        a.fail(Batch::tr("not a regular expression: %1").arg(pattern));
         return;
     }
     const bool isKeV = a.args.text(2).toLower() == QLatin1String("kev");

@@ -19,7 +19,7 @@ void movePosition(Action& a) {
     const QPoint at(a.args.integer(0), a.args.integer(1));
     const QSize size = a.measurement.imageSize();
     if (size.isEmpty()) {
-        a.fail(Batch::tr("there is no image to move in"));
+        a.fail(Batch::tr("no images are loaded"));
         return;
     }
     // Also to where there is no spectrum: the one before must not pass for it.

@@ -111,7 +111,7 @@ QString whyRefused(EMapRefusal refusal, const QSize& images) {
         case EMapRefusal::NoFile:
             return Calibration::tr("cannot be read: %1");
         case EMapRefusal::NoMap:
-            return Calibration::tr("no energy map: %1");
+            return Calibration::tr("not an energy map: %1");
         case EMapRefusal::OtherSize:
             if (images.width() != images.height()) {
                 return Calibration::tr("only maps of square images load: %1");
@@ -120,7 +120,7 @@ QString whyRefused(EMapRefusal refusal, const QSize& images) {
         case EMapRefusal::EdgeEnergy:
             return Calibration::tr("no edge energy that the crystal reflects: %1");
         case EMapRefusal::Shift:
-            return Calibration::tr("holds a shift that cannot be, or one above 1000 eV: %1");
+            return Calibration::tr("holds a shift that is no number or above 1000 eV: %1");
         case EMapRefusal::None:
             break;
     }
@@ -161,11 +161,11 @@ Outcome judgeMapToSave(const Analyzed2DRes& map, const EMapInfo& info) {
     switch (refusalOf(map, info)) {
         case EMapRefusal::EdgeEnergy:
             return Outcome::failure(Calibration::tr(
-                "nothing could read the map: no standard and no edge energy that the crystal "
+                "no program could load the map: no standard and no edge energy that the crystal "
                 "reflects"));
         case EMapRefusal::Shift:
             return Outcome::failure(Calibration::tr(
-                "nothing could read the map: it holds shifts above 1000 eV, or beyond what the "
+                "no program could load the map: it holds shifts above 1000 eV, or beyond what the "
                 "crystal reflects"));
         default:
             break;

@@ -122,7 +122,7 @@ Outcome fixPercentiles(Measurement& measurement) {
     const auto [low, high] = countPercentiles(*frame, 0.01);
     if (high <= low) {
         return Outcome::failure(QCoreApplication::translate(
-            "Measurement", "the percentiles of the frame are one value: the range stays"));
+            "Measurement", "the percentiles of the frame are equal: the range stays"));
     }
     measurement.set(&Settings::viewRange, ViewRange{true, low, high});
     return {};

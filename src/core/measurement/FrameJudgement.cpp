@@ -45,7 +45,7 @@ QStringList aboutNames(const Files& fresh) {
     QStringList texts;
     const Files cut = those(fresh, isCut);
     if (!cut.isEmpty()) {
-        texts << Stack::tr("the pattern cuts a number in two: %1 eV read from %2")
+        texts << Stack::tr("the energy pattern finds only part of a number: %1 eV read from %2")
                      .arg(cut.first().energy)
                      .arg(named(cut));
     }
@@ -81,7 +81,7 @@ QStringList aboutEnergies(const Files& files) {
     }
     const int repeated = files.size() - static_cast<int>(energies.size());
     if (repeated > 0) {
-        texts << Stack::tr("%n frame(s) of an energy that an earlier frame has", nullptr, repeated);
+        texts << Stack::tr("%n frame(s) with an energy that an earlier frame has", nullptr, repeated);
     }
     return texts;
 }

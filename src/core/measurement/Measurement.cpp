@@ -155,7 +155,7 @@ Outcome Measurement::loadNew(StackId id) {
         newFramesOf(stack(id), stack(id == StackId::I1 ? StackId::I0 : StackId::I1));
     Outcome outcome;
     if (!fresh.otherwise.isEmpty()) {
-        outcome.warnings << tr("%1: not taken, of another number in the name: %2")
+        outcome.warnings << tr("%1: not taken, a number besides the energy differs: %2")
                                 .arg(name, QFileInfo(fresh.otherwise.first()).fileName());
     }
     if (fresh.files.isEmpty()) {

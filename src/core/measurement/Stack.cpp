@@ -127,6 +127,7 @@ Outcome Stack::takeOutcome() {
     for (const StackLoader::Refused& file : m_loader.takeRefused()) {
         leaveOut(file.fileName, file.why);
     }
+    m_refused = m_leftOut.size();
     Outcome outcome;
     if (size() == m_before && m_asked) {
         outcome.failures << tr("%1: no frame was taken").arg(name());

@@ -67,6 +67,8 @@ class Stack : public QObject {
     /// How the load went since the last call: each file that was left out with the reason, and what
     /// somebody should know of the frames; a failure also when none was taken of those asked for.
     Outcome takeOutcome();
+    /// How many files the load of the last takeOutcome() did not take.
+    int leftOut() const { return m_refused; }
 
   public slots:
     /// Gives the reader its next file; finished() when there is none and none is under way.
@@ -99,6 +101,7 @@ class Stack : public QObject {
     bool m_asked = false;     // for any file by it
     bool m_energies = false;  // some of its names, or of those before, have one
     QStringList m_leftOut;
+    int m_refused = 0;
     QThread m_thread;
     LoadTiff m_reader;
 };

@@ -89,7 +89,7 @@ class Taking {
             return m_taken;
         }
         if (!isText(file.peek(4096))) {
-            refuse(Usable::tr("no text file"));
+            refuse(Usable::tr("not a text file"));
             return m_taken;
         }
         const QByteArray content = file.readAll();
@@ -172,7 +172,7 @@ class Taking {
         }
         putInOrder();
         if (m_points.size() < FewestUsableEnergies) {
-            refuse(Usable::tr("%n usable point(s), a spectrum has five or more", nullptr,
+            refuse(Usable::tr("%n usable point(s), at least five are needed", nullptr,
                               static_cast<int>(m_points.size())));
         } else if (looksLikeKeV()) {
             refuse(Usable::tr("energies from %1 to %2 look like keV, eV are needed")
@@ -184,7 +184,7 @@ class Taking {
             }
             if (m_leftOut > 0) {
                 m_taken.warnings << Usable::tr(
-                                        "%n row(s) that are no energy and value left out: %1",
+                                        "%n row(s) without an energy and a value left out: %1",
                                         nullptr, m_leftOut)
                                         .arg(m_fileName);
             }

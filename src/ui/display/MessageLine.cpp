@@ -3,6 +3,7 @@
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
+#include <QTextLayout>
 #include <QToolTip>
 
 namespace {
@@ -11,18 +12,15 @@ constexpr int MostInALine = 2;
 
 QString textOf(const Outcome& outcome) {
     const QString gap = QStringLiteral("   ");
-    if (!outcome.files.isEmpty() && !outcome.notes.isEmpty() && !outcome.texts().isEmpty() &&
-        !outcome.failed()) {
-        return outcome.notes.first() + gap + textOf({{}, outcome.warnings, {}, {}, false});
-    }
-    const QStringList texts = outcome.texts().isEmpty() ? outcome.notes : outcome.texts();
-    if (texts.size() <= MostInALine) {
-        return texts.join(gap);
-    }
-    const int more = texts.size() - 1;
-    return texts.first() + gap +
-           (outcome.texts().isEmpty() ? MessageLine::tr("(and %1 more)").arg(more)
-                                      : MessageLine::tr("(%1 more in Messages)").arg(more));
+    const auto inShort = [&gap](const QStringList& texts, const QString& more) {
+        return texts.size() <= MostInALine
+                   ? texts.join(gap)
+                   : texts.first() + gap + more.arg(texts.size() - 1);
+    };
+    QStringList parts{inShort(outcome.texts(), MessageLine::tr("(%1 more in Messages)")),
+                      inShort(outcome.notes, MessageLine::tr("(and %1 more)"))};
+    parts.removeAll(QString());
+    return parts.join(gap);
 }
 
 MessageLine::MessageLine(QWidget* parent) : QLabel(parent) {
@@ -30,12 +28,36 @@ MessageLine::MessageLine(QWidget* parent) : QLabel(parent) {
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
 }
 
-QString MessageLine::shown() const {
-    return fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+QSize MessageLine::sizeHint() const {
+    const QMargins margins = contentsMargins();
+    return QSize(fontMetrics().averageCharWidth(),
+                 fontMetrics().height() + (m_lines - 1) * fontMetrics().lineSpacing() +
+                     margins.top() + margins.bottom());
+}
+
+QStringList MessageLine::shown() const {
+    QTextLayout layout(text(), font());
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    QStringList lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(contentsRect().width());
+        const bool isLast = lines.size() + 1 == m_lines;
+        const QString rest = text().mid(line.textStart());
+        lines << (isLast ? fontMetrics().elidedText(rest, Qt::ElideRight, contentsRect().width())
+                         : rest.left(line.textLength()));
+        if (isLast) {
+            break;
+        }
+    }
+    layout.endLayout();
+    return lines;
 }
 
 bool MessageLine::event(QEvent* event) {
-    if (event->type() == QEvent::ToolTip && shown() != text()) {
+    if (event->type() == QEvent::ToolTip && shown().join(QString()) != text()) {
         QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
         return true;
     }
@@ -45,5 +67,5 @@ bool MessageLine::event(QEvent* event) {
 void MessageLine::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     style()->drawItemText(&painter, contentsRect(), Qt::AlignLeft | Qt::AlignVCenter, palette(),
-                          isEnabled(), shown(), foregroundRole());
+                          isEnabled(), shown().join(QLatin1Char('\n')), foregroundRole());
 }

@@ -4,14 +4,15 @@
 
 #include "measurement/Outcome.h"
 
-/// What is to be said of an outcome in one line: its failures and warnings, behind what was saved,
-/// else its notes. Of many the first, and how many more there are.
+/// What is to be said of an outcome in one line: its failures and warnings, then its notes. Of many
+/// of either the first, and how many more there are.
 QString textOf(const Outcome& outcome);
 
-/// A line of text that does not widen its window: what is too long is cut off with an ellipsis and
-/// stands in the tool tip as a whole.
+/// Text that does not widen its window: what does not fit into its lines, usually one, is cut off
+/// with an ellipsis and stands in the tool tip as a whole.
 class MessageLine : public QLabel {
     Q_OBJECT
+    Q_PROPERTY(int lines MEMBER m_lines)  // set by forms
 
   public:
     explicit MessageLine(QWidget* parent = nullptr);
@@ -19,10 +20,16 @@ class MessageLine : public QLabel {
     /// Shows how an action ended; an empty line for one of which nothing is to be said.
     void say(const Outcome& outcome) { setText(textOf(outcome)); }
 
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
   protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
   private:
-    QString shown() const;
+    /// The text in the lines that there is room for.
+    QStringList shown() const;
+
+    int m_lines = 1;
 };

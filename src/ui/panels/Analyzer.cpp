@@ -1,11 +1,8 @@
 #include "panels/Analyzer.h"
 
 #include <QButtonGroup>
-#include <QRadioButton>
 #include <QRegularExpression>
-#include <QScreen>
 #include <QSignalBlocker>
-#include <QStyle>
 #include <algorithm>
 
 #include "base/Globals.h"
@@ -184,16 +181,6 @@ void Analyzer::showSettings() {
     }
 }
 
-void Analyzer::showChoice() {
-    if (QAbstractButton* button = m_choice->button(m_measurement.settings().selected)) {
-        check(button);
-    } else if (QAbstractButton* checked = m_choice->checkedButton()) {
-        m_choice->setExclusive(false);
-        check(checked, false);
-        m_choice->setExclusive(true);
-    }
-}
-
 void Analyzer::addNewRef() {
     sayOwn(m_measurement.addReference(), QString());
 }
@@ -205,68 +192,6 @@ void Analyzer::say(const Outcome& outcome) {
 void Analyzer::sayOwn(const Outcome& outcome, const QString& file) {
     say(outcome);
     emit said(outcome, file);
-}
-
-void Analyzer::followReferences() {
-    const int before = m_references.size();
-    while (m_references.size() < m_measurement.referenceCount()) {
-        addRow();
-    }
-    if (m_references.size() > before) {
-        growWithReferences();
-    }
-}
-
-void Analyzer::addRow() {
-    const int index = m_references.size();
-    // The numbers of the residual-absorption buttons follow those of the references: they move up
-    // before the new button takes the first of them.
-    for (int i = ResidualCount - 1; i >= 0; --i) {
-        m_choice->setId(residualButton(i), index + 1 + i);
-    }
-
-    auto* reference = new LCFReference(m_measurement, index, m_ui->RefBase);
-    auto* button = new QRadioButton(tr("Select Ref%1").arg(index + 1), m_ui->RefBase);
-    button->setToolTip(tr("Show this reference's result image in the main window"));
-    button->setObjectName(QStringLiteral("SelectRef%1").arg(index + 1));
-    m_references.append(reference);
-    m_choice->addButton(button, index);
-    m_ui->refGrid->addWidget(button, index, 0);
-    m_ui->refGrid->addWidget(reference, index, 1);
-    reference->show();
-    button->show();
-    putNextInTabOrder(button, reference);
-    connect(reference, &LCFReference::shownToggled, this, &Analyzer::showReferences);
-    connect(reference, &LCFReference::said, this, &Analyzer::sayOwn);
-}
-
-/// Makes the window as high as its references need, as far as the screen goes; then they scroll.
-void Analyzer::growWithReferences() {
-    const QSize needed = m_ui->RefBase->layout()->minimumSize();
-    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    m_ui->refScroll->setMinimumWidth(needed.width() + bar);
-    layout()->activate();
-    const int others = minimumSizeHint().height() - m_ui->refScroll->minimumSizeHint().height();
-    const QRect frame = screen()->availableGeometry();
-    const int room = frame.height() - 2 * fontMetrics().height();  // less the title bar
-    resize(size().expandedTo(
-        QSize(minimumSizeHint().width(), std::min(others + needed.height(), room))));
-    if (isVisible()) {
-        const QPoint corner =
-            frame.bottomRight() - QPoint(frameGeometry().width() - 1, frameGeometry().height() - 1);
-        move(std::max(frame.left(), std::min(x(), corner.x())),
-             std::max(frame.top(), std::min(y(), corner.y())));
-    }
-}
-
-void Analyzer::putNextInTabOrder(QWidget* button, const LCFReference* reference) {
-    const QWidgetList controls = QWidgetList{button} + reference->findChildren<QWidget*>();
-    for (QWidget* control : controls) {
-        if ((control->focusPolicy() & Qt::TabFocus) != 0 && control->window() == window()) {
-            setTabOrder(m_lastReferenceControl, control);
-            m_lastReferenceControl = control;
-        }
-    }
 }
 
 void Analyzer::selectedNewRef(int id) {
@@ -337,21 +262,6 @@ void Analyzer::updateControls() {
     setUsable(m_ui->AskAnalyze, whyNotFit());
     m_ui->AskRAAnalyze->setText(textOf(Work::Residual));
     setUsable(m_ui->AskRAAnalyze, whyNotAnalyze(m_measurement, Work::Residual));
-}
-
-/// A reference that took no part in the last fit has no map to choose.
-void Analyzer::updateChoice() {
-    const auto& references = m_measurement.references();
-    const auto hasMap = [](const auto& reference) {
-        return reference->result(Reference::DMut).image.hasData();
-    };
-    const bool fitted = std::any_of(references.begin(), references.end(), hasMap);
-    for (std::size_t i = 0; i < references.size(); ++i) {
-        setUsable(m_choice->button(static_cast<int>(i)),
-                  fitted && !hasMap(references[i])
-                      ? tr("This reference took no part in the last analysis.")
-                      : QString());
-    }
 }
 
 /// What the chosen result is, and what keeps it from being one of now.

@@ -199,6 +199,10 @@
         <source>Stop</source>
         <translation>中止</translation>
     </message>
+    <message>
+        <source>This reference took no part in the last analysis.</source>
+        <translation>この参照は直前の解析に使われていません。</translation>
+    </message>
 </context>
 <context>
     <name>Batch</name>
@@ -213,10 +217,6 @@
     <message>
         <source>no reference panel %1</source>
         <translation>参照パネル %1 はありません</translation>
-    </message>
-    <message>
-        <source>cannot be read: %1</source>
-        <translation>読み込めません: %1</translation>
     </message>
     <message>
         <source>no such background: %1</source>
@@ -237,10 +237,6 @@
     <message>
         <source>neither eV nor keV: %1</source>
         <translation>eV でも keV でもありません: %1</translation>
-    </message>
-    <message>
-        <source>no part of the region lies inside the image</source>
-        <translation>選択領域が画像の外にあります</translation>
     </message>
     <message>
         <source>there is no frame %1</source>
@@ -271,8 +267,104 @@
         <translation>作業記録は新しいバージョンのものです。%1</translation>
     </message>
     <message>
-        <source>no regular expression: %1; frames are numbered</source>
-        <translation>正規表現ではありません: %1。フレームには番号が付きます</translation>
+        <source>&apos;%1&apos; is not an integer</source>
+        <translation>「%1」は整数ではありません</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not a number</source>
+        <translation>「%1」は数値ではありません</translation>
+    </message>
+    <message>
+        <source>too few arguments: %1</source>
+        <translation>引数が足りません: %1</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is ignored: too many arguments</source>
+        <translation>引数が多すぎるため「%1」は無視されます</translation>
+    </message>
+    <message>
+        <source>endless substitution of a loop variable</source>
+        <translation>ループ変数の置き換えが終わりません</translation>
+    </message>
+    <message>
+        <source>%1 is out of range %2 to %3</source>
+        <translation>%1 は範囲 %2 ～ %3 の外です</translation>
+    </message>
+    <message>
+        <source>the image is %1 x %2 pixels: there is no position %3, %4</source>
+        <translation>画像は %1 x %2 画素のため、位置 %3, %4 はありません</translation>
+    </message>
+    <message>
+        <source>too few arguments: a range has two ends</source>
+        <translation>引数が足りません: 範囲には両端の値が必要です</translation>
+    </message>
+    <message>
+        <source>a quote is opened but not closed</source>
+        <translation>引用符が閉じられていません</translation>
+    </message>
+    <message>
+        <source>a quote inside an item is part of it: start the item with it</source>
+        <translation>項目の途中の引用符は項目の一部になります。項目の先頭に置いてください</translation>
+    </message>
+    <message>
+        <source>this remark is never closed by :rem_end</source>
+        <translation>この注釈は :rem_end で閉じられていません</translation>
+    </message>
+    <message>
+        <source>loop &apos;%1&apos; is never closed by :next</source>
+        <translation>ループ「%1」は :next で閉じられていません</translation>
+    </message>
+    <message>
+        <source>remarks do not nest: the first :rem_end ends it</source>
+        <translation>注釈は入れ子にできません。最初の :rem_end で終わります</translation>
+    </message>
+    <message>
+        <source>:rem_end without :rem_start</source>
+        <translation>:rem_start のない :rem_end です</translation>
+    </message>
+    <message>
+        <source>the backslash at the end of the line before makes &apos;%1&apos; part of that line</source>
+        <translation>前の行末のバックスラッシュにより、「%1」は前の行の続きになります</translation>
+    </message>
+    <message>
+        <source>a backslash continues this line, but no line follows</source>
+        <translation>バックスラッシュで次の行に続きますが、次の行がありません</translation>
+    </message>
+    <message>
+        <source>only &apos;%1&apos; is echoed: put the text in quotes</source>
+        <translation>「%1」だけが表示されます。文字列は引用符で囲んでください</translation>
+    </message>
+    <message>
+        <source>:for needs four arguments: name placeholder from to</source>
+        <translation>:for には 4 つの引数が必要です: name placeholder from to</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not an integer and counts as 0</source>
+        <translation>「%1」は整数ではないため 0 とみなします</translation>
+    </message>
+    <message>
+        <source>loop &apos;%1&apos; is not closed before another :for starts it anew</source>
+        <translation>ループ「%1」が閉じられないうちに、同名の :for が始まっています</translation>
+    </message>
+    <message>
+        <source>:next without :for of the name &apos;%1&apos;</source>
+        <translation>「%1」という名前の :for がない :next です</translation>
+    </message>
+    <message>
+        <source>loop &apos;%1&apos; ends before loop &apos;%2&apos; inside it</source>
+        <translation>ループ「%1」が、その中のループ「%2」より先に終わっています</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is neither NEW nor ADD: the files are added</source>
+        <translation>「%1」は NEW でも ADD でもないため、ファイルを追加しました</translation>
+    </message>
+    <message>
+        <source>not a regular expression: %1</source>
+        <translation>正規表現ではありません: %1</translation>
+    </message>
+    <message>
+        <source>no images are loaded</source>
+        <translation>画像が読み込まれていません</translation>
     </message>
 </context>
 <context>
@@ -358,10 +450,6 @@
         <translation>バッチファイルの保存</translation>
     </message>
     <message>
-        <source>What the batch has done; &quot;Err:&quot; stands before a line that it does not know.</source>
-        <translation>バッチの実行記録。認識できない行には「Err:」が付きます。</translation>
-    </message>
-    <message>
         <source>Empty the batch; Ctrl+Z brings it back</source>
         <translation>バッチを消去します (Ctrl+Z で元に戻せます)</translation>
     </message>
@@ -372,6 +460,30 @@
     <message>
         <source>&amp;Insert What Was Done</source>
         <translation>作業記録を挿入(&amp;I)</translation>
+    </message>
+    <message>
+        <source>What the batch has done; &quot;Err:&quot; stands before a line that it does not know. The last 50,000 lines are kept.</source>
+        <translation>バッチの実行内容です。認識できない行には「Err:」が付きます。最新の 50,000 行を保持します。</translation>
+    </message>
+    <message>
+        <source>Line %1 of %2</source>
+        <translation>%1 / %2 行目</translation>
+    </message>
+    <message>
+        <source>%1 done, %2 with a warning, %3 failed</source>
+        <translation>完了 %1、警告あり %2、失敗 %3</translation>
+    </message>
+    <message>
+        <source>cannot be written: %1</source>
+        <translation>書き込めません: %1</translation>
+    </message>
+    <message>
+        <source>cannot be read: %1</source>
+        <translation>読み込めません: %1</translation>
+    </message>
+    <message>
+        <source>Loaded %1</source>
+        <translation>読み込みました: %1</translation>
     </message>
 </context>
 <context>
@@ -624,12 +736,6 @@
         <source>XAFS Spectra (*.dat)</source>
         <translation>XAFS スペクトル (*.dat)</translation>
     </message>
-    <message numerus="yes">
-        <source>%n file(s) could not be read: %1</source>
-        <translation>
-            <numerusform>読み込めなかったファイル %n 件: %1</numerusform>
-        </translation>
-    </message>
     <message>
         <source>Half width of the bin in pixels: it holds 2 xw + 1 columns</source>
         <translation>ビンの横の半幅 (画素)。横幅は 2 xw + 1 画素です</translation>
@@ -673,6 +779,10 @@
     <message>
         <source>Save the image on display as a picture with its colour bar, title and unit</source>
         <translation>表示中の画像を、カラーバー・表題・単位とともに画像ファイルに保存します</translation>
+    </message>
+    <message>
+        <source>%1: %2 files were not taken, see Messages</source>
+        <translation>%1: %2 個のファイルが読み込まれませんでした。「メッセージ」を参照してください</translation>
     </message>
 </context>
 <context>
@@ -917,6 +1027,10 @@
         <source>keeps the spectrum of the cursor in the spectrum plot</source>
         <translation>カーソル位置のスペクトルをプロットに固定します</translation>
     </message>
+    <message>
+        <source>&amp;Messages</source>
+        <translation>メッセージ(&amp;M)</translation>
+    </message>
 </context>
 <context>
     <name>CalibCtrl</name>
@@ -1066,6 +1180,93 @@
     </message>
 </context>
 <context>
+    <name>Calibration</name>
+    <message>
+        <source>%1 of %2 bins without an edge</source>
+        <translation>吸収端のないビン %1 / %2</translation>
+    </message>
+    <message>
+        <source>Energy shifts from %1 to %2 eV, mean %3 eV; %4</source>
+        <translation>エネルギーシフト %1 ～ %2 eV、平均 %3 eV。%4</translation>
+    </message>
+    <message>
+        <source>Edge energies from %1 to %2 eV, mean %3 eV; %4</source>
+        <translation>吸収端エネルギー %1 ～ %2 eV、平均 %3 eV。%4</translation>
+    </message>
+    <message>
+        <source>no standard: the map holds edge energies, not shifts</source>
+        <translation>標準がないため、マップの値はシフトではなく吸収端エネルギーです</translation>
+    </message>
+    <message>
+        <source>the standard has no rising edge to compare with</source>
+        <translation>標準に比較できる吸収端の立ち上がりがありません</translation>
+    </message>
+    <message>
+        <source>the standard&apos;s edge at %1 eV lies outside the frames&apos; energies, %2 to %3 eV</source>
+        <translation>標準の吸収端 %1 eV がフレームのエネルギー範囲 %2 ～ %3 eV の外にあります</translation>
+    </message>
+    <message>
+        <source>%1 of %2 bins have no edge</source>
+        <translation>%2 ビン中 %1 ビンに吸収端がありません</translation>
+    </message>
+    <message>
+        <source>most shifts are above %1 eV: the standard may be another element&apos;s</source>
+        <translation>シフトの大半が %1 eV を超えています。標準が別の元素かもしれません</translation>
+    </message>
+    <message>
+        <source>cannot be read: %1</source>
+        <translation>読み込めません: %1</translation>
+    </message>
+    <message>
+        <source>not of the images&apos; size: %1</source>
+        <translation>画像とサイズが違います: %1</translation>
+    </message>
+    <message>
+        <source>no edge energy that the crystal reflects: %1</source>
+        <translation>結晶で反射できる吸収端エネルギーがありません: %1</translation>
+    </message>
+    <message>
+        <source>Loaded %1</source>
+        <translation>読み込みました: %1</translation>
+    </message>
+    <message>
+        <source>%1 of %2 values are missing and count as no shift: %3</source>
+        <translation>%2 個中 %1 個の値が欠けているため、シフトなしとみなします: %3</translation>
+    </message>
+    <message>
+        <source>%1 values are no numbers and count as no shift: %2</source>
+        <translation>%1 個の値が数値でないため、シフトなしとみなします: %2</translation>
+    </message>
+    <message>
+        <source>more values than the %1 of the map: %2</source>
+        <translation>値がマップの画素数 (%1) より多くあります: %2</translation>
+    </message>
+    <message>
+        <source>no images are loaded</source>
+        <translation>画像が読み込まれていません</translation>
+    </message>
+    <message>
+        <source>only maps of square images load from .emp; a float TIFF takes any shape</source>
+        <translation>.emp から読み込めるのは正方形の画像のマップだけです。浮動小数点 TIFF ならどの形でも保存できます</translation>
+    </message>
+    <message>
+        <source>not an energy map: %1</source>
+        <translation>エネルギーマップではありません: %1</translation>
+    </message>
+    <message>
+        <source>holds a shift that is no number or above 1000 eV: %1</source>
+        <translation>数値でないシフト、または 1000 eV を超えるシフトが含まれています: %1</translation>
+    </message>
+    <message>
+        <source>no program could load the map: no standard and no edge energy that the crystal reflects</source>
+        <translation>保存しても読み込めないマップです: 標準も、結晶で反射できる吸収端エネルギーもありません</translation>
+    </message>
+    <message>
+        <source>no program could load the map: it holds shifts above 1000 eV, or beyond what the crystal reflects</source>
+        <translation>保存しても読み込めないマップです: 1000 eV を超えるシフト、または結晶で反射できないシフトが含まれています</translation>
+    </message>
+</context>
+<context>
     <name>ColorBar</name>
     <message>
         <source>Auto</source>
@@ -1099,10 +1300,6 @@
 <context>
     <name>Controls</name>
     <message>
-        <source>Not while an analysis of the image runs.</source>
-        <translation>画像の解析中は使えません。</translation>
-    </message>
-    <message>
         <source>Show a result image or the energy-shift map first.</source>
         <translation>先に結果画像かエネルギーシフトマップを表示してください。</translation>
     </message>
@@ -1129,6 +1326,10 @@
     <message>
         <source>Point at the image first, to form a spectrum.</source>
         <translation>先に画像上にカーソルを置いてスペクトルを表示してください。</translation>
+    </message>
+    <message>
+        <source>%1.</source>
+        <translation>%1。</translation>
     </message>
 </context>
 <context>
@@ -1202,6 +1403,124 @@
     <message>
         <source>stopped at %1 %</source>
         <translation>%1 % で中止</translation>
+    </message>
+    <message>
+        <source>of the run before</source>
+        <translation>前回の実行の結果</translation>
+    </message>
+</context>
+<context>
+    <name>FitJudgement</name>
+    <message>
+        <source>%1 to %2 eV</source>
+        <translation>%1 ～ %2 eV</translation>
+    </message>
+    <message>
+        <source>%1 covers %2</source>
+        <translation>%1 の範囲は %2</translation>
+    </message>
+    <message>
+        <source>%1 and %2 cannot be told apart by the fit</source>
+        <translation>%1 と %2 はフィットで区別できません</translation>
+    </message>
+    <message>
+        <source>no reference is in use</source>
+        <translation>使用する参照スペクトルがありません</translation>
+    </message>
+    <message>
+        <source>%1 of %2 energies of the frames (%3) lie inside all references, the fit needs %4</source>
+        <translation>フレームの %2 個のエネルギー (%3) のうち、すべての参照の範囲に入るのは %1 個で、フィットに必要な %4 個に足りません</translation>
+    </message>
+    <message>
+        <source>only %1 of %2 energies of the frames (%3) were used: %4</source>
+        <translation>フレームの %2 個のエネルギー (%3) のうち %1 個だけを使いました: %4</translation>
+    </message>
+    <message>
+        <source>the energy %1 eV of the residual absorption lies outside those of the frames (%2)</source>
+        <translation>残留吸収のエネルギー %1 eV がフレームのエネルギー範囲 (%2) の外にあります</translation>
+    </message>
+    <message>
+        <source>%1 of %2 bins have no counts at some energy</source>
+        <translation>%2 ビン中 %1 ビンに、カウントのないエネルギーがあります</translation>
+    </message>
+</context>
+<context>
+    <name>FrameHeader</name>
+    <message>
+        <source>%1 x %2 pixels, the images %3 x %4</source>
+        <translation>%1 x %2 画素で、画像の %3 x %4 と違います</translation>
+    </message>
+    <message>
+        <source>cannot be opened</source>
+        <translation>開けません</translation>
+    </message>
+    <message>
+        <source>no such file</source>
+        <translation>ファイルがありません</translation>
+    </message>
+    <message>
+        <source>an empty file</source>
+        <translation>空のファイルです</translation>
+    </message>
+    <message>
+        <source>neither TIFF nor IMG</source>
+        <translation>TIFF でも IMG でもありません</translation>
+    </message>
+    <message>
+        <source>an IMG file, whose counts are not read</source>
+        <translation>IMG ファイルのカウントは読み込めません</translation>
+    </message>
+    <message>
+        <source>cannot be read</source>
+        <translation>読み込めません</translation>
+    </message>
+    <message>
+        <source>damaged: %1 of %2 rows can be decoded</source>
+        <translation>壊れています: %2 行中 %1 行しか復号できません</translation>
+    </message>
+    <message>
+        <source>a TIFF file without an image</source>
+        <translation>画像のない TIFF ファイルです</translation>
+    </message>
+    <message>
+        <source>%1 samples a pixel, not 1</source>
+        <translation>1 画素あたり 1 サンプルではなく %1 サンプルです</translation>
+    </message>
+    <message>
+        <source>signed %1-bit numbers, not counts</source>
+        <translation>カウントではなく符号付き %1 ビット値です</translation>
+    </message>
+    <message>
+        <source>%1-bit float, not 16-bit counts</source>
+        <translation>16 ビットのカウントではなく %1 ビット浮動小数点です</translation>
+    </message>
+    <message>
+        <source>complex numbers, not counts</source>
+        <translation>カウントではなく複素数です</translation>
+    </message>
+    <message>
+        <source>%1 bits a sample, not 16</source>
+        <translation>1 サンプルあたり 16 ビットではなく %1 ビットです</translation>
+    </message>
+    <message>
+        <source>an image without pixels</source>
+        <translation>画素のない画像です</translation>
+    </message>
+    <message>
+        <source>too large an image</source>
+        <translation>画像が大きすぎます</translation>
+    </message>
+    <message>
+        <source>tiled, not in rows</source>
+        <translation>行単位ではなくタイル形式です</translation>
+    </message>
+    <message>
+        <source>a compression that is not known (%1)</source>
+        <translation>対応していない圧縮形式です (%1)</translation>
+    </message>
+    <message>
+        <source>truncated: %1 of %2 rows</source>
+        <translation>途中で切れています: %2 行中 %1 行</translation>
     </message>
 </context>
 <context>
@@ -1287,27 +1606,13 @@
         <source>there is no frame on display</source>
         <translation>表示中のフレームがありません</translation>
     </message>
-    <message numerus="yes">
-        <source>%n dark file(s) unreadable or not of the image&apos;s size</source>
-        <translation>
-            <numerusform>ダーク %n ファイルを除外 (読み込み不可またはサイズ違い)</numerusform>
-        </translation>
-    </message>
     <message>
         <source>no %1 frames are loaded yet</source>
         <translation>%1 のフレームがまだ読み込まれていません</translation>
     </message>
     <message>
-        <source>cannot be read: %1</source>
-        <translation>読み込めません: %1</translation>
-    </message>
-    <message>
         <source>%1: loading stopped after %2 of %3 files</source>
         <translation>%1: %3 ファイル中 %2 ファイルで読み込みを中止しました</translation>
-    </message>
-    <message>
-        <source>no whole energy map of the images&apos; size: %1</source>
-        <translation>画像と同じ大きさの完全なエネルギーマップではありません: %1</translation>
     </message>
     <message>
         <source>there is no energy-shift map</source>
@@ -1326,36 +1631,8 @@
         <translation>参照パネルが 2 つ以上必要です</translation>
     </message>
     <message>
-        <source>no point of the area lies inside the image</source>
-        <translation>解析領域に画像内の点がありません</translation>
-    </message>
-    <message>
         <source>memory ran out</source>
         <translation>メモリが足りません</translation>
-    </message>
-    <message>
-        <source>no reference is in use</source>
-        <translation>使用する参照スペクトルがありません</translation>
-    </message>
-    <message>
-        <source>no standard is loaded: the map holds edge energies, not shifts</source>
-        <translation>標準が読み込まれていません: マップの値はシフトではなく吸収端エネルギーです</translation>
-    </message>
-    <message>
-        <source>the standard has no rising edge to compare with</source>
-        <translation>標準に比較できる吸収端の立ち上がりがありません</translation>
-    </message>
-    <message>
-        <source>stopped before its end</source>
-        <translation>途中で中止しました</translation>
-    </message>
-    <message>
-        <source>there is no map to deglitch</source>
-        <translation>グリッチを除去するマップがありません</translation>
-    </message>
-    <message>
-        <source>there is no map on display</source>
-        <translation>表示中のマップがありません</translation>
     </message>
     <message>
         <source>nothing has been deglitched: the processed values are 0</source>
@@ -1366,8 +1643,155 @@
         <translation>システムがスレッドを作成できません</translation>
     </message>
     <message>
-        <source>Loaded %1</source>
-        <translation>読み込みました: %1</translation>
+        <source>the I0 frames have %1 pixels, the I1 frames %2</source>
+        <translation>I0 のフレームは %1 画素、I1 のフレームは %2 画素でサイズが違います</translation>
+    </message>
+    <message>
+        <source>%1 is being loaded</source>
+        <translation>%1 の読み込み中です</translation>
+    </message>
+    <message numerus="yes">
+        <source>an edge needs three energies, the I1 frames have %n</source>
+        <translation>
+            <numerusform>吸収端の解析には 3 つ以上のエネルギーが必要ですが、I1 のフレームには %n つしかありません</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>no I0 frames: I0 counts as 1 everywhere</source>
+        <translation>I0 のフレームがないため、I0 をすべて 1 とみなします</translation>
+    </message>
+    <message>
+        <source>frames were added</source>
+        <translation>フレームが追加されました</translation>
+    </message>
+    <message>
+        <source>the whole image is taken instead</source>
+        <translation>代わりに画像全体を使います</translation>
+    </message>
+    <message>
+        <source>no part of the region lies inside the image of %1 x %2 pixels</source>
+        <translation>領域が %1 x %2 画素の画像に重なっていません</translation>
+    </message>
+    <message>
+        <source>the region holds no pixel of any image</source>
+        <translation>領域に含まれる画素がありません</translation>
+    </message>
+    <message>
+        <source>the region reaches over the edge of the image: %1 %2 %3 %4 is left of it</source>
+        <translation>領域が画像の外にはみ出しているため、%1 %2 %3 %4 に切り詰めます</translation>
+    </message>
+    <message>
+        <source>frames were replaced</source>
+        <translation>フレームが置き換えられました</translation>
+    </message>
+    <message>
+        <source>no new %1 frames</source>
+        <translation>%1 の新しいフレームはありません</translation>
+    </message>
+    <message>
+        <source>frames were cleared</source>
+        <translation>フレームが消去されました</translation>
+    </message>
+    <message>
+        <source>the energy map has changed</source>
+        <translation>エネルギーマップが変更されました</translation>
+    </message>
+    <message>
+        <source>no bin of the area lies inside the image</source>
+        <translation>領域のビンがひとつも画像の中にありません</translation>
+    </message>
+    <message>
+        <source>there is no map to work on</source>
+        <translation>処理できるマップがありません</translation>
+    </message>
+    <message>
+        <source>the reference took no part in the fit: its map holds no values</source>
+        <translation>参照がフィットに使われていないため、マップに値がありません</translation>
+    </message>
+    <message>
+        <source>the map holds no values</source>
+        <translation>マップに値がありません</translation>
+    </message>
+    <message>
+        <source>the percentiles of the frame are equal: the range stays</source>
+        <translation>フレームのパーセンタイルが同じ値のため、範囲は変わりません</translation>
+    </message>
+    <message>
+        <source>%1: not taken, a number besides the energy differs: %2</source>
+        <translation>%1: 名前のエネルギー以外の番号が違うため読み込みません: %2</translation>
+    </message>
+</context>
+<context>
+    <name>MessageLine</name>
+    <message>
+        <source>(and %1 more)</source>
+        <translation>(ほか %1 件)</translation>
+    </message>
+    <message>
+        <source>(%1 more in Messages)</source>
+        <translation>(ほか %1 件は「メッセージ」を参照)</translation>
+    </message>
+</context>
+<context>
+    <name>Messages</name>
+    <message>
+        <source>failed</source>
+        <translation>失敗</translation>
+    </message>
+    <message>
+        <source>warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>時刻</translation>
+    </message>
+    <message>
+        <source>Outcome</source>
+        <translation>種類</translation>
+    </message>
+    <message>
+        <source>Batch line</source>
+        <translation>バッチ行</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>ファイル</translation>
+    </message>
+    <message>
+        <source>Message</source>
+        <translation>内容</translation>
+    </message>
+</context>
+<context>
+    <name>MessagesWindow</name>
+    <message>
+        <source>Copy</source>
+        <translation>コピー</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>クリア</translation>
+    </message>
+    <message>
+        <source>Messages</source>
+        <translation>メッセージ</translation>
+    </message>
+    <message>
+        <source>Copy the selected messages, or all when none is selected</source>
+        <translation>選択したメッセージをコピーします。選択していないときはすべてコピーします</translation>
+    </message>
+    <message>
+        <source>Empty the list</source>
+        <translation>一覧を空にします</translation>
+    </message>
+    <message>
+        <source>There are no messages.</source>
+        <translation>メッセージはありません。</translation>
+    </message>
+    <message>
+        <source>Failures and warnings since the start, the newest last</source>
+        <translation>起動してからの失敗と警告です。新しいものほど下にあります</translation>
     </message>
 </context>
 <context>
@@ -1391,6 +1815,25 @@
     <message>
         <source>the run was stopped before its end</source>
         <translation>解析は途中で中止されています</translation>
+    </message>
+</context>
+<context>
+    <name>Reference</name>
+    <message>
+        <source>no edge: %1</source>
+        <translation>吸収端がありません: %1</translation>
+    </message>
+    <message numerus="yes">
+        <source>pre-edge line on %n point(s): %1</source>
+        <translation>
+            <numerusform>プリエッジの直線が %n 点で決められています: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>post-edge line on %n point(s): %1</source>
+        <translation>
+            <numerusform>ポストエッジの直線が %n 点で決められています: %1</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -1558,10 +2001,6 @@
 <context>
     <name>Saving</name>
     <message>
-        <source>the run was stopped before its end</source>
-        <translation>途中で中止した解析の結果です</translation>
-    </message>
-    <message>
         <source>the result is %1</source>
         <translation>注意: %1です</translation>
     </message>
@@ -1582,12 +2021,28 @@
         <translation>選択した結果に値がありません</translation>
     </message>
     <message>
-        <source>there is no spectrum at the position: this is the standard</source>
-        <translation>この位置にスペクトルがないため、標準のスペクトルを保存しました</translation>
-    </message>
-    <message>
         <source>the spectrum window shows no spectrum</source>
         <translation>スペクトルウィンドウに表示中のスペクトルがありません</translation>
+    </message>
+    <message>
+        <source>a 16-bit TIFF taller than wide has shifted rows; a table or a float TIFF has not</source>
+        <translation>縦長の 16 ビット TIFF は行がずれます。表または浮動小数点 TIFF ならずれません</translation>
+    </message>
+    <message>
+        <source>the reference took no part in the fit: its map holds no values</source>
+        <translation>参照がフィットに使われていないため、マップに値がありません</translation>
+    </message>
+    <message>
+        <source>there are no result images</source>
+        <translation>結果画像がありません</translation>
+    </message>
+    <message>
+        <source>there is no spectrum at the position</source>
+        <translation>この位置にはスペクトルがありません</translation>
+    </message>
+    <message>
+        <source>no images are loaded</source>
+        <translation>画像が読み込まれていません</translation>
     </message>
 </context>
 <context>
@@ -1649,10 +2104,6 @@
         <translation>すべてのファイル (* *.*)</translation>
     </message>
     <message>
-        <source>Add the files that have come into the folder since: for a measurement that still runs. Held down, it stays down and looks again every five seconds.</source>
-        <translation>フォルダーに新しくできたファイルを追加します (測定中のデータ用)。長押しすると押されたままになり、5 秒ごとに確認します。</translation>
-    </message>
-    <message>
         <source>The files of this stack in the order of the frames; the one on display</source>
         <translation>このスタックのファイル (フレーム順)。表示中のものを示します</translation>
     </message>
@@ -1664,12 +2115,102 @@
         <source>Select the first files first.</source>
         <translation>先に「選択」で最初のファイルを選んでください。</translation>
     </message>
+    <message>
+        <source>Add the files that have come into the folder since: for a measurement that still runs.</source>
+        <translation>フォルダーにその後届いたファイルを追加します (測定を続けながら使えます)。</translation>
+    </message>
+</context>
+<context>
+    <name>SpectrumFile</name>
+    <message>
+        <source>cannot be read: %1</source>
+        <translation>読み込めません: %1</translation>
+    </message>
+    <message>
+        <source>a 9809 file without its lattice spacing (D=)</source>
+        <translation>面間隔 (D=) のない 9809 ファイルです</translation>
+    </message>
+    <message>
+        <source>a 9809 file without the line &quot;Offset&quot;</source>
+        <translation>「Offset」の行がない 9809 ファイルです</translation>
+    </message>
+    <message>
+        <source>energies from %1 to %2 look like keV, eV are needed</source>
+        <translation>エネルギー %1 ～ %2 は keV のようです (eV で指定してください)</translation>
+    </message>
+    <message>
+        <source>not taken, %1: %2</source>
+        <translation>読み込みませんでした。%1: %2</translation>
+    </message>
+    <message>
+        <source>not a text file</source>
+        <translation>テキストファイルではありません</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n usable point(s), at least five are needed</source>
+        <translation>
+            <numerusform>使える点が %n 点しかありません (5 点以上必要です)</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n row(s) without an energy and a value left out: %1</source>
+        <translation>
+            <numerusform>エネルギーと値のない %n 行を読み飛ばしました: %1</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>SpectrumPane</name>
     <message>
         <source>Position (%1, %2)</source>
         <translation>位置 (%1, %2)</translation>
+    </message>
+</context>
+<context>
+    <name>Stack</name>
+    <message numerus="yes">
+        <source>%1 and %n more</source>
+        <translation>
+            <numerusform>%1 ほか %n 個</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>an energy below 50 eV or above 200 keV: %1 eV read from %2</source>
+        <translation>50 eV 未満または 200 keV 超のエネルギーです: %2 を %1 eV と読みました</translation>
+    </message>
+    <message>
+        <source>no energy in the name, the number of the frame stands for it: %1</source>
+        <translation>名前にエネルギーがないため、フレームの番号で代用します: %1</translation>
+    </message>
+    <message>
+        <source>the energies of the frames do not ascend: spectra and analyses take them in order of energy</source>
+        <translation>フレームがエネルギーの昇順ではありません。スペクトルと解析ではエネルギーの順に使います</translation>
+    </message>
+    <message>
+        <source>%1 % of the pixels are saturated (65535 counts)</source>
+        <translation>画素の %1 % が飽和しています (65535 カウント)</translation>
+    </message>
+    <message>
+        <source>no energy in its name, while others have one</source>
+        <translation>名前にエネルギーがありません (ほかのファイルにはあります)</translation>
+    </message>
+    <message>
+        <source>%1: no frame was taken</source>
+        <translation>%1: フレームが 1 枚も読み込まれませんでした</translation>
+    </message>
+    <message>
+        <source>%1 x %2 pixels, the first frame %3 x %4</source>
+        <translation>%1 x %2 画素で、最初のフレームの %3 x %4 と違います</translation>
+    </message>
+    <message>
+        <source>the energy pattern finds only part of a number: %1 eV read from %2</source>
+        <translation>エネルギーのパターンが数値の一部しか拾っていません: %2 を %1 eV と読みました</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n frame(s) with an energy that an earlier frame has</source>
+        <translation>
+            <numerusform>前のフレームと同じエネルギーのフレームが %n 枚あります</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -1733,6 +2274,18 @@
         <translation>
             <numerusform>ダーク %n ファイルを除外 (読み込み不可またはサイズ違い)</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>1 message</source>
+        <translation>メッセージ 1 件</translation>
+    </message>
+    <message>
+        <source>%1 messages</source>
+        <translation>メッセージ %1 件</translation>
+    </message>
+    <message>
+        <source>Show the failures and warnings that nobody has looked at yet</source>
+        <translation>まだ確認していない失敗と警告を表示します</translation>
     </message>
 </context>
 <context>

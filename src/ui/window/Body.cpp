@@ -47,11 +47,15 @@ void fitToFont(QMainWindow& window, const Ui::Body& ui) {
 }
 
 /// Of many files that a load did not take, their number: a line for each would bury the rest.
-Outcome inShort(Work work, const Outcome& outcome) {
-    const bool isLoad = work == Work::LoadI1 || work == Work::LoadI0;
-    const int n = outcome.failures.size();
-    return isLoad && n > 1
-               ? Outcome::failure(Body::tr("%1 files were not taken, see Messages").arg(n))
+Outcome inShort(const Measurement& measurement, Work work, const Outcome& outcome) {
+    if (work != Work::LoadI1 && work != Work::LoadI0) {
+        return outcome;
+    }
+    const Stack& stack = measurement.stack(work == Work::LoadI1 ? StackId::I1 : StackId::I0);
+    const int n = stack.leftOut();
+    return n > 1 && outcome.failures.size() >= n  // not a line that did not come to a load
+               ? Outcome::failure(
+                     Body::tr("%1: %2 files were not taken, see Messages").arg(stack.name()).arg(n))
                : outcome;
 }
 
@@ -256,7 +260,7 @@ void Body::sayOf(Work work, const Outcome& outcome, const QString& file) {
     if (isRun) {
         m_status->endNotice();  // that of the run before
     }
-    m_status->say(textOf(inShort(work, outcome)));
+    m_status->say(textOf(inShort(m_measurement, work, outcome)));
     m_messages->take(outcome, file);
     if (work == Work::Calibrate) {
         m_calib->say(outcome);
@@ -269,7 +273,8 @@ void Body::lineDone(const CmdLine& cmd, const Outcome& outcome) {
     const int line = m_batchCtrl->lineDone(cmd, outcome, m_runner.dispatcher()->lineInWork());
     const CommandRow* row = commandRow(commandId(cmd.command));
     if (line > 0) {
-        m_status->say(textOf(inShort(row != nullptr ? row->work : Work::None, outcome)));
+        const Work work = row != nullptr ? row->work : Work::None;
+        m_status->say(textOf(inShort(m_measurement, work, outcome)));
         m_messages->take(outcome, row != nullptr ? row->fileOf(cmd) : QString(), line);
     }
     emit commandDone(cmd, outcome.texts());

@@ -21,12 +21,27 @@ QString unless(bool fulfilled, const QString& whyNot) {
     return fulfilled ? QString() : whyNot;
 }
 
+/// Empty for a result whose values can be saved or shown, and for none.
+QString whyNoPart(const Result* result) {
+    return unless(result == nullptr || result->tookPart(), tookNoPart());
+}
+
+/// A reason as the tool tip of a control says it.
+QString asSentence(const QString& reason) {
+    return reason.isEmpty()
+               ? QString()
+               : Controls::tr("%1.").arg(reason.left(1).toUpper() + reason.mid(1));
+}
+
+
 bool hasImageToSave(const Measurement& measurement) {
     const auto& references = measurement.references();
     return std::any_of(references.begin(), references.end(), [](const auto& reference) {
-        return reference->takesPart() &&
-               (reference->result(Reference::DMut).image.img() != nullptr ||
-                reference->result(Reference::Ratio).image.img() != nullptr);
+        const auto hasImage = [&reference](int kind) {
+            const Result& result = reference->result(kind);
+            return result.tookPart() && result.image.img() != nullptr;
+        };
+        return reference->takesPart() && (hasImage(Reference::DMut) || hasImage(Reference::Ratio));
     });
 }
 
@@ -39,9 +54,10 @@ void updateMapControls(const Ui::Body& ui, const Measurement& measurement) {
             ? running
             : unless(hasValues, Controls::tr("Show a result image or the energy-shift map first."));
     const bool shows = hasValues && target->image.showsProc();  // it can be taken back
-    setUsable(ui.DeGlitch, noMap.isEmpty() ? measurement.whyNotDeglitch() : noMap);
-    setUsable(ui.ShowProcImg,
-              noMap.isEmpty() && !shows ? measurement.whyNotShowProcessed() : noMap);
+    setUsable(ui.DeGlitch, noMap.isEmpty() ? asSentence(measurement.whyNotDeglitch()) : noMap);
+    setUsable(ui.ShowProcImg, noMap.isEmpty() && !shows
+                                  ? asSentence(measurement.whyNotShowProcessed())
+                                  : noMap);
     showNumber(ui.DeGlitchFactor, measurement.settings().deglitchFactor);
     showNumber(ui.DeGlitchRatio, measurement.settings().deglitchRatio);
     const QSignalBlocker blocked(ui.ShowProcImg);
@@ -64,9 +80,10 @@ void updateControls(const Ui::Body& ui, Measurement& measurement, const XafsView
     const Result* shown = measurement.shownResult();
     const bool hasPicture =
         shownFrame(measurement) != nullptr || (shown != nullptr && shown->image.img() != nullptr);
-    const QString noPicture = unless(hasPicture, Controls::tr("There is no image on display yet."));
-    setUsable(ui.SaveImage, noPicture);
-    setUsable(ui.SaveImageWithBar, noPicture);
+    const QString whyNotPicture =
+        hasPicture ? whyNoPart(shown) : Controls::tr("There is no image on display yet.");
+    setUsable(ui.SaveImage, whyNotPicture);
+    setUsable(ui.SaveImageWithBar, whyNotPicture);
     setUsable(ui.SaveAllImages, unless(hasImageToSave(measurement),
                                        Controls::tr("Analyze the image with references first.")));
 
@@ -74,9 +91,10 @@ void updateControls(const Ui::Body& ui, Measurement& measurement, const XafsView
     const bool showsMap = measurement.settings().shown == Shown::Map;
     const bool hasValues = selected != nullptr ? selected->image.hasData()
                                                : showsMap && measurement.map().image.hasData();
-    setUsable(ui.SaveData,
-              unless(hasValues, Controls::tr("Select a finished result in the Analyzer, or show "
-                                             "the energy-shift map, first.")));
+    setUsable(ui.SaveData, hasValues ? whyNoPart(selected)
+                                     : Controls::tr("Select a finished result in the Analyzer, or "
+                                                    "show the energy-shift map, first."));
+    setUsable(ui.SaveFlatDark, whyNoImages(measurement));
     setUsable(
         ui.SaveXAFSSpectra,
         unless(view.hasSample(), Controls::tr("Point at the image first, to form a spectrum.")));
