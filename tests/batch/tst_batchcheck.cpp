@@ -63,7 +63,8 @@ class TestBatchCheck : public QObject {
             load +
                 "calib_load_std ref.dat|calib_exec|calib_save_map out/m.emp|"
                 "calib_load_map out/m.emp",
-            "W5 no edge: ref.dat|W7 only maps of square images load|E8 only maps of square images load");
+            "W5 no edge: ref.dat|W7 only maps of square images load|E8 only maps of square images "
+            "load");
         row("a file in a loop", ":for i %i 1 20|calib_load_std s%i.dat|:next i",
             "E2 |E2 |E2 |E2 |E2 |E2 and more of this kind");
         row("zeros in front", ":for i %i 001 003|set_band_w %i|:next i",

@@ -197,7 +197,7 @@ class TestFramesJudged : public QObject {
                 putPlain({"x7300eV.tif", "x7300_0eV.tif"});
             },
             all + "\nload_I1_files ADD x7300_0eV.tif x7300eV.tif", "warning",
-            "2 frame\\(s\\) of an energy");
+            "2 frame\\(s\\) with an energy");
         add(
             "marked as white",
             [] {

@@ -100,7 +100,8 @@ class TestMapsJudged : public QObject {
         add("text in it", mapFile("0.002", "O"), load, "warning", "1 values are no numbers");
         add("more than it says", mapFile("0.002", "0 0"), load, "warning",
             "^warning: more values than the 9 of the map: map.emp$");
-        add("of another size", mapFile(), "LOAD\n" + load, "failed", "only maps of square images load");
+        add("of another size", mapFile(), "LOAD\n" + load, "failed",
+            "only maps of square images load");
         add("nothing to start from", {}, "LOAD\ncalib_save_map x.emp", "failed",
             "no standard and no edge energy");
         add("below the crystal's reach", {},

@@ -137,7 +137,7 @@ class TestBody : public QObject {
         m_body->readI1Files({m_phantom->file("a.dat"), m_phantom->file("missing.tif"),
                              m_phantom->file("i1-7000_000eV.tif")},
                             true);
-        QTRY_COMPARE(textOf("Notice"), QString("2 files were not taken, see Messages"));
+        QTRY_COMPARE(textOf("Notice"), QString("I1: 2 files were not taken, see Messages"));
         QCOMPARE(panelCount("SelectI1Files"), QString("1"));
         QCOMPARE(count->text(), QString("2 messages"));
         QVERIFY(row(1).startsWith("failed|||") && row(1).contains("missing.tif"));

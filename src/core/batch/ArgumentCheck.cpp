@@ -67,7 +67,8 @@ Outcome judgeArguments(const CommandRow& row, const QStringList& args) {
             outcome.failures << why;
         }
         if (kind == ArgKind::Mode && !isOneOf(args.at(i), {"NEW", "ADD"})) {
-            outcome.warnings << Batch::tr("'%1' is neither NEW nor ADD: the files are added").arg(args.at(i));
+            outcome.warnings
+                << Batch::tr("'%1' is neither NEW nor ADD: the files are added").arg(args.at(i));
         }
     }
     if (count > kinds && !row.repeats) {

@@ -81,7 +81,8 @@ QStringList aboutEnergies(const Files& files) {
     }
     const int repeated = files.size() - static_cast<int>(energies.size());
     if (repeated > 0) {
-        texts << Stack::tr("%n frame(s) with an energy that an earlier frame has", nullptr, repeated);
+        texts << Stack::tr("%n frame(s) with an energy that an earlier frame has", nullptr,
+                           repeated);
     }
     return texts;
 }

@@ -114,7 +114,8 @@ Outcome Measurement::judgeStart(Work work) {
         outcome += judgeShiftedFit(source().energies(), m_references, m_settings.method, raster,
                                    shiftsOf(m_map->image));
         if (m_map->isOfBefore) {
-            outcome.warnings << tr("the energy map is of before: what was to replace it failed");
+            outcome.warnings << tr(
+                "the energy map is an earlier one: what was to replace it failed");
         }
     }
     return outcome;

@@ -22,7 +22,6 @@ struct Usable {
 
 using Point = std::optional<Spoint>;
 
-
 /// Ways to write two columns.
 struct Columns {
     QRegularExpression separator;

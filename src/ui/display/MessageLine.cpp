@@ -13,9 +13,8 @@ constexpr int MostInALine = 2;
 QString textOf(const Outcome& outcome) {
     const QString gap = QStringLiteral("   ");
     const auto inShort = [&gap](const QStringList& texts, const QString& more) {
-        return texts.size() <= MostInALine
-                   ? texts.join(gap)
-                   : texts.first() + gap + more.arg(texts.size() - 1);
+        return texts.size() <= MostInALine ? texts.join(gap)
+                                           : texts.first() + gap + more.arg(texts.size() - 1);
     };
     QStringList parts{inShort(outcome.texts(), MessageLine::tr("(%1 more in Messages)")),
                       inShort(outcome.notes, MessageLine::tr("(and %1 more)"))};
@@ -30,9 +29,9 @@ MessageLine::MessageLine(QWidget* parent) : QLabel(parent) {
 
 QSize MessageLine::sizeHint() const {
     const QMargins margins = contentsMargins();
-    return QSize(fontMetrics().averageCharWidth(),
-                 fontMetrics().height() + (m_lines - 1) * fontMetrics().lineSpacing() +
-                     margins.top() + margins.bottom());
+    return QSize(fontMetrics().averageCharWidth(), fontMetrics().height() +
+                                                       (m_lines - 1) * fontMetrics().lineSpacing() +
+                                                       margins.top() + margins.bottom());
 }
 
 QStringList MessageLine::shown() const {

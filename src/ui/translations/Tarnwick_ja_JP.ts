@@ -227,10 +227,6 @@
         <translation>そのような結晶はありません: %1</translation>
     </message>
     <message>
-        <source>no file matches in %1</source>
-        <translation>一致するファイルがありません: %1</translation>
-    </message>
-    <message>
         <source>neither I1 nor I0: %1</source>
         <translation>I1 でも I0 でもありません: %1</translation>
     </message>
@@ -365,6 +361,26 @@
     <message>
         <source>no images are loaded</source>
         <translation>画像が読み込まれていません</translation>
+    </message>
+    <message>
+        <source>no such folder: %1</source>
+        <translation>フォルダがありません: %1</translation>
+    </message>
+    <message>
+        <source>there is no file in %1</source>
+        <translation>%1 にファイルがありません</translation>
+    </message>
+    <message>
+        <source>no file matches %1 in %2</source>
+        <translation>%2 に %1 に一致するファイルがありません</translation>
+    </message>
+    <message>
+        <source>&apos;#&apos; does not start a comment: use :rem_start and :rem_end</source>
+        <translation>「#」はコメントの開始ではありません。:rem_start と :rem_end を使ってください</translation>
+    </message>
+    <message>
+        <source>unknown command (did you mean %1?)</source>
+        <translation>不明なコマンドです (%1 のことですか?)</translation>
     </message>
 </context>
 <context>
@@ -1265,6 +1281,10 @@
         <source>no program could load the map: it holds shifts above 1000 eV, or beyond what the crystal reflects</source>
         <translation>保存しても読み込めないマップです: 1000 eV を超えるシフト、または結晶で反射できないシフトが含まれています</translation>
     </message>
+    <message>
+        <source>only maps of square images load: %1</source>
+        <translation>読み込めるのは正方形の画像のマップだけです: %1</translation>
+    </message>
 </context>
 <context>
     <name>ColorBar</name>
@@ -1443,6 +1463,18 @@
         <source>%1 of %2 bins have no counts at some energy</source>
         <translation>%2 ビン中 %1 ビンに、カウントのないエネルギーがあります</translation>
     </message>
+    <message>
+        <source>%1 is normalised with %2 curves, the image with %3 ones</source>
+        <translation>%1 は %2 曲線、画像は %3 曲線で規格化されています</translation>
+    </message>
+    <message>
+        <source>reference %1 is in use but holds no spectrum: left out</source>
+        <translation>参照 %1 は使用中ですがスペクトルがないため除外しました</translation>
+    </message>
+    <message>
+        <source>with the shifts of the energy map, %1 of %2 bins have too few energies inside the references</source>
+        <translation>エネルギーマップのシフトでは、%2 個中 %1 個のビンで参照の範囲内のエネルギーが不足しています</translation>
+    </message>
 </context>
 <context>
     <name>FrameHeader</name>
@@ -1521,6 +1553,26 @@
     <message>
         <source>truncated: %1 of %2 rows</source>
         <translation>途中で切れています: %2 行中 %1 行</translation>
+    </message>
+    <message>
+        <source>a folder or a device, not a file</source>
+        <translation>ファイルではなくフォルダまたはデバイスです</translation>
+    </message>
+    <message>
+        <source>a strip is announced longer than the file</source>
+        <translation>ストリップの長さがファイルを超えています</translation>
+    </message>
+    <message>
+        <source>its counts are taken as they stand, though 0 is marked as white</source>
+        <translation>0 が白と指定されていますが、カウントはそのまま使います</translation>
+    </message>
+    <message>
+        <source>its values are taken as counts, though not marked as such</source>
+        <translation>カウントとは指定されていない値をカウントとして使います</translation>
+    </message>
+    <message>
+        <source>only the first of its images is read</source>
+        <translation>最初の画像だけを読み込みます</translation>
     </message>
 </context>
 <context>
@@ -1720,6 +1772,16 @@
         <source>%1: not taken, a number besides the energy differs: %2</source>
         <translation>%1: 名前のエネルギー以外の番号が違うため読み込みません: %2</translation>
     </message>
+    <message numerus="yes">
+        <source>%n dark frame(s) of another size than the images not used</source>
+        <translation>
+            <numerusform>画像とサイズの異なるダークフレーム %n 枚は使われません</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>the energy map is an earlier one: what was to replace it failed</source>
+        <translation>エネルギーマップは以前のものです: 置き換えに失敗しました</translation>
+    </message>
 </context>
 <context>
     <name>MessageLine</name>
@@ -1834,6 +1896,10 @@
         <translation>
             <numerusform>ポストエッジの直線が %n 点で決められています: %1</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>no spectrum: %1</source>
+        <translation>スペクトルではありません: %1</translation>
     </message>
 </context>
 <context>
@@ -2043,6 +2109,22 @@
     <message>
         <source>no images are loaded</source>
         <translation>画像が読み込まれていません</translation>
+    </message>
+    <message>
+        <source>the result was %1</source>
+        <translation>結果は %1されています</translation>
+    </message>
+    <message>
+        <source>no picture format has this suffix (use .png): %1</source>
+        <translation>この拡張子の画像形式はありません (.png を使ってください): %1</translation>
+    </message>
+    <message>
+        <source>there is no spectrum at the position: the plot shows the standard alone</source>
+        <translation>この位置にスペクトルがないため、プロットは標準だけです</translation>
+    </message>
+    <message>
+        <source>there is no energy map: every shift in the file is 0</source>
+        <translation>エネルギーマップがないため、ファイルのシフトはすべて 0 です</translation>
     </message>
 </context>
 <context>
@@ -2365,6 +2447,22 @@
         <source>Saved %1</source>
         <translation>保存しました: %1</translation>
     </message>
+    <message>
+        <source>no such folder</source>
+        <translation>フォルダがありません</translation>
+    </message>
+    <message>
+        <source>the folder cannot be written to</source>
+        <translation>フォルダに書き込めません</translation>
+    </message>
+    <message>
+        <source>something else than a file to be replaced is there</source>
+        <translation>置き換えられるファイルではないものがあります</translation>
+    </message>
+    <message>
+        <source>the batch that runs was read from this file: %1</source>
+        <translation>実行中のバッチのファイルのため書き込めません: %1</translation>
+    </message>
 </context>
 <context>
     <name>XafsFileSelect</name>
@@ -2379,10 +2477,6 @@
     <message>
         <source>Clear</source>
         <translation>クリア</translation>
-    </message>
-    <message>
-        <source>Empty the name; a spectrum that is loaded stays</source>
-        <translation>ファイル名を消します。読み込み済みのスペクトルは残ります</translation>
     </message>
     <message>
         <source>Use</source>
@@ -2407,6 +2501,10 @@
     <message>
         <source>No file chosen yet</source>
         <translation>ファイル未選択</translation>
+    </message>
+    <message>
+        <source>Forget the spectrum</source>
+        <translation>スペクトルを消去します</translation>
     </message>
 </context>
 <context>
@@ -2538,6 +2636,10 @@
     <message>
         <source>Choose mu-t first.</source>
         <translation>先に mu-t を選んでください。</translation>
+    </message>
+    <message>
+        <source>cannot be written: %1</source>
+        <translation>書き込めません: %1</translation>
     </message>
 </context>
 </TS>

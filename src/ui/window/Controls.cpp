@@ -28,11 +28,9 @@ QString whyNoPart(const Result* result) {
 
 /// A reason as the tool tip of a control says it.
 QString asSentence(const QString& reason) {
-    return reason.isEmpty()
-               ? QString()
-               : Controls::tr("%1.").arg(reason.left(1).toUpper() + reason.mid(1));
+    return reason.isEmpty() ? QString()
+                            : Controls::tr("%1.").arg(reason.left(1).toUpper() + reason.mid(1));
 }
-
 
 bool hasImageToSave(const Measurement& measurement) {
     const auto& references = measurement.references();
@@ -55,9 +53,8 @@ void updateMapControls(const Ui::Body& ui, const Measurement& measurement) {
             : unless(hasValues, Controls::tr("Show a result image or the energy-shift map first."));
     const bool shows = hasValues && target->image.showsProc();  // it can be taken back
     setUsable(ui.DeGlitch, noMap.isEmpty() ? asSentence(measurement.whyNotDeglitch()) : noMap);
-    setUsable(ui.ShowProcImg, noMap.isEmpty() && !shows
-                                  ? asSentence(measurement.whyNotShowProcessed())
-                                  : noMap);
+    setUsable(ui.ShowProcImg,
+              noMap.isEmpty() && !shows ? asSentence(measurement.whyNotShowProcessed()) : noMap);
     showNumber(ui.DeGlitchFactor, measurement.settings().deglitchFactor);
     showNumber(ui.DeGlitchRatio, measurement.settings().deglitchRatio);
     const QSignalBlocker blocked(ui.ShowProcImg);
