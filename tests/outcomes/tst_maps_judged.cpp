@@ -88,8 +88,10 @@ class TestMapsJudged : public QObject {
         const QString load = "calib_load_map map.emp";
         const QString withEdge = "calib_set_edge_eV 7112\n";
         add("whole", mapFile(), load, "done", "");
-        add("spacing of 0", mapFile("3.13553", "0"), load, "failed", "no edge energy that the");
-        add("no edge energy", mapFile("7112.5", "x"), load, "failed", "no edge energy that the");
+        add("spacing of 0", mapFile("3.13553", "0"), load, "failed",
+            "spacing or edge energy missing or absurd");
+        add("no edge energy", mapFile("7112.5", "x"), load, "failed",
+            "spacing or edge energy missing or absurd");
         add("that of the panel", mapFile("7112.5", "x"), withEdge + load, "done", "");
         add("a shift of 2000 eV", mapFile("0.002", "4"), load, "failed", "above 1000 eV: map.emp$");
         add("the map before stays", mapFile("0.002", "inf"),

@@ -118,7 +118,7 @@ QString whyRefused(EMapRefusal refusal, const QSize& images) {
             }
             return Calibration::tr("not of the images' size: %1");
         case EMapRefusal::EdgeEnergy:
-            return Calibration::tr("no edge energy that the crystal reflects: %1");
+            return Calibration::tr("spacing or edge energy missing or absurd: %1");
         case EMapRefusal::Shift:
             return Calibration::tr("holds a shift that is no number or above 1000 eV: %1");
         case EMapRefusal::None:

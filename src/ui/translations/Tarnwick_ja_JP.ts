@@ -1238,8 +1238,8 @@
         <translation>画像とサイズが違います: %1</translation>
     </message>
     <message>
-        <source>no edge energy that the crystal reflects: %1</source>
-        <translation>結晶で反射できる吸収端エネルギーがありません: %1</translation>
+        <source>spacing or edge energy missing or absurd: %1</source>
+        <translation>格子面間隔または吸収端エネルギーがないか、ありえない値です: %1</translation>
     </message>
     <message>
         <source>Loaded %1</source>
