@@ -47,5 +47,7 @@ QImage sideBySide(const QList<QImage>& images);
 
 /// Pictures of every window.
 void makeWindowPictures(Stage& stage);
+/// Pictures of failures, warnings, and results that are marked.
+void makeOutcomePictures(Stage& stage);
 /// The pictures of the user guide. All of them in English, those of the first chapter in Japanese.
 void makeGuidePictures(Stage& stage, bool all);

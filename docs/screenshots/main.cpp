@@ -1,5 +1,6 @@
 // Makes pictures of the windows without a display:
 //   tarnwick-screenshots windows MEASUREMENT OUT LANGUAGE FONT-PERCENT
+//   tarnwick-screenshots outcomes MEASUREMENT OUT LANGUAGE FONT-PERCENT
 //   tarnwick-screenshots guide MEASUREMENT OUT LANGUAGE
 // MEASUREMENT is a folder made by tarnwick-samples, LANGUAGE is en or ja.
 
@@ -24,9 +25,12 @@ int main(int argc, char** argv) {
     const QStringList arguments = QApplication::arguments();
     const QString what = arguments.value(1);
     const bool guide = what == QLatin1String("guide");
-    if (arguments.size() != (guide ? 5 : 6) || (!guide && what != QLatin1String("windows"))) {
+    const bool outcomes = what == QLatin1String("outcomes");
+    if (arguments.size() != (guide ? 5 : 6) ||
+        (!guide && !outcomes && what != QLatin1String("windows"))) {
         std::fprintf(stderr,
-                     "usage: tarnwick-screenshots windows MEASUREMENT OUT en|ja FONT-PERCENT\n"
+                     "usage: tarnwick-screenshots windows|outcomes MEASUREMENT OUT en|ja "
+                     "FONT-PERCENT\n"
                      "       tarnwick-screenshots guide MEASUREMENT OUT en|ja\n");
         return 2;
     }
@@ -50,6 +54,8 @@ int main(int argc, char** argv) {
     Stage stage(prefix);
     if (guide) {
         makeGuidePictures(stage, !japanese);
+    } else if (outcomes) {
+        makeOutcomePictures(stage);
     } else {
         makeWindowPictures(stage);
     }

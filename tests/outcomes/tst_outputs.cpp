@@ -23,7 +23,7 @@ class TestOutputs : public QObject {
         add("another name", {}, "LOAD\nmove_position 3 3\nsave_spectra c.dat", "done", "");
         add("no folder", {}, "LOAD\nmove_position 3 3\nsave_spectra d/c.dat", "failed",
             "cannot be written: d/c.dat");
-        const char* const notAFile = "something else than a file";
+        const char* const notAFile = "what is there is not a file";
         add("a device", {}, "LOAD\nsave_image /dev/null", "failed", "no picture format");
         add(
             "a pipe", [] { mkfifo("pipe.png", 0600); }, "LOAD\nsave_image pipe.png", "failed",

@@ -148,8 +148,11 @@ Outcome judgeFit(const std::vector<double>& energies,
             const QString fault = reference->edgeFault();
             outcome.warnings += fault.isEmpty() ? QStringList() : QStringList(fault);
         } else if (reference->isUsed()) {
-            outcome.warnings << Texts::tr("reference %1 is in use but holds no spectrum: left out")
-                                    .arg(&reference - references.data());
+            const auto index = &reference - references.data();
+            outcome.warnings
+                << Texts::tr("reference %1 (Ref%2) is in use but holds no spectrum: left out")
+                       .arg(index)
+                       .arg(index + 1);
         }
     }
     if (taking.empty()) {

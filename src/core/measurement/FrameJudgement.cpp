@@ -118,7 +118,7 @@ QString aboutDark(const Measurement& m) {
     const int unused = m.imageSize().isEmpty() ? 0 : m.dark().loaded() - m.dark().fitting();
     return unused == 0
                ? QString()
-               : Measurement::tr("%n dark frame(s) of another size than the images not used",
+               : Measurement::tr("%n dark frame(s) not used: of another size than the images",
                                  nullptr, unused);
 }
 

@@ -57,7 +57,7 @@ QString whyNot(Target target) {
         case Target::FolderNotWritable:
             return Writing::tr("the folder cannot be written to");
         case Target::Taken:
-            return Writing::tr("something else than a file to be replaced is there");
+            return Writing::tr("what is there is not a file");
     }
     return QString();
 }

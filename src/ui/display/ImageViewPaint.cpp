@@ -158,7 +158,7 @@ void ImageView::paintBand(QPainter& painter) const {
     QRect band(0, 0, letters.horizontalAdvance(text) + 4 * margin, letters.height() + 2 * margin);
     band.moveCenter(shown.center());
     band.moveBottom(shown.bottom() - margin);
-    painter.fillRect(band & shown, QColor(0, 0, 0, 190));
+    painter.fillRect(band & shown, QColor(0, 0, 0, 225));
     painter.setPen(QColor(255, 225, 130));
     painter.drawRect(band & shown);
     painter.drawText(band, Qt::AlignCenter, text);

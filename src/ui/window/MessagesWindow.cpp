@@ -48,6 +48,7 @@ void MessagesWindow::makeControls() {
     m_list->setRootIsDecorated(false);
     m_list->setUniformRowHeights(true);
     m_list->setAlternatingRowColors(true);
+    m_list->setTextElideMode(Qt::ElideMiddle);  // a long path stands before a reason or behind it
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
     const QFontMetrics letters = fontMetrics();
@@ -76,7 +77,7 @@ void MessagesWindow::makeControls() {
     auto* all = new QVBoxLayout(this);
     all->addWidget(m_list);
     all->addLayout(buttons);
-    resize(letters.height() * 46, letters.height() * 16);
+    resize(letters.height() * 60, letters.height() * 18);
 }
 
 void MessagesWindow::showEvent(QShowEvent* event) {
