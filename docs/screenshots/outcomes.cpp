@@ -26,12 +26,12 @@ void writeSpectrum(const QString& name, double from, double step, double jump) {
 /// Stops an analysis on its way.
 void stopAtWork(Stage& stage, const QString& line, Work work) {
     Measurement& measurement = stage.body().measurement();
-    const auto watching = QObject::connect(
-        &measurement, &Measurement::progressed, &stage.body(), [&](Work now, double done, double) {
-            if (now == work && done > 40.0) {
-                measurement.stop();
-            }
-        });
+    const auto watching = QObject::connect(&measurement, &Measurement::progressed, &stage.body(),
+                                           [&](Work now, double done, double) {
+                                               if (now == work && done > 40.0) {
+                                                   measurement.stop();
+                                               }
+                                           });
     stage.run({line});
     QObject::disconnect(watching);
 }
@@ -40,9 +40,7 @@ void stopAtWork(Stage& stage, const QString& line, Work work) {
 
 void makeOutcomePictures(Stage& stage) {
     const QTemporaryDir folder;
-    const auto file = [&](const char* name) {
-        return folder.filePath(QString::fromLatin1(name));
-    };
+    const auto file = [&](const char* name) { return folder.filePath(QString::fromLatin1(name)); };
     writeSpectrum(file("foil-in-keV.dat"), 7.0, 0.01, 1.0);
     writeSpectrum(file("no-edge.dat"), 7000.0, 10.0, 0.0);
     for (int i = 0; i < 4; ++i) {
@@ -80,20 +78,20 @@ void makeOutcomePictures(Stage& stage) {
     stage.save(&stage.body(), "map-warned");
 
     const QString before = batch->editorLines().join('\n');
-    const QStringList bad{
-        "load_I1_files ADD " + file("notes-7100eV.tif") + ' ' + file("notes-7101eV.tif") + ' ' +
-            file("notes-7102eV.tif") + ' ' + file("notes-7103eV.tif"),
-        "analyzer_set_LCF_std 0 1 0.0 " + file("foil-in-keV.dat") + " 0",
-        "analyzer_set_LCF_std 1 1 0.0 " + file("no-edge.dat") + " 0",
-        "analyzer_set_LCF_std 2 1 0.0 references/oxide3.dat 0",
-        "set_band_w wide",
-        "move_position 900 20",
-        "calib_load_map missing.emp",
-        "calib_set_edge_eV seven",
-        "select_region 200 150 400 300",
-        "analyzer_exec_LCF",
-        "save_data_as_tiff /nowhere/fraction.tif",
-        "set_view_range 5"};
+    const QStringList bad{"load_I1_files ADD " + file("notes-7100eV.tif") + ' ' +
+                              file("notes-7101eV.tif") + ' ' + file("notes-7102eV.tif") + ' ' +
+                              file("notes-7103eV.tif"),
+                          "analyzer_set_LCF_std 0 1 0.0 " + file("foil-in-keV.dat") + " 0",
+                          "analyzer_set_LCF_std 1 1 0.0 " + file("no-edge.dat") + " 0",
+                          "analyzer_set_LCF_std 2 1 0.0 references/oxide3.dat 0",
+                          "set_band_w wide",
+                          "move_position 900 20",
+                          "calib_load_map missing.emp",
+                          "calib_set_edge_eV seven",
+                          "select_region 200 150 400 300",
+                          "analyzer_exec_LCF",
+                          "save_data_as_tiff /nowhere/fraction.tif",
+                          "set_view_range 5"};
     stage.run(bad);
     batch->findChild<QTabWidget*>("Tabs")->setCurrentIndex(1);
     stage.save(batch, "verdict");

@@ -364,7 +364,7 @@
     </message>
     <message>
         <source>no such folder: %1</source>
-        <translation>フォルダがありません: %1</translation>
+        <translation>フォルダーがありません: %1</translation>
     </message>
     <message>
         <source>there is no file in %1</source>
@@ -1468,12 +1468,12 @@
         <translation>%1 は %2 曲線、画像は %3 曲線で規格化されています</translation>
     </message>
     <message>
-        <source>reference %1 is in use but holds no spectrum: left out</source>
-        <translation>参照 %1 は使用中ですがスペクトルがないため除外しました</translation>
-    </message>
-    <message>
         <source>with the shifts of the energy map, %1 of %2 bins have too few energies inside the references</source>
         <translation>エネルギーマップのシフトでは、%2 個中 %1 個のビンで参照の範囲内のエネルギーが不足しています</translation>
+    </message>
+    <message>
+        <source>reference %1 (Ref%2) is in use but holds no spectrum: left out</source>
+        <translation>参照 %1 (参照 %2 の行) は「使用」ですがスペクトルがないため除外しました</translation>
     </message>
 </context>
 <context>
@@ -1556,7 +1556,7 @@
     </message>
     <message>
         <source>a folder or a device, not a file</source>
-        <translation>ファイルではなくフォルダまたはデバイスです</translation>
+        <translation>ファイルではなくフォルダーまたはデバイスです</translation>
     </message>
     <message>
         <source>a strip is announced longer than the file</source>
@@ -1772,15 +1772,15 @@
         <source>%1: not taken, a number besides the energy differs: %2</source>
         <translation>%1: 名前のエネルギー以外の番号が違うため読み込みません: %2</translation>
     </message>
-    <message numerus="yes">
-        <source>%n dark frame(s) of another size than the images not used</source>
-        <translation>
-            <numerusform>画像とサイズの異なるダークフレーム %n 枚は使われません</numerusform>
-        </translation>
-    </message>
     <message>
         <source>the energy map is an earlier one: what was to replace it failed</source>
         <translation>エネルギーマップは以前のものです: 置き換えに失敗しました</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n dark frame(s) not used: of another size than the images</source>
+        <translation>
+            <numerusform>画像とサイズが違うダークフレーム %n 枚は使いません</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -2449,19 +2449,19 @@
     </message>
     <message>
         <source>no such folder</source>
-        <translation>フォルダがありません</translation>
+        <translation>フォルダーがありません</translation>
     </message>
     <message>
         <source>the folder cannot be written to</source>
-        <translation>フォルダに書き込めません</translation>
-    </message>
-    <message>
-        <source>something else than a file to be replaced is there</source>
-        <translation>置き換えられるファイルではないものがあります</translation>
+        <translation>フォルダーに書き込めません</translation>
     </message>
     <message>
         <source>the batch that runs was read from this file: %1</source>
         <translation>実行中のバッチのファイルのため書き込めません: %1</translation>
+    </message>
+    <message>
+        <source>what is there is not a file</source>
+        <translation>同名のものがありますが、ファイルではありません</translation>
     </message>
 </context>
 <context>
