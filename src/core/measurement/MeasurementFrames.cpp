@@ -1,0 +1,153 @@
+// The frames of a measurement: their stacks, the size of the images and the area within it.
+
+#include <QFileInfo>
+#include <algorithm>
+#include <utility>
+
+#include "absorption/AbsorptionSource.h"
+#include "base/DebugLog.h"
+#include "files/FileListing.h"
+#include "measurement/Measurement.h"
+#include "measurement/NewFrames.h"
+
+void Measurement::connectStack(Stack& stack) {
+    const StackId id = stack.id();
+    const Work work = id == StackId::I1 ? Work::LoadI1 : Work::LoadI0;
+    connect(&stack, &Stack::changing, this, [this] {
+        stopRun(tr("frames were added"));
+        m_source.reset();
+    });
+    connect(&stack, &Stack::changed, this, [this, id] { frameArrived(id); });
+    connect(&stack, &Stack::progressed, this,
+            [this, &stack, work] { emit progressed(work, stack.done(), stack.total()); });
+    connect(&stack, &Stack::finished, this, [this, id] { loadEnded(id); });
+}
+
+void Measurement::frameArrived(StackId id) {
+    const int count = stack(id).size();
+    int& current = m_frame[static_cast<int>(id)];
+    // The newest I1 frame is shown; of I0 the one that was.
+    current = count == 0 ? -1 : id == StackId::I1 ? count - 1 : std::max(0, current);
+    if (id == StackId::I1 && count == 1) {
+        const TiffData& first = *m_i1.frames().at(0);
+        setImageSize(QSize(static_cast<int>(first.width), static_cast<int>(first.height)));
+    }
+    inputsChanged(Changes(Frames) | Display);
+}
+
+void Measurement::setImageSize(const QSize& size) {
+    m_size = size;
+    m_dark.setImageSize(size.width(), size.height());
+    // Between two stacks there is no image; the area waits for the next one.
+    if (!size.isEmpty() && !m_settings.area.isWhole()) {
+        m_aboutArea = judge(m_settings.area);
+        if (m_aboutArea.failed()) {
+            m_aboutArea.failures << tr("the whole image is taken instead");
+        }
+        const QRect inside = selection().toRect();
+        m_settings.area = {inside.left(), inside.top(), inside.left() + inside.width(),
+                           inside.top() + inside.height()};
+    }
+}
+
+Outcome Measurement::judge(const Area& area) const {
+    constexpr int AnySize = 1 << 30;
+    const bool isKnown = !m_size.isEmpty();
+    const QSize size = isKnown ? m_size : QSize(AnySize, AnySize);
+    if (area.isWhole()) {
+        return {};
+    }
+    if (area.within(size.width(), size.height()).isEmpty()) {
+        return Outcome::failure(isKnown ? tr("no part of the region lies inside the image of %1 x "
+                                             "%2 pixels")
+                                              .arg(size.width())
+                                              .arg(size.height())
+                                        : tr("the region holds no pixel of any image"));
+    }
+    const Area inside = area.clipped(size);
+    return inside == area ? Outcome()
+                          : Outcome::warning(tr("the region reaches over the edge of the image: "
+                                                "%1 %2 %3 %4 is left of it")
+                                                 .arg(inside.x0)
+                                                 .arg(inside.y0)
+                                                 .arg(inside.x1)
+                                                 .arg(inside.y1));
+}
+
+QStringList Measurement::list(const QString& folder, const QStringList& patterns) const {
+    return m_rehearsal ? m_rehearsal->list(folder, patterns) : listImageFiles(folder, patterns);
+}
+
+void Measurement::load(StackId id, const QStringList& files, bool replace) {
+    if (replace) {
+        stopRun(tr("frames were replaced"));
+        clear(id);
+    }
+    stack(id).setNames(m_settings.names[static_cast<int>(id)]);
+    stack(id).read(files);
+    emit changed(AtWork);
+}
+
+Outcome Measurement::loadNew(StackId id) {
+    const QString name = stack(id).name();
+    if (stack(id).files().isEmpty()) {
+        return Outcome::failure(tr("no %1 frames are loaded yet").arg(name));
+    }
+    const NewFrames fresh =
+        newFramesOf(stack(id), stack(id == StackId::I1 ? StackId::I0 : StackId::I1));
+    Outcome outcome;
+    if (!fresh.otherwise.isEmpty()) {
+        outcome.warnings << tr("%1: not taken, a number besides the energy differs: %2")
+                                .arg(name, QFileInfo(fresh.otherwise.first()).fileName());
+    }
+    if (fresh.files.isEmpty()) {
+        outcome.notes << tr("no new %1 frames").arg(name);
+    } else {
+        load(id, fresh.files, false);
+    }
+    return outcome;
+}
+
+void Measurement::clear(StackId id) {
+    stopRun(tr("frames were cleared"));
+    if (id == StackId::I1) {
+        setImageSize(QSize(-1, -1));
+    }
+    stack(id).clear();
+}
+
+void Measurement::loadEnded(StackId id) {
+    Outcome outcome = stack(id).takeOutcome();
+    if (id == StackId::I1) {
+        outcome += std::exchange(m_aboutArea, {});
+    }
+    emit changed(AtWork);
+    emit ended(id == StackId::I1 ? Work::LoadI1 : Work::LoadI0, outcome);
+}
+
+void Measurement::stopLoading() {
+    for (Stack* stack : {&m_i1, &m_i0}) {
+        if (!stack->isLoading()) {
+            continue;
+        }
+        const QString what = QStringLiteral("loading stopped by the user after %1 of %2 files")
+                                 .arg(stack->done())
+                                 .arg(stack->total());
+        debugTimed(what);
+        Outcome stopped = Outcome::failure(tr("%1: loading stopped after %2 of %3 files")
+                                               .arg(stack->name())
+                                               .arg(stack->done())
+                                               .arg(stack->total()));
+        stack->stop();
+        stopped += stack->takeOutcome();
+        emit progressed(stack == &m_i1 ? Work::LoadI1 : Work::LoadI0, stack->done(),
+                        stack->total());
+        emit changed(Changes(AtWork) | Display);
+        emit ended(stack == &m_i1 ? Work::LoadI1 : Work::LoadI0, stopped);
+    }
+}
+
+void Measurement::loadDark(const QStringList& files) {
+    m_loadsDark = true;
+    m_dark.replace(files);
+}
