@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QDir>
 #include <QLabel>
 #include <QMap>
@@ -94,6 +95,10 @@ class OutcomeCases {
         const QDir source(m_phantom->dir());
         for (const QString& name : source.entryList(QDir::Files)) {
             QVERIFY(QFile::copy(source.filePath(name), folder.filePath(name)));
+            QFile copy(folder.filePath(name));  // of some time ago: files of now are not new yet
+            QVERIFY(copy.open(QIODevice::ReadWrite) &&
+                    copy.setFileTime(QDateTime::currentDateTime().addSecs(-60),
+                                     QFileDevice::FileModificationTime));
         }
         const QString before = QDir::currentPath();
         QVERIFY(QDir::setCurrent(folder.path()));
