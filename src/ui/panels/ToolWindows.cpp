@@ -65,8 +65,9 @@ void ToolWindows::place(QWidget* window) {
     if (overlap(QRect(best, window->size())) > 0) {
         best += QPoint(-Step, best.y() > screen.top() + Step ? -Step : Step) * m_cascaded++;
     }
-    window->move(std::max(best.x(), screen.left()),
-                 std::max(screen.top(), std::min(best.y(), corner.y())));
+    // Some window managers put their title above the place of a window that is new.
+    const int top = screen.top() + m_mainWindow->geometry().top() - main.top();
+    window->move(std::max(best.x(), screen.left()), std::max(top, std::min(best.y(), corner.y())));
 }
 
 int ToolWindows::overlap(const QRect& place) const {
