@@ -64,6 +64,13 @@ void Stage::click(const char* button) {
     settle();
 }
 
+void Stage::clickAndWait(const char* button) {
+    click(button);
+    while (m_body.measurement().working() != Work::None) {
+        settle();
+    }
+}
+
 void Stage::settle() {
     QEventLoop loop;
     QTimer::singleShot(SettleMs, &loop, &QEventLoop::quit);

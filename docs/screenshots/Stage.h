@@ -23,6 +23,8 @@ class Stage {
     /// Runs batch lines to their end and shows what they left.
     void run(const QStringList& lines);
     void click(const char* button);
+    /// The same, to the end of the analysis that it starts.
+    void clickAndWait(const char* button);
     /// Takes in everything that is under way, such as a fit of the cursor's spectrum.
     void settle();
 

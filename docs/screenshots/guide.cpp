@@ -147,7 +147,8 @@ void imageView(Stage& stage) {
 
 void calibration(Stage& stage) {
     stage.run({"calib_show_window", "load_I1_files_of_pattern NEW foil *.tif",
-               "calib_load_std standard/fe-foil.dat", "calib_exec", "select_disp_image 2"});
+               "calib_load_std standard/fe-foil.dat", "select_disp_image 2"});
+    stage.clickAndWait("ExecCalib");
     stage.save(sideBySide({stage.picture(window<CalibCtrl>()), imageAndBar(stage)}), "calibration");
 }
 

@@ -72,8 +72,7 @@ void makeOutcomePictures(Stage& stage) {
 
     // Calibration with warnings beside its closing line.
     stage.run({"calib_load_std " + file("no-edge.dat"), "select_disp_image 2"});
-    stage.click("ExecCalib");
-    stage.settle();
+    stage.clickAndWait("ExecCalib");
     stage.save(stage.control("CalibCtrl"), "calibctrl-warned");
     stage.save(&stage.body(), "map-warned");
 
