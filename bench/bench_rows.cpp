@@ -224,9 +224,9 @@ BENCHMARK(Tight)->UseRealTime()->Unit(benchmark::kMillisecond);
 double fitRows(const Stacks& s, int threads, const std::function<double(int, int)>& correctionAt) {
     const AbsorptionSource source(s.i1, s.i0, s.side, s.side);
     BinRaster raster{0, 1, s.side, 0, 1, s.side, 0, 0};
-    RasterPass pass(source, raster, 4,
-                    fitEvaluators(threads, raster, references(), LinearFit::Lcf, s.energies,
-                                  XafsSpectrum::Simple, correctionAt));
+    RasterPass pass(
+        source, raster, 4,
+        fitEvaluators(threads, raster, references(), LinearFit::Lcf, s.energies, correctionAt));
     double fraction = 0.0;
     for (RasterPass::Row row = pass.take(); row.values != nullptr; row = pass.take()) {
         fraction = row.values[4 * (s.side / 2) + 2];

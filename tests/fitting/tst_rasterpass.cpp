@@ -122,11 +122,11 @@ class TestRasterPass : public QObject {
         const QVector<XafsSpectrum> references{edges::reference(0.1), edges::reference(0.4)};
         for (int type = 0; type < background::Count; ++type) {
             RasterPass lcf(source, raster, 4,
-                           fitEvaluators(2, raster, references, LinearFit::Lcf, source.energies(),
-                                         type, correctionAt));
+                           fitEvaluators(2, raster, references, {LinearFit::Lcf, type},
+                                         source.energies(), correctionAt));
             RasterPass mlcf(source, raster, 4,
-                            fitEvaluators(2, raster, references, LinearFit::Mlcf, source.energies(),
-                                          type, correctionAt));
+                            fitEvaluators(2, raster, references, {LinearFit::Mlcf, type},
+                                          source.energies(), correctionAt));
             RasterPass curves(source, raster, 2,
                               backgroundEvaluators(2, source.energies(), type, At));
             RasterPass edge(source, raster, 1, edgeEvaluators(2, source.energies()));
@@ -203,7 +203,7 @@ class TestRasterPass : public QObject {
     void withoutFramesAnEdgeIsZero() {
         const double mu = 0.0;
         double edge = 1.0;
-        edgeEvaluators(1, {})[0](&mu, 0, 0, 1, &edge);
+        edgeEvaluators(1, {})[0]({&mu, nullptr, 0, 0, 1}, &edge);
         QCOMPARE(edge, 0.0);
     }
 

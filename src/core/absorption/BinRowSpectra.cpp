@@ -154,8 +154,7 @@ void BinRowSpectra::sum(int y, int firstBin, int bins) {
     }
 }
 
-int BinRowSpectra::formPack(int bin, double* mu) const {
-    bool lacksCounts[lanes::Count];
+int BinRowSpectra::formPack(int bin, double* mu, bool* lacksCounts) const {
     m_kernels.muT(m_sums.data(), static_cast<int>(m_sums.size()), static_cast<std::size_t>(bin), mu,
                   lacksCounts);
     const int bins = std::min(lanes::Count, m_sumCount - bin);
@@ -172,7 +171,8 @@ void BinRowSpectra::formRow(int y) {
     for (int first = 0; first < m_count; first += BinsAtATime) {
         sum(y, first, std::min(BinsAtATime, m_count - first));
         for (int bin = 0; bin < m_sumCount; bin += lanes::Count) {
-            formPack(bin, m_pack.data());
+            bool lacksCounts[lanes::Count];
+            formPack(bin, m_pack.data(), lacksCounts);
             const int formed = std::min(lanes::Count, m_sumCount - bin);
             for (int l = 0; l < formed; ++l) {
                 double* const values =

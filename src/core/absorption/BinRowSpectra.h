@@ -31,7 +31,8 @@ class BinRowSpectra {
     /// mu-t of a pack of the bins summed last, mu[energy * lanes::Count + bin]: those from
     /// `bin` on, a multiple of lanes::Count counted from their first. What lies beyond the last
     /// bin is some number. Returns how many of its bins have no counts at some energy.
-    int formPack(int bin, double* mu) const;
+    /// lacksCounts[l], lanes::Count of them, tells which.
+    int formPack(int bin, double* mu, bool* lacksCounts) const;
 
   private:
     void formRow(int y);

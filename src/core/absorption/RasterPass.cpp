@@ -76,28 +76,29 @@ void RasterPass::fail(Failure why) {
 }
 
 void RasterPass::evaluateRows(const Evaluate& evaluate) {
-    constexpr int Pack = lanes::Count;
+    constexpr int PackSize = lanes::Count;
     const std::size_t energies = static_cast<std::size_t>(m_source.energyCount());
     BinRowSpectra bins(m_source, m_raster.firstX, m_raster.stepX,
                        m_raster.x(m_raster.columns - 1) + 1, m_raster.halfWidth,
                        m_raster.halfHeight);
     const int packs = static_cast<int>(
-        std::max<std::size_t>(4, NearMemory / (2 * sizeof(double) * Pack * (energies + 1))));
-    std::vector<double> mu(energies * Pack);
+        std::max<std::size_t>(4, NearMemory / (2 * sizeof(double) * PackSize * (energies + 1))));
+    std::vector<double> mu(energies * PackSize);
+    bool lacksCounts[PackSize];
     std::vector<double> values;
     int row = 0;
     while (nextRow(&row)) {
         Tally tally;
         values.resize(static_cast<std::size_t>(m_raster.columns) *
                       static_cast<std::size_t>(m_valuesPerBin));
-        for (int first = 0; first < m_raster.columns; first += packs * Pack) {
-            const int count = std::min(packs * Pack, m_raster.columns - first);
+        for (int first = 0; first < m_raster.columns; first += packs * PackSize) {
+            const int count = std::min(packs * PackSize, m_raster.columns - first);
             bins.sum(m_raster.y(row), first, count);
-            for (int bin = 0; bin < count; bin += Pack) {
-                const int spectra = std::min(Pack, count - bin);
+            for (int bin = 0; bin < count; bin += PackSize) {
+                const int spectra = std::min(PackSize, count - bin);
                 tally.bins += spectra;
-                tally.withoutCounts += bins.formPack(bin, mu.data());
-                tally.withoutJump += evaluate(mu.data(), row, first + bin, spectra,
+                tally.withoutCounts += bins.formPack(bin, mu.data(), lacksCounts);
+                tally.withoutJump += evaluate({mu.data(), lacksCounts, row, first + bin, spectra},
                                               &values[static_cast<std::size_t>(first + bin) *
                                                       static_cast<std::size_t>(m_valuesPerBin)]);
             }

@@ -17,11 +17,18 @@ class AbsorptionSource;
 /// The source, the frames behind it and the evaluators stay as they are until the pass has gone.
 class RasterPass {
   public:
-    /// Works out `valuesPerBin` numbers for each of `count` spectra (at most lanes::Count) that
-    /// belong to columns `column`, ... of a row; spectra as in BinRowSpectra::formPack(). Returns
-    /// how many of them were found to have an edge jump of 0.
-    using Evaluate =
-        std::function<int(const double* mu, int row, int column, int count, double* values)>;
+    /// Spectra of neighbouring bins of a row, as in BinRowSpectra::formPack().
+    struct Pack {
+        const double* mu;         ///< mu[energy * lanes::Count + spectrum]
+        const bool* lacksCounts;  ///< at some energy, for each spectrum
+        int row;
+        int column;  ///< of the first
+        int count;   ///< at most lanes::Count
+    };
+
+    /// Works out `valuesPerBin` numbers for each spectrum of a pack. Returns how many of them were
+    /// found to have an edge jump of 0.
+    using Evaluate = std::function<int(const Pack& pack, double* values)>;
 
     /// What was seen in the spectra of some bins.
     struct Tally {

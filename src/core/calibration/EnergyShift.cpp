@@ -61,16 +61,16 @@ void calibrate(Analyzed2DRes* map, const AnalysisGrid& grid, const BinValuesAt& 
 }
 
 std::vector<RasterPass::Evaluate> edgeEvaluators(int threads, const std::vector<double>& energies) {
-    const auto evaluate = [energies](const double* mu, int, int, int count, double* values) {
+    const auto evaluate = [energies](const RasterPass::Pack& pack, double* values) {
         double edges[lanes::Count] = {};
         if (energies.empty()) {
-            std::copy_n(edges, count, values);
+            std::copy_n(edges, pack.count, values);
             return 0;
         }
         lanes::kernels(lanes::bestUnits())
-            .risingEdge(mu, energies.data(), static_cast<int>(energies.size()), kCalibrationLevel,
-                        edges);
-        std::copy_n(edges, count, values);
+            .risingEdge(pack.mu, energies.data(), static_cast<int>(energies.size()),
+                        kCalibrationLevel, edges);
+        std::copy_n(edges, pack.count, values);
         return 0;
     };
     return std::vector<RasterPass::Evaluate>(static_cast<std::size_t>(threads), evaluate);

@@ -8,13 +8,13 @@
 
 using lanes::Count;
 
-LaneFit::LaneFit(const QVector<XafsSpectrum>& references, LinearFit::Method method,
-                 const std::vector<double>& energies, int backgroundType, lanes::Units units)
-    : m_fit(references, method),
-      m_method(method),
+LaneFit::LaneFit(const QVector<XafsSpectrum>& references, const FitRule& rule,
+                 const std::vector<double>& energies, lanes::Units units)
+    : m_fit(references, rule),
+      m_rule(rule),
       m_energies(energies),
       m_kernels(lanes::kernels(units)),
-      m_normaliser(energies, backgroundType, units),
+      m_normaliser(energies, rule.sample, units),
       m_allPoints(energies.size()),
       m_corrected(energies.size()),
       m_y(energies.size() * Count) {
@@ -37,7 +37,7 @@ void LaneFit::prepare(double correction) {
 
 void LaneFit::fit(const double* mu, const double* corrections, int count, double* results) {
     const double* y = mu;
-    if (m_method == LinearFit::Lcf) {
+    if (m_rule.method == LinearFit::Lcf) {
         m_normaliser.normalise(mu, count);
         m_normaliser.doubleNormalised(mu, m_allPoints, m_y.data());
         y = m_y.data();
@@ -95,14 +95,14 @@ std::vector<RasterPass::Evaluate> ofEachThread(int threads, Make make) {
 }
 
 RasterPass::Evaluate fitOneByOne(const BinRaster& raster, const QVector<XafsSpectrum>& references,
-                                 LinearFit::Method method, const std::vector<double>& energies,
-                                 int backgroundType, const CorrectionAt& correctionAt) {
-    const auto fit = std::make_shared<LinearFit>(references, method);
-    return [=](const double* mu, int row, int column, int count, double* values) {
+                                 const FitRule& rule, const std::vector<double>& energies,
+                                 const CorrectionAt& correctionAt) {
+    const auto fit = std::make_shared<LinearFit>(references, rule);
+    return [=](const RasterPass::Pack& pack, double* values) {
         int withoutJump = 0;
-        for (int l = 0; l < count; ++l) {
-            const XafsSpectrum spectrum(spectrumOf(energies, mu, l), backgroundType,
-                                        correctionAt(raster.x(column + l), raster.y(row)),
+        for (int l = 0; l < pack.count; ++l) {
+            const XafsSpectrum spectrum(spectrumOf(energies, pack.mu, l), rule.sample,
+                                        correctionAt(raster.x(pack.column + l), raster.y(pack.row)),
                                         XafsSpectrum::Quiet);
             fit->fit(spectrum);
             withoutJump += spectrum.dMut() == 0.0;
@@ -114,25 +114,25 @@ RasterPass::Evaluate fitOneByOne(const BinRaster& raster, const QVector<XafsSpec
 }
 
 RasterPass::Evaluate fitPacks(const BinRaster& raster, const QVector<XafsSpectrum>& references,
-                              LinearFit::Method method, const std::vector<double>& energies,
-                              int backgroundType, const CorrectionAt& correctionAt) {
-    const auto fit = std::make_shared<LaneFit>(references, method, energies, backgroundType);
-    return [=](const double* mu, int row, int column, int count, double* values) {
+                              const FitRule& rule, const std::vector<double>& energies,
+                              const CorrectionAt& correctionAt) {
+    const auto fit = std::make_shared<LaneFit>(references, rule, energies);
+    return [=](const RasterPass::Pack& pack, double* values) {
         double corrections[Count];
-        for (int l = 0; l < count; ++l) {
-            corrections[l] = correctionAt(raster.x(column + l), raster.y(row));
+        for (int l = 0; l < pack.count; ++l) {
+            corrections[l] = correctionAt(raster.x(pack.column + l), raster.y(pack.row));
         }
-        fit->fit(mu, corrections, count, values);
+        fit->fit(pack.mu, corrections, pack.count, values);
         return fit->withoutJump();
     };
 }
 
-RasterPass::Evaluate curvesOneByOne(const std::vector<double>& energies, int backgroundType,
-                                    double e) {
-    return [=](const double* mu, int, int, int count, double* values) {
+RasterPass::Evaluate curvesOneByOne(const std::vector<double>& energies,
+                                    const Normalisation& sample, double e) {
+    return [=](const RasterPass::Pack& pack, double* values) {
         int withoutJump = 0;
-        for (int l = 0; l < count; ++l) {
-            const XafsSpectrum spectrum(spectrumOf(energies, mu, l), backgroundType, 0.0,
+        for (int l = 0; l < pack.count; ++l) {
+            const XafsSpectrum spectrum(spectrumOf(energies, pack.mu, l), sample, 0.0,
                                         XafsSpectrum::Quiet);
             withoutJump += spectrum.dMut() == 0.0;
             *values++ = spectrum.preEdge().valueAt(e);
@@ -142,12 +142,12 @@ RasterPass::Evaluate curvesOneByOne(const std::vector<double>& energies, int bac
     };
 }
 
-RasterPass::Evaluate curvesOfPacks(const std::vector<double>& energies, int backgroundType,
+RasterPass::Evaluate curvesOfPacks(const std::vector<double>& energies, const Normalisation& sample,
                                    double e) {
-    const auto normaliser = std::make_shared<LaneNormaliser>(energies, backgroundType);
-    return [normaliser, e](const double* mu, int, int, int count, double* values) {
-        normaliser->normalise(mu, count);
-        for (int l = 0; l < count; ++l) {
+    const auto normaliser = std::make_shared<LaneNormaliser>(energies, sample);
+    return [normaliser, e](const RasterPass::Pack& pack, double* values) {
+        normaliser->normalise(pack.mu, pack.count);
+        for (int l = 0; l < pack.count; ++l) {
             *values++ = normaliser->preAt(e, l);
             *values++ = normaliser->postAt(e, l);
         }
@@ -159,19 +159,17 @@ RasterPass::Evaluate curvesOfPacks(const std::vector<double>& energies, int back
 
 std::vector<RasterPass::Evaluate> fitEvaluators(int threads, const BinRaster& raster,
                                                 const QVector<XafsSpectrum>& references,
-                                                LinearFit::Method method,
+                                                const FitRule& rule,
                                                 const std::vector<double>& energies,
-                                                int backgroundType,
                                                 const CorrectionAt& correctionAt) {
     const auto make = LaneNormaliser::suits(energies) ? fitPacks : fitOneByOne;
-    return ofEachThread(threads, [&] {
-        return make(raster, references, method, energies, backgroundType, correctionAt);
-    });
+    return ofEachThread(threads,
+                        [&] { return make(raster, references, rule, energies, correctionAt); });
 }
 
 std::vector<RasterPass::Evaluate> backgroundEvaluators(int threads,
                                                        const std::vector<double>& energies,
-                                                       int backgroundType, double e) {
+                                                       const Normalisation& sample, double e) {
     const auto make = LaneNormaliser::suits(energies) ? curvesOfPacks : curvesOneByOne;
-    return ofEachThread(threads, [&] { return make(energies, backgroundType, e); });
+    return ofEachThread(threads, [&] { return make(energies, sample, e); });
 }

@@ -12,9 +12,8 @@
 class LaneFit {
   public:
     /// The energies must suit LaneNormaliser.
-    LaneFit(const QVector<XafsSpectrum>& references, LinearFit::Method method,
-            const std::vector<double>& energies, int backgroundType,
-            lanes::Units units = lanes::bestUnits());
+    LaneFit(const QVector<XafsSpectrum>& references, const FitRule& rule,
+            const std::vector<double>& energies, lanes::Units units = lanes::bestUnits());
 
     int referenceCount() const { return m_fit.referenceCount(); }
 
@@ -30,7 +29,7 @@ class LaneFit {
     void finish(const double* sums, int l, double* results);
 
     LinearFit m_fit;
-    LinearFit::Method m_method;
+    FitRule m_rule;
     std::vector<double> m_energies;
     const lanes::Kernels& m_kernels;
     LaneNormaliser m_normaliser;
@@ -55,13 +54,12 @@ using CorrectionAt = std::function<double(int x, int y)>;
 /// correction is that at its centre.
 std::vector<RasterPass::Evaluate> fitEvaluators(int threads, const BinRaster& raster,
                                                 const QVector<XafsSpectrum>& references,
-                                                LinearFit::Method method,
+                                                const FitRule& rule,
                                                 const std::vector<double>& energies,
-                                                int backgroundType,
                                                 const CorrectionAt& correctionAt);
 
 /// For residual absorption: for each bin the values of the pre-edge and of the post-edge curve at
 /// an energy (eV); 0.0 where there are too few points for a curve.
 std::vector<RasterPass::Evaluate> backgroundEvaluators(int threads,
                                                        const std::vector<double>& energies,
-                                                       int backgroundType, double e);
+                                                       const Normalisation& sample, double e);

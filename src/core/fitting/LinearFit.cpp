@@ -5,12 +5,12 @@
 #include <cmath>
 #include <utility>
 
-LinearFit::LinearFit(QVector<XafsSpectrum> references, Method method)
-    : m_references(std::move(references)), m_method(method) {
+LinearFit::LinearFit(QVector<XafsSpectrum> references, const FitRule& rule)
+    : m_references(std::move(references)), m_rule(rule) {
     for (const XafsSpectrum& s : std::as_const(m_references)) {
         m_preBaseSeries.emplace_back(s, s.doubleNormalizedPreBase());
-        m_basisSeries.emplace_back(s,
-                                   m_method == Mlcf ? s.normalized() : s.doubleNormalizedPreBase());
+        m_basisSeries.emplace_back(
+            s, m_rule.method == Mlcf ? s.normalized() : s.doubleNormalizedPreBase());
     }
 }
 
@@ -53,7 +53,7 @@ void LinearFit::prepare(const std::vector<double>& energies) {
         }
         m_energies.push_back(e);
         m_points.push_back(static_cast<int>(k));
-        if (m_method == Mlcf) {
+        if (m_rule.method == Mlcf) {
             m_basis.push_back(1.0);
             m_basis.push_back(e);
         }
@@ -63,7 +63,7 @@ void LinearFit::prepare(const std::vector<double>& energies) {
     }
 
     const std::size_t n =
-        static_cast<std::size_t>(m_references.size()) + (m_method == Mlcf ? 2 : 0);
+        static_cast<std::size_t>(m_references.size()) + (m_rule.method == Mlcf ? 2 : 0);
     m_normal.assign(n * n, 0.0);
     for (const double* f = m_basis.data(); f != m_basis.data() + m_energies.size() * n; f += n) {
         for (std::size_t i = 0; i < n; ++i) {
@@ -97,7 +97,7 @@ void LinearFit::fit(const XafsSpectrum& sample) {
     const Spectrum& normalised = sample.doubleNormalizedPreBase();
     const double* f = m_basis.data();
     for (int k : m_points) {
-        const double y = m_method == Mlcf        ? sample.value(k)
+        const double y = m_rule.method == Mlcf   ? sample.value(k)
                          : k < normalised.size() ? normalised.value(k)
                                                  : 0.0;
         for (std::size_t i = 0; i < n; ++i) {
@@ -114,7 +114,7 @@ void LinearFit::fit(const XafsSpectrum& sample) {
 void LinearFit::shares(const double* coefficients, double edgeJump, double* ratios,
                        double* dMuts) const {
     const int n = referenceCount();
-    if (m_method == Lcf) {
+    if (m_rule.method == Lcf) {
         const double jump = std::fmax(0.0, edgeJump);
         for (int i = 0; i < n; ++i) {
             ratios[i] = coefficients[i];

@@ -3,6 +3,7 @@
 #include <QVector>
 #include <vector>
 
+#include "fitting/FitRule.h"
 #include "spectra/CurveLookup.h"
 #include "spectra/LinearSolver.h"
 #include "spectra/XafsSpectrum.h"
@@ -18,10 +19,12 @@
 /// same; the results are the same to the last bit as without.
 class LinearFit {
   public:
-    enum Method { Lcf, Mlcf };
+    using Method = FitRule::Method;
+    static constexpr Method Lcf = FitRule::Lcf;
+    static constexpr Method Mlcf = FitRule::Mlcf;
 
     /// The references; the shift of each, when on, is its energy offset (eV).
-    LinearFit(QVector<XafsSpectrum> references, Method method);
+    LinearFit(QVector<XafsSpectrum> references, const FitRule& rule);
 
     /// Fits the sample; its energies count less its shift (when on) and energy correction. A
     /// sample wholly outside the common range gives coefficients of 0.
@@ -70,7 +73,7 @@ class LinearFit {
     QVector<XafsSpectrum> m_references;
     std::vector<Series> m_preBaseSeries;  // double-normalized-pre-base of every reference
     std::vector<Series> m_basisSeries;    // what the fit is made of
-    Method m_method;
+    FitRule m_rule;
 
     // Of the energies of the last sample.
     std::vector<double> m_allEnergies;  // of every point

@@ -97,8 +97,8 @@ class Fit : public AreaAnalysis {
 
     std::vector<RasterPass::Evaluate> evaluators(int threads,
                                                  const AbsorptionSource& source) const override {
-        return fitEvaluators(threads, m_grid.raster(), m_spectra, m_run->inputs.method,
-                             source.energies(), m_run->inputs.background, m_shiftAt);
+        return fitEvaluators(threads, m_grid.raster(), m_spectra, fitRule(m_run->inputs),
+                             source.energies(), m_shiftAt);
     }
 
     void begin() override {
@@ -169,7 +169,7 @@ class Residual : public AreaAnalysis {
 
     std::vector<RasterPass::Evaluate> evaluators(int threads,
                                                  const AbsorptionSource& source) const override {
-        return backgroundEvaluators(threads, source.energies(), m_run->inputs.background,
+        return backgroundEvaluators(threads, source.energies(), sampleRule(m_run->inputs),
                                     m_run->inputs.raEnergy);
     }
 

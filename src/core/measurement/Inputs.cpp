@@ -57,6 +57,20 @@ Difference ofCalibration(const Inputs& a, const Inputs& b) {
 
 }  // namespace
 
+Normalisation sampleRule(const Inputs& inputs) {
+    Normalisation rule(inputs.background);
+    rule.ranges = inputs.ranges;
+    return rule;
+}
+
+FitRule fitRule(const Inputs& inputs) {
+    FitRule rule(inputs.method, sampleRule(inputs));
+    rule.referenceScale = inputs.referenceScale;
+    rule.constraints = inputs.constraints;
+    rule.withErrors = inputs.errorMaps;
+    return rule;
+}
+
 Difference difference(const Inputs& a, const Inputs& b, Work work) {
     if (a.i1.revision != b.i1.revision || a.i0.revision != b.i0.revision || a.size != b.size) {
         return Difference::Frames;

@@ -50,7 +50,14 @@ struct Inputs {
     Area area;
     int background = 0;
     std::vector<ReferenceInput> references;
+    EdgeChoice e0;
+    BackgroundRanges ranges;
     LinearFit::Method method = LinearFit::Lcf;
+    FitRule::ReferenceScale referenceScale = FitRule::ReferenceScale::Jump;
+    FitRule::Constraints constraints = FitRule::Constraints::None;
+    bool errorMaps = false;
+    double differenceFrom = 0.0;
+    double differenceTo = 0.0;
     double raEnergy = 0.0;
     double raFactor = 0.0;
     FileInput standard;
@@ -68,6 +75,10 @@ struct MapInput {
     int smoothed = 0;    ///< how many times
     quint64 revision = 0;
 };
+
+/// How the spectra of the image are normalised, and how they are fitted.
+Normalisation sampleRule(const Inputs& inputs);
+FitRule fitRule(const Inputs& inputs);
 
 /// What differs of the inputs that this work goes by, in the order in which a user would look for
 /// it; None: nothing. Before: a later run that was to make it failed.

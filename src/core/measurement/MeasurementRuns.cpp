@@ -32,7 +32,14 @@ Inputs Measurement::inputs() const {
     for (const auto& reference : m_references) {
         now.references.push_back(reference->input());
     }
+    now.e0 = m_settings.e0;
+    now.ranges = m_settings.ranges;
     now.method = m_settings.method;
+    now.referenceScale = m_settings.referenceScale;
+    now.constraints = m_settings.constraints;
+    now.errorMaps = m_settings.errorMaps;
+    now.differenceFrom = m_settings.differenceFrom;
+    now.differenceTo = m_settings.differenceTo;
     now.raEnergy = m_settings.raEnergy;
     now.raFactor = m_settings.raFactor;
     now.standard = m_standard.file;

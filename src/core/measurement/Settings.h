@@ -48,6 +48,19 @@ struct Area {
     }
 };
 
+/// Where E0 of the spectra of an image is, which their backgrounds are fitted around.
+struct EdgeChoice {
+    enum class Kind {
+        Each,   ///< where each spectrum rises through half its height
+        Mean,   ///< that of the mean spectrum of the area, for all
+        Energy  ///< an energy, for all
+    };
+    Kind kind = Kind::Each;
+    double energy = 0.0;  ///< in eV of the calibrated scale, with Kind::Energy
+
+    bool operator==(const EdgeChoice& o) const { return kind == o.kind && energy == o.energy; }
+};
+
 /// The range of counts from black to white; each frame's own while it is not fixed.
 struct ViewRange {
     bool fixed = false;
@@ -73,7 +86,17 @@ struct Settings {
     int crystal = 0;     ///< in CrystalTable
     QString edgeEnergy;  ///< eV, as typed
 
+    EdgeChoice e0;
+    BackgroundRanges ranges;  ///< of the image's, the references' and the standard's backgrounds
+
     LinearFit::Method method = LinearFit::Lcf;
+    FitRule::ReferenceScale referenceScale = FitRule::ReferenceScale::Jump;
+    FitRule::Constraints constraints = FitRule::Constraints::None;
+    bool errorMaps = false;    ///< fits make counting errors and goodness of fit, too
+    double mask = 0.0;         ///< blank where the total jump is below this times its error; 0: off
+    bool savesMasked = false;  ///< blank in what is saved, too
+    double differenceFrom = 0.0;  ///< eV
+    double differenceTo = 0.0;
     double raEnergy = 8200.0;  ///< eV
     double raFactor = 1.0;
 

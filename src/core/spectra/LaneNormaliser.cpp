@@ -24,17 +24,13 @@ bool LaneNormaliser::suits(const std::vector<double>& energies) {
     return energies.size() >= static_cast<std::size_t>(background::FewestPointsOfAll);
 }
 
-LaneNormaliser::LaneNormaliser(const std::vector<double>& energies, int backgroundType,
+LaneNormaliser::LaneNormaliser(const std::vector<double>& energies, const Normalisation& rule,
                                lanes::Units units)
-    : m_kind(background::kindOf(backgroundType)),
+    : m_kind(background::kindOf(rule.background)),
+      m_rule(rule),
       m_kernels(lanes::kernels(units)),
       m_energies(energies),
       m_preparedAt(energies.size() + 1) {
-    const XafsSpectrum fresh;
-    m_preStart = fresh.preStart();
-    m_preEnd = fresh.preEnd();
-    m_postStart = fresh.postStart();
-    m_postEnd = fresh.postEnd();
     background::visit(m_kind, [this](auto kind) { tabulate<decltype(kind)>(); });
     m_abscissae = {m_kind, m_x.data(), m_z.data()};
 }
@@ -128,19 +124,19 @@ void LaneNormaliser::normalise(const double* mu, int count) {
     const int n = static_cast<int>(m_energies.size());
     double edges[Count];
     m_kernels.risingEdge(mu, m_energies.data(), n, EdgeFraction, edges);
-    fit(mu, edges, m_preStart, m_preEnd, &m_pre);
-    fit(mu, edges, m_postStart, m_postEnd, &m_post);
+    fit(mu, edges, m_rule.ranges.preStart, m_rule.ranges.preEnd, &m_pre);
+    fit(mu, edges, m_rule.ranges.postStart, m_rule.ranges.postEnd, &m_post);
 
     lanes::Range range;
     for (int l = 0; l < Count; ++l) {
-        const double from = edges[l] + m_preEnd;
+        const double from = edges[l] + m_rule.ranges.preEnd;
         int first = lowerBound(from, l > 0 ? range.first[l - 1] : 0);
         while (first < n && !(m_energies[static_cast<std::size_t>(first)] > from)) {
             ++first;
         }
         range.first[l] = first;
-        range.end[l] =
-            std::min(n - 1, lowerBound(edges[l] + m_postStart, l > 0 ? range.end[l - 1] : 0));
+        range.end[l] = std::min(
+            n - 1, lowerBound(edges[l] + m_rule.ranges.postStart, l > 0 ? range.end[l - 1] : 0));
     }
     m_kernels.middle(mu, m_energies.data(), m_abscissae, m_pre, m_post, range, m_midE);
     for (int l = 0; l < Count; ++l) {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "spectra/Lanes.h"
+#include "spectra/Normalisation.h"
 
 /// Normalises spectra of the same energies as XafsSpectrum does, a pack at a time and to the same
 /// bits: the edge, the pre-edge and the post-edge curve, the middle of the edge and the edge jump.
@@ -16,8 +17,7 @@ class LaneNormaliser {
     /// ascending. Others need XafsSpectrum itself.
     static bool suits(const std::vector<double>& energies);
 
-    /// Ranges of the backgrounds are those of a new XafsSpectrum.
-    LaneNormaliser(const std::vector<double>& energies, int backgroundType,
+    LaneNormaliser(const std::vector<double>& energies, const Normalisation& rule,
                    lanes::Units units = lanes::bestUnits());
 
     /// Normalises the pack mu[energy * lanes::Count + spectrum], whose first `count` spectra
@@ -57,10 +57,7 @@ class LaneNormaliser {
 
     int m_kind;
     int m_terms = 0;  // of the kind of background
-    double m_preStart;
-    double m_preEnd;
-    double m_postStart;
-    double m_postEnd;
+    Normalisation m_rule;
     const lanes::Kernels& m_kernels;
     std::vector<double> m_energies;
     std::vector<double> m_x;  // see background::Abscissa

@@ -46,14 +46,18 @@ XafsSpectrum::XafsSpectrum() : m_results(new Results) {
     livecounts::addXafsSpectra(1);
 }
 
-XafsSpectrum::XafsSpectrum(const Spectrum& measured, int backgroundType, double energyCorrection,
-                           Debug debug)
+XafsSpectrum::XafsSpectrum(const Spectrum& measured, const Normalisation& rule,
+                           double energyCorrection, Debug debug)
     : Spectrum(measured),
       m_results(new Results),
-      m_backgroundType(backgroundType),
+      m_backgroundType(rule.background),
+      m_preStart(rule.ranges.preStart),
+      m_preEnd(rule.ranges.preEnd),
+      m_postStart(rule.ranges.postStart),
+      m_postEnd(rule.ranges.postEnd),
       m_energyCorrection(energyCorrection) {
     livecounts::addXafsSpectra(1);
-    normalise(backgroundType, debug);
+    normalise(rule.background, debug);
 }
 
 XafsSpectrum::XafsSpectrum(const XafsSpectrum& other)

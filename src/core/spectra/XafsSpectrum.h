@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "spectra/BgCurve.h"
+#include "spectra/Normalisation.h"
 #include "spectra/Spectrum.h"
 
 /// An absorption spectrum (energy in eV, mu-t) that normalises itself: it finds its edge, fits a
@@ -24,7 +25,7 @@ class XafsSpectrum : public Spectrum {
     XafsSpectrum();
     /// Takes the measured points with their shift and normalises them. The energy correction is
     /// what the calibration found for the position (eV, taken off when fitting and writing).
-    XafsSpectrum(const Spectrum& measured, int backgroundType, double energyCorrection,
+    XafsSpectrum(const Spectrum& measured, const Normalisation& rule, double energyCorrection,
                  Debug debug = Talkative);
     XafsSpectrum(const XafsSpectrum& other);
     XafsSpectrum& operator=(const XafsSpectrum& other);
