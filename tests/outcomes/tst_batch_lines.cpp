@@ -20,6 +20,9 @@ QString badTextOf(ArgKind kind) {
         case ArgKind::Unit:
         case ArgKind::Background:
         case ArgKind::Crystal:
+        case ArgKind::Constraints:
+        case ArgKind::MapName:
+        case ArgKind::MaskLimit:
             return QStringLiteral("furlong");
         default:
             return QString();
@@ -38,6 +41,10 @@ QString goodTextOf(ArgKind kind) {
             return QStringLiteral("victreen");
         case ArgKind::Crystal:
             return QStringLiteral("ge(333)");
+        case ArgKind::Constraints:
+            return QStringLiteral("BOTH");
+        case ArgKind::MapName:
+            return QStringLiteral("r");
         default:
             return QStringLiteral("3");
     }

@@ -36,6 +36,12 @@ QStringList argumentsOf(ArgKind kind) {
             return {"Simple", "Polynomial"};
         case ArgKind::Crystal:
             return {"Si(111)", "Si"};
+        case ArgKind::Constraints:
+            return {"nonnegative", "positive"};
+        case ArgKind::MapName:
+            return {"fraction", "R", "difference", "share"};
+        case ArgKind::MaskLimit:
+            return {"5", "off", "0"};
     }
     return {};
 }

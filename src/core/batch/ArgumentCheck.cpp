@@ -39,6 +39,15 @@ QString refusal(ArgKind kind, const QString& text) {
         case ArgKind::Crystal:
             ok = crystalOfName(text) >= 0;
             return ok ? QString() : Batch::tr("no such crystal: %1").arg(text);
+        case ArgKind::Constraints:
+            ok = constraintsOfWord(text).has_value();
+            return ok ? QString() : Batch::tr("no such constraints: %1").arg(text);
+        case ArgKind::MapName:
+            ok = resultOfName(text).has_value();
+            return ok ? QString() : Batch::tr("no such map: %1").arg(text);
+        case ArgKind::MaskLimit:
+            ok = maskOfWord(text).has_value();
+            return ok ? QString() : Batch::tr("neither off nor a number above 0: %1").arg(text);
         case ArgKind::Text:
         case ArgKind::Mode:
         case ArgKind::InFile:

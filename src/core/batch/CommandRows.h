@@ -12,5 +12,6 @@ void addStackCommands(std::vector<CommandRow>* rows);
 void addViewCommands(std::vector<CommandRow>* rows);
 void addSaveCommands(std::vector<CommandRow>* rows);
 void addAnalyzerCommands(std::vector<CommandRow>* rows);
+void addMapCommands(std::vector<CommandRow>* rows);
 void addCalibrationCommands(std::vector<CommandRow>* rows);
 void addSaveFormCommands(std::vector<CommandRow>* rows);

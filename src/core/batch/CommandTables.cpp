@@ -17,7 +17,7 @@ struct Tables {
 std::vector<CommandRow> commandRows() {
     std::vector<CommandRow> rows;
     for (const auto& add : {addStackCommands, addViewCommands, addSaveCommands, addAnalyzerCommands,
-                            addCalibrationCommands, addSaveFormCommands}) {
+                            addMapCommands, addCalibrationCommands, addSaveFormCommands}) {
         add(&rows);
     }
     std::sort(rows.begin(), rows.end(),
@@ -100,7 +100,12 @@ QString argKindName(ArgKind kind) {
         case ArgKind::VictreenWord:
         case ArgKind::Background:
         case ArgKind::Crystal:
+        case ArgKind::Constraints:
             return QStringLiteral("word");
+        case ArgKind::MapName:
+            return QStringLiteral("name");
+        case ArgKind::MaskLimit:
+            return QStringLiteral("off|x");
         case ArgKind::Stack:
             return QStringLiteral("I1|I0");
         case ArgKind::Unit:

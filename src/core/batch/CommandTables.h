@@ -36,7 +36,10 @@ enum class ArgKind {
     Stack,         ///< I1 or I0
     Unit,          ///< eV or keV
     Background,    ///< Simple or Victreen
-    Crystal        ///< a crystal of the calibration panel, such as Si(111)
+    Crystal,       ///< a crystal of the calibration panel, such as Si(111)
+    Constraints,   ///< none, nonnegative, sum1 or both
+    MapName,       ///< the name of a kind of result
+    MaskLimit      ///< off or a number above 0
 };
 
 /// How an argument of that kind is written in the reference: "n", "flag", "x", "file" ...

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QLocale>
 #include <QSaveFile>
 
 #include "base/Globals.h"
@@ -47,6 +48,14 @@ void execLine(RecordWriter& writer, Work work) {
     }
 }
 
+void execDifference(RecordWriter& writer, const Inputs& in) {
+    const auto exact = [](double e) {
+        return QString::number(e, 'g', QLocale::FloatingPointShortest);
+    };
+    writer.line(QStringLiteral("analyzer_exec_difference"),
+                {exact(in.differenceFrom), exact(in.differenceTo)});
+}
+
 /// The energy map is made by what it is in force for, or by itself.
 void makeAgain(RecordWriter& writer, const Measurement& measurement, const Result& result) {
     if (result.id == ResultId::Shift) {
@@ -54,7 +63,11 @@ void makeAgain(RecordWriter& writer, const Measurement& measurement, const Resul
         return;
     }
     writer.inputs(result.run->inputs, result.run->work);
-    execLine(writer, result.run->work);
+    if (result.run->work == Work::Difference) {
+        execDifference(writer, result.run->inputs);
+    } else {
+        execLine(writer, result.run->work);
+    }
 }
 
 /// Which version wrote a record; 0 for any other batch.
@@ -98,6 +111,7 @@ void presentSettings(RecordWriter& w, const Measurement& m) {
     w.put(QStringLiteral("edge"), QStringLiteral("calib_set_edge_eV"),
           edgeEnergyArgs(s.edgeEnergy));
     w.inputs(in, Work::Fit);
+    w.mask(s);
     for (const ResultId id : {ResultId::DMut, ResultId::Ratio}) {
         w.scaleOf(resultKind(id), s);
     }
@@ -117,6 +131,9 @@ void presentSettings(RecordWriter& w, const Measurement& m) {
     }
     w.put(QStringLiteral("type"), QStringLiteral("analyzer_select_image_type"),
           {text(s.resultType)});
+    if (const Result* named = s.namedKind ? m.selectedResult() : nullptr) {
+        w.show(*named);
+    }
     w.put(QStringLiteral("display"), QStringLiteral("select_disp_image"),
           {text(static_cast<int>(s.shown))});
     const Stack& stack = m.stack(s.shown == Shown::I0 ? StackId::I0 : StackId::I1);
@@ -145,9 +162,16 @@ RecordLines recordOf(const Measurement& measurement, const Result& result, const
     RecordWriter writer(originFolder(inputs));
     makeAgain(writer, measurement, result);
     writer.show(result);
+    const bool isOfFit = result.run && result.run->work == Work::Fit;
     if (savedBy == QLatin1String("save_data_as_tiff")) {
+        if (isOfFit && measurement.settings().savesMasked) {
+            writer.mask(measurement.settings());
+        }
         writer.saveForm(measurement.settings(), measurement.settings().savesTiff);
     } else {
+        if (isOfFit) {
+            writer.mask(measurement.settings());
+        }
         writer.scaleOf(result.kind(), measurement.settings());
     }
     return withRemark(writer);

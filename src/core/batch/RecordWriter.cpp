@@ -61,6 +61,10 @@ RecordWriter::RecordWriter(const QString& folder) : m_folder(folder) {
     atStart("method", "analyzer_set_LCF_mode", {"0"});
     atStart("ra energy", "analyzer_set_ra_energy", {fieldText(s.raEnergy)});
     atStart("ra factor", "analyzer_set_ra_factor", {fieldText(s.raFactor)});
+    atStart("constraints", "analyzer_set_LCF_constraints", {"none"});
+    atStart("error maps", "analyzer_set_error_maps", {"0"});
+    atStart("mask", "set_mask", {"off"});
+    atStart("masked", "saveDataCfg_masked", {"0"});
     atStart("fixed scale", "analyzer_set_fixed_scale", {"0"});
     atStart("dmut min", "analyzer_set_dMut_scale_min", {fieldText(s.dMutMin)});
     atStart("dmut max", "analyzer_set_dMut_scale_max", {fieldText(s.dMutMax)});
@@ -238,7 +242,7 @@ void RecordWriter::references(const std::vector<ReferenceInput>& references) {
 }
 
 void RecordWriter::inputs(const Inputs& in, Work work) {
-    if (work == Work::Fit) {
+    if (work == Work::Fit || work == Work::Difference) {
         map(in.map);
     }
     frames(in);
@@ -258,6 +262,10 @@ void RecordWriter::inputs(const Inputs& in, Work work) {
         references(in.references);
         put(QStringLiteral("method"), QStringLiteral("analyzer_set_LCF_mode"),
             {flag(in.method == LinearFit::Mlcf)});
+        put(QStringLiteral("constraints"), QStringLiteral("analyzer_set_LCF_constraints"),
+            {constraintsWord(in.constraints)});
+        put(QStringLiteral("error maps"), QStringLiteral("analyzer_set_error_maps"),
+            {flag(in.errorMaps)});
     } else if (work == Work::Residual) {
         put(QStringLiteral("ra energy"), QStringLiteral("analyzer_set_ra_energy"),
             {fieldText(in.raEnergy)});
@@ -268,7 +276,13 @@ void RecordWriter::inputs(const Inputs& in, Work work) {
 
 void RecordWriter::show(const Result& result) {
     const bool isShift = result.id == ResultId::Shift;
-    if (!isShift) {
+    if (result.id > ResultId::Shift) {
+        assume(QStringLiteral("selected"), QString());
+        line(QStringLiteral("analyzer_select_map"),
+             {QString::fromLatin1(result.kind().name), number(std::max(0, result.reference))});
+        assume(QStringLiteral("display"), joined(QStringLiteral("select_disp_image"),
+                                                 {number(static_cast<int>(Shown::Result))}));
+    } else if (!isShift) {
         const int ofResidual =
             static_cast<int>(result.id) - static_cast<int>(ResultId::RaDmut) + m_references;
         put(QStringLiteral("selected"), QStringLiteral("analyzer_select_image"),
@@ -278,8 +292,10 @@ void RecordWriter::show(const Result& result) {
                 {number(static_cast<int>(result.id))});
         }
     }
-    put(QStringLiteral("display"), QStringLiteral("select_disp_image"),
-        {number(static_cast<int>(isShift ? Shown::Map : Shown::Result))});
+    if (result.id <= ResultId::Shift) {
+        put(QStringLiteral("display"), QStringLiteral("select_disp_image"),
+            {number(static_cast<int>(isShift ? Shown::Map : Shown::Result))});
+    }
     if (result.image.showsProc() && result.deglitched) {
         line(QStringLiteral("deglitch"),
              {fieldText(result.deglitched->factor), fieldText(result.deglitched->ratio)});
@@ -310,9 +326,15 @@ void RecordWriter::scaleOf(const ResultKind& kind, const Settings& s) {
     }
 }
 
+void RecordWriter::mask(const Settings& s) {
+    put(QStringLiteral("mask"), QStringLiteral("set_mask"),
+        {s.mask > 0.0 ? fieldText(s.mask) : QStringLiteral("off")});
+}
+
 void RecordWriter::saveForm(const Settings& s, bool ofTiff) {
     put(QStringLiteral("form"), s.savesTiff ? QStringLiteral("saveDataCfg_save_as_tiff")
                                             : QStringLiteral("saveDataCfg_save_as_text"));
+    put(QStringLiteral("masked"), QStringLiteral("saveDataCfg_masked"), {flag(s.savesMasked)});
     put(QStringLiteral("as analyzed"), QStringLiteral("saveDataCfg_tiff_as_analyzed"),
         {flag(s.tiff.asAnalyzed)});
     if (ofTiff) {

@@ -34,6 +34,7 @@ class RecordWriter {
     /// Puts a result on display and processes it as it is.
     void show(const Result& result);
     void scaleOf(const ResultKind& kind, const Settings& settings);
+    void mask(const Settings& settings);
     /// The form in which results are saved, with the options of TIFF files or of tables.
     void saveForm(const Settings& settings, bool ofTiff);
     void viewRange(const ViewRange& range);

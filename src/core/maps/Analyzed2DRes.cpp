@@ -56,11 +56,46 @@ const Analyzed2DRes::Array& Analyzed2DRes::procArray() const {
 }
 
 double Analyzed2DRes::rangeMin() const {
-    return m_fixedScale ? m_scaleMin : (m_showProc ? m_procMin : m_dataMin);
+    const double shown = m_mask ? m_visibleMin : (m_showProc ? m_procMin : m_dataMin);
+    return m_fixedScale ? m_scaleMin : shown;
 }
 
 double Analyzed2DRes::rangeMax() const {
-    return m_fixedScale ? m_scaleMax : (m_showProc ? m_procMax : m_dataMax);
+    const double shown = m_mask ? m_visibleMax : (m_showProc ? m_procMax : m_dataMax);
+    return m_fixedScale ? m_scaleMax : shown;
+}
+
+QVector<double> Analyzed2DRes::visibleValues() const {
+    QVector<double> values = shownArray();
+    if (m_mask) {
+        const std::size_t pixels =
+            std::min(m_mask->size(), static_cast<std::size_t>(values.size()));
+        double* const value = values.data();
+        for (std::size_t i = 0; i < pixels; ++i) {
+            value[i] = (*m_mask)[i] ? std::numeric_limits<double>::quiet_NaN() : value[i];
+        }
+    }
+    return values;
+}
+
+double Analyzed2DRes::visibleValueAt(qint64 x, qint64 y) const {
+    const auto pixel = static_cast<std::size_t>(y * m_grid.width + x);
+    const bool blank =
+        m_mask && m_grid.isInsideImage(x, y) && pixel < m_mask->size() && (*m_mask)[pixel];
+    return blank ? std::numeric_limits<double>::quiet_NaN() : shownValueAt(x, y);
+}
+
+void Analyzed2DRes::setMask(const Mask& mask) {
+    if (mask || m_mask) {
+        m_mask = mask;
+        genImg();
+    }
+}
+
+void Analyzed2DRes::takeVisible(const Analyzed2DRes& other) {
+    startOver(other.grid());
+    m_data = other.visibleValues();
+    updateExtremes();
 }
 
 void Analyzed2DRes::setProcRange(double min, double max) {
@@ -96,6 +131,7 @@ void Analyzed2DRes::clear() {
 
 void Analyzed2DRes::startOver(const AnalysisGrid& grid) {
     m_showProc = false;
+    m_mask.reset();
     setGrid(grid);
     clear();
 }
@@ -129,8 +165,16 @@ void Analyzed2DRes::genImg() {
     dropPicture();
     const Array& source = shownArray();
     if (!source.isEmpty()) {
+        const Array visible = visibleValues();
+        if (m_mask) {
+            m_visibleMin = 1e300;
+            m_visibleMax = -1e300;
+            for (double value : visible) {
+                widen(value, &m_visibleMin, &m_visibleMax);
+            }
+        }
         // The values of this moment: setting others leaves these as they are.
-        m_toPaint = Picture{source, m_grid.width, m_grid.height, rangeMin(), rangeMax()};
+        m_toPaint = Picture{visible, m_grid.width, m_grid.height, rangeMin(), rangeMax()};
         m_valid = true;
     }
 }

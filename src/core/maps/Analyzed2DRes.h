@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "maps/AnalysisGrid.h"
+#include "maps/Mask.h"
 
 class QImage;
 
@@ -40,14 +41,23 @@ class Analyzed2DRes : public QObject {
     double shownValueAt(qint64 x, qint64 y) const { return at(shownArray(), x, y); }
     const double* data() const { return m_data.constData(); }
     QVector<double> values() const { return m_data; }  ///< as they are now, row by row
+    /// Those shown, no number where they are masked, row by row.
+    QVector<double> visibleValues() const;
+    double visibleValueAt(qint64 x, qint64 y) const;
     const double* proc() const { return procArray().constData(); }
+
+    /// Pixels that show no number and do not count for the range in use. Gone with startOver().
+    void setMask(const Mask& mask);
+    bool isMasked() const { return m_mask != nullptr; }
+    /// Takes the values that another shows, no number where it is masked.
+    void takeVisible(const Analyzed2DRes& other);
 
     // Ranges of the finite values; dataMin > dataMax until a value is set.
     double dataMin() const { return m_dataMin; }
     double dataMax() const { return m_dataMax; }
     double procMin() const { return m_procMin; }
     double procMax() const { return m_procMax; }
-    /// The range in use: the fixed scale, else that of the array shown.
+    /// The range in use: the fixed scale, else that of the array shown as far as it is not masked.
     double rangeMin() const;
     double rangeMax() const;
     bool showsProc() const { return m_showProc; }
@@ -130,4 +140,7 @@ class Analyzed2DRes : public QObject {
     double m_deglitchFactor = 2.0;
     double m_deglitchRatio = 0.1;
     bool m_showProc = false;
+    Mask m_mask;
+    double m_visibleMin = 0.0;  // while there is a mask
+    double m_visibleMax = 1.0;
 };

@@ -7,8 +7,6 @@
 #include "base/DebugLog.h"
 #include "calibration/EnergyShift.h"
 #include "fitting/LaneFit.h"
-#include "measurement/Reference.h"
-#include "spectra/LiveCounts.h"
 
 AreaAnalysis::AreaAnalysis(const AnalysisGrid& grid, std::shared_ptr<Run> run)
     : m_grid(grid), m_run(std::move(run)) {}
@@ -19,6 +17,13 @@ void AreaAnalysis::startOver(Result* result, int number) {
     result->image.startOver(m_grid);
     result->image.setNo(number);
     result->run = m_run;
+    result->deglitched.reset();
+    result->isOfBefore = false;
+}
+
+void AreaAnalysis::empty(Result* result) {
+    result->image.startOver(AnalysisGrid());
+    result->run.reset();
     result->deglitched.reset();
     result->isOfBefore = false;
 }
@@ -72,87 +77,6 @@ class Calibration : public AreaAnalysis {
 
     Result* m_map;
     CalibrationEdges m_edges;
-};
-
-class Fit : public AreaAnalysis {
-  public:
-    Fit(const AnalysisGrid& grid, std::shared_ptr<Run> run,
-        const std::vector<std::unique_ptr<Reference>>& references, const Analyzed2DRes& map)
-        : AreaAnalysis(grid, std::move(run)), m_shiftAt(shiftsOf(map)) {
-        for (int kind = 0; kind < Reference::KindCount; ++kind) {
-            for (const auto& reference : references) {
-                m_results.push_back(&reference->result(kind));
-            }
-        }
-        m_panels = references.size();
-        for (std::size_t i = 0; i < m_panels; ++i) {
-            if (references[i]->takesPart()) {
-                m_spectra.append(references[i]->spectrum());
-                m_taking.push_back(i);
-            }
-        }
-    }
-
-    int valuesPerBin() const override { return Reference::KindCount * m_spectra.size(); }
-
-    std::vector<RasterPass::Evaluate> evaluators(int threads,
-                                                 const AbsorptionSource& source) const override {
-        return fitEvaluators(threads, m_grid.raster(), m_spectra, fitRule(m_run->inputs),
-                             source.energies(), m_shiftAt);
-    }
-
-    void begin() override {
-        logObjectCounts();
-        debugTimed(QStringLiteral("2da 1:"));
-        int number = 0;
-        for (Result* result : m_results) {
-            startOver(result, number++);
-        }
-        debugTimed(QStringLiteral("2da 2:"));
-    }
-
-    void take(const RasterPass::Row& row, const BinRaster& raster) override {
-        const int y = raster.y(row.row);
-        const std::size_t taking = m_taking.size();
-        // One image after the other, so that each is written along its rows.
-        for (std::size_t kind = 0; kind < Reference::KindCount; ++kind) {
-            for (std::size_t u = 0; u < taking; ++u) {
-                Analyzed2DRes& image = m_results[m_panels * kind + m_taking[u]]->image;
-                const double* value = row.values + kind * taking + u;
-                for (int column = 0; column < raster.columns; ++column) {
-                    image.setData(raster.x(column), y, m_grid.halfW, m_grid.halfH, *value);
-                    value += Reference::KindCount * taking;
-                }
-            }
-        }
-    }
-
-    void remakePictures() override {
-        qDebug() << "generate res images" << static_cast<int>(m_results.size());
-        for (Result* result : m_results) {
-            result->image.genImg();
-        }
-    }
-
-    void finish() override {
-        remakePictures();
-        debugTimed(QStringLiteral("2da 3:"));
-        logObjectCounts();
-    }
-
-    void stopped() override {
-        for (Result* result : m_results) {
-            result->image.genImg();
-        }
-        debugTimed(QStringLiteral("2da 4:"));
-    }
-
-  private:
-    std::function<double(int x, int y)> m_shiftAt;
-    std::vector<Result*> m_results;  // all edge jumps, then all ratios, in order of the references
-    std::size_t m_panels = 0;
-    QVector<XafsSpectrum> m_spectra;    // of those that take part
-    std::vector<std::size_t> m_taking;  // and their indices
 };
 
 Analyzed2DRes& imageOf(const ResidualResults& results, ResultId id) {
@@ -233,12 +157,6 @@ void makeResidualRatio(const ResidualResults& results) {
 std::unique_ptr<AreaAnalysis> makeCalibration(const AnalysisGrid& grid, std::shared_ptr<Run> run,
                                               Result* newMap, const CalibrationEdges& edges) {
     return std::make_unique<Calibration>(grid, std::move(run), newMap, edges);
-}
-
-std::unique_ptr<AreaAnalysis> makeFit(const AnalysisGrid& grid, std::shared_ptr<Run> run,
-                                      const std::vector<std::unique_ptr<Reference>>& references,
-                                      const Analyzed2DRes& map) {
-    return std::make_unique<Fit>(grid, std::move(run), references, map);
 }
 
 std::unique_ptr<AreaAnalysis> makeResidual(const AnalysisGrid& grid, std::shared_ptr<Run> run,

@@ -7,7 +7,7 @@
 #include "absorption/RasterPass.h"
 #include "maps/AnalysisGrid.h"
 #include "measurement/CalibrationJudgement.h"
-#include "measurement/Result.h"
+#include "measurement/ResultSet.h"
 
 class AbsorptionSource;
 class Reference;
@@ -40,6 +40,9 @@ class AreaAnalysis {
     /// Makes pictures of what there is so far.
     virtual void remakePictures() {}
 
+    /// A result that no run has made.
+    static void empty(Result* result);
+
   protected:
     /// An empty result of this run.
     void startOver(Result* result, int number);
@@ -54,10 +57,11 @@ std::unique_ptr<AreaAnalysis> makeCalibration(const AnalysisGrid& grid, std::sha
                                               Result* newMap, const CalibrationEdges& edges);
 
 /// LCF or MLCF: edge jump and ratio of every reference that takes part, with the energy shifts of
-/// the map, which may be without values, as they are now.
+/// the map, which may be without values, as they are now; with error maps their errors and the
+/// results of all references, too, which are emptied without.
 std::unique_ptr<AreaAnalysis> makeFit(const AnalysisGrid& grid, std::shared_ptr<Run> run,
                                       const std::vector<std::unique_ptr<Reference>>& references,
-                                      const Analyzed2DRes& map);
+                                      const ResultSet& ofAll, const Analyzed2DRes& map);
 
 /// Those of residual absorption, in the order of their ids.
 using ResidualResults = std::array<Result*, ResidualCount>;
@@ -66,6 +70,10 @@ using ResidualResults = std::array<Result*, ResidualCount>;
 /// share of the latter.
 std::unique_ptr<AreaAnalysis> makeResidual(const AnalysisGrid& grid, std::shared_ptr<Run> run,
                                            const ResidualResults& results);
+
+/// mu-t at the one energy less that at the other.
+std::unique_ptr<AreaAnalysis> makeDifference(const AnalysisGrid& grid, std::shared_ptr<Run> run,
+                                             Result* result, const Analyzed2DRes& map);
 
 /// The ratio image of residual absorption from dmut and rest: with m the lowest finite rest,
 /// (rest - m) / (dmut + rest - m); then all pictures.

@@ -70,9 +70,8 @@ BarPicture shownWithBar(Measurement& measurement) {
     const Analyzed2DRes& image = result->image;
     parts.picture = shownPicture(measurement);
     if (!parts.picture.isNull()) {
-        parts.picture =
-            withGapsMarked(parts.picture, image.showsProc() ? image.proc() : image.data(),
-                           image.grid().width, image.grid().height);
+        parts.picture = withGapsMarked(parts.picture, image.visibleValues().constData(),
+                                       image.grid().width, image.grid().height);
     }
     parts.colors = &resultColors();
     parts.low = image.rangeMin();

@@ -133,6 +133,47 @@ QStringList otherBackgrounds(const std::vector<std::unique_ptr<Reference>>& refe
     return texts;
 }
 
+/// Constraints and mask against the rest of the settings.
+Outcome judgeRule(const std::vector<std::unique_ptr<Reference>>& references,
+                  const Settings& settings) {
+    using Constraints = FitRule::Constraints;
+    constexpr int MostConstrained = 8;
+    Outcome outcome;
+    const auto taking = std::count_if(references.begin(), references.end(),
+                                      [](const auto& each) { return each->takesPart(); });
+    if (settings.constraints != Constraints::None && taking > MostConstrained) {
+        outcome.failures << Texts::tr("constraints are for at most %1 references, not for %2")
+                                .arg(MostConstrained)
+                                .arg(taking);
+    }
+    if (settings.method == LinearFit::Mlcf &&
+        (settings.constraints == Constraints::Sum1 || settings.constraints == Constraints::Both)) {
+        outcome.failures << Texts::tr("MLCF has no sum of 1: its coefficients are edge jumps");
+    }
+    if (settings.mask > 0.0 && !settings.errorMaps) {
+        outcome.warnings << Texts::tr("no mask without error maps: run again with error maps");
+    }
+    return outcome;
+}
+
+/// Of the difference of two energies (eV).
+Outcome judgeDifference(const std::vector<double>& energies, double from, double to) {
+    if (energies.empty() || !(energies.front() < energies.back())) {
+        return Outcome::failure(Texts::tr("the frames have one energy only"));
+    }
+    for (const double e : {from, to}) {
+        if (e < energies.front() || e > energies.back()) {
+            return Outcome::failure(
+                Texts::tr("the energy %1 eV lies outside those of the frames (%2)")
+                    .arg(QString::number(e, 'g', 10),
+                         rangeText(energies.front(), energies.back())));
+        }
+    }
+    return from != to
+               ? Outcome()
+               : Outcome::failure(Texts::tr("the two energies of the difference are the same"));
+}
+
 }  // namespace
 
 Outcome judgeFit(const std::vector<double>& energies,
@@ -238,8 +279,12 @@ Outcome judgeBefore(Work work, const std::vector<double>& energies,
                     const Settings& settings) {
     if (work == Work::Fit) {
         Outcome outcome = judgeFit(energies, references, settings.method);
+        outcome += judgeRule(references, settings);
         outcome.notes += otherBackgrounds(references, settings.targetBackground);
         return outcome;
+    }
+    if (work == Work::Difference) {
+        return judgeDifference(energies, settings.differenceFrom, settings.differenceTo);
     }
     return work == Work::Residual ? judgeResidual(energies, settings.raEnergy) : Outcome();
 }

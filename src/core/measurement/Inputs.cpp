@@ -37,7 +37,8 @@ Difference ofFit(const Inputs& a, const Inputs& b) {
     if (a.background != b.background) {
         return Difference::Background;
     }
-    return a.method == b.method ? Difference::None : Difference::Settings;
+    return a.method == b.method && a.constraints == b.constraints ? Difference::None
+                                                                  : Difference::Settings;
 }
 
 Difference ofResidual(const Inputs& a, const Inputs& b) {
@@ -46,6 +47,15 @@ Difference ofResidual(const Inputs& a, const Inputs& b) {
     }
     return a.raEnergy == b.raEnergy && a.raFactor == b.raFactor ? Difference::None
                                                                 : Difference::Settings;
+}
+
+Difference ofDifference(const Inputs& a, const Inputs& b) {
+    if (!sameMap(a, b)) {
+        return Difference::Map;
+    }
+    return a.differenceFrom == b.differenceFrom && a.differenceTo == b.differenceTo
+               ? Difference::None
+               : Difference::Settings;
 }
 
 Difference ofCalibration(const Inputs& a, const Inputs& b) {
@@ -90,6 +100,8 @@ Difference difference(const Inputs& a, const Inputs& b, Work work) {
             return ofFit(a, b);
         case Work::Residual:
             return ofResidual(a, b);
+        case Work::Difference:
+            return ofDifference(a, b);
         case Work::Calibrate:
             return ofCalibration(a, b);
         default:

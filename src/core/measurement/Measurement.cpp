@@ -14,14 +14,12 @@
 
 Measurement::Measurement()
     : m_map(std::make_unique<Result>(ResultId::Shift)),
+      m_results({ResultFamily::Fit, ResultFamily::Residual, ResultFamily::Difference}),
       m_threads(QThread::idealThreadCount()),
       m_job([this](const RasterPass::Row& row, const BinRaster& raster) {
           m_analysis->run()->tally += row.tally;
           m_analysis->take(row, raster);
       }) {
-    for (int i = 0; i < ResidualCount; ++i) {
-        m_residual[i] = std::make_unique<Result>(residualId(i));
-    }
     connectStack(m_i1);
     connectStack(m_i0);
     connect(&m_dark, &DarkData::changed, this, [this] {
@@ -91,33 +89,19 @@ void Measurement::settingChanged(const Settings& before) {
         applyScales();
         what |= Changes(Results) | Display;
     }
+    if (before.mask != now.mask) {
+        applyMask();
+        what |= Changes(Results) | Display;
+    }
+    if (before.resultType != now.resultType) {
+        m_settings.namedKind.reset();
+    }
     if (before.shown != now.shown || before.selected != now.selected ||
         before.resultType != now.resultType || !(before.viewRange == now.viewRange) ||
         before.plotOrdinate != now.plotOrdinate || before.plotAbscissa != now.plotAbscissa) {
         what |= Display;
     }
     emit changed(what);
-}
-
-void Measurement::applyScales() {
-    const auto apply = [this](Result& result) {
-        const ResultScale scale = result.kind().scale;
-        if (scale == ResultScale::Own) {
-            return;
-        }
-        const bool isDMut = scale == ResultScale::DMut;
-        result.image.setScale(isDMut ? m_settings.dMutMin : m_settings.ratioMin,
-                              isDMut ? m_settings.dMutMax : m_settings.ratioMax);
-        result.image.setFixedScale(m_settings.fixedScale);
-    };
-    for (const auto& reference : m_references) {
-        for (int kind = 0; kind < Reference::KindCount; ++kind) {
-            apply(reference->result(kind));
-        }
-    }
-    for (const auto& result : m_residual) {
-        apply(*result);
-    }
 }
 
 double Measurement::spacing() const {
@@ -238,42 +222,6 @@ void Measurement::setFrame(StackId id, int n) {
         current = n;
         emit changed(Display);
     }
-}
-
-void Measurement::select(int id) {
-    if (id >= 0 && id < referenceCount() + ResidualCount) {
-        m_settings.selected = id;
-    }
-    emit changed(Changes(Display) | Setting);
-}
-
-Result* Measurement::selectedResult() const {
-    const int id = m_settings.selected;
-    const int n = referenceCount();
-    if (id < 0 || id >= n + ResidualCount) {
-        return nullptr;
-    }
-    if (id < n) {
-        return &m_references[static_cast<std::size_t>(id)]->result(m_settings.resultType);
-    }
-    Result* made = m_residual[id - n].get();
-    return made->image.isValid() ? made : nullptr;
-}
-
-Result* Measurement::shownResult() const {
-    switch (m_settings.shown) {
-        case Shown::Map:
-            return m_map->image.grid().width > 0 ? m_map.get() : nullptr;
-        case Shown::Result:
-            return selectedResult();
-        default:
-            return nullptr;
-    }
-}
-
-Result* Measurement::deglitchTarget() const {
-    Result* shown = shownResult();
-    return shown != nullptr ? shown : selectedResult();
 }
 
 void Measurement::setPosition(double x, double y) {

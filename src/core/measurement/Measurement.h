@@ -107,7 +107,7 @@ class Measurement : public QObject {
     bool isAtWork(Work work) const;
     Inputs inputs() const;  ///< what a run would work on that begins now
     Difference differenceOf(const Result& result) const;
-    std::vector<const Result*> results() const;  ///< that hold values; the map first
+    std::vector<Result*> results() const;  ///< that hold values; the map first
     bool hasUnsavedResults() const;
     void remakePictures();           ///< of all references' results
     void remakeResidual();           ///< the ratio image of RA and all its pictures
@@ -115,7 +115,13 @@ class Measurement : public QObject {
     QString whyNotShowProcessed() const;
     Outcome deglitch(double factor, double ratio);
     Outcome showProcessed(bool on);
-    Result& residual(int i) const { return *m_residual[i]; }  ///< that of residualId(i)
+    /// Null for a kind of reference without that reference.
+    Result* find(ResultId id, int reference = -1) const;
+    Result& residual(int i) const { return *m_results.find(residualId(i)); }
+    /// Shows the map of a kind; fails without values.
+    Outcome choose(ResultId id, int reference);
+    /// Fails for results of a fit without error maps. 0: none.
+    Outcome setMask(double factor);
     /// What a fitter has found for the current point of the last fit's grid, and the step to the
     /// next; nothing while a pass runs.
     void recordPoint(const std::vector<int>& references, const std::vector<double>& dMuts,
@@ -165,6 +171,8 @@ class Measurement : public QObject {
     void endAsStopped(const std::unique_ptr<AreaAnalysis>& analysis);
     std::vector<Result*> resultsOf(Work work) const;
     void markOfBefore(Work work);
+    bool hasFitWithoutErrors() const;
+    void applyMask();
     void standIn();
     void rowsTaken(int rows, int of);
     void passEnded(RasterPass::Failure failure);
@@ -184,7 +192,7 @@ class Measurement : public QObject {
     std::unique_ptr<Result> m_map;
     std::shared_ptr<const MapInput> m_mapInput;
     std::vector<std::unique_ptr<Reference>> m_references;
-    std::unique_ptr<Result> m_residual[ResidualCount];
+    ResultSet m_results;               // of no reference, but for the map
     std::unique_ptr<Result> m_newMap;  // of a calibration that runs
     std::unique_ptr<AbsorptionSource> m_source;
     QPointF m_position{-1.0, -1.0};

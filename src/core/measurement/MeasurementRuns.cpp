@@ -60,28 +60,6 @@ Difference Measurement::differenceOf(const Result& result) const {
                : Difference::None;
 }
 
-std::vector<const Result*> Measurement::results() const {
-    std::vector<const Result*> all{m_map.get()};
-    for (int kind = 0; kind < Reference::KindCount; ++kind) {
-        for (const auto& reference : m_references) {
-            all.push_back(&reference->result(kind));
-        }
-    }
-    for (const auto& result : m_residual) {
-        all.push_back(result.get());
-    }
-    all.erase(std::remove_if(all.begin(), all.end(),
-                             [](const Result* result) { return !result->image.hasData(); }),
-              all.end());
-    return all;
-}
-
-bool Measurement::hasUnsavedResults() const {
-    const std::vector<const Result*> all = results();
-    return std::any_of(all.begin(), all.end(),
-                       [](const Result* result) { return result->run && !result->run->saved; });
-}
-
 bool Measurement::isAtWork(Work work) const {
     switch (work) {
         case Work::None:
@@ -139,16 +117,12 @@ std::unique_ptr<AreaAnalysis> Measurement::makeAnalysis(Work work) {
     }
     if (work == Work::Fit) {
         m_point = grid();
-        return makeFit(grid(), run, m_references, m_map->image);
+        return makeFit(grid(), run, m_references, m_results, m_map->image);
+    }
+    if (work == Work::Difference) {
+        return makeDifference(grid(), run, find(ResultId::Difference), m_map->image);
     }
     return makeResidual(grid(), run, residualResults());
-}
-
-ResidualResults Measurement::residualResults() const {
-    ResidualResults results{};
-    std::transform(std::begin(m_residual), std::end(m_residual), results.begin(),
-                   [](const auto& result) { return result.get(); });
-    return results;
 }
 
 Outcome Measurement::start(Work work) {
@@ -222,6 +196,7 @@ void Measurement::passEnded(RasterPass::Failure failure) {
         return;
     }
     analysis->finish();
+    applyMask();
     run.state = Run::State::Complete;
     run.percent = 100.0;
     Outcome outcome = judgeAfter(run);
@@ -268,70 +243,13 @@ void Measurement::endAsStopped(const std::unique_ptr<AreaAnalysis>& analysis) {
     Run& run = *analysis->run();
     run.state = Run::State::Stopped;
     analysis->stopped();
+    applyMask();
     m_newMap.reset();
     if (run.work == Work::Calibrate) {
         m_map->isOfBefore = m_map->image.hasData();
     }
     emit changed(Changes(AtWork) | Results | Display | Position);
     emit progressed(run.work, 100.0, 100.0);
-}
-
-/// Those that an analysis makes.
-std::vector<Result*> Measurement::resultsOf(Work work) const {
-    std::vector<Result*> made;
-    if (work == Work::Calibrate) {
-        made.push_back(m_map.get());
-    } else if (work == Work::Residual) {
-        for (const auto& result : m_residual) {
-            made.push_back(result.get());
-        }
-    } else if (work == Work::Fit) {
-        for (const auto& reference : m_references) {
-            for (int kind = 0; kind < Reference::KindCount; ++kind) {
-                made.push_back(&reference->result(kind));
-            }
-        }
-    }
-    return made;
-}
-
-void Measurement::markOfBefore(Work work) {
-    for (Result* result : resultsOf(work)) {
-        result->isOfBefore = result->image.hasData();
-    }
-    emit changed(Changes(Results) | Display);
-}
-
-void Measurement::forget(Work work) {
-    if (work == working() || work == Work::Calibrate) {
-        return;
-    }
-    for (Result* result : resultsOf(work)) {
-        result->image.startOver(AnalysisGrid());
-        result->run.reset();
-        result->deglitched.reset();
-        result->isOfBefore = false;
-    }
-    emit changed(Changes(Results) | Display);
-}
-
-void Measurement::remakePictures() {
-    if (working() == Work::Fit) {
-        m_analysis->remakePictures();
-    } else {
-        qDebug() << "generate res images" << Reference::KindCount * referenceCount();
-        for (const auto& reference : m_references) {
-            for (int kind = 0; kind < Reference::KindCount; ++kind) {
-                reference->result(kind).image.genImg();
-            }
-        }
-    }
-    emit changed(Changes(Results) | Display);
-}
-
-void Measurement::remakeResidual() {
-    makeResidualRatio(residualResults());
-    emit changed(Changes(Results) | Display);
 }
 
 void Measurement::recordPoint(const std::vector<int>& references, const std::vector<double>& dMuts,
@@ -354,65 +272,4 @@ void Measurement::stepPoint() {
     if (working() == Work::None && m_point.step(&newRow) && newRow) {
         emit progressed(Work::Fit, m_point.percent(), 100.0);
     }
-}
-
-QString Measurement::whyNotDeglitch() const {
-    if (working() != Work::None) {
-        return tr("not while an analysis of the image runs");
-    }
-    const Result* target = deglitchTarget();
-    if (target == nullptr || !target->image.hasData()) {
-        return tr("there is no map to work on");
-    }
-    if (!target->tookPart()) {
-        return tr("the reference took no part in the fit: its map holds no values");
-    }
-    return target->image.dataMin() <= target->image.dataMax() ? QString()
-                                                              : tr("the map holds no values");
-}
-
-QString Measurement::whyNotShowProcessed() const {
-    const QString whyNot = whyNotDeglitch();
-    if (!whyNot.isEmpty()) {
-        return whyNot;
-    }
-    const Result* target = deglitchTarget();
-    // Smoothing leaves what it made in the processed values, too.
-    const bool isSmoothed = target == m_map.get() && m_mapInput && m_mapInput->smoothed > 0;
-    return target->deglitched || isSmoothed
-               ? QString()
-               : tr("nothing has been deglitched: the processed values are 0");
-}
-
-Outcome Measurement::deglitch(double factor, double ratio) {
-    const QString whyNot = whyNotDeglitch();
-    if (!whyNot.isEmpty()) {
-        return Outcome::failure(whyNot);
-    }
-    Result* target = deglitchTarget();
-    m_settings.deglitchFactor = inField(factor);
-    m_settings.deglitchRatio = inField(ratio);
-    target->image.setDeglitchConds(m_settings.deglitchFactor, m_settings.deglitchRatio);
-    target->image.deglitch();
-    target->image.selectProcImg(true);
-    target->deglitched = {m_settings.deglitchFactor, m_settings.deglitchRatio};
-    emit changed(Changes(Results) | Display | Setting);
-    return {};
-}
-
-Outcome Measurement::showProcessed(bool on) {
-    const QString whyNot = on ? whyNotShowProcessed() : whyNotDeglitch();
-    if (!whyNot.isEmpty()) {
-        return Outcome::failure(whyNot);
-    }
-    deglitchTarget()->image.selectProcImg(on);
-    emit changed(Changes(Results) | Display);
-    return {};
-}
-
-RecordLines Measurement::recordOf(const Result& result, const QString& savedBy) const {
-    if (result.run && result.run->state != Run::State::Complete) {
-        return RecordLines::none(QT_TRANSLATE_NOOP("Record", "the run was stopped before its end"));
-    }
-    return m_recorder ? m_recorder(*this, result, savedBy) : RecordLines();
 }

@@ -105,6 +105,13 @@ void Writer::inputs(const Inputs& in, Work work) {
         add("standard background", backgroundWord(in.standardBackground));
         return;
     }
+    if (work == Work::Difference) {
+        add("method", QStringLiteral("difference of two energies"));
+        add("from", exact(in.differenceFrom) + QStringLiteral(" eV"));
+        add("to", exact(in.differenceTo) + QStringLiteral(" eV"));
+        map(in.map);
+        return;
+    }
     add("background", backgroundWord(in.background));
     if (work == Work::Residual) {
         add("method", QStringLiteral("residual absorption"));
@@ -113,6 +120,9 @@ void Writer::inputs(const Inputs& in, Work work) {
         return;
     }
     add("method", in.method == LinearFit::Mlcf ? QStringLiteral("MLCF") : QStringLiteral("LCF"));
+    if (in.constraints != FitRule::Constraints::None) {
+        add("constraints", constraintsWord(in.constraints));
+    }
     references(in);
     map(in.map);
 }
@@ -179,6 +189,11 @@ OriginText originOf(const Measurement& measurement, const Result& result, const 
                                       : QStringLiteral("yes");
     }
     writer.add("processed", processed);
+    if (result.image.isMasked() &&
+        (measurement.settings().savesMasked || savedBy == "save_image")) {
+        writer.add("mask", QStringLiteral("total jump below %1 times its error")
+                               .arg(fieldText(measurement.settings().mask)));
+    }
     if (!result.run) {
         writer.map(inputs.map);
     } else {

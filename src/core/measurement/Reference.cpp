@@ -107,11 +107,9 @@ QString NormalisedFile::edgeFault() const {
                : QString();
 }
 
-Reference::Reference(int index, const Rehearsal* rehearsal) : m_revision(nextRevision()) {
+Reference::Reference(int index, const Rehearsal* rehearsal)
+    : m_revision(nextRevision()), m_results({ResultFamily::Reference}, index) {
     m_file.rehearsal = rehearsal;
-    for (int kind = 0; kind < KindCount; ++kind) {
-        m_results[indexOf(kind)] = std::make_unique<Result>(static_cast<ResultId>(kind), index);
-    }
 }
 
 ReferenceInput Reference::input() const {

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <array>
 #include <memory>
 
 #include "measurement/Inputs.h"
 #include "measurement/Outcome.h"
 #include "measurement/Rehearsal.h"
-#include "measurement/Result.h"
+#include "measurement/ResultSet.h"
 #include "spectra/XafsSpectrum.h"
 
 /// The file with its digest (none when it cannot be read) and a new revision.
@@ -72,12 +71,12 @@ class Reference {
     void setBackground(int background);
 
     /// The edge jump for a kind that there is not.
-    Result& result(int kind) { return *m_results[indexOf(kind)]; }
-    const Result& result(int kind) const { return *m_results[indexOf(kind)]; }
+    Result& result(int kind) const { return *m_results.find(idOf(kind)); }
+    const ResultSet& results() const { return m_results; }
 
   private:
-    static std::size_t indexOf(int kind) {
-        return static_cast<std::size_t>(kind > 0 && kind < KindCount ? kind : 0);
+    static ResultId idOf(int kind) {
+        return static_cast<ResultId>(kind > 0 && kind < KindCount ? kind : 0);
     }
     void applyShift();
 
@@ -86,5 +85,5 @@ class Reference {
     double m_deltaE = 0.0;
     int m_background = XafsSpectrum::Simple;
     quint64 m_revision = 0;
-    std::array<std::unique_ptr<Result>, KindCount> m_results;
+    ResultSet m_results;
 };

@@ -4,6 +4,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <algorithm>
+#include <cmath>
 
 #include "calibration/EnergyMapFile.h"
 #include "drawing/BarPicture.h"
@@ -60,6 +62,26 @@ Outcome judgeForm(const Settings& form, const AnalysisGrid& grid) {
                ? Outcome::warning(Saving::tr("a 16-bit TIFF taller than wide has shifted rows; a "
                                              "table or a float TIFF has not"))
                : Outcome();
+}
+
+bool isOfFit(const Result& result) {
+    const ResultFamily family = result.kind().family;
+    return family == ResultFamily::Reference || family == ResultFamily::Fit;
+}
+
+/// Counts have no number for "no value".
+Outcome judgeBlanks(const Settings& form, const Analyzed2DRes& image) {
+    if (!form.savesTiff || !form.savesMasked || form.mask <= 0.0) {
+        return {};
+    }
+    const QVector<double> values = image.visibleValues();
+    const auto blank = std::count_if(values.begin(), values.end(),
+                                     [](double value) { return !std::isfinite(value); });
+    return blank == 0 ? Outcome()
+                      : Outcome::warning(Saving::tr("%1 of %2 pixels are blank: a 16-bit TIFF has "
+                                                    "0 there")
+                                             .arg(blank)
+                                             .arg(values.size()));
 }
 
 Outcome noPart() {
@@ -172,6 +194,45 @@ Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
                                    : outcome;
 }
 
+namespace {
+
+/// The values to save: all of them, or those that the mask leaves.
+Outcome saveValues(const Measurement& measurement, Result& result, const QString& fileName,
+                   const QString& asked) {
+    const Settings& form = measurement.settings();
+    Analyzed2DRes masked;
+    const bool isMasked = form.savesMasked && form.mask > 0.0 && isOfFit(result);
+    if (isMasked && !result.image.isMasked() && measurement.rehearsal() == nullptr) {
+        return Outcome::failure(
+            Saving::tr("no mask without error maps: run again with error maps"));
+    }
+    if (isMasked) {
+        masked.takeVisible(result.image);
+    }
+    Analyzed2DRes& image = isMasked ? masked : result.image;
+    const QString origin = originText(measurement, result, "save_data_as_tiff");
+    Rehearsal::Written written;
+    if (form.savesTiff) {
+        written = {Rehearsal::Kind::Frame, sizeInTiff(form.tiff, image.grid()), {}};
+    }
+    Outcome outcome = writeFile(
+        measurement, asGiven(fileName, asked),
+        [&] {
+            return form.savesTiff
+                       ? writeResultTiff(fileName, image, form.tiff, origin)
+                       : writeResultTable(fileName, image, form.table, headOf(result), origin);
+        },
+        written);
+    if (!outcome.failed()) {
+        outcome += judgement(measurement, result);
+        outcome += judgeForm(form, image.grid());
+        outcome += judgeBlanks(form, image);
+    }
+    return outcome;
+}
+
+}  // namespace
+
 Outcome saveData(const Measurement& measurement, const QString& fileName) {
     Result* result = measurement.selectedResult();
     if (result == nullptr && measurement.settings().shown == Shown::Map) {
@@ -183,29 +244,38 @@ Outcome saveData(const Measurement& measurement, const QString& fileName) {
     if (!result->image.hasData()) {
         return Outcome::failure(Saving::tr("the selected result holds no values"));
     }
-    if (!result->tookPart()) {
-        return noPart();
+    return result->tookPart() ? saveValues(measurement, *result, fileName, fileName) : noPart();
+}
+
+Outcome saveAllMaps(const Measurement& measurement, const QString& fileName) {
+    Outcome outcome;
+    QStringList said;
+    for (Result* result : measurement.results()) {
+        if (!result->tookPart()) {
+            continue;
+        }
+        QString tag = QString::fromLatin1(result->kind().name);
+        if (result->reference >= 0) {
+            tag += QStringLiteral("-%1").arg(result->reference);
+        }
+        Outcome saved = saveValues(measurement, *result, taggedName(fileName, tag), fileName);
+        // What holds for many of them is said once.
+        QStringList warnings;
+        for (const QString& warning : qAsConst(saved.warnings)) {
+            if (!said.contains(warning)) {
+                warnings << warning;
+            }
+        }
+        said += warnings;
+        saved.warnings = warnings;
+        outcome += saved;
+        if (outcome.failed()) {
+            break;
+        }
     }
-    const Settings& form = measurement.settings();
-    const QString origin = originText(measurement, *result, "save_data_as_tiff");
-    const AnalysisGrid& grid = result->image.grid();
-    Rehearsal::Written written;
-    if (form.savesTiff) {
-        written = {Rehearsal::Kind::Frame, sizeInTiff(form.tiff, grid), {}};
-    }
-    Outcome outcome = writeFile(
-        measurement, fileName,
-        [&] {
-            return form.savesTiff ? writeResultTiff(fileName, result->image, form.tiff, origin)
-                                  : writeResultTable(fileName, result->image, form.table,
-                                                     headOf(*result), origin);
-        },
-        written);
-    if (!outcome.failed()) {
-        outcome += judgement(measurement, *result);
-        outcome += judgeForm(form, grid);
-    }
-    return outcome;
+    return outcome.files.isEmpty() && !outcome.failed()
+               ? Outcome::failure(Saving::tr("there are no maps"))
+               : outcome;
 }
 
 Outcome saveSpectra(Measurement& measurement, const QString& fileName,

@@ -15,6 +15,9 @@ Outcome saveImageWithBar(Measurement& measurement, const QString& fileName);
 Outcome saveAllImages(const Measurement& measurement, const QString& fileName);
 /// The result selected, else the energy-shift map on display, in the form chosen.
 Outcome saveData(const Measurement& measurement, const QString& fileName);
+/// Every map that holds values, in the form chosen, each under the name with that of its kind and
+/// the number of its reference before the suffix: "-fraction-0", "-R".
+Outcome saveAllMaps(const Measurement& measurement, const QString& fileName);
 /// The spectrum at the position (none: fails), the standard and what else is given under names with
 /// "-1",
 /// "-2", ... before the suffix.

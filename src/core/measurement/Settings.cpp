@@ -1,6 +1,7 @@
 #include "measurement/Settings.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "spectra/Background.h"
 
@@ -36,4 +37,44 @@ int backgroundOfWord(const QString& word) {
         }
     }
     return -1;
+}
+
+namespace {
+
+constexpr const char* ConstraintWords[] = {"none", "nonnegative", "sum1", "both"};
+
+bool isWord(const QString& text, const char* word) {
+    return text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0;
+}
+
+}  // namespace
+
+QString constraintsWord(FitRule::Constraints constraints) {
+    return QString::fromLatin1(ConstraintWords[static_cast<std::size_t>(constraints)]);
+}
+
+std::optional<FitRule::Constraints> constraintsOfWord(const QString& word) {
+    int i = 0;
+    for (const char* own : ConstraintWords) {
+        if (isWord(word, own)) {
+            return static_cast<FitRule::Constraints>(i);
+        }
+        ++i;
+    }
+    return std::nullopt;
+}
+
+std::optional<ResultId> resultOfName(const QString& name) {
+    const auto kind =
+        std::find_if(ResultKinds.begin(), ResultKinds.end(),
+                     [&name](const ResultKind& each) { return isWord(name, each.name); });
+    return kind != ResultKinds.end() ? std::optional<ResultId>(kind->id) : std::nullopt;
+}
+
+std::optional<double> maskOfWord(const QString& word) {
+    if (isWord(word, "off")) {
+        return 0.0;
+    }
+    const double factor = inField(word.toDouble());
+    return std::isfinite(factor) && factor > 0.0 ? std::optional<double>(factor) : std::nullopt;
 }

@@ -2,8 +2,10 @@
 
 #include <QRectF>
 #include <QString>
+#include <optional>
 
 #include "fitting/LinearFit.h"
+#include "fitting/ResultKinds.h"
 #include "output/ResultWriter.h"
 
 // What a user chooses. Windows show these values and set them; batches and records speak of them.
@@ -20,6 +22,16 @@ inline double inField(double value) {
 QString backgroundWord(int background);
 /// The background that such a word names, in any case; -1 for none.
 int backgroundOfWord(const QString& word);
+
+/// The word of constraints in batches and records, and those that a word names, in any case.
+QString constraintsWord(FitRule::Constraints constraints);
+std::optional<FitRule::Constraints> constraintsOfWord(const QString& word);
+
+/// The kind of result that a name means, in any case.
+std::optional<ResultId> resultOfName(const QString& name);
+
+/// The mask that a batch asks for: 0 for "off"; none for what is neither this nor above 0.
+std::optional<double> maskOfWord(const QString& word);
 
 /// How energies are found in the names of a stack's files.
 struct NamePattern {
@@ -117,6 +129,9 @@ struct Settings {
     Shown shown = Shown::I1;
     int selected = -1;   ///< the result chosen: references, then the three of RA; -1: none
     int resultType = 0;  ///< of a reference: 0 DMut, 1 Ratio
+    /// The kind chosen in place of that of `selected` and `resultType`, which has no number; of a
+    /// reference: of the one selected.
+    std::optional<ResultId> namedKind;
     ViewRange viewRange;
     int plotOrdinate = 2;       ///< SpectrumPlot::Ordinate
     int plotAbscissa = 0;       ///< in UnitTable

@@ -256,7 +256,8 @@ void Body::say(const Outcome& outcome, const QString& file) {
 }
 
 void Body::sayOf(Work work, const Outcome& outcome, const QString& file) {
-    const bool isRun = work == Work::Calibrate || work == Work::Fit || work == Work::Residual;
+    const bool isRun = work == Work::Calibrate || work == Work::Fit || work == Work::Residual ||
+                       work == Work::Difference;
     if (isRun) {
         m_status->endNotice();  // that of the run before
     }
@@ -264,7 +265,7 @@ void Body::sayOf(Work work, const Outcome& outcome, const QString& file) {
     m_messages->take(outcome, file);
     if (work == Work::Calibrate) {
         m_calib->say(outcome);
-    } else if (work == Work::Fit || work == Work::Residual) {
+    } else if (isRun) {
         m_analyzer->say(outcome);
     }
 }

@@ -173,8 +173,8 @@ QImage ImagePane::markedPicture() {
     if (m_paintedOf != picture.cacheKey()) {
         m_paintedOf = picture.cacheKey();
         const Analyzed2DRes& image = result->image;
-        m_painted = withGapsMarked(picture, image.showsProc() ? image.proc() : image.data(),
-                                   image.grid().width, image.grid().height);
+        m_painted = withGapsMarked(picture, image.visibleValues().constData(), image.grid().width,
+                                   image.grid().height);
         if (m_painted.cacheKey() == picture.cacheKey()) {
             m_painted = QImage();  // no gaps; the memory of the picture is the result's
         }
@@ -261,7 +261,9 @@ void ImagePane::updateValueAndCrossSections() {
     } else if (result != nullptr) {
         width = result->image.grid().width;
         height = result->image.grid().height;
-        valueAt = [result](int column, int row) { return result->image.shownValueAt(column, row); };
+        valueAt = [result](int column, int row) {
+            return result->image.visibleValueAt(column, row);
+        };
     }
     const bool inside = x >= 0 && y >= 0 && x < width && y < height;
     const QString nothing = width > 0 ? QString() : QStringLiteral("0.0");

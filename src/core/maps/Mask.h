@@ -1,0 +1,13 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+class Analyzed2DRes;
+
+/// Which pixels of a result image show no number, row by row; null: none.
+using Mask = std::shared_ptr<const std::vector<bool>>;
+
+/// Blank where a value is not at least `factor` times its error, which counts for what is no number
+/// in either; both are images of one size. Null for images without values.
+Mask maskBelow(const Analyzed2DRes& value, const Analyzed2DRes& error, double factor);
