@@ -116,7 +116,7 @@ class FirstPaint : public QObject {
 
   private:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() != QEvent::Paint || m_painted >= 0 || m_body->imageWidth() <= 0) {
+        if (event->type() != QEvent::Paint || m_painted >= 0 || m_body->measurement().imageSize().isEmpty()) {
             return false;
         }
         watched->removeEventFilter(this);
