@@ -6,6 +6,8 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <climits>
+#include <cmath>
+#include <limits>
 #include <numeric>
 
 #include "Files.h"
@@ -36,8 +38,20 @@ struct Layout {
     quint32 samples = 1;
     quint32 fillOrder = 1;
     quint32 byteCountOff = 0;  // what the header says too little of each strip
+    bool isFloat = false;
 };
 Q_DECLARE_METATYPE(Layout)
+
+/// How another program writes an image of floats.
+struct Foreign {
+    const char* mode = "w";
+    quint16 bits = 32;
+    quint16 samples = 1;
+    quint16 format = SAMPLEFORMAT_IEEEFP;
+    quint16 compression = COMPRESSION_NONE;
+    bool tiled = false;
+};
+Q_DECLARE_METATYPE(Foreign)
 
 namespace {
 
@@ -60,7 +74,8 @@ QByteArray tiffOf(const Layout& layout) {
     const quint32 rowBytes = Columns * layout.samples * layout.bits / 8;
     const quint32 strips = (Rows + layout.rowsPerStrip - 1) / layout.rowsPerStrip;
     const quint32 stripBytes = rowBytes * layout.rowsPerStrip;
-    const quint32 arrays = 8 + 2 + 10 * 12 + 4;
+    const quint32 tags = layout.isFloat ? 11 : 10;
+    const quint32 arrays = 8 + 2 + tags * 12 + 4;
     const quint32 pixels = arrays + 8 * strips + 8;
     const auto offset = [&](quint32 s) {
         const quint32 place = layout.backwards ? strips - 1 - s : s;
@@ -68,7 +83,7 @@ QByteArray tiffOf(const Layout& layout) {
     };
     put(42, 2);
     put(8, 4);
-    put(10, 2);
+    put(tags, 2);
     tag(256, 1, Columns);
     tag(257, 1, Rows);
     tag(258, 1, layout.bits);
@@ -80,6 +95,9 @@ QByteArray tiffOf(const Layout& layout) {
     tag(278, 1, layout.rowsPerStrip);
     const quint32 byteCount = stripBytes - layout.byteCountOff;
     tag(279, strips, strips == 1 ? byteCount : arrays + 4 * strips);
+    if (layout.isFloat) {
+        tag(339, 1, 3);
+    }
     put(0, 4);
     for (quint32 s = 0; s < strips; ++s) {
         put(offset(s), 4);
@@ -91,6 +109,50 @@ QByteArray tiffOf(const Layout& layout) {
         out.append(static_cast<char>(37 * out.size() % 251));
     }
     return out;
+}
+
+/// The values 0.5, -1.25, 3, NaN, ... of an image of Columns x Rows.
+std::vector<float> someValues() {
+    std::vector<float> values;
+    for (quint32 i = 0; i < Columns * Rows; ++i) {
+        values.push_back(i % 4 == 3 ? std::numeric_limits<float>::quiet_NaN()
+                                    : 0.5f - 1.75f * float(i));
+    }
+    return values;
+}
+
+bool areSame(const std::vector<float>& a, const std::vector<float>& b) {
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](float x, float y) {
+               return x == y || (std::isnan(x) && std::isnan(y));
+           });
+}
+
+/// Those values as another program may write them.
+void putForeign(const QString& name, const Foreign& how) {
+    TIFF* tiff = TIFFOpen(name.toLatin1().constData(), how.mode);
+    QVERIFY(tiff != nullptr);
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, Columns);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, Rows);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, how.bits);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, how.samples);
+    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, how.format);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, how.compression);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    std::vector<float> values = someValues();
+    values.resize(16 * 16 * 4);  // enough for a tile, and for pixels of other kinds
+    if (how.tiled) {
+        TIFFSetField(tiff, TIFFTAG_TILEWIDTH, 16);
+        TIFFSetField(tiff, TIFFTAG_TILELENGTH, 16);
+        TIFFWriteEncodedTile(tiff, 0, values.data(), TIFFTileSize(tiff));
+    } else {
+        TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 2);
+        for (quint32 strip = 0; strip < Rows / 2; ++strip) {
+            TIFFWriteEncodedStrip(tiff, strip, values.data() + strip * 2 * Columns,
+                                  TIFFStripSize(tiff));
+        }
+    }
+    TIFFClose(tiff);
 }
 
 /// The rows as libtiff gives them one by one; those that it can not read are 0.
@@ -300,6 +362,105 @@ class TestTiffFile : public QObject {
             }
         }
         QVERIFY(read > 0);
+    }
+
+    void floatsComeBack_data() {
+        QTest::addColumn<QSize>("size");
+        QTest::newRow("a pixel") << QSize(1, 1);
+        QTest::newRow("wide") << QSize(300, 7);
+        QTest::newRow("tall, of several strips") << QSize(90, 1500);
+    }
+    void floatsComeBack() {
+        QFETCH(QSize, size);
+        QTemporaryDir dir;
+        const QString name = dir.filePath(QString::fromUtf8("値.tif"));
+        std::vector<float> values;
+        for (int i = 0; i < size.width() * size.height(); ++i) {
+            values.push_back(i % 5 == 4 ? std::numeric_limits<float>::quiet_NaN()
+                                        : 1.0f / float(i + 3));
+        }
+        const QString text = QString::fromUtf8("Tarnwick origin 1\nreference = 標準.dat\n");
+        QVERIFY(writeFloatTiff(name, size, values, text));
+        FloatTiff image;
+        QCOMPARE(readFloatTiff(name, &image), QString());
+        QCOMPARE(image.size, size);
+        QCOMPARE(image.description, text);
+        QVERIFY(areSame(image.values, values));
+        QVERIFY(contentOf(name).startsWith("II"));
+        TiffData frame;
+        QVERIFY(frame.load(name));
+        QCOMPARE(frame.refusal, QString("32-bit float, not 16-bit counts"));
+
+        const QByteArray old = contentOf(name);
+        QVERIFY(!writeFloatTiff(name, size + QSize(1, 0), values));  // more pixels than values
+        bool written = true;
+        {
+            const FullDisk full(100);
+            written = writeFloatTiff(name, size, std::vector<float>(values.size()));
+        }
+        QVERIFY(!written && contentOf(name) == old);
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 1);
+    }
+
+    void floatsOfOthers_data() {
+        QTest::addColumn<Foreign>("how");
+        QTest::addColumn<QString>("whyNot");
+        const auto row = [](const char* name, const char* whyNot, auto change) {
+            Foreign how;
+            change(&how);
+            QTest::newRow(name) << how << whyNot;
+        };
+        row("plain", "", [](Foreign*) {});
+        row("big-endian", "", [](Foreign* f) { f->mode = "wb"; });
+        row("compressed", "", [](Foreign* f) { f->compression = COMPRESSION_LZW; });
+        row("doubles", "64-bit float, not 32-bit float", [](Foreign* f) { f->bits = 64; });
+        row("counts", "16-bit integers, not 32-bit float",
+            [](Foreign* f) { f->bits = 16, f->format = SAMPLEFORMAT_UINT; });
+        row("three samples", "3 samples a pixel, not 1", [](Foreign* f) { f->samples = 3; });
+        row("tiled", "tiled, not in rows", [](Foreign* f) { f->tiled = true; });
+    }
+    /// Whole, and cut at every byte: the values or why there are none.
+    void floatsOfOthers() {
+        QFETCH(Foreign, how);
+        QFETCH(QString, whyNot);
+        QTemporaryDir dir;
+        const QString name = dir.filePath("a.tif");
+        putForeign(name, how);
+        FloatTiff image;
+        QCOMPARE(readFloatTiff(name, &image), whyNot);
+        QCOMPARE(areSame(image.values, someValues()), whyNot.isEmpty());
+        const QByteArray whole = contentOf(name);
+        for (int size = whole.size() - 1; size >= 0; --size) {
+            put(name, whole.left(size));
+            FloatTiff cut;
+            if (readFloatTiff(name, &cut).isEmpty()) {  // what was cut off says nothing
+                QVERIFY2(areSame(cut.values, someValues()), qPrintable(QString::number(size)));
+            } else {
+                QVERIFY(cut.values.empty());
+            }
+        }
+        QVERIFY(QFile::remove(name));
+        QVERIFY(!readFloatTiff(name, &image).isEmpty());
+    }
+
+    /// With the directory before the pixels, as other programs write it.
+    void cutFloatsAreNone() {
+        QTemporaryDir dir;
+        const QString name = dir.filePath("a.tif");
+        Layout layout;
+        layout.bits = 32;
+        layout.isFloat = true;
+        layout.rowsPerStrip = 2;
+        const QByteArray whole = tiffOf(layout);
+        put(name, whole);
+        FloatTiff image;
+        QCOMPARE(readFloatTiff(name, &image), QString());
+        put(name, whole.left(whole.size() - 1));
+        QCOMPARE(readFloatTiff(name, &image), QString("truncated: 5 of 6 rows"));
+        for (int size = whole.size() - 1; size >= 0; --size) {
+            put(name, whole.left(size));
+            QVERIFY(!readFloatTiff(name, &image).isEmpty());
+        }
     }
 
     /// Memory of rows that are side by side: a frame must not end another's.

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -52,123 +53,74 @@ TiffHandle openTiff(const QString& name, const char* mode) {
 /// Pixels are folded into the extremes in pieces that are still in the processor's cache.
 constexpr quint64 PieceBytes = 256 * 1024;
 
-/// Reads the rows of a sound file of the plainest kind (whole strips of uncompressed 16-bit counts)
-/// straight to where they belong. False for any other file, which is to be read row by row then:
-/// what is read here is what TIFFReadScanline() would have given for every row.
-class PlainReader {
-  public:
-    PlainReader(TIFF* tiff, quint32 width, quint32 height)
-        : m_tiff(tiff), m_width(width), m_height(height), m_rowBytes(quint64(width) * 2) {}
-
-    bool canRead() {
-        return TIFFIsTiled(m_tiff) == 0 && has(TIFFTAG_COMPRESSION, COMPRESSION_NONE) &&
-               has(TIFFTAG_BITSPERSAMPLE, 16) && has(TIFFTAG_SAMPLESPERPIXEL, 1) &&
-               has(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
-               has(TIFFTAG_FILLORDER, FILLORDER_MSB2LSB) && findRuns();
-    }
-
-    /// Into a frame that has its rows.
-    bool read(TiffData* frame) {
-        quint64 y = 0;
-        for (const Run& run : m_runs) {
-            if (TIFFGetSeekProc(m_tiff)(TIFFClientdata(m_tiff), run.offset, SEEK_SET) !=
-                run.offset) {
-                return false;
-            }
-            const quint64 step = std::max<quint64>(1, PieceBytes / m_rowBytes);
-            for (const quint64 end = y + run.rows; y < end;) {
-                const quint64 n = std::min(step, end - y);
-                if (!readPiece(frame, frame->rows[static_cast<std::size_t>(y)], n)) {
-                    return false;
-                }
-                y += n;
-            }
-        }
-        return true;
-    }
-
-  private:
-    /// Rows that lie one after another in the file: a strip, or several neighbours.
-    struct Run {
-        quint64 offset;
-        quint64 rows;
-    };
-
-    bool has(uint32_t tag, uint16_t value) const {
-        uint16_t found = 0;
-        return TIFFGetFieldDefaulted(m_tiff, tag, &found) == 1 && found == value;
-    }
-
-    /// The file's strips in order; false when one is not there as a whole.
-    bool findRuns() {
-        uint32_t rowsPerStrip = 0;
-        TIFFGetFieldDefaulted(m_tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
-        if (rowsPerStrip == 0 || m_rowBytes == 0) {
+/// Reads the rows of a sound file of the plainest kind (see plainRuns()) straight to where they
+/// belong: what is read here is what TIFFReadScanline() would have given for every row. False for
+/// what is not as long as it says.
+bool readPlain(TIFF* tiff, const std::vector<StripRun>& runs, TiffData* frame) {
+    const quint64 rowBytes = quint64(frame->width) * 2;
+    const quint64 step = std::max<quint64>(1, PieceBytes / rowBytes);
+    quint64 y = 0;
+    for (const StripRun& run : runs) {
+        if (TIFFGetSeekProc(tiff)(TIFFClientdata(tiff), run.offset, SEEK_SET) != run.offset) {
             return false;
         }
-        const quint64 fileBytes = TIFFGetSizeProc(m_tiff)(TIFFClientdata(m_tiff));
-        uint32_t strip = 0;
-        for (quint64 y = 0; y < m_height; y += rowsPerStrip, ++strip) {
-            const quint64 offset = TIFFGetStrileOffset(m_tiff, strip);
-            const quint64 bytes = TIFFGetStrileByteCount(m_tiff, strip);
-            const quint64 rows = std::min<quint64>(rowsPerStrip, m_height - y);
-            if (offset == 0 || bytes < rows * m_rowBytes || bytes > fileBytes ||
-                offset > fileBytes - bytes) {
+        for (const quint64 end = y + run.rows; y < end;) {
+            const quint64 n = std::min(step, end - y);
+            quint16* const counts = frame->rows[static_cast<std::size_t>(y)];
+            const auto bytes = static_cast<tmsize_t>(n * rowBytes);
+            if (TIFFGetReadProc(tiff)(TIFFClientdata(tiff), counts, bytes) != bytes) {
                 return false;
             }
-            if (!m_runs.empty() &&
-                m_runs.back().offset + m_runs.back().rows * m_rowBytes == offset) {
-                m_runs.back().rows += rows;
-            } else {
-                m_runs.push_back({offset, rows});
+            const auto pixels = static_cast<std::size_t>(n) * frame->width;
+            if (TIFFIsByteSwapped(tiff) != 0) {
+                TIFFSwabArrayOfShort(counts, static_cast<tmsize_t>(pixels));
             }
+            frame->foldIn(counts, pixels);
+            y += n;
         }
-        return true;
     }
-
-    bool readPiece(TiffData* frame, quint16* counts, quint64 rows) const {
-        const auto bytes = static_cast<tmsize_t>(rows * m_rowBytes);
-        if (TIFFGetReadProc(m_tiff)(TIFFClientdata(m_tiff), counts, bytes) != bytes) {
-            return false;
-        }
-        const auto n = static_cast<std::size_t>(rows) * m_width;
-        if (TIFFIsByteSwapped(m_tiff) != 0) {
-            TIFFSwabArrayOfShort(counts, static_cast<tmsize_t>(n));
-        }
-        frame->foldIn(counts, n);
-        return true;
-    }
-
-    TIFF* m_tiff;
-    quint32 m_width;
-    quint32 m_height;
-    quint64 m_rowBytes;
-    std::vector<Run> m_runs;
-};
-
-bool setTags(TIFF* tiff, quint32 width, int height, const QByteArray& description) {
-    return TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width) == 1 &&
-           TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height) == 1 &&
-           TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE) == 1 &&
-           TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK) == 1 &&
-           TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, width) == 1 &&
-           TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1) == 1 &&
-           TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 16) == 1 &&
-           TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == 1 &&
-           TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) == 1 &&
-           (description.isEmpty() ||
-            TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, description.constData()) == 1);
+    return true;
 }
 
-bool writeStrips(TIFF* tiff, int height, const quint16* data, quint64 dataCount) {
+/// What goes into a file.
+struct Pixels {
+    quint32 width;
+    int height;
+    quint16 bits;  ///< a pixel
+    quint16 format;
+    quint32 rowsPerStrip;
+    quint64 stride;  ///< from strip to strip in the data, in strips
+    const void* data;
+    quint64 dataBytes;
+    QByteArray description;
+
+    bool isEmpty() const { return width == 0 || height <= 0; }
+};
+
+bool setTags(TIFF* tiff, const Pixels& image) {
+    return TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, image.width) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, image.height) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, image.rowsPerStrip) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, image.bits) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == 1 &&
+           TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) == 1 &&
+           (image.format == SAMPLEFORMAT_UINT ||
+            TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, image.format) == 1) &&
+           (image.description.isEmpty() ||
+            TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, image.description.constData()) == 1);
+}
+
+bool writeStrips(TIFF* tiff, const Pixels& image) {
     uint32_t rowsPerStrip = 0;
     TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
-    if (rowsPerStrip == 0 || height <= 0) {
+    if (rowsPerStrip == 0 || image.isEmpty()) {
         return false;
     }
-    const quint64 rowCount = static_cast<quint64>(height);
-    const quint64 dataBytes = dataCount * sizeof(quint16);
-    const auto* bytes = reinterpret_cast<const char*>(data);
+    const quint64 rowCount = static_cast<quint64>(image.height);
+    const auto* bytes = static_cast<const char*>(image.data);
     std::vector<char> strip;
     quint64 place = 0;
     uint32_t s = 0;
@@ -176,37 +128,41 @@ bool writeStrips(TIFF* tiff, int height, const quint16* data, quint64 dataCount)
         const quint64 n = std::min<quint64>(rowsPerStrip, rowCount - r);
         const tmsize_t size = TIFFVStripSize(tiff, static_cast<uint32_t>(n));
         strip.assign(static_cast<std::size_t>(size), 0);
-        if (place < dataBytes) {
+        if (place < image.dataBytes) {
             std::memcpy(strip.data(), bytes + place,
-                        std::min<quint64>(static_cast<quint64>(size), dataBytes - place));
+                        std::min<quint64>(static_cast<quint64>(size), image.dataBytes - place));
         }
         if (TIFFWriteEncodedStrip(tiff, s, strip.data(), size) < 0) {
             return false;
         }
-        place += 2 * static_cast<quint64>(size);
+        place += image.stride * static_cast<quint64>(size);
     }
     return TIFFFlush(tiff) == 1;  // a full disk shows at the latest here
 }
 
 /// Writes beside the file and then takes its place, so that a failure leaves the old one whole.
-bool writeFile(const QString& name, quint32 width, int height, const quint16* data,
-               quint64 dataCount, const QByteArray& description = {}) {
+bool writeFile(const QString& name, const Pixels& image) {
     for (const QByteArray& path : pathsOf(name)) {
         WholeFile file(path);
-        TiffHandle tiff(file.isMade() ? TIFFOpen(file.part().constData(), "w") : nullptr);
+        TiffHandle tiff(file.isMade() ? TIFFOpen(file.part().constData(), "wl") : nullptr);
         if (file.isTaken()) {
             return false;
         }
         if (!tiff) {
             continue;
         }
-        const bool written = setTags(tiff.get(), width, height, description) &&
-                             writeStrips(tiff.get(), height, data, dataCount);
+        const bool written = setTags(tiff.get(), image) && writeStrips(tiff.get(), image);
         tiff.reset();
-        const bool withoutPixels = width == 0 || height <= 0;
-        return (written || withoutPixels) && file.putInPlace() && written;
+        return (written || image.isEmpty()) && file.putInPlace() && written;
     }
     return false;
+}
+
+/// See writeTiff(): strips of as many rows as the image is wide, taken from twice as far apart.
+bool writeCounts(const QString& name, quint32 width, int height, const quint16* data, quint64 count,
+                 const QString& origin) {
+    return writeFile(name, {width, height, 16, SAMPLEFORMAT_UINT, width, 2, data,
+                            count * sizeof(quint16), origin.toUtf8()});
 }
 
 }  // namespace
@@ -269,8 +225,8 @@ QString readFrom(TiffHandle tiff, const Open& open, TiffData* frame) {
     if (frame->rows.size() < height) {
         return QStringLiteral("Not enough memory");
     }
-    PlainReader plain(tiff.get(), width, height);
-    if (!(plain.canRead() && plain.read(frame))) {
+    const std::vector<StripRun> runs = plainRuns(tiff.get(), width, height);
+    if (runs.empty() || !readPlain(tiff.get(), runs, frame)) {
         tiff.reset();
         const quint32 rows =
             readByRow(open("r").get(), static_cast<std::size_t>(lineBytes), rowBytes, frame);
@@ -365,15 +321,55 @@ QString readTiffFrom(QIODevice& in, TiffData* frame) {
 
 bool writeTiff(const QString& name, quint32 width, int height, const quint16* data,
                const QString& origin) {
-    return writeFile(name, width, height, data, static_cast<quint64>(std::max(0, height)) * width,
-                     origin.toUtf8());
+    return writeCounts(name, width, height, data, static_cast<quint64>(std::max(0, height)) * width,
+                       origin);
+}
+
+bool writeFloatTiff(const QString& name, const QSize& size, const std::vector<float>& values,
+                    const QString& origin) {
+    const auto pixels = static_cast<quint64>(size.width()) * static_cast<quint64>(size.height());
+    if (size.isEmpty() || values.size() != pixels || pixels > TiffData::maxPixels) {
+        return false;
+    }
+    const quint64 rowBytes = static_cast<quint64>(size.width()) * sizeof(float);
+    const auto rows = static_cast<quint32>(std::max<quint64>(1, PieceBytes / rowBytes));
+    return writeFile(name, {static_cast<quint32>(size.width()), size.height(), 32,
+                            SAMPLEFORMAT_IEEEFP, std::min(rows, quint32(size.height())), 1,
+                            values.data(), pixels * sizeof(float), origin.toUtf8()});
+}
+
+QString readFloatTiff(const QString& name, FloatTiff* image) {
+    const TiffHandle tiff = openTiff(name, "rm");
+    if (!tiff) {
+        return FrameHeader::tr("a TIFF file without an image");
+    }
+    const FrameHeader header = floatTiffHeader(tiff.get());
+    if (!header.refusal.isEmpty()) {
+        return header.refusal;
+    }
+    FloatTiff read;
+    read.size = QSize(static_cast<int>(header.width), static_cast<int>(header.height));
+    read.description = descriptionIn(tiff.get());
+    try {
+        read.values.resize(static_cast<std::size_t>(header.width) * header.height);
+    } catch (const std::bad_alloc&) {
+        return FrameHeader::tr("too large an image");
+    }
+    for (quint32 y = 0; y < header.height; ++y) {
+        float* const row = read.values.data() + static_cast<std::size_t>(y) * header.width;
+        if (TIFFReadScanline(tiff.get(), row, y, 0) != 1) {
+            return FrameHeader::tr("damaged: %1 of %2 rows can be decoded")
+                .arg(y)
+                .arg(header.height);
+        }
+    }
+    *image = std::move(read);
+    return QString();
 }
 
 QString tiffDescription(const QString& name) {
     const TiffHandle tiff = openTiff(name, "rm");
-    const char* text = nullptr;
-    const bool found = tiff && TIFFGetField(tiff.get(), TIFFTAG_IMAGEDESCRIPTION, &text) == 1;
-    return found ? QString::fromUtf8(text) : QString();
+    return tiff ? descriptionIn(tiff.get()) : QString();
 }
 
 bool writeConstTiff(const QString& name, quint32 width, quint32 height, quint16 value) {
@@ -383,7 +379,7 @@ bool writeConstTiff(const QString& name, quint32 width, quint32 height, quint16 
         return false;
     }
     const std::vector<quint16> values(static_cast<std::size_t>(count), value);
-    return writeFile(name, width, static_cast<int>(height), values.data(), count);
+    return writeCounts(name, width, static_cast<int>(height), values.data(), count, {});
 }
 
 bool writeOnesTiff(const QString& name, quint32 width, quint32 height) {

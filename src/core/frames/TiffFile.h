@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QSize>
 #include <QString>
+#include <vector>
 
 /// Writes width x height 16-bit values, row after row, as an uncompressed single-channel TIFF.
 ///
@@ -16,6 +18,24 @@
 /// without one the file has none.
 bool writeTiff(const QString& name, quint32 width, int height, const quint16* data,
                const QString& origin = {});
+
+/// An image of values, one 32-bit float a pixel.
+struct FloatTiff {
+    QSize size;
+    std::vector<float> values;  ///< row by row; not a number: blank
+    QString description;        ///< the text of its origin, or of another program
+};
+
+/// Writes values of any shape, row by row, as an uncompressed single-channel TIFF of 32-bit floats
+/// (IEEE, little endian), with the text of their origin as writeTiff() does. Whole or not at all;
+/// false on failure and where the values are not as many as the pixels.
+bool writeFloatTiff(const QString& name, const QSize& size, const std::vector<float>& values,
+                    const QString& origin = {});
+
+/// Reads such a file, of either byte order and any compression that libtiff knows. Returns why it
+/// cannot, in one phrase (no TIFF file, other samples, cut, damaged ...), and leaves the image
+/// then.
+QString readFloatTiff(const QString& name, FloatTiff* image);
 
 /// The description in a TIFF file, of which no pixel is read; empty where there is none, or where
 /// the file cannot be opened as TIFF.

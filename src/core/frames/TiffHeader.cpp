@@ -36,15 +36,27 @@ QString kindOfSamples(TIFF* tiff) {
     }
 }
 
+/// What the samples are, where they are not floats of 32 bits, one a pixel.
+QString kindOtherThanFloat(TIFF* tiff) {
+    const int bits = tagOf(tiff, TIFFTAG_BITSPERSAMPLE);
+    const int samples = tagOf(tiff, TIFFTAG_SAMPLESPERPIXEL);
+    if (samples != 1) {
+        return FrameHeader::tr("%1 samples a pixel, not 1").arg(samples);
+    }
+    if (tagOf(tiff, TIFFTAG_SAMPLEFORMAT) != SAMPLEFORMAT_IEEEFP) {
+        return FrameHeader::tr("%1-bit integers, not 32-bit float").arg(bits);
+    }
+    return bits == 32 ? QString() : FrameHeader::tr("%1-bit float, not 32-bit float").arg(bits);
+}
+
 /// What the strips of a file hold.
 struct Strips {
-    quint64 rows = 0;       ///< of 16-bit counts; a compressed strip is there as a whole or not
+    quint64 rows = 0;       ///< a compressed strip is there as a whole or not
     bool isBeyond = false;  ///< one is to end behind the file's end
 };
 
-Strips stripsInFile(TIFF* tiff, quint32 width, quint32 height, bool isPlain) {
+Strips stripsInFile(TIFF* tiff, quint64 rowBytes, quint32 height, bool isPlain) {
     const quint64 fileBytes = TIFFGetSizeProc(tiff)(TIFFClientdata(tiff));
-    const quint64 rowBytes = quint64(width) * 2;
     uint32_t rowsPerStrip = 0;
     TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
     Strips found;
@@ -64,14 +76,14 @@ Strips stripsInFile(TIFF* tiff, quint32 width, quint32 height, bool isPlain) {
     return found;
 }
 
-QString refusalOf(TIFF* tiff, quint32 width, quint32 height) {
+/// @param kind what is wrong with the samples, which should have so many bytes a pixel
+QString refusalOf(TIFF* tiff, quint32 width, quint32 height, const QString& kind, quint64 bytes) {
     if (width == 0 || height == 0) {
         return FrameHeader::tr("an image without pixels");
     }
     if (isTooLarge(tiff, width, height)) {
         return FrameHeader::tr("too large an image");
     }
-    const QString kind = kindOfSamples(tiff);
     if (!kind.isEmpty()) {
         return kind;
     }
@@ -82,7 +94,8 @@ QString refusalOf(TIFF* tiff, quint32 width, quint32 height) {
     if (TIFFIsCODECConfigured(static_cast<uint16_t>(compression)) == 0) {
         return FrameHeader::tr("a compression that is not known (%1)").arg(compression);
     }
-    const Strips strips = stripsInFile(tiff, width, height, compression == COMPRESSION_NONE);
+    const Strips strips =
+        stripsInFile(tiff, width * bytes, height, compression == COMPRESSION_NONE);
     if (strips.rows < height) {
         return FrameHeader::tr("truncated: %1 of %2 rows").arg(strips.rows).arg(height);
     }
@@ -106,6 +119,20 @@ QStringList remarksOn(TIFF* tiff) {
     return remarks;
 }
 
+FrameHeader headerOf(TIFF* tiff, const QString& kind, quint64 bytes) {
+    FrameHeader header;
+    TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &header.height);
+    TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &header.width);
+    header.refusal = refusalOf(tiff, header.width, header.height, kind, bytes);
+    header.remarks = remarksOn(tiff);
+    return header;
+}
+
+bool has(TIFF* tiff, uint32_t tag, uint16_t value) {
+    uint16_t found = 0;
+    return TIFFGetFieldDefaulted(tiff, tag, &found) == 1 && found == value;
+}
+
 }  // namespace
 
 bool isTooLarge(TIFF* tiff, quint32 width, quint32 height) {
@@ -117,10 +144,45 @@ bool isTooLarge(TIFF* tiff, quint32 width, quint32 height) {
 }
 
 FrameHeader tiffHeader(TIFF* tiff) {
-    FrameHeader header;
-    TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &header.height);
-    TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &header.width);
-    header.refusal = refusalOf(tiff, header.width, header.height);
-    header.remarks = remarksOn(tiff);
-    return header;
+    return headerOf(tiff, kindOfSamples(tiff), sizeof(quint16));
+}
+
+FrameHeader floatTiffHeader(TIFF* tiff) {
+    return headerOf(tiff, kindOtherThanFloat(tiff), sizeof(float));
+}
+
+QString descriptionIn(TIFF* tiff) {
+    const char* text = nullptr;
+    return TIFFGetField(tiff, TIFFTAG_IMAGEDESCRIPTION, &text) == 1 ? QString::fromUtf8(text)
+                                                                    : QString();
+}
+
+std::vector<StripRun> plainRuns(TIFF* tiff, quint32 width, quint32 height) {
+    uint32_t rowsPerStrip = 0;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
+    const quint64 rowBytes = quint64(width) * 2;
+    if (TIFFIsTiled(tiff) != 0 || !has(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE) ||
+        !has(tiff, TIFFTAG_BITSPERSAMPLE, 16) || !has(tiff, TIFFTAG_SAMPLESPERPIXEL, 1) ||
+        !has(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) ||
+        !has(tiff, TIFFTAG_FILLORDER, FILLORDER_MSB2LSB) || rowsPerStrip == 0 || rowBytes == 0) {
+        return {};
+    }
+    const quint64 fileBytes = TIFFGetSizeProc(tiff)(TIFFClientdata(tiff));
+    std::vector<StripRun> runs;
+    uint32_t strip = 0;
+    for (quint64 y = 0; y < height; y += rowsPerStrip, ++strip) {
+        const quint64 offset = TIFFGetStrileOffset(tiff, strip);
+        const quint64 bytes = TIFFGetStrileByteCount(tiff, strip);
+        const quint64 rows = std::min<quint64>(rowsPerStrip, height - y);
+        if (offset == 0 || bytes < rows * rowBytes || bytes > fileBytes ||
+            offset > fileBytes - bytes) {
+            return {};
+        }
+        if (!runs.empty() && runs.back().offset + runs.back().rows * rowBytes == offset) {
+            runs.back().rows += rows;
+        } else {
+            runs.push_back({offset, rows});
+        }
+    }
+    return runs;
 }
