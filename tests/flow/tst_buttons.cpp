@@ -1,3 +1,4 @@
+#include <QAction>
 #include <QCheckBox>
 #include <QImage>
 #include <QTemporaryDir>
@@ -154,11 +155,15 @@ class TestButtons : public QObject {
     }
 
     void theCalibrationWindowMakesKeepsAndClearsTheMap() {
+        auto* asImage = m_body->findChild<QAction*>("actionSaveMapImage");
+        QVERIFY(!asImage->isEnabled() && asImage->toolTip().contains("no energy-shift map"));
         press("ExecCalib");
         QTRY_VERIFY(std::abs(shiftAt(4, 1) - shiftAt(0, 1)) > 1.0);
         QVERIFY(std::abs(shiftAt(2, 2)) > 0.8 * Glitch);
         choose("SaveMap", file("map.emp"));
         QVERIFY(contentOf(file("map.emp")).startsWith("###Tarnwick::TWEM"));
+        asImage->trigger();
+        answer({file("map.image")});
         // Of the map for good: nothing else is processed by it.
         press("NormalizeEShift");
         QTRY_VERIFY(std::abs(shiftAt(2, 2)) < 5.0);
@@ -166,6 +171,9 @@ class TestButtons : public QObject {
         press("ClearMap");
         QCOMPARE(shiftAt(4, 1), 0.0);
         choose("LoadMap", file("map.emp"));
+        QTRY_VERIFY(std::abs(shiftAt(4, 1) - kept) < 0.02);
+        press("ClearMap");
+        choose("LoadMap", file("map.image.tif"));
         QTRY_VERIFY(std::abs(shiftAt(4, 1) - kept) < 0.02);
         QVERIFY(std::abs(shiftAt(2, 2)) > 0.8 * Glitch);
     }

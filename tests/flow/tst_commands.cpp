@@ -497,6 +497,7 @@ void TestCommands::addSaveDataCases() {
              return rows.size() == Size && rows.first().split(' ').size() == Size &&
                     rows.first().startsWith("0 0 ");
          });
+    add("saveDataCfg_save_as_float", {}, inCfg("SaveAsFloat"), inCfg("SaveAsText"));
     addField("saveDataCfg_tiff_scale_min", [this] { return text(saveCfg(), "TiffScaleMin"); });
     addField("saveDataCfg_tiff_scale_max", [this] { return text(saveCfg(), "TiffScaleMax"); });
     addFlag("saveDataCfg_tiff_fix_scale", inCfg("TiffFixScale"));

@@ -126,6 +126,31 @@ class TestEnergyCorrection : public QObject {
         QVERIFY(isRight(fitted()));
     }
 
+    /// As an image a map keeps its bins and, once its shifts are floats, every bit of them.
+    void aMapSavedAsAnImageCorrectsAsItself() {
+        const auto again = [this](const char* name) {
+            const QString map = m_phantom->file(name);
+            run({"calib_save_map " + map, "calib_clear_map", "calib_load_map " + map});
+            return m_body->measurement().map().image.values();
+        };
+        run({"set_band_w 1", "calib_exec"});
+        const QVector<double> measured = m_body->measurement().map().image.values();
+        const AnalysisGrid grid = m_body->measurement().map().image.grid();
+        const QVector<double> loaded = again("drift.tif");
+        for (int i = 0; i < measured.size(); ++i) {
+            QCOMPARE(loaded[i], double(float(measured[i])));
+        }
+        const double right = fitted();
+        QVERIFY(isRight(right));
+        QCOMPARE(again("again.tif"), loaded);
+        const AnalysisGrid now = m_body->measurement().map().image.grid();
+        QCOMPARE((QVector<int>{now.halfW, now.halfH, now.x0, now.x1, now.y0, now.y1}),
+                 (QVector<int>{grid.halfW, grid.halfH, grid.x0, grid.x1, grid.y0, grid.y1}));
+        QCOMPARE(fitted(), right);
+        run({"save_record " + m_phantom->file("done.bat")});
+        QVERIFY(contentOf(m_phantom->file("done.bat")).contains("\ncalib_load_map again.tif\n"));
+    }
+
     /// However a reference gets its offset, and whatever is done to it afterwards.
     void theReferencesOffsetIsTakenOffOnce() {
         run({"calib_exec"});

@@ -1,7 +1,10 @@
 #include <sys/stat.h>
 
+#include <limits>
+
 #include "OutcomeCase.h"
 #include "TinyStacks.h"
+#include "frames/TiffFile.h"
 
 namespace {
 
@@ -35,6 +38,15 @@ Make squareImages(int withoutEdge) {
             return quint16(frame > 10 && x >= withoutEdge ? 20000 : 40000);
         });
         writeTinyStack(".", "t0", 4, 4, energies, [](int, int, int) { return quint16(50000); });
+    };
+}
+
+/// A TIFF file of 12 x 8 floats, one of them as given, with the text of an origin.
+Make mapImage(float value, const QString& origin = QString(), QSize size = {12, 8}) {
+    return [=] {
+        std::vector<float> values(std::size_t(size.width() * size.height()), 0.5f);
+        values[17] = value;
+        QVERIFY(writeFloatTiff("map.emp", size, values, origin));  // the content decides
     };
 }
 
@@ -117,6 +129,54 @@ class TestMapsJudged : public QObject {
     }
     void mapFiles() { m_cases.judge(); }
 
+    void mapImages_data() {
+        OutcomeCases::declare();
+        const auto add = OutcomeCases::add;
+        const QString load = "LOAD\ncalib_load_map map.emp";
+        const QString withMap = "LOAD\ncalib_load_std a.dat\ncalib_exec\n";
+        const QString again = withMap + "calib_save_map x.TIFF\ncalib_clear_map\n";
+        const float nan = std::numeric_limits<float>::quiet_NaN();
+        add("any shape", {}, again + "calib_load_map x.TIFF", "done", "");
+        add("before the images", {}, again + "clear_I1_files\ncalib_load_map x.TIFF", "done", "");
+        add("a fit with it", {}, again + "calib_load_map x.TIFF\nREFS\nanalyzer_exec_LCF", "done",
+            "");
+        add("no map", {}, "LOAD\ncalib_save_map x.tif", "failed", "there is no energy map");
+        add("edge energies", {}, "LOAD\ncalib_exec\ncalib_save_map x.tif", "failed",
+            "shifts above 1000 eV");
+        add("of before", {}, withMap + "set_band_h 9\ncalib_exec\ncalib_save_map x.tif", "warning",
+            "of the run before");
+        add("no frame", {}, again + "load_I1_files ADD x.TIFF", "failed", "x.TIFF");
+        const QString asFloat =
+            "analyzer_select_image 0\nsaveDataCfg_save_as_float\nsave_data_as_tiff y.tif\n"
+            "calib_load_map y.tif";
+        add("saved as a result", {}, withMap + "select_disp_image 2\n" + asFloat.section('\n', 1),
+            "done", "");
+        add("another result", {}, "LOAD\nREFS\nanalyzer_exec_LCF\n" + asFloat, "failed",
+            "not an energy map: y.tif");
+        add("counts", {}, load.section('\n', 0, 0) + "\ncalib_load_map i1-7100_000eV.tif", "failed",
+            "not an energy map: i1-7100_000eV.tif .16-bit integers, not 32-bit float.");
+        add("one without an origin", mapImage(-3.5f), load, "done", "");
+        add("blank", mapImage(nan), load, "warning",
+            "^warning: 1 values are no numbers and count as no shift: map.emp$");
+        add("infinite", mapImage(-std::numeric_limits<float>::infinity()), load, "failed",
+            "above 1000 eV: map.emp");
+        add("too large", mapImage(1001.0f), load, "failed", "above 1000 eV: map.emp");
+        add("of another size", mapImage(0.0f, {}, {8, 12}), load, "failed",
+            "^failed: not of the images' size: map.emp$");
+        add("of another result", mapImage(0.0f, "Tarnwick origin 1\nresult = Ratio\n"), load,
+            "failed", "not an energy map: map.emp .Ratio.");
+        add(
+            "cut",
+            [] {
+                mapImage(0.0f)();
+                put("map.emp", contentOf("map.emp").left(200));
+            },
+            load, "failed", "not an energy map: map.emp .a TIFF file without an image.");
+        add(
+            "not even TIFF", [] { put("map.emp", "MM"); }, load, "failed", "not an energy map");
+    }
+    void mapImages() { m_cases.judge(); }
+
     void results_data() {
         OutcomeCases::declare();
         const auto add = OutcomeCases::add;
@@ -141,7 +201,11 @@ class TestMapsJudged : public QObject {
             "analyzer_select_image 0\nsaveDataCfg_tiff_as_analyzed 1\n";
         add("taller than wide", {}, narrow + save, "warning", "taller than wide.*float TIFF");
         add("as a table", {}, narrow + "saveDataCfg_save_as_text\n" + save, "done", "");
+        add("as floats", {}, narrow + "saveDataCfg_save_as_float\n" + save, "done", "");
         add("wider than tall", {}, tall + save, "done", "");
+        add("a scale too wide", {},
+            tall + "saveDataCfg_tiff_fix_scale 1\nsaveDataCfg_tiff_scale_max 1e4\n" + save,
+            "warning", "^warning: the range leaves \\d of 65535 steps for the middle 90 %");
         const QString noSpectrum =
             "LOAD\ncalib_load_std a.dat\nmove_position 50 3\nsave_spectra x.dat";
         add("no spectrum", {}, noSpectrum, "failed", "no spectrum at the position");

@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QImage>
 #include <QTemporaryDir>
+#include <cmath>
 #include <limits>
 
 #include "Files.h"
@@ -8,6 +9,7 @@
 #include "TestMain.h"
 #include "files/PictureFile.h"
 #include "frames/TiffData.h"
+#include "frames/TiffFile.h"
 #include "maps/AnalysisGrid.h"
 #include "maps/Analyzed2DRes.h"
 #include "output/FlatDark.h"
@@ -46,6 +48,8 @@ QVector<QVector<int>> countsOf(const QString& name) {
 }
 
 }  // namespace
+
+Q_DECLARE_METATYPE(TiffOptions)
 
 class TestResultWriter : public QObject {
     Q_OBJECT
@@ -113,6 +117,87 @@ class TestResultWriter : public QObject {
         QVERIFY(writeResultTiff(name, result, options));
         // 0..1 with the value far below cut off, not wrapped.
         QCOMPARE(countsOf(name), (QVector<QVector<int>>{{0, 21845}, {65535, 0}}));
+    }
+
+    void floats_data() {
+        columns<int, int, bool>("width", "height", "asAnalyzed");
+        QTest::newRow("wide") << 60 << 8 << false;
+        QTest::newRow("tall") << 6 << 200 << false;
+        QTest::newRow("bins of a tall area") << 9 << 40 << true;
+    }
+    /// The very values, each at its place, whatever the shape; no scale acts.
+    void floats() {
+        QFETCH(int, width);
+        QFETCH(int, height);
+        QFETCH(bool, asAnalyzed);
+        const double inf = std::numeric_limits<double>::infinity();
+        const double odd[] = {kNan, inf, -1e300, 1e-60, 1.0 / 3.0};
+        Analyzed2DRes result;
+        result.setGrid(AnalysisGrid::ofArea(width, height, 1, 0, QRectF(0, 1, width, height - 2)));
+        result.clear();
+        int n = 0;
+        forEachPoint(result.grid(), [&](int x, int y) {
+            result.setData(x, y, 1, 0, n % 7 < 5 ? odd[n % 7] : -5.25 * n);
+            ++n;
+        });
+        result.setFixedScale(true);
+        const QString name = path("floats.tif");
+        QVERIFY(writeResultFloat(name, result, asAnalyzed, "Tarnwick origin 1\n"));
+        FloatTiff image;
+        QCOMPARE(readFloatTiff(name, &image), QString());
+        QCOMPARE(image.size, asAnalyzed ? QSize(width / 3, height - 2) : QSize(width, height));
+        QCOMPARE(image.description, QString("Tarnwick origin 1\n"));
+        for (int y = 0; y < image.size.height(); ++y) {
+            for (int x = 0; x < image.size.width(); ++x) {
+                const double value =
+                    asAnalyzed ? result.valueAt(1 + 3 * x, 1 + y) : result.valueAt(x, y);
+                const float read = image.values[std::size_t(y * image.size.width() + x)];
+                const float nearest = value == -1e300 ? -std::numeric_limits<float>::infinity()
+                                                      : static_cast<float>(value);
+                QVERIFY(read == nearest || (std::isnan(read) && std::isnan(value)));
+            }
+        }
+    }
+
+    void steps_data() {
+        columns<QVector<double>, TiffOptions, int>("values", "options", "steps");
+        QVector<double> even;
+        for (int i = 0; i <= 99; ++i) {
+            even << i / 99.0;
+        }
+        QVector<double> wild = even;
+        wild[7] = 1000.0;
+        wild[8] = kNan;
+        wild[9] = std::numeric_limits<double>::infinity();
+        QVector<double> few(100, 2.0);
+        few[3] = 900.0;
+        const TiffOptions own;
+        const TiffOptions fixed{true, 0.0, 1000.0, false};
+        const TiffOptions above{true, 0.5, 1.5, true};
+        QTest::newRow("their own range") << even << own << 58915;  // 89 of 99
+        QTest::newRow("a wild one") << wild << own << 60;
+        QTest::newRow("a wide scale") << even << fixed << 58;
+        QTest::newRow("a scale without width") << even << TiffOptions{true, 1.0, 1.0, false} << 0;
+        QTest::newRow("cut to a scale") << even << above << 29457;
+        QTest::newRow("all below a scale") << even << TiffOptions{true, 3.0, 4.0, true} << 0;
+        QTest::newRow("all one value") << QVector<double>(100, 2.0) << own << -1;
+        QTest::newRow("all but one") << few << own << -1;
+        QTest::newRow("two values") << QVector<double>{1.0, 2.0} << own << 65535;
+        QTest::newRow("no number") << QVector<double>(100, kNan) << own << -1;
+    }
+    /// Of the bins: the pixels around them, here of 0, do not count.
+    void steps() {
+        QFETCH(QVector<double>, values);
+        QFETCH(TiffOptions, options);
+        QFETCH(int, steps);
+        Analyzed2DRes result;
+        const int n = values.size();
+        result.setGrid(AnalysisGrid::ofArea(n, 9, 0, 0, QRectF(0, 4, n, 1)));
+        result.clear();
+        for (int x = 0; x < n; ++x) {
+            result.setData(x, 4, 0, 0, values.at(x));
+        }
+        QCOMPARE(stepsInTiff(result, options).value_or(-1), steps);
     }
 
     void tables_data() {
@@ -206,6 +291,10 @@ class TestResultWriter : public QObject {
         QVERIFY(contentOf(name).endsWith("# value range = 0 2\n0,0,0\n1,1,1\n2,2,2\n"));
         QVERIFY(writeResultTiff(tiff, result, TiffOptions()));
         QCOMPARE(countsOf(tiff).value(1), QVector<int>(3, 32767));
+        QVERIFY(writeResultFloat(tiff, result, false));
+        FloatTiff image;
+        QVERIFY(readFloatTiff(tiff, &image).isEmpty());
+        QCOMPARE(image.values, (std::vector<float>{0, 0, 0, 1, 1, 1, 2, 2, 2}));
     }
 
     void failedSavesLeaveTheOldFile() {
@@ -214,6 +303,7 @@ class TestResultWriter : public QObject {
         Analyzed2DRes nothing;
         QVERIFY(!writeResultTable(name, nothing, TableOptions(), {}));
         QVERIFY(!writeResultTiff(name, nothing, TiffOptions()));
+        QVERIFY(!writeResultFloat(name, nothing, false));
         QCOMPARE(contentOf(name), QByteArray("the old one"));
 
         Analyzed2DRes result;

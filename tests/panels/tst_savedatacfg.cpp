@@ -23,7 +23,7 @@ class TestSaveDataCfg : public QObject {
         QCOMPARE(dialog.suffix(), QStringLiteral("tif"));
         QVERIFY(dialog.nameFilters().value(0).contains(QLatin1String("(*.tif)")));
         press("SaveAsText", &dialog);
-        QVERIFY(!settings.savesTiff);
+        QVERIFY(settings.dataForm == DataForm::Text);
         QCOMPARE(dialog.suffix(), QStringLiteral("dat"));
         QVERIFY(dialog.nameFilters().value(0).contains(QLatin1String("(*.dat)")));
         // Each pair is a group of its own: choosing one leaves the other two as they are.
@@ -31,14 +31,17 @@ class TestSaveDataCfg : public QObject {
         QVERIFY((settings.table == TableOptions{Separator::Blank, Layout::Points, false}));
         press("Vals", &dialog);
         QVERIFY((settings.table == TableOptions{Separator::Blank, Layout::Rows, false}));
-        QVERIFY(!settings.savesTiff);
+        QVERIFY(settings.dataForm == DataForm::Text);
+        press("SaveAsFloat", &dialog);
+        QVERIFY(settings.dataForm == DataForm::FloatTiff && dialog.savesAsTiff());
+        QCOMPARE(dialog.suffix(), QStringLiteral("tif"));
         press("AsAnalyzed", &dialog);
         QVERIFY(settings.table.asAnalyzed && settings.tiff.asAnalyzed);
         press("CloseButton", &dialog);
         QVERIFY(!dialog.isVisible());
 
         // And the other way round.
-        measurement.set(&Settings::savesTiff, true);
+        measurement.set(&Settings::dataForm, DataForm::Tiff);
         measurement.set(&Settings::table, TableOptions{Separator::Comma, Layout::Rows, false});
         measurement.set(&Settings::tiff, TiffOptions{true, -1.5, 1.0, false});
         for (const char* name : {"SaveAsTiff", "CSV", "Vals", "TiffFixScale"}) {
@@ -62,6 +65,9 @@ class TestSaveDataCfg : public QObject {
         press("SaveAsText", &dialog);
         QVERIFY(!minimum->isEnabled() && !maximum->isEnabled() && comma->isEnabled());
         QVERIFY(control<QCheckBox>("AsAnalyzed", &dialog)->isEnabled());
+        press("SaveAsFloat", &dialog);
+        QVERIFY(!minimum->isEnabled() && !comma->isEnabled());
+        QVERIFY(minimum->toolTip().contains("Save as Tiff"));
         press("SaveAsTiff", &dialog);
         QVERIFY(minimum->isEnabled() && maximum->isEnabled() && !comma->isEnabled());
     }

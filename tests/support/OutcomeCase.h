@@ -129,7 +129,8 @@ class OutcomeCases {
     static Ends endsOf(const QString& text, const char* pattern) {
         static const QRegularExpression onlyInTheRun(
             "have no counts at some energy|most shifts are above|have no edge|"
-            "percentiles of the frame are equal|are saturated|can be decoded");
+            "percentiles of the frame are equal|are saturated|can be decoded|"
+            "of 65535 steps");
         Ends ends;
         const QRegularExpression line(pattern, QRegularExpression::MultilineOption);
         QRegularExpressionMatchIterator it = line.globalMatch(text);

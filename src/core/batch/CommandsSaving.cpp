@@ -20,7 +20,12 @@ void setTiff(Action& a, T TiffOptions::*option, T value) {
     a.measurement.set(&Settings::tiff, tiff);
 }
 
-/// One choice for both forms.
+template <DataForm Form>
+void setForm(Action& a) {
+    a.measurement.set(&Settings::dataForm, Form);
+}
+
+/// One choice for all forms.
 void setAsAnalyzed(Action& a) {
     setTiff(a, &TiffOptions::asAnalyzed, a.args.flag(0));
     setTable(a, &TableOptions::asAnalyzed, a.args.flag(0));
@@ -105,20 +110,9 @@ void addSaveFormCommands(std::vector<CommandRow>* rows) {
          false,
          Work::None,
          [](Action& a) { a.measurement.askForWindow(Measurement::Window::SaveForm); }},
-        {39,
-         "saveDataCfg_save_as_tiff",
-         {},
-         0,
-         false,
-         Work::None,
-         [](Action& a) { a.measurement.set(&Settings::savesTiff, true); }},
-        {40,
-         "saveDataCfg_save_as_text",
-         {},
-         0,
-         false,
-         Work::None,
-         [](Action& a) { a.measurement.set(&Settings::savesTiff, false); }},
+        {39, "saveDataCfg_save_as_tiff", {}, 0, false, Work::None, setForm<DataForm::Tiff>},
+        {40, "saveDataCfg_save_as_text", {}, 0, false, Work::None, setForm<DataForm::Text>},
+        {83, "saveDataCfg_save_as_float", {}, 0, false, Work::None, setForm<DataForm::FloatTiff>},
         {41,
          "saveDataCfg_tiff_fix_scale",
          {K::Flag},

@@ -115,8 +115,9 @@ void presentSettings(RecordWriter& w, const Measurement& m) {
     for (const ResultId id : {ResultId::DMut, ResultId::Ratio}) {
         w.scaleOf(resultKind(id), s);
     }
-    w.saveForm(s, !s.savesTiff);
-    w.saveForm(s, s.savesTiff);
+    const bool isTiff = dataForm(s.dataForm).isTiff;
+    w.saveForm(s, isTiff ? DataForm::Text : DataForm::Tiff);
+    w.saveForm(s, isTiff ? DataForm::Tiff : DataForm::Text);
     w.put(QStringLiteral("corrected"), QStringLiteral("set_spectra_corrected"),
           {s.correctedSpectra ? QStringLiteral("1") : QStringLiteral("0")});
     w.put(QStringLiteral("each row"), QStringLiteral("analyzer_set_disp_on_time"),
@@ -161,13 +162,16 @@ RecordLines recordOf(const Measurement& measurement, const Result& result, const
     }
     RecordWriter writer(originFolder(inputs));
     makeAgain(writer, measurement, result);
+    if (savedBy == QLatin1String("calib_save_map")) {
+        return withRemark(writer);  // the map itself, whatever is on display
+    }
     writer.show(result);
     const bool isOfFit = result.run && result.run->work == Work::Fit;
     if (savedBy == QLatin1String("save_data_as_tiff")) {
         if (isOfFit && measurement.settings().savesMasked) {
             writer.mask(measurement.settings());
         }
-        writer.saveForm(measurement.settings(), measurement.settings().savesTiff);
+        writer.saveForm(measurement.settings(), measurement.settings().dataForm);
     } else {
         if (isOfFit) {
             writer.mask(measurement.settings());

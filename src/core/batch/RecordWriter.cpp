@@ -70,7 +70,7 @@ RecordWriter::RecordWriter(const QString& folder) : m_folder(folder) {
     atStart("dmut max", "analyzer_set_dMut_scale_max", {fieldText(s.dMutMax)});
     atStart("ratio min", "analyzer_set_ratio_scale_min", {fieldText(s.ratioMin)});
     atStart("ratio max", "analyzer_set_ratio_scale_max", {fieldText(s.ratioMax)});
-    atStart("form", "saveDataCfg_save_as_tiff", {});
+    atStart("form", dataForm(s.dataForm).command, {});
     atStart("tiff fixed", "saveDataCfg_tiff_fix_scale", {flag(s.tiff.fixedScale)});
     atStart("tiff min", "saveDataCfg_tiff_scale_min", {fieldText(s.tiff.scaleMin)});
     atStart("tiff max", "saveDataCfg_tiff_scale_max", {fieldText(s.tiff.scaleMax)});
@@ -331,13 +331,15 @@ void RecordWriter::mask(const Settings& s) {
         {s.mask > 0.0 ? fieldText(s.mask) : QStringLiteral("off")});
 }
 
-void RecordWriter::saveForm(const Settings& s, bool ofTiff) {
-    put(QStringLiteral("form"), s.savesTiff ? QStringLiteral("saveDataCfg_save_as_tiff")
-                                            : QStringLiteral("saveDataCfg_save_as_text"));
+void RecordWriter::saveForm(const Settings& s, DataForm form) {
+    put(QStringLiteral("form"), QString::fromLatin1(dataForm(s.dataForm).command));
     put(QStringLiteral("masked"), QStringLiteral("saveDataCfg_masked"), {flag(s.savesMasked)});
     put(QStringLiteral("as analyzed"), QStringLiteral("saveDataCfg_tiff_as_analyzed"),
         {flag(s.tiff.asAnalyzed)});
-    if (ofTiff) {
+    if (form == DataForm::FloatTiff) {
+        return;
+    }
+    if (form == DataForm::Tiff) {
         put(QStringLiteral("tiff fixed"), QStringLiteral("saveDataCfg_tiff_fix_scale"),
             {flag(s.tiff.fixedScale)});
         if (s.tiff.fixedScale) {

@@ -35,8 +35,8 @@ class RecordWriter {
     void show(const Result& result);
     void scaleOf(const ResultKind& kind, const Settings& settings);
     void mask(const Settings& settings);
-    /// The form in which results are saved, with the options of TIFF files or of tables.
-    void saveForm(const Settings& settings, bool ofTiff);
+    /// The form in which results are saved, with the options of one of the forms.
+    void saveForm(const Settings& settings, DataForm form);
     void viewRange(const ViewRange& range);
 
     /// A line, unless the same one is in force under this key.

@@ -92,10 +92,6 @@ bool isUsable(double edgeEnergy, double spacing) {
            std::isfinite(edgeEnergy) && braggAngle(edgeEnergy, spacing) > 0.0;
 }
 
-bool isUsableShift(double shift) {
-    return std::abs(shift) <= kMostShift;  // false for what is no number
-}
-
 /// The shifts that belong to the angles behind a header, row by row; what the file says too little
 /// or too much is noted in *reading. Stops at a shift that cannot be.
 std::vector<double> readShifts(QTextStream& stream, double edgeEnergy, double spacing,
@@ -127,37 +123,6 @@ std::vector<double> readShifts(QTextStream& stream, double edgeEnergy, double sp
         shifts.resize(size_t(pixels), shiftOf(0.0));
     }
     return shifts;
-}
-
-/// Whether the map has the size of the image, which is set where there is none.
-bool fits(const QSize& size, QSize* imageSize) {
-    if (size == *imageSize) {
-        return true;
-    }
-    if (imageSize->width() >= 0 || imageSize->height() >= 0) {
-        qDebug().noquote()
-            << QStringLiteral(
-                   "Loading Energy Map size : %1 x %2 : is not matched to the current image size : "
-                   "%3 x %4")
-                   .arg(size.width())
-                   .arg(size.height())
-                   .arg(imageSize->width())
-                   .arg(imageSize->height());
-        return false;
-    }
-    *imageSize = size;
-    return true;
-}
-
-void fill(Analyzed2DRes* map, const AnalysisGrid& grid, const std::vector<double>& shifts) {
-    map->startOver(grid);
-    for (int y = 0; y < grid.height; ++y) {
-        for (int x = 0; x < grid.width; ++x) {
-            map->setData(x, y, 0, 0, shifts[size_t(y) * size_t(grid.width) + size_t(x)]);
-        }
-    }
-    map->updateExtremes();
-    map->genImg();
 }
 
 void writeHeader(QTextStream& out, const AnalysisGrid& grid, const EMapInfo& info) {
@@ -203,6 +168,40 @@ void writeAngles(QTextStream& out, const Analyzed2DRes& map, const EMapInfo& inf
 }
 
 }  // namespace
+
+bool isUsableShift(double shift) {
+    return std::abs(shift) <= kMostShift;  // false for what is no number
+}
+
+bool fitsImage(const QSize& size, QSize* imageSize) {
+    if (size == *imageSize) {
+        return true;
+    }
+    if (imageSize->width() >= 0 || imageSize->height() >= 0) {
+        qDebug().noquote()
+            << QStringLiteral(
+                   "Loading Energy Map size : %1 x %2 : is not matched to the current image size : "
+                   "%3 x %4")
+                   .arg(size.width())
+                   .arg(size.height())
+                   .arg(imageSize->width())
+                   .arg(imageSize->height());
+        return false;
+    }
+    *imageSize = size;
+    return true;
+}
+
+void putShifts(Analyzed2DRes* map, const AnalysisGrid& grid, const std::vector<double>& shifts) {
+    map->startOver(grid);
+    for (int y = 0; y < grid.height; ++y) {
+        for (int x = 0; x < grid.width; ++x) {
+            map->setData(x, y, 0, 0, shifts[size_t(y) * size_t(grid.width) + size_t(x)]);
+        }
+    }
+    map->updateExtremes();
+    map->genImg();
+}
 
 EMPHeader readEMapHeader(QTextStream& stream) {
     EMPHeader header;
@@ -261,7 +260,8 @@ EMapReading readEMap(const QString& fileName, double edgeEnergy, QSize* imageSiz
         reading.refusal = EMapRefusal::EdgeEnergy;
     }
     QSize size = *imageSize;
-    if (reading.refusal == EMapRefusal::None && !fits(QSize(header.width, header.height), &size)) {
+    if (reading.refusal == EMapRefusal::None &&
+        !fitsImage(QSize(header.width, header.height), &size)) {
         reading.refusal = EMapRefusal::OtherSize;
         return reading;
     }
@@ -276,7 +276,7 @@ EMapReading readEMap(const QString& fileName, double edgeEnergy, QSize* imageSiz
         return reading;
     }
     *imageSize = size;
-    fill(map, gridOf(header), shifts);
+    putShifts(map, gridOf(header), shifts);
     debugTimed(QStringLiteral("End Reading EMP file   "));
     return reading;
 }

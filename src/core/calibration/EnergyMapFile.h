@@ -2,7 +2,9 @@
 
 #include <QSize>
 #include <QString>
+#include <vector>
 
+struct AnalysisGrid;
 class Analyzed2DRes;
 class QTextStream;
 class Spectrum;
@@ -50,10 +52,22 @@ enum class EMapRefusal {
 /// How a map file was read.
 struct EMapReading {
     EMapRefusal refusal = EMapRefusal::None;
-    qint64 missing = 0;    ///< values that the file ends before
-    qint64 noNumbers = 0;  ///< texts in place of values
-    bool goesOn = false;   ///< more follows than belongs to the map
+    qint64 missing = 0;       ///< values that the file ends before
+    qint64 noNumbers = 0;     ///< texts in place of values
+    bool goesOn = false;      ///< more follows than belongs to the map
+    bool ofAnyShape = false;  ///< the file's kind takes images that are not square
+    QString why;              ///< of NoMap, in one phrase; empty: nothing more is known
 };
+
+/// Whether a shift, in eV, can be one; false for what is no number.
+bool isUsableShift(double shift);
+
+/// Whether a map has the size of the images, which is set where none are loaded (negative); else
+/// one debug line.
+bool fitsImage(const QSize& size, QSize* imageSize);
+
+/// Makes a map of shifts, row by row, as many as the pixels of the grid.
+void putShifts(Analyzed2DRes* map, const AnalysisGrid& grid, const std::vector<double>& shifts);
 
 /// Replaces @p map by the one in the file. The angles become shifts with @p edgeEnergy (eV) when it
 /// is above 0, else with the file's own edge energy, and with the file's d-spacing.

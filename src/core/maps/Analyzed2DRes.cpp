@@ -94,8 +94,14 @@ void Analyzed2DRes::setMask(const Mask& mask) {
 
 void Analyzed2DRes::takeVisible(const Analyzed2DRes& other) {
     startOver(other.grid());
+    m_mask = other.m_mask;
+    m_showProc = other.m_showProc;
     m_data = other.visibleValues();
     updateExtremes();
+    if (m_showProc) {
+        m_proc = m_data;
+        setProcRange(m_dataMin, m_dataMax);
+    }
 }
 
 void Analyzed2DRes::setProcRange(double min, double max) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "calibration/EnergyMapTiff.h"
 #include "calibration/EnergyShift.h"
 #include "maps/Analyzed2DRes.h"
 #include "spectra/XafsSpectrum.h"
@@ -106,15 +107,15 @@ Outcome judgeShifts(const Analyzed2DRes& map, const CalibrationEdges& edges) {
 
 namespace {
 
-QString whyRefused(EMapRefusal refusal, const QSize& images) {
-    switch (refusal) {
+QString whyRefused(const EMapReading& reading, const QSize& images) {
+    switch (reading.refusal) {
         case EMapRefusal::NoFile:
             return Calibration::tr("cannot be read: %1");
         case EMapRefusal::NoMap:
             return Calibration::tr("not an energy map: %1");
         case EMapRefusal::OtherSize:
-            if (images.width() != images.height()) {
-                return Calibration::tr("only maps of square images load: %1");
+            if (!reading.ofAnyShape && images.width() != images.height()) {
+                return Calibration::tr("only maps of square images load from .emp: %1");
             }
             return Calibration::tr("not of the images' size: %1");
         case EMapRefusal::EdgeEnergy:
@@ -131,7 +132,9 @@ QString whyRefused(EMapRefusal refusal, const QSize& images) {
 
 Outcome judgeMapFile(const EMapReading& reading, const QString& fileName, const QSize& size) {
     if (reading.refusal != EMapRefusal::None) {
-        return Outcome::failure(whyRefused(reading.refusal, size).arg(fileName));
+        const QString text = whyRefused(reading, size).arg(fileName);
+        return Outcome::failure(
+            reading.why.isEmpty() ? text : text + QStringLiteral(" (%1)").arg(reading.why));
     }
     Outcome outcome =
         Outcome::note(Calibration::tr("Loaded %1").arg(QFileInfo(fileName).fileName()));
@@ -175,4 +178,14 @@ Outcome judgeMapToSave(const Analyzed2DRes& map, const EMapInfo& info) {
                : Outcome::warning(
                      Calibration::tr("only maps of square images load from .emp; a float TIFF "
                                      "takes any shape"));
+}
+
+Outcome judgeTiffMapToSave(const Analyzed2DRes& map) {
+    if (!map.hasData()) {
+        return Outcome::failure(Calibration::tr("there is no energy map"));
+    }
+    return refusalOfTiff(map) == EMapRefusal::None
+               ? Outcome()
+               : Outcome::failure(Calibration::tr(
+                     "no program could load the map: it holds shifts above 1000 eV"));
 }

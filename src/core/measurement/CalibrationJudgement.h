@@ -28,3 +28,5 @@ Outcome judgeMapFile(const EMapReading& reading, const QString& fileName, const 
 
 /// Of a map that is to be saved; failed: nothing could read the file.
 Outcome judgeMapToSave(const Analyzed2DRes& map, const EMapInfo& info);
+/// Of one that is to be saved as TIFF.
+Outcome judgeTiffMapToSave(const Analyzed2DRes& map);

@@ -7,6 +7,7 @@
 
 #include "absorption/AbsorptionSource.h"
 #include "base/Globals.h"
+#include "calibration/EnergyMapTiff.h"
 #include "calibration/EnergyShift.h"
 #include "measurement/CalibrationJudgement.h"
 #include "measurement/Revision.h"
@@ -148,9 +149,10 @@ Outcome Measurement::loadMap(const QString& fileName) {
     QSize size = m_size;
     auto loaded = std::make_unique<Result>(ResultId::Shift);
     const Rehearsal::Written* written = m_rehearsal ? m_rehearsal->find(fileName) : nullptr;
-    const EMapReading reading = written != nullptr
-                                    ? Rehearsal::readMap(*written, &size, &loaded->image)
-                                    : readEMap(fileName, edgeEnergy(), &size, &loaded->image);
+    const EMapReading reading =
+        written != nullptr    ? Rehearsal::readMap(*written, &size, &loaded->image)
+        : isTiffMap(fileName) ? readTiffMap(fileName, &size, &loaded->image)
+                              : readEMap(fileName, edgeEnergy(), &size, &loaded->image);
     if (reading.refusal == EMapRefusal::None) {
         stopCalibration();
         MapInput input;

@@ -10,8 +10,6 @@
 
 namespace {
 
-using Entries = QVector<QPair<QString, QString>>;
-
 QString exact(double value) {
     return QString::number(value, 'g', QLocale::FloatingPointShortest);
 }
@@ -25,7 +23,7 @@ QString timesText(int times) {
 /// Writes entries with a prefix before each key.
 class Writer {
   public:
-    Writer(Entries* entries, QString folder, QString prefix = {})
+    Writer(OriginEntries* entries, QString folder, QString prefix = {})
         : m_entries(entries), m_folder(std::move(folder)), m_prefix(std::move(prefix)) {}
 
     void add(const char* key, const QString& value) {
@@ -49,7 +47,7 @@ class Writer {
     }
 
   private:
-    Entries* m_entries;
+    OriginEntries* m_entries;
     QString m_folder;
     QString m_prefix;
 };
@@ -127,6 +125,21 @@ void Writer::inputs(const Inputs& in, Work work) {
     map(in.map);
 }
 
+/// Whether the processed values are those that are saved; an energy map keeps its own.
+bool savesProcessed(const Result& result, const QString& savedBy) {
+    return result.image.showsProc() && savedBy != QLatin1String("calib_save_map");
+}
+
+/// The bins of a map that no run at hand has made, so that a reader finds them where a run's are.
+void gridOf(Writer* writer, const AnalysisGrid& grid) {
+    Inputs bins;
+    bins.halfWidth = grid.halfW;
+    bins.halfHeight = grid.halfH;
+    const Area area{grid.x0, grid.y0, grid.x1, grid.y1};
+    bins.area = area == Area{0, 0, grid.width, grid.height} ? Area() : area;
+    writer->area(bins);
+}
+
 /// What the result of no run came from: an energy map that was loaded.
 Inputs loadedMap(const Measurement& measurement) {
     Inputs in;
@@ -163,7 +176,31 @@ QString nameInHead(const FileInput& file, const Inputs& inputs) {
                                            : file.name;
 }
 
-OriginText originOf(const Measurement& measurement, const Result& result, const QString& savedBy) {
+OriginEntries meaningOfCounts(const Result& result, const TiffOptions& form) {
+    const TiffRange range = rangeInTiff(result.image, form);
+    const auto text = [&](double value) {
+        return exact(value) + QLatin1Char(' ') + QString::fromLatin1(result.kind().unit);
+    };
+    const bool hasRange = form.fixedScale || range.low <= range.high;
+    OriginEntries meaning{
+        {QStringLiteral("counts 0"), hasRange ? text(range.low) : QStringLiteral("nan")},
+        {QStringLiteral("counts 65535"), hasRange ? text(range.high) : QStringLiteral("nan")},
+        {QStringLiteral("blank"), QStringLiteral("0")}};
+    if (form.fixedScale) {
+        meaning.append({QStringLiteral("outside"), form.asAnalyzed
+                                                       ? QStringLiteral("cut")
+                                                       : QStringLiteral("wrapped around")});
+    }
+    return meaning;
+}
+
+OriginEntries meaningOfFloats() {
+    return {{QStringLiteral("values"), QStringLiteral("32-bit float")},
+            {QStringLiteral("blank"), QStringLiteral("nan")}};
+}
+
+OriginText originOf(const Measurement& measurement, const Result& result, const QString& savedBy,
+                    const OriginEntries& meaning) {
     OriginText origin;
     const Inputs inputs = result.run ? result.run->inputs : loadedMap(measurement);
     Writer writer(&origin.entries, originFolder(inputs));
@@ -171,6 +208,7 @@ OriginText originOf(const Measurement& measurement, const Result& result, const 
     writer.add("result", QString::fromLatin1(result.kind().source));
     writer.add("title", QString::fromLatin1(result.kind().title));
     writer.add("unit", QString::fromLatin1(result.kind().unit));
+    origin.entries += meaning;
     if (const ReferenceInput* reference = result.referenceInput()) {
         writer.add("of reference", relativeTo(originFolder(inputs), reference->file.path));
     }
@@ -182,7 +220,7 @@ OriginText originOf(const Measurement& measurement, const Result& result, const 
         writer.add("remark", QString::fromLatin1(differenceText(difference)));
     }
     QString processed = QStringLiteral("no");
-    if (result.image.showsProc()) {
+    if (savesProcessed(result, savedBy)) {
         processed = result.deglitched ? QStringLiteral("deglitched %1 %2")
                                             .arg(fieldText(result.deglitched->factor),
                                                  fieldText(result.deglitched->ratio))
@@ -196,6 +234,9 @@ OriginText originOf(const Measurement& measurement, const Result& result, const 
     }
     if (!result.run) {
         writer.map(inputs.map);
+        if (savedBy == QLatin1String("calib_save_map")) {
+            gridOf(&writer, result.image.grid());
+        }
     } else {
         writer.inputs(inputs, result.run->work);
         if (result.id == ResultId::Shift && measurement.mapInput()) {

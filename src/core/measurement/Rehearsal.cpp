@@ -58,10 +58,12 @@ void Rehearsal::describe(const QString& fileName, TiffData* frame) const {
 
 EMapReading Rehearsal::readMap(const Written& file, QSize* imageSize, Analyzed2DRes* map) {
     EMapReading reading;
-    const bool isSquare = file.size.width() == file.size.height();  // the header has one size
-    if (file.kind != Kind::Map) {
+    reading.ofAnyShape = file.kind == Kind::TiffMap;
+    // The header of the other kind has one size.
+    const bool isTaken = reading.ofAnyShape || file.size.width() == file.size.height();
+    if (file.kind != Kind::Map && file.kind != Kind::TiffMap) {
         reading.refusal = EMapRefusal::NoMap;
-    } else if (!isSquare || (imageSize->width() >= 0 && *imageSize != file.size)) {
+    } else if (!isTaken || (imageSize->width() >= 0 && *imageSize != file.size)) {
         reading.refusal = EMapRefusal::OtherSize;
     } else {
         *imageSize = file.size;

@@ -14,7 +14,7 @@ struct TiffData;
 /// would end: frames are read by their headers, nothing is analysed and nothing is written.
 class Rehearsal {
   public:
-    enum class Kind { Frame, Spectrum, Map, Other };
+    enum class Kind { Frame, Spectrum, Map, TiffMap, Other };
 
     /// A file that would be there.
     struct Written {

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "calibration/EnergyMapFile.h"
+#include "calibration/EnergyMapTiff.h"
 #include "drawing/BarPicture.h"
 #include "drawing/PlotPicture.h"
 #include "files/FileNames.h"
@@ -55,13 +55,67 @@ QSize sizeInTiff(const TiffOptions& form, const AnalysisGrid& grid) {
                            : QSize(grid.width, grid.height);
 }
 
+constexpr int FewestSteps = 64;
+
 /// What the form makes of the values.
-Outcome judgeForm(const Settings& form, const AnalysisGrid& grid) {
-    const QSize size = sizeInTiff(form.tiff, grid);
-    return form.savesTiff && size.height() > size.width()
-               ? Outcome::warning(Saving::tr("a 16-bit TIFF taller than wide has shifted rows; a "
-                                             "table or a float TIFF has not"))
-               : Outcome();
+Outcome judgeForm(const Settings& form, const Analyzed2DRes& image) {
+    Outcome outcome;
+    if (form.dataForm != DataForm::Tiff) {
+        return outcome;
+    }
+    const QSize size = sizeInTiff(form.tiff, image.grid());
+    if (size.height() > size.width()) {
+        outcome.warnings << Saving::tr(
+            "a 16-bit TIFF taller than wide has shifted rows; a "
+            "table or a float TIFF has not");
+    }
+    const std::optional<int> steps = stepsInTiff(image, form.tiff);
+    if (steps && *steps < FewestSteps) {
+        outcome.warnings << Saving::tr(
+            "the range leaves %n of 65535 steps for the middle 90 % of the "
+            "values; a table or a float TIFF keeps them as they are",
+            nullptr, *steps);
+    }
+    return outcome;
+}
+
+/// What the file of a result would be to those that read it.
+Rehearsal::Written writtenAs(const Settings& form, const Result& result) {
+    const QSize size = sizeInTiff(form.tiff, result.image.grid());
+    if (form.dataForm == DataForm::Tiff) {
+        return {Rehearsal::Kind::Frame, size, {}};
+    }
+    const bool isMap = form.dataForm == DataForm::FloatTiff && result.id == ResultId::Shift;
+    return isMap ? Rehearsal::Written{Rehearsal::Kind::TiffMap, size, {}} : Rehearsal::Written();
+}
+
+/// What the head of a result's table says of where it comes from.
+QVector<HeaderLine> headOf(const Result& result) {
+    QVector<HeaderLine> lines{
+        {QStringLiteral("source"), QString::fromLatin1(result.kind().source)}};
+    if (const ReferenceInput* reference = result.referenceInput()) {
+        lines.append(
+            {QStringLiteral("reference file"), nameInHead(reference->file, result.run->inputs)});
+    }
+    return lines;
+}
+
+bool writeData(const Measurement& measurement, const QString& fileName, Result& result) {
+    const Settings& form = measurement.settings();
+    const auto origin = [&](const OriginEntries& meaning) {
+        return originOf(measurement, result, QStringLiteral("save_data_as_tiff"), meaning).toText();
+    };
+    switch (form.dataForm) {
+        case DataForm::Tiff:
+            return writeResultTiff(fileName, result.image, form.tiff,
+                                   origin(meaningOfCounts(result, form.tiff)));
+        case DataForm::FloatTiff:
+            return writeResultFloat(fileName, result.image, form.tiff.asAnalyzed,
+                                    origin(meaningOfFloats()));
+        case DataForm::Text:
+            break;
+    }
+    return writeResultTable(fileName, result.image, form.table, headOf(result), origin({}));
 }
 
 bool isOfFit(const Result& result) {
@@ -71,7 +125,7 @@ bool isOfFit(const Result& result) {
 
 /// Counts have no number for "no value".
 Outcome judgeBlanks(const Settings& form, const Analyzed2DRes& image) {
-    if (!form.savesTiff || !form.savesMasked || form.mask <= 0.0) {
+    if (form.dataForm != DataForm::Tiff || !image.isMasked() || !form.savesMasked) {
         return {};
     }
     const QVector<double> values = image.visibleValues();
@@ -142,17 +196,6 @@ Outcome savePicture(Measurement& measurement, const QString& fileName, const QIm
     return outcome;
 }
 
-/// What the head of a result's table says of where it comes from.
-QVector<HeaderLine> headOf(const Result& result) {
-    QVector<HeaderLine> lines{
-        {QStringLiteral("source"), QString::fromLatin1(result.kind().source)}};
-    if (const ReferenceInput* reference = result.referenceInput()) {
-        lines.append(
-            {QStringLiteral("reference file"), nameInHead(reference->file, result.run->inputs)});
-    }
-    return lines;
-}
-
 }  // namespace
 
 Outcome saveImage(Measurement& measurement, const QString& fileName) {
@@ -196,37 +239,30 @@ Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
 
 namespace {
 
-/// The values to save: all of them, or those that the mask leaves.
+/// All values, or those that the mask leaves.
 Outcome saveValues(const Measurement& measurement, Result& result, const QString& fileName,
                    const QString& asked) {
     const Settings& form = measurement.settings();
-    Analyzed2DRes masked;
     const bool isMasked = form.savesMasked && form.mask > 0.0 && isOfFit(result);
     if (isMasked && !result.image.isMasked() && measurement.rehearsal() == nullptr) {
         return Outcome::failure(
             Saving::tr("no mask without error maps: run again with error maps"));
     }
+    Result masked(result.id, result.reference);
     if (isMasked) {
-        masked.takeVisible(result.image);
+        masked.run = result.run;
+        masked.deglitched = result.deglitched;
+        masked.isOfBefore = result.isOfBefore;
+        masked.image.takeVisible(result.image);
     }
-    Analyzed2DRes& image = isMasked ? masked : result.image;
-    const QString origin = originText(measurement, result, "save_data_as_tiff");
-    Rehearsal::Written written;
-    if (form.savesTiff) {
-        written = {Rehearsal::Kind::Frame, sizeInTiff(form.tiff, image.grid()), {}};
-    }
+    Result& saved = isMasked ? masked : result;
     Outcome outcome = writeFile(
         measurement, asGiven(fileName, asked),
-        [&] {
-            return form.savesTiff
-                       ? writeResultTiff(fileName, image, form.tiff, origin)
-                       : writeResultTable(fileName, image, form.table, headOf(result), origin);
-        },
-        written);
+        [&] { return writeData(measurement, fileName, saved); }, writtenAs(form, saved));
     if (!outcome.failed()) {
-        outcome += judgement(measurement, result);
-        outcome += judgeForm(form, image.grid());
-        outcome += judgeBlanks(form, image);
+        outcome += judgement(measurement, saved);
+        outcome += judgeForm(form, saved.image);
+        outcome += judgeBlanks(form, saved.image);
     }
     return outcome;
 }
@@ -327,7 +363,35 @@ Outcome savePlot(Measurement& measurement, const QString& fileName) {
     return outcome;
 }
 
+namespace {
+
+Outcome saveMapAsTiff(const Measurement& measurement, const QString& fileName) {
+    const Result& map = measurement.map();
+    Outcome outcome = judgeTiffMapToSave(map.image);
+    if (outcome.failed()) {
+        return outcome;
+    }
+    outcome += writeFile(
+        measurement, fileName,
+        [&] {
+            return writeTiffMap(
+                fileName, map.image,
+                originOf(measurement, map, QStringLiteral("calib_save_map"), meaningOfFloats())
+                    .toText());
+        },
+        {Rehearsal::Kind::TiffMap, QSize(map.image.grid().width, map.image.grid().height), {}});
+    if (!outcome.failed()) {
+        outcome += judgement(measurement, map);
+    }
+    return outcome;
+}
+
+}  // namespace
+
 Outcome saveMap(const Measurement& measurement, const QString& fileName) {
+    if (isTiffMapName(fileName)) {
+        return saveMapAsTiff(measurement, fileName);
+    }
     EMapInfo info;
     info.imageSize = measurement.imageSize();
     info.edgeEnergy = edgeEnergyForMap(measurement.standard(), measurement.edgeEnergy());

@@ -26,7 +26,8 @@ Outcome saveSpectra(Measurement& measurement, const QString& fileName,
 /// The plot of the spectrum at the position: PDF with that suffix, else a picture. Needs a
 /// QGuiApplication for its letters.
 Outcome savePlot(Measurement& measurement, const QString& fileName);
-/// The energy-shift map as changes of the Bragg angle.
+/// The energy-shift map as changes of the Bragg angle; under a name with .tif or .tiff, as a float
+/// TIFF of the shifts in eV.
 Outcome saveMap(const Measurement& measurement, const QString& fileName);
 /// "flat.dat" and "dark.dat" of the images' size, in the present folder.
 Outcome saveFlatDark(const Measurement& measurement);

@@ -3,6 +3,8 @@
 #include <QRectF>
 #include <QString>
 #include <optional>
+#include <array>
+#include <cstddef>
 
 #include "fitting/LinearFit.h"
 #include "fitting/ResultKinds.h"
@@ -87,6 +89,26 @@ struct ViewRange {
 /// What is on display; the ids of select_disp_image.
 enum class Shown { I1 = 0, I0 = 1, Map = 2, Result = 3 };
 
+/// The form in which the values of a result are saved.
+enum class DataForm { Tiff, Text, FloatTiff };
+
+/// One form: the command that chooses it.
+struct DataFormRow {
+    DataForm form;
+    const char* command;
+    bool isTiff;
+};
+
+/// All forms, in the order of DataForm.
+inline constexpr std::array DataForms{
+    DataFormRow{DataForm::Tiff, "saveDataCfg_save_as_tiff", true},
+    DataFormRow{DataForm::Text, "saveDataCfg_save_as_text", false},
+    DataFormRow{DataForm::FloatTiff, "saveDataCfg_save_as_float", true},
+};
+inline constexpr const DataFormRow& dataForm(DataForm form) {
+    return DataForms[static_cast<std::size_t>(form)];
+}
+
 struct Settings {
     NamePattern names[2];  ///< by StackId
     int halfWidth = 10;    ///< of a bin, in pixels; counts by magnitude
@@ -121,7 +143,7 @@ struct Settings {
     double deglitchFactor = 2.0;
     double deglitchRatio = 0.1;
 
-    bool savesTiff = true;
+    DataForm dataForm = DataForm::Tiff;
     TiffOptions tiff;
     TableOptions table;
     bool correctedSpectra = true;  ///< energies of saved spectra less the energy correction

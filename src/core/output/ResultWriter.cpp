@@ -1,6 +1,9 @@
 #include "output/ResultWriter.h"
 
 #include <QSaveFile>
+#include <algorithm>
+#include <cmath>
+#include <limits>
 #include <memory>
 
 #include "files/WholeFile.h"
@@ -76,7 +79,21 @@ struct Raster {
     qint64 position(qint64 i) const { return first + step * i; }
 };
 
-QByteArray rowText(const Analyzed2DRes& result, qint64 y, const Raster& columns,
+/// The positions of the values that are saved.
+struct Positions {
+    Raster columns;
+    Raster rows;
+};
+
+Positions positionsOf(const AnalysisGrid& grid, bool asAnalyzed) {
+    if (!asAnalyzed) {
+        return {{0, 1, grid.width}, {0, 1, grid.height}};
+    }
+    return {{qint64(grid.x0) + grid.halfW, grid.stepX, grid.columns()},
+            {qint64(grid.y0) + grid.halfH, grid.stepY, grid.rows()}};
+}
+
+QByteArray rowText(const double* values, qint64 y, const Raster& columns,
                    const TableOptions& options) {
     const char separator = options.separator == TableOptions::Separator::Comma ? ',' : ' ';
     const bool points = options.layout == TableOptions::Layout::Points;
@@ -86,14 +103,81 @@ QByteArray rowText(const Analyzed2DRes& result, qint64 y, const Raster& columns,
         if (points) {
             text += QByteArray::number(x) + separator + QByteArray::number(y) + separator;
         }
-        text += numberText(result.shownValueAt(x, y));
+        text += numberText(values[i]);
         const bool lineEnds = points || i + 1 == columns.count;
         text += lineEnds ? '\n' : separator;
     }
     return text;
 }
 
+/// The nearest float; beyond them all, infinity.
+float nearestFloat(double value) {
+    constexpr double Most = std::numeric_limits<float>::max();
+    if (std::abs(value) <= Most || std::isnan(value)) {
+        return static_cast<float>(value);
+    }
+    const float infinity = std::numeric_limits<float>::infinity();
+    return value > 0.0 ? infinity : -infinity;
+}
+
+/// The n-th of the values in order; they are put out of order.
+double nthOf(std::vector<double>* values, std::size_t n) {
+    std::nth_element(values->begin(), values->begin() + static_cast<std::ptrdiff_t>(n),
+                     values->end());
+    return (*values)[n];
+}
+
 }  // namespace
+
+SavedValues savedValues(const Analyzed2DRes& result, bool asAnalyzed) {
+    if (!result.hasData()) {
+        return {};
+    }
+    const Positions at = positionsOf(result.grid(), asAnalyzed);
+    SavedValues saved;
+    saved.size = QSize(int(at.columns.count), int(at.rows.count));
+    saved.values.reserve(std::size_t(at.columns.count) * std::size_t(at.rows.count));
+    for (qint64 row = 0; row < at.rows.count; ++row) {
+        for (qint64 column = 0; column < at.columns.count; ++column) {
+            saved.values.push_back(
+                result.shownValueAt(at.columns.position(column), at.rows.position(row)));
+        }
+    }
+    return saved;
+}
+
+TiffRange rangeInTiff(const Analyzed2DRes& result, const TiffOptions& options) {
+    if (options.fixedScale) {
+        return {options.scaleMin, options.scaleMax};
+    }
+    return result.showsProc() ? TiffRange{result.procMin(), result.procMax()}
+                              : TiffRange{result.dataMin(), result.dataMax()};
+}
+
+std::optional<int> stepsInTiff(const Analyzed2DRes& result, const TiffOptions& options) {
+    // One value a bin: pixels outside the area are no result.
+    std::vector<double> values = savedValues(result, true).values;
+    values.erase(std::remove_if(values.begin(), values.end(),
+                                [](double value) { return !std::isfinite(value); }),
+                 values.end());
+    if (values.empty()) {
+        return std::nullopt;
+    }
+    const std::size_t outside = values.size() / 20;  // on either side
+    double low = nthOf(&values, outside);
+    double high = nthOf(&values, values.size() - 1 - outside);
+    if (low == high) {
+        return std::nullopt;
+    }
+    const TiffRange range = rangeInTiff(result, options);
+    if (options.asAnalyzed && range.low < range.high) {  // values beyond are cut
+        low = std::clamp(low, range.low, range.high);
+        high = std::clamp(high, range.low, range.high);
+    }
+    constexpr double Highest = 65535.0;
+    const double steps = (high - low) / std::abs(range.high - range.low) * Highest;
+    return range.low == range.high ? 0 : int(std::min(steps, Highest));
+}
 
 bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffOptions& options,
                      const QString& origin) {
@@ -109,19 +193,22 @@ bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffO
            noteSaved(fileName);
 }
 
+bool writeResultFloat(const QString& fileName, const Analyzed2DRes& result, bool asAnalyzed,
+                      const QString& origin) {
+    const SavedValues saved = savedValues(result, asAnalyzed);
+    std::vector<float> floats(saved.values.size());
+    std::transform(saved.values.begin(), saved.values.end(), floats.begin(), nearestFloat);
+    return writeFloatTiff(fileName, saved.size, floats, origin) && noteSaved(fileName);
+}
+
 bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
                       const TableOptions& options, const QVector<HeaderLine>& header,
                       const QString& origin) {
     if (!result.hasData()) {
         return false;
     }
-    const AnalysisGrid& grid = result.grid();
-    Raster columns{0, 1, grid.width};
-    Raster rows{0, 1, grid.height};
-    if (options.asAnalyzed) {
-        columns = {qint64(grid.x0) + grid.halfW, grid.stepX, grid.columns()};
-        rows = {qint64(grid.y0) + grid.halfH, grid.stepY, grid.rows()};
-    }
+    const Positions at = positionsOf(result.grid(), options.asAnalyzed);
+    const SavedValues saved = savedValues(result, options.asAnalyzed);
 
     QSaveFile file(fileName);
     if (!openBeside(file)) {
@@ -129,8 +216,9 @@ bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
     }
     file.write(headerText(header, result));
     file.write(asComments(origin));
-    for (qint64 i = 0; i < rows.count; ++i) {
-        file.write(rowText(result, rows.position(i), columns, options));
+    for (qint64 i = 0; i < at.rows.count; ++i) {
+        file.write(rowText(saved.values.data() + i * at.columns.count, at.rows.position(i),
+                           at.columns, options));
     }
     return putInPlace(file);
 }

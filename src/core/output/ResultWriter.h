@@ -1,13 +1,25 @@
 #pragma once
 
+#include <QSize>
 #include <QString>
 #include <QVector>
+#include <optional>
+#include <vector>
 
 class Analyzed2DRes;
 
 // Writers of result images. Each returns whether the file was written, and says so in
 // one debug line with its name. A writer that fails stays silent and leaves an existing file of
 // that name as it was.
+
+/// The values that a save takes, row by row: one a pixel, or one a bin when as analysed.
+struct SavedValues {
+    QSize size;
+    std::vector<double> values;
+};
+
+/// The shown values of @p result (processed ones while it shows them); without values for none.
+SavedValues savedValues(const Analyzed2DRes& result, bool asAnalyzed);
 
 /// How a result becomes 16-bit counts, see Analyzed2DRes::tiffDataForSave().
 struct TiffOptions {
@@ -49,6 +61,23 @@ struct HeaderLine {
 /// writes nothing. The text of its @p origin goes into the file's description.
 bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffOptions& options,
                      const QString& origin = {});
+
+/// The counts from 0 to 65535 that such a file has for the middle 90 % of the finite values of the
+/// bins, ends not included; nothing where these are all one value.
+std::optional<int> stepsInTiff(const Analyzed2DRes& result, const TiffOptions& options);
+
+/// What 0 and 65535 counts mean in such a file.
+struct TiffRange {
+    double low = 0.0;
+    double high = 0.0;
+};
+TiffRange rangeInTiff(const Analyzed2DRes& result, const TiffOptions& options);
+
+/// Writes the shown values of @p result as a TIFF of 32-bit floats, whatever the image's shape: the
+/// nearest float to each value, NaN where there is no number, no scale. Sizes, origin and a result
+/// without values as with writeResultTiff().
+bool writeResultFloat(const QString& fileName, const Analyzed2DRes& result, bool asAnalyzed,
+                      const QString& origin = {});
 
 /// Writes the shown values of @p result as a text table in UTF-8: the @p header lines, then the
 /// geometry and the range of the values, also as "# name = value", then the data with nine

@@ -96,6 +96,9 @@ void CalibCtrl::showLoadDialog() {
         m_loadDialog = makeMapDialog("LoadMapDialog");
         m_loadDialog->setWindowTitle(tr("Load Energy-Shift Map"));
         m_loadDialog->setFileMode(QFileDialog::ExistingFile);
+        QStringList filters = m_loadDialog->nameFilters();
+        filters.insert(1, tr("Tiff Files (*.tif *.tiff)"));
+        m_loadDialog->setNameFilters(filters);
         connect(m_loadDialog, &QFileDialog::fileSelected, this, &CalibCtrl::loadEMap);
     }
     m_loadDialog->show();

@@ -49,6 +49,7 @@ void SaveDataCfg::connectControls() {
     };
     choice(m_ui->SaveAsTiff, &SaveDataCfg::saveAsTiff);
     choice(m_ui->SaveAsText, &SaveDataCfg::saveAsText);
+    choice(m_ui->SaveAsFloat, &SaveDataCfg::saveAsFloat);
     choice(m_ui->CSV, &SaveDataCfg::setCommaSeparated);
     choice(m_ui->SSV, &SaveDataCfg::setSpaceSeparated);
     choice(m_ui->XYZ, &SaveDataCfg::setPointPerLine);
@@ -84,7 +85,7 @@ void SaveDataCfg::setTable(T TableOptions::*option, const V& value) {
 }
 
 bool SaveDataCfg::savesAsTiff() const {
-    return m_measurement.settings().savesTiff;
+    return dataForm(form()).isTiff;
 }
 TiffOptions SaveDataCfg::tiffOptions() const {
     return m_measurement.settings().tiff;
@@ -103,10 +104,13 @@ QStringList SaveDataCfg::nameFilters() const {
 }
 
 void SaveDataCfg::saveAsTiff() {
-    m_measurement.set(&Settings::savesTiff, true);
+    m_measurement.set(&Settings::dataForm, DataForm::Tiff);
 }
 void SaveDataCfg::saveAsText() {
-    m_measurement.set(&Settings::savesTiff, false);
+    m_measurement.set(&Settings::dataForm, DataForm::Text);
+}
+void SaveDataCfg::saveAsFloat() {
+    m_measurement.set(&Settings::dataForm, DataForm::FloatTiff);
 }
 void SaveDataCfg::setTiffFixedScale(bool fixed) {
     setTiff(&TiffOptions::fixedScale, fixed);
@@ -119,7 +123,7 @@ void SaveDataCfg::setTiffScaleMax(double value) {
     m_ui->TiffScaleMax->setText(fieldText(value));
 }
 
-/// One choice for both forms.
+/// One choice for all forms.
 void SaveDataCfg::setAsAnalyzed(bool asAnalyzed) {
     setTiff(&TiffOptions::asAnalyzed, asAnalyzed);
     setTable(&TableOptions::asAnalyzed, asAnalyzed);
@@ -141,7 +145,8 @@ void SaveDataCfg::setRowPerLine() {
 void SaveDataCfg::showSettings() {
     const TiffOptions tiff = tiffOptions();
     const TableOptions table = tableOptions();
-    check(savesAsTiff() ? m_ui->SaveAsTiff : m_ui->SaveAsText);
+    QRadioButton* const forms[] = {m_ui->SaveAsTiff, m_ui->SaveAsText, m_ui->SaveAsFloat};
+    check(forms[static_cast<int>(form())]);
     check(m_ui->TiffFixScale, tiff.fixedScale);
     showNumber(m_ui->TiffScaleMin, tiff.scaleMin);
     showNumber(m_ui->TiffScaleMax, tiff.scaleMax);
@@ -152,13 +157,14 @@ void SaveDataCfg::showSettings() {
 }
 
 void SaveDataCfg::updateControls() {
-    const bool tiff = savesAsTiff();
+    const bool tiff = form() == DataForm::Tiff;
+    const bool text = form() == DataForm::Text;
     const bool fixed = tiff && m_ui->TiffFixScale->isChecked();
     m_ui->TiffPage->setEnabled(tiff);
-    m_ui->TextPage->setEnabled(!tiff);
+    m_ui->TextPage->setEnabled(text);
     m_ui->ScaleFields->setEnabled(fixed);
     const QString notTiff = tiff ? QString() : tr("Only for \"Save as Tiff\".");
-    const QString notText = tiff ? tr("Only for \"Save as Text data\".") : QString();
+    const QString notText = text ? QString() : tr("Only for \"Save as Text data\".");
     setUsable(m_ui->TiffFixScale, notTiff);
     for (QLineEdit* field : {m_ui->TiffScaleMin, m_ui->TiffScaleMax}) {
         setUsable(field, tiff && !fixed ? tr("Only with \"Fixed Scale\".") : notTiff);

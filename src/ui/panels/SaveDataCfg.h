@@ -11,8 +11,8 @@ namespace Ui {
 class SaveDataCfg;
 }
 
-/// How a measurement saves result images: as 16-bit TIFF or as a text table, with the options of
-/// either.
+/// How a measurement saves result images: as 16-bit TIFF, as a text table or as float TIFF, with
+/// the options of each.
 class SaveDataCfg : public QDialog {
     Q_OBJECT
 
@@ -20,7 +20,7 @@ class SaveDataCfg : public QDialog {
     explicit SaveDataCfg(Measurement& measurement, QWidget* parent = nullptr);
     ~SaveDataCfg() override;
 
-    /// TIFF rather than text.
+    /// TIFF of either kind rather than text.
     bool savesAsTiff() const;
     /// A scale field that holds no number counts as 0.0.
     TiffOptions tiffOptions() const;
@@ -33,6 +33,7 @@ class SaveDataCfg : public QDialog {
   public slots:
     void saveAsTiff();
     void saveAsText();
+    void saveAsFloat();
     void setTiffFixedScale(bool fixed);
     /// Written into the field with six significant digits.
     void setTiffScaleMin(double value);
@@ -45,6 +46,7 @@ class SaveDataCfg : public QDialog {
 
   private:
     void connectControls();
+    DataForm form() const { return m_measurement.settings().dataForm; }
     void connectScale(QLineEdit* field, double TiffOptions::*limit);
     template <class T, class V>
     void setTiff(T TiffOptions::*option, const V& value);

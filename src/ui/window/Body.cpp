@@ -22,6 +22,7 @@
 #include "window/DarkControl.h"
 #include "window/Fields.h"
 #include "window/ImagePane.h"
+#include "window/MapImageAction.h"
 #include "window/Messages.h"
 #include "window/MessagesWindow.h"
 #include "window/SaveDialogs.h"
@@ -92,6 +93,8 @@ Body::Body(QWidget* parent)
     connectPanels();
     connectSaving();
     connectDarkButton(m_ui->SelectDark, m_measurement, m_dialogs);
+    addMapImageAction(this, m_measurement, m_dialogs,
+                      [this](const QString& name) { saveEMap(name); });
     const QWidgetList tools{m_xafsView.get(),      m_calib.get(),     m_analyzer.get(),
                             m_analyzer->view(),    m_batchCtrl.get(), m_saveDataCfg.get(),
                             m_messagesWindow.get()};

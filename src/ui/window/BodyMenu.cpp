@@ -101,6 +101,7 @@ void BodyMenu::addFileMenu() const {
           QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_S));
     press(menu, tr("Save Da&ta..."), QStringLiteral("SaveData"),
           QKeySequence(Qt::CTRL + Qt::Key_D));
+    menu->addAction(m_window->findChild<QAction*>(QStringLiteral("actionSaveMapImage")));
     press(menu, tr("Save S&pectra..."), QStringLiteral("SaveXAFSSpectra"),
           QKeySequence(Qt::CTRL + Qt::Key_E));
     menu->addSeparator();

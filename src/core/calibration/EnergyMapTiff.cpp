@@ -1,0 +1,116 @@
+#include "calibration/EnergyMapTiff.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRectF>
+#include <QRegularExpression>
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "base/DebugLog.h"
+#include "files/OriginText.h"
+#include "files/WholeFile.h"
+#include "frames/TiffFile.h"
+#include "maps/Analyzed2DRes.h"
+
+namespace {
+
+const QLatin1String kSource("E-shift");  // what the origin of an energy map calls it
+
+/// The bins of a map, as the entries of its origin tell them.
+AnalysisGrid gridOf(const QSize& size, const OriginText& origin) {
+    static const QRegularExpression bins(
+        QStringLiteral("^half width (-?\\d+), half height (-?\\d+)$"));
+    static const QRegularExpression corners(
+        QStringLiteral("^(-?\\d+) (-?\\d+) (-?\\d+) (-?\\d+)$"));
+    const QRegularExpressionMatch half = bins.match(origin.value(QStringLiteral("bins")));
+    const QRegularExpressionMatch at = corners.match(origin.value(QStringLiteral("area")));
+    const auto number = [&at](int i) { return at.captured(i).toDouble(); };
+    const auto gridOver = [&](const QRectF& area) {
+        return AnalysisGrid::ofArea(size.width(), size.height(), half.captured(1).toInt(),
+                                    half.captured(2).toInt(), area);
+    };
+    const AnalysisGrid grid =
+        gridOver({number(1), number(2), number(3) - number(1), number(4) - number(2)});
+    const bool isWhole = grid.x0 == grid.x1 || grid.y0 == grid.y1;  // or beside the image
+    return isWhole ? gridOver(QRectF(QPointF(), size)) : grid;
+}
+
+/// The shifts of an image; stops at one that cannot be.
+std::vector<double> shiftsIn(const FloatTiff& image, EMapReading* reading) {
+    std::vector<double> shifts;
+    shifts.reserve(image.values.size());
+    for (const float value : image.values) {
+        const bool isBlank = std::isnan(value);
+        reading->noNumbers += isBlank ? 1 : 0;
+        shifts.push_back(isBlank ? 0.0 : double(value));
+        if (!isUsableShift(shifts.back())) {
+            reading->refusal = EMapRefusal::Shift;
+            break;
+        }
+    }
+    return shifts;
+}
+
+}  // namespace
+
+bool isTiffMap(const QString& fileName) {
+    QFile file(fileName);
+    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    const QByteArray start = file.read(2);
+    return start == "II" || start == "MM";
+}
+
+bool isTiffMapName(const QString& fileName) {
+    const QString suffix = QFileInfo(fileName).suffix().toLower();
+    return suffix == QLatin1String("tif") || suffix == QLatin1String("tiff");
+}
+
+EMapReading readTiffMap(const QString& fileName, QSize* imageSize, Analyzed2DRes* map) {
+    EMapReading reading;
+    reading.ofAnyShape = true;
+    FloatTiff image;
+    reading.why = readFloatTiff(fileName, &image);
+    const OriginText origin = OriginText::fromText(image.description).value_or(OriginText());
+    const QString source = origin.value(QStringLiteral("result"));
+    if (!source.isEmpty() && source != kSource) {
+        reading.why = source;
+    }
+    if (!reading.why.isEmpty()) {
+        reading.refusal = EMapRefusal::NoMap;
+    }
+    QSize size = *imageSize;
+    if (reading.refusal == EMapRefusal::None && !fitsImage(image.size, &size)) {
+        reading.refusal = EMapRefusal::OtherSize;
+        return reading;
+    }
+    std::vector<double> shifts;
+    if (reading.refusal == EMapRefusal::None) {
+        shifts = shiftsIn(image, &reading);
+    }
+    if (reading.refusal != EMapRefusal::None) {
+        debugFile("Invalid Energy Map Data File : ", fileName);
+        return reading;
+    }
+    *imageSize = size;
+    putShifts(map, gridOf(image.size, origin), shifts);
+    return reading;
+}
+
+EMapRefusal refusalOfTiff(const Analyzed2DRes& map) {
+    const QVector<double> shifts = map.values();
+    const bool isUsable = std::all_of(shifts.begin(), shifts.end(), [](double shift) {
+        return std::isnan(shift) || isUsableShift(shift);
+    });
+    return isUsable ? EMapRefusal::None : EMapRefusal::Shift;
+}
+
+bool writeTiffMap(const QString& fileName, const Analyzed2DRes& map, const QString& origin) {
+    const QVector<double> shifts = map.values();
+    const std::vector<float> floats(shifts.begin(), shifts.end());
+    const QSize size(map.grid().width, map.grid().height);
+    return writeFloatTiff(fileName, size, floats, origin) && noteSaved(fileName);
+}
