@@ -18,8 +18,8 @@ BatchRunner::BatchRunner(Measurement& measurement) : m_measurement(measurement) 
     connect(&m_dispatcher, &BatchDispatcher::started, this, [this] { m_pacing.batchStarted(); });
     connect(&m_dispatcher, &BatchDispatcher::ended, this, [this] { m_pacing.batchEnded(); });
     connect(&measurement, &Measurement::ended, this, &BatchRunner::workEnded);
-    measurement.setRecorder([](const Measurement& m, const Result& result, const QString& savedBy) {
-        return recordOf(m, result, savedBy);
+    measurement.setRecorder([](const Measurement& m, const Result* result, const QString& savedBy) {
+        return result != nullptr ? recordOf(m, *result, savedBy) : recordOfResults(m);
     });
     m_thread.start(QThread::InheritPriority);
 }

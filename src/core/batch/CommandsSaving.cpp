@@ -94,6 +94,20 @@ void addSaveCommands(std::vector<CommandRow>* rows) {
          false,
          Work::None,
          [](Action& a) { a.outcome += saveRecord(a.measurement, a.args.text(0)); }},
+        {84,
+         "save_results",
+         {K::OutFile},
+         1,
+         false,
+         Work::None,
+         [](Action& a) { a.outcome += saveResults(a.measurement, a.args.text(0)); }},
+        {85,
+         "save_table",
+         {K::OutFile},
+         1,
+         false,
+         Work::None,
+         [](Action& a) { a.outcome += saveTable(a.measurement, a.args.text(0)); }},
     };
     rows->insert(rows->end(), mine.begin(), mine.end());
 }

@@ -96,6 +96,27 @@ QString whyLeftOut(const Measurement& measurement, const Result& result) {
     return QString::fromLatin1(differenceText(measurement.differenceOf(result)));
 }
 
+/// All current results, one after another; what is left out is returned.
+QStringList makeCurrent(RecordWriter& writer, const Measurement& measurement) {
+    QStringList leftOut;
+    const Run* last = nullptr;
+    for (const Result* result : measurement.results()) {
+        const QString why = whyLeftOut(measurement, *result);
+        if (!why.isEmpty()) {
+            leftOut << QStringLiteral("left out: %1, %2").arg(nameOf(*result), why);
+            continue;
+        }
+        if (result->id == ResultId::Shift || result->run.get() != last) {
+            makeAgain(writer, measurement, *result);
+            last = result->id == ResultId::Shift ? nullptr : result->run.get();
+        }
+        if (result->image.showsProc()) {
+            writer.show(*result);
+        }
+    }
+    return leftOut;
+}
+
 void presentSettings(RecordWriter& w, const Measurement& m) {
     const Settings& s = m.settings();
     const auto text = [](int n) { return QString::number(n); };
@@ -182,26 +203,25 @@ RecordLines recordOf(const Measurement& measurement, const Result& result, const
 }
 
 RecordLines recordOf(const Measurement& measurement) {
-    const Inputs now = measurement.inputs();
-    RecordWriter writer(originFolder(now));
-    QStringList leftOut;
-    const Run* last = nullptr;
-    for (const Result* result : measurement.results()) {
-        const QString why = whyLeftOut(measurement, *result);
-        if (!why.isEmpty()) {
-            leftOut << QStringLiteral("left out: %1, %2").arg(nameOf(*result), why);
-            continue;
-        }
-        if (result->id == ResultId::Shift || result->run.get() != last) {
-            makeAgain(writer, measurement, *result);
-            last = result->id == ResultId::Shift ? nullptr : result->run.get();
-        }
-        if (result->image.showsProc()) {
-            writer.show(*result);
-        }
-    }
+    RecordWriter writer(originFolder(measurement.inputs()));
+    const QStringList leftOut = makeCurrent(writer, measurement);
     presentSettings(writer, measurement);
     return withRemark(writer, leftOut);
+}
+
+RecordLines recordOfResults(const Measurement& measurement) {
+    RecordWriter writer(originFolder(measurement.inputs()));
+    const QStringList leftOut = makeCurrent(writer, measurement);
+    if (measurement.settings().mask > 0.0) {
+        writer.mask(measurement.settings());
+        writer.put(
+            QStringLiteral("masked"), QStringLiteral("saveDataCfg_masked"),
+            {measurement.settings().savesMasked ? QStringLiteral("1") : QStringLiteral("0")});
+    }
+    return writer.lines().isEmpty() && !writer.failure()
+               ? RecordLines::none(QT_TRANSLATE_NOOP(
+                     "Record", "the present inputs would make none of the results again"))
+               : withRemark(writer, leftOut);
 }
 
 Outcome saveRecord(const Measurement& measurement, const QString& fileName) {

@@ -18,7 +18,11 @@ RecordLines recordOf(const Measurement& measurement, const Result& result, const
 /// Results that were stopped or that the present inputs would not give are named in its remark.
 RecordLines recordOf(const Measurement& measurement);
 
-/// Writes that batch into a file.
+/// The same without what is set now, which none of the results rests on. Nothing, with the reason,
+/// where none is current.
+RecordLines recordOfResults(const Measurement& measurement);
+
+/// Writes the batch of a whole measurement into a file.
 Outcome saveRecord(const Measurement& measurement, const QString& fileName);
 
 /// The digests that the remark of a record names, by absolute path in the present folder; none for

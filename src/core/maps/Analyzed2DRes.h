@@ -49,6 +49,10 @@ class Analyzed2DRes : public QObject {
     /// Pixels that show no number and do not count for the range in use. Gone with startOver().
     void setMask(const Mask& mask);
     bool isMasked() const { return m_mask != nullptr; }
+    bool isMaskedAt(qint64 x, qint64 y) const {
+        return m_mask && m_grid.isInsideImage(x, y) &&
+               (*m_mask)[static_cast<std::size_t>(y * m_grid.width + x)];
+    }
     /// Takes the values that another shows, no number where it is masked.
     void takeVisible(const Analyzed2DRes& other);
 

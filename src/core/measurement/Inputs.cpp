@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
-namespace {
-
 bool sameReference(const ReferenceInput& a, const ReferenceInput& b) {
     return a.file.revision == b.file.revision && a.deltaE == b.deltaE &&
            a.background == b.background;
 }
+
+namespace {
 
 /// Those that take no part do not count.
 bool sameReferences(const Inputs& a, const Inputs& b) {

@@ -37,6 +37,9 @@ struct ReferenceInput {
     int background = 0;
 };
 
+/// Whether a fit finds the same with both; of references that take part.
+bool sameReference(const ReferenceInput& a, const ReferenceInput& b);
+
 struct MapInput;
 
 struct Inputs {

@@ -146,6 +146,7 @@ class Measurement : public QObject {
     const QString& batchFile() const { return m_batchFile; }
     void setRecorder(const Recorder& recorder) { m_recorder = recorder; }
     RecordLines recordOf(const Result& result, const QString& savedBy) const;
+    RecordLines recordOfResults(const QString& savedBy) const;  ///< of all that are current
     void askForWindow(Window window) { emit windowAsked(window); }
 
   signals:

@@ -280,5 +280,9 @@ RecordLines Measurement::recordOf(const Result& result, const QString& savedBy) 
     if (result.run && result.run->state != Run::State::Complete) {
         return RecordLines::none(QT_TRANSLATE_NOOP("Record", "the run was stopped before its end"));
     }
-    return m_recorder ? m_recorder(*this, result, savedBy) : RecordLines();
+    return m_recorder ? m_recorder(*this, &result, savedBy) : RecordLines();
+}
+
+RecordLines Measurement::recordOfResults(const QString& savedBy) const {
+    return m_recorder ? m_recorder(*this, nullptr, savedBy) : RecordLines();
 }

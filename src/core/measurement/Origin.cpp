@@ -147,6 +147,56 @@ Inputs loadedMap(const Measurement& measurement) {
     return in;
 }
 
+/// How the values that are shown were processed; "no" for those of the analysis.
+QString processingOf(const Result& result) {
+    if (!result.image.showsProc()) {
+        return QStringLiteral("no");
+    }
+    return result.deglitched
+               ? QStringLiteral("deglitched %1 %2")
+                     .arg(fieldText(result.deglitched->factor), fieldText(result.deglitched->ratio))
+               : QStringLiteral("yes");
+}
+
+void addState(Writer& writer, const Measurement& measurement, const Result& result) {
+    if (result.run) {
+        writer.add("state", stateOf(result));
+    }
+    const Difference difference = differenceWhenSaved(measurement, result);
+    if (difference != Difference::None) {
+        writer.add("remark", QString::fromLatin1(differenceText(difference)));
+    }
+}
+
+void addMask(Writer& writer, const Measurement& measurement) {
+    writer.add("mask", QStringLiteral("total jump below %1 times its error")
+                           .arg(fieldText(measurement.settings().mask)));
+}
+
+void addInputs(Writer& writer, const Measurement& measurement, const Result& result) {
+    if (!result.run) {
+        writer.map(measurement.mapInput());
+        return;
+    }
+    writer.inputs(result.run->inputs, result.run->work);
+    if (result.id == ResultId::Shift && measurement.mapInput()) {
+        writer.add("smoothed", timesText(measurement.mapInput()->smoothed));
+    }
+}
+
+Inputs inputsOf(const Measurement& measurement, const Result& result) {
+    return result.run ? result.run->inputs : loadedMap(measurement);
+}
+
+/// How it was saved, and the record or why there is none.
+void addEnd(OriginText* origin, Writer& writer, const QString& savedBy, const RecordLines& record) {
+    writer.add(qPrintable(OriginText::savedByKey()), savedBy);
+    origin->record = record.lines;
+    if (record.lines.isEmpty()) {
+        writer.add(qPrintable(OriginText::recordKey()), record.whyNot);
+    }
+}
+
 }  // namespace
 
 QString originFolder(const Inputs& inputs) {
@@ -202,52 +252,53 @@ OriginEntries meaningOfFloats() {
 OriginText originOf(const Measurement& measurement, const Result& result, const QString& savedBy,
                     const OriginEntries& meaning) {
     OriginText origin;
-    const Inputs inputs = result.run ? result.run->inputs : loadedMap(measurement);
-    Writer writer(&origin.entries, originFolder(inputs));
+    const QString folder = originFolder(inputsOf(measurement, result));
+    Writer writer(&origin.entries, folder);
     writer.add("program", QStringLiteral("Tarnwick " TARNWICK_VERSION));
     writer.add("result", QString::fromLatin1(result.kind().source));
     writer.add("title", QString::fromLatin1(result.kind().title));
     writer.add("unit", QString::fromLatin1(result.kind().unit));
     origin.entries += meaning;
     if (const ReferenceInput* reference = result.referenceInput()) {
-        writer.add("of reference", relativeTo(originFolder(inputs), reference->file.path));
+        writer.add("of reference", relativeTo(folder, reference->file.path));
     }
-    if (result.run) {
-        writer.add("state", stateOf(result));
-    }
-    const Difference difference = differenceWhenSaved(measurement, result);
-    if (difference != Difference::None) {
-        writer.add("remark", QString::fromLatin1(differenceText(difference)));
-    }
-    QString processed = QStringLiteral("no");
-    if (savesProcessed(result, savedBy)) {
-        processed = result.deglitched ? QStringLiteral("deglitched %1 %2")
-                                            .arg(fieldText(result.deglitched->factor),
-                                                 fieldText(result.deglitched->ratio))
-                                      : QStringLiteral("yes");
-    }
-    writer.add("processed", processed);
+    addState(writer, measurement, result);
+    writer.add("processed",
+               savesProcessed(result, savedBy) ? processingOf(result) : QStringLiteral("no"));
     if (result.image.isMasked() &&
         (measurement.settings().savesMasked || savedBy == "save_image")) {
-        writer.add("mask", QStringLiteral("total jump below %1 times its error")
-                               .arg(fieldText(measurement.settings().mask)));
+        addMask(writer, measurement);
     }
-    if (!result.run) {
-        writer.map(inputs.map);
-        if (savedBy == QLatin1String("calib_save_map")) {
-            gridOf(&writer, result.image.grid());
+    addInputs(writer, measurement, result);
+    if (!result.run && savedBy == QLatin1String("calib_save_map")) {
+        gridOf(&writer, result.image.grid());
+    }
+    addEnd(&origin, writer, savedBy, measurement.recordOf(result, savedBy));
+    return origin;
+}
+
+OriginText originOf(const Measurement& measurement, const std::vector<ResultPart>& parts,
+                    const QString& savedBy) {
+    OriginText origin;
+    Writer writer(&origin.entries, QString());
+    writer.add("program", QStringLiteral("Tarnwick " TARNWICK_VERSION));
+    for (const ResultPart& part : parts) {
+        const Result& first = part.first();
+        const QString folder = originFolder(inputsOf(measurement, first));
+        Writer ofPart(&origin.entries, folder, part.name + QLatin1Char(' '));
+        for (const Result* result : part.results) {
+            ofPart.add("map", nameInFiles(*result));
+            if (result->image.showsProc()) {
+                ofPart.add("processed",
+                           nameInFiles(*result) + QLatin1Char(' ') + processingOf(*result));
+            }
         }
-    } else {
-        writer.inputs(inputs, result.run->work);
-        if (result.id == ResultId::Shift && measurement.mapInput()) {
-            writer.add("smoothed", timesText(measurement.mapInput()->smoothed));
+        addState(ofPart, measurement, first);
+        if (first.image.isMasked()) {
+            addMask(ofPart, measurement);
         }
+        addInputs(ofPart, measurement, first);
     }
-    writer.add(qPrintable(OriginText::savedByKey()), savedBy);
-    const RecordLines record = measurement.recordOf(result, savedBy);
-    origin.record = record.lines;
-    if (record.lines.isEmpty()) {
-        writer.add(qPrintable(OriginText::recordKey()), record.whyNot);
-    }
+    addEnd(&origin, writer, savedBy, measurement.recordOfResults(savedBy));
     return origin;
 }

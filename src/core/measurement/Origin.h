@@ -2,6 +2,7 @@
 
 #include "files/OriginText.h"
 #include "measurement/Measurement.h"
+#include "measurement/ResultParts.h"
 
 // What a result was made from, in words. Nothing in them differs between two right runs: no time,
 // host, user, program, number of threads or output name, and file names relative to the folder of
@@ -23,6 +24,10 @@ OriginText originOf(const Measurement& measurement, const Result& result, const 
 OriginEntries meaningOfCounts(const Result& result, const TiffOptions& form);
 /// The same of a TIFF of floats.
 OriginEntries meaningOfFloats();
+
+/// The same of a file with all results: what each analysis was made from, its name before each key.
+OriginText originOf(const Measurement& measurement, const std::vector<ResultPart>& parts,
+                    const QString& savedBy);
 
 /// A file's name for the head of a table: a relative one as it was given, an absolute one relative
 /// to the folder of the frames, so that it is the same wherever they lie.

@@ -18,5 +18,6 @@ struct RecordLines {
 };
 
 /// Writes records: what speaks the batch language stands above a measurement and is given to it.
-using Recorder = std::function<RecordLines(const Measurement& measurement, const Result& result,
+/// Of a result, or of all that are current (null).
+using Recorder = std::function<RecordLines(const Measurement& measurement, const Result* result,
                                            const QString& savedBy)>;

@@ -4,9 +4,11 @@
 #include <QFileInfo>
 #include <algorithm>
 
+#include "files/Hdf5File.h"
 #include "files/PictureFile.h"
 #include "files/PictureText.h"
 #include "frames/TiffFile.h"
+#include "output/NexusFile.h"
 
 namespace {
 
@@ -36,8 +38,22 @@ bool isTiff(const QByteArray& start) {
            start.startsWith(QByteArray("MM\0\x2b", 4));
 }
 
-QString textIn(QFile& file) {
+/// Origin and record of a results file, put together.
+QString textInHdf5(const QString& fileName, QString* problem) {
+    const auto origin = hdf5Text(fileName, nexusOriginPath(), OriginText::mostBytes);
+    const auto record = hdf5Text(fileName, nexusRecordPath(), OriginText::mostBytes);
+    if (!origin || !record) {
+        *problem = QStringLiteral("a damaged HDF5 file");
+        return QString();
+    }
+    return *origin + QLatin1Char('\n') + *record;
+}
+
+QString textIn(QFile& file, QString* problem) {
     const QByteArray start = file.peek(8);
+    if (isHdf5(start)) {
+        return textInHdf5(file.fileName(), problem);
+    }
     if (isTiff(start)) {
         return tiffDescription(file.fileName());
     }
@@ -64,7 +80,8 @@ std::optional<OriginText> readOrigin(const QString& fileName, QString* whyNot) {
     } else if (!file.open(QIODevice::ReadOnly)) {
         problem = file.errorString();
     } else {
-        origin = OriginText::fromText(textIn(file), &problem);
+        const QString text = textIn(file, &problem);
+        origin = problem.isEmpty() ? OriginText::fromText(text, &problem) : std::nullopt;
     }
     if (whyNot && !origin) {
         *whyNot = problem;

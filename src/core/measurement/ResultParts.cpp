@@ -1,0 +1,240 @@
+#include "measurement/ResultParts.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "measurement/Origin.h"
+
+namespace {
+
+struct PartRow {
+    const char* name;
+    const char* title;
+    std::vector<ResultFamily> families;
+};
+
+const std::vector<PartRow>& partRows() {
+    static const std::vector<PartRow> rows{
+        {"fit", "Fit with references", {ResultFamily::Reference, ResultFamily::Fit}},
+        {"residual", "Residual absorption", {ResultFamily::Residual}},
+        {"difference", "Difference of two energies", {ResultFamily::Difference}},
+        {"calibration", "Energy calibration", {ResultFamily::Calibration}}};
+    return rows;
+}
+
+bool isOf(const PartRow& row, const Result& result) {
+    return std::find(row.families.begin(), row.families.end(), result.kind().family) !=
+           row.families.end();
+}
+
+/// Fractions are what somebody looks at first.
+bool comesFirst(const Result* result) {
+    return result->id == ResultId::Ratio;
+}
+
+/// What was analysed; a map from a file may differ from pixel to pixel.
+BinRaster rasterOf(const Result& result) {
+    const AnalysisGrid& grid = result.image.grid();
+    return result.run ? grid.raster() : BinRaster{0, 1, grid.width, 0, 1, grid.height, 0, 0};
+}
+
+/// How many rows of bins hold values.
+int rowsDone(const Result& result, const BinRaster& raster) {
+    const bool isWhole = !result.run || result.run->state == Run::State::Complete;
+    return isWhole ? raster.rows : result.run->tally.bins / std::max(1, raster.columns);
+}
+
+BinValue valuesOf(const Result& result, bool blanksMasked) {
+    const BinRaster raster = rasterOf(result);
+    const int rows = rowsDone(result, raster);
+    return [&image = result.image, raster, rows, blanksMasked](int column, int row) {
+        const int x = raster.x(column);
+        const int y = raster.y(row);
+        const bool isBlank = row >= rows || (blanksMasked && image.isMaskedAt(x, y));
+        return isBlank ? std::numeric_limits<double>::quiet_NaN() : image.shownValueAt(x, y);
+    };
+}
+
+bool isError(const Result& result) {
+    return result.kind().value != result.id;
+}
+
+/// Null: not made.
+const Result* find(const ResultPart& part, ResultId id, int reference) {
+    const auto found = std::find_if(part.results.begin(), part.results.end(),
+                                    [id, reference](const Result* result) {
+                                        return result->id == id && result->reference == reference;
+                                    });
+    return found != part.results.end() ? *found : nullptr;
+}
+
+/// The error of a result; null: not made.
+const Result* errorOf(const ResultPart& part, const Result& result) {
+    for (const ResultKind& kind : ResultKinds) {
+        if (kind.value == result.id && kind.id != result.id) {
+            return find(part, kind.id, result.reference);
+        }
+    }
+    return nullptr;
+}
+
+/// In words, with the file of the reference that it belongs to.
+QString titleOf(const Result& result) {
+    const ReferenceInput* reference = result.referenceInput();
+    const QString title = QString::fromLatin1(result.kind().title);
+    return reference == nullptr
+               ? title
+               : title + QStringLiteral(", ") + nameInHead(reference->file, result.run->inputs);
+}
+
+/// Units that files are read by; mu-t and shares have none.
+QString unitOf(const Result& result) {
+    const QString unit = QString::fromLatin1(result.kind().unit);
+    return unit == QLatin1String("eV") ? unit : QString();
+}
+
+NexusMap mapOf(const ResultPart& part, const Result& result) {
+    NexusMap map{nameInFiles(result), titleOf(result), unitOf(result),
+                 valuesOf(result, part.blanksMasked)};
+    if (const Result* error = errorOf(part, result)) {
+        map.error = valuesOf(*error, part.blanksMasked);
+    }
+    if (const ReferenceInput* reference = result.referenceInput()) {
+        map.attributes.append({"reference", nameInHead(reference->file, result.run->inputs)});
+    }
+    return map;
+}
+
+std::vector<double> valuesOf(const Spectrum& spectrum) {
+    std::vector<double> values;
+    for (int i = 0; i < spectrum.size(); ++i) {
+        values.push_back(spectrum.value(i));
+    }
+    return values;
+}
+
+/// Its points stand at the energies of a sample that they are compared with.
+NexusSpectrum referenceSpectrum(int index, const ReferenceInput& input, const Inputs& inputs,
+                                const XafsSpectrum& spectrum) {
+    NexusSpectrum reference;
+    const QString file = nameInHead(input.file, inputs);
+    reference.name = QStringLiteral("reference_%1").arg(index);
+    reference.title = QStringLiteral("Reference ") + file;
+    reference.attributes = {{"file", file}, {"sha256", QString::fromLatin1(input.file.sha256)}};
+    for (int i = 0; i < spectrum.size(); ++i) {
+        reference.energies.push_back(spectrum.energy(i));
+    }
+    const bool isMlcf = inputs.method == LinearFit::Mlcf;
+    const Spectrum& compared = isMlcf ? spectrum.normalized() : spectrum.doubleNormalizedPreBase();
+    for (const auto& [name, title, series] :
+         {std::tuple("compared", "What the fit compares: normalised mu-t", &compared),
+          std::tuple("mu_t", "mu-t of the file", static_cast<const Spectrum*>(&spectrum))}) {
+        if (series->size() == spectrum.size()) {
+            reference.curves.push_back({name, title, valuesOf(*series)});
+        }
+    }
+    return reference;
+}
+
+/// The energies of a run's frames in order, whatever is loaded now.
+NexusSpectrum frameEnergies(const Inputs& inputs) {
+    NexusSpectrum spectrum;
+    spectrum.name = QStringLiteral("spectrum");
+    spectrum.title = QStringLiteral("Energies of the frames");
+    for (const Stack::File& file : inputs.i1.files) {
+        spectrum.energies.push_back(file.energy);
+    }
+    std::stable_sort(spectrum.energies.begin(), spectrum.energies.end());
+    return spectrum;
+}
+
+}  // namespace
+
+QString nameInFiles(const Result& result) {
+    const QString name = QString::fromLatin1(resultKind(result.kind().value).name);
+    return name + (result.reference < 0 ? QString() : QStringLiteral("_%1").arg(result.reference)) +
+           (isError(result) ? QStringLiteral("_errors") : QString());
+}
+
+std::vector<ResultPart> resultParts(const Measurement& measurement) {
+    std::vector<ResultPart> parts;
+    const std::vector<Result*> all = measurement.results();
+    const bool blanksMasked = measurement.settings().savesMasked;
+    for (const PartRow& row : partRows()) {
+        ResultPart part{
+            QString::fromLatin1(row.name), QString::fromLatin1(row.title), blanksMasked, {}};
+        std::copy_if(
+            all.begin(), all.end(), std::back_inserter(part.results),
+            [&row](const Result* result) { return isOf(row, *result) && result->tookPart(); });
+        std::stable_partition(part.results.begin(), part.results.end(), comesFirst);
+        if (!part.results.empty()) {
+            parts.push_back(part);
+        }
+    }
+    return parts;
+}
+
+NexusMaps mapsOf(const ResultPart& part) {
+    const AnalysisGrid& grid = part.first().image.grid();
+    NexusMaps maps{part.name, part.title, rasterOf(part.first()), {grid.width, grid.height}, {}};
+    for (const Result* result : part.results) {
+        if (!isError(*result)) {
+            maps.maps.push_back(mapOf(part, *result));
+        }
+    }
+    if (part.first().image.isMasked()) {
+        maps.blank = [&image = part.first().image, raster = maps.raster](int column, int row) {
+            return image.isMaskedAt(raster.x(column), raster.y(row)) ? 1.0 : 0.0;
+        };
+    }
+    return maps;
+}
+
+std::vector<NexusSpectrum> spectraOf(const Measurement& measurement,
+                                     const std::vector<ResultPart>& parts) {
+    std::vector<NexusSpectrum> spectra;
+    const auto withRun = std::find_if(parts.begin(), parts.end(), [](const ResultPart& part) {
+        return part.first().run != nullptr;
+    });
+    if (withRun == parts.end()) {
+        return spectra;
+    }
+    const Run& run = *withRun->first().run;
+    spectra.push_back(frameEnergies(run.inputs));
+    const auto count = std::min(run.inputs.references.size(), measurement.references().size());
+    for (std::size_t i = 0; run.work == Work::Fit && i < count; ++i) {
+        const ReferenceInput& used = run.inputs.references[i];
+        const Reference& now = *measurement.references()[i];
+        if (used.takesPart && sameReference(used, now.input())) {
+            spectra.push_back(
+                referenceSpectrum(static_cast<int>(i), used, run.inputs, now.spectrum()));
+        }
+    }
+    return spectra;
+}
+
+BinTable fitTable(const std::vector<ResultPart>& parts) {
+    BinTable table;
+    if (parts.empty() || parts.front().name != QLatin1String(partRows().front().name)) {
+        return table;
+    }
+    const ResultPart& fit = parts.front();
+    table.raster = rasterOf(fit.first());
+    const auto add = [&](ResultId id, int reference, const QString& name) {
+        if (const Result* result = find(fit, id, reference)) {
+            table.columns.push_back({name, valuesOf(*result, fit.blanksMasked)});
+        }
+    };
+    const int references = static_cast<int>(fit.first().run->inputs.references.size());
+    for (int i = 0; i < references; ++i) {
+        for (const ResultId id :
+             {ResultId::Ratio, ResultId::RatioError, ResultId::DMut, ResultId::DMutError}) {
+            add(id, i, QLatin1String(resultKind(id).name) + QStringLiteral("_%1").arg(i + 1));
+        }
+    }
+    add(ResultId::R, -1, QStringLiteral("R"));
+    add(ResultId::Chi2Reduced, -1, QStringLiteral("chi2_reduced"));
+    add(ResultId::Sum, -1, QStringLiteral("sum"));
+    add(ResultId::TotalJump, -1, QStringLiteral("jump"));
+    return table;
+}

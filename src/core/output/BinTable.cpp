@@ -1,0 +1,48 @@
+#include "output/BinTable.h"
+
+#include <QSaveFile>
+#include <array>
+#include <charconv>
+#include <cmath>
+
+#include "files/WholeFile.h"
+
+namespace {
+
+void append(QByteArray* line, double value) {
+    if (std::isnan(value)) {  // which may have a sign
+        line->append("nan");
+        return;
+    }
+    std::array<char, 32> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
+    line->append(text.data(), static_cast<int>(end - text.data()));
+}
+
+}  // namespace
+
+bool writeBinTable(const QString& fileName, const BinTable& table) {
+    QSaveFile file(fileName);
+    if (!openBeside(file)) {
+        return false;
+    }
+    QByteArray text("x,y");
+    for (const BinTable::Column& column : table.columns) {
+        text += ',' + column.name.toUtf8();
+    }
+    text += '\n';
+    const BinRaster& raster = table.raster;
+    for (int row = 0; row < raster.rows; ++row) {
+        for (int column = 0; column < raster.columns; ++column) {
+            text += QByteArray::number(raster.x(column)) + ',' + QByteArray::number(raster.y(row));
+            for (const BinTable::Column& values : table.columns) {
+                text += ',';
+                append(&text, values.value(column, row));
+            }
+            text += '\n';
+        }
+        file.write(text);
+        text.clear();
+    }
+    return putInPlace(file);
+}
