@@ -25,6 +25,7 @@
 #include "window/MapImageAction.h"
 #include "window/Messages.h"
 #include "window/MessagesWindow.h"
+#include "window/ResultFiles.h"
 #include "window/SaveDialogs.h"
 #include "window/SpectrumPane.h"
 #include "window/StatusLine.h"
@@ -102,7 +103,9 @@ Body::Body(QWidget* parent)
     for (QWidget* window : tools) {
         toolWindows->add(window);
     }
-    buildBodyMenu(this, tools, m_record->actions());
+    const auto* resultFiles = new ResultFiles(m_measurement, m_dialogs, this);
+    connect(resultFiles, &ResultFiles::said, this, &Body::say);
+    buildBodyMenu(this, tools, resultFiles->actions(), m_record->actions());
     updateControls(*m_ui, m_measurement, *m_xafsView);
     m_ui->SelectI1Files->setFocus();
 }

@@ -18,8 +18,9 @@ class BodyMenu {
     Q_DECLARE_TR_FUNCTIONS(BodyMenu)
 
   public:
-    BodyMenu(QMainWindow* window, const QWidgetList& toolWindows, const QList<QAction*>& record)
-        : m_window(window), m_toolWindows(toolWindows), m_record(record) {}
+    BodyMenu(QMainWindow* window, const QWidgetList& toolWindows, const QList<QAction*>& saving,
+             const QList<QAction*>& record)
+        : m_window(window), m_toolWindows(toolWindows), m_saving(saving), m_record(record) {}
 
     void build() const {
         addFileMenu();
@@ -46,6 +47,7 @@ class BodyMenu {
 
     QMainWindow* m_window;
     QWidgetList m_toolWindows;
+    QList<QAction*> m_saving;
     QList<QAction*> m_record;
 };
 
@@ -104,6 +106,7 @@ void BodyMenu::addFileMenu() const {
     menu->addAction(m_window->findChild<QAction*>(QStringLiteral("actionSaveMapImage")));
     press(menu, tr("Save S&pectra..."), QStringLiteral("SaveXAFSSpectra"),
           QKeySequence(Qt::CTRL + Qt::Key_E));
+    menu->addActions(m_saving);
     menu->addSeparator();
     menu->addActions(m_record);
     menu->addSeparator();
@@ -237,6 +240,6 @@ void BodyMenu::showMouseAndKeys(QWidget* parent) {
 }  // namespace
 
 void buildBodyMenu(QMainWindow* window, const QWidgetList& toolWindows,
-                   const QList<QAction*>& record) {
-    BodyMenu(window, toolWindows, record).build();
+                   const QList<QAction*>& saving, const QList<QAction*>& record) {
+    BodyMenu(window, toolWindows, saving, record).build();
 }

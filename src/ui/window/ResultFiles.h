@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+
+#include "measurement/Measurement.h"
+
+class QAction;
+class SaveDialogs;
+
+/// Saving all results at once, in the main window's menu.
+class ResultFiles : public QObject {
+    Q_OBJECT
+
+  public:
+    ResultFiles(Measurement& measurement, SaveDialogs* dialogs, QObject* parent);
+
+    /// Entries of the File menu.
+    QList<QAction*> actions() const { return {m_results, m_table}; }
+
+  signals:
+    void said(const Outcome& outcome, const QString& file);
+
+  private:
+    using Save = Outcome (*)(const Measurement& measurement, const QString& fileName);
+
+    QAction* add(const QString& name, const QString& text, const QString& title,
+                 const QString& filter, const QString& suffix, Save save);
+    void update();
+
+    Measurement& m_measurement;
+    SaveDialogs* m_dialogs;
+    QAction* m_results;
+    QAction* m_table;
+};
