@@ -159,6 +159,12 @@ class TestRecord : public QObject {
             answer({file(map.file)});
             lines << map.command << QString("save_data_as_tiff again/%1").arg(map.file);
         }
+        for (const char* name : {"results.h5", "table.csv"}) {
+            const QString action = QString(name).endsWith("h5") ? "Results" : "Table";
+            m_body->findChild<QAction*>("actionSave" + action)->trigger();
+            answer({file(name)});
+        }
+        lines << "save_table again/table.csv";
         saveRecord();
         const Again again = runAgain(contentOf(file("done.bat")) + lines.join('\n').toUtf8());
         QVERIFY2(again.code == 0, qPrintable(again.out + again.problems));
@@ -167,14 +173,18 @@ class TestRecord : public QObject {
             QVERIFY2(first.contains("Tarnwick origin 1\n"), map.file);
             QVERIFY2(first == contentOf(file("again/" + QString(map.file))), map.file);
         }
-        // A saved map alone tells as much.
-        QProcess record;
-        record.start(TARNWICK_BATCH, {"--record", file("ratio.tif")});
-        QVERIFY(record.waitForFinished(50000) && record.exitCode() == 0);
-        const QByteArray wanted = contentOf(file("ratio.tif"));
-        QVERIFY(QFile::remove(file("ratio.tif")));
-        QCOMPARE(runAgain(record.readAllStandardOutput()).code, 0);
-        QVERIFY(contentOf(file("ratio.tif")) == wanted);
+        QVERIFY(contentOf(file("table.csv")).startsWith("x,y,fraction_1,jump_1,fraction_2,jump_2"));
+        QCOMPARE(contentOf(file("again/table.csv")), contentOf(file("table.csv")));
+        // A saved map, or the file with all of them, alone tells as much.
+        for (const char* name : {"ratio.tif", "results.h5"}) {
+            QProcess record;
+            record.start(TARNWICK_BATCH, {"--record", file(name)});
+            QVERIFY(record.waitForFinished(50000) && record.exitCode() == 0);
+            const QByteArray wanted = contentOf(file(name));
+            QVERIFY(QFile::remove(file(name)));
+            QCOMPARE(runAgain(record.readAllStandardOutput()).code, 0);
+            QVERIFY(!wanted.isEmpty() && contentOf(file(name)) == wanted);
+        }
     }
 
     void whatIsNotAsItWasIsSaid() {

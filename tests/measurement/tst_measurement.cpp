@@ -10,6 +10,7 @@
 #include "files/FileListing.h"
 #include "measurement/Display.h"
 #include "measurement/Measurement.h"
+#include "measurement/ResultParts.h"
 
 Q_DECLARE_METATYPE(std::function<void(Measurement&)>)
 Q_DECLARE_METATYPE(QVector<Difference>)
@@ -257,6 +258,14 @@ class TestMeasurement : public QObject {
             QVERIFY(kept[i] == whole[i] || (kept[i] == 0.0 && i >= Width));
         }
         QVERIFY(m.residual(2).image.isValid());
+        // In files the rows that were not reached hold no number instead of 0.
+        const NexusMaps maps = mapsOf(resultParts(m).front());
+        for (int row = 0; row < maps.raster.rows; ++row) {
+            const double value = maps.maps.front().value(0, row);
+            const bool isDone = row * maps.raster.columns < m.residual(0).run->tally.bins;
+            QCOMPARE(std::isnan(value), !isDone);
+            QVERIFY(!isDone || value == m.residual(0).image.valueAt(1, row));
+        }
     }
 
     /// A run that does not come about leaves the results of the one before, which say so.

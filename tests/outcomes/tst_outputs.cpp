@@ -35,6 +35,20 @@ class TestOutputs : public QObject {
             "a dark frame by another name", [] { QFile::link("i0-7000_000eV.tif", "dark.png"); },
             "LOAD\nload_dark_files i0-7000_000eV.tif\nsave_image dark.png", "failed",
             "was read from this file: dark.png");
+        add("results without any", {}, "LOAD\nsave_results a.h5", "failed", "no results to save");
+        add("a table without a fit", {},
+            "LOAD\nanalyzer_set_ra_energy 7110\nanalyzer_exec_ra\n"
+            "save_table a.csv",
+            "failed", "no results of a fit");
+        const QString fitted = "LOAD\nREFS\nanalyzer_exec_LCF\n";
+        add("results over a frame", {}, fitted + "save_results i0-7000_000eV.tif", "failed",
+            "was read from this file");
+        add("results of other bins", {}, fitted + "set_band_w 2\nsave_results a.h5", "warning",
+            "fit: the result is with other bins");
+        add("a table of earlier references", {},
+            fitted + "analyzer_set_LCF_std 1 1 1 b.dat 0\nsave_table a.csv", "warning",
+            "fit: the result is with earlier references");
+        add("results", {}, fitted + "save_results a.h5", "done", "");
         add("several files, one reason", {},
             "LOAD\nREFS\nanalyzer_exec_LCF\nsave_all_images d/a.png", "failed",
             "^[^\n]*cannot be written: d/a-0-0.png[^\n]*$");

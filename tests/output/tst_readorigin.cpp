@@ -11,6 +11,7 @@
 #include "frames/TiffFile.h"
 #include "maps/AnalysisGrid.h"
 #include "maps/Analyzed2DRes.h"
+#include "output/NexusFile.h"
 #include "output/ReadOrigin.h"
 #include "output/ResultWriter.h"
 
@@ -60,6 +61,15 @@ bool writeKind(const QString& kind, const QString& name, const QString& text) {
         options.layout = TableOptions::Layout::Rows;
         return writeResultTable(name, result, options, {{"source", "Ratio"}}, text);
     }
+    if (kind == "h5") {
+        const OriginText origin = OriginText::fromText(text).value_or(OriginText());
+        NexusContent content;
+        content.parts.push_back({"fit", "", {0, 1, 2, 0, 1, 1, 0, 0}, {2, 1}, {}});
+        content.parts.front().maps.push_back({"jump_0", "", "", [](int, int) { return 0.5; }});
+        content.origin = OriginText{origin.entries, {}}.toText();
+        content.record = origin.record.join('\n');
+        return writeNexus(name, content);
+    }
     return writePicture(name, somePicture(), text);
 }
 
@@ -72,10 +82,10 @@ class TestReadOrigin : public QObject {
 
     QString path(const QString& name) const { return m_dir.filePath(name); }
 
-    static void eachKind() {
+    static void eachKind(const QStringList& kinds = {"tif", "png", "dat", "h5"}) {
         QTest::addColumn<QString>("kind");
-        for (const char* kind : {"tif", "png", "dat"}) {
-            QTest::newRow(kind) << kind;
+        for (const QString& kind : kinds) {
+            QTest::newRow(qPrintable(kind)) << kind;
         }
     }
 
@@ -100,7 +110,7 @@ class TestReadOrigin : public QObject {
         }
     }
 
-    void valuesStay_data() { eachKind(); }
+    void valuesStay_data() { eachKind({"tif", "png", "dat"}); }
     void valuesStay() {
         QFETCH(QString, kind);
         const QString plain = path("plain." + kind);

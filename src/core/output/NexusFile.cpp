@@ -74,9 +74,9 @@ void Writer::bins(const QString& path, const NexusMaps& part) {
     m_file.attribute(path, "y_indices", 0);
     m_file.attribute(path, "x_indices", 1);
     field(path + QStringLiteral("/x"), centres(r.firstX, r.stepX, r.columns), {r.columns}, pixel,
-          QStringLiteral("Column of the bin's centre"));
+          QStringLiteral("x (pixel)"));
     field(path + QStringLiteral("/y"), centres(r.firstY, r.stepY, r.rows), {r.rows}, pixel,
-          QStringLiteral("Row of the bin's centre"));
+          QStringLiteral("y (pixel)"));
     pixels(path + QStringLiteral("/bin_half_width"), r.halfWidth);
     pixels(path + QStringLiteral("/bin_half_height"), r.halfHeight);
     pixels(path + QStringLiteral("/image_width"), part.image.width());
@@ -117,7 +117,7 @@ void Writer::spectrum(const QString& path, const NexusSpectrum& spectrum) {
         m_file.attribute(path, attribute.first.constData(), attribute.second);
     }
     field(path + QStringLiteral("/energy"), spectrum.energies, extents, QStringLiteral("eV"),
-          QStringLiteral("Energy"));
+          QStringLiteral("Energy (eV)"));
     QStringList names;
     for (const NexusCurve& curve : spectrum.curves) {
         field(path + QLatin1Char('/') + curve.name, curve.values, extents, QString(), curve.title);
