@@ -36,7 +36,8 @@ struct Switches {
                               "JSON"};
     QCommandLineOption verbose{"verbose", "Print debug lines on standard error."};
     QCommandLineOption origin{
-        "origin", "Print what the saved result FILE (TIFF, PNG, table) says of how it was made."};
+        "origin",
+        "Print what the saved result FILE (TIFF, PNG, HDF5, table) says of how it was made."};
     QCommandLineOption record{"record", "Print the batch that makes the saved result FILE again."};
     QCommandLineOption help{{"h", "help"}, "Show this text."};
     QCommandLineOption version{{"v", "version"}, "Show the version."};
