@@ -11,7 +11,7 @@ ResultFiles::ResultFiles(Measurement& measurement, SaveDialogs* dialogs, QObject
     : QObject(parent),
       m_measurement(measurement),
       m_dialogs(dialogs),
-      m_results(add(QStringLiteral("actionSaveResults"), tr("Save &Results (HDF5)..."),
+      m_results(add(QStringLiteral("actionSaveResults"), tr("Save Res&ults (HDF5)..."),
                     tr("Save Results"), tr("Results (*.h5)"), QStringLiteral("h5"), saveResults)),
       m_table(add(QStringLiteral("actionSaveTable"), tr("Save Tab&le (CSV)..."), tr("Save Table"),
                   tr("Table (*.csv)"), QStringLiteral("csv"), saveTable)) {
