@@ -54,9 +54,10 @@ class Measurement : public QObject {
     }
     void setNames(StackId id, const NamePattern& names);
     void setThreads(int threads) { m_threads = threads; }  ///< of passes over an area
-    double spacing() const;                                ///< of the crystal, in angstrom
-    double edgeEnergy() const;                             ///< as typed, in eV; 0.0 for no number
-    QRectF area() const;  ///< the selected area, else the whole image, in pixels
+    int threads() const { return m_threads > 1 ? m_threads : 1; }
+    double spacing() const;     ///< of the crystal, in angstrom
+    double edgeEnergy() const;  ///< as typed, in eV; 0.0 for no number
+    QRectF area() const;        ///< the selected area, else the whole image, in pixels
     QRectF selection() const { return m_settings.area.within(m_size.width(), m_size.height()); }
 
     // Frames

@@ -105,49 +105,6 @@ NexusMap mapOf(const ResultPart& part, const Result& result) {
     return map;
 }
 
-std::vector<double> valuesOf(const Spectrum& spectrum) {
-    std::vector<double> values;
-    for (int i = 0; i < spectrum.size(); ++i) {
-        values.push_back(spectrum.value(i));
-    }
-    return values;
-}
-
-/// Its points stand at the energies of a sample that they are compared with.
-NexusSpectrum referenceSpectrum(int index, const ReferenceInput& input, const Inputs& inputs,
-                                const XafsSpectrum& spectrum) {
-    NexusSpectrum reference;
-    const QString file = nameInHead(input.file, inputs);
-    reference.name = QStringLiteral("reference_%1").arg(index);
-    reference.title = QStringLiteral("Reference ") + file;
-    reference.attributes = {{"file", file}, {"sha256", QString::fromLatin1(input.file.sha256)}};
-    for (int i = 0; i < spectrum.size(); ++i) {
-        reference.energies.push_back(spectrum.energy(i));
-    }
-    const bool isMlcf = inputs.method == LinearFit::Mlcf;
-    const Spectrum& compared = isMlcf ? spectrum.normalized() : spectrum.doubleNormalizedPreBase();
-    for (const auto& [name, title, series] :
-         {std::tuple("compared", "What the fit compares: normalised mu-t", &compared),
-          std::tuple("mu_t", "mu-t of the file", static_cast<const Spectrum*>(&spectrum))}) {
-        if (series->size() == spectrum.size()) {
-            reference.curves.push_back({name, title, valuesOf(*series)});
-        }
-    }
-    return reference;
-}
-
-/// The energies of a run's frames in order, whatever is loaded now.
-NexusSpectrum frameEnergies(const Inputs& inputs) {
-    NexusSpectrum spectrum;
-    spectrum.name = QStringLiteral("spectrum");
-    spectrum.title = QStringLiteral("Energies of the frames");
-    for (const Stack::File& file : inputs.i1.files) {
-        spectrum.energies.push_back(file.energy);
-    }
-    std::stable_sort(spectrum.energies.begin(), spectrum.energies.end());
-    return spectrum;
-}
-
 }  // namespace
 
 QString nameInFiles(const Result& result) {
@@ -188,29 +145,6 @@ NexusMaps mapsOf(const ResultPart& part) {
         };
     }
     return maps;
-}
-
-std::vector<NexusSpectrum> spectraOf(const Measurement& measurement,
-                                     const std::vector<ResultPart>& parts) {
-    std::vector<NexusSpectrum> spectra;
-    const auto withRun = std::find_if(parts.begin(), parts.end(), [](const ResultPart& part) {
-        return part.first().run != nullptr;
-    });
-    if (withRun == parts.end()) {
-        return spectra;
-    }
-    const Run& run = *withRun->first().run;
-    spectra.push_back(frameEnergies(run.inputs));
-    const auto count = std::min(run.inputs.references.size(), measurement.references().size());
-    for (std::size_t i = 0; run.work == Work::Fit && i < count; ++i) {
-        const ReferenceInput& used = run.inputs.references[i];
-        const Reference& now = *measurement.references()[i];
-        if (used.takesPart && sameReference(used, now.input())) {
-            spectra.push_back(
-                referenceSpectrum(static_cast<int>(i), used, run.inputs, now.spectrum()));
-        }
-    }
-    return spectra;
 }
 
 BinTable fitTable(const std::vector<ResultPart>& parts) {

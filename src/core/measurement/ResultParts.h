@@ -32,9 +32,11 @@ QString nameInFiles(const Result& result);
 /// A part as maps; a map that was loaded counts as one value a pixel.
 NexusMaps mapsOf(const ResultPart& part);
 
-/// What belongs to the parts: the energies of the frames, and the references of the fit as it
-/// compared them, those that have not been changed since.
-std::vector<NexusSpectrum> spectraOf(const Measurement& measurement,
+/// What belongs to the first part that a run made: the mean spectrum of its area over the bins with
+/// counts at all energies, at the frames' energies less the mean energy shift (the energies alone
+/// where other frames or shifts are at hand now), and the references of the fit as it compared
+/// them, but for those that have been changed since.
+std::vector<NexusSpectrum> spectraOf(Measurement& measurement,
                                      const std::vector<ResultPart>& parts);
 
 /// The results of the fit as columns: fraction_r, fraction_error_r, jump_r, jump_error_r for its

@@ -30,7 +30,7 @@ Outcome savePlot(Measurement& measurement, const QString& fileName);
 /// TIFF of the shifts in eV.
 Outcome saveMap(const Measurement& measurement, const QString& fileName);
 /// All results of the last analysis of each kind in one HDF5 file, see output/NexusFile.h.
-Outcome saveResults(const Measurement& measurement, const QString& fileName);
+Outcome saveResults(Measurement& measurement, const QString& fileName);
 /// All results of the fit as one table with a row for each bin.
 Outcome saveTable(const Measurement& measurement, const QString& fileName);
 /// "flat.dat" and "dark.dat" of the images' size, in the present folder.

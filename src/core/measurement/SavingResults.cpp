@@ -34,7 +34,7 @@ Outcome judgement(const Measurement& measurement, const ResultPart& part) {
     return outcome;
 }
 
-NexusContent contentOf(const Measurement& measurement, const std::vector<ResultPart>& parts) {
+NexusContent contentOf(Measurement& measurement, const std::vector<ResultPart>& parts) {
     OriginText origin = originOf(measurement, parts, QStringLiteral("save_results"));
     NexusContent content;
     content.version = QStringLiteral(TARNWICK_VERSION);
@@ -52,7 +52,7 @@ NexusContent contentOf(const Measurement& measurement, const std::vector<ResultP
 
 }  // namespace
 
-Outcome saveResults(const Measurement& measurement, const QString& fileName) {
+Outcome saveResults(Measurement& measurement, const QString& fileName) {
     const std::vector<ResultPart> parts = resultParts(measurement);
     if (parts.empty()) {
         return Outcome::failure(SavingResults::tr("there are no results to save"));

@@ -25,7 +25,7 @@ ResultFiles::ResultFiles(Measurement& measurement, SaveDialogs* dialogs, QObject
 }
 
 QAction* ResultFiles::add(const QString& name, const QString& text, const QString& title,
-                          const QString& filter, const QString& suffix, Save save) {
+                          const QString& filter, const QString& suffix, const Save& save) {
     auto* action = new QAction(text, this);
     action->setObjectName(name);
     connect(action, &QAction::triggered, this, [=] {

@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QObject>
+#include <functional>
 
 #include "measurement/Measurement.h"
 
@@ -22,10 +23,10 @@ class ResultFiles : public QObject {
     void said(const Outcome& outcome, const QString& file);
 
   private:
-    using Save = Outcome (*)(const Measurement& measurement, const QString& fileName);
+    using Save = std::function<Outcome(Measurement& measurement, const QString& fileName)>;
 
     QAction* add(const QString& name, const QString& text, const QString& title,
-                 const QString& filter, const QString& suffix, Save save);
+                 const QString& filter, const QString& suffix, const Save& save);
     void update();
 
     Measurement& m_measurement;
