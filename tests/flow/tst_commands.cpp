@@ -396,6 +396,16 @@ void TestCommands::addAnalyzerCases() {
     add(
         "show_processed 0", {}, [=] { return !showsProcessed(); }, showsProcessed);
     add("show_processed 1", {}, showsProcessed);
+    add("save_results results.h5",
+        [this] { return contentOf(file("results.h5")).startsWith("\x89HDF"); });
+    add("save_table table.csv", [=] {
+        const QList<QByteArray> rows = rowsOf(file("table.csv"));
+        const QList<QByteArray> last = rows.isEmpty() ? rows : rows.last().split(',');
+        return last.size() == 6 && rows.first() == "x,y,fraction_1,jump_1,fraction_2,jump_2" &&
+               last[2].toDouble() == reference(0)
+                                         ->result(LCFReference::Ratio)
+                                         ->shownValueAt(last[0].toInt(), last[1].toInt());
+    });
     add("save_all_images " + file("all.png"), [=] {
         return QImage(file("all-0-0.png")).width() == Size &&
                QImage(file("all-1-1.png")).width() == Size;
