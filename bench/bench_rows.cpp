@@ -269,8 +269,9 @@ void Edges(benchmark::State& state) {
 }
 void Backgrounds(benchmark::State& state) {
     passRows(state, 2,
-             backgroundEvaluators(static_cast<int>(state.range(0)), stacks(512, 100).energies,
-                                  XafsSpectrum::Simple, 7150.0));
+             backgroundEvaluators(static_cast<int>(state.range(0)), BinRaster(),
+                                  stacks(512, 100).energies, XafsSpectrum::Simple, 7150.0,
+                                  [](int, int) { return 0.0; }));
 }
 BENCHMARK(Edges)->ArgName("threads")->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(Backgrounds)->ArgName("threads")->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond);

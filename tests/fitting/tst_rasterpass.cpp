@@ -127,8 +127,9 @@ class TestRasterPass : public QObject {
             RasterPass mlcf(source, raster, 4,
                             fitEvaluators(2, raster, references, {LinearFit::Mlcf, type},
                                           source.energies(), correctionAt));
-            RasterPass curves(source, raster, 2,
-                              backgroundEvaluators(2, source.energies(), type, At));
+            RasterPass curves(
+                source, raster, 2,
+                backgroundEvaluators(2, raster, source.energies(), type, At, correctionAt));
             RasterPass edge(source, raster, 1, edgeEvaluators(2, source.energies()));
             LinearFit alone(references, LinearFit::Lcf);
             LinearFit aloneM(references, LinearFit::Mlcf);
@@ -178,7 +179,8 @@ class TestRasterPass : public QObject {
         raster.halfWidth = 0;
         raster.halfHeight = 0;
         RasterPass pass(source, raster, 2,
-                        backgroundEvaluators(threads, source.energies(), XafsSpectrum::Simple, At));
+                        backgroundEvaluators(threads, raster, source.energies(),
+                                             XafsSpectrum::Simple, At, correctionAt));
         RasterPass::Tally all;
         for (auto row = pass.take(); row.values != nullptr; row = pass.take()) {
             all += row.tally;

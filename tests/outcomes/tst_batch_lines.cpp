@@ -18,6 +18,8 @@ QString badTextOf(ArgKind kind) {
             return QStringLiteral("inf");
         case ArgKind::Stack:
         case ArgKind::Unit:
+        case ArgKind::Edge:
+        case ArgKind::Scale:
         case ArgKind::Background:
         case ArgKind::Crystal:
         case ArgKind::Constraints:
@@ -37,6 +39,10 @@ QString goodTextOf(ArgKind kind) {
             return QStringLiteral("i0");
         case ArgKind::Unit:
             return QStringLiteral("KEV");
+        case ArgKind::Edge:
+            return QStringLiteral("Mean");
+        case ArgKind::Scale:
+            return QStringLiteral("NONE");
         case ArgKind::Background:
             return QStringLiteral("victreen");
         case ArgKind::Crystal:

@@ -32,6 +32,10 @@ QStringList argumentsOf(ArgKind kind) {
             return {"I1", "I2"};
         case ArgKind::Unit:
             return {"eV", "MeV"};
+        case ArgKind::Edge:
+            return {"each", "mean", "7110", "1", "-7110", "edge"};
+        case ArgKind::Scale:
+            return {"jump", "none", "half"};
         case ArgKind::Background:
             return {"Simple", "Polynomial"};
         case ArgKind::Crystal:

@@ -36,6 +36,13 @@ QString refusal(ArgKind kind, const QString& text) {
         case ArgKind::Background:
             ok = backgroundOfWord(text) >= 0;
             return ok ? QString() : Batch::tr("no such background: %1").arg(text);
+        case ArgKind::Edge:
+            ok = edgeOfWord(text).has_value();
+            return ok ? QString()
+                      : Batch::tr("neither each nor mean nor an energy above 0: %1").arg(text);
+        case ArgKind::Scale:
+            ok = scaleOfWord(text).has_value();
+            return ok ? QString() : Batch::tr("neither jump nor none: %1").arg(text);
         case ArgKind::Crystal:
             ok = crystalOfName(text) >= 0;
             return ok ? QString() : Batch::tr("no such crystal: %1").arg(text);

@@ -108,6 +108,10 @@ QString argKindName(ArgKind kind) {
             return QStringLiteral("off|x");
         case ArgKind::Stack:
             return QStringLiteral("I1|I0");
+        case ArgKind::Edge:
+            return QStringLiteral("each|mean|x");
+        case ArgKind::Scale:
+            return QStringLiteral("jump|none");
         case ArgKind::Unit:
             return QStringLiteral("unit");
     }

@@ -36,6 +36,8 @@ enum class ArgKind {
     Stack,         ///< I1 or I0
     Unit,          ///< eV or keV
     Background,    ///< Simple or Victreen
+    Edge,          ///< each, mean or an energy above 0 in eV
+    Scale,         ///< jump or none
     Crystal,       ///< a crystal of the calibration panel, such as Si(111)
     Constraints,   ///< none, nonnegative, sum1 or both
     MapName,       ///< the name of a kind of result

@@ -175,6 +175,13 @@ void addAnalyzerCommands(std::vector<CommandRow>* rows) {
          false,
          Work::None,
          [](Action& a) { a.measurement.set(&S::showsEachRow, a.args.flag(0)); }},
+        {74,
+         "analyzer_set_reference_scale",
+         {K::Scale},
+         1,
+         false,
+         Work::None,
+         [](Action& a) { a.measurement.set(&S::referenceScale, *scaleOfWord(a.args.text(0))); }},
     };
     rows->insert(rows->end(), mine.begin(), mine.end());
 }

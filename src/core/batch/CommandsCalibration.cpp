@@ -25,6 +25,18 @@ void setBackground(Action& a) {
     a.measurement.set(Background, backgroundOfWord(a.args.text(0)));
 }
 
+void setRanges(Action& a) {
+    const BackgroundRanges ranges{inField(a.args.real(0)), inField(a.args.real(1)),
+                                  inField(a.args.real(2)), inField(a.args.real(3))};
+    if (!ranges.ascend()) {
+        a.fail(
+            Batch::tr("the ranges do not ascend: each must end above its beginning, the second "
+                      "not begin below the end of the first"));
+        return;
+    }
+    a.measurement.set(&Settings::ranges, ranges);
+}
+
 void setEdgeEnergy(Action& a) {
     const QString text = a.args.text(0);
     bool ok = true;
@@ -98,6 +110,20 @@ void addCalibrationCommands(std::vector<CommandRow>* rows) {
          false,
          Work::None,
          [](Action& a) { a.outcome += a.measurement.smoothMap(); }},
+        {72,
+         "set_E0",
+         {K::Edge},
+         1,
+         false,
+         Work::None,
+         [](Action& a) { a.measurement.set(&Settings::e0, *edgeOfWord(a.args.text(0))); }},
+        {73,
+         "set_background_ranges",
+         {K::Real, K::Real, K::Real, K::Real},
+         4,
+         false,
+         Work::None,
+         setRanges},
     };
     rows->insert(rows->end(), mine.begin(), mine.end());
 }

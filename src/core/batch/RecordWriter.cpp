@@ -30,6 +30,11 @@ QString joined(const QString& command, const QStringList& args) {
     return command + QLatin1Char('\n') + args.join(QLatin1Char('\n'));
 }
 
+QStringList rangesArgs(const BackgroundRanges& r) {
+    return {fieldText(r.preStart), fieldText(r.preEnd), fieldText(r.postStart),
+            fieldText(r.postEnd)};
+}
+
 QStringList namesArgs(const QString& stack, const NamePattern& names) {
     // A batch takes no pattern that is none; it finds nothing, and so does this one.
     const bool isValid = QRegularExpression(names.pattern).isValid();
@@ -58,6 +63,9 @@ RecordWriter::RecordWriter(const QString& folder) : m_folder(folder) {
     atStart("standard background", "calib_set_std_background", {backgroundWord(0)});
     atStart("crystal", "calib_set_crystal", {QString::fromLatin1(CrystalTable[0].name)});
     atStart("edge", "calib_set_edge_eV", {});
+    atStart("e0", "set_E0", {edgeWord(s.e0)});
+    atStart("ranges", "set_background_ranges", rangesArgs(s.ranges));
+    atStart("scale", "analyzer_set_reference_scale", {scaleWord(s.referenceScale)});
     atStart("method", "analyzer_set_LCF_mode", {"0"});
     atStart("ra energy", "analyzer_set_ra_energy", {fieldText(s.raEnergy)});
     atStart("ra factor", "analyzer_set_ra_factor", {fieldText(s.raFactor)});
@@ -242,7 +250,7 @@ void RecordWriter::references(const std::vector<ReferenceInput>& references) {
 }
 
 void RecordWriter::inputs(const Inputs& in, Work work) {
-    if (work == Work::Fit || work == Work::Difference) {
+    if (work == Work::Fit || work == Work::Difference || hasCommonE0(in, work)) {
         map(in.map);
     }
     frames(in);
@@ -258,7 +266,13 @@ void RecordWriter::inputs(const Inputs& in, Work work) {
     }
     put(QStringLiteral("target background"), QStringLiteral("calib_set_target_background"),
         {backgroundWord(in.background)});
+    put(QStringLiteral("ranges"), QStringLiteral("set_background_ranges"), rangesArgs(in.ranges));
+    if (work == Work::Residual || in.method == LinearFit::Lcf) {
+        put(QStringLiteral("e0"), QStringLiteral("set_E0"), {edgeWord(in.e0)});
+    }
     if (work == Work::Fit) {
+        put(QStringLiteral("scale"), QStringLiteral("analyzer_set_reference_scale"),
+            {scaleWord(in.referenceScale)});
         references(in.references);
         put(QStringLiteral("method"), QStringLiteral("analyzer_set_LCF_mode"),
             {flag(in.method == LinearFit::Mlcf)});

@@ -21,4 +21,9 @@ struct FitRule {
 
     FitRule(Method fitMethod = Lcf, const Normalisation& ofSample = {})
         : method(fitMethod), sample(ofSample) {}
+
+    bool operator==(const FitRule& o) const {
+        return method == o.method && referenceScale == o.referenceScale &&
+               constraints == o.constraints && sample == o.sample && withErrors == o.withErrors;
+    }
 };

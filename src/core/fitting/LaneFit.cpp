@@ -38,7 +38,7 @@ void LaneFit::prepare(double correction) {
 void LaneFit::fit(const double* mu, const double* corrections, int count, double* results) {
     const double* y = mu;
     if (m_rule.method == LinearFit::Lcf) {
-        m_normaliser.normalise(mu, count);
+        m_normaliser.normalise(mu, count, corrections);
         m_normaliser.doubleNormalised(mu, m_allPoints, m_y.data());
         y = m_y.data();
     }
@@ -113,26 +113,34 @@ RasterPass::Evaluate fitOneByOne(const BinRaster& raster, const QVector<XafsSpec
     };
 }
 
+/// The energy corrections of a pack's bins.
+void correctionsOf(const RasterPass::Pack& pack, const BinRaster& raster,
+                   const CorrectionAt& correctionAt, double* corrections) {
+    for (int l = 0; l < pack.count; ++l) {
+        corrections[l] = correctionAt(raster.x(pack.column + l), raster.y(pack.row));
+    }
+}
+
 RasterPass::Evaluate fitPacks(const BinRaster& raster, const QVector<XafsSpectrum>& references,
                               const FitRule& rule, const std::vector<double>& energies,
                               const CorrectionAt& correctionAt) {
     const auto fit = std::make_shared<LaneFit>(references, rule, energies);
     return [=](const RasterPass::Pack& pack, double* values) {
         double corrections[Count];
-        for (int l = 0; l < pack.count; ++l) {
-            corrections[l] = correctionAt(raster.x(pack.column + l), raster.y(pack.row));
-        }
+        correctionsOf(pack, raster, correctionAt, corrections);
         fit->fit(pack.mu, corrections, pack.count, values);
         return fit->withoutJump();
     };
 }
 
-RasterPass::Evaluate curvesOneByOne(const std::vector<double>& energies,
-                                    const Normalisation& sample, double e) {
+RasterPass::Evaluate curvesOneByOne(const BinRaster& raster, const std::vector<double>& energies,
+                                    const Normalisation& sample, double e,
+                                    const CorrectionAt& correctionAt) {
     return [=](const RasterPass::Pack& pack, double* values) {
         int withoutJump = 0;
         for (int l = 0; l < pack.count; ++l) {
-            const XafsSpectrum spectrum(spectrumOf(energies, pack.mu, l), sample, 0.0,
+            const XafsSpectrum spectrum(spectrumOf(energies, pack.mu, l), sample,
+                                        correctionAt(raster.x(pack.column + l), raster.y(pack.row)),
                                         XafsSpectrum::Quiet);
             withoutJump += spectrum.dMut() == 0.0;
             *values++ = spectrum.preEdge().valueAt(e);
@@ -142,11 +150,14 @@ RasterPass::Evaluate curvesOneByOne(const std::vector<double>& energies,
     };
 }
 
-RasterPass::Evaluate curvesOfPacks(const std::vector<double>& energies, const Normalisation& sample,
-                                   double e) {
+RasterPass::Evaluate curvesOfPacks(const BinRaster& raster, const std::vector<double>& energies,
+                                   const Normalisation& sample, double e,
+                                   const CorrectionAt& correctionAt) {
     const auto normaliser = std::make_shared<LaneNormaliser>(energies, sample);
-    return [normaliser, e](const RasterPass::Pack& pack, double* values) {
-        normaliser->normalise(pack.mu, pack.count);
+    return [=](const RasterPass::Pack& pack, double* values) {
+        double corrections[Count];
+        correctionsOf(pack, raster, correctionAt, corrections);
+        normaliser->normalise(pack.mu, pack.count, corrections);
         for (int l = 0; l < pack.count; ++l) {
             *values++ = normaliser->preAt(e, l);
             *values++ = normaliser->postAt(e, l);
@@ -167,9 +178,10 @@ std::vector<RasterPass::Evaluate> fitEvaluators(int threads, const BinRaster& ra
                         [&] { return make(raster, references, rule, energies, correctionAt); });
 }
 
-std::vector<RasterPass::Evaluate> backgroundEvaluators(int threads,
+std::vector<RasterPass::Evaluate> backgroundEvaluators(int threads, const BinRaster& raster,
                                                        const std::vector<double>& energies,
-                                                       const Normalisation& sample, double e) {
+                                                       const Normalisation& sample, double e,
+                                                       const CorrectionAt& correctionAt) {
     const auto make = LaneNormaliser::suits(energies) ? curvesOfPacks : curvesOneByOne;
-    return ofEachThread(threads, [&] { return make(energies, sample, e); });
+    return ofEachThread(threads, [&] { return make(raster, energies, sample, e, correctionAt); });
 }

@@ -59,7 +59,9 @@ std::vector<RasterPass::Evaluate> fitEvaluators(int threads, const BinRaster& ra
                                                 const CorrectionAt& correctionAt);
 
 /// For residual absorption: for each bin the values of the pre-edge and of the post-edge curve at
-/// an energy (eV); 0.0 where there are too few points for a curve.
-std::vector<RasterPass::Evaluate> backgroundEvaluators(int threads,
+/// an energy (eV); 0.0 where there are too few points for a curve. Energy corrections move a common
+/// E0 alone.
+std::vector<RasterPass::Evaluate> backgroundEvaluators(int threads, const BinRaster& raster,
                                                        const std::vector<double>& energies,
-                                                       const Normalisation& sample, double e);
+                                                       const Normalisation& sample, double e,
+                                                       const CorrectionAt& correctionAt);

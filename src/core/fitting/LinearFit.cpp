@@ -8,7 +8,14 @@
 LinearFit::LinearFit(QVector<XafsSpectrum> references, const FitRule& rule)
     : m_references(std::move(references)), m_rule(rule) {
     for (const XafsSpectrum& s : std::as_const(m_references)) {
-        m_preBaseSeries.emplace_back(s, s.doubleNormalizedPreBase());
+        if (m_rule.referenceScale == FitRule::ReferenceScale::None) {
+            Spectrum values(s);
+            values.setShiftOn(false);  // as a normalised series, which is moved as a whole
+            m_drawnSeries.emplace_back(s, values);
+            m_basisSeries.emplace_back(s, values);
+            continue;
+        }
+        m_drawnSeries.emplace_back(s, s.doubleNormalizedPreBase());
         m_basisSeries.emplace_back(
             s, m_rule.method == Mlcf ? s.normalized() : s.doubleNormalizedPreBase());
     }
@@ -143,12 +150,14 @@ const XafsSpectrum& LinearFit::fittedCurve(const std::vector<double>& shares) {
         for (std::size_t k = 0; k < m_energies.size(); ++k) {
             double value = 0.0;
             for (std::size_t i = 0; i < shares.size(); ++i) {
-                value += m_preBaseSeries[i].at(m_energies[k]) * shares[i];
+                value += m_drawnSeries[i].at(m_energies[k]) * shares[i];
             }
             out[k] = {m_energies[k], value};
         }
     });
-    m_curve = XafsSpectrum(points, m_curveType, 0.0);
+    Normalisation rule = m_rule.sample;
+    rule.background = m_curveType;
+    m_curve = XafsSpectrum(points, rule, 0.0);
     m_curveShares = shares;
     m_curveValid = true;
     return m_curve;

@@ -13,6 +13,7 @@
 ///
 /// LCF: double-normalized-pre-base of the sample = sum of c_i times that of reference i.
 /// MLCF: mu-t of the sample = c + d E + sum of c_i times the normalized series of reference i.
+/// With FitRule::ReferenceScale::None both take the values of the references' files instead.
 ///
 /// What depends on the references and the energies alone (the reference values at the sample's
 /// energies, the normal matrix, its decomposition) is kept from fit to fit while these stay the
@@ -37,8 +38,9 @@ class LinearFit {
     /// 0); MLCF: the coefficient, negative ones taken as 0.
     const std::vector<double>& dMuts() const { return m_dMuts; }
 
-    /// Sum of the references' double-normalized-pre-base values times the given shares, at the
-    /// energies of the last fit, normalised with the sample's background type.
+    /// Sum of the references' double-normalized-pre-base values (with ReferenceScale::None those of
+    /// their files) times the given shares, at the energies of the last fit, normalised as the rule
+    /// says with the sample's background type.
     const XafsSpectrum& fittedCurve(const std::vector<double>& shares);
 
     // What a fit of samples with given energies rests on, for those who fit several at once.
@@ -58,7 +60,7 @@ class LinearFit {
     void shares(const double* coefficients, double edgeJump, double* ratios, double* dMuts) const;
 
   private:
-    /// A normalised series of a reference, with what is added to an energy to find its value.
+    /// A series of a reference, with what is added to an energy to find its value.
     struct Series {
         CurveLookup curve;
         bool referenceIsShifted;
@@ -71,8 +73,8 @@ class LinearFit {
     };
 
     QVector<XafsSpectrum> m_references;
-    std::vector<Series> m_preBaseSeries;  // double-normalized-pre-base of every reference
-    std::vector<Series> m_basisSeries;    // what the fit is made of
+    std::vector<Series> m_drawnSeries;  // what the fitted curve is made of
+    std::vector<Series> m_basisSeries;  // and the fit
     FitRule m_rule;
 
     // Of the energies of the last sample.

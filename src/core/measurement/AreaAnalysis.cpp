@@ -86,15 +86,16 @@ Analyzed2DRes& imageOf(const ResidualResults& results, ResultId id) {
 
 class Residual : public AreaAnalysis {
   public:
-    Residual(const AnalysisGrid& grid, std::shared_ptr<Run> run, const ResidualResults& results)
-        : AreaAnalysis(grid, std::move(run)), m_results(results) {}
+    Residual(const AnalysisGrid& grid, std::shared_ptr<Run> run, const ResidualResults& results,
+             const Analyzed2DRes& map)
+        : AreaAnalysis(grid, std::move(run)), m_results(results), m_shiftAt(shiftsOf(map)) {}
 
     int valuesPerBin() const override { return 2; }
 
     std::vector<RasterPass::Evaluate> evaluators(int threads,
                                                  const AbsorptionSource& source) const override {
-        return backgroundEvaluators(threads, source.energies(), sampleRule(m_run->inputs),
-                                    m_run->inputs.raEnergy);
+        return backgroundEvaluators(threads, m_grid.raster(), source.energies(), sampleRule(*m_run),
+                                    m_run->inputs.raEnergy, m_shiftAt);
     }
 
     void begin() override {
@@ -126,6 +127,7 @@ class Residual : public AreaAnalysis {
     }
 
     ResidualResults m_results;
+    std::function<double(int x, int y)> m_shiftAt;
 };
 
 }  // namespace
@@ -160,6 +162,7 @@ std::unique_ptr<AreaAnalysis> makeCalibration(const AnalysisGrid& grid, std::sha
 }
 
 std::unique_ptr<AreaAnalysis> makeResidual(const AnalysisGrid& grid, std::shared_ptr<Run> run,
-                                           const ResidualResults& results) {
-    return std::make_unique<Residual>(grid, std::move(run), results);
+                                           const ResidualResults& results,
+                                           const Analyzed2DRes& map) {
+    return std::make_unique<Residual>(grid, std::move(run), results, map);
 }

@@ -67,9 +67,10 @@ std::unique_ptr<AreaAnalysis> makeFit(const AnalysisGrid& grid, std::shared_ptr<
 using ResidualResults = std::array<Result*, ResidualCount>;
 
 /// Residual absorption: the edge jump at an energy, what is left of the pre-edge there, and the
-/// share of the latter.
+/// share of the latter. The energy shifts of the map move a common E0 alone.
 std::unique_ptr<AreaAnalysis> makeResidual(const AnalysisGrid& grid, std::shared_ptr<Run> run,
-                                           const ResidualResults& results);
+                                           const ResidualResults& results,
+                                           const Analyzed2DRes& map);
 
 /// mu-t at the one energy less that at the other.
 std::unique_ptr<AreaAnalysis> makeDifference(const AnalysisGrid& grid, std::shared_ptr<Run> run,

@@ -145,6 +145,10 @@ const char* differenceText(Difference difference) {
             return QT_TRANSLATE_NOOP("Difference", "of another area");
         case Difference::Background:
             return QT_TRANSLATE_NOOP("Difference", "with another background");
+        case Difference::Edge:
+            return QT_TRANSLATE_NOOP("Difference", "with another E0");
+        case Difference::Ranges:
+            return QT_TRANSLATE_NOOP("Difference", "with other background ranges");
         case Difference::Settings:
             return QT_TRANSLATE_NOOP("Difference", "with other settings");
         case Difference::Before:

@@ -43,7 +43,7 @@ class Fit : public AreaAnalysis {
 
     std::vector<RasterPass::Evaluate> evaluators(int threads,
                                                  const AbsorptionSource& source) const override {
-        return fitEvaluators(threads, m_grid.raster(), m_spectra, fitRule(m_run->inputs),
+        return fitEvaluators(threads, m_grid.raster(), m_spectra, fitRule(*m_run),
                              source.energies(), m_shiftAt);
     }
 

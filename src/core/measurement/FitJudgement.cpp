@@ -177,8 +177,7 @@ Outcome judgeDifference(const std::vector<double>& energies, double from, double
 }  // namespace
 
 Outcome judgeFit(const std::vector<double>& energies,
-                 const std::vector<std::unique_ptr<Reference>>& references,
-                 LinearFit::Method method) {
+                 const std::vector<std::unique_ptr<Reference>>& references, const FitRule& rule) {
     Taking taking;
     QVector<XafsSpectrum> spectra;
     Outcome outcome;
@@ -199,7 +198,7 @@ Outcome judgeFit(const std::vector<double>& energies,
     if (taking.empty()) {
         return Outcome::failure(Texts::tr("no reference is in use"));
     }
-    LinearFit fit(spectra, method);
+    LinearFit fit(spectra, rule);
     fit.prepare(energies);
     const int inside = static_cast<int>(fit.points().size());
     const int all = static_cast<int>(energies.size());
@@ -278,9 +277,13 @@ Outcome judgeBefore(Work work, const std::vector<double>& energies,
                     const std::vector<std::unique_ptr<Reference>>& references,
                     const Settings& settings) {
     if (work == Work::Fit) {
-        Outcome outcome = judgeFit(energies, references, settings.method);
+        FitRule rule(settings.method);
+        rule.referenceScale = settings.referenceScale;
+        Outcome outcome = judgeFit(energies, references, rule);
         outcome += judgeRule(references, settings);
-        outcome.notes += otherBackgrounds(references, settings.targetBackground);
+        if (rule.referenceScale == FitRule::ReferenceScale::Jump) {
+            outcome.notes += otherBackgrounds(references, settings.targetBackground);
+        }
         return outcome;
     }
     if (work == Work::Difference) {

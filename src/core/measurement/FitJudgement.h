@@ -30,8 +30,7 @@ struct Run;
 /// and the order of the limit are those of D. A. Belsley, E. Kuh, R. E. Welsch, Regression
 /// Diagnostics, Wiley 1980, ch. 3: 30 to 100 for moderate to strong dependencies.
 Outcome judgeFit(const std::vector<double>& energies,
-                 const std::vector<std::unique_ptr<Reference>>& references,
-                 LinearFit::Method method);
+                 const std::vector<std::unique_ptr<Reference>>& references, const FitRule& rule);
 
 /// Of a fit with the energy shifts of a map (eV): how many bins are left with fewer energies inside
 /// all references in use than the fit needs. Warns of some, fails for all.

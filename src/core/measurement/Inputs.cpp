@@ -37,13 +37,31 @@ Difference ofFit(const Inputs& a, const Inputs& b) {
     if (a.background != b.background) {
         return Difference::Background;
     }
-    return a.method == b.method && a.constraints == b.constraints ? Difference::None
-                                                                  : Difference::Settings;
+    if (a.method == LinearFit::Lcf && !(a.e0 == b.e0)) {
+        return Difference::Edge;
+    }
+    const bool hasLines =
+        a.method == LinearFit::Lcf || a.referenceScale == FitRule::ReferenceScale::Jump;
+    if (hasLines && !(a.ranges == b.ranges)) {
+        return Difference::Ranges;
+    }
+    const bool same = a.method == b.method && a.referenceScale == b.referenceScale &&
+                      a.constraints == b.constraints;
+    return same ? Difference::None : Difference::Settings;
 }
 
 Difference ofResidual(const Inputs& a, const Inputs& b) {
+    if (hasCommonE0(a, Work::Residual) && !sameMap(a, b)) {
+        return Difference::Map;
+    }
     if (a.background != b.background) {
         return Difference::Background;
+    }
+    if (!(a.e0 == b.e0)) {
+        return Difference::Edge;
+    }
+    if (!(a.ranges == b.ranges)) {
+        return Difference::Ranges;
     }
     return a.raEnergy == b.raEnergy && a.raFactor == b.raFactor ? Difference::None
                                                                 : Difference::Settings;
@@ -67,9 +85,21 @@ Difference ofCalibration(const Inputs& a, const Inputs& b) {
 
 }  // namespace
 
+bool hasCommonE0(const Inputs& inputs, Work work) {
+    return inputs.e0.kind != EdgeChoice::Kind::Each &&
+           (work == Work::Residual || (work == Work::Fit && inputs.method == LinearFit::Lcf));
+}
+
+bool sameMeanSpectrum(const Inputs& a, const Inputs& b) {
+    return difference(a, b, Work::None) == Difference::None && sameMap(a, b);
+}
+
 Normalisation sampleRule(const Inputs& inputs) {
     Normalisation rule(inputs.background);
     rule.ranges = inputs.ranges;
+    if (inputs.e0.kind == EdgeChoice::Kind::Energy) {
+        rule.e0 = inputs.e0.energy;
+    }
     return rule;
 }
 

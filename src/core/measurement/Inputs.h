@@ -79,7 +79,13 @@ struct MapInput {
     quint64 revision = 0;
 };
 
-/// How the spectra of the image are normalised, and how they are fitted.
+/// Whether this work goes by one E0 for all bins. Not MLCF, whose sample needs no lines.
+bool hasCommonE0(const Inputs& inputs, Work work);
+/// Whether the mean spectrum of the area would be the same.
+bool sameMeanSpectrum(const Inputs& a, const Inputs& b);
+
+/// How the spectra of the image are normalised, and how they are fitted; without the E0 of the mean
+/// spectrum, which is found by a run.
 Normalisation sampleRule(const Inputs& inputs);
 FitRule fitRule(const Inputs& inputs);
 
@@ -94,6 +100,8 @@ enum class Difference {
     Bins,
     Area,
     Background,
+    Edge,
+    Ranges,
     Settings,
     Before
 };

@@ -18,8 +18,10 @@ Measurement::Measurement()
       m_results({ResultFamily::Fit, ResultFamily::Residual, ResultFamily::Difference}),
       m_threads(QThread::idealThreadCount()),
       m_job([this](const RasterPass::Row& row, const BinRaster& raster) {
-          m_analysis->run()->tally += row.tally;
-          m_analysis->take(row, raster);
+          if (!m_search) {
+              m_analysis->run()->tally += row.tally;
+              m_analysis->take(row, raster);
+          }
       }) {
     connectStack(m_i1);
     connectStack(m_i0);
@@ -81,9 +83,10 @@ void Measurement::settingChanged(const Settings& before) {
         what |= Position;
     }
     if (before.standardBackground != now.standardBackground && m_hasStandard) {
-        m_standard.spectrum.normalise(now.standardBackground);
+        m_standard.normalise(now.standardBackground);
         what |= Standard;
     }
+    followSampleRule(before, &what);
     if (before.fixedScale != now.fixedScale || before.dMutMin != now.dMutMin ||
         before.dMutMax != now.dMutMax || before.ratioMin != now.ratioMin ||
         before.ratioMax != now.ratioMax) {
@@ -207,6 +210,8 @@ Outcome Measurement::addReference() {
         ++m_settings.selected;
     }
     m_references.push_back(std::make_unique<Reference>(index, rehearsal()));
+    m_references.back()->setRanges(m_settings.ranges);
+    m_references.back()->setNeedsLines(m_settings.referenceScale == FitRule::ReferenceScale::Jump);
     m_references.back()->setUse(referenceCount() <= UsedFromTheStart);
     applyScales();
     emit changed(Changes(References) | Setting);
@@ -255,8 +260,7 @@ const XafsSpectrum& Measurement::sample() {
                                                     ? source().energies()
                                                     : std::vector<double>())
                         : source().spectrumAt(x, y, m_settings.halfWidth, m_settings.halfHeight);
-        m_sample = std::make_unique<XafsSpectrum>(raw, m_settings.targetBackground,
-                                                  shiftAt(&m_map->image, x, y));
+        m_sample = std::make_unique<XafsSpectrum>(raw, sampleRule(), shiftAt(&m_map->image, x, y));
     }
     return *m_sample;
 }

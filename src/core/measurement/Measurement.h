@@ -141,6 +141,10 @@ class Measurement : public QObject {
     QPointF position() const { return m_position; }
     void setPosition(double x, double y);
     const XafsSpectrum& sample();  ///< at the position, corrected; without points for none
+    /// How it is normalised: with the E0 of the mean spectrum of the area, where that is chosen and
+    /// a run with the same frames, bins, area and map has found it, else with its own.
+    Normalisation sampleRule() const;
+    bool lacksMeanE0() const;  ///< it is chosen, but not known
     const AbsorptionSource& source();
     /// The file of the batch that runs: no output may replace it. Empty for none.
     void setBatchFile(const QString& file) { m_batchFile = file; }
@@ -166,6 +170,12 @@ class Measurement : public QObject {
     void inputsChanged(Changes what);
     AnalysisGrid grid() const;
     std::unique_ptr<AreaAnalysis> makeAnalysis(Work work);
+    Outcome judgeEdge(Work work);
+    void beginMean();
+    void beginPass();
+    Outcome takeMean();
+    double percentDone(double ofPass) const;
+    void followSampleRule(const Settings& before, Changes* what);
     ResidualResults residualResults() const;
     Outcome judgeStart(Work work);
     void stopRun(const QString& why);
@@ -178,6 +188,11 @@ class Measurement : public QObject {
     void standIn();
     void rowsTaken(int rows, int of);
     void passEnded(RasterPass::Failure failure);
+
+    struct MeanSearch {
+        std::shared_ptr<RowSums> sums;
+        ShiftAt shiftAt;
+    };
 
     std::unique_ptr<Rehearsal> m_rehearsal;
     Settings m_settings;
@@ -201,6 +216,8 @@ class Measurement : public QObject {
     std::unique_ptr<XafsSpectrum> m_sample;  // null: to be formed again
     int m_threads;
     std::unique_ptr<AreaAnalysis> m_analysis;
+    std::optional<MeanSearch> m_search;      // while the run looks for the mean spectrum
+    std::shared_ptr<const Run> m_foundMean;  // the last that has found one
     RowJob m_job;
     ShareOfTime m_eachRow;
     AnalysisGrid m_point;  // of the last fit

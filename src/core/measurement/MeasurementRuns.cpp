@@ -92,16 +92,17 @@ Outcome Measurement::judgeStart(Work work) {
         return outcome;
     }
     outcome += judgeBefore(work, source().energies(), m_references, m_settings);
+    outcome += judgeEdge(work);
     if (work == Work::Calibrate) {
         outcome += judgeStandard(standard(), m_i1.files());
     }
     if (work == Work::Fit && m_map->image.hasData() && !outcome.failed()) {
         outcome += judgeShiftedFit(source().energies(), m_references, m_settings.method, raster,
                                    shiftsOf(m_map->image));
-        if (m_map->isOfBefore) {
-            outcome.warnings << tr(
-                "the energy map is an earlier one: what was to replace it failed");
-        }
+    }
+    if ((work == Work::Fit || hasCommonE0(inputs(), work)) && m_map->image.hasData() &&
+        m_map->isOfBefore && !outcome.failed()) {
+        outcome.warnings << tr("the energy map is an earlier one: what was to replace it failed");
     }
     return outcome;
 }
@@ -116,13 +117,12 @@ std::unique_ptr<AreaAnalysis> Measurement::makeAnalysis(Work work) {
                                {calibrationEdge(standard()), source().energies().front()});
     }
     if (work == Work::Fit) {
-        m_point = grid();
         return makeFit(grid(), run, m_references, m_results, m_map->image);
     }
     if (work == Work::Difference) {
         return makeDifference(grid(), run, find(ResultId::Difference), m_map->image);
     }
-    return makeResidual(grid(), run, residualResults());
+    return makeResidual(grid(), run, residualResults(), m_map->image);
 }
 
 Outcome Measurement::start(Work work) {
@@ -134,18 +134,15 @@ Outcome Measurement::start(Work work) {
         markOfBefore(work);
         return judged;
     }
-    const AbsorptionSource& frames = source();
+    source();  // with the dark frames of now
     m_analysis = makeAnalysis(work);
-    m_analysis->run()->warnings = judged.warnings;
-    m_eachRow.start();
-    m_analysis->begin();
-    BinRaster raster = m_analysis->grid().raster();
-    if (m_rehearsal) {
-        standIn();
-        raster.rows = 0;
+    Run& run = *m_analysis->run();
+    run.warnings = judged.warnings;
+    if (run.inputs.e0.kind == EdgeChoice::Kind::Mean && hasCommonE0(run.inputs, work)) {
+        beginMean();
+    } else {
+        beginPass();
     }
-    m_job.start(frames, raster, m_analysis->valuesPerBin(),
-                m_analysis->evaluators(std::max(1, m_threads), frames));
     // Who is told may stop it at once.
     emit changed(Changes(AtWork) | Results | Display);
     if (working() == work) {
@@ -154,6 +151,22 @@ Outcome Measurement::start(Work work) {
     Outcome begun;  // its warnings come with its end
     begun.notes = judged.notes;
     return begun;
+}
+
+void Measurement::beginPass() {
+    if (working() == Work::Fit) {
+        m_point = m_analysis->grid();
+    }
+    m_eachRow.start();
+    m_analysis->begin();
+    BinRaster raster = m_analysis->grid().raster();
+    if (m_rehearsal) {
+        standIn();
+        raster.rows = 0;
+    }
+    const AbsorptionSource& frames = source();
+    m_job.start(frames, raster, m_analysis->valuesPerBin(),
+                m_analysis->evaluators(std::max(1, m_threads), frames));
 }
 
 /// Values in the place of those that a rehearsal does not work out.
@@ -173,21 +186,35 @@ void Measurement::standIn() {
 void Measurement::rowsTaken(int rows, int) {
     AnalysisGrid at = m_analysis->grid();
     at.y = at.raster().y(rows - 1);
-    m_analysis->run()->percent = at.percent();
     const Work work = working();
-    if (m_settings.showsEachRow) {
+    if (!m_search) {
+        m_analysis->run()->percent = at.percent();
+    }
+    if (m_settings.showsEachRow && !m_search) {
         // Large images of many rows would take far longer to show than to fit.
         m_eachRow.spend([this] {
             m_analysis->remakePictures();
             emit changed(Changes(Results) | Display);
         });
     }
-    emit progressed(work, at.percent(), 100.0);
+    emit progressed(work, percentDone(at.percent()), 100.0);
 }
 
 void Measurement::passEnded(RasterPass::Failure failure) {
+    Outcome mean;
+    if (m_search && failure == RasterPass::Failure::None) {
+        mean = takeMean();
+        if (!mean.failed()) {
+            return;
+        }
+    }
     const std::unique_ptr<AreaAnalysis> analysis = std::move(m_analysis);
     Run& run = *analysis->run();
+    if (mean.failed()) {
+        endAsStopped(analysis);
+        emit ended(run.work, mean);
+        return;
+    }
     if (failure != RasterPass::Failure::None) {
         endAsStopped(analysis);
         emit ended(run.work, Outcome::failure(failure == RasterPass::Failure::NoThread
@@ -200,6 +227,9 @@ void Measurement::passEnded(RasterPass::Failure failure) {
     run.state = Run::State::Complete;
     run.percent = 100.0;
     Outcome outcome = judgeAfter(run);
+    if (run.mean && !m_rehearsal) {
+        outcome.notes << tr("E0 of the mean spectrum: %1 eV").arg(run.mean->e0(), 0, 'f', 2);
+    }
     if (!m_rehearsal) {
         outcome += analysis->judgement();
     }
@@ -242,7 +272,12 @@ void Measurement::stopRun(const QString& why) {
 void Measurement::endAsStopped(const std::unique_ptr<AreaAnalysis>& analysis) {
     Run& run = *analysis->run();
     run.state = Run::State::Stopped;
-    analysis->stopped();
+    if (m_search) {
+        m_search.reset();
+        markOfBefore(run.work);  // its own have not been begun
+    } else {
+        analysis->stopped();
+    }
     applyMask();
     m_newMap.reset();
     if (run.work == Work::Calibrate) {

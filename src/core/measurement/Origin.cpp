@@ -39,6 +39,7 @@ class Writer {
         }
     }
     void area(const Inputs& in);
+    void edge(const Inputs& in, Work work);
     void references(const Inputs& in);
     void map(const std::shared_ptr<const MapInput>& map);
     void inputs(const Inputs& in, Work work);
@@ -59,6 +60,17 @@ void Writer::area(const Inputs& in) {
     add("area", a.isWhole()
                     ? QStringLiteral("whole")
                     : QStringLiteral("%1 %2 %3 %4").arg(a.x0).arg(a.y0).arg(a.x1).arg(a.y1));
+}
+
+void Writer::edge(const Inputs& in, Work work) {
+    if (work == Work::Residual || in.method == LinearFit::Lcf) {
+        const bool isEnergy = in.e0.kind == EdgeChoice::Kind::Energy;
+        add("E0", isEnergy ? edgeWord(in.e0) + " eV" : edgeWord(in.e0));
+    }
+    const BackgroundRanges& r = in.ranges;
+    add("background ranges", QStringLiteral("%1 %2 %3 %4 eV")
+                                 .arg(fieldText(r.preStart), fieldText(r.preEnd),
+                                      fieldText(r.postStart), fieldText(r.postEnd)));
 }
 
 void Writer::references(const Inputs& in) {
@@ -111,13 +123,18 @@ void Writer::inputs(const Inputs& in, Work work) {
         return;
     }
     add("background", backgroundWord(in.background));
+    edge(in, work);
     if (work == Work::Residual) {
         add("method", QStringLiteral("residual absorption"));
         add("energy", fieldText(in.raEnergy) + " eV");
         add("factor", fieldText(in.raFactor));
+        if (hasCommonE0(in, work)) {
+            map(in.map);
+        }
         return;
     }
     add("method", in.method == LinearFit::Mlcf ? QStringLiteral("MLCF") : QStringLiteral("LCF"));
+    add("reference scale", scaleWord(in.referenceScale));
     if (in.constraints != FitRule::Constraints::None) {
         add("constraints", constraintsWord(in.constraints));
     }
@@ -179,6 +196,9 @@ void addInputs(Writer& writer, const Measurement& measurement, const Result& res
         return;
     }
     writer.inputs(result.run->inputs, result.run->work);
+    if (result.run->mean) {
+        writer.add("E0 of the mean spectrum", exact(result.run->mean->e0()) + " eV");
+    }
     if (result.id == ResultId::Shift && measurement.mapInput()) {
         writer.add("smoothed", timesText(measurement.mapInput()->smoothed));
     }

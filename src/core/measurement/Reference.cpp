@@ -69,7 +69,7 @@ Outcome NormalisedFile::read(const QString& fileName, int background) {
     file = fileInput(fileName);
     isStandIn = rehearsal != nullptr && rehearsal->find(fileName) != nullptr;
     warnings = taken.warnings;
-    spectrum.normalise(background);
+    normalise(background);
     Outcome outcome;
     outcome.warnings = warnings;
     const QString fault = edgeFault();
@@ -77,6 +77,11 @@ Outcome NormalisedFile::read(const QString& fileName, int background) {
         outcome.warnings << fault;
     }
     return outcome;
+}
+
+void NormalisedFile::normalise(int background) {
+    spectrum.setRanges(ranges);
+    spectrum.normalise(background);
 }
 
 void NormalisedFile::forget() {
@@ -89,12 +94,16 @@ void NormalisedFile::forget() {
 }
 
 QString NormalisedFile::edgeFault() const {
-    constexpr int FewestPoints = 3;
-    if (spectrum.isEmpty() || isStandIn) {
+    if (spectrum.isEmpty() || isStandIn || !needsLines) {
         return {};
     }
-    if (spectrum.midE() == 0.0) {
-        return Texts::tr("no edge: %1").arg(file.name);
+    return spectrum.midE() == 0.0 ? Texts::tr("no edge: %1").arg(file.name) : lineFault();
+}
+
+QString NormalisedFile::lineFault() const {
+    constexpr int FewestPoints = 3;
+    if (spectrum.isEmpty() || isStandIn || !needsLines) {
+        return {};
     }
     const double e0 = spectrum.findE(0.5, 0);
     const int pre = pointsIn(spectrum, e0 + spectrum.preStart(), e0 + spectrum.preEnd());
@@ -145,9 +154,23 @@ void Reference::setDeltaE(double deltaE) {
 
 void Reference::setBackground(int background) {
     m_background = background;
+    normalise();
+}
+
+void Reference::setRanges(const BackgroundRanges& ranges) {
+    m_file.ranges = ranges;
+    normalise();
+}
+
+void Reference::setNeedsLines(bool needsLines) {
+    m_file.needsLines = needsLines;
+    m_revision = nextRevision();
+}
+
+void Reference::normalise() {
     // Series that already carried the offset would be moved by it a second time in the fit.
     m_file.spectrum.setShiftOn(false);
-    m_file.spectrum.normalise(background);
+    m_file.normalise(m_background);
     applyShift();
 }
 

@@ -19,15 +19,21 @@ struct NormalisedFile {
     QStringList warnings;    ///< what was left out of it
     bool isStandIn = false;  ///< of a rehearsal: only its energies are those of the file
     const Rehearsal* rehearsal = nullptr;  ///< what has not been written stands for itself
+    BackgroundRanges ranges;
+    bool needsLines = true;  ///< false: its values count as they are
 
     /// Replaces the spectrum by the file's, see takeSpectrumFile(); failed, and empty with a new
     /// revision, when it is not taken.
     Outcome read(const QString& fileName, int background);
     void forget();
 
+    void normalise(int background);
+
     /// What makes the normalisation worthless, with the file's name: there is no edge (midE is 0),
-    /// or the pre-edge or post-edge line rests on fewer than three points. Empty: nothing.
+    /// or a lineFault(). Empty: nothing, or it is not needed.
     QString edgeFault() const;
+    /// That the pre-edge or post-edge line rests on fewer than three points.
+    QString lineFault() const;
 };
 
 /// One reference of the fits: its spectrum with background and energy offset, and its result
@@ -64,11 +70,15 @@ class Reference {
     bool isStandIn() const { return m_file.isStandIn; }
     /// See NormalisedFile.
     QString edgeFault() const { return m_file.edgeFault(); }
+    QString lineFault() const { return m_file.lineFault(); }
     /// What was left out of the file, and what is wrong with its edge as it is normalised now.
     QStringList warnings() const;
     void setUse(bool use);
     void setDeltaE(double deltaE);
     void setBackground(int background);
+    void setRanges(const BackgroundRanges& ranges);
+    /// See FitRule::ReferenceScale; without lines there is no fault in them.
+    void setNeedsLines(bool needsLines);
 
     /// The edge jump for a kind that there is not.
     Result& result(int kind) const { return *m_results.find(idOf(kind)); }
@@ -78,6 +88,7 @@ class Reference {
     static ResultId idOf(int kind) {
         return static_cast<ResultId>(kind > 0 && kind < KindCount ? kind : 0);
     }
+    void normalise();
     void applyShift();
 
     NormalisedFile m_file;

@@ -1,5 +1,19 @@
 #include "measurement/Result.h"
 
+Normalisation sampleRule(const Run& run) {
+    Normalisation rule = sampleRule(run.inputs);
+    if (run.inputs.e0.kind == EdgeChoice::Kind::Mean && run.mean) {
+        rule.e0 = run.mean->e0();
+    }
+    return rule;
+}
+
+FitRule fitRule(const Run& run) {
+    FitRule rule = fitRule(run.inputs);
+    rule.sample = sampleRule(run);
+    return rule;
+}
+
 const ReferenceInput* Result::referenceInput() const {
     const auto index = static_cast<std::size_t>(reference);
     return reference >= 0 && run && index < run->inputs.references.size()

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include "absorption/MeanSpectrum.h"
 #include "absorption/RasterPass.h"
 #include "fitting/ResultKinds.h"
 #include "maps/Analyzed2DRes.h"
@@ -19,7 +20,13 @@ struct Run {
     QStringList warnings;        ///< of what could be judged at its start
     RasterPass::Tally tally;     ///< of the bins done
     mutable bool saved = false;  ///< one of its results, or the record that makes them
+    /// That of the area, when E0 is its own; null until it has been found.
+    std::shared_ptr<const MeanSpectrum> mean;
 };
+
+// Those of its inputs, with the E0 of the mean spectrum.
+Normalisation sampleRule(const Run& run);
+FitRule fitRule(const Run& run);
 
 /// A result image with what it was made from.
 struct Result {

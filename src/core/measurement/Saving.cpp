@@ -341,6 +341,11 @@ Outcome saveSpectra(Measurement& measurement, const QString& fileName,
             break;
         }
     }
+    if (!outcome.failed() && measurement.lacksMeanE0()) {
+        outcome.warnings << Saving::tr(
+            "the E0 of the mean spectrum is not known before an analysis of the area (LCF or "
+            "residual absorption): the spectrum was saved with its own");
+    }
     return outcome;
 }
 

@@ -78,3 +78,41 @@ std::optional<double> maskOfWord(const QString& word) {
     const double factor = inField(word.toDouble());
     return std::isfinite(factor) && factor > 0.0 ? std::optional<double>(factor) : std::nullopt;
 }
+QString edgeWord(const EdgeChoice& choice) {
+    switch (choice.kind) {
+        case EdgeChoice::Kind::Each:
+            return QStringLiteral("each");
+        case EdgeChoice::Kind::Mean:
+            return QStringLiteral("mean");
+        case EdgeChoice::Kind::Energy:
+            break;
+    }
+    return fieldText(choice.energy);
+}
+
+std::optional<EdgeChoice> edgeOfWord(const QString& word) {
+    if (isWord(word, "each")) {
+        return EdgeChoice{EdgeChoice::Kind::Each};
+    }
+    if (isWord(word, "mean")) {
+        return EdgeChoice{EdgeChoice::Kind::Mean};
+    }
+    bool isNumber = false;
+    const double energy = inField(word.toDouble(&isNumber));
+    return isNumber && std::isfinite(energy) && energy > 0.0
+               ? std::optional<EdgeChoice>({EdgeChoice::Kind::Energy, energy})
+               : std::nullopt;
+}
+
+QString scaleWord(FitRule::ReferenceScale scale) {
+    return scale == FitRule::ReferenceScale::None ? QStringLiteral("none") : QStringLiteral("jump");
+}
+
+std::optional<FitRule::ReferenceScale> scaleOfWord(const QString& word) {
+    for (const auto scale : {FitRule::ReferenceScale::Jump, FitRule::ReferenceScale::None}) {
+        if (word.compare(scaleWord(scale), Qt::CaseInsensitive) == 0) {
+            return scale;
+        }
+    }
+    return std::nullopt;
+}

@@ -34,6 +34,16 @@ std::optional<ResultId> resultOfName(const QString& name);
 
 /// The mask that a batch asks for: 0 for "off"; none for what is neither this nor above 0.
 std::optional<double> maskOfWord(const QString& word);
+struct EdgeChoice;
+/// each, mean, or the energy in eV: as batches and records write it.
+QString edgeWord(const EdgeChoice& choice);
+/// What such a word in any case chooses; none for another word and for an energy that is not finite
+/// or not above 0.
+std::optional<EdgeChoice> edgeOfWord(const QString& word);
+
+/// jump or none.
+QString scaleWord(FitRule::ReferenceScale scale);
+std::optional<FitRule::ReferenceScale> scaleOfWord(const QString& word);
 
 /// How energies are found in the names of a stack's files.
 struct NamePattern {

@@ -120,13 +120,24 @@ void LaneNormaliser::fit(const double* mu, const double* edges, double start, do
     }
 }
 
-void LaneNormaliser::normalise(const double* mu, int count) {
-    const int n = static_cast<int>(m_energies.size());
-    double edges[Count];
-    m_kernels.risingEdge(mu, m_energies.data(), n, EdgeFraction, edges);
-    fit(mu, edges, m_rule.ranges.preStart, m_rule.ranges.preEnd, &m_pre);
-    fit(mu, edges, m_rule.ranges.postStart, m_rule.ranges.postEnd, &m_post);
+void LaneNormaliser::findEdges(const double* mu, int count, const double* corrections,
+                               double* edges) const {
+    if (!m_rule.e0) {
+        m_kernels.risingEdge(mu, m_energies.data(), static_cast<int>(m_energies.size()),
+                             EdgeFraction, edges);
+        return;
+    }
+    for (int l = 0; l < Count; ++l) {
+        edges[l] = *m_rule.e0 + (corrections != nullptr && l < count ? corrections[l] : 0.0);
+    }
+}
 
+void LaneNormaliser::findMiddle(const double* mu, const double* edges) {
+    if (m_rule.e0) {
+        std::copy_n(edges, Count, m_midE);
+        return;
+    }
+    const int n = static_cast<int>(m_energies.size());
     lanes::Range range;
     for (int l = 0; l < Count; ++l) {
         const double from = edges[l] + m_rule.ranges.preEnd;
@@ -139,6 +150,14 @@ void LaneNormaliser::normalise(const double* mu, int count) {
             n - 1, lowerBound(edges[l] + m_rule.ranges.postStart, l > 0 ? range.end[l - 1] : 0));
     }
     m_kernels.middle(mu, m_energies.data(), m_abscissae, m_pre, m_post, range, m_midE);
+}
+
+void LaneNormaliser::normalise(const double* mu, int count, const double* corrections) {
+    double edges[Count];
+    findEdges(mu, count, corrections, edges);
+    fit(mu, edges, m_rule.ranges.preStart, m_rule.ranges.preEnd, &m_pre);
+    fit(mu, edges, m_rule.ranges.postStart, m_rule.ranges.postEnd, &m_post);
+    findMiddle(mu, edges);
     for (int l = 0; l < Count; ++l) {
         const int pair = pairAround(m_midE[l]);
         m_dMut[l] =

@@ -21,8 +21,9 @@ class LaneNormaliser {
                    lanes::Units units = lanes::bestUnits());
 
     /// Normalises the pack mu[energy * lanes::Count + spectrum], whose first `count` spectra
-    /// matter.
-    void normalise(const double* mu, int count = lanes::Count);
+    /// matter. With a common E0 each has it moved by its energy correction (eV), `count` of them;
+    /// null: by nothing.
+    void normalise(const double* mu, int count = lanes::Count, const double* corrections = nullptr);
 
     // Of the last pack, one for each of its spectra.
     const double* midE() const { return m_midE; }
@@ -45,6 +46,8 @@ class LaneNormaliser {
         int row[background::MaxTerms] = {};
     };
 
+    void findEdges(const double* mu, int count, const double* corrections, double* edges) const;
+    void findMiddle(const double* mu, const double* edges);
     void fit(const double* mu, const double* edges, double start, double end, lanes::Curve* curve);
     int prepared(int first, int end);
     template <typename Kind>

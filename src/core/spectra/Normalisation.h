@@ -10,6 +10,7 @@ struct BackgroundRanges {
     double postStart = 10.0;
     double postEnd = 1000.0;
 
+    bool ascend() const { return preStart < preEnd && preEnd <= postStart && postStart < postEnd; }
     bool operator==(const BackgroundRanges& o) const {
         return preStart == o.preStart && preEnd == o.preEnd && postStart == o.postStart &&
                postEnd == o.postEnd;

@@ -51,10 +51,8 @@ XafsSpectrum::XafsSpectrum(const Spectrum& measured, const Normalisation& rule,
     : Spectrum(measured),
       m_results(new Results),
       m_backgroundType(rule.background),
-      m_preStart(rule.ranges.preStart),
-      m_preEnd(rule.ranges.preEnd),
-      m_postStart(rule.ranges.postStart),
-      m_postEnd(rule.ranges.postEnd),
+      m_ranges(rule.ranges),
+      m_commonE0(rule.e0),
       m_energyCorrection(energyCorrection) {
     livecounts::addXafsSpectra(1);
     normalise(rule.background, debug);
@@ -65,10 +63,8 @@ XafsSpectrum::XafsSpectrum(const XafsSpectrum& other)
       m_results(other.share()),
       m_not9809(other.m_not9809),
       m_backgroundType(other.m_backgroundType),
-      m_preStart(other.m_preStart),
-      m_preEnd(other.m_preEnd),
-      m_postStart(other.m_postStart),
-      m_postEnd(other.m_postEnd),
+      m_ranges(other.m_ranges),
+      m_commonE0(other.m_commonE0),
       m_energyCorrection(other.m_energyCorrection) {
     livecounts::addXafsSpectra(1);
 }
@@ -83,10 +79,8 @@ XafsSpectrum& XafsSpectrum::operator=(const XafsSpectrum& other) {
     Spectrum::operator=(other);
     m_not9809 = other.m_not9809;
     m_backgroundType = other.m_backgroundType;
-    m_preStart = other.m_preStart;
-    m_preEnd = other.m_preEnd;
-    m_postStart = other.m_postStart;
-    m_postEnd = other.m_postEnd;
+    m_ranges = other.m_ranges;
+    m_commonE0 = other.m_commonE0;
     m_energyCorrection = other.m_energyCorrection;
     return *this;
 }
@@ -97,13 +91,13 @@ XafsSpectrum::~XafsSpectrum() {
 }
 
 void XafsSpectrum::setPreRange(double start, double end) {
-    m_preStart = start;
-    m_preEnd = end;
+    m_ranges.preStart = start;
+    m_ranges.preEnd = end;
 }
 
 void XafsSpectrum::setPostRange(double start, double end) {
-    m_postStart = start;
-    m_postEnd = end;
+    m_ranges.postStart = start;
+    m_ranges.postEnd = end;
 }
 
 void XafsSpectrum::normalise(int backgroundType, Debug debug) {
@@ -117,10 +111,10 @@ void XafsSpectrum::normalise(int backgroundType, Debug debug) {
         release(m_results);
         m_results = own;
     }
-    const double e0 = findE(0.5, 0);
+    const double e0 = m_commonE0 ? *m_commonE0 + m_energyCorrection : findE(0.5, 0);
     const int kind = background::kindOf(backgroundType);
-    m_results->preEdge.fit(kind, *this, e0 + m_preStart, e0 + m_preEnd);
-    m_results->postEdge.fit(kind, *this, e0 + m_postStart, e0 + m_postEnd);
+    m_results->preEdge.fit(kind, *this, e0 + m_ranges.preStart, e0 + m_ranges.preEnd);
+    m_results->postEdge.fit(kind, *this, e0 + m_ranges.postStart, e0 + m_ranges.postEnd);
     findMidEandDMut(e0, debug);
     fillSeries();
 }
@@ -149,9 +143,9 @@ void store(Spoint* series, int first, int second, Pair e, Pair value) {
 
 }  // namespace
 
-void XafsSpectrum::findMidEandDMut(double e0, Debug debug) {
-    const double from = e0 + m_preEnd;
-    const double to = e0 + m_postStart;
+double XafsSpectrum::crossingAround(double e0) const {
+    const double from = e0 + m_ranges.preEnd;
+    const double to = e0 + m_ranges.postStart;
     const Under preEdge(m_results->preEdge);
     const Under postEdge(m_results->postEdge);
     double sum = 0.0;
@@ -171,7 +165,11 @@ void XafsSpectrum::findMidEandDMut(double e0, Debug debug) {
             ++crossings;
         }
     }
-    m_results->midE = crossings > 0 ? sum / crossings : 0.0;
+    return crossings > 0 ? sum / crossings : 0.0;
+}
+
+void XafsSpectrum::findMidEandDMut(double e0, Debug debug) {
+    m_results->midE = m_commonE0 ? e0 : crossingAround(e0);
     m_results->dMut =
         m_results->postEdge.valueAt(m_results->midE) - m_results->preEdge.valueAt(m_results->midE);
     if (m_results->dMut == 0.0 && debug == Talkative) {

@@ -3,6 +3,7 @@
 #include <QAtomicInt>
 #include <QMetaType>
 #include <cstddef>
+#include <optional>
 
 #include "spectra/BgCurve.h"
 #include "spectra/Normalisation.h"
@@ -10,7 +11,8 @@
 
 /// An absorption spectrum (energy in eV, mu-t) that normalises itself: it finds its edge, fits a
 /// pre-edge and a post-edge background, and from them the mid-edge energy, the edge jump and four
-/// normalised series. Curves and series always belong to the last normalisation.
+/// normalised series. Curves and series always belong to the last normalisation. With a common E0
+/// no edge is sought: the spectrum has it at that E0 plus its energy correction.
 ///
 /// Copies share curves and series, behind one pointer, until one of them is normalised again, also
 /// between threads.
@@ -31,7 +33,8 @@ class XafsSpectrum : public Spectrum {
     XafsSpectrum& operator=(const XafsSpectrum& other);
     ~XafsSpectrum();
 
-    /// Normalises with this background type; does nothing without points.
+    /// Normalises with this background type, in the ranges and with the common E0 that have been
+    /// given; does nothing without points.
     void normalise(int backgroundType, Debug debug = Talkative);
 
     int backgroundType() const { return m_backgroundType; }
@@ -42,17 +45,19 @@ class XafsSpectrum : public Spectrum {
     void setNot9809(int flag) { m_not9809 = flag; }
 
     // Ranges of the background fits in eV, relative to the edge.
-    double preStart() const { return m_preStart; }
-    double preEnd() const { return m_preEnd; }
-    double postStart() const { return m_postStart; }
-    double postEnd() const { return m_postEnd; }
+    double preStart() const { return m_ranges.preStart; }
+    double preEnd() const { return m_ranges.preEnd; }
+    double postStart() const { return m_ranges.postStart; }
+    double postEnd() const { return m_ranges.postEnd; }
     void setPreRange(double start, double end);
     void setPostRange(double start, double end);
+    void setRanges(const BackgroundRanges& ranges) { m_ranges = ranges; }
 
     const BgCurve& preEdge() const { return m_results->preEdge; }
     const BgCurve& postEdge() const { return m_results->postEdge; }
 
-    /// Mean energy (eV) at which mu-t crosses the middle between the backgrounds; 0.0 for none.
+    /// Mean energy (eV) at which mu-t crosses the middle between the backgrounds, 0.0 for none;
+    /// with a common E0 that, plus the energy correction.
     double midE() const { return m_results->midE; }
     /// Edge jump: post-edge minus pre-edge curve at midE.
     double dMut() const { return m_results->dMut; }
@@ -94,16 +99,15 @@ class XafsSpectrum : public Spectrum {
 
     Results* share() const;
     static void release(Results* results);
+    double crossingAround(double e0) const;
     void findMidEandDMut(double e0, Debug debug);
     void fillSeries();
 
     Results* m_results;  // never null
     int m_not9809 = 1;
     int m_backgroundType = Victreen;
-    double m_preStart = -100.0;
-    double m_preEnd = -10.0;
-    double m_postStart = 10.0;
-    double m_postEnd = 1000.0;
+    BackgroundRanges m_ranges;
+    std::optional<double> m_commonE0;
     double m_energyCorrection = 0.0;
 };
 
