@@ -230,6 +230,29 @@ def iron_stack(data, program, report):
                found[0][(found[0][:, 0] == 52) & (found[0][:, 1] == 22)][0, 2], 0.391979161, 1e-7)
 
 
+def weak_iron(data, program, report):
+    """Single pixels by MLCF with the references as their files give them, against a fit by constant,
+    slope and references: median share over the half of the pixels with most iron."""
+    names = sorted(data.glob("I1-*.tif"))
+    e = np.array([float(n.stem[3:-2].replace("_", ".")) for n in names])
+    i1 = np.array([read_tiff(n) for n in names], float)
+    i0 = np.array([read_tiff(data / n.name.replace("I1-", "I0-")) for n in names], float)
+    references = [data / "oxidized.dat", data / "reduced.dat"]
+    curves = [np.interp(e, *read_columns(path)) for path in references]
+    mu = np.log(i0 / i1).reshape(len(e), -1)
+    own = np.linalg.lstsq(np.stack([np.ones_like(e), e - e.mean()] + curves, axis=1), mu,
+                          rcond=None)[0][2:]
+    much = own.sum(axis=0) > np.median(own.sum(axis=0))
+    expected = np.median(own[0][much] / own.sum(axis=0)[much])
+    program.run([f"load_I1_files_of_pattern NEW {data} I1-*.tif",
+                 f"load_I0_files_of_pattern NEW {data} I0-*.tif", "set_band_w 0", "set_band_h 0",
+                 "analyzer_set_reference_scale none", "analyzer_set_LCF_mode 1"] +
+                fits(references) + saves(1, 0, "weak.txt"))
+    report.add("Fe L, MLCF, scale none: own median share", expected, 0.640, 1e-3)
+    found = program.table("weak.txt")[:, 2]
+    report.add("Fe L, MLCF, scale none: median share", np.median(found[much]), expected, 1e-6)
+
+
 def gold(data, program, report):
     for source, name in (("au_lcf_sample_7.03h", "sample"), ("au_lcf_ref_foil", "foil"),
                          ("au_lcf_ref_au3cl_aq", "chloride")):
@@ -284,6 +307,7 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
         program = Program(args.batch, pathlib.Path(folder))
         iron_stack(data / "fe-l-edge", program, report)
+        weak_iron(data / "fe-l-edge", program, report)
         gold(data / "spectra", program, report)
         foil = data / "spectra/fe_metal_rt.xdi"
         single("Fe foil", foil, read_columns(foil), program, report,
