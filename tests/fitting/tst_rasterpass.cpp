@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <random>
 
 #include "DebugLines.h"
@@ -15,6 +16,7 @@
 #include "TinyStacks.h"
 #include "absorption/AbsorptionSource.h"
 #include "absorption/BinRowSpectra.h"
+#include "absorption/MeanSpectrum.h"
 #include "calibration/EnergyShift.h"
 #include "fitting/LaneFit.h"
 
@@ -120,7 +122,13 @@ class TestRasterPass : public QObject {
         const AbsorptionSource source(i1, i0, Width, Height);
         const BinRaster raster = wholeImage();
         const QVector<XafsSpectrum> references{edges::reference(0.1), edges::reference(0.4)};
+        std::vector<Normalisation> rules;
         for (int type = 0; type < background::Count; ++type) {
+            rules.insert(rules.end(), 2, type);
+            rules.back().e0 = 7100.3;
+            rules.back().ranges = {-50.0, -10.25, 5.0, 71.0};
+        }
+        for (const Normalisation& type : rules) {
             RasterPass lcf(source, raster, 4,
                            fitEvaluators(2, raster, references, {LinearFit::Lcf, type},
                                          source.energies(), correctionAt));
@@ -200,6 +208,69 @@ class TestRasterPass : public QObject {
         QCOMPARE(all.withoutJump, flat);
         QVERIFY(expected > 0 && flat > 0);
         QCOMPARE(said.countOf("dMut_ is 0"), 0);
+    }
+
+    /// Over the bins with counts at all energies, as a plain loop sums them up.
+    void meanSpectrum_data() {
+        QTest::addColumn<int>("threads");
+        for (const int threads : {1, 2, 5}) {
+            QTest::addRow("%d threads", threads) << threads;
+        }
+    }
+    void meanSpectrum() {
+        QFETCH(int, threads);
+        const Energies energies = evenly(7000, 7300, 4);
+        std::mt19937 random(4);
+        const FrameSet i1 = tinyStack(Width, 40, energies, [&](int i, int x, int y) {
+            const double mu = edges::step(energies[static_cast<std::size_t>(i)] + x, 0.2);
+            const bool isEmpty = (x == 3 && i == 7) || (x == 5 && y % 2 == 0) || y == 11;
+            return isEmpty ? quint16(0)
+                           : quint16(4000.0 * std::exp(-mu) + static_cast<double>(random() % 50));
+        });
+        const FrameSet i0 =
+            tinyStack(Width, 40, {7000}, [](int, int x, int) { return quint16(8000 + x); });
+        const AbsorptionSource source(i1, i0, Width, 40);
+        const BinRaster raster{0, 1, Width, 0, 1, 40, 0, 0};
+        const auto sums = std::make_shared<RowSums>();
+        RasterPass pass(
+            source, raster, 1,
+            meanEvaluators(threads, raster, source.energyCount(), correctionAt, sums));
+        double counted = 0.0;
+        for (auto row = pass.take(); row.values != nullptr; row = pass.take()) {
+            counted = std::accumulate(row.values, row.values + Width, counted);
+        }
+        const MeanSpectrum mean = meanOf(*sums, source.energies());
+
+        Energies all(energies.size());
+        double shifts = 0.0;
+        int bins = 0;
+        for (int y = 0; y < raster.rows; ++y) {
+            Energies ofRow(energies.size());
+            double shift = 0.0;
+            for (int x = 0; x < Width; ++x) {
+                if (x == 3 || (x == 5 && y % 2 == 0) || y == 11) {
+                    continue;
+                }
+                const Spectrum bin = source.spectrumAt(x, y, 0, 0);
+                for (std::size_t i = 0; i < energies.size(); ++i) {
+                    ofRow[i] += bin.value(static_cast<int>(i));
+                }
+                shift += correctionAt(x, y);
+                ++bins;
+            }
+            std::transform(all.begin(), all.end(), ofRow.begin(), all.begin(), std::plus<>());
+            shifts += shift;
+        }
+        QCOMPARE(mean.bins, bins);
+        QCOMPARE(counted, bins);
+        QVERIFY(same(mean.shift, shifts / bins));
+        Spectrum expected;
+        for (std::size_t i = 0; i < energies.size(); ++i) {
+            expected.append(energies[i] - shifts / bins, all[i] / bins);
+            QVERIFY(same(mean.spectrum.value(static_cast<int>(i)), all[i] / bins));
+        }
+        QVERIFY(mean.hasEdge() && same(mean.e0(), expected.findE(0.5, 0)));
+        QVERIFY(!meanOf(RowSums(), energies).hasEdge());
     }
 
     void withoutFramesAnEdgeIsZero() {

@@ -50,6 +50,46 @@ class TestFitsJudged : public QObject {
         add("just enough", {}, offset(-290), "warning", "only 4 of 31 energies .*: a.dat covers");
         add("too few", {}, offset(-291), "failed", "3 of 31 energies .* needs 4: a.dat covers");
         add("too few for MLCF", {}, mlcf(offset(-290)), "failed", "4 of 31 .* needs 6");
+        const QString lcf = offset(0);
+        const auto with = [](const QString& line, QString lines) {
+            return lines.replace("REFS", line + "\nREFS");
+        };
+        const QString ra("LOAD\nREFS\nanalyzer_exec_ra");
+        for (const char* e0 : {"mean", "7110", "Each"}) {
+            add(qPrintable(QString("LCF, E0 ") + e0), {}, with(QString("set_E0 ") + e0, lcf),
+                "done", "");
+            add(qPrintable(QString("RA, E0 ") + e0), {},
+                with(QString("set_E0 %1\nanalyzer_set_ra_energy 7200").arg(e0), ra), "done", "");
+        }
+        add("E0 outside", {}, with("set_E0 6999.9", lcf), "failed",
+            "E0 at 6999.90 eV lies outside the energies of the frames, 7000.00 to 7300.00 eV");
+        add("E0 outside of RA", {}, with("set_E0 8000", ra), "failed", "E0 at 8000.00 eV");
+        add("E0 outside, where none is needed", {}, with("set_E0 8000", mlcf(lcf)), "done", "");
+        add("no room for lines", {}, with("set_E0 7025", lcf), "failed",
+            "around E0 at 7025.00 eV hold fewer than 3");
+        add("narrow ranges", {}, with("set_background_ranges -30 -10 10 30", lcf), "failed",
+            "\\(-30 .. -10, 10 .. 30 eV\\) hold fewer than 3 .* wherever E0 is");
+        add("ranges apart", {}, with("set_background_ranges -200 -180 180 200", ra), "failed",
+            "wherever E0 is");
+        add("ranges just wide enough", {}, with("set_background_ranges -30 0 0 30", ra), "warning",
+            "8200 eV .* outside");
+        add("a reference without points", {},
+            with("set_background_ranges -100 -60 100 200",
+                 offset(0).replace("exec_LCF", "set_LCF_std 1 1 0 short.dat 0\nanalyzer_exec_LCF")),
+            "failed", "line on 0 points: short.dat");
+        add("a reference that needs none", {},
+            with("analyzer_set_reference_scale none",
+                 mlcf(offset(0)).replace("set_LCF_mode", "set_LCF_std 1 1 0 s.dat 0\n"
+                                                         "analyzer_set_LCF_mode")),
+            "done", "");
+        for (const char* line : {"set_E0 0", "set_E0 -7110", "set_E0 nan", "set_E0 edge"}) {
+            add(line, {}, line, "failed", "neither each nor mean nor an energy above 0");
+        }
+        for (const char* line : {"set_background_ranges -10 -10 10 20",
+                                 "set_background_ranges -20 12 10 20",
+                                 "set_background_ranges -20 -10 30 20"}) {
+            add(line, {}, line, "failed", "do not ascend");
+        }
         add("nine tenths", {}, offset(-50), "done", "");
         add("fewer", {}, offset(-60), "warning", "only 27 of 31 energies");
         add("no edge", putLine, other, "warning", "no edge: s.dat");

@@ -174,23 +174,34 @@ class TestLanes : public QObject {
         for (int i = 10; i < 110; ++i) {
             points.push_back(i);
         }
+        // Of each bin's own edge and of one for all, which lies outside the energies for some.
+        const double corrections[Count] = {0.0, 0.25, -13.1, 6.0, -200.0, 300.0, 0.7, 1e5};
+        std::vector<Normalisation> rules;
         for (int type = 0; type < background::Count; ++type) {
-            LaneNormaliser normaliser(e, type, units);
+            rules.insert(rules.end(), 4, type);
+            rules[rules.size() - 3].ranges = {-61.7, -8.3, -1.9, 33.3};
+            rules[rules.size() - 2].e0 = 7113.7;
+            rules.back().e0 = 7113.7;
+            rules.back().ranges = {-61.7, -8.3, -8.3, 9.5};
+        }
+        for (const Normalisation& rule : rules) {
+            LaneNormaliser normaliser(e, rule, units);
             std::vector<double> y(points.size() * Count);
             for (std::size_t first = 0; first < all.size(); first += Count) {
                 const std::vector<double> mu = packed(all, first);
                 double edges[Count];
                 lanes::kernels(units).risingEdge(mu.data(), e.data(), static_cast<int>(e.size()),
                                                  0.7, edges);
-                normaliser.normalise(mu.data());
+                normaliser.normalise(mu.data(), Count, corrections);
                 normaliser.doubleNormalised(mu.data(), points, y.data());
                 for (int l = 0; l < Count; ++l) {
                     Spectrum raw;
                     raw.assign(e.data(), all[first + static_cast<std::size_t>(l)].data(),
                                static_cast<int>(e.size()));
                     QVERIFY(same(edges[l], raw.findE(0.7, 0)));
-                    const XafsSpectrum alone(raw, type, 0.0);
+                    const XafsSpectrum alone(raw, rule, corrections[l]);
                     QVERIFY(same(normaliser.midE()[l], alone.midE()));
+                    QVERIFY(!rule.e0 || alone.midE() == *rule.e0 + corrections[l]);
                     QVERIFY(same(normaliser.dMut()[l], alone.dMut()));
                     for (double at : {6900.0, 7100.05, e[7], e.back(), 9000.0}) {
                         QVERIFY(same(normaliser.preAt(at, l), alone.preEdge().valueAt(at)));

@@ -26,6 +26,30 @@ class TestXafsSpectrum : public QObject {
     Q_OBJECT
 
   private slots:
+    /// Lines over four points each, worked out by hand: 2 + 0.3 (E - 93) and 12 + 0.6 (E - 107).
+    void commonE0ByHand() {
+        const double e[] = {88, 90, 92, 94, 96, 97, 101, 104, 106, 108, 110, 111};
+        const double mu[] = {99, 1, 2, 2, 3, 50, -20, 10, 12, 12, 14, 77};
+        Spectrum raw;
+        raw.assign(e, mu, 12);
+        Normalisation rule(XafsSpectrum::Simple);
+        rule.e0 = 99.5;
+        rule.ranges = {-10.0, -3.0, 4.0, 11.0};
+        XafsSpectrum spectrum(raw, rule, 0.5);
+        const XafsSpectrum copy = spectrum;
+        spectrum.normalise(XafsSpectrum::Simple);
+        for (const XafsSpectrum& each : {spectrum, copy}) {
+            QCOMPARE(each.midE(), 100.0);
+            QVERIFY(std::abs(each.preEdge().c3() - 0.3) < 1e-9);
+            QVERIFY(std::abs(each.postEdge().c3() - 0.6) < 1e-9);
+            QVERIFY(std::abs(each.dMut() - (7.8 - 4.1)) < 1e-9);
+            // At 101 eV the lines are at 4.4 and 8.4.
+            QVERIFY(std::abs(each.doubleNormalizedPreBase().value(6) - (-20 - 4.4) / 4.0) < 1e-9);
+        }
+        rule.e0 = 3000.0;  // no point in either range: the lines are 0
+        QCOMPARE(XafsSpectrum(raw, rule, 0.0, XafsSpectrum::Quiet).dMut(), 0.0);
+    }
+
     void straightBackgroundsAreFound() {
         const Spectrum data = straightEdge(7000.0, 1.5, 1e-3, 5e-4);
         const XafsSpectrum xs(data, XafsSpectrum::Simple, 0.25);
