@@ -1,3 +1,4 @@
+#include "Edges.h"
 #include "OutcomeCase.h"
 #include "TinyStacks.h"
 
@@ -18,6 +19,12 @@ class TestFitsJudged : public QObject {
             energies << e;
         }
         putCurve("s.dat", energies, [](double e) { return 2.0 * Phantom::muA(e) + 0.1; });
+    }
+    /// One that begins above 7060 eV, and one without a rising edge.
+    static void putOddReferences() {
+        putCurve("short.dat", edges::energies(7060.0, 7310.0), Phantom::muB);
+        putCurve("s.dat", edges::energies(6990.0, 7310.0),
+                 [](double e) { return 1.0 / (1.0 + std::exp((e - 7150.0) / 5.0)); });
     }
     /// An I1 frame without counts in three pixels, and one in one of them.
     static void putHoles() {
@@ -73,11 +80,11 @@ class TestFitsJudged : public QObject {
             "wherever E0 is");
         add("ranges just wide enough", {}, with("set_background_ranges -30 0 0 30", ra), "warning",
             "8200 eV .* outside");
-        add("a reference without points", {},
+        add("a reference without points", putOddReferences,
             with("set_background_ranges -100 -60 100 200",
                  offset(0).replace("exec_LCF", "set_LCF_std 1 1 0 short.dat 0\nanalyzer_exec_LCF")),
             "failed", "line on 0 points: short.dat");
-        add("a reference that needs none", {},
+        add("a reference that needs none", putOddReferences,
             with("analyzer_set_reference_scale none",
                  mlcf(offset(0)).replace("set_LCF_mode", "set_LCF_std 1 1 0 s.dat 0\n"
                                                          "analyzer_set_LCF_mode")),
