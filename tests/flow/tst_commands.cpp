@@ -354,6 +354,8 @@ void TestCommands::addAnalyzerCases() {
     add("analyzer_set_LCF_mode 1", [=] { return checked(analyzer(), "MLCF"); });
     add("analyzer_set_LCF_mode 2", [=] { return !checked(analyzer(), "MLCF"); });
     addFlag("analyzer_set_disp_on_time", [=] { return checked(analyzer(), "DispOnTime"); });
+    add("analyzer_set_reference_scale None", [=] { return checked(analyzer(), "Unscaled"); });
+    add("analyzer_set_reference_scale jump", [=] { return !checked(analyzer(), "Unscaled"); });
     add("analyzer_exec_LCF", [=] {
         // The map of shifts is empty yet; only the first column has none.
         return !analyzer()->isBusy() && std::abs(fraction(0, 6) - 0.42) < 1e-3 &&
@@ -442,6 +444,22 @@ void TestCommands::addCalibrationCases() {
         add(command + "VICTREEN", inCalib(isStd ? "StdBGVictreen" : "TargetBGVictreen"));
         add(command + "Simple", inCalib(isStd ? "StdBGSimple" : "TargetBGSimple"));
     }
+    add("set_E0 MEAN", [this] { return control<QComboBox>("E0Choice")->currentIndex() == 1; });
+    add("set_E0 7110.5", {"set_E0 each"}, [this] {
+        return control<QComboBox>("E0Choice")->currentIndex() == 2 &&
+               text(calib(), "E0Energy") == "7110.5";
+    });
+    add("set_E0 each", [this] { return control<QComboBox>("E0Choice")->currentIndex() == 0; });
+    const auto hasRanges = [this](const QStringList& ranges) {
+        return QStringList{text(calib(), "PreStart"), text(calib(), "PreEnd"),
+                           text(calib(), "PostStart"), text(calib(), "PostEnd")} == ranges;
+    };
+    add("set_background_ranges -90.25 -12 20 150", [=] {
+        return hasRanges({"-90.25", "-12", "20", "150"});
+    });
+    add("set_background_ranges -100 -10 10 1000", [=] {
+        return hasRanges({"-100", "-10", "10", "1000"});
+    });
     add("calib_set_crystal si(311)", [this] {
         return choice(calib(), "SelCrystal") == 1 && plot()->plot().spacing == 1.637478;
     });

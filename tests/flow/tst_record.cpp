@@ -1,4 +1,6 @@
 #include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QProcess>
@@ -138,8 +140,29 @@ class TestRecord : public QObject {
     }
     void cleanup() { m_body.reset(); }
 
+    void sameBytesFromAnotherProgram_data() {
+        columns<QString, QString, bool>("e0", "postStart", "unscaled");
+        QTest::newRow("as from the start") << "0"
+                                           << "10" << false;
+        QTest::newRow("mean spectrum") << "1"
+                                       << "20" << false;
+        QTest::newRow("an energy") << "7110.5"
+                                   << "20.5" << true;
+    }
+
     void sameBytesFromAnotherProgram() {
+        QFETCH(QString, e0);
+        QFETCH(QString, postStart);
+        QFETCH(bool, unscaled);
         loadAndCalibrate();
+        if (e0.size() > 1) {
+            type("E0Energy", e0);
+        } else {
+            control<QComboBox>("E0Choice")->setCurrentIndex(e0.toInt());
+        }
+        type("PostStart", postStart);
+        press("ShowAnalyzer");
+        control<QCheckBox>("Unscaled")->setChecked(unscaled);
         fit();
         press("ShowResAnalysis");
         analyzerWindow()->selectImage(0);
@@ -168,6 +191,13 @@ class TestRecord : public QObject {
         saveRecord();
         const Again again = runAgain(contentOf(file("done.bat")) + lines.join('\n').toUtf8());
         QVERIFY2(again.code == 0, qPrintable(again.out + again.problems));
+        const QByteArray done = contentOf(file("done.bat"));
+        QCOMPARE(done.contains("set_E0 "), e0 != "0");
+        QCOMPARE(done.contains("set_background_ranges "), postStart != "10");
+        QCOMPARE(done.contains("analyzer_set_reference_scale "), unscaled);
+        const QByteArray origin = contentOf(file("ratio.tif"));
+        QCOMPARE(origin.contains("E0 of the mean spectrum = 71"), e0 == "1");
+        QVERIFY(origin.contains("background ranges = -100 -10 " + postStart.toUtf8() + " 1000 eV"));
         for (const Saved& map : SavedMaps) {
             const QByteArray first = contentOf(file(map.file));
             QVERIFY2(first.contains("Tarnwick origin 1\n"), map.file);

@@ -88,11 +88,11 @@ Outcome Measurement::judgeStart(Work work) {
         return Outcome::failure(tr("no bin of the area lies inside the image"));
     }
     Outcome outcome = judgeFrames(*this);
+    outcome += judgeEdge(work);
     if (outcome.failed()) {
         return outcome;
     }
     outcome += judgeBefore(work, source().energies(), m_references, m_settings);
-    outcome += judgeEdge(work);
     if (work == Work::Calibrate) {
         outcome += judgeStandard(standard(), m_i1.files());
     }

@@ -9,6 +9,10 @@ void AnalyzeProc::setContAccess(bool on) {
     m_contAccess = on;
 }
 
+void AnalyzeProc::setRule(const FitRule& rule) {
+    m_rule = rule;
+}
+
 void AnalyzeProc::analyzeSpectrum0(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
                                    XafsSpectrum* fitted, bool isMLCF) {
     analyze(sample, lcfrs0, fitted, isMLCF ? LinearFit::Mlcf : LinearFit::Lcf);
@@ -25,9 +29,8 @@ void AnalyzeProc::analyzeSpectrumByMLCF(const XafsSpectrum& sample,
     analyze(sample, lcfrs0, fitted, LinearFit::Mlcf);
 }
 
-bool AnalyzeProc::isPreparedFor(const QVector<LCFReference*>& panels,
-                                LinearFit::Method method) const {
-    if (!m_fit || m_method != method ||
+bool AnalyzeProc::isPreparedFor(const QVector<LCFReference*>& panels, const FitRule& rule) const {
+    if (!m_fit || !(m_preparedRule == rule) ||
         m_revisions.size() != static_cast<std::size_t>(panels.size())) {
         return false;
     }
@@ -39,7 +42,7 @@ bool AnalyzeProc::isPreparedFor(const QVector<LCFReference*>& panels,
     return true;
 }
 
-void AnalyzeProc::prepareFor(const QVector<LCFReference*>& panels, LinearFit::Method method) {
+void AnalyzeProc::prepareFor(const QVector<LCFReference*>& panels, const FitRule& rule) {
     m_revisions.clear();
     m_usedPanels.clear();
     QVector<XafsSpectrum> references;
@@ -51,8 +54,8 @@ void AnalyzeProc::prepareFor(const QVector<LCFReference*>& panels, LinearFit::Me
             m_usedPanels.push_back(r);
         }
     }
-    m_method = method;
-    m_fit = std::make_unique<LinearFit>(references, method);
+    m_preparedRule = rule;
+    m_fit = std::make_unique<LinearFit>(references, rule);
 }
 
 void AnalyzeProc::analyze(const XafsSpectrum& sample, const QVector<LCFReference*>& panels,
@@ -62,8 +65,10 @@ void AnalyzeProc::analyze(const XafsSpectrum& sample, const QVector<LCFReference
     if (sample.isEmpty() || panels.size() < 2) {
         return;
     }
-    if (!isPreparedFor(panels, method)) {
-        prepareFor(panels, method);
+    FitRule rule = m_rule;
+    rule.method = method;
+    if (!isPreparedFor(panels, rule)) {
+        prepareFor(panels, rule);
     }
     m_fit->fit(sample);
     m_ratios = m_fit->ratios();

@@ -27,6 +27,10 @@ class AnalyzeProc : public QObject {
     /// Indices of the panels that they belong to.
     const std::vector<int>& usedPanels() const { return m_usedPanels; }
 
+    /// How the next spectrum is fitted, but for the method; only while no fit is out. Its rule for
+    /// the sample is what the fitted curve is normalised by.
+    void setRule(const FitRule& rule);
+
   signals:
     /// A fit has ended that got as far as solving.
     void finished();
@@ -47,8 +51,8 @@ class AnalyzeProc : public QObject {
   private:
     void analyze(const XafsSpectrum& sample, const QVector<LCFReference*>& panels,
                  XafsSpectrum* fitted, LinearFit::Method method);
-    bool isPreparedFor(const QVector<LCFReference*>& panels, LinearFit::Method method) const;
-    void prepareFor(const QVector<LCFReference*>& panels, LinearFit::Method method);
+    bool isPreparedFor(const QVector<LCFReference*>& panels, const FitRule& rule) const;
+    void prepareFor(const QVector<LCFReference*>& panels, const FitRule& rule);
 
     std::atomic<bool> m_contAccess{false};
     std::vector<double> m_ratios;
@@ -56,8 +60,9 @@ class AnalyzeProc : public QObject {
     std::vector<int> m_usedPanels;
     std::vector<double> m_shares;  // that the fitted curve is drawn from
 
+    FitRule m_rule;
     std::unique_ptr<LinearFit> m_fit;
-    LinearFit::Method m_method = LinearFit::Lcf;
+    FitRule m_preparedRule;
     std::vector<quint64> m_revisions;  // of the panels' input that m_fit was made from
 };
 

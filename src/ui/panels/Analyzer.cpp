@@ -50,7 +50,7 @@ Analyzer::Analyzer(Measurement& measurement, QWidget* parent)
     for (QWidget* button : {m_ui->AskAnalyze, m_ui->AskRAAnalyze}) {
         button->setMinimumWidth(button->sizeHint().width());
     }
-    m_lastReferenceControl = m_ui->AddRef;
+    m_lastReferenceControl = m_ui->Unscaled;
     m_view->setWindowTitle(tr("Analyzing Spectrum"));
     m_view->setObjectName(QStringLiteral("AnalyzingSpectrum"));
     for (int i = 0; i < ResidualCount; ++i) {
@@ -98,6 +98,10 @@ void Analyzer::connectControls() {
         connect(field, &QLineEdit::editingFinished, this, &Analyzer::scaleChanged);
     }
     connect(m_ui->MLCF, &QCheckBox::toggled, this, [this](bool on) { setLCFMode(on ? 1 : 0); });
+    connect(m_ui->Unscaled, &QCheckBox::toggled, this, [this](bool on) {
+        m_measurement.set(&Settings::referenceScale,
+                          on ? FitRule::ReferenceScale::None : FitRule::ReferenceScale::Jump);
+    });
     connect(m_ui->DispOnTime, &QCheckBox::toggled, this,
             [this](bool on) { m_measurement.set(&Settings::showsEachRow, on); });
     connectNumber(m_ui->RAAtEV, &Settings::raEnergy);
@@ -163,6 +167,7 @@ void Analyzer::showChanges(Measurement::Changes what) {
 void Analyzer::showSettings() {
     const Settings& settings = m_measurement.settings();
     check(m_ui->MLCF, settings.method == LinearFit::Mlcf);
+    check(m_ui->Unscaled, settings.referenceScale == FitRule::ReferenceScale::None);
     check(m_ui->DispOnTime, settings.showsEachRow);
     check(m_ui->FixedScale, settings.fixedScale);
     check(kindButton(settings.resultType));

@@ -113,6 +113,7 @@ class Analyzer : public QFrame {
     void addRow();
     void analyze(const XafsSpectrum& spectrum, bool isSample);
     void handOver(const XafsSpectrum& spectrum, bool isSample);
+    FitRule fitRuleOfSample() const;
     void showReferences();
     void growWithReferences();
     void putNextInTabOrder(QWidget* button, const LCFReference* reference);

@@ -38,8 +38,17 @@ void Analyzer::handOver(const XafsSpectrum& spectrum, bool isSample) {
         ++m_fitsOut;
         m_sampleIsOut = isSample;
     }
+    m_worker->setRule(fitRuleOfSample());
     emit analyzeSpectrum0(spectrum, m_references, &m_fitted,
                           m_measurement.settings().method == LinearFit::Mlcf);
+}
+
+/// As a run would fit it, but for what only the image has.
+FitRule Analyzer::fitRuleOfSample() const {
+    FitRule rule = fitRule(m_measurement.inputs());
+    rule.sample = m_measurement.sampleRule();
+    rule.withErrors = false;
+    return rule;
 }
 
 void Analyzer::analyzeSpectrum(const XafsSpectrum& spectrum) {

@@ -49,6 +49,7 @@ CalibCtrl::CalibCtrl(Measurement& measurement, QWidget* parent)
     m_ui->StdSelector->showUse(false);
     m_ui->StdSelector->hide();
     connectControls();
+    connectEdge();
     connect(&m_measurement, &Measurement::changed, this, &CalibCtrl::showChanges);
     showSettings();
     showStandard();
@@ -181,6 +182,7 @@ void CalibCtrl::showSettings() {
     const Settings& settings = m_measurement.settings();
     choose(m_ui->stdBGGroup, settings.standardBackground);
     choose(m_ui->targetBGGroup, settings.targetBackground);
+    showEdge();
     const QSignalBlocker crystal(m_ui->SelCrystal);
     m_ui->SelCrystal->setCurrentIndex(settings.crystal);
     const QSignalBlocker edge(m_ui->EdgeEeV);

@@ -11,7 +11,7 @@ namespace Ui {
 class CalibCtrl;
 }
 
-/// The calibration panel: a measurement's standard spectrum, background forms, crystal and edge
+/// The calibration panel: a measurement's standard spectrum, background forms, E0, crystal and edge
 /// energy, and the buttons that make, save, load and clear its energy-shift map. The work on the
 /// map belongs to whoever receives the signals.
 class CalibCtrl : public QWidget {
@@ -53,6 +53,11 @@ class CalibCtrl : public QWidget {
 
   private:
     void connectControls();
+    void connectEdge();
+    void showEdge();
+    void chooseEdge(int kind);
+    void takeEdgeEnergy();
+    void takeRanges();
     void showSaveDialog();
     void showLoadDialog();
     QFileDialog* makeMapDialog(const char* name);
