@@ -75,9 +75,9 @@ const Stacks& stacks(int side, int energies) {
     return *made;
 }
 
-QVector<XafsSpectrum> references() {
+QVector<XafsSpectrum> references(const std::vector<double>& whiteLines = {2.0, 0.5}) {
     QVector<XafsSpectrum> list;
-    for (double whiteLine : {2.0, 0.5}) {
+    for (double whiteLine : whiteLines) {
         Spectrum points;
         for (double e = 6990.0; e <= 7310.0; e += 0.5) {
             points.append(e, muT(e, whiteLine));
@@ -221,15 +221,16 @@ BENCHMARK(Tight)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 // --- the way of the programs
 
-double fitRows(const Stacks& s, int threads, const std::function<double(int, int)>& correctionAt) {
+double fitRows(const Stacks& s, int threads, const std::function<double(int, int)>& correctionAt,
+               const QVector<XafsSpectrum>& list = references(), FitRule rule = LinearFit::Lcf) {
     const AbsorptionSource source(s.i1, s.i0, s.side, s.side);
     BinRaster raster{0, 1, s.side, 0, 1, s.side, 0, 0};
-    RasterPass pass(
-        source, raster, 4,
-        fitEvaluators(threads, raster, references(), LinearFit::Lcf, s.energies, correctionAt));
+    const FitValues places(list.size(), rule.withErrors);
+    RasterPass pass(source, raster, places.count(),
+                    fitEvaluators(threads, raster, list, rule, s.energies, correctionAt));
     double fraction = 0.0;
     for (RasterPass::Row row = pass.take(); row.values != nullptr; row = pass.take()) {
-        fraction = row.values[4 * (s.side / 2) + 2];
+        fraction = row.values[places.count() * (s.side / 2) + places.ratio(0)];
     }
     return fraction;
 }
@@ -250,6 +251,33 @@ void Corrected(benchmark::State& state) {
 }
 BENCHMARK(Corrected)->ArgName("threads")->Arg(1)->Arg(2)->UseRealTime()->Unit(
     benchmark::kMillisecond);
+
+/// Fits with 2, 3 or 4 references, without and with errors, without and with corrections.
+void RowsWithErrors(benchmark::State& state) {
+    FitRule rule = LinearFit::Lcf;
+    rule.withErrors = state.range(1) != 0;
+    std::vector<double> whiteLines{2.0, 0.5, 1.2, 0.9};
+    QVector<XafsSpectrum> list;
+    for (int i = 0; i < state.range(0); ++i) {
+        // Edges 1.5 eV apart: spectra that no two others make up.
+        Spectrum points;
+        for (double e = 6990.0; e <= 7310.0; e += 0.5) {
+            points.append(e, muT(e - 1.5 * i, whiteLines[static_cast<std::size_t>(i)]));
+        }
+        list.append(XafsSpectrum(points, XafsSpectrum::Simple, 0.0));
+    }
+    const double slope = state.range(2) != 0 ? 0.001 : 0.0;
+    for (auto _ : state) {
+        fitRows(
+            stacks(512, 100), 1, [slope](int x, int y) { return slope * (x + 0.3 * y); }, list,
+            rule);
+    }
+}
+BENCHMARK(RowsWithErrors)
+    ->ArgNames({"references", "errors", "map"})
+    ->ArgsProduct({{2, 3, 4}, {0, 1}, {0, 1}})
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
 
 /// The passes of a calibration and of residual absorption.
 void passRows(benchmark::State& state, int valuesPerBin,

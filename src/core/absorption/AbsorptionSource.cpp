@@ -25,6 +25,38 @@ AbsorptionSource::AbsorptionSource(const FrameSet& i1, const FrameSet& i0, int w
             m_brackets.push_back(bracketOf(frame->energy));
         }
     }
+    shareI0();
+}
+
+/// How the counts of the I0 energies reach s0 at the energies of I1.
+void AbsorptionSource::shareI0() {
+    m_shares.resize(m_i1.size());
+    std::vector<int> uses(m_i0.size() + 1);
+    for (std::size_t i = 0; i < m_brackets.size(); ++i) {
+        const Bracket& at = m_brackets[i];
+        lanes::I0Share& share = m_shares[i];
+        share.first = static_cast<int>(at.first);
+        share.weight[1] = at.isInterpolated ? at.fromFirst / at.span : 0.0;
+        share.weight[0] = 1.0 - share.weight[1];
+        for (std::size_t side : {0, 1}) {
+            uses[at.first + side] += share.weight[side] != 0.0 ? 1 : 0;
+        }
+    }
+    for (std::size_t i = 0; i < m_brackets.size(); ++i) {
+        lanes::I0Share& share = m_shares[i];
+        for (std::size_t side : {0, 1}) {
+            const std::size_t energy = m_brackets[i].first + side;
+            const double weight = share.weight[side];
+            if (weight == 0.0) {
+                continue;
+            }
+            share.perFrame[side] = 1.0 / static_cast<double>(m_i0[energy].frames.size());
+            share.isShared[side] = uses[energy] > 1;
+            const double part = weight * weight * share.perFrame[side];
+            share.all[side] = m_i0.size() > 1 ? part : 0.0;
+            share.own[side] = share.isShared[side] ? 0.0 : part;
+        }
+    }
 }
 
 void AbsorptionSource::gatherI0(const FrameSet& i0) {

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "spectra/LaneErrors.h"
 #include "spectra/Spectrum.h"
 
 class DarkFrame;
@@ -51,6 +52,7 @@ class AbsorptionSource {
 
     void gatherI0(const FrameSet& i0);
     Bracket bracketOf(double e) const;
+    void shareI0();
     bool isInside(int x, int y) const { return x >= 0 && y >= 0 && x < m_width && y < m_height; }
     double darkSum(int x, int y, int halfWidth, int halfHeight) const;
 
@@ -60,5 +62,6 @@ class AbsorptionSource {
     std::vector<const TiffData*> m_i1;
     std::vector<double> m_energies;
     std::vector<I0Energy> m_i0;
-    std::vector<Bracket> m_brackets;  // one an I1 frame; none without I0 frames
+    std::vector<Bracket> m_brackets;       // one an I1 frame; none without I0 frames
+    std::vector<lanes::I0Share> m_shares;  // one an I1 frame
 };

@@ -161,6 +161,10 @@ int BinRowSpectra::formPack(int bin, double* mu, bool* lacksCounts) const {
     return static_cast<int>(std::count(lacksCounts, lacksCounts + bins, true));
 }
 
+lanes::Counts BinRowSpectra::counts(int bin) const {
+    return {m_sums.data(), m_source.m_shares.data(), static_cast<std::size_t>(bin)};
+}
+
 void BinRowSpectra::formRow(int y) {
     // Few enough bins at a time for their sums to stay in the fast part of the memory.
     constexpr int BinsAtATime = 32 * lanes::Count;

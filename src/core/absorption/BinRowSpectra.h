@@ -3,7 +3,7 @@
 #include <QtGlobal>
 #include <vector>
 
-#include "spectra/Lanes.h"
+#include "spectra/LaneErrors.h"
 #include "spectra/Spectrum.h"
 
 class AbsorptionSource;
@@ -33,6 +33,8 @@ class BinRowSpectra {
     /// bin is some number. Returns how many of its bins have no counts at some energy.
     /// lacksCounts[l], lanes::Count of them, tells which.
     int formPack(int bin, double* mu, bool* lacksCounts) const;
+    /// The counts behind that pack; valid until the next call of sum().
+    lanes::Counts counts(int bin) const;
 
   private:
     void formRow(int y);

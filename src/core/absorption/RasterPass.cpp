@@ -98,9 +98,10 @@ void RasterPass::evaluateRows(const Evaluate& evaluate) {
                 const int spectra = std::min(PackSize, count - bin);
                 tally.bins += spectra;
                 tally.withoutCounts += bins.formPack(bin, mu.data(), lacksCounts);
-                tally.withoutJump += evaluate({mu.data(), lacksCounts, row, first + bin, spectra},
-                                              &values[static_cast<std::size_t>(first + bin) *
-                                                      static_cast<std::size_t>(m_valuesPerBin)]);
+                tally.withoutJump +=
+                    evaluate({mu.data(), lacksCounts, row, first + bin, spectra, bins.counts(bin)},
+                             &values[static_cast<std::size_t>(first + bin) *
+                                     static_cast<std::size_t>(m_valuesPerBin)]);
             }
         }
         finish(row, tally, &values);

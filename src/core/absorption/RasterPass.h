@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "maps/BinRaster.h"
+#include "spectra/LaneErrors.h"
 
 class AbsorptionSource;
 
@@ -22,8 +23,9 @@ class RasterPass {
         const double* mu;         ///< mu[energy * lanes::Count + spectrum]
         const bool* lacksCounts;  ///< at some energy, for each spectrum
         int row;
-        int column;  ///< of the first
-        int count;   ///< at most lanes::Count
+        int column;                 ///< of the first
+        int count;                  ///< at most lanes::Count
+        lanes::Counts counts = {};  ///< behind the spectra
     };
 
     /// Works out `valuesPerBin` numbers for each spectrum of a pack. Returns how many of them were

@@ -4,7 +4,7 @@
 #include <memory>
 #include <numeric>
 
-#include "fitting/ResultKinds.h"
+#include "fitting/SpectrumErrors.h"
 
 using lanes::Count;
 
@@ -17,8 +17,13 @@ LaneFit::LaneFit(const QVector<XafsSpectrum>& references, const FitRule& rule,
       m_normaliser(energies, rule.sample, units),
       m_allPoints(energies.size()),
       m_corrected(energies.size()),
-      m_y(energies.size() * Count) {
+      m_y(energies.size() * Count),
+      m_places(m_fit.referenceCount(), rule.withErrors) {
     std::iota(m_allPoints.begin(), m_allPoints.end(), 0);
+    if (rule.withErrors) {
+        m_errors = std::make_unique<CountingErrors>(energies, rule, referenceCount(), units);
+        m_span.resize(m_y.size());
+    }
 }
 
 void LaneFit::prepare(double correction) {
@@ -33,41 +38,111 @@ void LaneFit::prepare(double correction) {
     m_prepared = true;
     m_sums.resize(static_cast<std::size_t>(m_fit.coefficientCount()) * Count);
     m_coefficients.resize(static_cast<std::size_t>(m_fit.coefficientCount()));
+    m_solved.resize(m_sums.size());
 }
 
-void LaneFit::fit(const double* mu, const double* corrections, int count, double* results) {
+void LaneFit::project(const double* y) {
+    // The energies ascend, so that those in the range lie side by side.
+    const std::vector<int>& points = m_fit.points();
+    const int first = points.empty() ? 0 : points.front();
+    m_kernels.projections(y + static_cast<std::ptrdiff_t>(first) * Count, m_fit.basis().data(),
+                          m_fit.coefficientCount(), static_cast<int>(points.size()), m_sums.data());
+}
+
+void LaneFit::fit(const double* mu, const double* corrections, int count,
+                  const lanes::Counts* counts, double* results) {
     const double* y = mu;
     if (m_rule.method == LinearFit::Lcf) {
         m_normaliser.normalise(mu, count, corrections);
-        m_normaliser.doubleNormalised(mu, m_allPoints, m_y.data());
+        m_normaliser.doubleNormalised(mu, m_allPoints, m_y.data(),
+                                      m_errors != nullptr ? m_span.data() : nullptr);
         y = m_y.data();
     }
-    const auto project = [&] {
-        // The energies ascend, so that those in the range lie side by side.
-        const std::vector<int>& points = m_fit.points();
-        const int first = points.empty() ? 0 : points.front();
-        m_kernels.projections(y + static_cast<std::ptrdiff_t>(first) * Count, m_fit.basis().data(),
-                              m_fit.coefficientCount(), static_cast<int>(points.size()),
-                              m_sums.data());
-    };
+    const bool isOneBasis = std::all_of(corrections, corrections + count,
+                                        [&](double each) { return each == corrections[0]; });
     for (int l = 0; l < count; ++l) {
         const bool alike = m_prepared && l > 0 && corrections[l] == m_correction;
         if (!alike) {
             prepare(corrections[l]);
-            project();
+            project(y);
         }
-        finish(m_sums.data(), l,
-               results + static_cast<std::ptrdiff_t>(l) * ReferenceKindCount * referenceCount());
+        finish(l, results + static_cast<std::ptrdiff_t>(l) * m_places.count());
+        if (m_errors != nullptr && !isOneBasis) {
+            keepRows(l);
+        }
+    }
+    if (m_errors != nullptr) {
+        evaluateErrors(y, isOneBasis, count, counts, results);
     }
 }
 
-void LaneFit::finish(const double* sums, int l, double* results) {
+void LaneFit::finish(int l, double* results) {
     for (std::size_t k = 0; k < m_coefficients.size(); ++k) {
-        m_coefficients[k] = sums[k * Count + static_cast<std::size_t>(l)];
+        m_coefficients[k] = m_sums[k * Count + static_cast<std::size_t>(l)];
     }
-    m_fit.solve(m_coefficients.data());
+    const unsigned held = m_fit.solve(m_coefficients.data());
     m_fit.shares(m_coefficients.data(), m_normaliser.dMut()[l], results + referenceCount(),
                  results);
+    if (m_errors == nullptr) {
+        return;
+    }
+    for (std::size_t k = 0; k < m_coefficients.size(); ++k) {
+        m_solved[k * Count + static_cast<std::size_t>(l)] = m_coefficients[k];
+    }
+    m_pack.held[l] = held;
+    m_pack.freedom[l] = m_fit.freedom(held);
+    m_pack.midE[l] = m_normaliser.midE()[l];
+    m_pack.dMut[l] = m_normaliser.dMut()[l];
+    m_pack.fits.points.first[l] = m_fit.points().empty() ? 0 : m_fit.points().front();
+    m_pack.fits.points.end[l] = m_fit.points().empty() ? 0 : m_fit.points().back() + 1;
+}
+
+/// Puts the rows of the fit of spectrum l, which rest on what is prepared, beside the others'.
+void LaneFit::keepRows(int l) {
+    const auto copy = [&](const std::vector<double>& rows, int stride, std::vector<double>* own) {
+        const auto width = static_cast<std::size_t>(stride);
+        own->resize(m_energies.size() * width * Count);
+        double* to =
+            own->data() + static_cast<std::size_t>(m_pack.fits.points.first[l]) * width * Count + l;
+        for (double value : rows) {
+            *to = value;
+            to += Count;
+        }
+    };
+    copy(m_fit.basis(), m_fit.coefficientCount(), &m_ownBasis);
+    copy(m_fit.response(m_pack.held[l]), m_fit.responseStride(), &m_ownResponse);
+}
+
+void LaneFit::evaluateErrors(const double* y, bool isOneBasis, int count,
+                             const lanes::Counts* counts, double* results) {
+    const unsigned held = m_pack.held[0];
+    const bool areAlike = isOneBasis && std::all_of(m_pack.held, m_pack.held + count,
+                                                    [held](unsigned each) { return each == held; });
+    lanes::Fits& fits = m_pack.fits;
+    for (int l = count; l < Count; ++l) {
+        fits.points.first[l] = fits.points.first[0];
+        fits.points.end[l] = fits.points.end[0];
+    }
+    const int terms = m_fit.coefficientCount();
+    const int stride = m_fit.responseStride();
+    if (areAlike) {
+        fits.basis = {m_fit.basis().data(), terms, fits.points.first[0], false};
+        fits.response = {m_fit.response(held).data(), stride, fits.points.first[0], false};
+    } else {
+        for (int l = 0; isOneBasis && l < count; ++l) {
+            keepRows(l);
+        }
+        fits.basis = {m_ownBasis.data(), terms, 0, true};
+        fits.response = {m_ownResponse.data(), stride, 0, true};
+    }
+    fits.y = y;
+    fits.span = m_rule.method == LinearFit::Lcf ? m_span.data() : nullptr;
+    fits.coefficients = m_solved.data();
+    fits.references = referenceCount();
+    fits.counts = counts != nullptr ? *counts : lanes::Counts{};
+    m_pack.line[0] = m_normaliser.preRange();
+    m_pack.line[1] = m_normaliser.postRange();
+    m_errors->evaluate(m_pack, count, results);
 }
 
 namespace {
@@ -98,16 +173,27 @@ RasterPass::Evaluate fitOneByOne(const BinRaster& raster, const QVector<XafsSpec
                                  const FitRule& rule, const std::vector<double>& energies,
                                  const CorrectionAt& correctionAt) {
     const auto fit = std::make_shared<LinearFit>(references, rule);
+    const auto errors = rule.withErrors ? std::make_shared<SpectrumErrors>(rule, references.size())
+                                        : std::shared_ptr<SpectrumErrors>();
+    const FitValues places(references.size(), rule.withErrors);
     return [=](const RasterPass::Pack& pack, double* values) {
         int withoutJump = 0;
+        double* bin = values;
         for (int l = 0; l < pack.count; ++l) {
             const XafsSpectrum spectrum(spectrumOf(energies, pack.mu, l), rule.sample,
                                         correctionAt(raster.x(pack.column + l), raster.y(pack.row)),
                                         XafsSpectrum::Quiet);
             fit->fit(spectrum);
             withoutJump += spectrum.dMut() == 0.0;
-            values = std::copy(fit->dMuts().begin(), fit->dMuts().end(), values);
-            values = std::copy(fit->ratios().begin(), fit->ratios().end(), values);
+            std::copy(fit->dMuts().begin(), fit->dMuts().end(), bin);
+            std::copy(fit->ratios().begin(), fit->ratios().end(), bin + places.ratio(0));
+            bin += places.count();
+            if (errors != nullptr) {
+                errors->take(l, *fit, spectrum);
+            }
+        }
+        if (errors != nullptr) {
+            errors->evaluate(pack.count, &pack.counts, values);
         }
         return withoutJump;
     };
@@ -128,7 +214,7 @@ RasterPass::Evaluate fitPacks(const BinRaster& raster, const QVector<XafsSpectru
     return [=](const RasterPass::Pack& pack, double* values) {
         double corrections[Count];
         correctionsOf(pack, raster, correctionAt, corrections);
-        fit->fit(pack.mu, corrections, pack.count, values);
+        fit->fit(pack.mu, corrections, pack.count, &pack.counts, values);
         return fit->withoutJump();
     };
 }

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "absorption/RasterPass.h"
+#include "fitting/CountingErrors.h"
+#include "fitting/FitValues.h"
 #include "fitting/LinearFit.h"
 #include "spectra/LaneNormaliser.h"
 
@@ -18,15 +21,20 @@ class LaneFit {
     int referenceCount() const { return m_fit.referenceCount(); }
 
     /// Fits the first `count` spectra of the pack mu[energy * lanes::Count + spectrum]; of each,
-    /// the energy correction in eV is taken off its energies. results: for every spectrum the edge
-    /// jumps due to all references, then their ratios.
-    void fit(const double* mu, const double* corrections, int count, double* results);
+    /// the energy correction in eV is taken off its energies. results: for every spectrum the
+    /// numbers of FitValues. The counts behind the spectra are for errors.
+    void fit(const double* mu, const double* corrections, int count, const lanes::Counts* counts,
+             double* results);
     /// See LaneNormaliser; 0 for a method that needs no normalisation.
     int withoutJump() const { return m_normaliser.withoutJump(); }
 
   private:
     void prepare(double correction);
-    void finish(const double* sums, int l, double* results);
+    void project(const double* y);
+    void finish(int l, double* results);
+    void keepRows(int l);
+    void evaluateErrors(const double* y, bool isOneBasis, int count, const lanes::Counts* counts,
+                        double* results);
 
     LinearFit m_fit;
     FitRule m_rule;
@@ -41,6 +49,15 @@ class LaneFit {
     std::vector<double> m_y;
     std::vector<double> m_sums;
     std::vector<double> m_coefficients;
+
+    // For errors.
+    FitValues m_places;
+    std::unique_ptr<CountingErrors> m_errors;
+    CountingErrors::Pack m_pack;
+    std::vector<double> m_span;
+    std::vector<double> m_solved;  // the coefficients of the pack, see lanes::Fits
+    std::vector<double> m_ownBasis;
+    std::vector<double> m_ownResponse;
 };
 
 /// Energy correction (eV) at a pixel; called from several threads.
@@ -50,8 +67,7 @@ using CorrectionAt = std::function<double(int x, int y)>;
 // any: where packs cannot be worked on, the spectra are taken one by one, with the same results as
 // LinearFit and XafsSpectrum give.
 
-/// With fits: for each bin the edge jumps due to all references, then their ratios; its energy
-/// correction is that at its centre.
+/// With fits: for each bin the numbers of FitValues; its energy correction is that at its centre.
 std::vector<RasterPass::Evaluate> fitEvaluators(int threads, const BinRaster& raster,
                                                 const QVector<XafsSpectrum>& references,
                                                 const FitRule& rule,

@@ -3,10 +3,33 @@
 #include <QDebug>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
+namespace {
+
+/// Those of the rule that the method has.
+FitRule::Constraints constraintsOf(const FitRule& rule) {
+    using Constraints = FitRule::Constraints;
+    const bool hasSum =
+        rule.constraints == Constraints::Sum1 || rule.constraints == Constraints::Both;
+    if (rule.method == FitRule::Lcf || !hasSum) {
+        return rule.constraints;
+    }
+    return rule.constraints == Constraints::Both ? Constraints::Nonnegative : Constraints::None;
+}
+
+/// Basis functions that belong to no reference.
+int leadingOf(const FitRule& rule) {
+    return rule.method == FitRule::Mlcf ? 2 : 0;
+}
+
+}  // namespace
+
 LinearFit::LinearFit(QVector<XafsSpectrum> references, const FitRule& rule)
-    : m_references(std::move(references)), m_rule(rule) {
+    : m_references(std::move(references)),
+      m_rule(rule),
+      m_solver(constraintsOf(rule), leadingOf(rule)) {
     for (const XafsSpectrum& s : std::as_const(m_references)) {
         if (m_rule.referenceScale == FitRule::ReferenceScale::None) {
             Spectrum values(s);
@@ -69,8 +92,7 @@ void LinearFit::prepare(const std::vector<double>& energies) {
         }
     }
 
-    const std::size_t n =
-        static_cast<std::size_t>(m_references.size()) + (m_rule.method == Mlcf ? 2 : 0);
+    const auto n = static_cast<std::size_t>(m_references.size() + leadingOf(m_rule));
     m_normal.assign(n * n, 0.0);
     for (const double* f = m_basis.data(); f != m_basis.data() + m_energies.size() * n; f += n) {
         for (std::size_t i = 0; i < n; ++i) {
@@ -84,7 +106,50 @@ void LinearFit::prepare(const std::vector<double>& energies) {
             m_normal[j * n + i] = m_normal[i * n + j];
         }
     }
-    m_decomposition.decompose(m_normal.data(), static_cast<int>(n));
+    m_solver.reset(m_normal.data(), static_cast<int>(n), static_cast<int>(m_points.size()));
+    for (Response& response : m_responses) {
+        response.isMade = false;
+    }
+}
+
+const std::vector<double>& LinearFit::response(unsigned held) {
+    if (m_responses.size() <= held) {
+        m_responses.resize(held + 1);
+    }
+    Response& response = m_responses[held];
+    if (response.isMade) {
+        return response.rows;
+    }
+    response.isMade = true;
+    const auto n = static_cast<std::size_t>(m_solver.size());
+    const auto leading = static_cast<std::size_t>(leadingOf(m_rule));
+    const auto stride = static_cast<std::size_t>(responseStride());
+    const double* const inverse = m_solver.inverse(held);
+    response.rows.assign(m_points.size() * stride, std::numeric_limits<double>::quiet_NaN());
+    for (std::size_t p = 0; inverse != nullptr && p < m_points.size(); ++p) {
+        const double* const f = &m_basis[p * n];
+        double* const row = &response.rows[p * stride];
+        double all = 0.0;
+        for (std::size_t r = leading; r < n; ++r) {
+            double sum = 0.0;
+            for (std::size_t j = 0; j < n; ++j) {
+                sum += inverse[r * n + j] * f[j];
+            }
+            row[r - leading] = sum;
+            all += sum;
+        }
+        if (stride > n - leading) {
+            row[n - leading] = all;
+        }
+    }
+    return response.rows;
+}
+
+int LinearFit::freedom(unsigned held) {
+    if (m_solver.inverse(held) == nullptr) {
+        return 0;
+    }
+    return static_cast<int>(m_points.size()) - m_solver.parameters(held);
 }
 
 void LinearFit::fit(const XafsSpectrum& sample) {
@@ -98,7 +163,7 @@ void LinearFit::fit(const XafsSpectrum& sample) {
     }
     prepare(m_given);
 
-    const std::size_t n = static_cast<std::size_t>(m_decomposition.size());
+    const std::size_t n = static_cast<std::size_t>(m_solver.size());
     m_right.assign(n, 0.0);
     std::vector<double>& right = m_right;
     const Spectrum& normalised = sample.doubleNormalizedPreBase();
@@ -112,7 +177,7 @@ void LinearFit::fit(const XafsSpectrum& sample) {
         }
         f += n;
     }
-    solve(right.data());
+    m_held = solve(right.data());
     m_ratios.resize(static_cast<std::size_t>(m_references.size()));
     m_dMuts.resize(m_ratios.size());
     shares(right.data(), sample.dMut(), m_ratios.data(), m_dMuts.data());

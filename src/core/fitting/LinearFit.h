@@ -3,9 +3,9 @@
 #include <QVector>
 #include <vector>
 
+#include "fitting/Constraints.h"
 #include "fitting/FitRule.h"
 #include "spectra/CurveLookup.h"
-#include "spectra/LinearSolver.h"
 #include "spectra/XafsSpectrum.h"
 
 /// Fits spectra as linear combinations of references, by least squares over the energies that all
@@ -14,6 +14,7 @@
 /// LCF: double-normalized-pre-base of the sample = sum of c_i times that of reference i.
 /// MLCF: mu-t of the sample = c + d E + sum of c_i times the normalized series of reference i.
 /// With FitRule::ReferenceScale::None both take the values of the references' files instead.
+/// The c_i are held to the rule's constraints, a sum of 1 with LCF alone.
 ///
 /// What depends on the references and the energies alone (the reference values at the sample's
 /// energies, the normal matrix, its decomposition) is kept from fit to fit while these stay the
@@ -51,11 +52,24 @@ class LinearFit {
     const std::vector<int>& points() const { return m_points; }
     /// Basis functions at those points, coefficientCount() a point.
     const std::vector<double>& basis() const { return m_basis; }
-    int coefficientCount() const { return m_decomposition.size(); }
+    int coefficientCount() const { return m_solver.size(); }
     int referenceCount() const { return m_references.size(); }
     /// Solves for the coefficients; right holds the sums of basis function times sample, and then
-    /// the coefficients.
-    void solve(double* right) const { m_decomposition.solve(right, right); }
+    /// the coefficients. Returns which references are held at 0, see ConstrainedSolver.
+    unsigned solve(double* right) { return m_solver.solve(right); }
+
+    // What errors rest on, with some references held at 0.
+
+    /// dc_r / dy_k at points() for every reference, referenceCount() a point, then, with MLCF,
+    /// their sum; NaN where the references cannot be told apart. Valid until the next prepare().
+    const std::vector<double>& response(unsigned held);
+    int responseStride() const { return referenceCount() + (m_rule.method == Mlcf ? 1 : 0); }
+    /// Points less free parameters; 0 where the references cannot be told apart.
+    int freedom(unsigned held);
+    /// Of the last fit().
+    unsigned held() const { return m_held; }
+    const std::vector<double>& coefficients() const { return m_right; }
+
     /// Turns coefficients into ratios() and dMuts(), referenceCount() of each.
     void shares(const double* coefficients, double edgeJump, double* ratios, double* dMuts) const;
 
@@ -84,9 +98,16 @@ class LinearFit {
     std::vector<int> m_points;          // their indices
     std::vector<double> m_basis;        // the rows of the fit, point by point
     std::vector<double> m_normal;       // the normal matrix
-    LuDecomposition m_decomposition;
+    ConstrainedSolver m_solver;
+
+    struct Response {
+        bool isMade = false;
+        std::vector<double> rows;
+    };
+    std::vector<Response> m_responses;  // by what is held
 
     std::vector<double> m_right;  // of the last sample: the right-hand side, then the solution
+    unsigned m_held = 0;
     std::vector<double> m_ratios;
     std::vector<double> m_dMuts;
 

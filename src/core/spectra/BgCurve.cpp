@@ -104,5 +104,7 @@ void BgCurve::fit(const Spectrum& spectrum, double start, double end) {
 
 void BgCurve::fit(int kind, const Spectrum& spectrum, double start, double end) {
     m_kind = kind;
+    m_start = start;
+    m_end = end;
     background::visit(kind, [&](auto each) { this->fit<decltype(each)>(spectrum, start, end); });
 }

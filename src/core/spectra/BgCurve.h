@@ -13,6 +13,9 @@ class BgCurve : public Spectrum {
     void fit(int kind, const Spectrum& spectrum, double start, double end);
 
     int kind() const { return m_kind; }
+    /// The range of the last fit in eV: start <= E < end.
+    double start() const { return m_start; }
+    double end() const { return m_end; }
     bool isVictreen() const { return m_kind == 1; }
     double c0() const { return m_c[0]; }  ///< constant
     double c1() const { return m_c[1]; }  ///< of lambda^3
@@ -26,5 +29,7 @@ class BgCurve : public Spectrum {
     void evaluate(const Spectrum& spectrum, const double* coefficients);
 
     int m_kind = 0;
+    double m_start = 0.0;
+    double m_end = 0.0;
     double m_c[4] = {};
 };

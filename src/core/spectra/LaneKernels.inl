@@ -43,26 +43,36 @@ void fromCounts(const unsigned short* counts, std::ptrdiff_t n, double* out) {
     }
 }
 
-[[gnu::always_inline]] inline void muTAt(const Sums& sums, std::size_t bin, double* mu,
-                                         Real* least) {
+/// s0 before dark counts are taken off.
+[[gnu::always_inline]] inline void i0At(const Sums& sums, std::size_t bin, Real& s0) {
     // Counts are finite, so that a difference of 0 to the frame before leaves its sum as it is.
     const bool atFrame = sums.after == nullptr || (sums.fromBefore == 0.0 && sums.span > 1e-100);
+    s0 = Real{} + 1.0;
+    if (sums.before != nullptr) {
+        s0 = load(sums.before + bin);
+        if (!atFrame) {
+            const Real after = load(sums.after + bin);
+            s0 = sums.span == 0.0 ? 0.5 * (s0 + after)
+                                  : sums.fromBefore * ((after - s0) / sums.span) + s0;
+        }
+    }
+}
+
+[[gnu::always_inline]] inline void takeDark(const Sums& sums, std::size_t bin, Real& s1, Real& s0) {
+    if (sums.dark != nullptr) {
+        const Real dark = load(sums.dark + bin);
+        s1 -= dark;
+        s0 = sums.before != nullptr ? s0 - dark : s0;
+    }
+}
+
+[[gnu::always_inline]] inline void muTAt(const Sums& sums, std::size_t bin, double* mu,
+                                         Real* least) {
     for (std::size_t l = 0; l < Count; l += Width) {
         Real s1 = load(sums.i1 + bin + l);
-        Real s0 = Real{} + 1.0;
-        if (sums.before != nullptr) {
-            s0 = load(sums.before + bin + l);
-            if (!atFrame) {
-                const Real after = load(sums.after + bin + l);
-                s0 = sums.span == 0.0 ? 0.5 * (s0 + after)
-                                      : sums.fromBefore * ((after - s0) / sums.span) + s0;
-            }
-        }
-        if (sums.dark != nullptr) {
-            const Real dark = load(sums.dark + bin + l);
-            s1 -= dark;
-            s0 = sums.before != nullptr ? s0 - dark : s0;
-        }
+        Real s0;
+        i0At(sums, bin + l, s0);
+        takeDark(sums, bin + l, s1, s0);
         const Real ratio = s0 / s1;
         Real ln;
         if (any((ratio < SmallestNormal) | (ratio > LargestNumber) | (ratio != ratio))) {
@@ -230,7 +240,8 @@ void middle(const double* mu, const double* e, const Abscissae& at, const Curve&
 template <typename Kind>
 [[gnu::always_inline]] inline void doubleNormalisedOf(const double* mu, const Abscissae& at,
                                                       const Curve& pre, const Curve& post,
-                                                      const int* points, int count, double* y) {
+                                                      const int* points, int count, double* y,
+                                                      double* span) {
     for (int l = 0; l < Count; l += Width) {
         Real a[Kind::Terms], b[Kind::Terms];
         loadCurve<Kind::Terms>(pre, l, a);
@@ -240,7 +251,11 @@ template <typename Kind>
             Real below, above;
             Kind::value(a, at.x[i], at.z[i], below);
             Kind::value(b, at.x[i], at.z[i], above);
-            store(y + p * Count + l, (load(mu + i * Count + l) - below) / (above - below));
+            const Real jump = above - below;
+            store(y + p * Count + l, (load(mu + i * Count + l) - below) / jump);
+            if (span != nullptr) {
+                store(span + p * Count + l, jump);
+            }
         }
     }
 }
@@ -249,15 +264,17 @@ template <typename... Kinds>
 [[gnu::always_inline]] inline void doubleNormalisedOfKind(const std::tuple<Kinds...>*,
                                                           const double* mu, const Abscissae& at,
                                                           const Curve& pre, const Curve& post,
-                                                          const int* points, int count, double* y) {
+                                                          const int* points, int count, double* y,
+                                                          double* span) {
     int i = 0;
-    ((i++ == at.kind ? doubleNormalisedOf<Kinds>(mu, at, pre, post, points, count, y) : void()),
+    ((i++ == at.kind ? doubleNormalisedOf<Kinds>(mu, at, pre, post, points, count, y, span)
+                     : void()),
      ...);
 }
 
 void doubleNormalised(const double* mu, const Abscissae& at, const Curve& pre, const Curve& post,
-                      const int* points, int count, double* y) {
-    doubleNormalisedOfKind(AllKinds, mu, at, pre, post, points, count, y);
+                      const int* points, int count, double* y, double* span) {
+    doubleNormalisedOfKind(AllKinds, mu, at, pre, post, points, count, y, span);
 }
 
 template <int Terms>

@@ -104,8 +104,8 @@ void LaneNormaliser::solve(const Prepared& prepared, const double* sums, int l,
 }
 
 void LaneNormaliser::fit(const double* mu, const double* edges, double start, double end,
-                         lanes::Curve* curve) {
-    lanes::Range range;
+                         lanes::Curve* curve, lanes::Range* fitted) {
+    lanes::Range& range = *fitted;
     int of[Count];
     for (int l = 0; l < Count; ++l) {
         range.first[l] = lowerBound(edges[l] + start, l > 0 ? range.first[l - 1] : 0);
@@ -155,8 +155,8 @@ void LaneNormaliser::findMiddle(const double* mu, const double* edges) {
 void LaneNormaliser::normalise(const double* mu, int count, const double* corrections) {
     double edges[Count];
     findEdges(mu, count, corrections, edges);
-    fit(mu, edges, m_rule.ranges.preStart, m_rule.ranges.preEnd, &m_pre);
-    fit(mu, edges, m_rule.ranges.postStart, m_rule.ranges.postEnd, &m_post);
+    fit(mu, edges, m_rule.ranges.preStart, m_rule.ranges.preEnd, &m_pre, &m_preRange);
+    fit(mu, edges, m_rule.ranges.postStart, m_rule.ranges.postEnd, &m_post, &m_postRange);
     findMiddle(mu, edges);
     for (int l = 0; l < Count; ++l) {
         const int pair = pairAround(m_midE[l]);
@@ -198,8 +198,8 @@ double LaneNormaliser::postAt(double e, int l) const {
     return interpolatedAt(m_post, e, pairAround(e), l);
 }
 
-void LaneNormaliser::doubleNormalised(const double* mu, const std::vector<int>& points,
-                                      double* y) const {
+void LaneNormaliser::doubleNormalised(const double* mu, const std::vector<int>& points, double* y,
+                                      double* span) const {
     m_kernels.doubleNormalised(mu, m_abscissae, m_pre, m_post, points.data(),
-                               static_cast<int>(points.size()), y);
+                               static_cast<int>(points.size()), y, span);
 }

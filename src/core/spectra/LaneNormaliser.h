@@ -31,8 +31,13 @@ class LaneNormaliser {
     /// How many of those that matter have an edge jump of 0.
     int withoutJump() const { return m_withoutJump; }
 
-    /// (mu - pre) / (post - pre) of the last pack at some of the energies.
-    void doubleNormalised(const double* mu, const std::vector<int>& points, double* y) const;
+    /// Points that the curves were fitted to.
+    const lanes::Range& preRange() const { return m_preRange; }
+    const lanes::Range& postRange() const { return m_postRange; }
+
+    /// (mu - pre) / (post - pre) of the last pack at some of the energies; span: post - pre there.
+    void doubleNormalised(const double* mu, const std::vector<int>& points, double* y,
+                          double* span = nullptr) const;
 
     /// Values of the two curves of spectrum l at an energy, as their valueAt() gives them.
     double preAt(double e, int l) const;
@@ -48,7 +53,8 @@ class LaneNormaliser {
 
     void findEdges(const double* mu, int count, const double* corrections, double* edges) const;
     void findMiddle(const double* mu, const double* edges);
-    void fit(const double* mu, const double* edges, double start, double end, lanes::Curve* curve);
+    void fit(const double* mu, const double* edges, double start, double end, lanes::Curve* curve,
+             lanes::Range* fitted);
     int prepared(int first, int end);
     template <typename Kind>
     void tabulate();
@@ -73,6 +79,8 @@ class LaneNormaliser {
 
     lanes::Curve m_pre = {};
     lanes::Curve m_post = {};
+    lanes::Range m_preRange = {};
+    lanes::Range m_postRange = {};
     double m_midE[lanes::Count] = {};
     double m_dMut[lanes::Count] = {};
     int m_withoutJump = 0;

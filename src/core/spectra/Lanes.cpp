@@ -1,4 +1,5 @@
 #include "spectra/Lanes.h"
+#include "spectra/LaneErrors.h"
 
 #ifdef __x86_64__
 #include <immintrin.h>
@@ -22,6 +23,8 @@ template <typename Mask>
     return (mask[0] | mask[1]) != 0;
 }
 #include "spectra/LaneKernels.inl"
+// After the kernels whose helpers it uses.
+#include "spectra/LaneErrors.inl"
 }  // namespace baseline
 
 #ifdef __x86_64__
@@ -41,6 +44,8 @@ template <typename Mask>
     return _mm256_movemask_pd(bits) != 0;
 }
 #include "spectra/LaneKernels.inl"
+// After the kernels whose helpers it uses.
+#include "spectra/LaneErrors.inl"
 }  // namespace wide4
 #ifdef __clang__
 #pragma clang attribute pop
@@ -64,6 +69,8 @@ template <typename Mask>
     return _mm512_movepi64_mask(bits) != 0;
 }
 #include "spectra/LaneKernels.inl"
+// After the kernels whose helpers it uses.
+#include "spectra/LaneErrors.inl"
 }  // namespace wide8
 #ifdef __clang__
 #pragma clang attribute pop
@@ -91,6 +98,17 @@ const Kernels& kernels(Units units) {
     }
 }
 
+const ErrorKernels& errorKernels(Units units) {
+    switch (std::min(units, bestUnits())) {
+        case Units::Wide8:
+            return wide8::AllErrors;
+        case Units::Wide4:
+            return wide4::AllErrors;
+        default:
+            return baseline::AllErrors;
+    }
+}
+
 #else
 
 Units bestUnits() {
@@ -99,6 +117,10 @@ Units bestUnits() {
 
 const Kernels& kernels(Units) {
     return baseline::All;
+}
+
+const ErrorKernels& errorKernels(Units) {
+    return baseline::AllErrors;
 }
 
 #endif

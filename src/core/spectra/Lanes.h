@@ -68,9 +68,10 @@ struct Kernels {
     void (*middle)(const double* mu, const double* e, const Abscissae& at, const Curve& pre,
                    const Curve& post, const Range& range, double* midE);
 
-    /// y[p] = (mu - pre) / (post - pre) at points[p].
+    /// y[p] = (mu - pre) / (post - pre) at points[p]; span[p] = post - pre, unless it is null.
     void (*doubleNormalised)(const double* mu, const Abscissae& at, const Curve& pre,
-                             const Curve& post, const int* points, int count, double* y);
+                             const Curve& post, const int* points, int count, double* y,
+                             double* span);
 
     /// sums[r * Count + l] = sum of f[p * stride + r] y[p] over the points, in their order.
     void (*projections)(const double* y, const double* f, int stride, int count, double* sums);

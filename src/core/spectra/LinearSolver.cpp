@@ -109,3 +109,70 @@ void solveLinear(const double* a, const double* b, int n, double* x) {
     lu.decompose(a, n);
     lu.solve(b, x);
 }
+
+namespace {
+
+/// Lower triangle of the scaled decomposition, with 1 / pivot on its diagonal.
+bool decomposePositive(const double* a, const double* scale, int n, double* lower) {
+    constexpr double LeastPivot = 1e-12;
+    for (int i = 0; i < n; ++i) {
+        for (int j = 0; j <= i; ++j) {
+            double sum = a[i * n + j] * scale[i] * scale[j];
+            for (int k = 0; k < j; ++k) {
+                sum -= lower[i * n + k] * lower[j * n + k];
+            }
+            if (i == j) {
+                if (!(sum >= LeastPivot)) {
+                    return false;
+                }
+                lower[i * n + i] = 1.0 / std::sqrt(sum);
+            } else {
+                lower[i * n + j] = sum * lower[j * n + j];
+            }
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+bool invertPositive(const double* a, int n, double* inverse) {
+    constexpr int Few = 12;
+    double few[Few * Few + Few] = {};
+    std::vector<double> many;
+    double* lower = few;
+    if (n > Few) {
+        many.resize(static_cast<std::size_t>(n) * static_cast<std::size_t>(n + 1));
+        lower = many.data();
+    }
+    double* const scale = lower + n * n;
+    for (int i = 0; i < n; ++i) {
+        scale[i] = 1.0 / std::sqrt(a[i * n + i]);
+        if (!std::isfinite(scale[i])) {
+            return false;
+        }
+    }
+    if (!decomposePositive(a, scale, n, lower)) {
+        return false;
+    }
+    // The inverse of the triangle in its own place, then its transpose times itself.
+    for (int j = 0; j < n; ++j) {
+        for (int i = j + 1; i < n; ++i) {
+            double sum = 0.0;
+            for (int k = j; k < i; ++k) {
+                sum -= lower[i * n + k] * lower[k * n + j];
+            }
+            lower[i * n + j] = sum * lower[i * n + i];
+        }
+    }
+    for (int i = 0; i < n; ++i) {
+        for (int j = 0; j <= i; ++j) {
+            double sum = 0.0;
+            for (int k = i; k < n; ++k) {
+                sum += lower[k * n + i] * lower[k * n + j];
+            }
+            inverse[i * n + j] = inverse[j * n + i] = sum * scale[i] * scale[j];
+        }
+    }
+    return true;
+}

@@ -33,3 +33,9 @@ void solveLinear(const double* a, const double* b, int n, double* x);
 void decomposeInPlace(double* lu, int* row, int n);
 /// Forward and back substitution; x must not be b.
 void substitute(const double* lu, const int* row, int n, const double* b, double* x);
+
+/// Inverse of a symmetric, positive definite n x n matrix, such as that of normal equations. False,
+/// with nothing written, where it is singular: where in the Cholesky decomposition of the matrix,
+/// scaled to ones on its diagonal, a squared pivot is below 1e-12, so that a column is a sum of
+/// those before it but for rounding.
+bool invertPositive(const double* a, int n, double* inverse);
