@@ -55,7 +55,9 @@ void AbsorptionSource::shareI0() {
             const double part = weight * weight * share.perFrame[side];
             share.all[side] = m_i0.size() > 1 ? part : 0.0;
             share.own[side] = share.isShared[side] ? 0.0 : part;
+            m_haveSharedI0 |= share.isShared[side];
         }
+        share.isPlain = share.all[0] == 1.0 && share.own[0] == 1.0 && share.weight[1] == 0.0;
     }
 }
 

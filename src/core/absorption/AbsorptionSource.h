@@ -64,4 +64,5 @@ class AbsorptionSource {
     std::vector<I0Energy> m_i0;
     std::vector<Bracket> m_brackets;       // one an I1 frame; none without I0 frames
     std::vector<lanes::I0Share> m_shares;  // one an I1 frame
+    bool m_haveSharedI0 = false;
 };

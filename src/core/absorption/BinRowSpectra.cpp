@@ -162,7 +162,8 @@ int BinRowSpectra::formPack(int bin, double* mu, bool* lacksCounts) const {
 }
 
 lanes::Counts BinRowSpectra::counts(int bin) const {
-    return {m_sums.data(), m_source.m_shares.data(), static_cast<std::size_t>(bin)};
+    return {m_sums.data(), m_source.m_shares.data(), static_cast<std::size_t>(bin),
+            m_source.m_haveSharedI0};
 }
 
 void BinRowSpectra::formRow(int y) {

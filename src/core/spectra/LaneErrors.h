@@ -15,6 +15,7 @@ struct I0Share {
     double all[2] = {};
     double own[2] = {};
     bool isShared[2] = {};  ///< with other points
+    bool isPlain = false;   ///< the sum of one frame that no other point uses
     int first = 0;          ///< number of I0 energy [0]
 };
 
@@ -24,6 +25,7 @@ struct Counts {
     const Sums* sums = nullptr;  ///< null: not counts, every variance of mu-t is 1
     const I0Share* shares = nullptr;
     std::size_t bin = 0;
+    bool haveSharedI0 = false;  ///< some points have
 };
 
 /// `stride` numbers for every point of a fit, either the same for all spectra, those of energy i

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <type_traits>
 
 #include "base/Numbers.h"
 #include "spectra/LinearSolver.h"
@@ -16,6 +17,7 @@ template <typename Kind>
 void LineFunctions::tabulate() {
     constexpr std::size_t Terms = Kind::Terms;
     m_terms = Kind::Terms;
+    m_isStraight = std::is_same_v<Kind, background::Simple>;
     m_values.resize(m_energies.size() * Terms);
     // The constant comes first, wherever the kind has it.
     const auto constant = static_cast<std::size_t>(
@@ -36,6 +38,7 @@ void LineFunctions::tabulate() {
                 square += f[before] * f[before];
             }
             const double part = square > 0.0 ? product / square : 0.0;
+            m_mean = part;
             for (std::size_t i = 0; i < m_energies.size(); ++i) {
                 m_values[i * Terms + t] -= part * m_values[i * Terms + before];
             }
@@ -75,10 +78,15 @@ void LineFunctions::append(int first, int end) {
 }
 
 void LineFunctions::at(double e, double* phi) const {
+    const auto terms = static_cast<std::size_t>(m_terms);
+    if (m_isStraight) {
+        phi[0] = 1.0;
+        phi[1] = e - m_mean;
+        return;
+    }
     const int pair = pairAround(static_cast<int>(m_energies.size()), e,
                                 [this](int i) { return m_energies[static_cast<std::size_t>(i)]; });
     const auto low = static_cast<std::size_t>(pair);
-    const auto terms = static_cast<std::size_t>(m_terms);
     for (std::size_t t = 0; t < terms; ++t) {
         phi[t] = interpolate(e, m_energies[low], m_values[low * terms + t], m_energies[low + 1],
                              m_values[(low + 1) * terms + t]);

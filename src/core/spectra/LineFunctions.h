@@ -34,6 +34,8 @@ class LineFunctions {
     void append(int first, int end);
 
     int m_terms = 0;
+    bool m_isStraight = false;
+    double m_mean = 0.0;  // energy; of straight lines
     std::vector<double> m_energies;
     std::vector<double> m_values;
     std::vector<double> m_inverses;
