@@ -26,7 +26,7 @@ CountingErrors::CountingErrors(const std::vector<double>& energies, const FitRul
     : m_rule(rule),
       m_places(references, true),
       m_hasLines(rule.method == FitRule::Lcf),
-      m_kernels(lanes::errorKernels(units)),
+      m_kernel(lanes::errorKernel(units)),
       m_functions(background::kindOf(rule.sample.background), energies),
       m_perSpan(energies.size() * Count),
       m_variance(energies.size() * Count),
@@ -63,8 +63,8 @@ void CountingErrors::evaluate(const Pack& pack, int count, double* results) {
         setLines(pack);
     }
     const lanes::ErrorSpace space{m_perSpan.data(), m_variance.data(), m_perI0.data()};
-    m_kernels.goodness(pack.fits, m_lines, space, m_chi2, m_rest, m_square);
-    m_kernels.covariances(pack.fits, m_lines, space, m_own.data(), m_withJump.data(), m_jump);
+    m_kernel(pack.fits, m_lines, space,
+             {m_chi2, m_rest, m_square, m_own.data(), m_withJump.data(), m_jump});
     for (int l = 0; l < count; ++l) {
         finish(pack, l, results + static_cast<std::ptrdiff_t>(l) * m_places.count());
     }

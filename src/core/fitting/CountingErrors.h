@@ -62,7 +62,7 @@ class CountingErrors {
     FitRule m_rule;
     FitValues m_places;
     bool m_hasLines;
-    const lanes::ErrorKernels& m_kernels;
+    const lanes::ErrorKernel m_kernel;
     LineFunctions m_functions;
     lanes::Lines m_lines;
     std::vector<double> m_perSpan;  // see lanes::ErrorSpace
@@ -71,7 +71,7 @@ class CountingErrors {
     double m_chi2[lanes::Count] = {};
     double m_rest[lanes::Count] = {};
     double m_square[lanes::Count] = {};
-    std::vector<double> m_own;  // see lanes::ErrorKernels::covariances
+    std::vector<double> m_own;  // see lanes::ErrorSums
     std::vector<double> m_withJump;
     double m_jump[lanes::Count] = {};
 };

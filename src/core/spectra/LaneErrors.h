@@ -42,7 +42,7 @@ struct Rows {
 struct Fits {
     Range points = {};
     const double* y = nullptr;     ///< y[i * Count + spectrum], at all energies
-    const double* span = nullptr;  ///< post-edge less pre-edge curve, likewise; null: 1
+    const double* span = nullptr;  ///< post-edge less pre-edge curve, likewise; with lines
     Rows basis;
     const double* coefficients = nullptr;  ///< [r * Count + spectrum], basis.stride of them
     /// dc_r / dy_i: a row of `references` numbers; without lines then their sum.
@@ -61,27 +61,32 @@ struct Lines {
     double middle[background::MaxTerms * Count] = {};  ///< phi at midE
 };
 
-/// For every energy that a spectrum of the pack makes use of, [i * Count + spectrum].
+/// Room for every energy, [i * Count + spectrum].
 struct ErrorSpace {
     double* perSpan;
     double* variance;
     double* perI0;
 };
 
-struct ErrorKernels {
-    /// Fills the space, and of the points of each fit, with f = F c and the variances v of mu-t:
-    /// chi2 = sum of span^2 (y - f)^2 / v, rest = sum of (y - f)^2, square = sum of y^2.
-    void (*goodness)(const Fits& fits, const Lines& lines, const ErrorSpace& space, double* chi2,
-                     double* rest, double* square);
-
-    /// After goodness(), the sums over all counts of variance times product of two derivatives by
-    /// mu-t: of reference r with itself, with the jump, and of the jump with itself. The reference
-    /// stands for its coefficient; the jump is post less pre at midE, without lines the sum of the
-    /// references' coefficients. [r * Count + spectrum].
-    void (*covariances)(const Fits& fits, const Lines& lines, const ErrorSpace& space, double* own,
-                        double* withJump, double* jump);
+/// What errors are made of, [spectrum] or [r * Count + spectrum]. Of the points of each fit, with
+/// f = F c and the variances v of mu-t: chi2 = sum of span^2 (y - f)^2 / v, rest = sum of
+/// (y - f)^2, square = sum of y^2. Over all counts the sums of variance times product of two
+/// derivatives by mu-t: of reference r with itself, with the jump, and of the jump with itself. The
+/// reference stands for its coefficient; the jump is post less pre at midE, without lines the sum
+/// of the references' coefficients.
+struct ErrorSums {
+    double* chi2;
+    double* rest;
+    double* square;
+    double* own;
+    double* withJump;
+    double* jump;
 };
 
-const ErrorKernels& errorKernels(Units units);
+using ErrorKernel = void (*)(const Fits& fits, const Lines& lines, const ErrorSpace& space,
+                             const ErrorSums& out);
+
+/// One reference at least.
+ErrorKernel errorKernel(Units units);
 
 }  // namespace lanes

@@ -24,6 +24,8 @@ template <typename Mask>
 }
 #include "spectra/LaneKernels.inl"
 // After the kernels whose helpers it uses.
+#include "spectra/LaneNoise.inl"
+// And these after both.
 #include "spectra/LaneErrors.inl"
 }  // namespace baseline
 
@@ -45,6 +47,8 @@ template <typename Mask>
 }
 #include "spectra/LaneKernels.inl"
 // After the kernels whose helpers it uses.
+#include "spectra/LaneNoise.inl"
+// And these after both.
 #include "spectra/LaneErrors.inl"
 }  // namespace wide4
 #ifdef __clang__
@@ -70,6 +74,8 @@ template <typename Mask>
 }
 #include "spectra/LaneKernels.inl"
 // After the kernels whose helpers it uses.
+#include "spectra/LaneNoise.inl"
+// And these after both.
 #include "spectra/LaneErrors.inl"
 }  // namespace wide8
 #ifdef __clang__
@@ -98,14 +104,14 @@ const Kernels& kernels(Units units) {
     }
 }
 
-const ErrorKernels& errorKernels(Units units) {
+ErrorKernel errorKernel(Units units) {
     switch (std::min(units, bestUnits())) {
         case Units::Wide8:
-            return wide8::AllErrors;
+            return wide8::fitErrors;
         case Units::Wide4:
-            return wide4::AllErrors;
+            return wide4::fitErrors;
         default:
-            return baseline::AllErrors;
+            return baseline::fitErrors;
     }
 }
 
@@ -119,8 +125,8 @@ const Kernels& kernels(Units) {
     return baseline::All;
 }
 
-const ErrorKernels& errorKernels(Units) {
-    return baseline::AllErrors;
+ErrorKernel errorKernel(Units) {
+    return baseline::fitErrors;
 }
 
 #endif
