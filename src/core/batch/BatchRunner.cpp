@@ -15,8 +15,16 @@ BatchRunner::BatchRunner(Measurement& measurement) : m_measurement(measurement) 
     connect(this, &BatchRunner::stopAsked, &m_dispatcher, &BatchDispatcher::batchStop);
     connect(this, &BatchRunner::finishBatchExec, &m_dispatcher, &BatchDispatcher::finishBatchExec);
     connect(&m_dispatcher, &BatchDispatcher::execCmd, this, &BatchRunner::execCmd);
-    connect(&m_dispatcher, &BatchDispatcher::started, this, [this] { m_pacing.batchStarted(); });
-    connect(&m_dispatcher, &BatchDispatcher::ended, this, [this] { m_pacing.batchEnded(); });
+    connect(&m_dispatcher, &BatchDispatcher::started, this, [this] {
+        m_pacing.batchStarted();
+        leaveOutErrors();
+    });
+    connect(&m_dispatcher, &BatchDispatcher::ended, this, [this] {
+        m_pacing.batchEnded();
+        if (const std::optional<bool> before = std::exchange(m_errorMaps, std::nullopt)) {
+            m_measurement.set(&Settings::errorMaps, *before);
+        }
+    });
     connect(&measurement, &Measurement::ended, this, &BatchRunner::workEnded);
     measurement.setRecorder([](const Measurement& m, const Result* result, const QString& savedBy) {
         return result != nullptr ? recordOf(m, *result, savedBy) : recordOfResults(m);
@@ -39,6 +47,14 @@ void BatchRunner::start(const QStringList& lines) {
     m_digests = digestsInRecord(lines);
     m_aboutRecord = aboutNewerRecord(lines);
     emit linesAsked(lines);
+}
+
+/// A batch says itself which maps it wants, wherever it runs; the user's choice comes back.
+void BatchRunner::leaveOutErrors() {
+    if (!m_errorMaps) {
+        m_errorMaps = m_measurement.settings().errorMaps;
+    }
+    m_measurement.set(&Settings::errorMaps, false);
 }
 
 void BatchRunner::execCmd(const CmdLine& cmd, bool inRem) {

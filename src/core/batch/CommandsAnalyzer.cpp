@@ -34,6 +34,7 @@ void selectType(Action& a) {
                    .arg(Reference::KindCount - 1));
         return;
     }
+    a.measurement.set(&Settings::namedKind, std::nullopt);
     a.measurement.set(&Settings::resultType, type);
 }
 

@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr uchar GapGrey = 128;
+
 int sizeOf(const AnalysisGrid& grid) {
     const qint64 count = static_cast<qint64>(grid.width) * grid.height;
     return grid.width > 0 && grid.height > 0 && count <= std::numeric_limits<int>::max()
@@ -178,9 +180,14 @@ void Analyzed2DRes::genImg() {
             for (double value : visible) {
                 widen(value, &m_visibleMin, &m_visibleMax);
             }
+            if (m_visibleMin > m_visibleMax) {  // nothing is left
+                m_visibleMin = 0.0;
+                m_visibleMax = 1.0;
+            }
         }
         // The values of this moment: setting others leaves these as they are.
-        m_toPaint = Picture{visible, m_grid.width, m_grid.height, rangeMin(), rangeMax()};
+        m_toPaint = Picture{visible,    m_grid.width, m_grid.height,
+                            rangeMin(), rangeMax(),   m_marksGaps || m_mask};
         m_valid = true;
     }
 }
@@ -190,7 +197,11 @@ void Analyzed2DRes::paint(const Picture& picture) const {
     uchar* pixel = m_pixels.data();
     const ColorScale& colors = resultColors();
     for (double value : picture.values) {
-        std::memcpy(pixel, colors.at((value - picture.min) / (picture.max - picture.min)), 3);
+        if (picture.marksGaps && std::isnan(value)) {
+            std::fill_n(pixel, 3, GapGrey);
+        } else {
+            std::memcpy(pixel, colors.at((value - picture.min) / (picture.max - picture.min)), 3);
+        }
         pixel += 3;
     }
     m_image = std::make_unique<QImage>(m_pixels.data(), picture.width, picture.height,

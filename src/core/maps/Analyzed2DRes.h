@@ -48,6 +48,9 @@ class Analyzed2DRes : public QObject {
 
     /// Pixels that show no number and do not count for the range in use. Gone with startOver().
     void setMask(const Mask& mask);
+    /// Pictures show pixels that are no number in mid grey, as they always do with a mask; else in
+    /// the colour of the lower end.
+    void markGaps() { m_marksGaps = true; }
     bool isMasked() const { return m_mask != nullptr; }
     bool isMaskedAt(qint64 x, qint64 y) const {
         return m_mask && m_grid.isInsideImage(x, y) &&
@@ -113,6 +116,7 @@ class Analyzed2DRes : public QObject {
         int height;
         double min;
         double max;
+        bool marksGaps;
     };
 
     const Array& procArray() const;
@@ -145,6 +149,7 @@ class Analyzed2DRes : public QObject {
     double m_deglitchRatio = 0.1;
     bool m_showProc = false;
     Mask m_mask;
+    bool m_marksGaps = false;
     double m_visibleMin = 0.0;  // while there is a mask
     double m_visibleMax = 1.0;
 };

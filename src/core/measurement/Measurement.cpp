@@ -101,8 +101,9 @@ void Measurement::settingChanged(const Settings& before) {
         m_settings.namedKind.reset();
     }
     if (before.shown != now.shown || before.selected != now.selected ||
-        before.resultType != now.resultType || !(before.viewRange == now.viewRange) ||
-        before.plotOrdinate != now.plotOrdinate || before.plotAbscissa != now.plotAbscissa) {
+        before.resultType != now.resultType || before.namedKind != now.namedKind ||
+        !(before.viewRange == now.viewRange) || before.plotOrdinate != now.plotOrdinate ||
+        before.plotAbscissa != now.plotAbscissa) {
         what |= Display;
     }
     emit changed(what);

@@ -121,7 +121,9 @@ class Measurement : public QObject {
     Result& residual(int i) const { return *m_results.find(residualId(i)); }
     /// Shows the map of a kind; fails without values.
     Outcome choose(ResultId id, int reference);
-    /// Fails for results of a fit without error maps. 0: none.
+    /// Empty: there are no results of a fit without error maps, which no mask can be made of.
+    QString whyNotMask() const;
+    /// Fails for such results. 0: no mask.
     Outcome setMask(double factor);
     /// What a fitter has found for the current point of the last fit's grid, and the step to the
     /// next; nothing while a pass runs.

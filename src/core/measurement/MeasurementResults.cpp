@@ -99,9 +99,14 @@ bool Measurement::hasFitWithoutErrors() const {
     });
 }
 
+QString Measurement::whyNotMask() const {
+    return hasFitWithoutErrors() ? tr("run again with error maps") : QString();
+}
+
 Outcome Measurement::setMask(double factor) {
-    if (factor > 0.0 && hasFitWithoutErrors()) {
-        return Outcome::failure(tr("run again with error maps"));
+    const QString whyNot = factor > 0.0 ? whyNotMask() : QString();
+    if (!whyNot.isEmpty()) {
+        return Outcome::failure(whyNot);
     }
     set(&Settings::mask, inField(factor));
     return {};

@@ -14,6 +14,12 @@ FitRule fitRule(const Run& run) {
     return rule;
 }
 
+Result::Result(ResultId resultId, int referenceIndex) : id(resultId), reference(referenceIndex) {
+    if (id > ResultId::Shift) {
+        image.markGaps();  // files of the others keep the colour that they had
+    }
+}
+
 const ReferenceInput* Result::referenceInput() const {
     const auto index = static_cast<std::size_t>(reference);
     return reference >= 0 && run && index < run->inputs.references.size()

@@ -36,8 +36,7 @@ struct Result {
         double ratio;
     };
 
-    explicit Result(ResultId resultId, int referenceIndex = -1)
-        : id(resultId), reference(referenceIndex) {}
+    explicit Result(ResultId resultId, int referenceIndex = -1);
 
     const ResultKind& kind() const { return resultKind(id); }
     /// The input of the reference that it belongs to; null for a result of none.

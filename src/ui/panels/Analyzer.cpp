@@ -11,6 +11,7 @@
 #include "measurement/Display.h"
 #include "panels/AnalyzeProc.h"
 #include "panels/LCFReference.h"
+#include "panels/MapChoice.h"
 #include "panels/NumberField.h"
 #include "panels/WhyNot.h"
 #include "ui_Analyzer.h"
@@ -47,7 +48,7 @@ Analyzer::Analyzer(Measurement& measurement, QWidget* parent)
     m_ui->setupUi(this);
     m_ui->refScroll->viewport()->setAutoFillBackground(false);
     m_ui->RefBase->setAutoFillBackground(false);
-    for (QWidget* button : {m_ui->AskAnalyze, m_ui->AskRAAnalyze}) {
+    for (QWidget* button : {m_ui->AskAnalyze, m_ui->AskRAAnalyze, m_ui->AskDifference}) {
         button->setMinimumWidth(button->sizeHint().width());
     }
     m_lastReferenceControl = m_ui->Unscaled;
@@ -57,6 +58,7 @@ Analyzer::Analyzer(Measurement& measurement, QWidget* parent)
         m_choice->addButton(residualButton(i), i);
     }
     connectControls();
+    connectOptions();
     connectMeasurement();
     startWorker();
     followReferences();
@@ -84,7 +86,7 @@ void Analyzer::connectControls() {
     connect(m_ui->AddRef, &QPushButton::clicked, this, &Analyzer::addNewRef);
     connect(m_ui->AskAnalyze, &QPushButton::clicked, this, &Analyzer::askAnalyze);
     connect(m_ui->AskRAAnalyze, &QPushButton::clicked, this, &Analyzer::askRAAnalyze);
-    connect(m_choice, &QButtonGroup::idClicked, this, &Analyzer::selectedNewRef);
+    connect(m_choice, &QButtonGroup::idClicked, this, &Analyzer::clickedResult);
     for (int kind = 0; kind < Reference::KindCount; ++kind) {
         connect(kindButton(kind), &QAbstractButton::toggled, this, [this](bool on) {
             if (on) {
@@ -129,6 +131,7 @@ void Analyzer::connectMeasurement() {
 
 void Analyzer::setImageType(int type) {
     if (type >= 0 && type < Reference::KindCount) {
+        m_measurement.set(&Settings::namedKind, std::nullopt);
         m_measurement.set(&Settings::resultType, type);
         emit changedSelection();
     }
@@ -152,11 +155,12 @@ void Analyzer::showChanges(Measurement::Changes what) {
         setContAccess(busy);
     }
     if (what & (Measurement::Changes(Measurement::AtWork) | Measurement::Frames |
-                Measurement::References)) {
+                Measurement::References | Measurement::Setting)) {
         updateControls();
     }
     if (what & ~Measurement::Changes(Measurement::Position)) {
         updateChoice();
+        m_maps->update();
         showState();
     }
     if (what & Measurement::References) {
@@ -170,13 +174,13 @@ void Analyzer::showSettings() {
     check(m_ui->Unscaled, settings.referenceScale == FitRule::ReferenceScale::None);
     check(m_ui->DispOnTime, settings.showsEachRow);
     check(m_ui->FixedScale, settings.fixedScale);
-    check(kindButton(settings.resultType));
     showNumber(m_ui->DMutScaleMin, settings.dMutMin);
     showNumber(m_ui->DMutScaleMax, settings.dMutMax);
     showNumber(m_ui->RatioScaleMin, settings.ratioMin);
     showNumber(m_ui->RatioScaleMax, settings.ratioMax);
     showNumber(m_ui->RAAtEV, settings.raEnergy);
     showNumber(m_ui->RAFactor, settings.raFactor);
+    showOptions();
     showChoice();
     m_view->setRaEnergy(settings.raEnergy);
     m_view->setCrystalSpacing(m_measurement.spacing());
@@ -197,6 +201,17 @@ void Analyzer::say(const Outcome& outcome) {
 void Analyzer::sayOwn(const Outcome& outcome, const QString& file) {
     say(outcome);
     emit said(outcome, file);
+}
+
+/// A kind that each reference has stays when another reference is clicked.
+void Analyzer::clickedResult(int id) {
+    const std::optional<ResultId> kind = m_measurement.settings().namedKind;
+    if (kind && resultKind(*kind).family == ResultFamily::Reference &&
+        id < m_measurement.referenceCount() && !m_measurement.choose(*kind, id).failed()) {
+        emit changedSelection();
+    } else {
+        selectedNewRef(id);
+    }
 }
 
 void Analyzer::selectedNewRef(int id) {
@@ -250,7 +265,8 @@ QString Analyzer::whyNotFit() const {
     const auto& references = m_measurement.references();
     const bool anyInUse = std::any_of(references.begin(), references.end(),
                                       [](const auto& r) { return r->takesPart(); });
-    return anyInUse ? QString() : tr("Choose the file of a reference and check its Use box first.");
+    return anyInUse ? whyNotConstrained()
+                    : tr("Choose the file of a reference and check its Use box first.");
 }
 
 void Analyzer::updateControls() {
@@ -267,6 +283,8 @@ void Analyzer::updateControls() {
     setUsable(m_ui->AskAnalyze, whyNotFit());
     m_ui->AskRAAnalyze->setText(textOf(Work::Residual));
     setUsable(m_ui->AskRAAnalyze, whyNotAnalyze(m_measurement, Work::Residual));
+    m_ui->AskDifference->setText(textOf(Work::Difference));
+    setUsable(m_ui->AskDifference, whyNotAnalyze(m_measurement, Work::Difference));
 }
 
 /// What the chosen result is, and what keeps it from being one of now.

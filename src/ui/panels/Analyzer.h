@@ -13,13 +13,15 @@ class Analyzer;
 }
 class AnalyzeProc;
 class LCFReference;
+class MapChoice;
 class QAbstractButton;
 class QButtonGroup;
 class QLineEdit;
 class XafsView;
 
-/// The analysis window: a measurement's references, the choice of method, of the result on display
-/// and of its scale, and the residual-absorption controls. Owns the fitter of the spectrum under
+/// The analysis window: a measurement's references, the choice of method, of the result on display,
+/// of its scale and mask, and the controls of residual absorption and of the difference of two
+/// energies. Owns the fitter of the spectrum under
 /// the cursor, its thread and the plot that shows it.
 ///
 /// One spectrum is with the fitter at a time; of those that come meanwhile only the newest is kept.
@@ -68,6 +70,8 @@ class Analyzer : public QFrame {
     void askAnalyze();
     /// The same of residual absorption.
     void askRAAnalyze();
+    /// And of the difference of two energies.
+    void askDifference();
     void analyzeSpectrum0(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
                           XafsSpectrum* fitted, bool isMLCF);
     void changedSelection();
@@ -103,12 +107,16 @@ class Analyzer : public QFrame {
 
   private:
     void connectControls();
+    void connectOptions();
     void connectNumber(QLineEdit* field, double Settings::*number);
     void connectMeasurement();
     void startWorker();
     void showChanges(Measurement::Changes what);
     void showSettings();
+    void showOptions();
     void showChoice();
+    void clickedResult(int id);
+    void showDifferenceChoice();
     void followReferences();
     void addRow();
     void analyze(const XafsSpectrum& spectrum, bool isSample);
@@ -122,6 +130,8 @@ class Analyzer : public QFrame {
     void showState();
     void sayOwn(const Outcome& outcome, const QString& file);
     QString whyNotFit() const;
+    QString whyNotConstrained() const;
+    static QString noSumInMlcf();
     QAbstractButton* residualButton(int i) const;
     QAbstractButton* kindButton(int kind) const;
 
@@ -130,6 +140,7 @@ class Analyzer : public QFrame {
     QVector<LCFReference*> m_references;
     QWidget* m_lastReferenceControl;  // in the order of Tab
     QButtonGroup* m_choice;
+    MapChoice* m_maps = nullptr;
     std::unique_ptr<XafsView> m_view;
     std::unique_ptr<AnalyzeProc> m_worker;
     QThread m_thread;

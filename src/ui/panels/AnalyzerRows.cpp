@@ -75,16 +75,35 @@ void Analyzer::putNextInTabOrder(QWidget* button, const LCFReference* reference)
     }
 }
 
-void Analyzer::showChoice() {
-    if (QAbstractButton* button = m_choice->button(m_measurement.settings().selected)) {
-        const QSignalBlocker blocked(button);
-        button->setChecked(true);
-    } else if (QAbstractButton* checked = m_choice->checkedButton()) {
-        m_choice->setExclusive(false);
-        const QSignalBlocker blocked(checked);
-        checked->setChecked(false);
-        m_choice->setExclusive(true);
+namespace {
+
+/// Checks one of some buttons that exclude each other, or none.
+void checkOnly(QAbstractButton* button, const QList<QAbstractButton*>& all) {
+    const QSignalBlocker ofGroup(button != nullptr ? button->group() : nullptr);
+    for (QAbstractButton* each : all) {
+        const QSignalBlocker blocked(each);
+        const bool excludes = each->autoExclusive();
+        each->setAutoExclusive(false);
+        each->setChecked(each == button);
+        each->setAutoExclusive(excludes);
     }
+}
+
+}  // namespace
+
+/// The buttons that are down say what is chosen: none of the two kinds for a map that has no
+/// button, no reference for one of all of them.
+void Analyzer::showChoice() {
+    const Settings& settings = m_measurement.settings();
+    const bool isNamed = settings.namedKind.has_value();
+    const bool ofOne =
+        !isNamed || resultKind(*settings.namedKind).family == ResultFamily::Reference;
+    m_choice->setExclusive(false);
+    checkOnly(ofOne ? m_choice->button(settings.selected) : nullptr, m_choice->buttons());
+    m_choice->setExclusive(true);
+    checkOnly(isNamed ? nullptr : kindButton(settings.resultType),
+              {kindButton(Reference::DMut), kindButton(Reference::Ratio)});
+    showDifferenceChoice();
 }
 
 /// A reference that took no part in the last fit has no map to choose.

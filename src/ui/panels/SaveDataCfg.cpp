@@ -56,6 +56,8 @@ void SaveDataCfg::connectControls() {
     choice(m_ui->Vals, &SaveDataCfg::setRowPerLine);
     connect(m_ui->TiffFixScale, &QAbstractButton::toggled, this, &SaveDataCfg::setTiffFixedScale);
     connect(m_ui->AsAnalyzed, &QAbstractButton::toggled, this, &SaveDataCfg::setAsAnalyzed);
+    connect(m_ui->Masked, &QAbstractButton::toggled, this,
+            [this](bool on) { m_measurement.set(&Settings::savesMasked, on); });
     connectScale(m_ui->TiffScaleMin, &TiffOptions::scaleMin);
     connectScale(m_ui->TiffScaleMax, &TiffOptions::scaleMax);
     connect(m_ui->CloseButton, &QAbstractButton::clicked, this, &QWidget::hide);
@@ -153,6 +155,7 @@ void SaveDataCfg::showSettings() {
     check(table.separator == Separator::Comma ? m_ui->CSV : m_ui->SSV);
     check(table.layout == Layout::Points ? m_ui->XYZ : m_ui->Vals);
     check(m_ui->AsAnalyzed, tiff.asAnalyzed);
+    check(m_ui->Masked, m_measurement.settings().savesMasked);
     updateControls();
 }
 

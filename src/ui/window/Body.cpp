@@ -108,6 +108,7 @@ Body::Body(QWidget* parent)
     buildBodyMenu(this, tools, resultFiles->actions(), m_record->actions());
     updateControls(*m_ui, m_measurement, *m_xafsView);
     m_ui->SelectI1Files->setFocus();
+    m_measurement.set(&Settings::errorMaps, true);  // a batch says itself whether it makes them
 }
 
 Body::~Body() {
@@ -215,6 +216,7 @@ void Body::connectPanels() {
     connect(m_analyzer.get(), &Analyzer::said, this, &Body::say);
     connect(m_analyzer.get(), &Analyzer::askAnalyze, this, &Body::startLCF2DAnalysis);
     connect(m_analyzer.get(), &Analyzer::askRAAnalyze, this, &Body::startRA2DAnalysis);
+    connect(m_analyzer.get(), &Analyzer::askDifference, this, &Body::startDifference);
     connect(m_analyzer.get(), &Analyzer::changedSelection, this, &Body::selectedNewRef);
     m_analyzer->view()->setRaEnergy(m_measurement.settings().raEnergy);
 }
@@ -244,6 +246,7 @@ void Body::connectSaving() {
     ask(m_ui->SaveXAFSSpectra, tr("Save XAFS Spectra"), spectra, QStringLiteral("dat"),
         &Body::saveXafsSpectra);
     connect(m_ui->SaveData, &QPushButton::clicked, this, &Body::showSaveDataDialog);
+    connect(m_ui->SaveAllMaps, &QPushButton::clicked, this, &Body::showSaveMapsDialog);
     connect(m_ui->SaveDataCfgB, &QPushButton::clicked, m_saveDataCfg.get(), &QWidget::show);
     connect(m_ui->SaveFlatDark, &QPushButton::clicked, this, &Body::saveFlatDark);
     connect(m_ui->DeGlitch, &QPushButton::clicked, this, &Body::deglitch);

@@ -75,6 +75,7 @@ class Body : public QMainWindow {
     void recordResForAPoint();
     void generateResImages();
     void startRA2DAnalysis();
+    void startDifference();
     void generateRAResImage();
     void showResAnalysis(bool on);
     void selectedNewRef();
@@ -87,7 +88,9 @@ class Body : public QMainWindow {
     void saveImage(const QString& fname);
     void saveImageWithBar(const QString& fname);
     void saveAllImages(const QString& fname);
+    void saveAllMaps(const QString& fname);
     void showSaveDataDialog();
+    void showSaveMapsDialog();
     void saveData(const QString& fname);
     void saveDataAsTiff(const QString& fname);
     void saveFlatDark();

@@ -103,6 +103,7 @@ void BodyMenu::addFileMenu() const {
           QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_S));
     press(menu, tr("Save Da&ta..."), QStringLiteral("SaveData"),
           QKeySequence(Qt::CTRL + Qt::Key_D));
+    press(menu, tr("Save All &Maps..."), QStringLiteral("SaveAllMaps"));
     menu->addAction(m_window->findChild<QAction*>(QStringLiteral("actionSaveMapImage")));
     press(menu, tr("Save S&pectra..."), QStringLiteral("SaveXAFSSpectra"),
           QKeySequence(Qt::CTRL + Qt::Key_E));
@@ -139,11 +140,14 @@ void BodyMenu::addProcessMenu() const {
           QKeySequence(Qt::CTRL + Qt::Key_L));
     press(menu, tr("&Residual Absorption of the Area, or Stop"), QStringLiteral("AskRAAnalyze"),
           QKeySequence(Qt::CTRL + Qt::Key_R));
+    press(menu, tr("D&ifference of Two Energies, or Stop"), QStringLiteral("AskDifference"));
     menu->addSeparator();
     press(menu, tr("&Deglitch the Map"), QStringLiteral("DeGlitch"),
           QKeySequence(Qt::CTRL + Qt::Key_G));
     press(menu, tr("Show &Processed or Original Values"), QStringLiteral("ShowProcImg"),
           QKeySequence(Qt::CTRL + Qt::Key_P));
+    press(menu, tr("&Mask the Maps of a Fit, or Not"), QStringLiteral("Mask"),
+          QKeySequence(Qt::CTRL + Qt::Key_M));
     press(menu, tr("Deglitch the Energy &Shifts"), QStringLiteral("NormalizeEShift"));
 }
 

@@ -99,6 +99,9 @@ void Body::execCalibration() {
 void Body::startRA2DAnalysis() {
     toggle(Work::Residual);
 }
+void Body::startDifference() {
+    toggle(Work::Difference);
+}
 void Body::startLCF2DAnalysis() {
     toggle(Work::Fit);
 }
@@ -169,6 +172,14 @@ void Body::saveImageWithBar(const QString& fname) {
 }
 void Body::saveAllImages(const QString& fname) {
     say(::saveAllImages(m_measurement, fname), fname);
+}
+void Body::saveAllMaps(const QString& fname) {
+    say(::saveAllMaps(m_measurement, fname), fname);
+}
+void Body::showSaveMapsDialog() {
+    m_dialogs->askForTarget(tr("Save All Maps"), m_saveDataCfg->nameFilters(),
+                            m_saveDataCfg->suffix(),
+                            [this](const QString& name) { saveAllMaps(name); });
 }
 void Body::showSaveDataDialog() {
     m_dialogs->askForTarget(tr("Save Data"), m_saveDataCfg->nameFilters(), m_saveDataCfg->suffix(),

@@ -43,6 +43,12 @@ bool hasImageToSave(const Measurement& measurement) {
     });
 }
 
+bool hasMapToSave(const Measurement& measurement) {
+    const std::vector<Result*> maps = measurement.results();
+    return std::any_of(maps.begin(), maps.end(),
+                       [](const Result* result) { return result->tookPart(); });
+}
+
 void updateMapControls(const Ui::Body& ui, const Measurement& measurement) {
     const Result* target = measurement.deglitchTarget();
     const bool hasValues = target != nullptr && target->image.hasData();
@@ -91,6 +97,9 @@ void updateControls(const Ui::Body& ui, Measurement& measurement, const XafsView
     setUsable(ui.SaveData, hasValues ? whyNoPart(selected)
                                      : Controls::tr("Select a finished result in the Analyzer, or "
                                                     "show the energy-shift map, first."));
+    setUsable(ui.SaveAllMaps, unless(hasMapToSave(measurement),
+                                     Controls::tr("Analyze the image, or make or load an "
+                                                  "energy-shift map, first.")));
     setUsable(ui.SaveFlatDark, whyNoImages(measurement));
     setUsable(
         ui.SaveXAFSSpectra,

@@ -4,6 +4,7 @@
 #include <QIntValidator>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
+#include <cmath>
 
 #include "base/Numbers.h"
 #include "display/ColorBar.h"
@@ -19,6 +20,10 @@ namespace {
 /// While a stack loads, what is shown follows at this pace: a frame takes less time to read than to
 /// show.
 constexpr int RefreshMs = 40;
+
+QString valueText(double value) {
+    return std::isnan(value) ? ImagePane::tr("no value") : QString::number(value, 'g', 6);
+}
 
 /// Puts the view into one of the form's frames.
 CrossSection* fill(QFrame* frame, Qt::Orientation orientation) {
@@ -267,7 +272,7 @@ void ImagePane::updateValueAndCrossSections() {
     }
     const bool inside = x >= 0 && y >= 0 && x < width && y < height;
     const QString nothing = width > 0 ? QString() : QStringLiteral("0.0");
-    m_ui.Value->setText(inside ? QString::number(valueAt(x, y), 'g', 6) : nothing);
+    m_ui.Value->setText(inside ? valueText(valueAt(x, y)) : nothing);
     const Settings& settings = m_measurement.settings();
     m_hCross->setProfile(rowProfile(width, height, valueAt, y, settings.halfHeight), 0);
     m_vCross->setProfile(columnProfile(width, height, valueAt, x, settings.halfWidth), 0);

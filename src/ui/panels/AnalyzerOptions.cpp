@@ -1,0 +1,72 @@
+// What the fit makes and what it is held to, and the difference of two energies.
+
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QSignalBlocker>
+#include <QStandardItemModel>
+
+#include "panels/Analyzer.h"
+#include "panels/MapChoice.h"
+#include "panels/NumberField.h"
+#include "panels/WhyNot.h"
+#include "ui_Analyzer.h"
+
+namespace {
+
+using Constraints = FitRule::Constraints;
+
+bool sumsToOne(Constraints constraints) {
+    return constraints == Constraints::Sum1 || constraints == Constraints::Both;
+}
+
+}  // namespace
+
+void Analyzer::connectOptions() {
+    // In the order of FitRule::Constraints.
+    m_ui->Constraints->addItems(
+        {tr("none"), tr("not negative"), tr("sum of 1"), tr("not negative, sum of 1")});
+    connect(m_ui->Constraints, QOverload<int>::of(&QComboBox::activated), this, [this](int index) {
+        m_measurement.set(&Settings::constraints, static_cast<Constraints>(index));
+    });
+    connect(m_ui->ErrorMaps, &QCheckBox::toggled, this,
+            [this](bool on) { m_measurement.set(&Settings::errorMaps, on); });
+    connect(m_ui->AskDifference, &QPushButton::clicked, this, &Analyzer::askDifference);
+    connect(m_ui->ShowDifference, &QPushButton::clicked, this, [this] {
+        sayOwn(m_measurement.choose(ResultId::Difference, -1), QString());
+        showDifferenceChoice();
+    });
+    connectNumber(m_ui->DifferenceFrom, &Settings::differenceFrom);
+    connectNumber(m_ui->DifferenceTo, &Settings::differenceTo);
+    m_maps = new MapChoice(m_measurement, m_ui->Map, m_ui->Mask, this);
+    connect(m_maps, &MapChoice::said, this, &Analyzer::sayOwn);
+}
+
+void Analyzer::showOptions() {
+    const Settings& settings = m_measurement.settings();
+    const QSignalBlocker blocked(m_ui->ErrorMaps);
+    m_ui->ErrorMaps->setChecked(settings.errorMaps);
+    m_ui->Constraints->setCurrentIndex(static_cast<int>(settings.constraints));
+    auto* items = qobject_cast<QStandardItemModel*>(m_ui->Constraints->model());
+    const bool isMlcf = settings.method == LinearFit::Mlcf;
+    for (int i = 0; i < items->rowCount(); ++i) {
+        const bool whyNot = isMlcf && sumsToOne(static_cast<Constraints>(i));
+        items->item(i)->setEnabled(!whyNot);
+        items->item(i)->setToolTip(whyNot ? noSumInMlcf() : QString());
+    }
+    showNumber(m_ui->DifferenceFrom, settings.differenceFrom);
+    showNumber(m_ui->DifferenceTo, settings.differenceTo);
+}
+
+QString Analyzer::noSumInMlcf() {
+    return tr("MLCF has no sum of 1: its coefficients are edge jumps.");
+}
+
+QString Analyzer::whyNotConstrained() const {
+    const Settings& settings = m_measurement.settings();
+    return settings.method == LinearFit::Mlcf && sumsToOne(settings.constraints) ? noSumInMlcf()
+                                                                                 : QString();
+}
+
+void Analyzer::showDifferenceChoice() {
+    m_ui->ShowDifference->setChecked(m_measurement.settings().namedKind == ResultId::Difference);
+}
