@@ -12,6 +12,7 @@
 #include <cmath>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "BatchRun.h"
@@ -53,6 +54,7 @@ class TestCommands : public QObject {
     std::unique_ptr<Body> m_body;
     std::unique_ptr<BatchRun> m_batch;
     std::vector<Case> m_cases;
+    bool m_madeErrors = false;  // a batch has set them; its end gives the user's choice back
 
     QString file(const QString& name) const { return m_dir.filePath(name); }
 
@@ -108,6 +110,7 @@ class TestCommands : public QObject {
     void addViewCases();
     void addPictureCases();
     void addAnalyzerCases();
+    void addMapCases();
     void addCalibrationCases();
     void addSaveDataCases();
 
@@ -130,6 +133,7 @@ class TestCommands : public QObject {
         addViewCases();
         addPictureCases();
         addAnalyzerCases();
+        addMapCases();
         addCalibrationCases();
         addSaveDataCases();
         QSet<int> ids;
@@ -419,6 +423,46 @@ void TestCommands::addAnalyzerCases() {
     });
 }
 
+void TestCommands::addMapCases() {
+    QVERIFY(checked(analyzer(), "ErrorMaps"));  // the user's own choice
+    press("ErrorMaps", analyzer());
+    connect(&m_body->measurement(), &Measurement::changed, this,
+            [this] { m_madeErrors |= m_body->measurement().settings().errorMaps; });
+    const auto maps = [this] { return control<QComboBox>("Map", analyzer()); };
+    add("analyzer_set_error_maps 2",
+        [=] { return std::exchange(m_madeErrors, false) && !checked(analyzer(), "ErrorMaps"); });
+    add("analyzer_set_LCF_constraints SUM1",
+        [=] { return choice(analyzer(), "Constraints") == 2; });
+    add("analyzer_set_LCF_constraints none",
+        [=] { return choice(analyzer(), "Constraints") == 0; });
+    add("analyzer_exec_difference 7001.5 7251.25", [=] {
+        return maps()->findText("Difference of two energies") >= 0 &&
+               text(analyzer(), "DifferenceFrom") == "7001.5" &&
+               text(analyzer(), "DifferenceTo") == "7251.25" &&
+               m_body->measurement().find(ResultId::Difference)->image.valueAt(3, 4) > 0.5;
+    });
+    add("analyzer_select_map difference", {"analyzer_select_image 0"}, [=] {
+        return maps()->currentText() == "Difference of two energies" &&
+               state().contains("Difference of two energies");
+    });
+    add("save_all_maps " + file("maps.dat"), {"saveDataCfg_save_as_text"}, [=] {
+        return rowsOf(file("maps-difference.dat")).size() == Size * Size &&
+               QFile::exists(file("maps-fraction-1.dat"));
+    });
+    // With error maps, which a press of the mask needs.
+    add("set_mask 3",
+        {"saveDataCfg_save_as_tiff", "analyzer_set_error_maps 1", "analyzer_exec_LCF"}, [=] {
+            return checked(analyzer(), "Mask") && reference(1)->result(0)->isMasked() &&
+                   control<QAbstractButton>("Mask", analyzer())->text().endsWith(" 3");
+        });
+    add("set_mask OFF", [=] { return !checked(analyzer(), "Mask"); });
+    add("analyzer_select_map chi2_reduced", [=] {
+        return maps()->currentText() == "Reduced chi-square of the fit" &&
+               control<ColorBar>("CBar", m_body.get())->rangeMax() ==
+                   m_body->measurement().find(ResultId::Chi2Reduced)->image.rangeMax();
+    });
+}
+
 void TestCommands::addCalibrationCases() {
     add("calib_show_window", [=] { return calib()->isVisible(); });
     add("calib_load_std " + m_phantom->file("a.dat"), [=] {
@@ -490,6 +534,8 @@ void TestCommands::addSaveDataCases() {
     add("saveDataCfg_text_as_vals", {"saveDataCfg_text_as_xyz"}, inCfg("Vals"));
     add("saveDataCfg_text_as_xyz", inCfg("XYZ"));
     addFlag("saveDataCfg_tiff_as_analyzed", inCfg("AsAnalyzed"));
+    addFlag("saveDataCfg_masked", inCfg("Masked"));
+    add("saveDataCfg_masked 0", [=] { return !checked(saveCfg(), "Masked"); });
 
     // The forms of the one command that saves a result.
     const auto form = [this](const char* name, const QStringList& settings,

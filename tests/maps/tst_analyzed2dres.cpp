@@ -173,6 +173,40 @@ class TestAnalyzed2DRes : public QObject {
         QVERIFY(!map.isValid());
     }
 
+    /// Total jump and error of five bins, and a map of the same fit.
+    void maskedPixelsAreBlankInPictureRangeAndFile() {
+        const auto jump = mapOf(5, 1, 0, {10.0, 4.9, 5.0, NaN, 1.0});
+        const auto error = mapOf(5, 1, 0, {1.0, 1.0, 1.0, 1.0, NaN});
+        auto map = mapOf(5, 1, 0, {0.25, 100.0, 0.75, -7.0, 3.0});
+        map->genImg();
+        const Words before = wordsOf(map.get(), false, 0, 0, false);
+        const Mask mask = maskBelow(*jump, *error, 5.0);
+        QCOMPARE(*mask, (std::vector<bool>{false, true, false, true, true}));
+        QVERIFY(maskBelow(*jump, Analyzed2DRes(), 5.0) == nullptr);
+        map->setMask(mask);
+        QCOMPARE(map->rangeMin(), 0.25);  // of what is left
+        QCOMPARE(map->rangeMax(), 0.75);
+        QVERIFY(std::isnan(map->visibleValueAt(1, 0)) && map->visibleValueAt(2, 0) == 0.75);
+        QCOMPARE(map->img()->pixel(1, 0), qRgb(128, 128, 128));
+        QVERIFY(map->img()->pixel(2, 0) != map->img()->pixel(0, 0));
+        QCOMPARE(wordsOf(map.get(), false, 0, 0, false), before);  // the values are kept
+        Analyzed2DRes saved;
+        saved.takeVisible(*map);
+        QCOMPARE(wordsOf(&saved, false, 0, 0, false), (Words{0, 0, 65535, 0, 0}));
+        QCOMPARE(wordsOf(&saved, true, 0.0, 1.0, true), (Words{16383, 0, 49151, 0, 0}));
+
+        // Deglitched values bear it, too; a mask that leaves nothing has a range all the same.
+        map->deglitch();
+        map->selectProcImg(true);
+        QVERIFY(std::isnan(map->visibleValueAt(3, 0)) && map->rangeMax() < 100.0);
+        map->setMask(maskBelow(*jump, *error, 1e9));
+        QVERIFY(map->rangeMin() < map->rangeMax() && map->rangeMax() < 1e9);
+        map->setMask(nullptr);
+        QVERIFY(!std::isnan(map->visibleValueAt(3, 0)) && map->rangeMax() > 0.75);
+        map->startOver(map->grid());
+        QVERIFY(!map->isMasked());
+    }
+
     void deglitchMeasuresAndReplaces() {
         // A spike of 9 on a plane that rises by 1 a column. The measure is |2c - left - right| and
         // |2c - up - down|, averaged where both exist: at the spike (16 + 16) / 2, beside it (8 +

@@ -114,6 +114,46 @@ class TestFitsJudged : public QObject {
             "7301 eV .* outside those of the frames \\(7000.0 to 7300.0 eV\\)");
     }
     void judged() { m_cases.judge(); }
+
+    void mapsOfAFit_data() {
+        OutcomeCases::declare();
+        const auto add = OutcomeCases::add;
+        const QString fit("LOAD\nREFS\nanalyzer_exec_LCF\n");
+        const char* const again = "run again with error maps";
+        add("no mask without errors", {}, fit + "set_mask 5", "failed", again);
+        add("nor such a map", {}, fit + "analyzer_select_map R", "failed", again);
+        add("nor a masked file", {},
+            "set_mask 5\nsaveDataCfg_masked 1\n" + fit + "save_all_maps x.tif", "failed", again);
+        add("a fit that cannot be masked", {}, "LOAD\nREFS\nset_mask 5\nanalyzer_exec_LCF",
+            "warning", again);
+        add("no mask is always taken", {}, fit + "set_mask off", "done", "");
+        add("a reference that there is not", {}, fit + "analyzer_select_map fraction 2", "failed",
+            "no reference panel 2");
+        add("nothing to save", {}, "LOAD\nsave_all_maps x.tif", "failed", "there are no maps");
+        const QString to = "LOAD\nREFS\nanalyzer_set_LCF_constraints %1\n%2analyzer_exec_LCF";
+        const QString mlcf = "analyzer_set_LCF_mode 1\n";
+        for (const char* word : {"sum1", "both"}) {
+            add(word, {}, to.arg(word, mlcf), "failed", "MLCF has no sum of 1");
+        }
+        add("the only one of MLCF", {}, to.arg("nonnegative", mlcf), "done", "");
+        QString nine;
+        for (int i = 2; i < 9; ++i) {
+            nine += QString("analyzer_set_LCF_std %1 1 0 %2.dat 0\n").arg(i).arg(i % 2 ? 'b' : 'a');
+        }
+        add("nine references", {}, to.arg("both", nine), "failed",
+            "at most 8 references, not for 9");
+        const QString difference("LOAD\nanalyzer_exec_difference %1 %2");
+        add("difference", {}, difference.arg("7000", "7300"), "done", "");
+        add("below", {}, difference.arg("6999.9", "7300"), "failed",
+            "6999.9 eV lies outside those of the frames");
+        add("above", {}, difference.arg("7000", "7300.1"), "failed", "7300.1 eV lies outside");
+        add("the same", {}, difference.arg("7100", "7100"), "failed", "are the same");
+        add("of two frames", {},
+            "load_I1_files NEW i1-7000_000eV.tif i1-7300_000eV.tif\nset_band_w 0\nset_band_h 0\n"
+            "analyzer_exec_difference 7000 7300",
+            "done", "");
+    }
+    void mapsOfAFit() { m_cases.judge(); }
 };
 
 TARNWICK_TEST_MAIN(QApplication, TestFitsJudged)

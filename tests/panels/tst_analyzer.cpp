@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -270,6 +271,70 @@ class TestAnalyzer : public QObject {
         QCOMPARE(m_analyzer->selectedResult(), panel(1)->result(LCFReference::Ratio));
         m_analyzer->selectImage(3);
         QVERIFY(button("ShowRest")->isChecked());
+    }
+
+    void listButtonsAndBatchChooseTheSameMap() {
+        auto* list = control<QComboBox>("Map", m_analyzer.get());
+        QVERIFY(!list->isEnabled());
+        addReferences();
+        load();
+        m_measurement->set(&Settings::errorMaps, true);
+        m_measurement->start(Work::Fit);
+        QTRY_VERIFY(!m_analyzer->isBusy());
+        m_measurement->set(&Settings::differenceFrom, 7090.0);
+        m_measurement->set(&Settings::differenceTo, 7110.0);
+        press("AskDifference", m_analyzer.get());  // nobody listens
+        m_measurement->start(Work::Difference);
+        QCOMPARE(button("AskDifference")->text(), QString("Stop"));
+        QTRY_VERIFY(!m_analyzer->isBusy());
+        QCOMPARE(list->count(), 4 * 2 + 5 + 1);
+        const auto isOn = [this](const char* name) {
+            return control<QAbstractButton>(name, m_analyzer.get())->isChecked();
+        };
+        const auto pick = [list](const QString& title) {
+            list->setCurrentIndex(list->findText(title));
+            emit list->activated(list->currentIndex());
+        };
+        pick("Share of the reference   second.dat");
+        QVERIFY(isOn("SelectRef2") && isOn("SelRatio") && !isOn("SelDMut"));
+        QCOMPARE(m_analyzer->selectedResult(), panel(1)->result(LCFReference::Ratio));
+        QVERIFY(m_measurement->settings().shown == Shown::Result);
+        pick("Counting error of the share   second.dat");
+        QVERIFY(isOn("SelectRef2") && !isOn("SelRatio") && !isOn("SelDMut"));
+        press("SelectRef1", m_analyzer.get());  // its kind stays
+        QCOMPARE(list->currentText(), QString("Counting error of the share   first.dat"));
+        press("SelDMut", m_analyzer.get());
+        QCOMPARE(list->currentText(), QString("Edge jump due to the reference   first.dat"));
+        QVERIFY(!m_measurement->choose(ResultId::R, -1).failed());
+        QCOMPARE(list->currentText(), QString("R factor of the fit"));
+        QVERIFY(!isOn("SelectRef1") && !isOn("SelDMut"));
+        press("ShowDifference", m_analyzer.get());
+        QCOMPARE(list->currentText(), QString("Difference of two energies"));
+        press("SelectRef2", m_analyzer.get());
+        QVERIFY(!isOn("ShowDifference") && isOn("SelDMut"));
+
+        // The mask of a batch is shown; a press sets the usual one.
+        auto* mask = button("Mask");
+        m_measurement->setMask(3.5);
+        QVERIFY(mask->isChecked() && mask->text().endsWith(" 3.5"));
+        mask->click();
+        QCOMPARE(m_measurement->settings().mask, 0.0);
+        mask->click();
+        QCOMPARE(m_measurement->settings().mask, 5.0);
+        QVERIFY(panel(0)->result(0)->isMasked());
+        press("ErrorMaps", m_analyzer.get());
+        m_measurement->start(Work::Fit);
+        QTRY_VERIFY(!m_analyzer->isBusy());
+        QVERIFY(mask->isEnabled() && !panel(0)->result(0)->isMasked());
+        mask->click();  // off
+        QVERIFY(!mask->isEnabled() && mask->toolTip().endsWith("Run again with error maps."));
+        QCOMPARE(list->count(), 2 * 2 + 1);
+
+        m_measurement->set(&Settings::constraints, FitRule::Constraints::Sum1);
+        QCOMPARE(control<QComboBox>("Constraints", m_analyzer.get())->currentIndex(), 2);
+        QVERIFY(button("AskAnalyze")->isEnabled());
+        m_measurement->set(&Settings::method, LinearFit::Mlcf);
+        QVERIFY(button("AskAnalyze")->toolTip().endsWith("its coefficients are edge jumps."));
     }
 
     void titlesTellOfTheReferenceThatWasFitted() {

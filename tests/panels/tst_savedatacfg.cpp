@@ -37,17 +37,21 @@ class TestSaveDataCfg : public QObject {
         QCOMPARE(dialog.suffix(), QStringLiteral("tif"));
         press("AsAnalyzed", &dialog);
         QVERIFY(settings.table.asAnalyzed && settings.tiff.asAnalyzed);
+        press("Masked", &dialog);
+        QVERIFY(settings.savesMasked);
         press("CloseButton", &dialog);
         QVERIFY(!dialog.isVisible());
 
         // And the other way round.
         measurement.set(&Settings::dataForm, DataForm::Tiff);
+        measurement.set(&Settings::savesMasked, false);
         measurement.set(&Settings::table, TableOptions{Separator::Comma, Layout::Rows, false});
         measurement.set(&Settings::tiff, TiffOptions{true, -1.5, 1.0, false});
         for (const char* name : {"SaveAsTiff", "CSV", "Vals", "TiffFixScale"}) {
             QVERIFY2(control<QAbstractButton>(name, &dialog)->isChecked(), name);
         }
         QVERIFY(!control<QCheckBox>("AsAnalyzed", &dialog)->isChecked());
+        QVERIFY(!control<QCheckBox>("Masked", &dialog)->isChecked());
         QCOMPARE(control<QLineEdit>("TiffScaleMin", &dialog)->text(), QStringLiteral("-1.5"));
         // A text that reads as the value stays as it is.
         QCOMPARE(control<QLineEdit>("TiffScaleMax", &dialog)->text(), QStringLiteral("1.0"));

@@ -51,7 +51,7 @@ Analyzer::Analyzer(Measurement& measurement, QWidget* parent)
     for (QWidget* button : {m_ui->AskAnalyze, m_ui->AskRAAnalyze, m_ui->AskDifference}) {
         button->setMinimumWidth(button->sizeHint().width());
     }
-    m_lastReferenceControl = m_ui->Unscaled;
+    m_lastReferenceControl = m_ui->Constraints;
     m_view->setWindowTitle(tr("Analyzing Spectrum"));
     m_view->setObjectName(QStringLiteral("AnalyzingSpectrum"));
     for (int i = 0; i < ResidualCount; ++i) {
@@ -287,11 +287,12 @@ void Analyzer::updateControls() {
     setUsable(m_ui->AskDifference, whyNotAnalyze(m_measurement, Work::Difference));
 }
 
-/// What the chosen result is, and what keeps it from being one of now.
+/// What keeps the chosen map, which the list names, from being one of now.
 void Analyzer::showState() {
-    const Result* selected = m_measurement.selectedResult();
-    m_ui->ResultState->setText(selected != nullptr && selected->image.hasData()
-                                   ? describe(m_measurement, *selected)
+    const bool isShift = m_measurement.settings().shown == Shown::Map;
+    const Result* chosen = isShift ? &m_measurement.map() : m_measurement.selectedResult();
+    m_ui->ResultState->setText(chosen != nullptr && chosen->image.hasData()
+                                   ? stateText(m_measurement, *chosen)
                                    : QString());
 }
 
