@@ -155,7 +155,7 @@ QStringList warningsOf(const Stack& stack, int firstNew) {
     return texts;
 }
 
-Outcome judgeFrames(const Measurement& m) {
+Outcome judgeFrames(const Measurement& m, Work work) {
     for (const StackId id : {StackId::I1, StackId::I0}) {
         if (m.stack(id).isLoading()) {
             return Outcome::failure(Measurement::tr("%1 is being loaded").arg(m.stack(id).name()));
@@ -169,7 +169,7 @@ Outcome judgeFrames(const Measurement& m) {
     for (const Stack::File& file : m.stack(StackId::I1).files()) {
         energies.insert(file.energy);
     }
-    if (energies.size() < FewestEnergies) {
+    if (work != Work::Difference && energies.size() < FewestEnergies) {
         return Outcome::failure(
             Measurement::tr("an edge needs three energies, the I1 frames have "
                             "%n",

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "measurement/Inputs.h"
 #include "measurement/Outcome.h"
 
 class Measurement;
@@ -9,6 +10,7 @@ class Stack;
 /// energies as they were read from the names, the order of all, saturated pixels.
 QStringList warningsOf(const Stack& stack, int firstNew);
 
-/// What of the frames keeps an analysis that needs an edge from beginning, and what should be known
-/// of it: sizes, number of energies, the want of I0. Rests on names and sizes alone.
-Outcome judgeFrames(const Measurement& measurement);
+/// What of the frames keeps an analysis from beginning, and what should be known of it: sizes,
+/// number of energies (of all but a difference of two energies, which needs no edge), the want of
+/// I0. Rests on names and sizes alone.
+Outcome judgeFrames(const Measurement& measurement, Work work);

@@ -87,7 +87,7 @@ Outcome Measurement::judgeStart(Work work) {
     if (raster.rows <= 0 || raster.columns <= 0) {
         return Outcome::failure(tr("no bin of the area lies inside the image"));
     }
-    Outcome outcome = judgeFrames(*this);
+    Outcome outcome = judgeFrames(*this, work);
     outcome += judgeEdge(work);
     if (outcome.failed()) {
         return outcome;
