@@ -1,16 +1,20 @@
 #include <QCoreApplication>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
+#include "Files.h"
 #include "Phantom.h"
 #include "SameBits.h"
 #include "TestMain.h"
 #include "absorption/AbsorptionSource.h"
 #include "calibration/EnergyShift.h"
 #include "files/FileListing.h"
+#include "frames/TiffData.h"
 #include "measurement/Display.h"
 #include "measurement/Measurement.h"
 #include "measurement/ResultParts.h"
+#include "measurement/Saving.h"
 
 Q_DECLARE_METATYPE(std::function<void(Measurement&)>)
 Q_DECLARE_METATYPE(QVector<Difference>)
@@ -408,6 +412,51 @@ class TestMeasurement : public QObject {
             back(m);
             QCOMPARE(differences(), current);
         }
+    }
+
+    /// Blank are bins whose total jump is below k errors or no number; what lies beside the area is
+    /// neither blank nor does it count for the range.
+    void whatIsMaskedIsSavedBlank() {
+        Measurement& m = *m_measurement;
+        const double nan = std::numeric_limits<double>::quiet_NaN();
+        m.set(&Settings::halfWidth, 0);
+        m.set(&Settings::halfHeight, 0);
+        m.set(&Settings::area, Area{2, 3, 7, 4});
+        m.set(&Settings::errorMaps, true);
+        run(Work::Fit);
+        const auto put = [&m](ResultId id, const std::vector<double>& values) {
+            int x = 2;
+            for (const double value : values) {
+                m.find(id, 0)->image.setData(x++, 3, 0, 0, value);
+            }
+        };
+        put(ResultId::TotalJump, {10.0, 4.9, 5.0, nan, 1.0});
+        put(ResultId::TotalJumpError, {1.0, 1.0, 1.0, 1.0, nan});
+        put(ResultId::Ratio, {0.25, 100.0, 0.75, -7.0, 3.0});
+        QVERIFY(!m.setMask(5.0).failed() && !m.choose(ResultId::Ratio, 0).failed());
+        const Analyzed2DRes& map = m.selectedResult()->image;
+        QCOMPARE(map.rangeMin(), 0.25);
+        QCOMPARE(map.rangeMax(), 0.75);
+        QVERIFY(std::isnan(map.visibleValueAt(3, 3)) && map.visibleValueAt(3, 4) == 0.0);
+
+        const auto save = [&](const char* name, DataForm form, bool masked) {
+            m.set(&Settings::dataForm, form);
+            m.set(&Settings::savesMasked, masked);
+            m.set(&Settings::tiff, TiffOptions{false, 0.0, 1.0, true});
+            m.set(&Settings::table,
+                  TableOptions{TableOptions::Separator::Comma, TableOptions::Layout::Rows, true});
+            return saveData(m, m_phantom->file(QLatin1String(name)));
+        };
+        const Outcome blank = save("masked.tif", DataForm::Tiff, true);
+        QVERIFY(blank.warnings.join(' ').contains("3 of 143 pixels are blank"));
+        TiffData words;
+        QVERIFY(words.load(m_phantom->file("masked.tif")) && words.width == 5);
+        QCOMPARE(std::vector<int>(words.rows[0], words.rows[0] + 5),
+                 (std::vector<int>{0, 0, 65535, 0, 0}));
+        QVERIFY(save("masked.dat", DataForm::Text, true).warnings.isEmpty());
+        QVERIFY(contentOf(m_phantom->file("masked.dat")).contains("\n0.25,nan,0.75,nan,nan\n"));
+        save("all.dat", DataForm::Text, false);
+        QVERIFY(contentOf(m_phantom->file("all.dat")).contains("\n0.25,100,0.75,-7,3\n"));
     }
 
     void settingsHoldWhatTheirFieldsRead() {

@@ -124,6 +124,11 @@ class TestFitsJudged : public QObject {
         add("nor such a map", {}, fit + "analyzer_select_map R", "failed", again);
         add("nor a masked file", {},
             "set_mask 5\nsaveDataCfg_masked 1\n" + fit + "save_all_maps x.tif", "failed", again);
+        add("a masked file", {},
+            "set_mask 1e-9\nsaveDataCfg_masked 1\nsaveDataCfg_save_as_float\n"
+            "analyzer_set_error_maps 1\n" +
+                fit + "save_all_maps x.tif",
+            "done", "");
         add("a fit that cannot be masked", {}, "LOAD\nREFS\nset_mask 5\nanalyzer_exec_LCF",
             "warning", again);
         add("no mask is always taken", {}, fit + "set_mask off", "done", "");
@@ -151,7 +156,7 @@ class TestFitsJudged : public QObject {
         add("of two frames", {},
             "load_I1_files NEW i1-7000_000eV.tif i1-7300_000eV.tif\nset_band_w 0\nset_band_h 0\n"
             "analyzer_exec_difference 7000 7300",
-            "done", "");
+            "warning", "no I0 frames");
     }
     void mapsOfAFit() { m_cases.judge(); }
 };

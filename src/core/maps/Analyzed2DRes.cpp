@@ -99,11 +99,24 @@ void Analyzed2DRes::takeVisible(const Analyzed2DRes& other) {
     m_mask = other.m_mask;
     m_showProc = other.m_showProc;
     m_data = other.visibleValues();
-    updateExtremes();
+    other.visibleExtremes(&m_dataMin, &m_dataMax);
+    m_visibleMin = m_dataMin;
+    m_visibleMax = m_dataMax;
     if (m_showProc) {
         m_proc = m_data;
         setProcRange(m_dataMin, m_dataMax);
     }
+}
+
+/// Of the points of the grid: pixels beside the area hold no values.
+void Analyzed2DRes::visibleExtremes(double* min, double* max) const {
+    *min = 1e300;
+    *max = -1e300;
+    forEachPoint(m_grid, [&](int x, int y) {
+        if (m_grid.isInsideImage(x, y)) {
+            widen(visibleValueAt(x, y), min, max);
+        }
+    });
 }
 
 void Analyzed2DRes::setProcRange(double min, double max) {
@@ -175,11 +188,7 @@ void Analyzed2DRes::genImg() {
     if (!source.isEmpty()) {
         const Array visible = visibleValues();
         if (m_mask) {
-            m_visibleMin = 1e300;
-            m_visibleMax = -1e300;
-            for (double value : visible) {
-                widen(value, &m_visibleMin, &m_visibleMax);
-            }
+            visibleExtremes(&m_visibleMin, &m_visibleMax);
             if (m_visibleMin > m_visibleMax) {  // nothing is left
                 m_visibleMin = 0.0;
                 m_visibleMax = 1.0;

@@ -126,6 +126,7 @@ class Analyzed2DRes : public QObject {
     void fillBin(Array* array, int ix, int iy, int xw, int yw, double t) const;
     double glitchMeasure(int x, int y) const;
     double meanOfNeighbours(int x, int y) const;
+    void visibleExtremes(double* min, double* max) const;
     void setProcPoint(int x, int y, double t);
     void dropPicture();
 

@@ -124,11 +124,11 @@ bool isOfFit(const Result& result) {
 }
 
 /// Counts have no number for "no value".
-Outcome judgeBlanks(const Settings& form, const Analyzed2DRes& image) {
-    if (form.dataForm != DataForm::Tiff || !image.isMasked() || !form.savesMasked) {
+Outcome judgeBlanks(const Settings& form, const Analyzed2DRes& masked) {
+    if (form.dataForm != DataForm::Tiff) {
         return {};
     }
-    const QVector<double> values = image.visibleValues();
+    const QVector<double> values = masked.values();
     const auto blank = std::count_if(values.begin(), values.end(),
                                      [](double value) { return !std::isfinite(value); });
     return blank == 0 ? Outcome()
@@ -244,7 +244,7 @@ Outcome saveValues(const Measurement& measurement, Result& result, const QString
                    const QString& asked) {
     const Settings& form = measurement.settings();
     const bool isMasked = form.savesMasked && form.mask > 0.0 && isOfFit(result);
-    if (isMasked && !result.image.isMasked() && measurement.rehearsal() == nullptr) {
+    if (isMasked && !result.image.isMasked()) {
         return Outcome::failure(
             Saving::tr("no mask without error maps: run again with error maps"));
     }
@@ -262,7 +262,9 @@ Outcome saveValues(const Measurement& measurement, Result& result, const QString
     if (!outcome.failed()) {
         outcome += judgement(measurement, saved);
         outcome += judgeForm(form, saved.image);
-        outcome += judgeBlanks(form, saved.image);
+        if (isMasked && measurement.rehearsal() == nullptr) {
+            outcome += judgeBlanks(form, saved.image);
+        }
     }
     return outcome;
 }

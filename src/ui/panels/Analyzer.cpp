@@ -184,8 +184,9 @@ void Analyzer::showSettings() {
     showChoice();
     m_view->setRaEnergy(settings.raEnergy);
     m_view->setCrystalSpacing(m_measurement.spacing());
-    if (settings.method != m_method) {
+    if (settings.method != m_method || settings.constraints != m_constraints) {
         m_method = settings.method;
+        m_constraints = settings.constraints;
         reAnalyzeSpectrum();
     }
 }

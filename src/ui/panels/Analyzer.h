@@ -148,6 +148,7 @@ class Analyzer : public QFrame {
     bool m_busy = false;
     int m_fitsOut = 0;
     int m_method = LinearFit::Lcf;  // of the last fit of the sample
+    FitRule::Constraints m_constraints = FitRule::Constraints::None;
     XafsSpectrum m_sample;
     XafsSpectrum m_fitted;        // written by the fitter; copied when it reports
     bool m_sampleIsOut = false;   // the fit that is out is of the sample on display
