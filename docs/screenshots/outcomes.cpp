@@ -70,6 +70,15 @@ void makeOutcomePictures(Stage& stage) {
     stage.body().startLCF2DAnalysis();
     stage.save(&stage.body(), "run-before");
 
+    // A map that only error maps make, masked, and the choice among all of them.
+    stage.run({"select_region 0 0 0 0", "analyzer_set_LCF_std 0 1 0.0 references/metal.dat 0",
+               "analyzer_set_LCF_std 1 1 0.0 references/oxide2.dat 0",
+               "analyzer_set_LCF_std 2 1 0.0 references/oxide3.dat 0", "analyzer_set_error_maps 1",
+               "analyzer_exec_LCF", "analyzer_exec_difference 7100 7140", "set_mask 5",
+               "analyzer_select_map chi2_reduced", "move_position 2 2"});
+    stage.save(&stage.body(), "masked");
+    stage.save(stage.control("Analyzer"), "masked-analyzer");
+
     // Calibration with warnings beside its closing line.
     stage.run({"calib_load_std " + file("no-edge.dat"), "select_disp_image 2"});
     stage.clickAndWait("ExecCalib");

@@ -203,7 +203,10 @@ class TestRecord : public QObject {
             QVERIFY2(first.contains("Tarnwick origin 1\n"), map.file);
             QVERIFY2(first == contentOf(file("again/" + QString(map.file))), map.file);
         }
-        QVERIFY(contentOf(file("table.csv")).startsWith("x,y,fraction_1,jump_1,fraction_2,jump_2"));
+        // A press makes error maps, and so does its record.
+        QVERIFY(contentOf(file("table.csv"))
+                    .startsWith("x,y,fraction_1,fraction_error_1,jump_1,jump_error_1,fraction_2"));
+        QVERIFY(done.contains("\nanalyzer_set_error_maps 1\n"));
         QCOMPARE(contentOf(file("again/table.csv")), contentOf(file("table.csv")));
         // A saved map, or the file with all of them, alone tells as much.
         for (const char* name : {"ratio.tif", "results.h5"}) {

@@ -161,6 +161,7 @@ void Analyzer::showChanges(Measurement::Changes what) {
     if (what & ~Measurement::Changes(Measurement::Position)) {
         updateChoice();
         m_maps->update();
+        showDifferenceChoice();
         showState();
     }
     if (what & Measurement::References) {

@@ -5,6 +5,7 @@
 #include <QSignalBlocker>
 #include <QStandardItemModel>
 
+#include "display/Availability.h"
 #include "panels/Analyzer.h"
 #include "panels/MapChoice.h"
 #include "panels/NumberField.h"
@@ -68,5 +69,8 @@ QString Analyzer::whyNotConstrained() const {
 }
 
 void Analyzer::showDifferenceChoice() {
+    const bool isMade = m_measurement.find(ResultId::Difference)->image.hasData();
+    setUsable(m_ui->ShowDifference,
+              isMade ? QString() : tr("Analyze the image with two energies first."));
     m_ui->ShowDifference->setChecked(m_measurement.settings().namedKind == ResultId::Difference);
 }
