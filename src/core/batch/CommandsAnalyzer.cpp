@@ -1,6 +1,7 @@
 // Commands for references, fits, residual absorption and their results.
 
 #include "batch/CommandRows.h"
+#include "measurement/SpectrumFit.h"
 #include "spectra/Background.h"
 
 namespace {
@@ -183,6 +184,17 @@ void addAnalyzerCommands(std::vector<CommandRow>* rows) {
          false,
          Work::None,
          [](Action& a) { a.measurement.set(&S::referenceScale, *scaleOfWord(a.args.text(0))); }},
+        {82,
+         "fit_spectrum",
+         {K::InFile, K::OutFile, K::OutFile},
+         2,
+         false,
+         Work::None,
+         [](Action& a) {
+             a.outcome +=
+                 fitSpectrumFile(a.measurement, a.args.text(0), a.args.text(1), a.args.text(2));
+         },
+         true},
     };
     rows->insert(rows->end(), mine.begin(), mine.end());
 }

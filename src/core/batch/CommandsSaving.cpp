@@ -2,6 +2,7 @@
 
 #include "batch/CommandRows.h"
 #include "batch/Record.h"
+#include "measurement/PlotSaving.h"
 #include "measurement/Saving.h"
 
 namespace {

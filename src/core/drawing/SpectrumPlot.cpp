@@ -31,7 +31,7 @@ void useSavedName(SpectrumPlot::Named* named) {
 }  // namespace
 
 bool SpectrumPlot::showsFit() const {
-    return fit && !fit->isEmpty() && hasSample() && ordinate == DoubleNormalized;
+    return fit && !fit->isEmpty() && hasSample() && (asCompared || ordinate == DoubleNormalized);
 }
 
 QVector<SpectrumPlot::Shown> SpectrumPlot::shown() const {
@@ -64,7 +64,8 @@ QPolygonF SpectrumPlot::residual() const {
     for (int i = 0; i < fit->size(); ++i) {
         const double e = fit->correctedEnergy(i);
         const XafsSpectrum& from = sample->spectrum;
-        const double value = from.doubleNormalizedPreBase(e + from.energyCorrection());
+        const double at = e + from.energyCorrection();
+        const double value = asCompared ? from.valueAt(at) : from.doubleNormalizedPreBase(at);
         points.append(QPointF(e, value - fit->value(i)));
     }
     return points;
@@ -117,9 +118,10 @@ QVector<PlotCurve> SpectrumPlot::curves() const {
             name += QStringLiteral(" (R = ") + QString::number(*r, 'g', 3) + ')';
         }
         // The fit is drawn as it stands: it is a sum of double normalized spectra.
-        add(spectrum, one.isFit ? spectrum : seriesOf(spectrum, ordinate), color, Qt::SolidLine,
+        const bool asItStands = one.isFit || asCompared;
+        add(spectrum, asItStands ? spectrum : seriesOf(spectrum, ordinate), color, Qt::SolidLine,
             name);
-        if (ordinate == MuT && backgrounds) {
+        if (ordinate == MuT && backgrounds && !asCompared) {
             add(spectrum, spectrum.preEdge(), color, Qt::DashLine, QString());
             add(spectrum, spectrum.postEdge(), color, Qt::DashLine, QString());
         }

@@ -54,6 +54,9 @@ struct SpectrumPlot {
     QVector<Named> references;
     QVector<Named> pinned;
 
+    /// All spectra are what a fit has compared and are drawn as they stand, the fit over them
+    /// whatever the ordinate, which only names the axis.
+    bool asCompared = false;
     Ordinate ordinate = DoubleNormalized;
     Abscissa abscissa = ElectronVolts;
     double spacing = CrystalTable[0].spacing;  ///< of the crystal in angstrom, for degrees
@@ -65,7 +68,7 @@ struct SpectrumPlot {
     PlotTexts texts;
 
     bool hasSample() const { return sample && !sample->spectrum.isEmpty(); }
-    /// Whether the fit is drawn: with a sample, over the ordinate of fits.
+    /// Whether the fit is drawn: with a sample, over the ordinate of fits or as compared.
     bool showsFit() const;
     /// Sample, fit, standard, references and pinned ones, as far as they are shown and have points.
     QVector<Shown> shown() const;

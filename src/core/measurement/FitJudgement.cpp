@@ -119,14 +119,36 @@ QStringList lookAlikes(const LinearFit& fit, const Taking& taking) {
     return texts;
 }
 
+/// What is fitted, in texts.
+enum class Fitted { Image, Spectrum };
+
+QString tooFewText(Fitted fitted) {
+    return fitted == Fitted::Image
+               ? Texts::tr(
+                     "%1 of %2 energies of the frames (%3) lie inside all references, "
+                     "the fit needs %4")
+               : Texts::tr(
+                     "%1 of %2 energies of the spectrum (%3) lie inside all references, "
+                     "the fit needs %4");
+}
+
+QString onlySomeText(Fitted fitted) {
+    return fitted == Fitted::Image
+               ? Texts::tr("only %1 of %2 energies of the frames (%3) were used: %4")
+               : Texts::tr("only %1 of %2 energies of the spectrum (%3) were used: %4");
+}
+
 /// Stated and sometimes meant, but mostly a word that was left out of a batch line.
 QStringList otherBackgrounds(const std::vector<std::unique_ptr<Reference>>& references,
-                             int background) {
+                             int background, Fitted fitted) {
+    const QString text =
+        fitted == Fitted::Image
+            ? Texts::tr("%1 is normalised with %2 curves, the image with %3 ones")
+            : Texts::tr("%1 is normalised with %2 curves, the sample with %3 ones");
     QStringList texts;
     for (const auto& reference : references) {
         if (reference->takesPart() && reference->background() != background) {
-            texts << Texts::tr("%1 is normalised with %2 curves, the image with %3 ones")
-                         .arg(nameOf(*reference), backgroundWord(reference->background()),
+            texts << text.arg(nameOf(*reference), backgroundWord(reference->background()),
                               backgroundWord(background));
         }
     }
@@ -176,8 +198,11 @@ Outcome judgeDifference(const std::vector<double>& energies, double from, double
 
 }  // namespace
 
-Outcome judgeFit(const std::vector<double>& energies,
-                 const std::vector<std::unique_ptr<Reference>>& references, const FitRule& rule) {
+namespace {
+
+Outcome judgeEnergies(const std::vector<double>& energies,
+                      const std::vector<std::unique_ptr<Reference>>& references,
+                      const FitRule& rule, Fitted fitted) {
     Taking taking;
     QVector<XafsSpectrum> spectra;
     Outcome outcome;
@@ -205,23 +230,37 @@ Outcome judgeFit(const std::vector<double>& energies,
     const int needed = fit.coefficientCount() + 2;
     const QString frames = all > 0 ? rangeText(energies.front(), energies.back()) : QString();
     if (inside < needed) {
-        QString text = Texts::tr(
-                           "%1 of %2 energies of the frames (%3) lie inside all references, "
-                           "the fit needs %4")
-                           .arg(inside)
-                           .arg(all)
-                           .arg(frames)
-                           .arg(needed);
+        const QString text = tooFewText(fitted).arg(inside).arg(all).arg(frames).arg(needed);
         const QString limiting = all > 0 ? limits(energies, taking) : QString();
         return Outcome::failure(limiting.isEmpty() ? text : text + QStringLiteral(": ") + limiting);
     }
     if (inside < EnoughInside * all) {
-        outcome.warnings << Texts::tr("only %1 of %2 energies of the frames (%3) were used: %4")
-                                .arg(inside)
-                                .arg(all)
-                                .arg(frames, limits(energies, taking));
+        outcome.warnings << onlySomeText(fitted).arg(inside).arg(all).arg(frames,
+                                                                          limits(energies, taking));
     }
     outcome.warnings += lookAlikes(fit, taking);
+    return outcome;
+}
+
+}  // namespace
+
+Outcome judgeFit(const std::vector<double>& energies,
+                 const std::vector<std::unique_ptr<Reference>>& references, const FitRule& rule) {
+    return judgeEnergies(energies, references, rule, Fitted::Image);
+}
+
+Outcome judgeSpectrumFit(const std::vector<double>& energies,
+                         const std::vector<std::unique_ptr<Reference>>& references,
+                         const Settings& settings) {
+    FitRule rule(settings.method);
+    rule.referenceScale = settings.referenceScale;
+    Outcome outcome = judgeEnergies(energies, references, rule, Fitted::Spectrum);
+    Settings withoutMask = settings;
+    withoutMask.mask = 0.0;
+    outcome += judgeRule(references, withoutMask);
+    if (rule.referenceScale == FitRule::ReferenceScale::Jump) {
+        outcome.notes += otherBackgrounds(references, settings.targetBackground, Fitted::Spectrum);
+    }
     return outcome;
 }
 
@@ -282,7 +321,7 @@ Outcome judgeBefore(Work work, const std::vector<double>& energies,
         Outcome outcome = judgeFit(energies, references, rule);
         outcome += judgeRule(references, settings);
         if (rule.referenceScale == FitRule::ReferenceScale::Jump) {
-            outcome.notes += otherBackgrounds(references, settings.targetBackground);
+            outcome.notes += otherBackgrounds(references, settings.targetBackground, Fitted::Image);
         }
         return outcome;
     }

@@ -39,6 +39,12 @@ Outcome judgeShiftedFit(const std::vector<double>& energies,
                         LinearFit::Method method, const BinRaster& raster,
                         const std::function<double(int x, int y)>& shiftAt);
 
+/// The same of a fit of a single spectrum with these energies, with the rest of the settings that
+/// it goes by: more references than constraints are for, another background than the sample's.
+Outcome judgeSpectrumFit(const std::vector<double>& energies,
+                         const std::vector<std::unique_ptr<Reference>>& references,
+                         const Settings& settings);
+
 /// Of residual absorption at an energy (eV): warns when it lies outside those of the frames.
 Outcome judgeResidual(const std::vector<double>& energies, double at);
 

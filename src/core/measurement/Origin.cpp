@@ -219,6 +219,10 @@ void addEnd(OriginText* origin, Writer& writer, const QString& savedBy, const Re
 
 }  // namespace
 
+QString programName() {
+    return QStringLiteral("Tarnwick " TARNWICK_VERSION);
+}
+
 QString originFolder(const Inputs& inputs) {
     QStringList files;
     for (const StackInputs* stack : {&inputs.i1, &inputs.i0}) {
@@ -274,7 +278,7 @@ OriginText originOf(const Measurement& measurement, const Result& result, const 
     OriginText origin;
     const QString folder = originFolder(inputsOf(measurement, result));
     Writer writer(&origin.entries, folder);
-    writer.add("program", QStringLiteral("Tarnwick " TARNWICK_VERSION));
+    writer.add("program", programName());
     writer.add("result", QString::fromLatin1(result.kind().source));
     writer.add("title", QString::fromLatin1(result.kind().title));
     writer.add("unit", QString::fromLatin1(result.kind().unit));
@@ -301,7 +305,7 @@ OriginText originOf(const Measurement& measurement, const std::vector<ResultPart
                     const QString& savedBy) {
     OriginText origin;
     Writer writer(&origin.entries, QString());
-    writer.add("program", QStringLiteral("Tarnwick " TARNWICK_VERSION));
+    writer.add("program", programName());
     for (const ResultPart& part : parts) {
         const Result& first = part.first();
         const QString folder = originFolder(inputsOf(measurement, first));

@@ -8,6 +8,9 @@
 // host, user, program, number of threads or output name, and file names relative to the folder of
 // the frames.
 
+/// The program with its version, as saved files name it.
+QString programName();
+
 /// The deepest folder that holds all frames of both stacks; without frames that of the map's file.
 QString originFolder(const Inputs& inputs);
 

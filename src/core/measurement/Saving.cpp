@@ -3,19 +3,18 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <algorithm>
 #include <cmath>
 
 #include "calibration/EnergyMapTiff.h"
 #include "drawing/BarPicture.h"
-#include "drawing/PlotPicture.h"
 #include "files/FileNames.h"
 #include "files/PictureFile.h"
 #include "files/WholeFile.h"
 #include "measurement/CalibrationJudgement.h"
 #include "measurement/Display.h"
 #include "measurement/Origin.h"
+#include "measurement/PlotSaving.h"
 #include "measurement/Writing.h"
 #include "output/FlatDark.h"
 #include "output/ResultWriter.h"
@@ -26,11 +25,6 @@ namespace {
 class Saving {
     Q_DECLARE_TR_FUNCTIONS(Saving)
 };
-
-bool hasLetters(const Measurement& measurement) {
-    return measurement.rehearsal() != nullptr ||
-           qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-}
 
 /// What somebody should know of a result that has been saved.
 Outcome judgement(const Measurement& measurement, const Result& result) {
@@ -161,18 +155,10 @@ QString originText(const Measurement& measurement, const Result& result, const c
     return originOf(measurement, result, QString::fromLatin1(savedBy)).toText();
 }
 
-/// The suffix says which format.
-Outcome whyNoPicture(const QString& fileName, bool isKnown) {
-    return isKnown
-               ? Outcome()
-               : Outcome::failure(
-                     Saving::tr("no picture format has this suffix (use .png): %1").arg(fileName));
-}
-
 Outcome writePictureFile(const Measurement& measurement, const QString& fileName,
                          const QImage& picture, const QString& origin, const QString& asked) {
     const QString name = asGiven(fileName, asked);
-    const Outcome whyNot = whyNoPicture(name, isPictureName(fileName));
+    const Outcome whyNot = judgePictureName(name, isPictureName(fileName));
     return whyNot.failed() ? whyNot : writeFile(measurement, name, [&] {
         return writePicture(fileName, picture, origin);
     });
@@ -203,8 +189,9 @@ Outcome saveImage(Measurement& measurement, const QString& fileName) {
 }
 
 Outcome saveImageWithBar(Measurement& measurement, const QString& fileName) {
-    if (!hasLetters(measurement)) {
-        return Outcome::failure(Saving::tr("there are no letters to draw with"));
+    const Outcome letters = judgeLetters(measurement);
+    if (letters.failed()) {
+        return letters;
     }
     const QImage picture = measurement.rehearsal() != nullptr
                                ? shownPicture(measurement)
@@ -347,25 +334,6 @@ Outcome saveSpectra(Measurement& measurement, const QString& fileName,
         outcome.warnings << Saving::tr(
             "the E0 of the mean spectrum is not known before an analysis of the area (LCF or "
             "residual absorption): the spectrum was saved with its own");
-    }
-    return outcome;
-}
-
-Outcome savePlot(Measurement& measurement, const QString& fileName) {
-    const SpectrumPlot plot = shownPlot(measurement);
-    if (plot.shown().isEmpty()) {
-        return Outcome::failure(Saving::tr("the spectrum window shows no spectrum"));
-    }
-    if (!hasLetters(measurement)) {
-        return Outcome::failure(Saving::tr("there are no letters to draw with"));
-    }
-    Outcome outcome = whyNoPicture(fileName, isDrawingName(fileName));
-    if (!outcome.failed()) {
-        outcome += writeFile(measurement, fileName, [&] { return writePlot(fileName, plot); });
-    }
-    if (!outcome.failed() && !plot.hasSample()) {
-        outcome.warnings << Saving::tr(
-            "there is no spectrum at the position: the plot shows the standard alone");
     }
     return outcome;
 }

@@ -23,9 +23,6 @@ Outcome saveAllMaps(const Measurement& measurement, const QString& fileName);
 /// "-2", ... before the suffix.
 Outcome saveSpectra(Measurement& measurement, const QString& fileName,
                     const QVector<XafsSpectrum>& more = {});
-/// The plot of the spectrum at the position: PDF with that suffix, else a picture. Needs a
-/// QGuiApplication for its letters.
-Outcome savePlot(Measurement& measurement, const QString& fileName);
 /// The energy-shift map as changes of the Bragg angle; under a name with .tif or .tiff, as a float
 /// TIFF of the shifts in eV.
 Outcome saveMap(const Measurement& measurement, const QString& fileName);

@@ -69,9 +69,9 @@ Outcome unwritable(const QString& fileName, const QString& why = QString()) {
 
 }  // namespace
 
-Outcome writeFile(const Measurement& measurement, const QString& fileName,
-                  const std::function<bool()>& writer, const Rehearsal::Written& written) {
-    if (isOneOf(fileName, filesRead(measurement.inputs()))) {
+Outcome judgeTarget(const Measurement& measurement, const QString& fileName,
+                    const QStringList& alsoRead) {
+    if (isOneOf(fileName, filesRead(measurement.inputs()) + alsoRead)) {
         return Outcome::failure(
             Writing::tr("the measurement was read from this file: %1").arg(fileName));
     }
@@ -80,8 +80,15 @@ Outcome writeFile(const Measurement& measurement, const QString& fileName,
             Writing::tr("the batch that runs was read from this file: %1").arg(fileName));
     }
     const Target target = targetAt(fileName);
-    if (target != Target::Fine) {
-        return unwritable(fileName, whyNot(target));
+    return target == Target::Fine ? Outcome() : unwritable(fileName, whyNot(target));
+}
+
+Outcome writeFile(const Measurement& measurement, const QString& fileName,
+                  const std::function<bool()>& writer, const Rehearsal::Written& written,
+                  const QStringList& alsoRead) {
+    const Outcome judged = judgeTarget(measurement, fileName, alsoRead);
+    if (judged.failed()) {
+        return judged;
     }
     if (Rehearsal* rehearsal = measurement.rehearsal()) {
         rehearsal->write(fileName, written);

@@ -7,10 +7,15 @@
 
 // The one way by which a measurement writes a file.
 
+/// Failed: the file is one that the measurement, or the batch that runs, was read from, one of
+/// `alsoRead`, or no file can be there.
+Outcome judgeTarget(const Measurement& measurement, const QString& fileName,
+                    const QStringList& alsoRead = {});
+
 /// Writes a file through a writer, which returns whether it succeeded and leaves an older file
-/// whole where it did not. Not called, and failed, where the file is one that the measurement, or
-/// the batch that runs, was read from, or where no file can be. Done: notes the file and says
-/// "Saved NAME". In a rehearsal the writer is not called; the file counts as written, as what
-/// `written` says.
+/// whole where it did not. Not called, and failed, where judgeTarget() does. Done: notes the file
+/// and says "Saved NAME". In a rehearsal the writer is not called; the file counts as written, as
+/// what `written` says.
 Outcome writeFile(const Measurement& measurement, const QString& fileName,
-                  const std::function<bool()>& writer, const Rehearsal::Written& written = {});
+                  const std::function<bool()>& writer, const Rehearsal::Written& written = {},
+                  const QStringList& alsoRead = {});

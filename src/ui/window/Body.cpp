@@ -27,6 +27,7 @@
 #include "window/MessagesWindow.h"
 #include "window/ResultFiles.h"
 #include "window/SaveDialogs.h"
+#include "window/SpectrumFitWindow.h"
 #include "window/SpectrumPane.h"
 #include "window/StatusLine.h"
 #include "window/WhatWasDone.h"
@@ -83,6 +84,7 @@ Body::Body(QWidget* parent)
     m_xafsView->setObjectName(QStringLiteral("Spectrum"));
     addAction(m_xafsView->pinAction());  // its shortcut works while the mouse is over the image
     m_dialogs = new SaveDialogs(this);
+    m_spectrumFit = std::make_unique<SpectrumFitWindow>(m_measurement, m_dialogs);
     m_status = new StatusLine(m_measurement, *m_messages, this);
     m_image = new ImagePane(m_measurement, *m_ui, this);
     m_spectrum = new SpectrumPane(m_measurement, *m_ui, *m_xafsView, *m_analyzer, this);
@@ -96,9 +98,9 @@ Body::Body(QWidget* parent)
     connectDarkButton(m_ui->SelectDark, m_measurement, m_dialogs);
     addMapImageAction(this, m_measurement, m_dialogs,
                       [this](const QString& name) { saveEMap(name); });
-    const QWidgetList tools{m_xafsView.get(),      m_calib.get(),     m_analyzer.get(),
-                            m_analyzer->view(),    m_batchCtrl.get(), m_saveDataCfg.get(),
-                            m_messagesWindow.get()};
+    const QWidgetList tools{m_xafsView.get(),       m_calib.get(),      m_analyzer.get(),
+                            m_analyzer->view(),     m_batchCtrl.get(),  m_saveDataCfg.get(),
+                            m_messagesWindow.get(), m_spectrumFit.get()};
     auto* toolWindows = new ToolWindows(this);
     for (QWidget* window : tools) {
         toolWindows->add(window);
@@ -214,6 +216,7 @@ void Body::connectPanels() {
     });
     connect(m_ui->ShowXafsView, &QPushButton::clicked, m_xafsView.get(), &QWidget::show);
     connect(m_analyzer.get(), &Analyzer::said, this, &Body::say);
+    connect(m_spectrumFit.get(), &SpectrumFitWindow::said, this, &Body::say);
     connect(m_analyzer.get(), &Analyzer::askAnalyze, this, &Body::startLCF2DAnalysis);
     connect(m_analyzer.get(), &Analyzer::askRAAnalyze, this, &Body::startRA2DAnalysis);
     connect(m_analyzer.get(), &Analyzer::askDifference, this, &Body::startDifference);

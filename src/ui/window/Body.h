@@ -17,6 +17,7 @@ class Messages;
 class MessagesWindow;
 class SaveDataCfg;
 class SaveDialogs;
+class SpectrumFitWindow;
 class SpectrumPane;
 class StatusLine;
 class WhatWasDone;
@@ -124,5 +125,6 @@ class Body : public QMainWindow {
     SpectrumPane* m_spectrum;
     StatusLine* m_status;
     SaveDialogs* m_dialogs;
+    std::unique_ptr<SpectrumFitWindow> m_spectrumFit;
     WhatWasDone* m_record;
 };

@@ -96,6 +96,9 @@ void BodyMenu::addFileMenu() const {
     press(menu, tr("&Dark Data..."), QStringLiteral("SelectDark"));
     menu->addAction(m_window->findChild<QAction*>(QStringLiteral("ClearDark")));
     menu->addSeparator();
+    press(menu, tr("&Fit a Spectrum File..."), QStringLiteral("FitSpectrumFile"),
+          QKeySequence(Qt::CTRL + Qt::Key_F));
+    menu->addSeparator();
     press(menu, tr("&Save Image..."), QStringLiteral("SaveImage"), QKeySequence::Save);
     press(menu, tr("Save with Colour &Bar..."), QStringLiteral("SaveImageWithBar"),
           QKeySequence(Qt::CTRL + Qt::Key_B));
