@@ -27,7 +27,6 @@ QString inCell(double value) {
 /// The texts of a plot in the language of the program.
 PlotTexts translatedTexts() {
     PlotTexts texts;
-    texts.ordinates[SpectrumPlot::MuT] = SpectrumFitWindow::tr("mu-t");
     texts.ordinates[SpectrumPlot::DoubleNormalized] = SpectrumFitWindow::tr("Double normalized");
     texts.abscissas[SpectrumPlot::ElectronVolts] = SpectrumFitWindow::tr("Energy [eV]");
     texts.fit = SpectrumFitWindow::tr("Fit");
@@ -92,6 +91,8 @@ void SpectrumFitWindow::makeControls() {
 
     m_canvas->setObjectName(QStringLiteral("FitPlot"));
     m_canvas->setMinimumSize(letters.height() * 24, letters.height() * 12);
+    setOwnToolTip(m_canvas,
+                  tr("Spectrum, fit and what each reference has in it; below, the difference"));
     connect(m_canvas, &DispA::drawImage1, this, &SpectrumFitWindow::paintPlot);
 
     m_saveTable->setObjectName(QStringLiteral("SaveFitTable"));
