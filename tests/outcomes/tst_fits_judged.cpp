@@ -159,6 +159,36 @@ class TestFitsJudged : public QObject {
             "warning", "no I0 frames");
     }
     void mapsOfAFit() { m_cases.judge(); }
+
+    void ofAFile_data() {
+        OutcomeCases::declare();
+        const auto add = OutcomeCases::add;
+        const QString fit = "REFS\nfit_spectrum ";
+        add("done", {}, fit + "a.dat x.dat x.png", "done", "");
+        add("what a line has written", {}, fit + "a.dat x.dat\nfit_spectrum x.dat y.dat", "done",
+            "");
+        add("no reference", {}, "fit_spectrum a.dat x.dat", "failed", "no reference is in use$");
+        add(
+            "no spectrum", [] { put("s.dat", "7000 1\n7100 2\n"); }, fit + "s.dat x.dat", "failed",
+            "2 usable point.*s.dat");
+        add("no edge", putLine, fit + "s.dat x.dat", "warning", "warning: no edge: s.dat");
+        add("too few", {}, "REFS\nanalyzer_set_LCF_std 0 1 -600 a.dat 0\nfit_spectrum b.dat x.dat",
+            "failed", "0 of \\d+ energies of the spectrum .*needs 4: a.dat covers");
+        add("over the sample", {}, fit + "a.dat ./a.dat", "failed", "was read from this file: ./a");
+        add("over a reference", {}, fit + "a.dat b.dat", "failed",
+            "was read from this file: b.dat");
+        add("plot over the table", {}, fit + "a.dat x.png ./x.png", "failed", "one file: ./x.png$");
+        add("no kind of plot", {}, fit + "a.dat x.dat x.dot", "failed", "suffix.*x.dot$");
+        add("plot before the table", {}, fit + "a.dat x.dat none/x.png\nfit_spectrum x.dat y.dat",
+            "failed", "cannot be read: x.dat");
+        QString nine = "analyzer_set_LCF_constraints both\n";
+        for (int i = 0; i < 9; ++i) {
+            nine += QString("analyzer_set_LCF_std %1 1 %1 a.dat 0\n").arg(i);
+        }
+        add("nine constrained", {}, nine + "fit_spectrum b.dat x.dat", "failed",
+            "at most 8 references, not for 9");
+    }
+    void ofAFile() { m_cases.judge(); }
 };
 
 TARNWICK_TEST_MAIN(QApplication, TestFitsJudged)
