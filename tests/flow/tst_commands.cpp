@@ -344,11 +344,9 @@ void TestCommands::addAnalyzerCases() {
         [=] { return analyzer()->references().size() == 1 && !reference(0)->hasSpectrum(); });
     add("analyzer_set_LCF_std 0 1 0 " + m_phantom->file("a.dat") + " 0",
         [=] { return reference(0)->hasSpectrum() && analyzer()->references().size() == 1; });
-    const auto useBoth = [this](const QString& shift) {
-        return QStringList{"analyzer_set_LCF_std 0 1 0 " + m_phantom->file("a.dat"),
-                           "analyzer_set_LCF_std 1 1 " + shift + " " + m_phantom->file("b.dat")};
-    };
-    add("fit_spectrum " + m_phantom->file("a.dat") + " fit.dat fit.png", useBoth("0"), [this] {
+    const QStringList useBoth{"analyzer_set_LCF_std 0 1 0 " + m_phantom->file("a.dat") + " 0",
+                              "analyzer_set_LCF_std 1 1 0 " + m_phantom->file("b.dat") + " 0"};
+    add("fit_spectrum " + m_phantom->file("a.dat") + " fit.dat fit.png", useBoth, [this] {
         return contentOf(file("fit.dat")).contains("# reference 0 share = 1\n") &&
                QImage(file("fit.png")).width() == 2160;
     });

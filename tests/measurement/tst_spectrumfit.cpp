@@ -157,6 +157,24 @@ class TestSpectrumFit : public QObject {
         }
     }
 
+    /// That of the mean spectrum is the image's. With one in eV the ranges move along.
+    void edge() {
+        putSpectrum(file("s.dat"), mixed(0.25, 0.75), Jump);
+        Measurement m;
+        takeReferences(&m);
+        m.set(&Settings::e0, EdgeChoice{EdgeChoice::Kind::Mean, 0.0});
+        const SpectrumFit own = fitSpectrum(m, file("s.dat"));
+        QCOMPARE(own.e0, 7100.0);
+        QCOMPARE(own.outcome.notes.size(), 1);
+        m.set(&Settings::e0, EdgeChoice{EdgeChoice::Kind::Energy, 7106.0});
+        const SpectrumFit common = fitSpectrum(m, file("s.dat"));
+        QCOMPARE(common.outcome.texts() + common.outcome.notes, QStringList());
+        QCOMPARE(common.e0, 7106.0);
+        QCOMPARE(common.midE, 7106.0);
+        // The point at 7094 belongs to the pre-edge now.
+        QVERIFY(common.parts[0].share > own.parts[0].share + 0.01);
+    }
+
     void constraints_data() {
         using C = FitRule::Constraints;
         columns<int, double, double>("constraints", "a", "b");

@@ -181,6 +181,14 @@ class TestFitsJudged : public QObject {
         add("no kind of plot", {}, fit + "a.dat x.dat x.dot", "failed", "suffix.*x.dot$");
         add("plot before the table", {}, fit + "a.dat x.dat none/x.png\nfit_spectrum x.dat y.dat",
             "failed", "cannot be read: x.dat");
+        add("a common edge", {}, "set_E0 7110\n" + fit + "a.dat x.dat", "done", "");
+        add("an edge elsewhere", {}, "set_E0 8000\n" + fit + "a.dat x.dat", "failed",
+            "E0 at 8000.00 eV lies outside the energies of a.dat");
+        add("no room for lines", {}, "set_E0 6985\n" + fit + "a.dat x.dat", "failed",
+            "around E0 at 6985.00 eV hold fewer than 3 points of a.dat");
+        add("ranges without points", {},
+            "set_background_ranges -10.01 -10 10 1000\n" + fit + "a.dat x.dat", "failed",
+            "pre-edge line on [0-2] point.*a.dat");
         QString nine = "analyzer_set_LCF_constraints both\n";
         for (int i = 0; i < 9; ++i) {
             nine += QString("analyzer_set_LCF_std %1 1 %1 a.dat 0\n").arg(i);

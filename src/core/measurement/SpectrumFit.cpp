@@ -8,6 +8,7 @@
 
 #include "base/Globals.h"
 #include "fitting/SpectrumErrors.h"
+#include "measurement/EdgeJudgement.h"
 #include "measurement/FitJudgement.h"
 
 namespace {
@@ -84,33 +85,52 @@ SpectrumPlot::Named namedCurve(const SpectrumFit& fit, const std::vector<double>
     return {curveOf(fit.energies, values), name, true, getColor(color), QString()};
 }
 
-/// The sample's edge as its lines go by it: what makes the fit worthless, and what somebody should
-/// know.
-Outcome judgeEdge(const NormalisedFile& file, const SpectrumFit& fit) {
-    if (fit.inputs.method != LinearFit::Lcf) {
-        return {};  // it needs no lines
-    }
-    if (fit.inputs.e0.kind != EdgeChoice::Kind::Energy) {
-        const QString fault = file.edgeFault();
-        return fault.isEmpty() ? Outcome() : Outcome::warning(fault);
-    }
-    const std::vector<double> energies = energiesOf(file.spectrum);
-    const auto count = [&](double start, double end) {
-        return std::lower_bound(energies.begin(), energies.end(), fit.e0 + end) -
-               std::lower_bound(energies.begin(), energies.end(), fit.e0 + start);
-    };
+std::ptrdiff_t pointsIn(const std::vector<double>& energies, double start, double end) {
+    return std::lower_bound(energies.begin(), energies.end(), end) -
+           std::lower_bound(energies.begin(), energies.end(), start);
+}
+
+/// Of a sample that has a common E0.
+Outcome judgeCommonEdge(const std::vector<double>& energies, const SpectrumFit& fit) {
+    const QString e0 = QString::number(fit.e0, 'f', 2);
     if (fit.e0 < energies.front() || fit.e0 > energies.back()) {
-        return Outcome::failure(Texts::tr("E0 %1 eV lies outside the energies of %2")
-                                    .arg(QString::number(fit.e0, 'g', 10), nameOf(file.file)));
+        return Outcome::failure(
+            Texts::tr("E0 at %1 eV lies outside the energies of %2").arg(e0, nameOf(fit.sample)));
     }
-    const BackgroundRanges& ranges = fit.inputs.ranges;
     constexpr std::ptrdiff_t FewestPoints = 3;
-    return count(ranges.preStart, ranges.preEnd) < FewestPoints ||
-                   count(ranges.postStart, ranges.postEnd) < FewestPoints
-               ? Outcome::failure(Texts::tr("the background ranges about E0 %1 eV hold fewer than "
-                                            "3 points of %2")
-                                      .arg(QString::number(fit.e0, 'g', 10), nameOf(file.file)))
-               : Outcome();
+    const BackgroundRanges& ranges = fit.inputs.ranges;
+    const auto pre = pointsIn(energies, fit.e0 + ranges.preStart, fit.e0 + ranges.preEnd);
+    const auto post = pointsIn(energies, fit.e0 + ranges.postStart, fit.e0 + ranges.postEnd);
+    return std::min(pre, post) >= FewestPoints
+               ? Outcome()
+               : Outcome::failure(Texts::tr("the background ranges around E0 at %1 eV hold fewer "
+                                            "than 3 points of %2")
+                                      .arg(e0, nameOf(fit.sample)));
+}
+
+/// Of a sample that has its own. Ranges as they are from the start are warned of, as with
+/// references.
+Outcome judgeOwnEdge(const NormalisedFile& file, const SpectrumFit& fit) {
+    if (!(fit.inputs.ranges == BackgroundRanges()) && !file.lineFault().isEmpty()) {
+        return Outcome::failure(file.lineFault());
+    }
+    const QString fault = file.edgeFault();
+    return fault.isEmpty() ? Outcome() : Outcome::warning(fault);
+}
+
+/// All that can be said without a fit.
+Outcome judge(const Measurement& measurement, const NormalisedFile& file, const SpectrumFit& fit) {
+    const Settings& settings = measurement.settings();
+    const std::vector<double> energies = energiesOf(file.spectrum);
+    Outcome outcome;
+    outcome.warnings = file.warnings;
+    outcome += judgeSpectrumFit(energies, measurement.references(), settings);
+    outcome += judgeRanges(Work::Fit, {}, measurement.references(), settings);
+    if (fit.inputs.method == LinearFit::Lcf) {  // else the sample needs no lines
+        outcome += fit.inputs.e0.kind == EdgeChoice::Kind::Energy ? judgeCommonEdge(energies, fit)
+                                                                  : judgeOwnEdge(file, fit);
+    }
+    return outcome;
 }
 
 void work(const QVector<XafsSpectrum>& references, const XafsSpectrum& sample, SpectrumFit* into) {
@@ -144,18 +164,19 @@ SpectrumFit fitSpectrum(const Measurement& measurement, const QString& fileName)
     fit.inputs = measurement.inputs();
     NormalisedFile file;
     file.rehearsal = measurement.rehearsal();
+    file.ranges = fit.inputs.ranges;
     const Outcome taken = file.read(fileName, fit.inputs.background);
     fit.sample = taken.failed() ? fileInput(fileName) : file.file;
     if (taken.failed()) {
         fit.outcome = taken;
         return fit;
     }
-    fit.outcome.warnings = file.warnings;
-    const std::vector<double> energies = energiesOf(file.spectrum);
-    fit.outcome += judgeSpectrumFit(energies, measurement.references(), measurement.settings());
-    const Normalisation rule = sampleRule(fit.inputs);
+    Normalisation rule = sampleRule(fit.inputs);
+    if (fit.inputs.method == LinearFit::Mlcf) {
+        rule.e0.reset();
+    }
     fit.e0 = rule.e0.value_or(file.spectrum.findE(0.5, 0));
-    fit.outcome += judgeEdge(file, fit);
+    fit.outcome = judge(measurement, file, fit);
     if (fit.outcome.failed()) {
         return fit;
     }

@@ -64,6 +64,16 @@ void Head::addRule() {
     add(QStringLiteral("method"),
         in.method == LinearFit::Mlcf ? QStringLiteral("MLCF") : QStringLiteral("LCF"));
     add(QStringLiteral("background"), backgroundWord(in.background));
+    if (in.method == LinearFit::Lcf) {
+        const bool isEnergy = in.e0.kind == EdgeChoice::Kind::Energy;
+        add(QStringLiteral("E0"), edgeWord(in.e0) + QLatin1String(isEnergy ? " eV" : ""));
+    }
+    const BackgroundRanges& r = in.ranges;
+    add(QStringLiteral("background ranges"),
+        QStringLiteral("%1 %2 %3 %4 eV")
+            .arg(fieldText(r.preStart), fieldText(r.preEnd), fieldText(r.postStart),
+                 fieldText(r.postEnd)));
+    add(QStringLiteral("reference scale"), scaleWord(in.referenceScale));
     add(QStringLiteral("constraints"), constraintsWord(in.constraints));
 }
 
