@@ -189,8 +189,7 @@ Outcome saveImage(Measurement& measurement, const QString& fileName) {
 }
 
 Outcome saveImageWithBar(Measurement& measurement, const QString& fileName) {
-    const Outcome letters = judgeLetters(measurement);
-    if (letters.failed()) {
+    if (const Outcome letters = judgeLetters(measurement); letters.failed()) {
         return letters;
     }
     const QImage picture = measurement.rehearsal() != nullptr
