@@ -2,9 +2,9 @@
 
 #include <QRectF>
 #include <QString>
-#include <optional>
 #include <array>
 #include <cstddef>
+#include <optional>
 
 #include "fitting/LinearFit.h"
 #include "fitting/ResultKinds.h"
