@@ -7,6 +7,7 @@
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
+#include <array>
 #include <cmath>
 #include <map>
 #include <memory>
@@ -37,7 +38,7 @@ struct Stacks {
     FrameSet i1;
     FrameSet i0;
 
-    Stacks(int imageSide, int frames) : side(imageSide) {
+    Stacks(int imageSide, int frames, int i0Frames) : side(imageSide) {
         std::mt19937 random(1);
         const auto frame = [&](double e, const auto& value) {
             auto made = std::make_unique<TiffData>();
@@ -60,17 +61,21 @@ struct Stacks {
                 const double share = static_cast<double>(x) / side;
                 return Beam * std::exp(-share * a - (1.0 - share) * b);
             }));
-            i0.append(frame(e, [](int) { return Beam; }));
+        }
+        for (int i = 0; i < i0Frames; ++i) {
+            i0.append(frame(7000.0 + 300.0 * i / (i0Frames - 1), [](int) { return Beam; }));
         }
     }
 };
 
-const Stacks& stacks(int side, int energies) {
-    static std::pair<int, int> kept;
+/// As many I0 frames as energies, or fewer.
+const Stacks& stacks(int side, int energies, int i0Frames = 0) {
+    static std::array<int, 3> kept;
     static std::unique_ptr<Stacks> made;
-    if (!made || kept != std::make_pair(side, energies)) {
-        made = std::make_unique<Stacks>(side, energies);
-        kept = {side, energies};
+    const std::array<int, 3> wanted{side, energies, i0Frames > 0 ? i0Frames : energies};
+    if (!made || kept != wanted) {
+        made = std::make_unique<Stacks>(side, energies, wanted[2]);
+        kept = wanted;
     }
     return *made;
 }
@@ -252,7 +257,8 @@ void Corrected(benchmark::State& state) {
 BENCHMARK(Corrected)->ArgName("threads")->Arg(1)->Arg(2)->UseRealTime()->Unit(
     benchmark::kMillisecond);
 
-/// Fits with 2, 3 or 4 references, without and with errors, without and with corrections.
+/// Fits with 2, 3 or 4 references, without and with errors, without and with corrections, with as
+/// many I0 frames as energies or 20.
 void RowsWithErrors(benchmark::State& state) {
     FitRule rule = LinearFit::Lcf;
     rule.withErrors = state.range(1) != 0;
@@ -269,13 +275,14 @@ void RowsWithErrors(benchmark::State& state) {
     const double slope = state.range(2) != 0 ? 0.001 : 0.0;
     for (auto _ : state) {
         fitRows(
-            stacks(512, 100), 1, [slope](int x, int y) { return slope * (x + 0.3 * y); }, list,
-            rule);
+            stacks(512, 100, static_cast<int>(state.range(3))), 1,
+            [slope](int x, int y) { return slope * (x + 0.3 * y); }, list, rule);
     }
 }
 BENCHMARK(RowsWithErrors)
-    ->ArgNames({"references", "errors", "map"})
-    ->ArgsProduct({{2, 3, 4}, {0, 1}, {0, 1}})
+    ->ArgNames({"references", "errors", "map", "i0"})
+    ->ArgsProduct({{2, 3, 4}, {0, 1}, {0, 1}, {100}})
+    ->ArgsProduct({{2}, {0, 1}, {0}, {20}})
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 

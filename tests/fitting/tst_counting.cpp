@@ -497,8 +497,8 @@ class TestCounting : public QObject {
             pack.freedom[l] = 2;
         }
         lanes::I0Share own;
-        own.weight[0] = own.all[0] = own.own[0] = own.perFrame[0] = 1;
-        own.isPlain = true;
+        own.weight[0] = own.all[0] = own.own[0] = 1;
+        own.isPlain = own.hasOwn = true;
         const std::vector<lanes::Sums> sums(4,
                                             {counts.data(), counts.data(), nullptr, nullptr, 0, 0});
         const std::vector<lanes::I0Share> shares(4, own);

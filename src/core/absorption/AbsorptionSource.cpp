@@ -42,6 +42,9 @@ void AbsorptionSource::shareI0() {
             uses[at.first + side] += share.weight[side] != 0.0 ? 1 : 0;
         }
     }
+    for (const I0Energy& energy : m_i0) {
+        m_i0PerFrame.push_back(1.0 / static_cast<double>(energy.frames.size()));
+    }
     for (std::size_t i = 0; i < m_brackets.size(); ++i) {
         lanes::I0Share& share = m_shares[i];
         for (std::size_t side : {0, 1}) {
@@ -50,12 +53,13 @@ void AbsorptionSource::shareI0() {
             if (weight == 0.0) {
                 continue;
             }
-            share.perFrame[side] = 1.0 / static_cast<double>(m_i0[energy].frames.size());
-            share.isShared[side] = uses[energy] > 1;
-            const double part = weight * weight * share.perFrame[side];
+            const bool isShared = uses[energy] > 1;
+            const double part = weight * weight * m_i0PerFrame[energy];
+            share.shared[side] = isShared ? weight : 0.0;
             share.all[side] = m_i0.size() > 1 ? part : 0.0;
-            share.own[side] = share.isShared[side] ? 0.0 : part;
-            m_haveSharedI0 |= share.isShared[side];
+            share.own[side] = isShared ? 0.0 : part;
+            share.hasOwn |= !isShared;
+            m_haveSharedI0 |= isShared;
         }
         share.isPlain = share.all[0] == 1.0 && share.own[0] == 1.0 && share.weight[1] == 0.0;
     }

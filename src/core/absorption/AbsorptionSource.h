@@ -64,5 +64,6 @@ class AbsorptionSource {
     std::vector<I0Energy> m_i0;
     std::vector<Bracket> m_brackets;       // one an I1 frame; none without I0 frames
     std::vector<lanes::I0Share> m_shares;  // one an I1 frame
+    std::vector<double> m_i0PerFrame;      // one an I0 energy: 1 / number of its frames
     bool m_haveSharedI0 = false;
 };

@@ -162,8 +162,14 @@ int BinRowSpectra::formPack(int bin, double* mu, bool* lacksCounts) const {
 }
 
 lanes::Counts BinRowSpectra::counts(int bin) const {
-    return {m_sums.data(), m_source.m_shares.data(), static_cast<std::size_t>(bin),
-            m_source.m_haveSharedI0};
+    lanes::Counts counts{m_sums.data(), m_source.m_shares.data(), static_cast<std::size_t>(bin)};
+    if (m_source.m_haveSharedI0) {
+        counts.i0Energies = static_cast<int>(m_source.m_i0.size());
+        counts.i0 = m_i0Sums.data();
+        counts.i0Stride = m_stride;
+        counts.i0PerFrame = m_source.m_i0PerFrame.data();
+    }
+    return counts;
 }
 
 void BinRowSpectra::formRow(int y) {

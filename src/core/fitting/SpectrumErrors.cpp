@@ -159,7 +159,9 @@ void SpectrumErrors::evaluate(int count, const lanes::Counts* counts, double* re
             m_sums.push_back(counts->sums[k]);
             m_shares.push_back(counts->shares[k]);
         }
-        fits.counts = {m_sums.data(), m_shares.data(), counts->bin, counts->haveSharedI0};
+        fits.counts = *counts;
+        fits.counts.sums = m_sums.data();
+        fits.counts.shares = m_shares.data();
     }
     m_errors->evaluate(m_pack, count, results);
 }

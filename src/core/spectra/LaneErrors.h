@@ -7,16 +7,16 @@ namespace lanes {
 
 /// How I0 at one energy of I1 is made of the counts of two neighbouring I0 energies [0] and [1].
 struct I0Share {
-    double weight[2] = {};    ///< of their mean sums in s0; 0: not of this one
-    double perFrame[2] = {};  ///< 1 / n for the mean of n frames
+    double weight[2] = {};  ///< of their mean sums in s0; 0: not of this one
+    double shared[2] = {};  ///< the same, 0 for what no other point uses
     /// What a raw mean sum adds to the variance of s0: weight^2 / n. `all`: to that of the point by
     /// itself, nothing where a single I0 energy serves all points. `own`: of an I0 energy that no
     /// other point uses.
     double all[2] = {};
     double own[2] = {};
-    bool isShared[2] = {};  ///< with other points
-    bool isPlain = false;   ///< the sum of one frame that no other point uses
-    int first = 0;          ///< number of I0 energy [0]
+    int first = 0;         ///< number of I0 energy [0]
+    bool hasOwn = false;   ///< any of `own`
+    bool isPlain = false;  ///< the sum of one frame that no other point uses
 };
 
 /// The counts that the spectra of a pack were formed from; one of `sums` and of `shares` for every
@@ -25,7 +25,12 @@ struct Counts {
     const Sums* sums = nullptr;  ///< null: not counts, every variance of mu-t is 1
     const I0Share* shares = nullptr;
     std::size_t bin = 0;
-    bool haveSharedI0 = false;  ///< some points have
+
+    // The I0 energies, for those that several points share; none otherwise.
+    int i0Energies = 0;
+    const double* i0 = nullptr;  ///< mean sums: energy j at i0[j * i0Stride + bin]
+    std::size_t i0Stride = 0;
+    const double* i0PerFrame = nullptr;  ///< 1 / n for the mean of n frames
 };
 
 /// `stride` numbers for every point of a fit, either the same for all spectra, those of energy i

@@ -82,7 +82,7 @@ template <int N, int Terms, bool Own, bool Mixed>
         }
         store(task.perSpan + place, noise.perSpan);
         store(task.variance + place, noise.variance);
-        if (counts.haveSharedI0) {
+        if (counts.i0Energies > 0) {
             store(task.perI0 + place, noise.perI0);
         }
         if (!isFitted) {
@@ -184,55 +184,48 @@ struct Products {
 template <int N>
 struct SharedI0 {
     int first = 0;
-    Real by[2][N + 1] = {};
-    const double* raw[2] = {};
-    double perFrame[2] = {};
+    Real by[2][N + 1] = {};  // of I0 energies `first` and the next
 
-    /// Begins with I0 energies `next` and `next` + 1.
-    [[gnu::always_inline]] void moveTo(int next, std::size_t bin, Products<N>& products) {
-        for (; first < next && (raw[0] != nullptr || raw[1] != nullptr); ++first) {
-            if (raw[0] != nullptr) {
-                products.add(by[0], load(raw[0] + bin) * perFrame[0]);
-            }
+    [[gnu::always_inline]] void moveTo(int next, const Counts& counts, int l,
+                                       Products<N>& products) {
+        for (int steps = 0; steps < 2 && first < std::min(next, counts.i0Energies); ++steps) {
+            const double* const raw = counts.i0 +
+                                      static_cast<std::size_t>(first) * counts.i0Stride +
+                                      counts.bin + static_cast<std::size_t>(l);
+            products.add(by[0], load(raw) * counts.i0PerFrame[first]);
             for (int r = 0; r <= N; ++r) {
                 by[0][r] = by[1][r];
                 by[1][r] = Real{};
             }
-            raw[0] = raw[1];
-            perFrame[0] = perFrame[1];
-            raw[1] = nullptr;
+            ++first;
         }
         first = next;
     }
-    [[gnu::always_inline]] void add(const Sums& sums, const I0Share& share, const Real* derivative,
-                                    const Real& perI0) {
-        for (int side = 0; side < 2; ++side) {
-            if (!share.isShared[side]) {
-                continue;
-            }
-            raw[side] = side == 0 ? sums.before : sums.after;
-            perFrame[side] = share.perFrame[side];
-            const Real weight = perI0 * share.weight[side];
-            for (int r = 0; r <= N; ++r) {
-                by[side][r] += derivative[r] * weight;
-            }
-        }
-    }
 };
 
-/// Adds a section's points to the covariances of N references from firstOf on.
-template <int N, int Terms, bool Own, bool Mixed>
+/// The end of the points from i on that lie between the same I0 energies.
+inline int endOfBracket(const I0Share* shares, int i, int end) {
+    const int first = shares[i].first;
+    while (++i < end && shares[i].first == first) {
+    }
+    return i;
+}
+
+/// Adds the points from..to of a section to the covariances of N references from firstOf on.
+template <int N, int Terms, bool Own, bool Mixed, bool Shared>
 [[gnu::always_inline]] inline void covariancesIn(const ErrorTask& task, const Section& section,
-                                                 int firstOf, const LineSums<N, Terms>& change,
+                                                 int from, int to, int firstOf,
+                                                 const LineSums<N, Terms>& change,
                                                  Products<N>& products, SharedI0<N>& shared) {
     const Fits& fits = task.fits;
     const RowReader<Own> response(fits.response, task.l);
     const double* const functions = task.lines.functions;
-    const Counts counts = fits.counts;
-    const std::size_t bin = counts.bin + static_cast<std::size_t>(task.l);
+    const I0Share* const shares = fits.counts.shares;
     const bool isFitted = section.isFitted;
     Products<N> sums = products;
-    for (int i = section.from; i < section.to; ++i) {
+    [[maybe_unused]] Real by[2][N + 1];
+    std::memcpy(by, shared.by, sizeof by);
+    for (int i = from; i < to; ++i) {
         const std::ptrdiff_t place = static_cast<std::ptrdiff_t>(i) * Count;
         Mask in[3] = {};
         for (int s = 0; s < 3 && Mixed; ++s) {
@@ -262,14 +255,40 @@ template <int N, int Terms, bool Own, bool Mixed>
         const Mask used = in[0] | in[1] | in[2];
         variance = Mixed ? (used ? variance : Real{}) : variance;
         sums.add(derivative, variance);
-        if (counts.haveSharedI0) {
+        if constexpr (Shared) {
             Real perI0 = load(task.perI0 + place);
             perI0 = Mixed ? (used ? perI0 : Real{}) : perI0;
-            shared.moveTo(counts.shares[i].first, bin, sums);
-            shared.add(counts.sums[i], counts.shares[i], derivative, perI0);
+            for (int side = 0; side < 2; ++side) {
+                const Real weight = perI0 * shares[i].shared[side];
+                for (int r = 0; r <= N; ++r) {
+                    by[side][r] += derivative[r] * weight;
+                }
+            }
         }
     }
     products = sums;
+    if constexpr (Shared) {
+        std::memcpy(shared.by, by, sizeof by);
+    }
+}
+
+/// A section, those of its points together that lie between the same shared I0 energies.
+template <int N, int Terms, bool Own, bool Mixed>
+[[gnu::always_inline]] inline void covariancesIn(const ErrorTask& task, const Section& section,
+                                                 int firstOf, const LineSums<N, Terms>& change,
+                                                 Products<N>& products, SharedI0<N>& shared) {
+    const Counts& counts = task.fits.counts;
+    if (counts.i0Energies == 0) {
+        covariancesIn<N, Terms, Own, Mixed, false>(task, section, section.from, section.to, firstOf,
+                                                   change, products, shared);
+        return;
+    }
+    for (int i = section.from, end = i; i < section.to; i = end) {
+        end = endOfBracket(counts.shares, i, section.to);
+        shared.moveTo(counts.shares[i].first, counts, task.l, products);
+        covariancesIn<N, Terms, Own, Mixed, true>(task, section, i, end, firstOf, change, products,
+                                                  shared);
+    }
 }
 
 template <int N, int Terms, bool Own>
@@ -286,8 +305,7 @@ template <int N, int Terms, bool Own>
             covariancesIn<N, Terms, Own, false>(task, section, firstOf, change, products, shared);
         }
     }
-    shared.moveTo(std::numeric_limits<int>::max(),
-                  task.fits.counts.bin + static_cast<std::size_t>(task.l), products);
+    shared.moveTo(std::numeric_limits<int>::max(), task.fits.counts, task.l, products);
     for (int r = 0; r < N; ++r) {
         store(out.own + (firstOf + r) * Count + task.l, products.own[r]);
         store(out.withJump + (firstOf + r) * Count + task.l, products.withJump[r]);

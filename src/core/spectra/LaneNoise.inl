@@ -111,27 +111,29 @@ struct Noise {
     noise.perI0 = perProduct * s1;
 }
 
-[[gnu::always_inline]] inline void anyNoise(const Counts& counts, int i, std::size_t bin,
-                                            const Real& raw1, const Real& s1, const Real& s0,
-                                            const Real& span, Noise& noise) {
-    const Sums& sums = counts.sums[i];
-    const I0Share& share = counts.shares[i];
+[[gnu::always_inline]] inline void anyNoise(const Sums& sums, const I0Share& share, std::size_t bin,
+                                            const Real& raw1, const Real& span, Noise& noise,
+                                            Real& s1, Real& s0) {
     Real all = {}, own = {};
+    s0 = Real{} + 1.0;
     if (sums.before != nullptr) {
         const Real before = load(sums.before + bin);
+        s0 = share.weight[0] * before;
         all = share.all[0] * before;
         own = share.own[0] * before;
         if (share.weight[1] != 0.0) {
             const Real after = load(sums.after + bin);
+            s0 += share.weight[1] * after;
             all += share.all[1] * after;
             own += share.own[1] * after;
         }
     }
+    takeDark(sums, bin, s1, s0);
     const Real product = s1 * s0;
     const Real square1 = s1 * s1;
     const Real from1 = raw1 * (s0 * s0);
     all = from1 + all * square1;
-    own = from1 + own * square1;
+    own = share.hasOwn ? from1 + own * square1 : from1;
     const Real both = product * all;
     const Real quotient = 1.0 / (span * both);
     const Real perBoth = quotient * span;
@@ -146,17 +148,16 @@ struct Noise {
 [[gnu::always_inline]] inline void noiseAt(const Counts& counts, int i, int l, const Real& span,
                                            Noise& noise) {
     const Sums& sums = counts.sums[i];
+    const I0Share& share = counts.shares[i];
     const std::size_t bin = counts.bin + static_cast<std::size_t>(l);
     const Real raw1 = load(sums.i1 + bin);
     Real s1 = raw1;
     Real s0;
-    if (counts.shares[i].isPlain && sums.dark == nullptr) {
+    if (share.isPlain && sums.dark == nullptr) {
         s0 = load(sums.before + bin);
         plainNoise(s1, s0, span, noise);
     } else {
-        i0At(sums, bin, s0);
-        takeDark(sums, bin, s1, s0);
-        anyNoise(counts, i, bin, raw1, s1, s0, span, noise);
+        anyNoise(sums, share, bin, raw1, span, noise, s1, s0);
     }
     const Mask usable = (s0 < s1 ? s0 : s1) > 0.0;
     const Real blank = Real{} + std::numeric_limits<double>::quiet_NaN();
