@@ -90,7 +90,11 @@ template <int N, int Terms, bool Own, bool Mixed>
         }
         const Real y = load(ys + place);
         Real f = {};
-        for (int r = 0; r < terms; ++r) {
+        // Mostly the references are all the terms: a loop of known length.
+        for (int r = 0; r < N; ++r) {
+            f += load(coefficients + r * Count) * basis.at(i, r);
+        }
+        for (int r = N; r < terms; ++r) {
             f += load(coefficients + r * Count) * basis.at(i, r);
         }
         const Real off = y - f;
@@ -211,11 +215,11 @@ inline int endOfBracket(const I0Share* shares, int i, int end) {
     return i;
 }
 
-/// Adds the points from..to of a section to the covariances of N references from firstOf on.
+/// Adds the points of a section to the covariances of N references from firstOf on, those together
+/// that lie between the same shared I0 energies.
 template <int N, int Terms, bool Own, bool Mixed, bool Shared>
 [[gnu::always_inline]] inline void covariancesIn(const ErrorTask& task, const Section& section,
-                                                 int from, int to, int firstOf,
-                                                 const LineSums<N, Terms>& change,
+                                                 int firstOf, const LineSums<N, Terms>& change,
                                                  Products<N>& products, SharedI0<N>& shared) {
     const Fits& fits = task.fits;
     const RowReader<Own> response(fits.response, task.l);
@@ -223,9 +227,13 @@ template <int N, int Terms, bool Own, bool Mixed, bool Shared>
     const I0Share* const shares = fits.counts.shares;
     const bool isFitted = section.isFitted;
     Products<N> sums = products;
-    [[maybe_unused]] Real by[2][N + 1];
-    std::memcpy(by, shared.by, sizeof by);
-    for (int i = from; i < to; ++i) {
+    SharedI0<N> gathered = shared;
+    int endOfThese = Shared ? section.from : section.to;
+    for (int i = section.from; i < section.to; ++i) {
+        if (Shared && i == endOfThese) {
+            endOfThese = endOfBracket(shares, i, section.to);
+            gathered.moveTo(shares[i].first, fits.counts, task.l, sums);
+        }
         const std::ptrdiff_t place = static_cast<std::ptrdiff_t>(i) * Count;
         Mask in[3] = {};
         for (int s = 0; s < 3 && Mixed; ++s) {
@@ -261,34 +269,13 @@ template <int N, int Terms, bool Own, bool Mixed, bool Shared>
             for (int side = 0; side < 2; ++side) {
                 const Real weight = perI0 * shares[i].shared[side];
                 for (int r = 0; r <= N; ++r) {
-                    by[side][r] += derivative[r] * weight;
+                    gathered.by[side][r] += derivative[r] * weight;
                 }
             }
         }
     }
     products = sums;
-    if constexpr (Shared) {
-        std::memcpy(shared.by, by, sizeof by);
-    }
-}
-
-/// A section, those of its points together that lie between the same shared I0 energies.
-template <int N, int Terms, bool Own, bool Mixed>
-[[gnu::always_inline]] inline void covariancesIn(const ErrorTask& task, const Section& section,
-                                                 int firstOf, const LineSums<N, Terms>& change,
-                                                 Products<N>& products, SharedI0<N>& shared) {
-    const Counts& counts = task.fits.counts;
-    if (counts.i0Energies == 0) {
-        covariancesIn<N, Terms, Own, Mixed, false>(task, section, section.from, section.to, firstOf,
-                                                   change, products, shared);
-        return;
-    }
-    for (int i = section.from, end = i; i < section.to; i = end) {
-        end = endOfBracket(counts.shares, i, section.to);
-        shared.moveTo(counts.shares[i].first, counts, task.l, products);
-        covariancesIn<N, Terms, Own, Mixed, true>(task, section, i, end, firstOf, change, products,
-                                                  shared);
-    }
+    shared = gathered;
 }
 
 template <int N, int Terms, bool Own>
@@ -299,10 +286,17 @@ template <int N, int Terms, bool Own>
     SharedI0<N> shared;
     for (int s = 0; s < task.sections.count; ++s) {
         const Section& section = task.sections.list[s];
+        const auto add = [&](auto mixed, auto sharing) {
+            covariancesIn<N, Terms, Own, decltype(mixed)::value, decltype(sharing)::value>(
+                task, section, firstOf, change, products, shared);
+        };
+        const bool isSharing = task.fits.counts.i0Energies > 0;
         if (section.isMixed) {
-            covariancesIn<N, Terms, Own, true>(task, section, firstOf, change, products, shared);
+            isSharing ? add(std::true_type(), std::true_type())
+                      : add(std::true_type(), std::false_type());
         } else {
-            covariancesIn<N, Terms, Own, false>(task, section, firstOf, change, products, shared);
+            isSharing ? add(std::false_type(), std::true_type())
+                      : add(std::false_type(), std::false_type());
         }
     }
     shared.moveTo(std::numeric_limits<int>::max(), task.fits.counts, task.l, products);
