@@ -87,25 +87,12 @@ bool SpectrumErrors::setRange(const std::vector<int>& points, int l, lanes::Rang
     return true;
 }
 
-void SpectrumErrors::take(int l, LinearFit& fit, const XafsSpectrum& sample) {
-    if (l == 0) {
-        setEnergies(sample);
-        m_pack = {};
-    }
+void SpectrumErrors::takeRows(int l, LinearFit& fit) {
     const auto lane = static_cast<std::size_t>(l);
-    const bool isLcf = m_rule.method == FitRule::Lcf;
     const auto terms = static_cast<std::size_t>(fit.coefficientCount());
     const auto stride = static_cast<std::size_t>(fit.responseStride());
     m_basis.resize(m_order.size() * terms * Count);
     m_response.resize(m_order.size() * stride * Count);
-    m_coefficients.resize(terms * Count);
-    for (std::size_t p = 0; p < m_order.size(); ++p) {
-        const int k = m_order[p];
-        m_y[p * Count + lane] =
-            isLcf ? valueUnder(sample.doubleNormalizedPreBase(), k) : sample.value(k);
-        m_span[p * Count + lane] =
-            valueUnder(sample.postEdge(), k) - valueUnder(sample.preEdge(), k);
-    }
     const std::vector<double>& rows = fit.response(fit.held());
     for (std::size_t i = 0; i < fit.points().size(); ++i) {
         const int place = m_places[static_cast<std::size_t>(fit.points()[i])];
@@ -117,6 +104,25 @@ void SpectrumErrors::take(int l, LinearFit& fit, const XafsSpectrum& sample) {
             m_response[(p * stride + r) * Count + lane] = rows[i * stride + r];
         }
     }
+}
+
+void SpectrumErrors::take(int l, LinearFit& fit, const XafsSpectrum& sample) {
+    if (l == 0) {
+        setEnergies(sample);
+        m_pack = {};
+    }
+    const auto lane = static_cast<std::size_t>(l);
+    const bool isLcf = m_rule.method == FitRule::Lcf;
+    const auto terms = static_cast<std::size_t>(fit.coefficientCount());
+    m_coefficients.resize(terms * Count);
+    for (std::size_t p = 0; p < m_order.size(); ++p) {
+        const int k = m_order[p];
+        m_y[p * Count + lane] =
+            isLcf ? valueUnder(sample.doubleNormalizedPreBase(), k) : sample.value(k);
+        m_span[p * Count + lane] =
+            valueUnder(sample.postEdge(), k) - valueUnder(sample.preEdge(), k);
+    }
+    takeRows(l, fit);
     for (std::size_t r = 0; r < terms; ++r) {
         m_coefficients[r * Count + lane] = fit.coefficients()[r];
     }

@@ -22,6 +22,7 @@ class SpectrumErrors {
 
   private:
     void setEnergies(const XafsSpectrum& sample);
+    void takeRows(int l, LinearFit& fit);
     bool setRange(const std::vector<int>& points, int l, lanes::Range* range) const;
     std::vector<int> pointsOf(const BgCurve& line, const XafsSpectrum& sample) const;
 

@@ -48,7 +48,48 @@ template <int N, int Terms>
 
 struct Goodness {
     Real chi2 = {}, rest = {}, square = {};
+
+    template <bool Mixed>
+    [[gnu::always_inline]] void add(const Mask& in, const Real& y, const Real& f, const Real& span,
+                                    const Real& perAll) {
+        const Real off = y - f;
+        const Real inMuT = span * off;
+        chi2 += only<Mixed>(in, inMuT * inMuT * perAll);
+        rest += only<Mixed>(in, off * off);
+        square += only<Mixed>(in, y * y);
+    }
 };
+
+/// Works out what the counts do at energy i and keeps it in the space.
+[[gnu::always_inline]] inline void keepNoise(const ErrorTask& task, int i, const Real& span,
+                                             Noise& noise) {
+    const Counts& counts = task.fits.counts;
+    if (counts.sums != nullptr) {
+        noiseAt(counts, i, task.l, span, noise);
+    } else {
+        noise = {1.0 / span, Real{} + 1.0, Real{} + 1.0, Real{}};
+    }
+    const std::ptrdiff_t place = static_cast<std::ptrdiff_t>(i) * Count;
+    store(task.perSpan + place, noise.perSpan);
+    store(task.variance + place, noise.variance);
+    if (counts.i0Energies > 0) {
+        store(task.perI0 + place, noise.perI0);
+    }
+}
+
+/// The fit at energy i, of N terms at least: mostly of these, a loop of known length.
+template <int N, bool Own>
+[[gnu::always_inline]] inline void fitAt(const Fits& fits, const RowReader<Own>& basis, int i,
+                                         int l, Real& f) {
+    const double* const coefficients = fits.coefficients + l;
+    f = Real{};
+    for (int r = 0; r < N; ++r) {
+        f += load(coefficients + r * Count) * basis.at(i, r);
+    }
+    for (int r = N; r < fits.basis.stride; ++r) {
+        f += load(coefficients + r * Count) * basis.at(i, r);
+    }
+}
 
 /// Fills the space in a section; of the points of the fit, sums up how good it is and what its
 /// first N references feel through the lines.
@@ -57,61 +98,34 @@ template <int N, int Terms, bool Own, bool Mixed>
                                           Goodness& total, LineSums<N, Terms>& lineTotal) {
     const Fits& fits = task.fits;
     const RowReader<Own> basis(fits.basis, task.l), response(fits.response, task.l);
-    const double* const coefficients = fits.coefficients + task.l;
-    const double* const ys = fits.y + task.l;
-    const double* const spans = Terms > 0 ? fits.span + task.l : nullptr;
-    const double* const functions = task.lines.functions;
-    const Counts counts = fits.counts;
-    const int terms = fits.basis.stride;
     const bool isFitted = section.isFitted;
     Goodness good = total;
     LineSums<N, Terms> sums;
     std::memcpy(sums, lineTotal, sizeof sums);
     for (int i = section.from; i < section.to; ++i) {
-        const std::ptrdiff_t place = static_cast<std::ptrdiff_t>(i) * Count;
+        const std::ptrdiff_t place = static_cast<std::ptrdiff_t>(i) * Count + task.l;
         const Mask in = Mixed ? task.stretches[0].mask(i) : Mask{};
         Real span = Real{} + 1.0;
         if (Terms > 0 && isFitted) {
-            span = Mixed ? (in ? load(spans + place) : span) : load(spans + place);
+            span = Mixed ? (in ? load(fits.span + place) : span) : load(fits.span + place);
         }
         Noise noise;
-        if (counts.sums != nullptr) {
-            noiseAt(counts, i, task.l, span, noise);
-        } else {
-            noise = {1.0 / span, Real{} + 1.0, Real{} + 1.0, Real{}};
-        }
-        store(task.perSpan + place, noise.perSpan);
-        store(task.variance + place, noise.variance);
-        if (counts.i0Energies > 0) {
-            store(task.perI0 + place, noise.perI0);
-        }
+        keepNoise(task, i, span, noise);
         if (!isFitted) {
             continue;
         }
-        const Real y = load(ys + place);
-        Real f = {};
-        // Mostly the references are all the terms: a loop of known length.
-        for (int r = 0; r < N; ++r) {
-            f += load(coefficients + r * Count) * basis.at(i, r);
-        }
-        for (int r = N; r < terms; ++r) {
-            f += load(coefficients + r * Count) * basis.at(i, r);
-        }
-        const Real off = y - f;
-        const Real inMuT = span * off;
-        const Real part[3] = {inMuT * inMuT * noise.perAll, off * off, y * y};
-        good.chi2 += Mixed ? (in ? part[0] : Real{}) : part[0];
-        good.rest += Mixed ? (in ? part[1] : Real{}) : part[1];
-        good.square += Mixed ? (in ? part[2] : Real{}) : part[2];
+        const Real y = load(fits.y + place);
+        Real f;
+        fitAt<N, Own>(fits, basis, i, task.l, f);
+        good.add<Mixed>(in, y, f, span, noise.perAll);
         if constexpr (Terms > 0) {
-            const Real by = noise.perSpan * y;
             Real h[N];
             for (int r = 0; r < N; ++r) {
-                const Real row = response.at(i, r);
-                h[r] = Mixed ? (in ? row : Real{}) : row;
+                h[r] = only<Mixed>(in, response.at(i, r));
             }
-            addToLines<N, Terms>(h, Mixed ? (in ? noise.perSpan : Real{}) : noise.perSpan,
-                                 Mixed ? (in ? by : Real{}) : by, functions + i * Terms, sums);
+            addToLines<N, Terms>(h, only<Mixed>(in, noise.perSpan),
+                                 only<Mixed>(in, noise.perSpan * y),
+                                 task.lines.functions + i * Terms, sums);
         }
     }
     total = good;
@@ -205,14 +219,42 @@ struct SharedI0 {
         }
         first = next;
     }
+    [[gnu::always_inline]] void add(const Real* derivative, const Real& perI0,
+                                    const I0Share& share) {
+        for (int side = 0; side < 2; ++side) {
+            const Real weight = perI0 * share.shared[side];
+            for (int r = 0; r <= N; ++r) {
+                by[side][r] += derivative[r] * weight;
+            }
+        }
+    }
 };
 
-/// The end of the points from i on that lie between the same I0 energies.
-inline int endOfBracket(const I0Share* shares, int i, int end) {
-    const int first = shares[i].first;
-    while (++i < end && shares[i].first == first) {
+/// Derivatives by mu-t at energy i of N references from firstOf on and of the jump.
+template <int N, int Terms, bool Own, bool Mixed>
+[[gnu::always_inline]] inline void derivativesAt(const ErrorTask& task, const Section& section,
+                                                 const RowReader<Own>& response, int i, int firstOf,
+                                                 const LineSums<N, Terms>& change, const Mask* in,
+                                                 Real (&derivative)[N + 1]) {
+    if (section.isFitted) {
+        const Real perSpan = load(task.perSpan + static_cast<std::ptrdiff_t>(i) * Count);
+        for (int r = 0; r < (Terms == 0 ? N + 1 : N); ++r) {
+            const int column = r < N ? firstOf + r : task.fits.references;
+            derivative[r] = only<Mixed>(in[0], response.at(i, column) * perSpan);
+        }
     }
-    return i;
+    for (int side = 0; side < 2 && Terms > 0; ++side) {
+        if (!section.isIn[side]) {
+            continue;
+        }
+        for (int r = 0; r <= N; ++r) {
+            Real value = change[side][r][0];
+            for (int t = 1; t < Terms; ++t) {
+                value += change[side][r][t] * task.lines.functions[i * Terms + t];
+            }
+            derivative[r] -= only<Mixed>(in[side + 1], value);
+        }
+    }
 }
 
 /// Adds the points of a section to the covariances of N references from firstOf on, those together
@@ -221,57 +263,28 @@ template <int N, int Terms, bool Own, bool Mixed, bool Shared>
 [[gnu::always_inline]] inline void covariancesIn(const ErrorTask& task, const Section& section,
                                                  int firstOf, const LineSums<N, Terms>& change,
                                                  Products<N>& products, SharedI0<N>& shared) {
-    const Fits& fits = task.fits;
-    const RowReader<Own> response(fits.response, task.l);
-    const double* const functions = task.lines.functions;
-    const I0Share* const shares = fits.counts.shares;
-    const bool isFitted = section.isFitted;
+    const RowReader<Own> response(task.fits.response, task.l);
+    const I0Share* const shares = task.fits.counts.shares;
     Products<N> sums = products;
     SharedI0<N> gathered = shared;
     int endOfThese = Shared ? section.from : section.to;
     for (int i = section.from; i < section.to; ++i) {
         if (Shared && i == endOfThese) {
             endOfThese = endOfBracket(shares, i, section.to);
-            gathered.moveTo(shares[i].first, fits.counts, task.l, sums);
+            gathered.moveTo(shares[i].first, task.fits.counts, task.l, sums);
         }
         const std::ptrdiff_t place = static_cast<std::ptrdiff_t>(i) * Count;
         Mask in[3] = {};
         for (int s = 0; s < 3 && Mixed; ++s) {
             in[s] = task.stretches[s].mask(i);
         }
-        Real derivative[N + 1] = {};
-        if (isFitted) {
-            const Real perSpan = load(task.perSpan + place);
-            for (int r = 0; r < (Terms == 0 ? N + 1 : N); ++r) {
-                const Real value = response.at(i, r < N ? firstOf + r : fits.references) * perSpan;
-                derivative[r] = Mixed ? (in[0] ? value : Real{}) : value;
-            }
-        }
-        for (int side = 0; side < 2 && Terms > 0; ++side) {
-            if (!section.isIn[side]) {
-                continue;
-            }
-            for (int r = 0; r <= N; ++r) {
-                Real value = change[side][r][0];
-                for (int t = 1; t < Terms; ++t) {
-                    value += change[side][r][t] * functions[i * Terms + t];
-                }
-                derivative[r] -= Mixed ? (in[side + 1] ? value : Real{}) : value;
-            }
-        }
-        Real variance = load(task.variance + place);
         const Mask used = in[0] | in[1] | in[2];
-        variance = Mixed ? (used ? variance : Real{}) : variance;
-        sums.add(derivative, variance);
+        Real derivative[N + 1] = {};
+        derivativesAt<N, Terms, Own, Mixed>(task, section, response, i, firstOf, change, in,
+                                            derivative);
+        sums.add(derivative, only<Mixed>(used, load(task.variance + place)));
         if constexpr (Shared) {
-            Real perI0 = load(task.perI0 + place);
-            perI0 = Mixed ? (used ? perI0 : Real{}) : perI0;
-            for (int side = 0; side < 2; ++side) {
-                const Real weight = perI0 * shares[i].shared[side];
-                for (int r = 0; r <= N; ++r) {
-                    gathered.by[side][r] += derivative[r] * weight;
-                }
-            }
+            gathered.add(derivative, only<Mixed>(used, load(task.perI0 + place)), shares[i]);
         }
     }
     products = sums;

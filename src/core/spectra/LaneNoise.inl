@@ -88,6 +88,12 @@ struct RowReader {
     }
 };
 
+/// A value for the spectra that have the point, 0 for the others; Mixed: not all have it.
+template <bool Mixed>
+[[gnu::always_inline]] inline Real only(const Mask& in, const Real& value) {
+    return Mixed ? (in ? value : Real{}) : value;
+}
+
 /// What the counts at an energy do.
 struct Noise {
     Real perSpan;   ///< 1 / span
@@ -163,4 +169,12 @@ struct Noise {
     const Real blank = Real{} + std::numeric_limits<double>::quiet_NaN();
     noise.variance = usable ? noise.variance : blank;
     noise.perAll = usable ? noise.perAll : blank;
+}
+
+/// The end of the points from i on that lie between the same I0 energies.
+inline int endOfBracket(const I0Share* shares, int i, int end) {
+    const int first = shares[i].first;
+    while (++i < end && shares[i].first == first) {
+    }
+    return i;
 }
