@@ -53,6 +53,35 @@ class TestAnalyzed2DRes : public QObject {
     Q_OBJECT
 
   private slots:
+    void aRowOfBinsIsThatOfEachBin_data() {
+        columns<int, int, int>("x", "y", "half");
+        QTest::newRow("pixels") << 1 << 2 << 0;
+        QTest::newRow("pixels, over the edge") << 3 << 2 << 0;
+        QTest::newRow("below the image") << 1 << 5 << 0;
+        QTest::newRow("bins") << -1 << 1 << 1;
+    }
+    void aRowOfBinsIsThatOfEachBin() {
+        QFETCH(int, x);
+        QFETCH(int, y);
+        QFETCH(int, half);
+        const double nan = std::numeric_limits<double>::quiet_NaN();
+        const double values[] = {3.0, 0.5, nan, 0.5, -2.0, 0.5};
+        Analyzed2DRes row, each;
+        for (Analyzed2DRes* map : {&row, &each}) {
+            map->startOver(AnalysisGrid::ofArea(6, 5, half, half, QRectF(0, 0, 6, 5)));
+        }
+        row.setRow(x, 2, y, half, half, values, 2, 3);
+        for (int i = 0; i < 3; ++i) {
+            each.setData(x + 2 * i, y, half, half, values[2 * i]);
+        }
+        for (int i = 0; i < 30; ++i) {
+            const bool isSame = row.data()[i] == each.data()[i];
+            QVERIFY(isSame || (std::isnan(row.data()[i]) && std::isnan(each.data()[i])));
+        }
+        QCOMPARE(row.dataMin(), each.dataMin());
+        QCOMPARE(row.dataMax(), each.dataMax());
+    }
+
     void fillsBinsClippedToTheImage() {
         Analyzed2DRes map;
         map.setGrid(AnalysisGrid::ofArea(4, 3, 1, 1, QRectF(0, 0, 4, 3)));

@@ -182,6 +182,29 @@ void Analyzed2DRes::setData(int ix, int iy, int xw, int yw, double t) {
     fillBin(&m_data, ix, iy, xw, yw, t);
 }
 
+void Analyzed2DRes::setRow(int x, int step, int y, int xw, int yw, const double* values,
+                           std::ptrdiff_t stride, int count) {
+    const bool isPixels = xw == 0 && yw == 0 && !m_data.isEmpty() && x >= 0 && y >= 0 &&
+                          y < m_grid.height && step > 0 && count > 0 &&
+                          qint64(x) + qint64(step) * (count - 1) < m_grid.width;
+    if (!isPixels) {
+        for (int i = 0; i < count; ++i) {
+            setData(x + i * step, y, xw, yw, values[i * stride]);
+        }
+        return;
+    }
+    double* const first = m_data.data() + static_cast<std::ptrdiff_t>(y) * m_grid.width + x;
+    double min = m_dataMin;
+    double max = m_dataMax;
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        const double value = values[i * stride];
+        widen(value, &min, &max);
+        first[i * step] = value;
+    }
+    m_dataMin = min;
+    m_dataMax = max;
+}
+
 void Analyzed2DRes::genImg() {
     dropPicture();
     const Array& source = shownArray();

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QVector>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -75,6 +76,11 @@ class Analyzed2DRes : public QObject {
     void setProcRange(double min, double max);
     /// dataMin and dataMax over all pixels that are finite.
     void updateExtremes();
+
+    /// setData() for bins side by side: of `count` bins around (x, y), (x + step, y), ... bin i takes
+    /// values[i * stride].
+    void setRow(int x, int step, int y, int xw, int yw, const double* values,
+                std::ptrdiff_t stride, int count);
 
   public slots:
     /// Frees picture and arrays, allocates arrays of zeros for the grid's size, resets the ranges.

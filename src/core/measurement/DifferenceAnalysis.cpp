@@ -25,10 +25,8 @@ class EnergyDifference : public AreaAnalysis {
     void begin() override { startOver(m_result, -1); }
 
     void take(const RasterPass::Row& row, const BinRaster& raster) override {
-        for (int column = 0; column < raster.columns; ++column) {
-            m_result->image.setData(raster.x(column), raster.y(row.row), m_grid.halfW, m_grid.halfH,
-                                    row.values[column]);
-        }
+        m_result->image.setRow(raster.firstX, raster.stepX, raster.y(row.row), m_grid.halfW,
+                               m_grid.halfH, row.values, 1, raster.columns);
     }
 
     void remakePictures() override { m_result->image.genImg(); }

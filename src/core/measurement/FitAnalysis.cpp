@@ -69,12 +69,8 @@ class Fit : public AreaAnalysis {
             if (target.value < 0) {
                 continue;
             }
-            const double* value = row.values + target.value;
-            for (int column = 0; column < raster.columns; ++column) {
-                target.result->image.setData(raster.x(column), y, m_grid.halfW, m_grid.halfH,
-                                             *value);
-                value += m_valuesPerBin;
-            }
+            target.result->image.setRow(raster.firstX, raster.stepX, y, m_grid.halfW, m_grid.halfH,
+                                        row.values + target.value, m_valuesPerBin, raster.columns);
         }
     }
 
