@@ -1,207 +1,85 @@
 #include "files/Hdf5File.h"
 
-#include <hdf5.h>
+#include <dlfcn.h>
 
-#include <QFile>
 #include <QSaveFile>
-#include <algorithm>
 
+#include "files/Hdf5Library.h"
 #include "files/WholeFile.h"
 
 namespace {
 
-constexpr int BlockEdge = 256;       // 512 KiB of doubles, half of what readers keep at hand
-constexpr unsigned Compression = 4;  // more costs time and gains next to nothing for doubles
-constexpr std::size_t GrowthBytes = 4 << 20;
-
-using Close = herr_t (*)(hid_t);
-
-/// Something of the library's that is closed at the end.
-template <Close close>
-class Handle {
-  public:
-    explicit Handle(hid_t id) : m_id(id) {}
-    ~Handle() {
-        if (isGood()) {
-            close(m_id);
-        }
-    }
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-
-    bool isGood() const { return m_id >= 0; }
-    operator hid_t() const { return m_id; }
-
-  private:
-    hid_t m_id;
-};
-using FileHandle = Handle<H5Fclose>;
-using Object = Handle<H5Oclose>;
-using Dataset = Handle<H5Dclose>;
-using Attribute = Handle<H5Aclose>;
-using Space = Handle<H5Sclose>;
-using Type = Handle<H5Tclose>;
-using Properties = Handle<H5Pclose>;
-
-/// Failures are told by our own texts; the library would print its own.
-void silence() {
-    H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);
-}
-
-hid_t makeInMemory() {
-    silence();
-    const Properties access(H5Pcreate(H5P_FILE_ACCESS));
-    const Properties creation(H5Pcreate(H5P_FILE_CREATE));
-    H5Pset_fapl_core(access, GrowthBytes, false);
-    H5Pset_libver_bounds(access, H5F_LIBVER_V18, H5F_LIBVER_V18);
-    H5Pset_obj_track_times(creation, false);
-    return H5Fcreate("results", H5F_ACC_TRUNC, creation, access);
-}
-
-hid_t openToRead(const QString& fileName) {
-    silence();
-    const Properties access(H5Pcreate(H5P_FILE_ACCESS));
-#if H5_VERSION_GE(1, 10, 7)
-    H5Pset_file_locking(access, false, true);  // some file systems have none
-#endif
-    return H5Fopen(QFile::encodeName(fileName).constData(), H5F_ACC_RDONLY, access);
-}
-
-hid_t textType(std::size_t bytes) {
-    const hid_t type = H5Tcopy(H5T_C_S1);
-    H5Tset_size(type, bytes);
-    H5Tset_cset(type, H5T_CSET_UTF8);
-    H5Tset_strpad(type, bytes == H5T_VARIABLE ? H5T_STR_NULLTERM : H5T_STR_NULLPAD);
-    return type;
-}
-
-std::vector<hsize_t> sizesOf(const QVector<int>& extents) {
-    std::vector<hsize_t> sizes;
-    std::transform(extents.begin(), extents.end(), std::back_inserter(sizes),
-                   [](int extent) { return static_cast<hsize_t>(extent); });
-    return sizes;
+/// Loaded once, from the folder that the programs were linked to look into. Null: it is missing.
+const Hdf5Library* library() {
+    static const Hdf5Library* const loaded = []() -> const Hdf5Library* {
+        void* const module = dlopen(TARNWICK_HDF5_MODULE, RTLD_NOW | RTLD_LOCAL);
+        void* const symbol = module != nullptr ? dlsym(module, "tarnwickHdf5Library") : nullptr;
+        return symbol != nullptr ? reinterpret_cast<Hdf5LibraryOf>(symbol)() : nullptr;
+    }();
+    return loaded;
 }
 
 }  // namespace
 
 struct Hdf5Writer::File {
-    FileHandle id{makeInMemory()};
-    bool good = id.isGood();
+    std::unique_ptr<Hdf5Library::Writer> made = library() ? library()->makeWriter() : nullptr;
 
-    void writeAttribute(const QString& path, const char* name, hid_t type, hid_t space,
-                        const void* value);
-    void writeDataset(const QString& path, hid_t type, hid_t space, hid_t memoryType,
-                      const void* values, hid_t creation);
-    void writeArray(const QString& path, hid_t type, hid_t memoryType, const void* values,
-                    const QVector<int>& extents);
+    template <typename Function>
+    void with(Function use) {
+        if (made) {
+            use(*made);
+        }
+    }
 };
-
-void Hdf5Writer::File::writeAttribute(const QString& path, const char* name, hid_t type,
-                                      hid_t space, const void* value) {
-    const Object object(H5Oopen(id, path.toUtf8().constData(), H5P_DEFAULT));
-    const Attribute attribute(H5Acreate2(object, name, type, space, H5P_DEFAULT, H5P_DEFAULT));
-    good = good && H5Awrite(attribute, type, value) >= 0;
-}
-
-void Hdf5Writer::File::writeDataset(const QString& path, hid_t type, hid_t space, hid_t memoryType,
-                                    const void* values, hid_t creation) {
-    H5Pset_obj_track_times(creation, false);
-    const Dataset dataset(
-        H5Dcreate2(id, path.toUtf8().constData(), type, space, H5P_DEFAULT, creation, H5P_DEFAULT));
-    good = good && H5Dwrite(dataset, memoryType, H5S_ALL, H5S_ALL, H5P_DEFAULT, values) >= 0;
-}
-
-void Hdf5Writer::File::writeArray(const QString& path, hid_t type, hid_t memoryType,
-                                  const void* values, const QVector<int>& extents) {
-    const std::vector<hsize_t> sizes = sizesOf(extents);
-    std::vector<hsize_t> block = sizes;
-    for (hsize_t& edge : block) {
-        edge = std::min<hsize_t>(edge, extents.size() > 1 ? BlockEdge : BlockEdge * BlockEdge);
-    }
-    const Space space(H5Screate_simple(extents.size(), sizes.data(), nullptr));
-    const Properties creation(H5Pcreate(H5P_DATASET_CREATE));
-    H5Pset_chunk(creation, extents.size(), block.data());
-    H5Pset_shuffle(creation);
-    if (H5Zfilter_avail(H5Z_FILTER_DEFLATE) > 0) {
-        H5Pset_deflate(creation, Compression);
-    }
-    writeDataset(path, type, space, memoryType, values, creation);
-}
 
 Hdf5Writer::Hdf5Writer() : m_file(std::make_unique<File>()) {}
 
 Hdf5Writer::~Hdf5Writer() = default;
 
 void Hdf5Writer::group(const QString& path) {
-    const Properties creation(H5Pcreate(H5P_GROUP_CREATE));
-    H5Pset_obj_track_times(creation, false);
-    const Object made(
-        H5Gcreate2(m_file->id, path.toUtf8().constData(), H5P_DEFAULT, creation, H5P_DEFAULT));
-    m_file->good = m_file->good && made.isGood();
+    m_file->with([&](auto& file) { file.group(path); });
 }
 
 void Hdf5Writer::attribute(const QString& path, const char* name, const QString& value) {
-    const QByteArray bytes = value.toUtf8();
-    const char* const start = bytes.constData();
-    const Type type(textType(H5T_VARIABLE));
-    m_file->writeAttribute(path, name, type, Space(H5Screate(H5S_SCALAR)), &start);
+    m_file->with([&](auto& file) { file.attribute(path, name, value); });
 }
 
 void Hdf5Writer::attribute(const QString& path, const char* name, const QStringList& values) {
-    if (values.isEmpty()) {
-        return;
-    }
-    std::vector<QByteArray> bytes;
-    std::vector<const char*> starts;
-    for (const QString& value : values) {
-        bytes.push_back(value.toUtf8());
-    }
-    for (const QByteArray& value : bytes) {
-        starts.push_back(value.constData());
-    }
-    const hsize_t size = starts.size();
-    const Type type(textType(H5T_VARIABLE));
-    m_file->writeAttribute(path, name, type, Space(H5Screate_simple(1, &size, nullptr)),
-                           starts.data());
+    m_file->with([&](auto& file) { file.attribute(path, name, values); });
 }
 
 void Hdf5Writer::attribute(const QString& path, const char* name, int value) {
-    m_file->writeAttribute(path, name, H5T_NATIVE_INT32, Space(H5Screate(H5S_SCALAR)), &value);
+    m_file->with([&](auto& file) { file.attribute(path, name, value); });
 }
 
 void Hdf5Writer::number(const QString& path, int value) {
-    m_file->writeDataset(path, H5T_STD_I32LE, Space(H5Screate(H5S_SCALAR)), H5T_NATIVE_INT32,
-                         &value, Properties(H5Pcreate(H5P_DATASET_CREATE)));
+    m_file->with([&](auto& file) { file.number(path, value); });
 }
 
 void Hdf5Writer::text(const QString& path, const QString& value) {
-    const QByteArray bytes = value.toUtf8();
-    const Type type(textType(static_cast<std::size_t>(std::max(1, bytes.size()))));
-    m_file->writeDataset(path, type, Space(H5Screate(H5S_SCALAR)), type, bytes.constData(),
-                         Properties(H5Pcreate(H5P_DATASET_CREATE)));
+    m_file->with([&](auto& file) { file.text(path, value); });
 }
 
 void Hdf5Writer::array(const QString& path, const std::vector<double>& values,
                        const QVector<int>& extents) {
-    m_file->writeArray(path, H5T_IEEE_F64LE, H5T_NATIVE_DOUBLE, values.data(), extents);
+    m_file->with([&](auto& file) { file.array(path, values, extents); });
 }
 
 void Hdf5Writer::array(const QString& path, const std::vector<quint8>& values,
                        const QVector<int>& extents) {
-    m_file->writeArray(path, H5T_STD_U8LE, H5T_NATIVE_UINT8, values.data(), extents);
+    m_file->with([&](auto& file) { file.array(path, values, extents); });
 }
 
 bool Hdf5Writer::save(const QString& fileName) {
-    // From memory by our own hands: the library cannot be rid of a file that it fails to finish.
-    void* memory = nullptr;
-    if (!m_file->good || H5Fflush(m_file->id, H5F_SCOPE_LOCAL) < 0 ||
-        H5Fget_vfd_handle(m_file->id, H5P_DEFAULT, &memory) < 0) {
-        return false;
-    }
-    const qint64 size = H5Fget_file_image(m_file->id, nullptr, 0);
-    const auto* const bytes = *static_cast<const char* const*>(memory);
-    QSaveFile file(fileName);
-    return size > 0 && openBeside(file) && file.write(bytes, size) == size && putInPlace(file);
+    // By our own hands: the library cannot be rid of a file that it fails to finish.
+    return m_file->made && m_file->made->finish([&](const char* bytes, qint64 size) {
+        QSaveFile file(fileName);
+        return size > 0 && openBeside(file) && file.write(bytes, size) == size && putInPlace(file);
+    });
+}
+
+bool canUseHdf5() {
+    return library() != nullptr;
 }
 
 bool isHdf5(const QByteArray& start) {
@@ -209,25 +87,5 @@ bool isHdf5(const QByteArray& start) {
 }
 
 std::optional<QString> hdf5Text(const QString& fileName, const QString& path, qint64 mostBytes) {
-    const FileHandle file(openToRead(fileName));
-    if (!file.isGood()) {
-        return std::nullopt;
-    }
-    const Dataset dataset(H5Dopen2(file, path.toUtf8().constData(), H5P_DEFAULT));
-    if (!dataset.isGood()) {
-        return QString();
-    }
-    const Type type(H5Dget_type(dataset));
-    const Space space(H5Dget_space(dataset));
-    const bool isText = H5Tget_class(type) == H5T_STRING && H5Tis_variable_str(type) == 0 &&
-                        H5Sget_simple_extent_npoints(space) == 1;
-    const std::size_t bytes = isText ? H5Tget_size(type) : 0;
-    if (bytes == 0 || bytes > static_cast<std::size_t>(mostBytes)) {
-        return QString();
-    }
-    QByteArray text(static_cast<int>(bytes), '\0');
-    if (H5Dread(dataset, type, H5S_ALL, H5S_ALL, H5P_DEFAULT, text.data()) < 0) {
-        return std::nullopt;
-    }
-    return QString::fromUtf8(text.constData());
+    return library() != nullptr ? library()->text(fileName, path, mostBytes) : std::nullopt;
 }

@@ -7,8 +7,11 @@
 #include <optional>
 #include <vector>
 
-// HDF5 files. Only Hdf5File.cpp knows the library, which prints nothing of its own. To be used from
-// one thread.
+// HDF5 files. Only Hdf5Library.cpp knows the library, which prints nothing of its own and is loaded
+// when it is first needed. To be used from one thread.
+
+/// Whether there is the library; where not, nothing is written or read.
+bool canUseHdf5();
 
 /// Makes a HDF5 file in memory and writes it whole or not at all. Paths begin with "/"; the groups
 /// above an object are made first. The same calls give the same bytes: no times, no names of files.

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 
+#include "files/Hdf5File.h"
 #include "measurement/Display.h"
 #include "measurement/Origin.h"
 #include "measurement/ResultParts.h"
@@ -56,6 +57,10 @@ Outcome saveResults(Measurement& measurement, const QString& fileName) {
     const std::vector<ResultPart> parts = resultParts(measurement);
     if (parts.empty()) {
         return Outcome::failure(SavingResults::tr("there are no results to save"));
+    }
+    if (!canUseHdf5()) {
+        return Outcome::failure(
+            SavingResults::tr("this program was installed without its module for HDF5 files"));
     }
     Outcome outcome = writeFile(
         measurement, fileName, [&] { return writeNexus(fileName, contentOf(measurement, parts)); });
