@@ -273,7 +273,8 @@ Outcome saveData(const Measurement& measurement, const QString& fileName) {
 
 Outcome saveAllMaps(const Measurement& measurement, const QString& fileName) {
     Outcome outcome;
-    QStringList said;
+    QVector<QPair<QString, QStringList>> warnings;  // with the maps that they are of
+    int maps = 0;
     for (Result* result : measurement.results()) {
         if (!result->tookPart()) {
             continue;
@@ -283,19 +284,27 @@ Outcome saveAllMaps(const Measurement& measurement, const QString& fileName) {
             tag += QStringLiteral("-%1").arg(result->reference);
         }
         Outcome saved = saveValues(measurement, *result, taggedName(fileName, tag), fileName);
-        // What holds for many of them is said once.
-        QStringList warnings;
-        for (const QString& warning : qAsConst(saved.warnings)) {
-            if (!said.contains(warning)) {
-                warnings << warning;
+        ++maps;
+        for (const QString& text : qAsConst(saved.warnings)) {
+            const auto same = std::find_if(warnings.begin(), warnings.end(),
+                                           [&](const auto& each) { return each.first == text; });
+            if (same == warnings.end()) {
+                warnings.append({text, {tag}});
+            } else {
+                same->second << tag;
             }
         }
-        said += warnings;
-        saved.warnings = warnings;
+        saved.warnings.clear();
         outcome += saved;
         if (outcome.failed()) {
             break;
         }
+    }
+    for (const auto& warning : qAsConst(warnings)) {
+        const QString of = warning.second.join(QStringLiteral(", "));
+        outcome.warnings << (warning.second.size() == maps
+                                 ? warning.first
+                                 : QStringLiteral("%1: %2").arg(of, warning.first));
     }
     return outcome.files.isEmpty() && !outcome.failed()
                ? Outcome::failure(Saving::tr("there are no maps"))

@@ -40,6 +40,10 @@ bool isTiff(const QByteArray& start) {
 
 /// Origin and record of a results file, put together.
 QString textInHdf5(const QString& fileName, QString* problem) {
+    if (!canUseHdf5()) {
+        *problem = QStringLiteral("not readable without the module for HDF5 files");
+        return QString();
+    }
     const auto origin = hdf5Text(fileName, nexusOriginPath(), OriginText::mostBytes);
     const auto record = hdf5Text(fileName, nexusRecordPath(), OriginText::mostBytes);
     if (!origin || !record) {
