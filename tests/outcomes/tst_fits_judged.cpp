@@ -78,6 +78,12 @@ class TestFitsJudged : public QObject {
             "\\(-30 .. -10, 10 .. 30 eV\\) hold fewer than 3 .* wherever E0 is");
         add("ranges apart", {}, with("set_background_ranges -200 -180 180 200", ra), "failed",
             "wherever E0 is");
+        add("ranges apart, around any mean", {},
+            with("set_E0 mean\nset_background_ranges -200 -180 180 200", ra), "failed",
+            "wherever E0 is");
+        add("ranges too narrow where the bins rise", {},
+            with("set_background_ranges -140 -100 10 190\nanalyzer_set_ra_energy 7200", ra),
+            "failed", "10 .. 190 eV\\) hold fewer than 3 energies of the frames in all bins");
         add("ranges just wide enough", {}, with("set_background_ranges -30 0 0 30", ra), "warning",
             "8200 eV .* outside");
         add("a reference without points", putOddReferences,

@@ -31,7 +31,7 @@ std::vector<RasterPass::Evaluate> differenceEvaluators(
                             : valueAt(to + shift, energies, pack.mu, l) -
                                   valueAt(from + shift, energies, pack.mu, l);
         }
-        return 0;
+        return RasterPass::Found{};
     };
     return std::vector<RasterPass::Evaluate>(static_cast<std::size_t>(threads), evaluate);
 }

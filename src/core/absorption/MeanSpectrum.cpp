@@ -48,7 +48,7 @@ std::vector<RasterPass::Evaluate> meanEvaluators(int threads, const BinRaster& r
             }
         }
         add(pack, counts, &row);
-        return 0;
+        return RasterPass::Found{};
     };
     return std::vector<RasterPass::Evaluate>(static_cast<std::size_t>(std::max(0, threads)),
                                              evaluate);

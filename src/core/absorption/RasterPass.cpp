@@ -98,10 +98,12 @@ void RasterPass::evaluateRows(const Evaluate& evaluate) {
                 const int spectra = std::min(PackSize, count - bin);
                 tally.bins += spectra;
                 tally.withoutCounts += bins.formPack(bin, mu.data(), lacksCounts);
-                tally.withoutJump +=
+                const Found found =
                     evaluate({mu.data(), lacksCounts, row, first + bin, spectra, bins.counts(bin)},
                              &values[static_cast<std::size_t>(first + bin) *
                                      static_cast<std::size_t>(m_valuesPerBin)]);
+                tally.withoutJump += found.withoutJump;
+                tally.withoutLines += found.withoutLines;
             }
         }
         finish(row, tally, &values);

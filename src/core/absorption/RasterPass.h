@@ -28,20 +28,27 @@ class RasterPass {
         lanes::Counts counts = {};  ///< behind the spectra
     };
 
-    /// Works out `valuesPerBin` numbers for each spectrum of a pack. Returns how many of them were
-    /// found to have an edge jump of 0.
-    using Evaluate = std::function<int(const Pack& pack, double* values)>;
+    /// How many spectra of a pack were found to be odd, as far as it is worked out.
+    struct Found {
+        int withoutJump = 0;   ///< with an edge jump of 0
+        int withoutLines = 0;  ///< with too few energies in a background range
+    };
+
+    /// Works out `valuesPerBin` numbers for each spectrum of a pack.
+    using Evaluate = std::function<Found(const Pack& pack, double* values)>;
 
     /// What was seen in the spectra of some bins.
     struct Tally {
         int bins = 0;
         int withoutCounts = 0;  ///< at some energy
-        int withoutJump = 0;    ///< with an edge jump of 0, as far as it is worked out
+        int withoutJump = 0;    ///< see Found
+        int withoutLines = 0;
 
         Tally& operator+=(const Tally& other) {
             bins += other.bins;
             withoutCounts += other.withoutCounts;
             withoutJump += other.withoutJump;
+            withoutLines += other.withoutLines;
             return *this;
         }
     };

@@ -65,13 +65,13 @@ std::vector<RasterPass::Evaluate> edgeEvaluators(int threads, const std::vector<
         double edges[lanes::Count] = {};
         if (energies.empty()) {
             std::copy_n(edges, pack.count, values);
-            return 0;
+            return RasterPass::Found{};
         }
         lanes::kernels(lanes::bestUnits())
             .risingEdge(pack.mu, energies.data(), static_cast<int>(energies.size()),
                         kCalibrationLevel, edges);
         std::copy_n(edges, pack.count, values);
-        return 0;
+        return RasterPass::Found{};
     };
     return std::vector<RasterPass::Evaluate>(static_cast<std::size_t>(threads), evaluate);
 }

@@ -158,6 +158,15 @@ Spectrum spectrumOf(const std::vector<double>& energies, const double* mu, int l
     return spectrum;
 }
 
+bool lacksLines(const std::vector<double>& energies, const XafsSpectrum& spectrum) {
+    const auto isShort = [&energies](const BgCurve& curve) {
+        return std::count_if(energies.begin(), energies.end(), [&curve](double e) {
+                   return e >= curve.start() && e < curve.end();
+               }) < BackgroundRanges::FewestPoints;
+    };
+    return isShort(spectrum.preEdge()) || isShort(spectrum.postEdge());
+}
+
 /// What a thread works out of the spectra of a raster.
 template <typename Make>
 std::vector<RasterPass::Evaluate> ofEachThread(int threads, Make make) {
@@ -177,14 +186,15 @@ RasterPass::Evaluate fitOneByOne(const BinRaster& raster, const QVector<XafsSpec
                                         : std::shared_ptr<SpectrumErrors>();
     const FitValues places(references.size(), rule.withErrors);
     return [=](const RasterPass::Pack& pack, double* values) {
-        int withoutJump = 0;
+        RasterPass::Found found;
         double* bin = values;
         for (int l = 0; l < pack.count; ++l) {
             const XafsSpectrum spectrum(spectrumOf(energies, pack.mu, l), rule.sample,
                                         correctionAt(raster.x(pack.column + l), raster.y(pack.row)),
                                         XafsSpectrum::Quiet);
             fit->fit(spectrum);
-            withoutJump += spectrum.dMut() == 0.0;
+            found.withoutJump += spectrum.dMut() == 0.0;
+            found.withoutLines += rule.method == LinearFit::Lcf && lacksLines(energies, spectrum);
             std::copy(fit->dMuts().begin(), fit->dMuts().end(), bin);
             std::copy(fit->ratios().begin(), fit->ratios().end(), bin + places.ratio(0));
             bin += places.count();
@@ -195,7 +205,7 @@ RasterPass::Evaluate fitOneByOne(const BinRaster& raster, const QVector<XafsSpec
         if (errors != nullptr) {
             errors->evaluate(pack.count, &pack.counts, values);
         }
-        return withoutJump;
+        return found;
     };
 }
 
@@ -215,7 +225,7 @@ RasterPass::Evaluate fitPacks(const BinRaster& raster, const QVector<XafsSpectru
         double corrections[Count];
         correctionsOf(pack, raster, correctionAt, corrections);
         fit->fit(pack.mu, corrections, pack.count, &pack.counts, values);
-        return fit->withoutJump();
+        return RasterPass::Found{fit->withoutJump(), fit->withoutLines()};
     };
 }
 
@@ -223,16 +233,17 @@ RasterPass::Evaluate curvesOneByOne(const BinRaster& raster, const std::vector<d
                                     const Normalisation& sample, double e,
                                     const CorrectionAt& correctionAt) {
     return [=](const RasterPass::Pack& pack, double* values) {
-        int withoutJump = 0;
+        RasterPass::Found found;
         for (int l = 0; l < pack.count; ++l) {
             const XafsSpectrum spectrum(spectrumOf(energies, pack.mu, l), sample,
                                         correctionAt(raster.x(pack.column + l), raster.y(pack.row)),
                                         XafsSpectrum::Quiet);
-            withoutJump += spectrum.dMut() == 0.0;
+            found.withoutJump += spectrum.dMut() == 0.0;
+            found.withoutLines += lacksLines(energies, spectrum);
             *values++ = spectrum.preEdge().valueAt(e);
             *values++ = spectrum.postEdge().valueAt(e);
         }
-        return withoutJump;
+        return found;
     };
 }
 
@@ -248,7 +259,7 @@ RasterPass::Evaluate curvesOfPacks(const BinRaster& raster, const std::vector<do
             *values++ = normaliser->preAt(e, l);
             *values++ = normaliser->postAt(e, l);
         }
-        return normaliser->withoutJump();
+        return RasterPass::Found{normaliser->withoutJump(), normaliser->withoutLines()};
     };
 }
 

@@ -27,6 +27,7 @@ class LaneFit {
              double* results);
     /// See LaneNormaliser; 0 for a method that needs no normalisation.
     int withoutJump() const { return m_normaliser.withoutJump(); }
+    int withoutLines() const { return m_normaliser.withoutLines(); }
 
   private:
     void prepare(double correction);

@@ -10,8 +10,6 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(EdgeJudgement)
 };
 
-constexpr std::ptrdiff_t FewestPoints = 3;
-
 using Energies = std::vector<double>;
 
 /// Energies with start <= E < end.
@@ -21,8 +19,10 @@ std::ptrdiff_t pointsIn(const Energies& energies, double start, double end) {
 }
 
 bool holdsLines(const Energies& energies, const BackgroundRanges& ranges, double e0) {
-    return pointsIn(energies, e0 + ranges.preStart, e0 + ranges.preEnd) >= FewestPoints &&
-           pointsIn(energies, e0 + ranges.postStart, e0 + ranges.postEnd) >= FewestPoints;
+    return pointsIn(energies, e0 + ranges.preStart, e0 + ranges.preEnd) >=
+               BackgroundRanges::FewestPoints &&
+           pointsIn(energies, e0 + ranges.postStart, e0 + ranges.postEnd) >=
+               BackgroundRanges::FewestPoints;
 }
 
 /// Whether there is an E0 inside the energies around which both ranges hold enough: what they hold
@@ -64,22 +64,32 @@ Outcome ofSomeOrAll(int bins, int all, const QString& ofAll, const QString& ofSo
 
 }  // namespace
 
+Outcome judgeOwnE0s(int without, int bins, const BackgroundRanges& ranges) {
+    return ofSomeOrAll(
+        without, bins,
+        Texts::tr("the background ranges (%1) hold fewer than 3 energies of the frames in all bins")
+            .arg(rangesText(ranges)),
+        Texts::tr("the background ranges hold fewer than 3 energies of the frames in %1 of %2 "
+                  "bins"));
+}
+
 Outcome judgeRanges(Work work, const std::vector<double>& energies,
                     const std::vector<std::unique_ptr<Reference>>& references,
                     const Settings& settings) {
     Outcome outcome;
-    if (settings.ranges == BackgroundRanges()) {
-        return outcome;
-    }
+    const bool areStated = settings.ranges == BackgroundRanges();
     for (const auto& reference : references) {
-        if (work == Work::Fit && reference->takesPart() && !reference->lineFault().isEmpty()) {
+        if (work == Work::Fit && !areStated && reference->takesPart() &&
+            !reference->lineFault().isEmpty()) {
             outcome.failures << reference->lineFault();
         }
     }
     const bool hasLines =
         work == Work::Residual || (work == Work::Fit && settings.method == LinearFit::Lcf);
-    if (hasLines && settings.e0.kind == EdgeChoice::Kind::Each && !energies.empty() &&
-        !canHoldLines(energies, settings.ranges)) {
+    const bool isJudged = settings.e0.kind == EdgeChoice::Kind::Each
+                              ? !areStated
+                              : settings.e0.kind == EdgeChoice::Kind::Mean;
+    if (hasLines && isJudged && !energies.empty() && !canHoldLines(energies, settings.ranges)) {
         outcome.failures << Texts::tr(
                                 "the background ranges (%1) hold fewer than 3 energies of "
                                 "the frames, wherever E0 is")

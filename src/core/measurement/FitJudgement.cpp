@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "measurement/EdgeJudgement.h"
+
 namespace {
 
 struct Texts {
@@ -342,6 +344,10 @@ Outcome judgeAfter(const Run& run) {
         outcome.warnings << Texts::tr("%1 of %2 bins have no counts at some energy")
                                 .arg(run.tally.withoutCounts)
                                 .arg(run.tally.bins);
+    }
+    if (run.inputs.e0.kind == EdgeChoice::Kind::Each &&
+        !(run.inputs.ranges == BackgroundRanges())) {
+        outcome += judgeOwnE0s(run.tally.withoutLines, run.tally.bins, run.inputs.ranges);
     }
     return outcome;
 }

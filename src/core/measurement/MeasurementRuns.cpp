@@ -201,32 +201,33 @@ void Measurement::rowsTaken(int rows, int) {
 }
 
 void Measurement::passEnded(RasterPass::Failure failure) {
-    Outcome mean;
+    Outcome broken;
     if (m_search && failure == RasterPass::Failure::None) {
-        mean = takeMean();
-        if (!mean.failed()) {
+        broken = takeMean();
+        if (!broken.failed()) {
             return;
         }
     }
     const std::unique_ptr<AreaAnalysis> analysis = std::move(m_analysis);
     Run& run = *analysis->run();
-    if (mean.failed()) {
-        endAsStopped(analysis);
-        emit ended(run.work, mean);
-        return;
-    }
     if (failure != RasterPass::Failure::None) {
+        broken = Outcome::failure(failure == RasterPass::Failure::NoThread
+                                      ? tr("the system gives no thread")
+                                      : tr("memory ran out"));
+    }
+    Outcome outcome = broken.failed() ? broken : judgeAfter(run);
+    if (outcome.failed()) {
+        if (!broken.failed()) {
+            analysis->begin();  // what has been worked out means nothing
+        }
         endAsStopped(analysis);
-        emit ended(run.work, Outcome::failure(failure == RasterPass::Failure::NoThread
-                                                  ? tr("the system gives no thread")
-                                                  : tr("memory ran out")));
+        emit ended(run.work, outcome);
         return;
     }
     analysis->finish();
     applyMask();
     run.state = Run::State::Complete;
     run.percent = 100.0;
-    Outcome outcome = judgeAfter(run);
     if (run.mean && !m_rehearsal) {
         outcome.notes << tr("E0 of the mean spectrum: %1 eV").arg(run.mean->e0(), 0, 'f', 2);
     }

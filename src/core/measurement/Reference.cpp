@@ -101,17 +101,16 @@ QString NormalisedFile::edgeFault() const {
 }
 
 QString NormalisedFile::lineFault() const {
-    constexpr int FewestPoints = 3;
     if (spectrum.isEmpty() || isStandIn || !needsLines) {
         return {};
     }
     const double e0 = spectrum.findE(0.5, 0);
     const int pre = pointsIn(spectrum, e0 + spectrum.preStart(), e0 + spectrum.preEnd());
-    if (pre < FewestPoints) {
+    if (pre < BackgroundRanges::FewestPoints) {
         return Texts::tr("pre-edge line on %n point(s): %1", nullptr, pre).arg(file.name);
     }
     const int post = pointsIn(spectrum, e0 + spectrum.postStart(), e0 + spectrum.postEnd());
-    return post < FewestPoints
+    return post < BackgroundRanges::FewestPoints
                ? Texts::tr("post-edge line on %n point(s): %1", nullptr, post).arg(file.name)
                : QString();
 }

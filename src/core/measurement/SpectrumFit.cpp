@@ -97,11 +97,10 @@ Outcome judgeCommonEdge(const std::vector<double>& energies, const SpectrumFit& 
         return Outcome::failure(
             Texts::tr("E0 at %1 eV lies outside the energies of %2").arg(e0, nameOf(fit.sample)));
     }
-    constexpr std::ptrdiff_t FewestPoints = 3;
     const BackgroundRanges& ranges = fit.inputs.ranges;
     const auto pre = pointsIn(energies, fit.e0 + ranges.preStart, fit.e0 + ranges.preEnd);
     const auto post = pointsIn(energies, fit.e0 + ranges.postStart, fit.e0 + ranges.postEnd);
-    return std::min(pre, post) >= FewestPoints
+    return std::min(pre, post) >= BackgroundRanges::FewestPoints
                ? Outcome()
                : Outcome::failure(Texts::tr("the background ranges around E0 at %1 eV hold fewer "
                                             "than 3 points of %2")

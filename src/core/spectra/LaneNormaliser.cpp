@@ -13,6 +13,10 @@ namespace {
 
 constexpr double EdgeFraction = 0.5;
 
+bool isShort(const lanes::Range& range, int l) {
+    return range.end[l] - range.first[l] < BackgroundRanges::FewestPoints;
+}
+
 }  // namespace
 
 bool LaneNormaliser::suits(const std::vector<double>& energies) {
@@ -164,6 +168,10 @@ void LaneNormaliser::normalise(const double* mu, int count, const double* correc
             interpolatedAt(m_post, m_midE[l], pair, l) - interpolatedAt(m_pre, m_midE[l], pair, l);
     }
     m_withoutJump = static_cast<int>(std::count(m_dMut, m_dMut + count, 0.0));
+    m_withoutLines = 0;
+    for (int l = 0; l < count; ++l) {
+        m_withoutLines += isShort(m_preRange, l) || isShort(m_postRange, l);
+    }
 }
 
 int LaneNormaliser::pairAround(double e) const {

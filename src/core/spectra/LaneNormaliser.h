@@ -30,6 +30,8 @@ class LaneNormaliser {
     const double* dMut() const { return m_dMut; }
     /// How many of those that matter have an edge jump of 0.
     int withoutJump() const { return m_withoutJump; }
+    /// How many have a range that holds fewer than BackgroundRanges::FewestPoints energies.
+    int withoutLines() const { return m_withoutLines; }
 
     /// Points that the curves were fitted to.
     const lanes::Range& preRange() const { return m_preRange; }
@@ -84,4 +86,5 @@ class LaneNormaliser {
     double m_midE[lanes::Count] = {};
     double m_dMut[lanes::Count] = {};
     int m_withoutJump = 0;
+    int m_withoutLines = 0;
 };

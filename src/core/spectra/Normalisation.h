@@ -10,6 +10,9 @@ struct BackgroundRanges {
     double postStart = 10.0;
     double postEnd = 1000.0;
 
+    /// Energies that a curve should rest on: with fewer it tells nothing of the scatter.
+    static constexpr int FewestPoints = 3;
+
     bool ascend() const { return preStart < preEnd && preEnd <= postStart && postStart < postEnd; }
     bool operator==(const BackgroundRanges& o) const {
         return preStart == o.preStart && preEnd == o.preEnd && postStart == o.postStart &&
