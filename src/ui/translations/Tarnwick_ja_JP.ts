@@ -203,6 +203,102 @@
         <source>This reference took no part in the last analysis.</source>
         <translation>この参照は直前の解析に使われていません。</translation>
     </message>
+    <message>
+        <source>Error Maps</source>
+        <translation>誤差マップ</translation>
+    </message>
+    <message>
+        <source>Make counting errors, goodness of fit, sum of the shares and total edge jump of every bin, too; a mask needs them</source>
+        <translation>ビンごとの計数誤差、フィットの良さ、割合の合計、全エッジジャンプも求めます。マスクに必要です</translation>
+    </message>
+    <message>
+        <source>As in File</source>
+        <translation>ファイルの値のまま</translation>
+    </message>
+    <message>
+        <source>Fit the values of the references&apos; files as they are, not divided by edge jumps: for edges without room for lines, such as L edges and short scans, with MLCF</source>
+        <translation>参照をエッジジャンプで割らず、ファイルの値のままフィットします。直線を引く余地のない吸収端 (L 吸収端や短いスキャン) で MLCF とともに使います</translation>
+    </message>
+    <message>
+        <source>Constraints:</source>
+        <translation>制約:</translation>
+    </message>
+    <message>
+        <source>What the fit holds the shares to (in MLCF the edge jumps)</source>
+        <translation>フィットで割合 (MLCF ではエッジジャンプ) に課す制約</translation>
+    </message>
+    <message>
+        <source>Map:</source>
+        <translation>マップ:</translation>
+    </message>
+    <message>
+        <source>The map that the main window shows, of all that hold values</source>
+        <translation>値のあるマップのうち、メインウィンドウに表示するもの</translation>
+    </message>
+    <message>
+        <source>Mask</source>
+        <translation>マスク</translation>
+    </message>
+    <message>
+        <source>Blank the bins of a fit whose total edge jump is below k times its error; a press sets k = 5, the next one takes the mask off</source>
+        <translation>全エッジジャンプがその誤差の k 倍に満たないビンを空白にします。押すと k = 5、もう一度押すとマスクを外します</translation>
+    </message>
+    <message>
+        <source>Difference of Two Energies</source>
+        <translation>2 エネルギー間の差</translation>
+    </message>
+    <message>
+        <source>from</source>
+        <translation>E1</translation>
+    </message>
+    <message>
+        <source>Energy whose mu-t is taken off</source>
+        <translation>この mu-t を差し引くエネルギー</translation>
+    </message>
+    <message>
+        <source>to</source>
+        <translation>E2</translation>
+    </message>
+    <message>
+        <source>Energy whose mu-t it is taken off</source>
+        <translation>この mu-t から差し引かれるエネルギー</translation>
+    </message>
+    <message>
+        <source>Take mu-t at the first energy off that at the second, for every bin of the selected area; a second click stops</source>
+        <translation>選択領域のすべてのビンについて、2 番目のエネルギーの mu-t から 1 番目の mu-t を引きます。もう一度押すと中止します</translation>
+    </message>
+    <message>
+        <source>Show the difference of two energies in the main window</source>
+        <translation>2 エネルギー間の差をメインウィンドウに表示します</translation>
+    </message>
+    <message>
+        <source>Show Difference</source>
+        <translation>差を表示</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>なし</translation>
+    </message>
+    <message>
+        <source>not negative</source>
+        <translation>非負</translation>
+    </message>
+    <message>
+        <source>sum of 1</source>
+        <translation>合計 1</translation>
+    </message>
+    <message>
+        <source>not negative, sum of 1</source>
+        <translation>非負・合計 1</translation>
+    </message>
+    <message>
+        <source>MLCF has no sum of 1: its coefficients are edge jumps.</source>
+        <translation>MLCF の係数はエッジジャンプのため、合計を 1 にする制約はありません。</translation>
+    </message>
+    <message>
+        <source>Analyze the image with two energies first.</source>
+        <translation>先に 2 つのエネルギーで画像を解析してください。</translation>
+    </message>
 </context>
 <context>
     <name>Batch</name>
@@ -381,6 +477,30 @@
     <message>
         <source>unknown command (did you mean %1?)</source>
         <translation>不明なコマンドです (%1 のことですか?)</translation>
+    </message>
+    <message>
+        <source>neither each nor mean nor an energy above 0: %1</source>
+        <translation>each でも mean でも 0 より大きいエネルギーでもありません: %1</translation>
+    </message>
+    <message>
+        <source>neither jump nor none: %1</source>
+        <translation>jump でも none でもありません: %1</translation>
+    </message>
+    <message>
+        <source>no such constraints: %1</source>
+        <translation>そのような制約はありません: %1</translation>
+    </message>
+    <message>
+        <source>no such map: %1</source>
+        <translation>そのようなマップはありません: %1</translation>
+    </message>
+    <message>
+        <source>neither off nor a number above 0: %1</source>
+        <translation>off でも 0 より大きい数値でもありません: %1</translation>
+    </message>
+    <message>
+        <source>the ranges do not ascend: each must end above its beginning, the second not begin below the end of the first</source>
+        <translation>範囲が昇順ではありません。それぞれの上限は下限より大きく、2 番目の下限は 1 番目の上限以上にしてください</translation>
     </message>
 </context>
 <context>
@@ -800,6 +920,14 @@
         <source>%1: %2 files were not taken, see Messages</source>
         <translation>%1: %2 個のファイルが読み込まれませんでした。「メッセージ」を参照してください</translation>
     </message>
+    <message>
+        <source>Save All Maps</source>
+        <translation>全マップを保存</translation>
+    </message>
+    <message>
+        <source>Save the values of every map that there is, each in a file of its own name</source>
+        <translation>すべてのマップの値を、それぞれの名前のファイルに保存します</translation>
+    </message>
 </context>
 <context>
     <name>BodyMenu</name>
@@ -1047,6 +1175,22 @@
         <source>&amp;Messages</source>
         <translation>メッセージ(&amp;M)</translation>
     </message>
+    <message>
+        <source>&amp;Fit a Spectrum File...</source>
+        <translation>スペクトルファイルをフィット(&amp;F)...</translation>
+    </message>
+    <message>
+        <source>Save All &amp;Maps...</source>
+        <translation>全マップを保存(&amp;M)...</translation>
+    </message>
+    <message>
+        <source>D&amp;ifference of Two Energies, or Stop</source>
+        <translation>選択領域の 2 エネルギー間の差／中止(&amp;I)</translation>
+    </message>
+    <message>
+        <source>&amp;Mask the Maps of a Fit, or Not</source>
+        <translation>フィットのマップのマスク切り替え(&amp;M)</translation>
+    </message>
 </context>
 <context>
     <name>CalibCtrl</name>
@@ -1194,6 +1338,50 @@
         <source>Measure the energy shift of every bin of the selected area against the standard; a second click stops.</source>
         <translation>選択領域のすべてのビンについて、標準に対するエネルギーシフトを求めます。もう一度押すと中止します。</translation>
     </message>
+    <message>
+        <source>E0 :</source>
+        <translation>E0 :</translation>
+    </message>
+    <message>
+        <source>Energy around which the curves of the image&apos;s spectra are fitted: where each bin rises itself, where the mean spectrum of the area does, or the energy beside. One for all keeps bins with little of the element from going wild.</source>
+        <translation>試料スペクトルのバックグラウンドを決める基準のエネルギー。ビンごとの吸収端、領域の平均スペクトルの吸収端、または右の値です。共通の E0 にすると、その元素が少ないビンでも値が暴れません。</translation>
+    </message>
+    <message>
+        <source>Each bin</source>
+        <translation>ビンごと</translation>
+    </message>
+    <message>
+        <source>Mean spectrum</source>
+        <translation>平均スペクトル</translation>
+    </message>
+    <message>
+        <source>E0 of all spectra, in eV of the calibrated scale</source>
+        <translation>すべてのスペクトルの E0 (校正後のエネルギー、eV)</translation>
+    </message>
+    <message>
+        <source>Ranges :</source>
+        <translation>範囲 :</translation>
+    </message>
+    <message>
+        <source>Range of the curve below the edge, in eV from E0, for image, references and standard</source>
+        <translation>吸収端の前のバックグラウンドの範囲 (E0 から、eV)。試料、参照、標準に使います</translation>
+    </message>
+    <message>
+        <source>Range of the curve above the edge, in eV from E0, for image, references and standard. Beginning 20 to 40 eV above E0 keeps the structure of the edge out of the line.</source>
+        <translation>吸収端の後のバックグラウンドの範囲 (E0 から、eV)。試料、参照、標準に使います。E0 の 20 ～ 40 eV 上から始めると、吸収端の微細構造が直線に入りません。</translation>
+    </message>
+    <message>
+        <source>Tiff Files (*.tif *.tiff)</source>
+        <translation>TIFF ファイル (*.tif *.tiff)</translation>
+    </message>
+    <message>
+        <source>E0 needs an energy above 0 eV in its field</source>
+        <translation>E0 の欄に 0 eV より大きいエネルギーを入力してください</translation>
+    </message>
+    <message>
+        <source>The ranges do not ascend: %1 to %2 and %3 to %4 eV stay in force</source>
+        <translation>範囲が昇順ではないため、%1 ～ %2 eV と %3 ～ %4 eV のままにします</translation>
+    </message>
 </context>
 <context>
     <name>Calibration</name>
@@ -1282,8 +1470,16 @@
         <translation>保存しても読み込めないマップです: 1000 eV を超えるシフト、または結晶で反射できないシフトが含まれています</translation>
     </message>
     <message>
-        <source>only maps of square images load: %1</source>
-        <translation>読み込めるのは正方形の画像のマップだけです: %1</translation>
+        <source>only maps of square images load from .emp: %1</source>
+        <translation>.emp から読み込めるのは正方形の画像のマップだけです: %1</translation>
+    </message>
+    <message>
+        <source>there is no energy map</source>
+        <translation>エネルギーマップがありません</translation>
+    </message>
+    <message>
+        <source>no program could load the map: it holds shifts above 1000 eV</source>
+        <translation>保存しても読み込めないマップです: 1000 eV を超えるシフトがあります</translation>
     </message>
 </context>
 <context>
@@ -1350,6 +1546,10 @@
     <message>
         <source>%1.</source>
         <translation>%1。</translation>
+    </message>
+    <message>
+        <source>Analyze the image, or make or load an energy-shift map, first.</source>
+        <translation>先に画像を解析するか、エネルギーシフトマップを作成または読み込んでください。</translation>
     </message>
 </context>
 <context>
@@ -1428,6 +1628,37 @@
         <source>of the run before</source>
         <translation>前回の実行の結果</translation>
     </message>
+    <message>
+        <source>with another E0</source>
+        <translation>別の E0 での結果</translation>
+    </message>
+    <message>
+        <source>with other background ranges</source>
+        <translation>別のバックグラウンド範囲での結果</translation>
+    </message>
+</context>
+<context>
+    <name>EdgeJudgement</name>
+    <message>
+        <source>the background ranges (%1) hold fewer than 3 energies of the frames, wherever E0 is</source>
+        <translation>E0 がどこにあっても、バックグラウンドの範囲 (%1) に入るフレームのエネルギーが 3 個に足りません</translation>
+    </message>
+    <message>
+        <source>E0 at %1 eV lies outside the energies of the frames, %2 to %3 eV</source>
+        <translation>E0 (%1 eV) がフレームのエネルギー範囲 %2 ～ %3 eV の外にあります</translation>
+    </message>
+    <message>
+        <source>with the shifts of the energy map, E0 lies outside the energies of the frames in %1 of %2 bins</source>
+        <translation>エネルギーマップのシフトにより、%2 ビン中 %1 ビンで E0 がフレームのエネルギー範囲の外にあります</translation>
+    </message>
+    <message>
+        <source>the background ranges (%1) around E0 at %2 eV hold fewer than 3 energies of the frames</source>
+        <translation>E0 (%2 eV) から見たバックグラウンドの範囲 (%1) に入るフレームのエネルギーが 3 個に足りません</translation>
+    </message>
+    <message>
+        <source>the background ranges hold fewer than 3 energies of the frames in %1 of %2 bins</source>
+        <translation>%2 ビン中 %1 ビンで、バックグラウンドの範囲に入るフレームのエネルギーが 3 個に足りません</translation>
+    </message>
 </context>
 <context>
     <name>FitJudgement</name>
@@ -1474,6 +1705,42 @@
     <message>
         <source>reference %1 (Ref%2) is in use but holds no spectrum: left out</source>
         <translation>参照 %1 (参照 %2 の行) は「使用」ですがスペクトルがないため除外しました</translation>
+    </message>
+    <message>
+        <source>%1 of %2 energies of the spectrum (%3) lie inside all references, the fit needs %4</source>
+        <translation>スペクトルの %2 個のエネルギー (%3) のうち、すべての参照の範囲に入るのは %1 個で、フィットに必要な %4 個に足りません</translation>
+    </message>
+    <message>
+        <source>only %1 of %2 energies of the spectrum (%3) were used: %4</source>
+        <translation>スペクトルの %2 個のエネルギー (%3) のうち %1 個だけを使いました: %4</translation>
+    </message>
+    <message>
+        <source>%1 is normalised with %2 curves, the sample with %3 ones</source>
+        <translation>%1 は %2 曲線、試料は %3 曲線で規格化されています</translation>
+    </message>
+    <message>
+        <source>constraints are for at most %1 references, not for %2</source>
+        <translation>制約を使えるのは参照 %1 個までです (現在 %2 個)</translation>
+    </message>
+    <message>
+        <source>MLCF has no sum of 1: its coefficients are edge jumps</source>
+        <translation>MLCF の係数はエッジジャンプのため、合計を 1 にする制約はありません</translation>
+    </message>
+    <message>
+        <source>no mask without error maps: run again with error maps</source>
+        <translation>誤差マップがないためマスクできません。誤差マップ付きで解析し直してください</translation>
+    </message>
+    <message>
+        <source>the frames have one energy only</source>
+        <translation>フレームのエネルギーが 1 つしかありません</translation>
+    </message>
+    <message>
+        <source>the energy %1 eV lies outside those of the frames (%2)</source>
+        <translation>エネルギー %1 eV がフレームのエネルギー範囲 (%2) の外にあります</translation>
+    </message>
+    <message>
+        <source>the two energies of the difference are the same</source>
+        <translation>差をとる 2 つのエネルギーが同じです</translation>
     </message>
 </context>
 <context>
@@ -1574,12 +1841,27 @@
         <source>only the first of its images is read</source>
         <translation>最初の画像だけを読み込みます</translation>
     </message>
+    <message>
+        <source>%1-bit integers, not 32-bit float</source>
+        <translation>32 ビット浮動小数点ではなく %1 ビット整数です</translation>
+    </message>
+    <message>
+        <source>%1-bit float, not 32-bit float</source>
+        <translation>32 ビットではなく %1 ビットの浮動小数点です</translation>
+    </message>
 </context>
 <context>
     <name>GuideWindow</name>
     <message>
         <source>User Guide</source>
         <translation>ユーザーガイド</translation>
+    </message>
+</context>
+<context>
+    <name>ImagePane</name>
+    <message>
+        <source>no value</source>
+        <translation>値なし</translation>
     </message>
 </context>
 <context>
@@ -1650,6 +1932,56 @@
     <message>
         <source>Edge jump due to this reference in the last fit</source>
         <translation>直前のフィットでのこの参照によるエッジジャンプ</translation>
+    </message>
+</context>
+<context>
+    <name>MapChoice</name>
+    <message>
+        <source>none</source>
+        <translation>なし</translation>
+    </message>
+    <message>
+        <source>Mask: k = %1</source>
+        <translation>マスク: k = %1</translation>
+    </message>
+    <message>
+        <source>Analyze the image first.</source>
+        <translation>先に画像を解析してください。</translation>
+    </message>
+    <message>
+        <source>Mask</source>
+        <translation>マスク</translation>
+    </message>
+    <message>
+        <source>Run again with error maps.</source>
+        <translation>誤差マップ付きで解析し直してください。</translation>
+    </message>
+</context>
+<context>
+    <name>MapImage</name>
+    <message>
+        <source>Save Energy &amp;Map as Image...</source>
+        <translation>エネルギーマップを画像で保存(&amp;E)...</translation>
+    </message>
+    <message>
+        <source>Save Energy Map as Image</source>
+        <translation>エネルギーマップを画像で保存</translation>
+    </message>
+    <message>
+        <source>Tiff Files (*.tif *.tiff)</source>
+        <translation>TIFF ファイル (*.tif *.tiff)</translation>
+    </message>
+    <message>
+        <source>Any Files (* *.*)</source>
+        <translation>すべてのファイル (* *.*)</translation>
+    </message>
+    <message>
+        <source>The energy shifts in eV as a TIFF file of 32-bit floats, for images of any shape</source>
+        <translation>エネルギーシフト (eV) を 32 ビット浮動小数点の TIFF で保存します。画像の形は問いません</translation>
+    </message>
+    <message>
+        <source>There is no energy-shift map yet.</source>
+        <translation>エネルギーシフトマップがまだありません。</translation>
     </message>
 </context>
 <context>
@@ -1782,6 +2114,30 @@
             <numerusform>画像とサイズが違うダークフレーム %n 枚は使いません</numerusform>
         </translation>
     </message>
+    <message>
+        <source>no bin of the area has counts at all energies: there is no mean spectrum</source>
+        <translation>すべてのエネルギーでカウントのあるビンが領域にないため、平均スペクトルを作れません</translation>
+    </message>
+    <message>
+        <source>the mean spectrum of the area has no rising edge</source>
+        <translation>領域の平均スペクトルに吸収端の立ち上がりがありません</translation>
+    </message>
+    <message>
+        <source>no reference panel %1</source>
+        <translation>参照パネル %1 はありません</translation>
+    </message>
+    <message>
+        <source>run again with error maps</source>
+        <translation>誤差マップ付きで解析し直してください</translation>
+    </message>
+    <message>
+        <source>there is no map of this name yet: %1</source>
+        <translation>この名前のマップはまだありません: %1</translation>
+    </message>
+    <message>
+        <source>E0 of the mean spectrum: %1 eV</source>
+        <translation>平均スペクトルの E0: %1 eV</translation>
+    </message>
 </context>
 <context>
     <name>MessageLine</name>
@@ -1878,6 +2234,10 @@
         <source>the run was stopped before its end</source>
         <translation>解析は途中で中止されています</translation>
     </message>
+    <message>
+        <source>the present inputs would make none of the results again</source>
+        <translation>現在の入力では、どの結果も再現できません</translation>
+    </message>
 </context>
 <context>
     <name>Reference</name>
@@ -1900,6 +2260,53 @@
     <message>
         <source>no spectrum: %1</source>
         <translation>スペクトルではありません: %1</translation>
+    </message>
+</context>
+<context>
+    <name>ResultFiles</name>
+    <message>
+        <source>Save Res&amp;ults (HDF5)...</source>
+        <translation>解析結果を保存 (HDF5)(&amp;U)...</translation>
+    </message>
+    <message>
+        <source>Save Results</source>
+        <translation>解析結果を保存</translation>
+    </message>
+    <message>
+        <source>Results (*.h5)</source>
+        <translation>解析結果 (*.h5)</translation>
+    </message>
+    <message>
+        <source>Save Tab&amp;le (CSV)...</source>
+        <translation>表を保存 (CSV)(&amp;L)...</translation>
+    </message>
+    <message>
+        <source>Save Table</source>
+        <translation>表を保存</translation>
+    </message>
+    <message>
+        <source>Table (*.csv)</source>
+        <translation>表 (*.csv)</translation>
+    </message>
+    <message>
+        <source>Any Files (* *.*)</source>
+        <translation>すべてのファイル (* *.*)</translation>
+    </message>
+    <message>
+        <source>Fit or calibrate the area first.</source>
+        <translation>先に領域をフィットするか、エネルギー校正してください。</translation>
+    </message>
+    <message>
+        <source>All maps with spectra, origin and record, in one file for Python and viewers of NeXus files</source>
+        <translation>すべてのマップを、スペクトル、由来、作業記録とともに 1 つのファイルに保存します。Python や NeXus ビューアーで開けます</translation>
+    </message>
+    <message>
+        <source>Fit the area with references first.</source>
+        <translation>先に領域を参照でフィットしてください。</translation>
+    </message>
+    <message>
+        <source>All maps of the fit side by side, a row for each bin</source>
+        <translation>フィットのすべてのマップを横に並べ、1 ビン 1 行で保存します</translation>
     </message>
 </context>
 <context>
@@ -1928,6 +2335,38 @@
         <source>Energy shift</source>
         <translation>エネルギーシフト</translation>
     </message>
+    <message>
+        <source>Counting error of the share</source>
+        <translation>割合の計数誤差</translation>
+    </message>
+    <message>
+        <source>Counting error of the edge jump</source>
+        <translation>エッジジャンプの計数誤差</translation>
+    </message>
+    <message>
+        <source>R factor of the fit</source>
+        <translation>フィットの R 因子</translation>
+    </message>
+    <message>
+        <source>Reduced chi-square of the fit</source>
+        <translation>フィットの換算カイ二乗</translation>
+    </message>
+    <message>
+        <source>Sum of the shares</source>
+        <translation>割合の合計</translation>
+    </message>
+    <message>
+        <source>Total edge jump</source>
+        <translation>全エッジジャンプ</translation>
+    </message>
+    <message>
+        <source>Counting error of the total edge jump</source>
+        <translation>全エッジジャンプの計数誤差</translation>
+    </message>
+    <message>
+        <source>Difference of two energies</source>
+        <translation>2 エネルギー間の差</translation>
+    </message>
 </context>
 <context>
     <name>SaveDataCfg</name>
@@ -1938,10 +2377,6 @@
     <message>
         <source>Save as Tiff</source>
         <translation>TIFF で保存</translation>
-    </message>
-    <message>
-        <source>16-bit counts for image programs. Wide images only: data taller than wide come out scrambled, save those as text.</source>
-        <translation>画像ソフト用の 16 ビット値。横長の画像専用です。縦長のデータは並びが乱れるので、テキストで保存してください。</translation>
     </message>
     <message>
         <source>Fixed Scale</source>
@@ -1990,10 +2425,6 @@
     <message>
         <source>Save as Analyzed Area Size and Resolution</source>
         <translation>解析領域の大きさと解像度で保存</translation>
-    </message>
-    <message>
-        <source>One value for each analyzed bin, taken at its centre, instead of one for each pixel of the image. Acts on Tiff and text.</source>
-        <translation>画素ごとではなく、解析したビンごとに中心の値を 1 つ保存します。TIFF とテキストの両方に働きます。</translation>
     </message>
     <message>
         <source>Close</source>
@@ -2063,6 +2494,30 @@
         <source>Only with &quot;Fixed Scale&quot;.</source>
         <translation>「スケール固定」のときだけ使います。</translation>
     </message>
+    <message>
+        <source>16-bit counts for image programs. Wide images only: data taller than wide come out scrambled, save those as float TIFF or as text.</source>
+        <translation>画像ソフト向けの 16 ビット値です。縦長のデータは並びが乱れるので、浮動小数点 TIFF かテキストで保存してください。</translation>
+    </message>
+    <message>
+        <source>Save as Float Tiff</source>
+        <translation>浮動小数点 TIFF で保存</translation>
+    </message>
+    <message>
+        <source>The values as they are, as 32-bit floats, for image programs and calculations. Images of any shape, no scale.</source>
+        <translation>値をそのまま 32 ビット浮動小数点で保存します。画像ソフトや計算に使えます。画像の形は問わず、スケールも使いません。</translation>
+    </message>
+    <message>
+        <source>One value for each analyzed bin, taken at its centre, instead of one for each pixel of the image. Acts on every form.</source>
+        <translation>画素ごとではなく、解析したビンごとに中心の値を 1 つ保存します。どの形式にも効きます。</translation>
+    </message>
+    <message>
+        <source>Save Masked</source>
+        <translation>マスクして保存</translation>
+    </message>
+    <message>
+        <source>Maps of a fit are saved with the mask of the Analyzer: blank bins have no number, in a 16-bit Tiff 0.</source>
+        <translation>フィットのマップを解析パネルのマスク付きで保存します。空白のビンは値なし、16 ビット TIFF では 0 です。</translation>
+    </message>
 </context>
 <context>
     <name>Saving</name>
@@ -2125,6 +2580,47 @@
     <message>
         <source>there is no energy map: every shift in the file is 0</source>
         <translation>エネルギーマップがないため、ファイルのシフトはすべて 0 です</translation>
+    </message>
+    <message numerus="yes">
+        <source>the range leaves %n of 65535 steps for the middle 90 % of the values; a table or a float TIFF keeps them as they are</source>
+        <translation>
+            <numerusform>この範囲では、値の中央 90 % に 65535 段階のうち %n 段階しか残りません。表または浮動小数点 TIFF なら値がそのまま残ります</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 of %2 pixels are blank: a 16-bit TIFF has 0 there</source>
+        <translation>%2 画素中 %1 画素が空白です。16 ビット TIFF では 0 になります</translation>
+    </message>
+    <message>
+        <source>no mask without error maps: run again with error maps</source>
+        <translation>誤差マップがないためマスクできません。誤差マップ付きで解析し直してください</translation>
+    </message>
+    <message>
+        <source>there are no maps</source>
+        <translation>マップがありません</translation>
+    </message>
+    <message>
+        <source>the E0 of the mean spectrum is not known before an analysis of the area (LCF or residual absorption): the spectrum was saved with its own</source>
+        <translation>平均スペクトルの E0 は領域の解析 (LCF または残留吸収) を行うまで決まらないため、このスペクトル自身の E0 で保存しました</translation>
+    </message>
+</context>
+<context>
+    <name>SavingResults</name>
+    <message>
+        <source>%1: the result was %2</source>
+        <translation>%1: 結果は %2されています</translation>
+    </message>
+    <message>
+        <source>%1: the result is %2</source>
+        <translation>%1: 注意: %2です</translation>
+    </message>
+    <message>
+        <source>there are no results to save</source>
+        <translation>保存する解析結果がありません</translation>
+    </message>
+    <message>
+        <source>there are no results of a fit to save</source>
+        <translation>保存するフィット結果がありません</translation>
     </message>
 </context>
 <context>
@@ -2239,6 +2735,156 @@
         <translation>
             <numerusform>エネルギーと値のない %n 行を読み飛ばしました: %1</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>SpectrumFit</name>
+    <message>
+        <source>E0 at %1 eV lies outside the energies of %2</source>
+        <translation>E0 (%1 eV) が %2 のエネルギー範囲の外にあります</translation>
+    </message>
+    <message>
+        <source>the background ranges around E0 at %1 eV hold fewer than 3 points of %2</source>
+        <translation>E0 (%1 eV) から見たバックグラウンドの範囲に入る %2 の点が 3 点に足りません</translation>
+    </message>
+    <message>
+        <source>the E0 of the mean spectrum is that of the image: %1 has its own</source>
+        <translation>平均スペクトルの E0 は画像のものなので、%1 にはそれ自身の E0 を使いました</translation>
+    </message>
+    <message>
+        <source>constant and slope</source>
+        <translation>定数項と傾き</translation>
+    </message>
+    <message>
+        <source>%1: share %2, edge jump %3</source>
+        <translation>%1: 割合 %2、エッジジャンプ %3</translation>
+    </message>
+    <message>
+        <source>sum %1, R %2, %3 of %4 energies, %5 to %6 eV</source>
+        <translation>合計 %1、R %2、エネルギー %4 個中 %3 個、%5 ～ %6 eV</translation>
+    </message>
+    <message>
+        <source>there is no fit to save</source>
+        <translation>保存するフィットがありません</translation>
+    </message>
+    <message>
+        <source>table and plot would be one file: %1</source>
+        <translation>表とプロットが同じファイルになります: %1</translation>
+    </message>
+</context>
+<context>
+    <name>SpectrumFitWindow</name>
+    <message>
+        <source>Double normalized</source>
+        <translation>二重規格化</translation>
+    </message>
+    <message>
+        <source>Energy [eV]</source>
+        <translation>エネルギー [eV]</translation>
+    </message>
+    <message>
+        <source>Fit</source>
+        <translation>フィット</translation>
+    </message>
+    <message>
+        <source>Residual</source>
+        <translation>残差</translation>
+    </message>
+    <message>
+        <source>No fit</source>
+        <translation>フィットなし</translation>
+    </message>
+    <message>
+        <source>Spectrum File...</source>
+        <translation>スペクトルファイル...</translation>
+    </message>
+    <message>
+        <source>Save Table...</source>
+        <translation>表を保存...</translation>
+    </message>
+    <message>
+        <source>Save Plot...</source>
+        <translation>プロットを保存...</translation>
+    </message>
+    <message>
+        <source>Fit of a Spectrum File</source>
+        <translation>スペクトルファイルのフィット</translation>
+    </message>
+    <message>
+        <source>Choose the spectrum file that the references in use are fitted to</source>
+        <translation>使用中の参照でフィットするスペクトルファイルを選びます</translation>
+    </message>
+    <message>
+        <source>Reference</source>
+        <translation>参照</translation>
+    </message>
+    <message>
+        <source>Share</source>
+        <translation>割合</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>誤差</translation>
+    </message>
+    <message>
+        <source>Edge jump</source>
+        <translation>エッジジャンプ</translation>
+    </message>
+    <message>
+        <source>Errors are one sigma, from what the fit leaves of the spectrum</source>
+        <translation>誤差はフィットの残差から求めた 1 シグマです</translation>
+    </message>
+    <message>
+        <source>Spectrum, fit and what each reference has in it; below, the difference</source>
+        <translation>スペクトル、フィット、各参照の寄与。下は差</translation>
+    </message>
+    <message>
+        <source>Save shares, numbers and curves as a text table</source>
+        <translation>割合、各数値、曲線をテキストの表で保存します</translation>
+    </message>
+    <message>
+        <source>Save Fit of a Spectrum</source>
+        <translation>スペクトルのフィットを保存</translation>
+    </message>
+    <message>
+        <source>Text Table (*.dat)</source>
+        <translation>テキストの表 (*.dat)</translation>
+    </message>
+    <message>
+        <source>Any Files (* *.*)</source>
+        <translation>すべてのファイル (* *.*)</translation>
+    </message>
+    <message>
+        <source>Save the plot as PDF or as a picture</source>
+        <translation>プロットを PDF または画像で保存します</translation>
+    </message>
+    <message>
+        <source>Save Plot of the Fit</source>
+        <translation>フィットのプロットを保存</translation>
+    </message>
+    <message>
+        <source>PDF File (*.pdf)</source>
+        <translation>PDF ファイル (*.pdf)</translation>
+    </message>
+    <message>
+        <source>Image File (*.png)</source>
+        <translation>画像ファイル (*.png)</translation>
+    </message>
+    <message>
+        <source>Fit a Spectrum File</source>
+        <translation>スペクトルファイルをフィット</translation>
+    </message>
+    <message>
+        <source>Spectrum Files (*.dat *.txt *.xdi)</source>
+        <translation>スペクトルファイル (*.dat *.txt *.xdi)</translation>
+    </message>
+    <message>
+        <source>There is no fit.</source>
+        <translation>フィットがありません。</translation>
+    </message>
+    <message>
+        <source>Sum %1, R %2, %3 to %4 eV (%5 of %6 energies)</source>
+        <translation>合計 %1、R %2、%3 ～ %4 eV (エネルギー %6 個中 %5 個)</translation>
     </message>
 </context>
 <context>
