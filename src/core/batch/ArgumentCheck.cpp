@@ -5,6 +5,7 @@
 
 #include "batch/BatchTexts.h"
 #include "batch/CommandTables.h"
+#include "measurement/SettingWords.h"
 #include "measurement/Settings.h"
 #include "spectra/Units.h"
 

@@ -1,6 +1,7 @@
 // Commands for references, fits, residual absorption and their results.
 
 #include "batch/CommandRows.h"
+#include "measurement/SettingWords.h"
 #include "measurement/SpectrumFit.h"
 #include "spectra/Background.h"
 

@@ -4,6 +4,7 @@
 
 #include "batch/CommandRows.h"
 #include "measurement/Saving.h"
+#include "measurement/SettingWords.h"
 #include "spectra/Units.h"
 
 namespace {

@@ -3,6 +3,7 @@
 
 #include "batch/CommandRows.h"
 #include "measurement/Saving.h"
+#include "measurement/SettingWords.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 #include "batch/BatchLine.h"
 #include "files/FileNames.h"
 #include "frames/EnergyFromName.h"
+#include "measurement/SettingWords.h"
 #include "spectra/Background.h"
 #include "spectra/Units.h"
 

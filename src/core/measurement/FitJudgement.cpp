@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "measurement/EdgeJudgement.h"
+#include "measurement/SettingWords.h"
 
 namespace {
 

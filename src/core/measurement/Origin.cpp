@@ -6,6 +6,7 @@
 
 #include "files/FileNames.h"
 #include "measurement/Display.h"
+#include "measurement/SettingWords.h"
 #include "spectra/Units.h"
 
 namespace {

@@ -1,9 +1,6 @@
 #include "measurement/Settings.h"
 
 #include <algorithm>
-#include <cmath>
-
-#include "spectra/Background.h"
 
 QRectF Area::within(int width, int height) const {
     const QPointF low(std::min(x0, x1), std::min(y0, y1));
@@ -23,96 +20,4 @@ Area Area::clipped(const QSize& image) const {
     const QRect inside = within(image.width(), image.height()).toRect();
     return {inside.left(), inside.top(), inside.left() + inside.width(),
             inside.top() + inside.height()};
-}
-
-QString backgroundWord(int background) {
-    const auto kind = static_cast<std::size_t>(background::kindOf(background));
-    return QString::fromLatin1(background::rows()[kind].title);
-}
-
-int backgroundOfWord(const QString& word) {
-    for (int kind = 0; kind < background::Count; ++kind) {
-        if (word.compare(backgroundWord(kind), Qt::CaseInsensitive) == 0) {
-            return kind;
-        }
-    }
-    return -1;
-}
-
-namespace {
-
-constexpr const char* ConstraintWords[] = {"none", "nonnegative", "sum1", "both"};
-
-bool isWord(const QString& text, const char* word) {
-    return text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0;
-}
-
-}  // namespace
-
-QString constraintsWord(FitRule::Constraints constraints) {
-    return QString::fromLatin1(ConstraintWords[static_cast<std::size_t>(constraints)]);
-}
-
-std::optional<FitRule::Constraints> constraintsOfWord(const QString& word) {
-    int i = 0;
-    for (const char* own : ConstraintWords) {
-        if (isWord(word, own)) {
-            return static_cast<FitRule::Constraints>(i);
-        }
-        ++i;
-    }
-    return std::nullopt;
-}
-
-std::optional<ResultId> resultOfName(const QString& name) {
-    const auto kind =
-        std::find_if(ResultKinds.begin(), ResultKinds.end(),
-                     [&name](const ResultKind& each) { return isWord(name, each.name); });
-    return kind != ResultKinds.end() ? std::optional<ResultId>(kind->id) : std::nullopt;
-}
-
-std::optional<double> maskOfWord(const QString& word) {
-    if (isWord(word, "off")) {
-        return 0.0;
-    }
-    const double factor = inField(word.toDouble());
-    return std::isfinite(factor) && factor > 0.0 ? std::optional<double>(factor) : std::nullopt;
-}
-QString edgeWord(const EdgeChoice& choice) {
-    switch (choice.kind) {
-        case EdgeChoice::Kind::Each:
-            return QStringLiteral("each");
-        case EdgeChoice::Kind::Mean:
-            return QStringLiteral("mean");
-        case EdgeChoice::Kind::Energy:
-            break;
-    }
-    return fieldText(choice.energy);
-}
-
-std::optional<EdgeChoice> edgeOfWord(const QString& word) {
-    if (isWord(word, "each")) {
-        return EdgeChoice{EdgeChoice::Kind::Each};
-    }
-    if (isWord(word, "mean")) {
-        return EdgeChoice{EdgeChoice::Kind::Mean};
-    }
-    bool isNumber = false;
-    const double energy = inField(word.toDouble(&isNumber));
-    return isNumber && std::isfinite(energy) && energy > 0.0
-               ? std::optional<EdgeChoice>({EdgeChoice::Kind::Energy, energy})
-               : std::nullopt;
-}
-
-QString scaleWord(FitRule::ReferenceScale scale) {
-    return scale == FitRule::ReferenceScale::None ? QStringLiteral("none") : QStringLiteral("jump");
-}
-
-std::optional<FitRule::ReferenceScale> scaleOfWord(const QString& word) {
-    for (const auto scale : {FitRule::ReferenceScale::Jump, FitRule::ReferenceScale::None}) {
-        if (word.compare(scaleWord(scale), Qt::CaseInsensitive) == 0) {
-            return scale;
-        }
-    }
-    return std::nullopt;
 }

@@ -2,12 +2,11 @@
 
 #include <QRectF>
 #include <QString>
-#include <array>
-#include <cstddef>
 #include <optional>
 
 #include "fitting/LinearFit.h"
 #include "fitting/ResultKinds.h"
+#include "measurement/DataForm.h"
 #include "output/ResultWriter.h"
 
 // What a user chooses. Windows show these values and set them; batches and records speak of them.
@@ -19,31 +18,6 @@ inline QString fieldText(double value) {
 inline double inField(double value) {
     return fieldText(value).toDouble();
 }
-
-/// The word of a background in batches and records.
-QString backgroundWord(int background);
-/// The background that such a word names, in any case; -1 for none.
-int backgroundOfWord(const QString& word);
-
-/// The word of constraints in batches and records, and those that a word names, in any case.
-QString constraintsWord(FitRule::Constraints constraints);
-std::optional<FitRule::Constraints> constraintsOfWord(const QString& word);
-
-/// The kind of result that a name means, in any case.
-std::optional<ResultId> resultOfName(const QString& name);
-
-/// The mask that a batch asks for: 0 for "off"; none for what is neither this nor above 0.
-std::optional<double> maskOfWord(const QString& word);
-struct EdgeChoice;
-/// each, mean, or the energy in eV: as batches and records write it.
-QString edgeWord(const EdgeChoice& choice);
-/// What such a word in any case chooses; none for another word and for an energy that is not finite
-/// or not above 0.
-std::optional<EdgeChoice> edgeOfWord(const QString& word);
-
-/// jump or none.
-QString scaleWord(FitRule::ReferenceScale scale);
-std::optional<FitRule::ReferenceScale> scaleOfWord(const QString& word);
 
 /// How energies are found in the names of a stack's files.
 struct NamePattern {
@@ -98,26 +72,6 @@ struct ViewRange {
 
 /// What is on display; the ids of select_disp_image.
 enum class Shown { I1 = 0, I0 = 1, Map = 2, Result = 3 };
-
-/// The form in which the values of a result are saved.
-enum class DataForm { Tiff, Text, FloatTiff };
-
-/// One form: the command that chooses it.
-struct DataFormRow {
-    DataForm form;
-    const char* command;
-    bool isTiff;
-};
-
-/// All forms, in the order of DataForm.
-inline constexpr std::array DataForms{
-    DataFormRow{DataForm::Tiff, "saveDataCfg_save_as_tiff", true},
-    DataFormRow{DataForm::Text, "saveDataCfg_save_as_text", false},
-    DataFormRow{DataForm::FloatTiff, "saveDataCfg_save_as_float", true},
-};
-inline constexpr const DataFormRow& dataForm(DataForm form) {
-    return DataForms[static_cast<std::size_t>(form)];
-}
 
 struct Settings {
     NamePattern names[2];  ///< by StackId

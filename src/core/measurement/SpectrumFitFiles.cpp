@@ -9,6 +9,7 @@
 #include "files/FileNames.h"
 #include "measurement/Origin.h"
 #include "measurement/PlotSaving.h"
+#include "measurement/SettingWords.h"
 #include "measurement/SpectrumFit.h"
 #include "measurement/Writing.h"
 #include "output/ColumnTable.h"

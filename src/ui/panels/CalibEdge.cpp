@@ -5,6 +5,7 @@
 #include <QSignalBlocker>
 
 #include "display/MessageLine.h"
+#include "measurement/SettingWords.h"
 #include "panels/CalibCtrl.h"
 #include "panels/NumberField.h"
 #include "ui_CalibCtrl.h"

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+#include "measurement/Settings.h"
+
+// The words by which batches and records name what is chosen.
+
+/// The word of a background in batches and records.
+QString backgroundWord(int background);
+/// The background that such a word names, in any case; -1 for none.
+int backgroundOfWord(const QString& word);
+
+/// The word of constraints in batches and records, and those that a word names, in any case.
+QString constraintsWord(FitRule::Constraints constraints);
+std::optional<FitRule::Constraints> constraintsOfWord(const QString& word);
+
+/// The kind of result that a name means, in any case.
+std::optional<ResultId> resultOfName(const QString& name);
+
+/// The mask that a batch asks for: 0 for "off"; none for what is neither this nor above 0.
+std::optional<double> maskOfWord(const QString& word);
+
+/// each, mean, or the energy in eV: as batches and records write it.
+QString edgeWord(const EdgeChoice& choice);
+/// What such a word in any case chooses; none for another word and for an energy that is not finite
+/// or not above 0.
+std::optional<EdgeChoice> edgeOfWord(const QString& word);
+
+/// jump or none.
+QString scaleWord(FitRule::ReferenceScale scale);
+std::optional<FitRule::ReferenceScale> scaleOfWord(const QString& word);
