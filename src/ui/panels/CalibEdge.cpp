@@ -3,12 +3,24 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QSignalBlocker>
+#include <algorithm>
+#include <cmath>
+#include <iterator>
 
 #include "display/MessageLine.h"
 #include "measurement/SettingWords.h"
 #include "panels/CalibCtrl.h"
 #include "panels/NumberField.h"
 #include "ui_CalibCtrl.h"
+
+namespace {
+
+bool holdsNumber(const QLineEdit* field) {
+    bool isNumber = false;
+    return std::isfinite(field->text().toDouble(&isNumber)) && isNumber;
+}
+
+}  // namespace
 
 void CalibCtrl::connectEdge() {
     connect(m_ui->E0Choice, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
@@ -35,6 +47,7 @@ void CalibCtrl::showEdge() {
 void CalibCtrl::chooseEdge(int kind) {
     const auto chosen = static_cast<EdgeChoice::Kind>(kind);
     if (chosen != EdgeChoice::Kind::Energy) {
+        m_ui->Message->say(Outcome());
         m_measurement.set(&Settings::e0, EdgeChoice{chosen});
         return;
     }
@@ -54,6 +67,7 @@ void CalibCtrl::takeEdgeEnergy() {
     noteTaken(m_ui->E0Energy);
     const auto choice = edgeOfWord(m_ui->E0Energy->text());
     if (choice && choice->kind == EdgeChoice::Kind::Energy) {
+        m_ui->Message->say(Outcome());
         m_measurement.set(&Settings::e0, *choice);
         finishNumber(m_ui->E0Energy, choice->energy);
     } else {
@@ -66,15 +80,17 @@ void CalibCtrl::takeRanges() {
     const BackgroundRanges ranges{
         inField(numberIn(m_ui->PreStart)), inField(numberIn(m_ui->PreEnd)),
         inField(numberIn(m_ui->PostStart)), inField(numberIn(m_ui->PostEnd))};
-    if (!ranges.ascend()) {
+    const QLineEdit* const fields[] = {m_ui->PreStart, m_ui->PreEnd, m_ui->PostStart,
+                                       m_ui->PostEnd};
+    const bool areNumbers = std::all_of(std::begin(fields), std::end(fields), holdsNumber);
+    if (!areNumbers || !ranges.ascend()) {
         // More fields may be on their way to be changed: what is typed stays.
         const BackgroundRanges& r = m_measurement.settings().ranges;
+        const QString fault =
+            areNumbers ? tr("The ranges do not ascend: %1 to %2 and %3 to %4 eV stay in force")
+                       : tr("The ranges are no numbers: %1 to %2 and %3 to %4 eV stay in force");
         m_ui->Message->say(
-            Outcome::failure(tr("The ranges do not ascend: %1 to %2 and %3 to %4 eV stay in force")
-                                 .arg(r.preStart)
-                                 .arg(r.preEnd)
-                                 .arg(r.postStart)
-                                 .arg(r.postEnd)));
+            Outcome::failure(fault.arg(r.preStart).arg(r.preEnd).arg(r.postStart).arg(r.postEnd)));
         return;
     }
     m_ui->Message->say(Outcome());
