@@ -61,6 +61,28 @@ class TestCalibCtrl : public QObject {
         QCOMPARE(m_measurement->settings().edgeEnergy, "7112.5");
     }
 
+    void badE0AndRangesStayOut() {
+        const CalibCtrl panel(*m_measurement);
+        const auto type = [&](const char* field, const char* text) {
+            auto* line = control<QLineEdit>(field, &panel);
+            line->setText(text);
+            line->setModified(true);
+            emit line->editingFinished();
+            const Settings& s = m_measurement->settings();
+            return s.ranges == BackgroundRanges() && s.e0 == EdgeChoice()
+                       ? textOf("Message", &panel)
+                       : QString::number(s.ranges.postStart);
+        };
+        for (const char* bad : {"abc", "", "inf", "-20"}) {
+            QVERIFY2(type("PostStart", bad).contains("and 10 to 1000 eV stay in force"), bad);
+        }
+        QCOMPARE(type("PostStart", "30"), QString("30"));
+        QCOMPARE(type("PostStart", "10"), QString());
+        QVERIFY(type("E0Energy", "abc").contains("above 0 eV"));
+        control<QComboBox>("E0Choice", &panel)->setCurrentIndex(1);
+        QCOMPARE(textOf("Message", &panel), QString());
+    }
+
     void aStandardLoads() {
         CalibCtrl panel(*m_measurement);
         QSignalSpy loaded(&panel, &CalibCtrl::newStdFileLoaded);
