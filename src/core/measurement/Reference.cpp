@@ -14,8 +14,9 @@ namespace {
 QByteArray digestOf(const QString& fileName) {
     QFile file(fileName);
     QCryptographicHash hash(QCryptographicHash::Sha256);
-    return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result().toHex()
-                                                                 : QByteArray();
+    const bool isFile = QFileInfo(fileName).isFile();  // devices and pipes have no end
+    return isFile && file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result().toHex()
+                                                                           : QByteArray();
 }
 
 struct Texts {
