@@ -535,7 +535,7 @@ class TestCounting : public QObject {
         columns<QString, bool, bool, bool>("what", "hasRatioErrors", "hasJump", "hasChi2");
         QTest::newRow("nothing amiss") << "" << true << true << true;
         QTest::newRow("no counts in the post-edge line") << "in line" << false << true << false;
-        QTest::newRow("no counts where nothing is used") << "unused" << true << true << true;
+        QTest::newRow("no counts at an energy in no range") << "unused" << false << true << false;
         QTest::newRow("no crossing of the middle") << "no edge" << true << false << true;
         QTest::newRow("references alike") << "alike" << false << true << false;
         QTest::newRow("one point before the edge") << "one point" << false << true << true;

@@ -1,6 +1,7 @@
 #include "fitting/LaneFit.h"
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <numeric>
 
@@ -178,6 +179,19 @@ std::vector<RasterPass::Evaluate> ofEachThread(int threads, Make make) {
     return evaluators;
 }
 
+/// A bin without counts at some energy has no errors, wherever that energy lies.
+void blankErrors(const RasterPass::Pack& pack, const FitValues& places, double* values) {
+    constexpr double Blank = std::numeric_limits<double>::quiet_NaN();
+    for (int l = 0; places.withErrors && l < pack.count; ++l) {
+        double* const bin = values + static_cast<std::ptrdiff_t>(l) * places.count();
+        if (pack.lacksCounts[l]) {
+            std::fill(bin + places.ratioError(0), bin + places.r(), Blank);
+            bin[places.chi2Reduced()] = Blank;
+            bin[places.totalJumpError()] = Blank;
+        }
+    }
+}
+
 RasterPass::Evaluate fitOneByOne(const BinRaster& raster, const QVector<XafsSpectrum>& references,
                                  const FitRule& rule, const std::vector<double>& energies,
                                  const CorrectionAt& correctionAt) {
@@ -205,6 +219,7 @@ RasterPass::Evaluate fitOneByOne(const BinRaster& raster, const QVector<XafsSpec
         if (errors != nullptr) {
             errors->evaluate(pack.count, &pack.counts, values);
         }
+        blankErrors(pack, places, values);
         return found;
     };
 }
@@ -221,10 +236,12 @@ RasterPass::Evaluate fitPacks(const BinRaster& raster, const QVector<XafsSpectru
                               const FitRule& rule, const std::vector<double>& energies,
                               const CorrectionAt& correctionAt) {
     const auto fit = std::make_shared<LaneFit>(references, rule, energies);
+    const FitValues places(references.size(), rule.withErrors);
     return [=](const RasterPass::Pack& pack, double* values) {
         double corrections[Count];
         correctionsOf(pack, raster, correctionAt, corrections);
         fit->fit(pack.mu, corrections, pack.count, &pack.counts, values);
+        blankErrors(pack, places, values);
         return RasterPass::Found{fit->withoutJump(), fit->withoutLines()};
     };
 }

@@ -68,7 +68,8 @@ using CorrectionAt = std::function<double(int x, int y)>;
 // any: where packs cannot be worked on, the spectra are taken one by one, with the same results as
 // LinearFit and XafsSpectrum give.
 
-/// With fits: for each bin the numbers of FitValues; its energy correction is that at its centre.
+/// With fits: for each bin the numbers of FitValues; its energy correction is that at its centre. A
+/// bin without counts at some energy, wherever that lies, has no errors.
 std::vector<RasterPass::Evaluate> fitEvaluators(int threads, const BinRaster& raster,
                                                 const QVector<XafsSpectrum>& references,
                                                 const FitRule& rule,
