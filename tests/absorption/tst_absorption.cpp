@@ -10,6 +10,7 @@
 #include "TinyStacks.h"
 #include "absorption/AbsorptionSource.h"
 #include "absorption/BinRowSpectra.h"
+#include "absorption/EnergyDifference.h"
 #include "base/Numbers.h"
 #include "frames/DarkFrame.h"
 #include "frames/RowMemory.h"
@@ -216,6 +217,31 @@ class TestAbsorption : public QObject {
         QCOMPARE(value(tinyStack(4, 4, {10, 20}, flat(30)), i0), 1.0);
         QCOMPARE(value(tinyStack(4, 4, {10, 20}, flat(29)), i0), 1.0);
         QCOMPARE(i1.at(0)->boxSum(0, 0, 0, 0), 130.0);
+    }
+
+    /// Also where a shift leads to the last frame, or beyond.
+    void differencesAtFramesHaveTheirBits() {
+        const std::vector<double> energies{7000.1, 7003.7, 7110.3};
+        std::mt19937 random(7);
+        std::uniform_real_distribution<double> muT(0.0, 3.0);
+        double mu[3 * lanes::Count];
+        const bool lacksCounts[lanes::Count] = {};
+        const auto difference = [&](double from, double to, double shift) {
+            const auto evaluators = differenceEvaluators(1, {0, 1, 1, 0, 1, 1, 0, 0}, energies,
+                                                         from, to, [=](int, int) { return shift; });
+            double value = 0.0;
+            evaluators.front()({mu, lacksCounts, 0, 0, 1}, &value);
+            return value;
+        };
+        for (int round = 0; round < 100; ++round) {
+            for (double& each : mu) {
+                each = muT(random);
+            }
+            const double step = mu[2 * lanes::Count] - mu[lanes::Count];
+            QCOMPARE(difference(7003.7, 7110.3, 0.0), step);
+            QCOMPARE(difference(7110.3, 7003.7, 0.0), -step);
+            QCOMPARE(difference(7003.7, 7000.1, 200.0), 0.0);
+        }
     }
 };
 

@@ -15,6 +15,9 @@ double valueAt(double e, const std::vector<double>& energies, const double* mu, 
                                 [&](int i) { return energies[static_cast<std::size_t>(i)]; });
     const auto low = static_cast<std::size_t>(pair);
     const double* const at = mu + pair * lanes::Count + l;
+    if (inside == energies[low + 1]) {
+        return at[lanes::Count];  // a line through it would round
+    }
     return interpolate(inside, energies[low], at[0], energies[low + 1], at[lanes::Count]);
 }
 
