@@ -57,14 +57,26 @@ const Analyzed2DRes::Array& Analyzed2DRes::procArray() const {
     return m_proc;
 }
 
+Analyzed2DRes::Range Analyzed2DRes::rangeInUse() const {
+    if (m_fixedScale) {
+        return {m_scaleMin, m_scaleMax};
+    }
+    if (!m_mask) {
+        return m_showProc ? Range{m_procMin, m_procMax} : Range{m_dataMin, m_dataMax};
+    }
+    if (!m_visibleRange) {
+        const Range left = visibleExtremes();
+        m_visibleRange = left.min > left.max ? Range{0.0, 1.0} : left;
+    }
+    return *m_visibleRange;
+}
+
 double Analyzed2DRes::rangeMin() const {
-    const double shown = m_mask ? m_visibleMin : (m_showProc ? m_procMin : m_dataMin);
-    return m_fixedScale ? m_scaleMin : shown;
+    return rangeInUse().min;
 }
 
 double Analyzed2DRes::rangeMax() const {
-    const double shown = m_mask ? m_visibleMax : (m_showProc ? m_procMax : m_dataMax);
-    return m_fixedScale ? m_scaleMax : shown;
+    return rangeInUse().max;
 }
 
 QVector<double> Analyzed2DRes::visibleValues() const {
@@ -81,9 +93,8 @@ QVector<double> Analyzed2DRes::visibleValues() const {
 }
 
 double Analyzed2DRes::visibleValueAt(qint64 x, qint64 y) const {
-    const auto pixel = static_cast<std::size_t>(y * m_grid.width + x);
     const bool blank =
-        m_mask && m_grid.isInsideImage(x, y) && pixel < m_mask->size() && (*m_mask)[pixel];
+        m_grid.isInsideImage(x, y) && isBlank(static_cast<std::size_t>(y * m_grid.width + x));
     return blank ? std::numeric_limits<double>::quiet_NaN() : shownValueAt(x, y);
 }
 
@@ -99,9 +110,9 @@ void Analyzed2DRes::takeVisible(const Analyzed2DRes& other) {
     m_mask = other.m_mask;
     m_showProc = other.m_showProc;
     m_data = other.visibleValues();
-    other.visibleExtremes(&m_dataMin, &m_dataMax);
-    m_visibleMin = m_dataMin;
-    m_visibleMax = m_dataMax;
+    const Range left = other.visibleExtremes();
+    m_dataMin = left.min;
+    m_dataMax = left.max;
     if (m_showProc) {
         m_proc = m_data;
         setProcRange(m_dataMin, m_dataMax);
@@ -109,14 +120,14 @@ void Analyzed2DRes::takeVisible(const Analyzed2DRes& other) {
 }
 
 /// Of the points of the grid: pixels beside the area hold no values.
-void Analyzed2DRes::visibleExtremes(double* min, double* max) const {
-    *min = 1e300;
-    *max = -1e300;
+Analyzed2DRes::Range Analyzed2DRes::visibleExtremes() const {
+    Range range{1e300, -1e300};
     forEachPoint(m_grid, [&](int x, int y) {
         if (m_grid.isInsideImage(x, y)) {
-            widen(visibleValueAt(x, y), min, max);
+            widen(visibleValueAt(x, y), &range.min, &range.max);
         }
     });
+    return range;
 }
 
 void Analyzed2DRes::setProcRange(double min, double max) {
@@ -134,6 +145,7 @@ void Analyzed2DRes::updateExtremes() {
 
 void Analyzed2DRes::dropPicture() {
     m_toPaint.reset();
+    m_visibleRange.reset();
     m_image.reset();
     m_pixels = {};
     m_valid = false;
@@ -209,30 +221,29 @@ void Analyzed2DRes::genImg() {
     dropPicture();
     const Array& source = shownArray();
     if (!source.isEmpty()) {
-        const Array visible = visibleValues();
-        if (m_mask) {
-            visibleExtremes(&m_visibleMin, &m_visibleMax);
-            if (m_visibleMin > m_visibleMax) {  // nothing is left
-                m_visibleMin = 0.0;
-                m_visibleMax = 1.0;
-            }
+        // The values of this moment: setting others leaves these as they are. A mask is looked at
+        // when the picture is, since one mask is that of many images.
+        m_toPaint =
+            Picture{source, m_grid.width, m_grid.height, std::nullopt, m_marksGaps || m_mask};
+        if (!m_mask) {
+            m_toPaint->range = rangeInUse();
         }
-        // The values of this moment: setting others leaves these as they are.
-        m_toPaint = Picture{visible,    m_grid.width, m_grid.height,
-                            rangeMin(), rangeMax(),   m_marksGaps || m_mask};
         m_valid = true;
     }
 }
 
 void Analyzed2DRes::paint(const Picture& picture) const {
-    m_pixels.resize(3 * static_cast<std::size_t>(picture.values.size()));
+    const std::size_t pixels = static_cast<std::size_t>(picture.values.size());
+    m_pixels.resize(3 * pixels);
     uchar* pixel = m_pixels.data();
     const ColorScale& colors = resultColors();
-    for (double value : picture.values) {
-        if (picture.marksGaps && std::isnan(value)) {
+    const Range range = picture.range ? *picture.range : rangeInUse();
+    const double* const values = picture.values.constData();
+    for (std::size_t i = 0; i < pixels; ++i) {
+        if (picture.marksGaps && (std::isnan(values[i]) || isBlank(i))) {
             std::fill_n(pixel, 3, GapGrey);
         } else {
-            std::memcpy(pixel, colors.at((value - picture.min) / (picture.max - picture.min)), 3);
+            std::memcpy(pixel, colors.at((values[i] - range.min) / (range.max - range.min)), 3);
         }
         pixel += 3;
     }

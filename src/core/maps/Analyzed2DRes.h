@@ -115,13 +115,17 @@ class Analyzed2DRes : public QObject {
   private:
     using Array = QVector<double>;  // copies share their memory until one is written to
 
+    struct Range {
+        double min;
+        double max;
+    };
+
     /// What a picture is to show.
     struct Picture {
         Array values;
         int width;
         int height;
-        double min;
-        double max;
+        std::optional<Range> range;  ///< none: that of what is not masked
         bool marksGaps;
     };
 
@@ -132,7 +136,11 @@ class Analyzed2DRes : public QObject {
     void fillBin(Array* array, int ix, int iy, int xw, int yw, double t) const;
     double glitchMeasure(int x, int y) const;
     double meanOfNeighbours(int x, int y) const;
-    void visibleExtremes(double* min, double* max) const;
+    bool isBlank(std::size_t pixel) const {
+        return m_mask && pixel < m_mask->size() && (*m_mask)[pixel];
+    }
+    Range visibleExtremes() const;
+    Range rangeInUse() const;
     void setProcPoint(int x, int y, double t);
     void dropPicture();
 
@@ -157,6 +165,5 @@ class Analyzed2DRes : public QObject {
     bool m_showProc = false;
     Mask m_mask;
     bool m_marksGaps = false;
-    double m_visibleMin = 0.0;  // while there is a mask
-    double m_visibleMax = 1.0;
+    mutable std::optional<Range> m_visibleRange;  // while there is a mask, once it is asked for
 };
