@@ -13,6 +13,7 @@
 #include "Phantom.h"
 #include "TestMain.h"
 #include "display/ImageView.h"
+#include "measurement/Saving.h"
 #include "panels/LCFReference.h"
 
 namespace {
@@ -208,8 +209,13 @@ class TestRecord : public QObject {
                     .startsWith("x,y,fraction_1,fraction_error_1,jump_1,jump_error_1,fraction_2"));
         QVERIFY(done.contains("\nanalyzer_set_error_maps 1\n"));
         QCOMPARE(contentOf(file("again/table.csv")), contentOf(file("table.csv")));
-        // A saved map, or the file with all of them, alone tells as much.
-        for (const char* name : {"ratio.tif", "results.h5"}) {
+        Measurement& measurement = m_body->measurement();
+        measurement.choose(ResultId::Ratio, 0);
+        measurement.set(&Settings::savesMasked, true);
+        QVERIFY(!measurement.setMask(5.0).failed());
+        QVERIFY(!saveImageWithBar(measurement, file("bar.png")).failed());
+        // A saved map, its picture, or the file with all of them, alone tells as much.
+        for (const char* name : {"ratio.tif", "results.h5", "bar.png"}) {
             QProcess record;
             record.start(TARNWICK_BATCH, {"--record", file(name)});
             QVERIFY(record.waitForFinished(50000) && record.exitCode() == 0);

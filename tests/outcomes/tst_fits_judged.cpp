@@ -140,6 +140,10 @@ class TestFitsJudged : public QObject {
         add("no mask is always taken", {}, fit + "set_mask off", "done", "");
         add("a reference that there is not", {}, fit + "analyzer_select_map fraction 2", "failed",
             "no reference panel 2");
+        add("values that a rehearsal has not", {},
+            "LOAD\nanalyzer_set_ra_energy 7200\nanalyzer_exec_ra\n"
+            "analyzer_select_map ra_share\ndeglitch 2 0.1",
+            "done", "");
         add("nothing to save", {}, "LOAD\nsave_all_maps x.tif", "failed", "there are no maps");
         const QString to = "LOAD\nREFS\nanalyzer_set_LCF_constraints %1\n%2analyzer_exec_LCF";
         const QString mlcf = "analyzer_set_LCF_mode 1\n";

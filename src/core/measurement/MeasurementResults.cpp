@@ -238,8 +238,10 @@ QString Measurement::whyNotDeglitch() const {
     if (!target->tookPart()) {
         return tr("the reference took no part in the fit: its map holds no values");
     }
-    return target->image.dataMin() <= target->image.dataMax() ? QString()
-                                                              : tr("the map holds no values");
+    // What values there are a rehearsal does not know.
+    return m_rehearsal || target->image.dataMin() <= target->image.dataMax()
+               ? QString()
+               : tr("the map holds no values");
 }
 
 QString Measurement::whyNotShowProcessed() const {

@@ -290,8 +290,8 @@ OriginText originOf(const Measurement& measurement, const Result& result, const 
     addState(writer, measurement, result);
     writer.add("processed",
                savesProcessed(result, savedBy) ? processingOf(result) : QStringLiteral("no"));
-    if (result.image.isMasked() &&
-        (measurement.settings().savesMasked || savedBy == "save_image")) {
+    const bool isPicture = savedBy.startsWith(QLatin1String("save_image"));
+    if (result.image.isMasked() && (isPicture || measurement.settings().savesMasked)) {
         addMask(writer, measurement);
     }
     addInputs(writer, measurement, result);
