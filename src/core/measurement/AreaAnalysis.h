@@ -39,6 +39,9 @@ class AreaAnalysis {
     virtual void stopped() {}
     /// Makes pictures of what there is so far.
     virtual void remakePictures() {}
+    /// The same for one result, and for those without any: a picture keeps its values, and the run
+    /// would copy those of all others for every row that is shown.
+    virtual void remakePictureOf(const Result*) { remakePictures(); }
 
     /// A result that no run has made.
     static void empty(Result* result);

@@ -75,12 +75,17 @@ class Fit : public AreaAnalysis {
     }
 
     void remakePictures() override {
-        int stated = 0;
-        for (const Target& target : m_targets) {
-            stated += target.result->id < ResultId::RaDmut;
-        }
-        qDebug() << "generate res images" << stated;
+        logPictures();
         makePictures();
+    }
+
+    void remakePictureOf(const Result* shown) override {
+        logPictures();
+        for (const Target& target : m_targets) {
+            if (target.result == shown || !target.result->image.isValid()) {
+                target.result->image.genImg();
+            }
+        }
     }
 
     void finish() override {
@@ -115,6 +120,14 @@ class Fit : public AreaAnalysis {
         for (const auto& reference : references) {
             add(reference->results().find(id), reference->takesPart());
         }
+    }
+
+    void logPictures() const {
+        int stated = 0;
+        for (const Target& target : m_targets) {
+            stated += target.result->id < ResultId::RaDmut;
+        }
+        qDebug() << "generate res images" << stated;
     }
 
     void makePictures() {

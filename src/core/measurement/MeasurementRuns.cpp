@@ -193,7 +193,7 @@ void Measurement::rowsTaken(int rows, int) {
     if (m_settings.showsEachRow && !m_search) {
         // Large images of many rows would take far longer to show than to fit.
         m_eachRow.spend([this] {
-            m_analysis->remakePictures();
+            m_analysis->remakePictureOf(shownResult());
             emit changed(Changes(Results) | Display);
         });
     }
