@@ -441,10 +441,10 @@ void TestCommands::addMapCases() {
         [=] { return choice(analyzer(), "Constraints") == 2; });
     add("analyzer_set_LCF_constraints none",
         [=] { return choice(analyzer(), "Constraints") == 0; });
-    add("analyzer_exec_difference 7001.5 7251.25", [=] {
+    add("analyzer_exec_difference 7001.5 7251.2512", [=] {
         return maps()->findText("Difference of two energies") >= 0 &&
                text(analyzer(), "DifferenceFrom") == "7001.5" &&
-               text(analyzer(), "DifferenceTo") == "7251.25" &&
+               text(analyzer(), "DifferenceTo") == "7251.2512" &&
                m_body->measurement().find(ResultId::Difference)->image.valueAt(3, 4) > 0.5;
     });
     add("analyzer_select_map difference", {"analyzer_select_image 0"}, [=] {

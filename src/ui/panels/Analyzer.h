@@ -109,6 +109,7 @@ class Analyzer : public QFrame {
     void connectControls();
     void connectOptions();
     void connectNumber(QLineEdit* field, double Settings::*number);
+    void connectEnergy(QLineEdit* field, double Settings::*energy);
     void connectMeasurement();
     void startWorker();
     void showChanges(Measurement::Changes what);

@@ -36,10 +36,20 @@ void Analyzer::connectOptions() {
         sayOwn(m_measurement.choose(ResultId::Difference, -1), QString());
         showDifferenceChoice();
     });
-    connectNumber(m_ui->DifferenceFrom, &Settings::differenceFrom);
-    connectNumber(m_ui->DifferenceTo, &Settings::differenceTo);
+    connectEnergy(m_ui->DifferenceFrom, &Settings::differenceFrom);
+    connectEnergy(m_ui->DifferenceTo, &Settings::differenceTo);
     m_maps = new MapChoice(m_measurement, m_ui->Map, m_ui->Mask, this);
     connect(m_maps, &MapChoice::said, this, &Analyzer::sayOwn);
+}
+
+/// An energy of frames counts with all its digits: rounded, the last one would lie outside them.
+void Analyzer::connectEnergy(QLineEdit* field, double Settings::*energy) {
+    connect(field, &QLineEdit::textChanged, this, [this, field, energy] {
+        noteTaken(field);
+        m_measurement.set(energy, numberIn(field));
+    });
+    connect(field, &QLineEdit::editingFinished, this,
+            [this, field, energy] { finishNumber(field, m_measurement.settings().*energy); });
 }
 
 void Analyzer::showOptions() {

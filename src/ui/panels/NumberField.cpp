@@ -1,6 +1,7 @@
 #include "panels/NumberField.h"
 
 #include <QLineEdit>
+#include <QLocale>
 #include <QSignalBlocker>
 #include <cmath>
 
@@ -11,10 +12,21 @@ double numberIn(const QLineEdit* field) {
     return std::isfinite(value) ? value : 0.0;
 }
 
+namespace {
+
+/// Energies of frames may have more digits than fields have.
+QString textOf(double value) {
+    return inField(value) == value ? fieldText(value)
+                                   : QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
+}  // namespace
+
 void showNumber(QLineEdit* field, double value) {
-    if (!field->isModified() && inField(numberIn(field)) != value) {
+    const double shown = numberIn(field);
+    if (!field->isModified() && shown != value && inField(shown) != value) {
         const QSignalBlocker blocked(field);
-        field->setText(fieldText(value));
+        field->setText(textOf(value));
     }
 }
 
@@ -26,7 +38,7 @@ void finishNumber(QLineEdit* field, double value) {
     bool isNumber = false;
     if (field->text().toDouble(&isNumber) != value || !isNumber) {
         const QSignalBlocker blocked(field);
-        field->setText(fieldText(value));
+        field->setText(textOf(value));
     }
     noteTaken(field);
 }
