@@ -1382,6 +1382,10 @@
         <source>The ranges do not ascend: %1 to %2 and %3 to %4 eV stay in force</source>
         <translation>範囲が昇順ではないため、%1 ～ %2 eV と %3 ～ %4 eV のままにします</translation>
     </message>
+    <message>
+        <source>The ranges are no numbers: %1 to %2 and %3 to %4 eV stay in force</source>
+        <translation>範囲が数値ではありません: %1～%2 と %3～%4 eV のままです</translation>
+    </message>
 </context>
 <context>
     <name>Calibration</name>
@@ -1658,6 +1662,10 @@
     <message>
         <source>the background ranges hold fewer than 3 energies of the frames in %1 of %2 bins</source>
         <translation>%2 ビン中 %1 ビンで、バックグラウンドの範囲に入るフレームのエネルギーが 3 個に足りません</translation>
+    </message>
+    <message>
+        <source>the background ranges (%1) hold fewer than 3 energies of the frames in all bins</source>
+        <translation>バックグラウンドの範囲 (%1) に含まれるフレームのエネルギーが、すべてのビンで 3 個未満です</translation>
     </message>
 </context>
 <context>
@@ -2621,6 +2629,10 @@
     <message>
         <source>there are no results of a fit to save</source>
         <translation>保存するフィット結果がありません</translation>
+    </message>
+    <message>
+        <source>this program was installed without its module for HDF5 files</source>
+        <translation>このプログラムには HDF5 ファイル用のモジュールがインストールされていません</translation>
     </message>
 </context>
 <context>
