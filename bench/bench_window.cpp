@@ -116,7 +116,8 @@ class FirstPaint : public QObject {
 
   private:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() != QEvent::Paint || m_painted >= 0 || m_body->measurement().imageSize().isEmpty()) {
+        if (event->type() != QEvent::Paint || m_painted >= 0 ||
+            m_body->measurement().imageSize().isEmpty()) {
             return false;
         }
         watched->removeEventFilter(this);

@@ -232,9 +232,8 @@ class TestRasterPass : public QObject {
         const AbsorptionSource source(i1, i0, Width, 40);
         const BinRaster raster{0, 1, Width, 0, 1, 40, 0, 0};
         const auto sums = std::make_shared<RowSums>();
-        RasterPass pass(
-            source, raster, 1,
-            meanEvaluators(threads, raster, source.energyCount(), correctionAt, sums));
+        RasterPass pass(source, raster, 1,
+                        meanEvaluators(threads, raster, source.energyCount(), correctionAt, sums));
         double counted = 0.0;
         for (auto row = pass.take(); row.values != nullptr; row = pass.take()) {
             counted = std::accumulate(row.values, row.values + Width, counted);

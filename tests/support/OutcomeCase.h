@@ -128,7 +128,8 @@ class OutcomeCases {
 
     static Ends endsOf(const QString& text, const char* pattern) {
         static const QRegularExpression onlyInTheRun(
-            "have no counts at some energy|energies of the frames in all bins|most shifts are above|have no edge|"
+            "have no counts at some energy|energies of the frames in all bins|most shifts are "
+            "above|have no edge|"
             "percentiles of the frame are equal|are saturated|can be decoded|"
             "of 65535 steps");
         Ends ends;

@@ -77,10 +77,10 @@ class Analyzed2DRes : public QObject {
     /// dataMin and dataMax over all pixels that are finite.
     void updateExtremes();
 
-    /// setData() for bins side by side: of `count` bins around (x, y), (x + step, y), ... bin i takes
-    /// values[i * stride].
-    void setRow(int x, int step, int y, int xw, int yw, const double* values,
-                std::ptrdiff_t stride, int count);
+    /// setData() for bins side by side: of `count` bins around (x, y), (x + step, y), ... bin i
+    /// takes values[i * stride].
+    void setRow(int x, int step, int y, int xw, int yw, const double* values, std::ptrdiff_t stride,
+                int count);
 
   public slots:
     /// Frees picture and arrays, allocates arrays of zeros for the grid's size, resets the ranges.
