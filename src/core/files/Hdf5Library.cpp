@@ -28,7 +28,7 @@ class Handle {
     Handle& operator=(const Handle&) = delete;
 
     bool isGood() const { return m_id >= 0; }
-    operator hid_t() const { return m_id; }
+    operator hid_t() const { return m_id; }  // NOLINT: the library takes it everywhere
 
   private:
     hid_t m_id;

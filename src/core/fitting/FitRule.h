@@ -19,7 +19,7 @@ struct FitRule {
     Normalisation sample;     ///< of the spectra that are fitted
     bool withErrors = false;  ///< counting errors and goodness of fit, too
 
-    FitRule(Method fitMethod = Lcf, const Normalisation& ofSample = {})
+    FitRule(Method fitMethod = Lcf, const Normalisation& ofSample = {})  // NOLINT: as is a method
         : method(fitMethod), sample(ofSample) {}
 
     bool operator==(const FitRule& o) const {

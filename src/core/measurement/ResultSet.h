@@ -10,7 +10,7 @@
 class ResultSet {
   public:
     /// reference: the index of the one that all of them belong to; -1: of none.
-    explicit ResultSet(std::initializer_list<ResultFamily> families, int reference = -1);
+    ResultSet(std::initializer_list<ResultFamily> families, int reference = -1);
 
     /// Null for a kind that is not among them.
     Result* find(ResultId id) const;

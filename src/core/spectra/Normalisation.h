@@ -28,7 +28,7 @@ struct Normalisation {
     /// correction. None: each has its own, where it rises through half its height.
     std::optional<double> e0;
 
-    Normalisation(int kind = 0) : background(kind) {}
+    Normalisation(int kind = 0) : background(kind) {}  // NOLINT: a kind is a rule
 
     bool operator==(const Normalisation& o) const {
         return background == o.background && ranges == o.ranges && e0 == o.e0;
