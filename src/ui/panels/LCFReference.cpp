@@ -41,7 +41,7 @@ void LCFReference::arrangeFields() {
     setWidth(m_ui->MidE, "00000.00M");
     setWidth(m_ui->DeltaE, "-00.00M");
     setWidth(m_ui->R, "-000.00M");
-    setWidth(m_ui->T, "-0.000000M");
+    setWidth(m_ui->T, "-0.0000000M");
     // On their fixed light ground, whatever the desktop's colours are.
     for (QLineEdit* field : {m_ui->DMut, m_ui->R}) {
         QPalette dark = field->palette();
