@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
 #include <QTableWidget>
 #include <cmath>
 
@@ -129,7 +130,7 @@ void SpectrumFitWindow::arrange() {
     all->addLayout(buttons);
     all->addWidget(m_message);
     const int line = fontMetrics().height();
-    resize(line * 38, line * 36);
+    resize(QSize(line * 38, line * 36).boundedTo(screen()->availableSize() * 9 / 10));
 }
 
 void SpectrumFitWindow::askForSample() {
