@@ -51,5 +51,6 @@ QImage sideBySide(const QList<QImage>& images);
 void makeWindowPictures(Stage& stage);
 /// Pictures of failures, warnings, and results that are marked.
 void makeOutcomePictures(Stage& stage);
-/// The pictures of the user guide. All of them in English, those of the first chapter in Japanese.
+/// The pictures of the user guide. All of them in English, those that Japanese chapters show in
+/// Japanese, too.
 void makeGuidePictures(Stage& stage, bool all);

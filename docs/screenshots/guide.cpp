@@ -19,6 +19,7 @@
 #include "panels/CalibCtrl.h"
 #include "panels/LCFReference.h"
 #include "panels/SaveDataCfg.h"
+#include "window/SpectrumFitWindow.h"
 
 namespace {
 
@@ -122,6 +123,27 @@ void firstMap(Stage& stage) {
                "analyzer_set_fixed_scale 1", "analyzer_exec_LCF", "analyzer_select_image_type 1",
                "analyzer_select_image 1", "select_disp_image 3"});
     stage.save(stage.picture(&stage.body()), "map");
+}
+
+/// The spectrum of the last position, saved and fitted as a file.
+void spectrumFile(Stage& stage) {
+    const QString name = QStringLiteral("results/grain.dat");
+    stage.run({"save_spectra " + name});
+    auto* fit = window<SpectrumFitWindow>();
+    fit->show();
+    fit->fit(name);
+    stage.settle();
+    stage.save(fit, "spectrum-fit");
+    fit->hide();
+}
+
+/// The shown map, and the same with a mask.
+void mask(Stage& stage) {
+    stage.run({"analyzer_set_error_maps 1", "analyzer_exec_LCF"});
+    const QImage whole = imageAndBar(stage);
+    stage.run({"set_mask 5"});
+    stage.save(sideBySide({whole, imageAndBar(stage)}), "mask");
+    stage.run({"set_mask off"});
 }
 
 /// The shown map as the program itself saves it for a paper.
@@ -230,14 +252,18 @@ void saving(Stage& stage) {
 void makeGuidePictures(Stage& stage, bool all) {
     stage.body().resize(MainWindow);
     firstMap(stage);
+    spectrumFile(stage);
     if (all) {
         colorBar(stage);
+        mask(stage);
         imageView(stage);
-        calibration(stage);
+    }
+    calibration(stage);
+    saving(stage);
+    if (all) {
         batch(stage);
         result(stage);
         deglitching(stage);
         residualAbsorption(stage);
-        saving(stage);
     }
 }
