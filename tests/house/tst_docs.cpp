@@ -46,7 +46,8 @@ QStringList anchorsOf(const QString& text) {
     for (const QString& line : text.split('\n')) {
         if (line.startsWith('#')) {
             QString anchor = line.section(' ', 1).toLower();
-            anchor.remove(QRegularExpression("[^\\w\\- ]"));
+            anchor.remove(
+                QRegularExpression("[^\\w\\- ]", QRegularExpression::UseUnicodePropertiesOption));
             anchors.append(anchor.replace(' ', '-'));
         }
     }

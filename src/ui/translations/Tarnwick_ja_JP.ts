@@ -1864,6 +1864,11 @@
         <source>User Guide</source>
         <translation>ユーザーガイド</translation>
     </message>
+    <message>
+        <source>guide/README.md</source>
+        <extracomment>contents of the guide in the language of the interface</extracomment>
+        <translation>guide/ja/README.md</translation>
+    </message>
 </context>
 <context>
     <name>ImagePane</name>

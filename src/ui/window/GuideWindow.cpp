@@ -10,7 +10,6 @@
 
 namespace {
 
-const QString Page = QStringLiteral("guide/README.md");
 constexpr int LevelsOfABuild = 4;  // build/PRESET/src/programs
 constexpr int Margin = 40;
 
@@ -24,13 +23,15 @@ QString anchorOf(const QString& heading) {
 }  // namespace
 
 QString GuideWindow::firstPage() {
+    //: contents of the guide in the language of the interface
+    const QString page = tr("guide/README.md");
     QDir dir(QCoreApplication::applicationDirPath());
-    const QString installed = dir.filePath(QStringLiteral(TARNWICK_DOCUMENTS "/") + Page);
+    const QString installed = dir.filePath(QStringLiteral(TARNWICK_DOCUMENTS "/") + page);
     if (QFile::exists(installed)) {
         return QDir::cleanPath(installed);
     }
     for (int i = 0; i < LevelsOfABuild && dir.cdUp(); ++i) {
-        const QString source = dir.filePath(QStringLiteral("docs/") + Page);
+        const QString source = dir.filePath(QStringLiteral("docs/") + page);
         if (QFile::exists(source)) {
             return source;
         }
