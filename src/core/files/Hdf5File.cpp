@@ -2,6 +2,8 @@
 
 #include <dlfcn.h>
 
+#include <QDir>
+#include <QFileInfo>
 #include <QSaveFile>
 
 #include "files/Hdf5Library.h"
@@ -9,10 +11,26 @@
 
 namespace {
 
-/// Loaded once, from the folder that the programs were linked to look into. Null: it is missing.
+/// Where the module is, seen from the folder of the program: installed, and in the folders of a
+/// build.
+constexpr const char* Folders[] = {TARNWICK_MODULES, "../modules", "../../modules"};
+
+void* openModule() {
+    const QString own = QFileInfo(QStringLiteral("/proc/self/exe")).canonicalPath();
+    for (const char* folder : Folders) {
+        const QString path = QDir::cleanPath(own + QLatin1Char('/') + QLatin1String(folder)) +
+                             QStringLiteral("/tarnwick_hdf5.so");
+        if (QFileInfo::exists(path)) {
+            return dlopen(QFile::encodeName(path).constData(), RTLD_NOW | RTLD_LOCAL);
+        }
+    }
+    return nullptr;
+}
+
+/// Loaded once. Null: it is missing.
 const Hdf5Library* library() {
     static const Hdf5Library* const loaded = []() -> const Hdf5Library* {
-        void* const module = dlopen(TARNWICK_HDF5_MODULE, RTLD_NOW | RTLD_LOCAL);
+        void* const module = openModule();
         void* const symbol = module != nullptr ? dlsym(module, "tarnwickHdf5Library") : nullptr;
         return symbol != nullptr ? reinterpret_cast<Hdf5LibraryOf>(symbol)() : nullptr;
     }();
