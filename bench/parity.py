@@ -19,7 +19,8 @@ import subprocess
 import sys
 import tempfile
 
-HC = 12398.424360387684  # eV Angstrom
+from public_files import read_9809, read_columns
+
 SAMPLE, FOIL, CHLORIDE = ("au_lcf_sample_7.03h.dat", "au_lcf_ref_foil.dat",
                           "au_lcf_ref_au3cl_aq.dat")
 IRON, MERCURY = "fe_metal_rt.xdi", "pf_bl12c_hg_l3_transmission.9809.dat"
@@ -27,30 +28,6 @@ OURS = ((-100.0, -10.0), (10.0, 1000.0))  # eV from E0
 PRE_RANGES = ((-100.0, -10.0), (-150.0, -30.0), (-200.0, -30.0), (-150.0, -50.0), (-200.0, -50.0))
 POST_RANGES = ((10.0, 1000.0), (25.0, 1000.0), (50.0, 1000.0), (75.0, 1000.0), (100.0, 1000.0),
                (150.0, 1000.0))
-
-
-# Files
-
-def read_columns(path):
-    rows = [line.split()[:2] for line in path.read_text().splitlines()
-            if line.strip() and not line.startswith("#")]
-    return sorted((float(e), float(mu)) for e, mu in rows)
-
-
-def read_9809(path):
-    """Energy and mu-t: the measured angle and the two beams behind the line of offsets."""
-    spacing, points, behind = None, [], False
-    for line in path.read_text(errors="replace").splitlines():
-        items = line.split()
-        if "D=" in items and spacing is None:
-            spacing = float(items[items.index("D=") + 1])
-        elif items[:1] == ["Offset"]:
-            behind = True
-        elif behind and len(items) >= 5:
-            angle, i0, i1 = (float(items[i]) for i in (1, 3, 4))
-            points.append((HC / (2.0 * spacing * math.sin(math.radians(angle))),
-                           math.log(i0 / i1)))
-    return sorted(points)
 
 
 def write_columns(path, points):

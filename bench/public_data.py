@@ -31,10 +31,11 @@ import tempfile
 
 import numpy as np
 
+import public_files
+
 HALF = 16
 SIDE = 2 * HALF + 1
 BEAM = 60000
-HC = 12398.424360387684  # eV Angstrom
 TABLE = ["saveDataCfg_save_as_text", "saveDataCfg_text_as_ssv", "saveDataCfg_text_as_xyz",
          "saveDataCfg_tiff_as_analyzed 1"]
 
@@ -67,24 +68,11 @@ def write_tiff(path, counts):
 
 
 def read_columns(path):
-    rows = [line.split()[:2] for line in path.read_text().splitlines()
-            if line.strip() and not line.startswith("#")]
-    return np.array(rows, float).T
+    return np.array(public_files.read_columns(path)).T
 
 
 def read_9809(path):
-    """Energy and mu-t: the measured angle and the two beams behind the line of offsets."""
-    spacing, rows, behind = None, [], False
-    for line in path.read_text(errors="replace").splitlines():
-        items = line.split()
-        if "D=" in items and spacing is None:
-            spacing = float(items[items.index("D=") + 1])
-        elif items[:1] == ["Offset"]:
-            behind = True
-        elif behind and len(items) >= 5:
-            rows.append([float(items[i]) for i in (1, 3, 4)])
-    angle, i0, i1 = np.array(rows).T
-    return HC / (2.0 * spacing * np.sin(np.radians(angle))), np.log(i0 / i1)
+    return np.array(public_files.read_9809(path)).T
 
 
 def write_columns(path, e, mu):
