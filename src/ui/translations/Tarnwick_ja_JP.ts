@@ -61,7 +61,7 @@
     </message>
     <message>
         <source>Add Ref</source>
-        <translation>参照を追加</translation>
+        <translation>参照スペクトルを追加</translation>
     </message>
     <message>
         <source>Add a row for one more reference spectrum</source>
@@ -77,7 +77,7 @@
     </message>
     <message>
         <source>Edge jump due to a reference</source>
-        <translation>各参照成分によるエッジジャンプ</translation>
+        <translation>各参照スペクトルによるエッジジャンプ</translation>
     </message>
     <message>
         <source>Min.</source>
@@ -89,11 +89,11 @@
     </message>
     <message>
         <source>Ratio</source>
-        <translation>比率</translation>
+        <translation>割合</translation>
     </message>
     <message>
         <source>Share of a reference</source>
-        <translation>各参照成分の割合</translation>
+        <translation>各参照スペクトルの割合</translation>
     </message>
     <message>
         <source>Fixed Scale</source>
@@ -133,7 +133,7 @@
     </message>
     <message>
         <source>Show Ratio</source>
-        <translation>比率を表示</translation>
+        <translation>割合を表示</translation>
     </message>
     <message>
         <source>Analyzing Spectrum</source>
@@ -145,7 +145,7 @@
     </message>
     <message>
         <source>Show this reference&apos;s result image in the main window</source>
-        <translation>この参照の結果画像をメインウィンドウに表示します</translation>
+        <translation>この参照スペクトルの結果画像をメインウィンドウに表示します</translation>
     </message>
     <message>
         <source>Sample</source>
@@ -161,11 +161,11 @@
     </message>
     <message>
         <source>Lower end of the scale of Ratio images; in force with Fixed Scale</source>
-        <translation>比率画像のスケールの下限。「スケール固定」のときに有効です</translation>
+        <translation>割合の画像のスケールの下限。「スケール固定」のときに有効です</translation>
     </message>
     <message>
         <source>Upper end of the scale of Ratio images; in force with Fixed Scale</source>
-        <translation>比率画像のスケールの上限。「スケール固定」のときに有効です</translation>
+        <translation>割合の画像のスケールの上限。「スケール固定」のときに有効です</translation>
     </message>
     <message>
         <source>Show the residual absorption in the main window</source>
@@ -177,7 +177,7 @@
     </message>
     <message>
         <source>Show residual absorption over edge jump in the main window</source>
-        <translation>残留吸収とエッジジャンプの比をメインウィンドウに表示します</translation>
+        <translation>全体に対する残留吸収の割合をメインウィンドウに表示します</translation>
     </message>
     <message>
         <source>Not while an analysis of the image runs.</source>
@@ -185,11 +185,11 @@
     </message>
     <message>
         <source>Add two references first.</source>
-        <translation>先に参照を 2 つ追加してください。</translation>
+        <translation>先に参照スペクトルを 2 つ追加してください。</translation>
     </message>
     <message>
         <source>Choose the file of a reference and check its Use box first.</source>
-        <translation>先に参照のファイルを選び、「使用」にチェックを入れてください。</translation>
+        <translation>先に参照スペクトルのファイルを選び、「使用」にチェックを入れてください。</translation>
     </message>
     <message>
         <source>Analyse every bin of the selected area; a second click stops</source>
@@ -201,7 +201,7 @@
     </message>
     <message>
         <source>This reference took no part in the last analysis.</source>
-        <translation>この参照は直前の解析に使われていません。</translation>
+        <translation>この参照スペクトルは直前の解析に使われていません。</translation>
     </message>
     <message>
         <source>Error Maps</source>
@@ -217,7 +217,7 @@
     </message>
     <message>
         <source>Fit the values of the references&apos; files as they are, not divided by edge jumps: for edges without room for lines, such as L edges and short scans, with MLCF</source>
-        <translation>参照をエッジジャンプで割らず、ファイルの値のままフィットします。直線を引く余地のない吸収端 (L 吸収端や短いスキャン) で MLCF とともに使います</translation>
+        <translation>参照スペクトルをエッジジャンプで割らず、ファイルの値のままフィットします。直線を引く余地のない吸収端 (L 吸収端や短いスキャン) で MLCF とともに使います</translation>
     </message>
     <message>
         <source>Constraints:</source>
@@ -312,7 +312,7 @@
     </message>
     <message>
         <source>no reference panel %1</source>
-        <translation>参照パネル %1 はありません</translation>
+        <translation>参照スペクトルの行 %1 はありません</translation>
     </message>
     <message>
         <source>no such background: %1</source>
@@ -634,7 +634,7 @@
     </message>
     <message>
         <source>Show the frames of the I1 stack (transmitted beam)</source>
-        <translation>I1 (透過光) のフレームを表示します</translation>
+        <translation>I1 (透過X線) のフレームを表示します</translation>
     </message>
     <message>
         <source>I0</source>
@@ -642,7 +642,7 @@
     </message>
     <message>
         <source>Show the frames of the I0 stack (incident beam)</source>
-        <translation>I0 (入射光) のフレームを表示します</translation>
+        <translation>I0 (入射X線) のフレームを表示します</translation>
     </message>
     <message>
         <source>Shift</source>
@@ -698,11 +698,11 @@
     </message>
     <message>
         <source>   E-shift from Std.: </source>
-        <translation>標準との E 差: </translation>
+        <translation>標準試料との E 差: </translation>
     </message>
     <message>
         <source>How far the edge of the position lies above the edge of the standard, in eV</source>
-        <translation>この位置の吸収端が標準の吸収端よりどれだけ高エネルギー側にあるか (eV)</translation>
+        <translation>この位置の吸収端が標準試料の吸収端よりどれだけ高エネルギー側にあるか (eV)</translation>
     </message>
     <message>
         <source>Bin half widths</source>
@@ -766,7 +766,7 @@
     </message>
     <message>
         <source>Save the result images of every reference in use as pictures</source>
-        <translation>使用中のすべての参照の結果画像を保存します</translation>
+        <translation>使用中のすべての参照スペクトルの結果画像を保存します</translation>
     </message>
     <message>
         <source>Save Flat Dark</source>
@@ -898,7 +898,7 @@
     </message>
     <message>
         <source>References, fits (LCF, MLCF), residual absorption and the choice of the result shown</source>
-        <translation>参照の選択、フィット (LCF、MLCF)、残留吸収、表示する結果の選択</translation>
+        <translation>参照スペクトルの選択、フィット (LCF、MLCF)、残留吸収、表示する結果の選択</translation>
     </message>
     <message>
         <source>Load the I1 frames first.</source>
@@ -1204,11 +1204,11 @@
     </message>
     <message>
         <source>Select Std.</source>
-        <translation>標準を選択</translation>
+        <translation>標準試料を選択</translation>
     </message>
     <message>
         <source>Choose the file with the standard spectrum, for example of a metal foil.</source>
-        <translation>標準スペクトル (金属箔など) のファイルを選びます。</translation>
+        <translation>標準試料のスペクトル (金属箔など) のファイルを選びます。</translation>
     </message>
     <message>
         <source>Background</source>
@@ -1220,7 +1220,7 @@
     </message>
     <message>
         <source>Std. :</source>
-        <translation>標準 :</translation>
+        <translation>標準試料 :</translation>
     </message>
     <message>
         <source>Simple</source>
@@ -1252,7 +1252,7 @@
     </message>
     <message>
         <source>Edge energy with which a map is loaded. Filled in by the standard; empty or 0: the energy in the map file.</source>
-        <translation>マップの読み込みに使う吸収端エネルギー。標準を読み込むと入力されます。空または 0 のときはマップファイルの値を使います。</translation>
+        <translation>マップの読み込みに使う吸収端エネルギー。標準試料を読み込むと入力されます。空または 0 のときはマップファイルの値を使います。</translation>
     </message>
     <message>
         <source>from the map file</source>
@@ -1308,19 +1308,19 @@
     </message>
     <message>
         <source>No standard is loaded. Choose one with &quot;Select Std.&quot;.</source>
-        <translation>標準が読み込まれていません。「標準を選択」で選んでください。</translation>
+        <translation>標準試料が読み込まれていません。「標準試料を選択」で選んでください。</translation>
     </message>
     <message>
         <source>Without one the map holds edge energies, not shifts.</source>
-        <translation>標準がないと、マップにはシフトではなく吸収端エネルギーが入ります。</translation>
+        <translation>標準試料がないと、マップにはシフトではなく吸収端エネルギーが入ります。</translation>
     </message>
     <message>
         <source>Save the energy-shift map as angles for this standard and crystal.</source>
-        <translation>この標準と結晶での角度としてエネルギーシフトマップを保存します。</translation>
+        <translation>この標準試料と結晶での角度としてエネルギーシフトマップを保存します。</translation>
     </message>
     <message>
         <source>Without one the map is saved with the edge energy typed above.</source>
-        <translation>標準がないと、上に入力した吸収端エネルギーで保存します。</translation>
+        <translation>標準試料がないと、上に入力した吸収端エネルギーで保存します。</translation>
     </message>
     <message>
         <source>Victreen curves need a long range on both sides of the edge.</source>
@@ -1336,7 +1336,7 @@
     </message>
     <message>
         <source>Measure the energy shift of every bin of the selected area against the standard; a second click stops.</source>
-        <translation>選択領域のすべてのビンについて、標準に対するエネルギーシフトを求めます。もう一度押すと中止します。</translation>
+        <translation>選択領域のすべてのビンについて、標準試料に対するエネルギーシフトを求めます。もう一度押すと中止します。</translation>
     </message>
     <message>
         <source>E0 :</source>
@@ -1364,11 +1364,11 @@
     </message>
     <message>
         <source>Range of the curve below the edge, in eV from E0, for image, references and standard</source>
-        <translation>吸収端の前のバックグラウンドの範囲 (E0 から、eV)。試料、参照、標準に使います</translation>
+        <translation>吸収端の前のバックグラウンドの範囲 (E0 から、eV)。試料、参照スペクトル、標準試料に使います</translation>
     </message>
     <message>
         <source>Range of the curve above the edge, in eV from E0, for image, references and standard. Beginning 20 to 40 eV above E0 keeps the structure of the edge out of the line.</source>
-        <translation>吸収端の後のバックグラウンドの範囲 (E0 から、eV)。試料、参照、標準に使います。E0 の 20 ～ 40 eV 上から始めると、吸収端の微細構造が直線に入りません。</translation>
+        <translation>吸収端の後のバックグラウンドの範囲 (E0 から、eV)。試料、参照スペクトル、標準試料に使います。E0 の 20 ～ 40 eV 上から始めると、吸収端の微細構造が直線に入りません。</translation>
     </message>
     <message>
         <source>Tiff Files (*.tif *.tiff)</source>
@@ -1403,15 +1403,15 @@
     </message>
     <message>
         <source>no standard: the map holds edge energies, not shifts</source>
-        <translation>標準がないため、マップの値はシフトではなく吸収端エネルギーです</translation>
+        <translation>標準試料がないため、マップの値はシフトではなく吸収端エネルギーです</translation>
     </message>
     <message>
         <source>the standard has no rising edge to compare with</source>
-        <translation>標準に比較できる吸収端の立ち上がりがありません</translation>
+        <translation>標準試料に比較できる吸収端の立ち上がりがありません</translation>
     </message>
     <message>
         <source>the standard&apos;s edge at %1 eV lies outside the frames&apos; energies, %2 to %3 eV</source>
-        <translation>標準の吸収端 %1 eV がフレームのエネルギー範囲 %2 ～ %3 eV の外にあります</translation>
+        <translation>標準試料の吸収端 %1 eV がフレームのエネルギー範囲 %2 ～ %3 eV の外にあります</translation>
     </message>
     <message>
         <source>%1 of %2 bins have no edge</source>
@@ -1419,7 +1419,7 @@
     </message>
     <message>
         <source>most shifts are above %1 eV: the standard may be another element&apos;s</source>
-        <translation>シフトの大半が %1 eV を超えています。標準が別の元素かもしれません</translation>
+        <translation>シフトの大半が %1 eV を超えています。標準試料が別の元素かもしれません</translation>
     </message>
     <message>
         <source>cannot be read: %1</source>
@@ -1467,7 +1467,7 @@
     </message>
     <message>
         <source>no program could load the map: no standard and no edge energy that the crystal reflects</source>
-        <translation>保存しても読み込めないマップです: 標準も、結晶で反射できる吸収端エネルギーもありません</translation>
+        <translation>保存しても読み込めないマップです: 標準試料も、結晶で反射できる吸収端エネルギーもありません</translation>
     </message>
     <message>
         <source>no program could load the map: it holds shifts above 1000 eV, or beyond what the crystal reflects</source>
@@ -1537,7 +1537,7 @@
     </message>
     <message>
         <source>Analyze the image with references first.</source>
-        <translation>先に参照を使って画像を解析してください。</translation>
+        <translation>先に参照スペクトルを使って画像を解析してください。</translation>
     </message>
     <message>
         <source>Select a finished result in the Analyzer, or show the energy-shift map, first.</source>
@@ -1606,7 +1606,7 @@
     </message>
     <message>
         <source>with earlier references</source>
-        <translation>以前の参照での結果</translation>
+        <translation>以前の参照スペクトルでの結果</translation>
     </message>
     <message>
         <source>with other bins</source>
@@ -1688,7 +1688,7 @@
     </message>
     <message>
         <source>%1 of %2 energies of the frames (%3) lie inside all references, the fit needs %4</source>
-        <translation>フレームの %2 個のエネルギー (%3) のうち、すべての参照の範囲に入るのは %1 個で、フィットに必要な %4 個に足りません</translation>
+        <translation>フレームの %2 個のエネルギー (%3) のうち、すべての参照スペクトルの範囲に入るのは %1 個で、フィットに必要な %4 個に足りません</translation>
     </message>
     <message>
         <source>only %1 of %2 energies of the frames (%3) were used: %4</source>
@@ -1708,15 +1708,15 @@
     </message>
     <message>
         <source>with the shifts of the energy map, %1 of %2 bins have too few energies inside the references</source>
-        <translation>エネルギーマップのシフトでは、%2 個中 %1 個のビンで参照の範囲内のエネルギーが不足しています</translation>
+        <translation>エネルギーマップのシフトでは、%2 個中 %1 個のビンで参照スペクトルの範囲内のエネルギーが不足しています</translation>
     </message>
     <message>
         <source>reference %1 (Ref%2) is in use but holds no spectrum: left out</source>
-        <translation>参照 %1 (参照 %2 の行) は「使用」ですがスペクトルがないため除外しました</translation>
+        <translation>参照スペクトル %1 (参照 %2 の行) は「使用」ですがスペクトルがないため除外しました</translation>
     </message>
     <message>
         <source>%1 of %2 energies of the spectrum (%3) lie inside all references, the fit needs %4</source>
-        <translation>スペクトルの %2 個のエネルギー (%3) のうち、すべての参照の範囲に入るのは %1 個で、フィットに必要な %4 個に足りません</translation>
+        <translation>スペクトルの %2 個のエネルギー (%3) のうち、すべての参照スペクトルの範囲に入るのは %1 個で、フィットに必要な %4 個に足りません</translation>
     </message>
     <message>
         <source>only %1 of %2 energies of the spectrum (%3) were used: %4</source>
@@ -1728,7 +1728,7 @@
     </message>
     <message>
         <source>constraints are for at most %1 references, not for %2</source>
-        <translation>制約を使えるのは参照 %1 個までです (現在 %2 個)</translation>
+        <translation>制約を使えるのは参照スペクトル %1 個までです (現在 %2 個)</translation>
     </message>
     <message>
         <source>MLCF has no sum of 1: its coefficients are edge jumps</source>
@@ -1900,7 +1900,7 @@
     </message>
     <message>
         <source>Show this reference in the spectrum window</source>
-        <translation>この参照をスペクトルウィンドウに表示します</translation>
+        <translation>この参照スペクトルをスペクトルウィンドウに表示します</translation>
     </message>
     <message>
         <source>dMut</source>
@@ -1908,35 +1908,35 @@
     </message>
     <message>
         <source>Edge jump of the reference itself</source>
-        <translation>参照自身のエッジジャンプ</translation>
+        <translation>参照スペクトル自身のエッジジャンプ</translation>
     </message>
     <message>
         <source>at</source>
-        <translation>@</translation>
+        <translation>吸収端</translation>
     </message>
     <message>
         <source>Middle of the reference&apos;s edge</source>
-        <translation>参照の吸収端の中点</translation>
+        <translation>参照スペクトルの吸収端の中点</translation>
     </message>
     <message>
         <source>[eV]  </source>
-        <translation>[eV]  </translation>
+        <translation>[eV]</translation>
     </message>
     <message>
         <source>  dE [eV]</source>
-        <translation>  dE [eV]</translation>
+        <translation>dE [eV]</translation>
     </message>
     <message>
         <source>Energy offset of the reference: it is compared at E + dE</source>
-        <translation>参照のエネルギーオフセット。E + dE の値で比較します</translation>
+        <translation>参照スペクトルのエネルギーオフセット。E + dE の値で比較します</translation>
     </message>
     <message>
         <source>Share of this reference in the last fit, in per cent</source>
-        <translation>直前のフィットでのこの参照の割合 (%)</translation>
+        <translation>直前のフィットでのこの参照スペクトルの割合 (%)</translation>
     </message>
     <message>
         <source>[%]  </source>
-        <translation>[%]  </translation>
+        <translation>[%]</translation>
     </message>
     <message>
         <source>mut</source>
@@ -1944,7 +1944,7 @@
     </message>
     <message>
         <source>Edge jump due to this reference in the last fit</source>
-        <translation>直前のフィットでのこの参照によるエッジジャンプ</translation>
+        <translation>直前のフィットでのこの参照スペクトルによるエッジジャンプ</translation>
     </message>
 </context>
 <context>
@@ -2025,7 +2025,7 @@
     </message>
     <message>
         <source>fewer than two reference panels</source>
-        <translation>参照パネルが 2 つ以上必要です</translation>
+        <translation>参照スペクトルの行が 2 つ以上必要です</translation>
     </message>
     <message>
         <source>memory ran out</source>
@@ -2103,7 +2103,7 @@
     </message>
     <message>
         <source>the reference took no part in the fit: its map holds no values</source>
-        <translation>参照がフィットに使われていないため、マップに値がありません</translation>
+        <translation>参照スペクトルがフィットに使われていないため、マップに値がありません</translation>
     </message>
     <message>
         <source>the map holds no values</source>
@@ -2137,7 +2137,7 @@
     </message>
     <message>
         <source>no reference panel %1</source>
-        <translation>参照パネル %1 はありません</translation>
+        <translation>参照スペクトルの行 %1 はありません</translation>
     </message>
     <message>
         <source>run again with error maps</source>
@@ -2315,7 +2315,7 @@
     </message>
     <message>
         <source>Fit the area with references first.</source>
-        <translation>先に領域を参照でフィットしてください。</translation>
+        <translation>先に領域を参照スペクトルでフィットしてください。</translation>
     </message>
     <message>
         <source>All maps of the fit side by side, a row for each bin</source>
@@ -2326,11 +2326,11 @@
     <name>ResultKind</name>
     <message>
         <source>Edge jump due to the reference</source>
-        <translation>参照成分によるエッジジャンプ</translation>
+        <translation>参照スペクトルによるエッジジャンプ</translation>
     </message>
     <message>
         <source>Share of the reference</source>
-        <translation>参照成分の割合</translation>
+        <translation>参照スペクトルの割合</translation>
     </message>
     <message>
         <source>Edge jump</source>
@@ -2564,7 +2564,7 @@
     </message>
     <message>
         <source>the reference took no part in the fit: its map holds no values</source>
-        <translation>参照がフィットに使われていないため、マップに値がありません</translation>
+        <translation>参照スペクトルがフィットに使われていないため、マップに値がありません</translation>
     </message>
     <message>
         <source>there are no result images</source>
@@ -2588,7 +2588,7 @@
     </message>
     <message>
         <source>there is no spectrum at the position: the plot shows the standard alone</source>
-        <translation>この位置にスペクトルがないため、プロットは標準だけです</translation>
+        <translation>この位置にスペクトルがないため、プロットは標準試料だけです</translation>
     </message>
     <message>
         <source>there is no energy map: every shift in the file is 0</source>
@@ -2829,11 +2829,11 @@
     </message>
     <message>
         <source>Choose the spectrum file that the references in use are fitted to</source>
-        <translation>使用中の参照でフィットするスペクトルファイルを選びます</translation>
+        <translation>使用中の参照スペクトルでフィットするスペクトルファイルを選びます</translation>
     </message>
     <message>
         <source>Reference</source>
-        <translation>参照</translation>
+        <translation>参照スペクトル</translation>
     </message>
     <message>
         <source>Share</source>
@@ -2853,7 +2853,7 @@
     </message>
     <message>
         <source>Spectrum, fit and what each reference has in it; below, the difference</source>
-        <translation>スペクトル、フィット、各参照の寄与。下は差</translation>
+        <translation>スペクトル、フィット、各参照スペクトルの寄与。下は残差</translation>
     </message>
     <message>
         <source>Save shares, numbers and curves as a text table</source>
@@ -3147,7 +3147,7 @@
     </message>
     <message>
         <source>Use this spectrum as a reference in the fit</source>
-        <translation>このスペクトルをフィットの参照に使います</translation>
+        <translation>このスペクトルを参照スペクトルとしてフィットに使います</translation>
     </message>
     <message>
         <source>XAFS File Select</source>
