@@ -123,6 +123,45 @@ class TestDocs : public QObject {
         QVERIFY(checked > 20);
     }
 
+    /// Keys that menus, shortcuts and widgets of the program know stand on the page about keys.
+    void everyKeyIsNamed() {
+        const QHash<QString, QString> names{{"QKeySequence::Open", "Ctrl+O"},
+                                            {"QKeySequence::Save", "Ctrl+S"},
+                                            {"QKeySequence::Copy", "Ctrl+C"},
+                                            {"QKeySequence::Find", "Ctrl+F"},
+                                            {"QKeySequence::HelpContents", "F1"},
+                                            {"Escape", "Esc"},
+                                            {"Return", "Enter"},
+                                            {"PageUp", "Up"},
+                                            {"PageDown", "Down"},
+                                            {"Up", "arrow"},
+                                            {"Down", "arrow"}};
+        const QRegularExpression key(
+            "QKeySequence::[A-Z]\\w+|((?:Qt::(?:CTRL|SHIFT|ALT) ?[+|] ?)*)Qt::Key_(\\w+)");
+        QSet<QString> keys;
+        for (const QString& source : filesBelow("src/ui", {"*.cpp"})) {
+            auto it = key.globalMatch(
+                textOf(source).remove(QRegularExpression("QKeySequence::NativeText")));
+            while (it.hasNext()) {
+                const auto found = it.next();
+                QString with = found.captured(1);
+                with.replace("Qt::CTRL", "Ctrl").replace("Qt::SHIFT", "Shift");
+                with.replace("Qt::ALT", "Alt").remove(' ').replace('|', '+');
+                const QString name = found.captured(found.lastCapturedIndex());
+                keys << with + (with.isEmpty() || name.size() > 5 ? names.value(name, name) : name);
+            }
+        }
+        QVERIFY(keys.size() > 30);
+        for (const char* page : {"docs/guide/keyboard.md", "docs/guide/ja/keyboard.md"}) {
+            QString text = textOf(Root + page);
+            const QStringList named = text.replace(QString::fromUtf8("矢印"), " arrow ")
+                                          .split(QRegularExpression("[^A-Za-z0-9+]+"));
+            for (const QString& known : qAsConst(keys)) {
+                QVERIFY2(named.contains(known), qPrintable(known + " is not on " + page));
+            }
+        }
+    }
+
     void batchesOfTheGuideDoTheirWork() {
         QTemporaryDir dir;
         QProcess samples;
