@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -24,6 +25,7 @@
 #include "panels/Analyzer.h"
 #include "panels/CalibCtrl.h"
 #include "panels/LCFReference.h"
+#include "window/GuideBrowser.h"
 #include "window/GuideWindow.h"
 
 namespace {
@@ -57,13 +59,72 @@ class TestBody : public QObject {
         control<QAction>("actionGuide", m_body.get())->trigger();
         auto* guide = m_body->findChild<GuideWindow*>();
         QVERIFY(guide != nullptr && guide->isVisible());
-        const QUrl first = guide->source();
-        QVERIFY(!guide->toPlainText().isEmpty());
-        guide->setSource(first.resolved(QUrl("loading.md#dark-data")));
-        QVERIFY(guide->toPlainText().contains("mu-t"));
-        QVERIFY(guide->verticalScrollBar()->value() > 0);
-        guide->setSource(first.resolved(QUrl("image-view.md")));
-        QCOMPARE(guide->verticalScrollBar()->value(), 0);
+        const GuideBrowser* page = guide->pages();
+        QVERIFY(!page->toPlainText().isEmpty());
+        QVERIFY(!control<QPushButton>("GuideBack", guide)->isEnabled());
+        guide->showPage("loading.md#dark-data");
+        QVERIFY(page->toPlainText().contains("mu-t"));
+        QVERIFY(page->verticalScrollBar()->value() > 0);
+        guide->showPage("image-view.md");
+        QCOMPARE(page->verticalScrollBar()->value(), 0);
+        press("GuideBack", guide);
+        QVERIFY(page->source().path().endsWith("/loading.md"));
+        press("GuideForward", guide);
+        press("GuideContents", guide);
+        QVERIFY(page->source().path().endsWith("/README.md"));
+    }
+
+    /// The words are found in every chapter in turn and marked where they stand.
+    void theGuideIsSearched() {
+        GuideWindow guide;
+        guide.show();
+        auto* words = control<QLineEdit>("GuideSearch", &guide);
+        auto* hits = control<QListWidget>("GuideHits", &guide);
+        QVERIFY(QTest::qWaitForWindowActive(&guide));
+        QTest::keyClick(&guide, Qt::Key_F, Qt::ControlModifier);
+        QTest::keyClicks(QApplication::focusWidget(), "double NORMALIZED");
+        QVERIFY(hits->isVisible() && hits->count() > 3);
+        QStringList pages;
+        for (int i = 0; i < hits->count(); ++i) {
+            QTest::keyClick(words, i == 0 ? Qt::Key_Return : Qt::Key_F3);
+            const QTextCursor at = guide.pages()->textCursor();
+            const QString found =
+                guide.pages()->toPlainText().mid(at.position(), words->text().size());
+            QCOMPARE(found.toLower(), QString("double normalized"));
+            QVERIFY(hits->item(i)->text().contains(found));
+            QVERIFY(guide.pages()->viewport()->rect().contains(guide.pages()->cursorRect()));
+            QVERIFY(!guide.pages()->extraSelections().isEmpty());
+            pages << guide.pages()->source().fileName();
+        }
+        QVERIFY(pages.removeDuplicates() > 0 && pages.size() > 1);
+        QCOMPARE(textOf("GuideCount", &guide), QString("%1 of %1").arg(hits->count()));
+        QTest::keyClick(words, Qt::Key_F3, Qt::ShiftModifier);
+        QCOMPARE(hits->currentRow(), hits->count() - 2);
+        words->setText("no such words");
+        QVERIFY(!hits->isVisible());
+        QCOMPARE(textOf("GuideCount", &guide), QString("not found"));
+        QTest::keyClick(words, Qt::Key_Escape);
+        QVERIFY(words->text().isEmpty() && guide.pages()->extraSelections().isEmpty());
+        QTest::keyClick(&guide, Qt::Key_W, Qt::ControlModifier);
+        QVERIFY(!guide.isVisible());
+    }
+
+    /// Help on a panel is the chapter on it.
+    void helpIsThatOfThePanel() {
+        const char* const chapters[][3] = {{"OpenCalibCtrl", "CalibCtrl", "calibration.md"},
+                                           {"BatchCtrlB", "BatchCtrl", "batch.md"}};
+        for (const auto& chapter : chapters) {
+            press(chapter[0]);
+            const auto isActive = [&] {
+                const QWidget* active = QApplication::activeWindow();
+                return active != nullptr && active->inherits(chapter[1]);
+            };
+            QTRY_VERIFY(isActive());
+            QTest::keyClick(QApplication::activeWindow(), Qt::Key_F1);
+            auto* guide = m_body->findChild<GuideWindow*>();
+            QVERIFY(guide != nullptr);
+            QCOMPARE(guide->pages()->source().fileName(), QString(chapter[2]));
+        }
     }
 
     void noTwoEntriesOfTheMenuShareKeys() {

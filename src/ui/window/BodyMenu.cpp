@@ -7,10 +7,8 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
-#include <QUrl>
 
-#include "window/GuideWindow.h"
+#include "window/HelpMenu.h"
 
 namespace {
 
@@ -27,7 +25,7 @@ class BodyMenu {
         addShowMenu();
         addProcessMenu();
         addWindowsMenu();
-        addHelpMenu();
+        fillHelpMenu(addMenu(tr("&Help")), m_window);
     }
 
   private:
@@ -35,15 +33,11 @@ class BodyMenu {
     void addShowMenu() const;
     void addProcessMenu() const;
     void addWindowsMenu() const;
-    void addHelpMenu() const;
     QMenu* addMenu(const QString& title) const;
     QAbstractButton* buttonCalled(const QString& name, const QString& panel) const;
     QAction* press(QMenu* menu, const QString& text, const QString& button,
                    const QKeySequence& keys = QKeySequence(),
                    const QString& panel = QString()) const;
-    static void showGuide(QWidget* parent);
-    static void showAbout(QWidget* parent);
-    static void showMouseAndKeys(QWidget* parent);
 
     QMainWindow* m_window;
     QWidgetList m_toolWindows;
@@ -172,76 +166,6 @@ void BodyMenu::addWindowsMenu() const {
     for (QAction* action : actions) {
         action->setShortcutContext(Qt::ApplicationShortcut);
     }
-}
-
-void BodyMenu::addHelpMenu() const {
-    QMenu* menu = addMenu(tr("&Help"));
-    if (!GuideWindow::firstPage().isEmpty()) {
-        QAction* guide = menu->addAction(tr("&User Guide"));
-        guide->setObjectName(QStringLiteral("actionGuide"));
-        guide->setShortcut(QKeySequence::HelpContents);
-        QObject::connect(guide, &QAction::triggered, m_window,
-                         [window = m_window] { showGuide(window); });
-    }
-    QAction* keys = menu->addAction(tr("&Mouse and Keys"));
-    keys->setObjectName(QStringLiteral("actionMouseAndKeys"));
-    keys->setShortcut(QKeySequence(Qt::SHIFT + Qt::Key_F1));
-    QObject::connect(keys, &QAction::triggered, m_window,
-                     [window = m_window] { showMouseAndKeys(window); });
-    QAction* about = menu->addAction(tr("&About Tarnwick"));
-    about->setObjectName(QStringLiteral("actionAbout"));
-    QObject::connect(about, &QAction::triggered, m_window,
-                     [window = m_window] { showAbout(window); });
-}
-
-void BodyMenu::showGuide(QWidget* parent) {
-    auto* window = parent->findChild<GuideWindow*>();
-    if (window == nullptr) {
-        window = new GuideWindow(parent);
-        window->setSource(QUrl::fromLocalFile(GuideWindow::firstPage()));
-    }
-    window->show();
-    window->raise();
-    window->activateWindow();
-}
-
-void BodyMenu::showAbout(QWidget* parent) {
-    QMessageBox::about(
-        parent, tr("About Tarnwick"),
-        QStringLiteral("<h3>Tarnwick %1</h3><p>%2</p>")
-            .arg(QStringLiteral(TARNWICK_VERSION),
-                 tr("Two-dimensional XAFS imaging: spectra, energy calibration and maps of "
-                    "chemical states.")));
-}
-
-/// Not modal: it can stand beside the windows that it explains.
-void BodyMenu::showMouseAndKeys(QWidget* parent) {
-    const QVector<QPair<QString, QString>> lines{
-        {tr("Wheel"), tr("zooms the image about the cursor")},
-        {tr("Middle drag, Shift + left drag"), tr("moves the image")},
-        {tr("Left drag"), tr("selects an area; a right click or Esc removes it")},
-        {tr("Click"), tr("pins the cursor, so that its spectrum stays; again frees it")},
-        {tr("Arrow keys"), tr("move the cursor by one bin")},
-        {tr("Double click"),
-         tr("shows the whole image, the whole plot, or each frame's own range")},
-        {tr("Drag in a plot"), tr("magnifies it")},
-        {tr("Drag an end of the colour bar"), tr("fixes the range of the frames")},
-        {tr("Tab, Space, Enter"), tr("go to the next control and press it")},
-        {tr("Ctrl+T"), tr("keeps the spectrum of the cursor in the spectrum plot")},
-        {tr("Ctrl+W"), tr("closes a tool window")}};
-    QString rows;
-    for (const auto& line : lines) {
-        rows += QStringLiteral(
-                    "<tr><td><p style='white-space:pre'><b>%1</b></p></td><td><p "
-                    "style='white-space:pre'>%2</p></td></tr>")
-                    .arg(line.first, line.second);
-    }
-    auto* box = new QMessageBox(QMessageBox::NoIcon, tr("Mouse and Keys"),
-                                QStringLiteral("<table cellpadding='4'>%1</table>").arg(rows),
-                                QMessageBox::Close, parent);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setModal(false);
-    box->show();
 }
 
 }  // namespace
