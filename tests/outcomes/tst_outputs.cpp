@@ -72,7 +72,7 @@ class TestOutputs : public QObject {
         QCOMPARE(contentOf(frame), before);
         QVERIFY(view->savePlot(folder.filePath("plot.png")));
         QCOMPARE(said.count(), 2);
-        QCOMPARE(view->findChild<QLabel*>("Message")->text(), QString("Saved plot.png"));
+        QCOMPARE(view->findChild<QLabel*>("Message")->text(), "Saved plot.png in " + folder.path());
     }
 };
 

@@ -152,7 +152,10 @@ class TestCalibCtrl : public QObject {
         QCOMPARE(clear.count(), 1);
         m_measurement->clearMap();
         QVERIFY(look(text, true, false, true, false));
+        panel.show();
+        const QSize size = panel.sizeHint();
         panel.say({{}, {"no standard"}, {"Energy shifts"}, {}, false});
+        QCOMPARE(panel.sizeHint(), size);  // so that no button jumps
         QCOMPARE(textOf("Message", &panel) + ' ' + textOf("Shifts", &panel),
                  QString("no standard Energy shifts"));
     }
@@ -188,6 +191,8 @@ class TestCalibCtrl : public QObject {
         QVERIFY(!selector->isVisible());
         press("SelectStd", &panel);
         QVERIFY(selector->isVisible());
+        answer({m_falling});  // asked at once
+        press("Clear", &panel);
         const auto* exec = control<QPushButton>("ExecCalib", &panel);
         const auto* save = control<QPushButton>("SaveMap", &panel);
         const QString execWithout = exec->toolTip();

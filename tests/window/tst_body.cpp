@@ -222,7 +222,8 @@ class TestBody : public QObject {
         QTRY_COMPARE(textOf("Message", batch), QString("2 done, 0 with a warning, 1 failed"));
         QVERIFY2(row(3).startsWith("failed|3|none.emp|"), qPrintable(row(3)));
         QCOMPARE(list->model()->rowCount(), 4);
-        QCOMPARE(textOf("Notice"), QString("Saved saved.png"));
+        QCOMPARE(textOf("Notice"),
+                 "Saved saved.png in " + QFileInfo(m_phantom->file("saved.png")).path());
 
         QCOMPARE(count->text(), QString("4 messages"));
         count->click();

@@ -1,5 +1,7 @@
 #include "display/MessageLine.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
@@ -16,8 +18,13 @@ QString textOf(const Outcome& outcome) {
         return texts.size() <= MostInALine ? texts.join(gap)
                                            : texts.first() + gap + more.arg(texts.size() - 1);
     };
-    QStringList parts{inShort(outcome.texts(), MessageLine::tr("(%1 more in Messages)")),
-                      inShort(outcome.notes, MessageLine::tr("(and %1 more)"))};
+    QString notes = inShort(outcome.notes, MessageLine::tr("(and %1 more)"));
+    if (!notes.isEmpty() && !outcome.files.isEmpty()) {
+        const QString folder = QFileInfo(outcome.files.last()).absolutePath();
+        //: folder of files that were saved; stands behind "Saved NAME"
+        notes += QLatin1Char(' ') + MessageLine::tr("in %1").arg(QDir::toNativeSeparators(folder));
+    }
+    QStringList parts{inShort(outcome.texts(), MessageLine::tr("(%1 more in Messages)")), notes};
     parts.removeAll(QString());
     return parts.join(gap);
 }

@@ -4,8 +4,8 @@
 
 #include "measurement/Outcome.h"
 
-/// What is to be said of an outcome in one line: its failures and warnings, then its notes. Of many
-/// of either the first, and how many more there are.
+/// What is to be said of an outcome in one line: its failures and warnings, then its notes, and the
+/// folder of the files that were written. Of many of either the first, and how many more there are.
 QString textOf(const Outcome& outcome);
 
 /// Text that does not widen its window: what does not fit into its lines, usually one, is cut off

@@ -59,7 +59,7 @@ CalibCtrl::CalibCtrl(Measurement& measurement, QWidget* parent)
 CalibCtrl::~CalibCtrl() = default;
 
 void CalibCtrl::connectControls() {
-    connect(m_ui->SelectStd, &QAbstractButton::clicked, m_ui->StdSelector, &QWidget::show);
+    connect(m_ui->SelectStd, &QAbstractButton::clicked, this, &CalibCtrl::chooseStandard);
     connect(m_ui->StdSelector, &XafsFileSelect::newFile, this, &CalibCtrl::newFile);
     connect(m_ui->StdSelector, &XafsFileSelect::cleared, this,
             [this] { m_measurement.clearStandard(); });
@@ -77,6 +77,14 @@ void CalibCtrl::connectControls() {
 
     connect(m_ui->SaveMap, &QAbstractButton::clicked, this, &CalibCtrl::showSaveDialog);
     connect(m_ui->LoadMap, &QAbstractButton::clicked, this, &CalibCtrl::showLoadDialog);
+}
+
+/// Where there is none yet, there is nothing to look at or to clear first.
+void CalibCtrl::chooseStandard() {
+    m_ui->StdSelector->show();
+    if (m_measurement.standardFile().isEmpty()) {
+        m_ui->StdSelector->findChild<QAbstractButton*>(QStringLiteral("Select"))->click();
+    }
 }
 
 void CalibCtrl::showSaveDialog() {
@@ -132,7 +140,7 @@ QString CalibCtrl::standardFileName() const {
 void CalibCtrl::say(const Outcome& outcome) {
     // What a calibration has found is read as a whole, and with its warnings.
     const bool hasFound = outcome.files.isEmpty();
-    m_ui->Shifts->setText(hasFound ? outcome.notes.join(QLatin1Char('\n')) : QString());
+    m_ui->Shifts->setText(hasFound ? outcome.notes.join(QStringLiteral("; ")) : QString());
     Outcome rest = outcome;
     if (hasFound) {
         rest.notes.clear();

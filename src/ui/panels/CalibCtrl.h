@@ -58,6 +58,7 @@ class CalibCtrl : public QWidget {
     void chooseEdge(int kind);
     void takeEdgeEnergy();
     void takeRanges();
+    void chooseStandard();
     void showSaveDialog();
     void showLoadDialog();
     QFileDialog* makeMapDialog(const char* name);
