@@ -6,6 +6,7 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScrollBar>
 #include <QSlider>
 #include <QTemporaryDir>
@@ -335,6 +336,9 @@ class TestBody : public QObject {
         factor->setText("nonsense");
         press("DeGlitch");
         QCOMPARE(factor->text(), QString("2.0"));
+        QVERIFY(QRegularExpression("^Deglitched: [1-9]\\d* of \\d+ bins replaced$")
+                    .match(textOf("Notice"))
+                    .hasMatch());
         QVERIFY(page->isChecked() && result->showsProc());
         QVERIFY(std::abs(result->shownValueAt(5, 4) - result->valueAt(5, 5)) < 0.5);
         QCOMPARE(result->valueAt(5, 4), 9.0);

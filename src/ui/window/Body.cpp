@@ -29,6 +29,7 @@
 #include "window/SaveDialogs.h"
 #include "window/SpectrumFitWindow.h"
 #include "window/SpectrumPane.h"
+#include "window/SpokenNames.h"
 #include "window/StatusLine.h"
 #include "window/WhatWasDone.h"
 
@@ -107,6 +108,7 @@ Body::Body(QWidget* parent)
     }
     const auto* resultFiles = new ResultFiles(m_measurement, m_dialogs, this);
     connect(resultFiles, &ResultFiles::said, this, &Body::say);
+    nameControls(this);
     buildBodyMenu(this, tools, resultFiles->actions(), m_record->actions());
     updateControls(*m_ui, m_measurement, *m_xafsView);
     m_ui->SelectI1Files->setFocus();

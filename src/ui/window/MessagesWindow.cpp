@@ -44,6 +44,7 @@ MessagesWindow::MessagesWindow(Messages& messages)
 void MessagesWindow::makeControls() {
     m_list->setObjectName(QStringLiteral("MessageList"));
     m_list->setToolTip(tr("Failures and warnings since the start, the newest last"));
+    m_list->setAccessibleName(tr("Messages"));
     m_list->setModel(&m_messages);
     m_list->setRootIsDecorated(false);
     m_list->setUniformRowHeights(true);

@@ -76,6 +76,7 @@ void SpectrumFitWindow::makeControls() {
     m_name->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
     m_shares->setObjectName(QStringLiteral("Shares"));
+    m_shares->setAccessibleName(tr("Shares and edge jumps of the references"));
     m_shares->setHorizontalHeaderLabels(
         {tr("Reference"), tr("Share"), tr("Error"), tr("Edge jump"), tr("Error")});
     m_shares->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -91,6 +92,7 @@ void SpectrumFitWindow::makeControls() {
     m_numbers->setWordWrap(true);
 
     m_canvas->setObjectName(QStringLiteral("FitPlot"));
+    m_canvas->setAccessibleName(tr("Plot of the fit"));
     m_canvas->setMinimumSize(letters.height() * 24, letters.height() * 12);
     setOwnToolTip(m_canvas,
                   tr("Spectrum, fit and what each reference has in it; below, the difference"));

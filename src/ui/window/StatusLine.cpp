@@ -54,6 +54,7 @@ StatusLine::StatusLine(Measurement& measurement, const Messages& messages, QMain
 void StatusLine::followMessages(const Messages& messages) {
     m_count->setObjectName(QStringLiteral("ShowMessages"));
     m_count->setToolTip(tr("Show the failures and warnings that nobody has looked at yet"));
+    m_count->setAccessibleName(tr("Messages that nobody has looked at"));
     m_count->setFlat(true);
     m_count->hide();
     connect(&messages, &Messages::counted, this, [this, &messages] {
