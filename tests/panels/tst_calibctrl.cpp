@@ -88,6 +88,7 @@ class TestCalibCtrl : public QObject {
         QSignalSpy loaded(&panel, &CalibCtrl::newStdFileLoaded);
         panel.loadStd(m_foil);
         QCOMPARE(loaded.count(), 1);
+        QCOMPARE(textOf("Shifts", &panel), QString("Standard foil.dat: edge at 7112.04 eV"));
         QVERIFY(panel.standard() && !panel.standard()->isEmpty());
         QCOMPARE(panel.standard()->backgroundType(), int(XafsSpectrum::Simple));
         QVERIFY(std::abs(panel.standard()->midE() - 7112.0) < 0.5);

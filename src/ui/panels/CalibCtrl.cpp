@@ -149,7 +149,12 @@ void CalibCtrl::say(const Outcome& outcome) {
 }
 
 void CalibCtrl::newFile(const QString& fname) {
-    const Outcome outcome = m_measurement.loadStandard(fname);
+    Outcome outcome = m_measurement.loadStandard(fname);
+    if (!outcome.failed() && standard()->midE() > 0.0) {
+        outcome.notes << tr("Standard %1: edge at %2 eV")
+                             .arg(QFileInfo(fname).fileName())
+                             .arg(standard()->midE(), 0, 'f', 2);
+    }
     say(outcome);
     emit said(outcome, fname);
     if (!outcome.failed()) {

@@ -160,7 +160,7 @@ EMPHeader Body::loadEMapHeader(EMPHeader, QTextStream& in) {
 }
 void Body::clearShiftMap() {
     m_measurement.clearMap();
-    sayOf(Work::Calibrate, {});
+    sayOf(Work::Calibrate, Outcome::note(tr("The energy-shift map has been cleared")));
 }
 void Body::normalizeEShift() {
     const QVector<double> before = m_measurement.map().image.values();
