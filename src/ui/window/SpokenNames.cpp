@@ -30,12 +30,26 @@ constexpr SpokenName Names[] = {
     {"DeGlitchFactor", QT_TRANSLATE_NOOP("SpokenNames", "Factor of the deglitching")},
     {"DeGlitchRatio", QT_TRANSLATE_NOOP("SpokenNames", "Ratio of the deglitching")}};
 
+/// In the row of each stack, whose own name is said before.
+constexpr SpokenName RowNames[] = {
+    {"Selected", QT_TRANSLATE_NOOP("SpokenNames", "Files of the stack")},
+    {"EngPattern", QT_TRANSLATE_NOOP("SpokenNames", "Pattern of the energy in the names")},
+    {"SelectUnit", QT_TRANSLATE_NOOP("SpokenNames", "Unit of the energy")}};
+
+template <std::size_t Count>
+void give(const SpokenName (&names)[Count], const QWidget* parent) {
+    for (const SpokenName& spoken : names) {
+        if (auto* control = parent->findChild<QWidget*>(QLatin1String(spoken.control))) {
+            control->setAccessibleName(SpokenNames::tr(spoken.name));
+        }
+    }
+}
+
 }  // namespace
 
 void nameControls(QWidget* window) {
-    for (const SpokenName& spoken : Names) {
-        if (auto* control = window->findChild<QWidget*>(QLatin1String(spoken.control))) {
-            control->setAccessibleName(SpokenNames::tr(spoken.name));
-        }
+    give(Names, window);
+    for (const char* row : {"SelectI1Files", "SelectI0Files"}) {
+        give(RowNames, window->findChild<QWidget*>(QLatin1String(row)));
     }
 }
