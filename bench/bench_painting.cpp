@@ -50,6 +50,7 @@ QList<Type*> windowsOfType() {
         if (auto* window = qobject_cast<Type*>(widget)) {
             found << window;
         }
+        found << widget->findChildren<Type*>();
     }
     return found;
 }

@@ -82,9 +82,10 @@ class TestButtons : public QObject {
         QFETCH(QStringList, windows);
         const auto shown = [this] {
             QSet<QString> names;
-            for (const QWidget* window : QApplication::topLevelWidgets()) {
-                if (window->isVisible() && window != m_body.get()) {
-                    names << window->objectName();
+            for (const char* name : {"Spectrum", "CalibCtrl", "Analyzer", "AnalyzingSpectrum",
+                                     "BatchCtrl", "SaveDataCfg", "Messages"}) {
+                if (isPanelOpen(*control<QWidget>(name, m_body.get()))) {
+                    names << name;
                 }
             }
             return names;

@@ -62,11 +62,7 @@ class TestCommands : public QObject {
     CalibCtrl* calib() const { return topLevel<CalibCtrl>(); }
     SaveDataCfg* saveCfg() const { return topLevel<SaveDataCfg>(); }
     XafsView* plot() const {
-        const QWidgetList windows = QApplication::topLevelWidgets();
-        const auto found = std::find_if(windows.begin(), windows.end(), [](QWidget* window) {
-            return window->objectName() == "Spectrum";
-        });
-        return qobject_cast<XafsView*>(*found);
+        return control<XafsView>("Spectrum", m_body.get());
     }
     ImageView* view() const { return control<ImageView>("dispA", m_body.get()); }
 
@@ -339,7 +335,7 @@ void TestCommands::addPictureCases() {
 
 void TestCommands::addAnalyzerCases() {
     const auto inAnalyzer = [this](const char* name) { return text(analyzer(), name); };
-    add("analyzer_show_window", [=] { return analyzer()->isVisible(); });
+    add("analyzer_show_window", [=] { return analyzer()->isOpen(); });
     add("analyzer_add_ref",
         [=] { return analyzer()->references().size() == 1 && !reference(0)->hasSpectrum(); });
     add("analyzer_set_LCF_std 0 1 0 " + m_phantom->file("a.dat") + " 0",
@@ -470,7 +466,7 @@ void TestCommands::addMapCases() {
 }
 
 void TestCommands::addCalibrationCases() {
-    add("calib_show_window", [=] { return calib()->isVisible(); });
+    add("calib_show_window", [=] { return calib()->isOpen(); });
     add("calib_load_std " + m_phantom->file("a.dat"), [=] {
         return calib()->standard() != nullptr &&
                calib()->standardFileName() == m_phantom->file("a.dat") &&

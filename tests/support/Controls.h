@@ -6,11 +6,13 @@
 #include <QLabel>
 #include <QtTest>
 
-/// The open window of a kind.
+/// The window of a kind, or the panel in a dock.
 template <typename Window>
 Window* topLevel() {
     for (QWidget* window : QApplication::topLevelWidgets()) {
-        if (auto* found = qobject_cast<Window*>(window)) {
+        auto* found = qobject_cast<Window*>(window);
+        found = found != nullptr ? found : window->findChild<Window*>();
+        if (found != nullptr) {
             return found;
         }
     }

@@ -64,8 +64,7 @@ class TestSpectrumFitWindow : public QObject {
         answer({phantom.file("b.dat")});
         QVERIFY(textOf("FitMessage", window).contains("was read from this file"));
 
-        window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(window));
+        QApplication::setActiveWindow(window);
         QTest::keyClick(window, Qt::Key_W, Qt::ControlModifier);
         QVERIFY(!window->isVisible());
         take("none.dat");

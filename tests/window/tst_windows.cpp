@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QDockWidget>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -23,21 +24,26 @@ namespace {
 
 const QSize SmallScreen(1366, 728);  // less the title bar
 
-/// All windows of the program, with three references in the analyzer.
+/// All windows of the program, those in docks afloat, with three references in the analyzer.
 class Windows {
   public:
     Windows() {
+        m_body.resize(SmallScreen);
         m_body.show();
         for (int i = 0; i < 3; ++i) {
             analyzerWindow()->addNewRef();
         }
-        const QWidgetList all = QApplication::topLevelWidgets();
-        for (QWidget* window : all) {
-            const bool ours = window == &m_body || window->parentWidget() == nullptr;
-            if (ours && !window->windowTitle().isEmpty()) {
-                window->show();
-                m_windows << window;
-            }
+        m_windows << &m_body;
+        const auto docks = m_body.findChildren<QDockWidget*>();
+        for (QDockWidget* dock : docks) {
+            dock->setFloating(true);
+            m_windows << dock;
+        }
+        for (const char* name : {"SaveDataCfg", "SpectrumFit"}) {
+            m_windows << control<QWidget>(name, &m_body);
+        }
+        for (QWidget* window : qAsConst(m_windows)) {
+            window->show();
         }
         QCoreApplication::processEvents();
     }

@@ -17,7 +17,7 @@
 #include "ui_XafsView.h"
 
 XafsView::XafsView(QWidget* parent)
-    : QFrame(parent), m_ui(std::make_unique<Ui::XafsView>()), m_message(new MessageLine(this)) {
+    : Panel(parent), m_ui(std::make_unique<Ui::XafsView>()), m_message(new MessageLine(this)) {
     m_ui->setupUi(this);
     m_message->setObjectName(QStringLiteral("Message"));
     m_message->hide();

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include "display/Panel.h"
 #include "drawing/ChCoord.h"
 #include "drawing/SpectrumPlot.h"
 #include "measurement/Outcome.h"
@@ -19,7 +20,7 @@ class MessageLine;
 
 /// The window of a spectrum plot: shows the value and lets the user choose what of it is seen,
 /// magnify, read out, pin spectra and save.
-class XafsView : public QFrame {
+class XafsView : public Panel<QFrame> {
     Q_OBJECT
 
   public:

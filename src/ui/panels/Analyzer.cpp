@@ -39,7 +39,7 @@ void setField(QLineEdit* field, double value) {
 }  // namespace
 
 Analyzer::Analyzer(Measurement& measurement, QWidget* parent)
-    : QFrame(parent),
+    : Panel(parent),
       m_measurement(measurement),
       m_ui(std::make_unique<Ui::Analyzer>()),
       m_choice(new QButtonGroup(this)),
@@ -252,8 +252,8 @@ void Analyzer::scalePolicyChanged(bool) {
 }
 
 void Analyzer::show() {
-    QFrame::show();
-    m_view->show();
+    m_view->open();
+    Panel::show();
 }
 
 QString Analyzer::whyNotFit() const {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "display/Panel.h"
 #include "measurement/Measurement.h"
 
 namespace Ui {
@@ -25,7 +26,7 @@ class XafsView;
 /// the cursor, its thread and the plot that shows it.
 ///
 /// One spectrum is with the fitter at a time; of those that come meanwhile only the newest is kept.
-class Analyzer : public QFrame {
+class Analyzer : public Panel<QFrame> {
     Q_OBJECT
 
   public:

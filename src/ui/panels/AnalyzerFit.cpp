@@ -74,7 +74,7 @@ void Analyzer::analyzeSpectrumFinished() {
     // A fit from before a run, or not of the sample, belongs to no curve on display.
     if (!m_busy && m_sampleIsOut) {
         m_view->setFit(m_fitted);
-        m_view->show();
+        m_view->open();
     }
     emit finished();
     if (m_fitsOut == 0 && m_waiting) {

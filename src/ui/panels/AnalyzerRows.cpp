@@ -51,6 +51,9 @@ void Analyzer::growWithReferences() {
     const QSize needed = m_ui->RefBase->layout()->minimumSize();
     const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
     m_ui->refScroll->setMinimumWidth(needed.width() + bar);
+    if (!isWindow()) {
+        return;
+    }
     layout()->activate();
     const int others = minimumSizeHint().height() - m_ui->refScroll->minimumSizeHint().height();
     const QRect frame = screen()->availableGeometry();

@@ -41,9 +41,7 @@ QVector<int> numbersIn(const QStringList& text, const QStringList& lines) {
 }  // namespace
 
 BatchCtrl::BatchCtrl(QWidget* parent)
-    : QMainWindow(parent),
-      m_ui(std::make_unique<Ui::BatchCtrl>()),
-      m_message(new MessageLine(this)) {
+    : Panel(parent), m_ui(std::make_unique<Ui::BatchCtrl>()), m_message(new MessageLine(this)) {
     m_ui->setupUi(this);
     m_message->setObjectName(QStringLiteral("Message"));
     statusBar()->addWidget(m_message, 1);

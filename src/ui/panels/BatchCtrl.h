@@ -8,6 +8,7 @@
 
 #include "batch/BatchText.h"
 #include "batch/Verdict.h"
+#include "display/Panel.h"
 #include "measurement/Outcome.h"
 
 class MessageLine;
@@ -20,7 +21,7 @@ class BatchCtrl;
 /// The window in which a batch is written, loaded, saved, started and stopped, in which its
 /// progress is logged, and which says how its lines ended. Knows nothing of the language: it turns
 /// the editor's text into lines.
-class BatchCtrl : public QMainWindow {
+class BatchCtrl : public Panel<QMainWindow> {
     Q_OBJECT
 
   public:

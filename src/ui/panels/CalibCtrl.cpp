@@ -39,7 +39,7 @@ void choose(QButtonGroup* group, int background) {
 }  // namespace
 
 CalibCtrl::CalibCtrl(Measurement& measurement, QWidget* parent)
-    : QWidget(parent, Qt::Window),
+    : Panel(parent, Qt::Window),
       m_measurement(measurement),
       m_ui(std::make_unique<Ui::CalibCtrl>()) {
     m_ui->setupUi(this);

@@ -3,6 +3,7 @@
 #include <QWidget>
 #include <memory>
 
+#include "display/Panel.h"
 #include "measurement/Measurement.h"
 
 class QFileDialog;
@@ -14,7 +15,7 @@ class CalibCtrl;
 /// The calibration panel: a measurement's standard spectrum, background forms, E0, crystal and edge
 /// energy, and the buttons that make, save, load and clear its energy-shift map. The work on the
 /// map belongs to whoever receives the signals.
-class CalibCtrl : public QWidget {
+class CalibCtrl : public Panel<QWidget> {
     Q_OBJECT
 
   public:

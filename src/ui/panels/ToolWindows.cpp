@@ -1,14 +1,16 @@
 #include "panels/ToolWindows.h"
 
+#include <QDockWidget>
 #include <QKeyEvent>
 #include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
 #include <algorithm>
+#include <limits>
 
 namespace {
-constexpr int Step = 32;      // from one window to the next, in pixels
-constexpr int Gap = 8;        // between the main window and one beside it
+constexpr int Step = 16;      // from one place that is looked at to the next, in pixels
+constexpr int Gap = 8;        // to the edge of the screen
 constexpr int TitleBar = 40;  // left free for what the window manager adds
 
 /// Enter on a button, which has come up to the window because the button takes Space only.
@@ -23,7 +25,8 @@ bool pressesButton(const QWidget* window, const QKeyEvent* key) {
 
 }  // namespace
 
-ToolWindows::ToolWindows(QWidget* mainWindow) : QObject(mainWindow), m_mainWindow(mainWindow) {
+ToolWindows::ToolWindows(QWidget* mainWindow, const QWidgetList& looked)
+    : QObject(mainWindow), m_mainWindow(mainWindow), m_looked(looked) {
     mainWindow->installEventFilter(this);
 }
 
@@ -34,48 +37,60 @@ void ToolWindows::add(QWidget* window) {
     m_windows << window;
 }
 
+void ToolWindows::addDock(QDockWidget* dock) {
+    dock->installEventFilter(this);
+}
+
 bool ToolWindows::eventFilter(QObject* watched, QEvent* event) {
     auto* window = qobject_cast<QWidget*>(watched);
     if (event->type() == QEvent::KeyPress &&
         pressesButton(window, static_cast<QKeyEvent*>(event))) {
         return true;
     }
-    if (window != m_mainWindow && window != nullptr && event->type() == QEvent::Show &&
-        !event->spontaneous() && !window->testAttribute(Qt::WA_Moved)) {
+    if (m_windows.contains(window) && event->type() == QEvent::Show && !event->spontaneous() &&
+        !window->testAttribute(Qt::WA_Moved)) {
         place(window);
     }
     return QObject::eventFilter(watched, event);
 }
 
 void ToolWindows::place(QWidget* window) {
-    const QRect screen =
-        m_mainWindow->screen()->availableGeometry().adjusted(0, 0, -Gap, -TitleBar);
-    const QRect main = m_mainWindow->frameGeometry();
-    window->resize(window->size().boundedTo(screen.size()));
-    QPoint corner = screen.bottomRight() - QPoint(window->width() - 1, window->height() - 1);
-    const int beside = std::min(main.right() + Gap, corner.x());
-
-    // At the top or at the bottom, where the windows that are open leave more to see; over one of
-    // them a little aside, so that its edge stays in reach.
-    QPoint best(beside, std::min(main.top(), corner.y()));
-    const QPoint below(beside, corner.y());
-    if (overlap(QRect(below, window->size())) < overlap(QRect(best, window->size()))) {
-        best = below;
-    }
-    if (overlap(QRect(best, window->size())) > 0) {
-        best += QPoint(-Step, best.y() > screen.top() + Step ? -Step : Step) * m_cascaded++;
-    }
+    QRect screen = m_mainWindow->screen()->availableGeometry().adjusted(0, 0, -Gap, -Gap);
     // Some window managers put their title above the place of a window that is new.
-    const int top = screen.top() + m_mainWindow->geometry().top() - main.top();
-    window->move(std::max(best.x(), screen.left()), std::max(top, std::min(best.y(), corner.y())));
+    screen.setTop(screen.top() + m_mainWindow->geometry().top() -
+                  m_mainWindow->frameGeometry().top());
+    window->resize(window->size().boundedTo(screen.size() - QSize(0, TitleBar)));
+    const QSize size = window->size() + QSize(0, TitleBar);
+    const QPoint last = screen.bottomRight() - QPoint(size.width() - 1, size.height() - 1);
+    QPoint best = last;
+    int least = std::numeric_limits<int>::max();
+    // Of places that are equally good, that at the right and at the top.
+    for (int x = last.x(); x >= screen.left(); x -= Step) {
+        for (int y = screen.top(); y <= last.y(); y += Step) {
+            const int cost = covered(QRect(QPoint(x, y), size), window);
+            if (cost < least) {
+                least = cost;
+                best = QPoint(x, y);
+            }
+        }
+    }
+    window->move(best);
 }
 
-int ToolWindows::overlap(const QRect& place) const {
+int ToolWindows::covered(const QRect& place, const QWidget* window) const {
     int area = 0;
-    for (const QWidget* tool : m_windows) {
-        if (tool->isVisible() && tool->testAttribute(Qt::WA_Moved)) {
-            const QRect common = tool->frameGeometry() & place;
-            area += common.isValid() ? common.width() * common.height() : 0;
+    const auto add = [&area, &place](const QRect& rect) {
+        const QRect common = rect & place;
+        area += common.isValid() ? common.width() * common.height() : 0;
+    };
+    for (const QWidget* looked : m_looked) {
+        if (looked->isVisible() && !looked->visibleRegion().isEmpty()) {
+            add(QRect(looked->mapToGlobal(QPoint()), looked->size()));
+        }
+    }
+    for (const QWidget* other : m_windows) {
+        if (other != window && other->isVisible()) {
+            add(other->frameGeometry());
         }
     }
     return area;

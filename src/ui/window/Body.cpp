@@ -2,8 +2,8 @@
 
 #include <QCloseEvent>
 #include <QPainter>
-#include <QScreen>
 #include <QStyle>
+#include <QToolBar>
 
 #include "batch/CommandTables.h"
 #include "display/ColorBar.h"
@@ -20,8 +20,10 @@
 #include "window/BodyMenu.h"
 #include "window/Controls.h"
 #include "window/DarkControl.h"
+#include "window/Docks.h"
 #include "window/Fields.h"
 #include "window/ImagePane.h"
+#include "window/Layout.h"
 #include "window/MapImageAction.h"
 #include "window/Messages.h"
 #include "window/MessagesWindow.h"
@@ -40,14 +42,23 @@ void fitToFont(QMainWindow& window, const Ui::Body& ui) {
     ui.Position->setMinimumWidth(
         window.fontMetrics().horizontalAdvance(QStringLiteral("(0000, 0000)")));
     const int line = window.fontMetrics().height();
-    ui.HCross->setFixedHeight(6 * line);
-    ui.VCross->setFixedWidth(7 * line);
-    ui.CBar->setFixedWidth(6 * line);
+    ui.HCross->setFixedHeight(5 * line);
+    ui.VCross->setFixedWidth(5 * line);
+    ui.CBar->setFixedWidth(11 * line / 2);
     ui.Prev->setIcon(window.style()->standardIcon(QStyle::SP_MediaSeekBackward));
     ui.Next->setIcon(window.style()->standardIcon(QStyle::SP_MediaSeekForward));
     ui.Next->setLayoutDirection(Qt::RightToLeft);
-    const QSize room = window.screen()->availableSize() - QSize(0, 2 * line);  // less the title bar
-    window.resize(QSize(72 * line, 46 * line).boundedTo(room));
+}
+
+/// The data and what opens windows, above the docks and over the whole width.
+void addDataBar(QMainWindow& window, const Ui::Body& ui) {
+    auto* bar = new QToolBar(&window);
+    bar->setObjectName(QStringLiteral("DataBar"));
+    bar->setMovable(false);
+    bar->toggleViewAction()->setVisible(false);  // in the menu that a right click opens
+    bar->addWidget(ui.dataRows);
+    bar->addWidget(ui.windowBox);
+    window.addToolBar(bar);
 }
 
 /// Of many files that a load did not take, their number: a line for each would bury the rest.
@@ -68,28 +79,25 @@ Outcome inShort(const Measurement& measurement, Work work, const Outcome& outcom
 Body::Body(QWidget* parent)
     : QMainWindow(parent),
       m_ui(std::make_unique<Ui::Body>()),
-      m_calib(std::make_unique<CalibCtrl>(m_measurement)),
-      m_analyzer(std::make_unique<Analyzer>(m_measurement)),
-      m_xafsView(std::make_unique<XafsView>()),
-      m_saveDataCfg(std::make_unique<SaveDataCfg>(m_measurement)),
-      m_batchCtrl(std::make_unique<BatchCtrl>()),
       m_messages(new Messages(this)),
-      m_messagesWindow(std::make_unique<MessagesWindow>(*m_messages)) {
+      m_panels(std::make_unique<Panels>(m_measurement, *m_messages)),
+      m_saveDataCfg(std::make_unique<SaveDataCfg>(m_measurement)) {
     m_ui->setupUi(this);
+    addDataBar(*this, *m_ui);
     fitToFont(*this, *m_ui);
     m_ui->SelectI1Files->setLabel(tr("I1 Data"));
     m_ui->SelectI0Files->setLabel(tr("I0 Data"));
     m_ui->SelectI1Files->follow(m_measurement, StackId::I1);
     m_ui->SelectI0Files->follow(m_measurement, StackId::I0);
-    m_xafsView->setWindowTitle(tr("Spectrum"));
-    m_xafsView->setObjectName(QStringLiteral("Spectrum"));
-    addAction(m_xafsView->pinAction());  // its shortcut works while the mouse is over the image
+    addAction(
+        m_panels->spectrum->pinAction());  // its shortcut works while the mouse is over the image
     m_dialogs = new SaveDialogs(this);
     m_spectrumFit = std::make_unique<SpectrumFitWindow>(m_measurement, m_dialogs);
     m_status = new StatusLine(m_measurement, *m_messages, this);
     m_image = new ImagePane(m_measurement, *m_ui, this);
-    m_spectrum = new SpectrumPane(m_measurement, *m_ui, *m_xafsView, *m_analyzer, this);
-    m_record = new WhatWasDone(m_measurement, this, m_batchCtrl.get(), m_dialogs);
+    m_spectrum =
+        new SpectrumPane(m_measurement, *m_ui, *m_panels->spectrum, *m_panels->analyzer, this);
+    m_record = new WhatWasDone(m_measurement, this, m_panels->batch.get(), m_dialogs);
 
     connectMeasurement();
     connectBatch();
@@ -99,27 +107,47 @@ Body::Body(QWidget* parent)
     connectDarkButton(m_ui->SelectDark, m_measurement, m_dialogs);
     addMapImageAction(this, m_measurement, m_dialogs,
                       [this](const QString& name) { saveEMap(name); });
-    const QWidgetList tools{m_xafsView.get(),       m_calib.get(),      m_analyzer.get(),
-                            m_analyzer->view(),     m_batchCtrl.get(),  m_saveDataCfg.get(),
-                            m_messagesWindow.get(), m_spectrumFit.get()};
-    auto* toolWindows = new ToolWindows(this);
-    for (QWidget* window : tools) {
-        toolWindows->add(window);
-    }
+    const QList<QAction*> windows = addWindows();
     const auto* resultFiles = new ResultFiles(m_measurement, m_dialogs, this);
     connect(resultFiles, &ResultFiles::said, this, &Body::say);
     nameControls(this);
-    buildBodyMenu(this, tools, resultFiles->actions(), m_record->actions());
-    updateControls(*m_ui, m_measurement, *m_xafsView);
+    buildBodyMenu(this, windows, resultFiles->actions(), m_record->actions());
+    updateControls(*m_ui, m_measurement, *m_panels->spectrum);
     m_ui->SelectI1Files->setFocus();
     m_measurement.set(&Settings::errorMaps, true);  // a batch says itself whether it makes them
+}
+
+QList<QAction*> Body::addWindows() {
+    auto* docks = new Docks(this, *m_panels);
+    m_saveDataCfg->setParent(this, m_saveDataCfg->windowFlags());
+    m_spectrumFit->setParent(this, Qt::Window);
+    auto* windows = new ToolWindows(this, docks->plots() + QWidgetList{m_ui->dispA});
+    const auto all = docks->all();
+    for (QDockWidget* dock : all) {
+        windows->addDock(dock);
+    }
+    const QWidgetList others{m_saveDataCfg.get(), m_spectrumFit.get()};
+    for (QWidget* window : others) {
+        windows->add(window);
+    }
+    m_layout = new Layout(this, docks, others);
+    m_layout->startWindow();
+    auto* start = new QAction(tr("Start &Layout"), this);
+    start->setObjectName(QStringLiteral("actionStartLayout"));
+    start->setToolTip(tr("Put all windows where they were when the program was new"));
+    connect(start, &QAction::triggered, m_layout, &Layout::start);
+    return docks->toggles() << start;
+}
+
+BatchCtrl* Body::batchCtrl() const {
+    return m_panels->batch.get();
 }
 
 Body::~Body() {
     m_measurement.stop();
     m_measurement.disconnect(this);
     m_runner.disconnect(this);
-    m_analyzer.reset();
+    m_panels->analyzer.reset();
 }
 
 void Body::closeEvent(QCloseEvent* event) {
@@ -127,16 +155,17 @@ void Body::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
-    emit m_batchCtrl->batchStop();
+    m_layout->save();
+    emit m_panels->batch->batchStop();
     QMainWindow::closeEvent(event);
     emit finishing();
 }
 
 void Body::connectMeasurement() {
     connect(&m_measurement, &Measurement::changed, this,
-            [this] { updateControls(*m_ui, m_measurement, *m_xafsView); });
-    connect(m_xafsView.get(), &XafsView::updated, this,
-            [this] { updateControls(*m_ui, m_measurement, *m_xafsView); });
+            [this] { updateControls(*m_ui, m_measurement, *m_panels->spectrum); });
+    connect(m_panels->spectrum.get(), &XafsView::updated, this,
+            [this] { updateControls(*m_ui, m_measurement, *m_panels->spectrum); });
     connect(&m_runner, &BatchRunner::endedAlone, this,
             [this](Work work, const Outcome& outcome) { sayOf(work, outcome); });
     connect(&m_measurement, &Measurement::progressed, this,
@@ -161,20 +190,21 @@ void Body::connectMeasurement() {
 }
 
 void Body::connectBatch() {
-    connect(m_batchCtrl.get(), &BatchCtrl::doDispatchCmds, &m_runner, &BatchRunner::start);
-    connect(m_batchCtrl.get(), &BatchCtrl::batchStop, &m_runner, &BatchRunner::stop);
-    connect(m_runner.dispatcher(), &BatchDispatcher::log, m_batchCtrl.get(), &BatchCtrl::logmsg);
-    connect(&m_runner, &BatchRunner::unknownCommand, m_batchCtrl.get(), &BatchCtrl::showCmdErr);
+    connect(m_panels->batch.get(), &BatchCtrl::doDispatchCmds, &m_runner, &BatchRunner::start);
+    connect(m_panels->batch.get(), &BatchCtrl::batchStop, &m_runner, &BatchRunner::stop);
+    connect(m_runner.dispatcher(), &BatchDispatcher::log, m_panels->batch.get(),
+            &BatchCtrl::logmsg);
+    connect(&m_runner, &BatchRunner::unknownCommand, m_panels->batch.get(), &BatchCtrl::showCmdErr);
     connect(&m_runner, &BatchRunner::finishBatchExec, this, &Body::finishBatchExec);
     connect(&m_runner, &BatchRunner::commandDone, this, &Body::lineDone);
-    connect(m_runner.dispatcher(), &BatchDispatcher::started, m_batchCtrl.get(),
+    connect(m_runner.dispatcher(), &BatchDispatcher::started, m_panels->batch.get(),
             &BatchCtrl::batchStarted);
-    connect(m_runner.dispatcher(), &BatchDispatcher::ended, m_batchCtrl.get(),
+    connect(m_runner.dispatcher(), &BatchDispatcher::ended, m_panels->batch.get(),
             &BatchCtrl::batchEnded);
-    connect(m_batchCtrl.get(), &BatchCtrl::said, this, &Body::say);
-    connect(m_status->messagesButton(), &QPushButton::clicked, m_messagesWindow.get(),
+    connect(m_panels->batch.get(), &BatchCtrl::said, this, &Body::say);
+    connect(m_status->messagesButton(), &QPushButton::clicked, m_panels->messages.get(),
             &QWidget::show);
-    connect(m_ui->BatchCtrlB, &QPushButton::clicked, m_batchCtrl.get(), &QWidget::show);
+    connect(m_ui->BatchCtrlB, &QPushButton::clicked, m_panels->batch.get(), &QWidget::show);
 }
 
 void Body::connectImage() {
@@ -194,14 +224,15 @@ void Body::connectImage() {
 }
 
 void Body::connectPanels() {
-    connect(m_ui->OpenCalibCtrl, &QPushButton::clicked, m_calib.get(), &QWidget::show);
-    connect(m_calib.get(), &CalibCtrl::said, this, &Body::say);
-    connect(m_calib.get(), &CalibCtrl::newStdFileLoaded, this, &Body::newStdFile);
-    connect(m_calib.get(), &CalibCtrl::execCalibration, this, &Body::execCalibration);
-    connect(m_calib.get(), &CalibCtrl::saveEMap, this, &Body::saveEMap);
-    connect(m_calib.get(), &CalibCtrl::loadEMap, this, &Body::loadEMap);
-    connect(m_calib.get(), &CalibCtrl::clearMap, this, &Body::clearShiftMap);
-    connect(m_ui->ShowAnalyzer, &QPushButton::clicked, m_analyzer.get(), &Analyzer::show);
+    connect(m_ui->OpenCalibCtrl, &QPushButton::clicked, m_panels->calibration.get(),
+            &QWidget::show);
+    connect(m_panels->calibration.get(), &CalibCtrl::said, this, &Body::say);
+    connect(m_panels->calibration.get(), &CalibCtrl::newStdFileLoaded, this, &Body::newStdFile);
+    connect(m_panels->calibration.get(), &CalibCtrl::execCalibration, this, &Body::execCalibration);
+    connect(m_panels->calibration.get(), &CalibCtrl::saveEMap, this, &Body::saveEMap);
+    connect(m_panels->calibration.get(), &CalibCtrl::loadEMap, this, &Body::loadEMap);
+    connect(m_panels->calibration.get(), &CalibCtrl::clearMap, this, &Body::clearShiftMap);
+    connect(m_ui->ShowAnalyzer, &QPushButton::clicked, m_panels->analyzer.get(), &Analyzer::show);
     connect(m_ui->ShowAnalyzer, &QPushButton::clicked, this, [this] {
         const QPointF at = m_measurement.position();
         if (at.x() >= 0.0 && at.y() >= 0.0) {
@@ -210,28 +241,28 @@ void Body::connectPanels() {
     });
     connect(&m_measurement, &Measurement::windowAsked, this, [this](Measurement::Window window) {
         if (window == Measurement::Window::Analyzer) {
-            m_analyzer->show();
+            m_panels->analyzer->show();
         } else {
-            QWidget* panel = m_calib.get();
+            QWidget* panel = m_panels->calibration.get();
             (window == Measurement::Window::Calibration ? panel : m_saveDataCfg.get())->show();
         }
     });
-    connect(m_ui->ShowXafsView, &QPushButton::clicked, m_xafsView.get(), &QWidget::show);
-    connect(m_analyzer.get(), &Analyzer::said, this, &Body::say);
+    connect(m_ui->ShowXafsView, &QPushButton::clicked, m_panels->spectrum.get(), &QWidget::show);
+    connect(m_panels->analyzer.get(), &Analyzer::said, this, &Body::say);
     connect(m_spectrumFit.get(), &SpectrumFitWindow::said, this, &Body::say);
-    connect(m_analyzer.get(), &Analyzer::askAnalyze, this, &Body::startLCF2DAnalysis);
-    connect(m_analyzer.get(), &Analyzer::askRAAnalyze, this, &Body::startRA2DAnalysis);
-    connect(m_analyzer.get(), &Analyzer::askDifference, this, &Body::startDifference);
-    connect(m_analyzer.get(), &Analyzer::changedSelection, this, &Body::selectedNewRef);
-    m_analyzer->view()->setRaEnergy(m_measurement.settings().raEnergy);
+    connect(m_panels->analyzer.get(), &Analyzer::askAnalyze, this, &Body::startLCF2DAnalysis);
+    connect(m_panels->analyzer.get(), &Analyzer::askRAAnalyze, this, &Body::startRA2DAnalysis);
+    connect(m_panels->analyzer.get(), &Analyzer::askDifference, this, &Body::startDifference);
+    connect(m_panels->analyzer.get(), &Analyzer::changedSelection, this, &Body::selectedNewRef);
+    m_panels->analyzer->view()->setRaEnergy(m_measurement.settings().raEnergy);
 }
 
 void Body::connectSaving() {
     const auto write = [this](const QString& name, const std::function<bool()>& writer) {
         return writeFile(m_measurement, name, writer);
     };
-    m_batchCtrl->setWriter(write);
-    for (XafsView* view : {m_xafsView.get(), m_analyzer->view()}) {
+    m_panels->batch->setWriter(write);
+    for (XafsView* view : {m_panels->spectrum.get(), m_panels->analyzer->view()}) {
         view->setWriter(write);
         connect(view, &XafsView::said, this, &Body::say);
     }
@@ -278,14 +309,14 @@ void Body::sayOf(Work work, const Outcome& outcome, const QString& file) {
     m_status->say(textOf(inShort(m_measurement, work, outcome)));
     m_messages->take(outcome, file);
     if (work == Work::Calibrate) {
-        m_calib->say(outcome);
+        m_panels->calibration->say(outcome);
     } else if (isRun) {
-        m_analyzer->say(outcome);
+        m_panels->analyzer->say(outcome);
     }
 }
 
 void Body::lineDone(const CmdLine& cmd, const Outcome& outcome) {
-    const int line = m_batchCtrl->lineDone(cmd, outcome, m_runner.dispatcher()->lineInWork());
+    const int line = m_panels->batch->lineDone(cmd, outcome, m_runner.dispatcher()->lineInWork());
     const CommandRow* row = commandRow(commandId(cmd.command));
     if (line > 0) {
         const Work work = row != nullptr ? row->work : Work::None;

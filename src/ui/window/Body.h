@@ -9,19 +9,17 @@
 namespace Ui {
 class Body;
 }
-class Analyzer;
 class BatchCtrl;
-class CalibCtrl;
 class ImagePane;
+class Layout;
 class Messages;
-class MessagesWindow;
 class SaveDataCfg;
 class SaveDialogs;
 class SpectrumFitWindow;
 class SpectrumPane;
 class StatusLine;
 class WhatWasDone;
-class XafsView;
+struct Panels;
 
 /// The main window: a view of a measurement, with its tool windows. It only wires them.
 class Body : public QMainWindow {
@@ -32,9 +30,10 @@ class Body : public QMainWindow {
     ~Body() override;
 
     Measurement& measurement() { return m_measurement; }
-    BatchCtrl* batchCtrl() const { return m_batchCtrl.get(); }
+    BatchCtrl* batchCtrl() const;
     BatchDispatcher* dispatcher() { return m_runner.dispatcher(); }
     WhatWasDone* whatWasDone() const { return m_record; }
+    Layout* layoutOfWindows() const { return m_layout; }
 
   signals:
     void loadI1(QString fname, TiffData* data);
@@ -101,6 +100,8 @@ class Body : public QMainWindow {
 
   private:
     void closeEvent(QCloseEvent* event) override;
+    /// The actions of the menu for windows.
+    QList<QAction*> addWindows();
     void connectMeasurement();
     void connectBatch();
     void connectImage();
@@ -114,13 +115,10 @@ class Body : public QMainWindow {
     std::unique_ptr<Ui::Body> m_ui;
     Measurement m_measurement;
     BatchRunner m_runner{m_measurement};
-    std::unique_ptr<CalibCtrl> m_calib;
-    std::unique_ptr<Analyzer> m_analyzer;
-    std::unique_ptr<XafsView> m_xafsView;
-    std::unique_ptr<SaveDataCfg> m_saveDataCfg;
-    std::unique_ptr<BatchCtrl> m_batchCtrl;
     Messages* m_messages;
-    std::unique_ptr<MessagesWindow> m_messagesWindow;
+    std::unique_ptr<Panels> m_panels;
+    std::unique_ptr<SaveDataCfg> m_saveDataCfg;
+    Layout* m_layout;
     ImagePane* m_image;
     SpectrumPane* m_spectrum;
     StatusLine* m_status;

@@ -16,9 +16,9 @@ class BodyMenu {
     Q_DECLARE_TR_FUNCTIONS(BodyMenu)
 
   public:
-    BodyMenu(QMainWindow* window, const QWidgetList& toolWindows, const QList<QAction*>& saving,
+    BodyMenu(QMainWindow* window, const QList<QAction*>& windows, const QList<QAction*>& saving,
              const QList<QAction*>& record)
-        : m_window(window), m_toolWindows(toolWindows), m_saving(saving), m_record(record) {}
+        : m_window(window), m_windows(windows), m_saving(saving), m_record(record) {}
 
     void build() const {
         addFileMenu();
@@ -40,7 +40,7 @@ class BodyMenu {
                    const QString& panel = QString()) const;
 
     QMainWindow* m_window;
-    QWidgetList m_toolWindows;
+    QList<QAction*> m_windows;
     QList<QAction*> m_saving;
     QList<QAction*> m_record;
 };
@@ -55,11 +55,7 @@ QAbstractButton* BodyMenu::buttonCalled(const QString& name, const QString& pane
     if (!panel.isEmpty()) {
         return m_window->findChild<QWidget*>(panel)->findChild<QAbstractButton*>(name);
     }
-    auto* found = m_window->findChild<QAbstractButton*>(name);
-    for (const QWidget* tool : m_toolWindows) {
-        found = found != nullptr ? found : tool->findChild<QAbstractButton*>(name);
-    }
-    return found;
+    return m_window->findChild<QAbstractButton*>(name);
 }
 
 /// An action that clicks the button of this object name; the name of a panel finds one of two
@@ -166,11 +162,13 @@ void BodyMenu::addWindowsMenu() const {
     for (QAction* action : actions) {
         action->setShortcutContext(Qt::ApplicationShortcut);
     }
+    menu->addSeparator();
+    menu->addActions(m_windows);
 }
 
 }  // namespace
 
-void buildBodyMenu(QMainWindow* window, const QWidgetList& toolWindows,
+void buildBodyMenu(QMainWindow* window, const QList<QAction*>& windows,
                    const QList<QAction*>& saving, const QList<QAction*>& record) {
-    BodyMenu(window, toolWindows, saving, record).build();
+    BodyMenu(window, windows, saving, record).build();
 }

@@ -13,6 +13,7 @@
 #include "panels/SaveDataCfg.h"
 #include "ui_Body.h"
 #include "window/Body.h"
+#include "window/Docks.h"
 #include "window/Fields.h"
 #include "window/ImagePane.h"
 #include "window/SaveDialogs.h"
@@ -121,7 +122,7 @@ void Body::stop2DAnalysis() {
     m_measurement.stop();
 }
 void Body::recordResForAPoint() {
-    const AnalyzeProc* worker = m_analyzer->worker();
+    const AnalyzeProc* worker = m_panels->analyzer->worker();
     m_measurement.recordPoint(worker->usedPanels(), worker->dMuts(), worker->ratios());
 }
 void Body::analyzeASpectrumFinished() {
@@ -219,7 +220,7 @@ void Body::saveFlatDark() {
     say(::saveFlatDark(m_measurement));
 }
 void Body::saveXafsSpectra(const QString& fname) {
-    say(saveSpectra(m_measurement, fname, m_xafsView->pinned()), fname);
+    say(saveSpectra(m_measurement, fname, m_panels->spectrum->pinned()), fname);
 }
 void Body::saveRecord(const QString& fname) {
     const Outcome outcome = ::saveRecord(m_measurement, fname);

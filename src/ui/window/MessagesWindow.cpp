@@ -28,12 +28,12 @@ MessagesWindow::MessagesWindow(Messages& messages)
     m_pace.setInterval(PaceMs);
     connect(&m_pace, &QTimer::timeout, this, &MessagesWindow::showNewest);
     connect(&m_messages, &Messages::rowsInserted, this, [this] {
-        if (isVisible() && !m_pace.isActive()) {
+        if (isLookedAt() && !m_pace.isActive()) {
             m_pace.start();
         }
     });
     connect(&m_messages, &Messages::counted, this, [this] {
-        if (isVisible()) {
+        if (isLookedAt()) {
             m_messages.setSeen();
         }
     });
@@ -81,9 +81,9 @@ void MessagesWindow::makeControls() {
     resize(letters.height() * 60, letters.height() * 18);
 }
 
-void MessagesWindow::showEvent(QShowEvent* event) {
-    QFrame::showEvent(event);
-    showNewest();
+/// Not behind a tab.
+bool MessagesWindow::isLookedAt() const {
+    return isVisible() && !visibleRegion().isEmpty();
 }
 
 void MessagesWindow::showNewest() {

@@ -3,25 +3,27 @@
 #include <QFrame>
 #include <QTimer>
 
+#include "display/Panel.h"
+
 class Messages;
 class QPushButton;
 class QTreeView;
 
 /// The window of the messages: the newest is in sight, all can be copied, and what is on display
 /// here has been looked at.
-class MessagesWindow : public QFrame {
+class MessagesWindow : public Panel<QFrame> {
     Q_OBJECT
 
   public:
     explicit MessagesWindow(Messages& messages);
 
-  protected:
-    void showEvent(QShowEvent* event) override;
+    /// Somebody looks at it: the newest is in sight and has been seen.
+    void showNewest();
 
   private:
     void makeControls();
     void copy() const;
-    void showNewest();
+    bool isLookedAt() const;
     void updateControls();
 
     Messages& m_messages;

@@ -71,7 +71,7 @@ void SpectrumPane::show() {
         m_view.setSample(sample, tr("Position (%1, %2)").arg(x).arg(y),
                          QStringLiteral("Position (%1, %2)").arg(x).arg(y));
     }
-    if (m_analyzer.isVisible()) {
+    if (m_analyzer.isOpen()) {
         m_analyzer.analyzeAndShowSpectrum(sample);
     }
     showLabels(sample);

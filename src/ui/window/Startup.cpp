@@ -10,6 +10,7 @@
 #include "panels/BatchCtrl.h"
 #include "window/Body.h"
 #include "window/CommandLine.h"
+#include "window/Layout.h"
 #include "window/Translation.h"
 #include "window/WhatWasDone.h"
 
@@ -43,6 +44,9 @@ int runTarnwick(int argc, char** argv) {
     QObject::connect(&app, &QGuiApplication::commitDataRequest, body.whatWasDone(),
                      [&body] { body.whatWasDone()->setAsks(false); });
     body.whatWasDone()->setAsks(!commandLine.execute);
+    if (!commandLine.execute) {  // a batch shows what it wants to
+        body.layoutOfWindows()->restore();
+    }
     body.show();
 
     if (!commandLine.batchFile.isEmpty()) {

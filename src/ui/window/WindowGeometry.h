@@ -1,13 +1,30 @@
 #pragma once
 
-class QString;
+#include <QRect>
+#include <QSettings>
+#include <QVector>
+
 class QWidget;
 
-// Keeps a window's size, place, visibility and pop-up state in the platform's settings store
-// (organization "Haldmoor Lab", application "Tarnwick"), one group a window. Windows do not
-// remember their places at present: nothing calls these yet.
+// Places of windows, kept in the platform's settings store (organization "Haldmoor Lab",
+// application "Tarnwick").
+
+QSettings windowSettings();
+
+// A window's size, place, visibility and pop-up state, one group a window.
 
 void saveWindowGeometry(const QWidget* w, const QString& group, bool popUp);
 
-/// What is missing in the store reads as 400 x 400 at (200, 200), visible, pop-up.
+/// What is missing in the store reads as 400 x 400 at (200, 200), visible, pop-up. A kept place that
+/// is not on a screen is moved to one, see keepOnScreen().
 void restoreWindowGeometry(QWidget* w, const QString& group, bool* popUp);
+
+/// The place of a frame on one of some screens: the one that has most of it, or the first. It is
+/// moved so that all of it is there, and made smaller when it does not fit.
+QRect placeOnScreens(const QRect& frame, const QVector<QRect>& screens);
+
+/// Puts a window with its frame on a screen that there is, less what panels of the desktop take.
+void keepOnScreen(QWidget* w);
+
+/// Around a window: what its frame takes, or probably will.
+QMargins frameMargins(const QWidget* w);
