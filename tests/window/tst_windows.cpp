@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
+#include <QTabBar>
 #include <QTranslator>
 
 #include "BatchRun.h"
@@ -65,7 +66,7 @@ QWidgetList controls(const QWidget* window) {
                              qobject_cast<QPlainTextEdit*>(w) || qobject_cast<DispA*>(w);
         const bool inner = w->objectName().isEmpty() || w->objectName().startsWith("qt_") ||
                            w->parent()->objectName().startsWith("qt_") ||
-                           qobject_cast<QScrollBar*>(w);
+                           qobject_cast<QScrollBar*>(w) || qobject_cast<QTabBar*>(w->parent());
         // A tip over the image would hide what one looks at; the help menu explains the mouse.
         if (qobject_cast<ImageView*>(w)) {
             continue;

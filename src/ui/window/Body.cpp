@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QStyle>
 #include <QToolBar>
+#include <QVBoxLayout>
 
 #include "batch/CommandTables.h"
 #include "display/ColorBar.h"
@@ -50,15 +51,23 @@ void fitToFont(QMainWindow& window, const Ui::Body& ui) {
     ui.Next->setLayoutDirection(Qt::RightToLeft);
 }
 
-/// The data and what opens windows, above the docks and over the whole width.
+/// The data and what opens windows, above the docks and over the whole width. Where that is too
+/// narrow the toolbar keeps the last behind a button.
 void addDataBar(QMainWindow& window, const Ui::Body& ui) {
     auto* bar = new QToolBar(&window);
     bar->setObjectName(QStringLiteral("DataBar"));
     bar->setMovable(false);
     bar->toggleViewAction()->setVisible(false);  // in the menu that a right click opens
-    bar->addWidget(ui.dataRows);
-    bar->addWidget(ui.windowBox);
     window.addToolBar(bar);
+    for (QWidget* part : {ui.dataRows, static_cast<QWidget*>(ui.windowBox)}) {
+        // A part that were added itself would come to the end of the order of Tab.
+        auto* holder = new QWidget(bar);
+        holder->setSizePolicy(part->sizePolicy());
+        bar->addWidget(holder);
+        auto* layout = new QVBoxLayout(holder);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->addWidget(part);
+    }
 }
 
 /// Of many files that a load did not take, their number: a line for each would bury the rest.

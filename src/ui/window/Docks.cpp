@@ -4,6 +4,7 @@
 #include <QMainWindow>
 #include <QScrollArea>
 #include <QShortcut>
+#include <QStatusBar>
 
 #include "display/XafsView.h"
 #include "panels/Analyzer.h"
@@ -85,6 +86,9 @@ QDockWidget* Docks::makeDock(QWidget* panel, const char* name) {
     scroll->setWidget(panel);
     panel->show();
     dock->setWidget(scroll);
+    for (QStatusBar* bar : panel->findChildren<QStatusBar*>()) {
+        bar->setSizeGripEnabled(false);
+    }
     auto* close = new QShortcut(QKeySequence(Qt::CTRL + Qt::Key_W), dock);
     close->setContext(Qt::WidgetWithChildrenShortcut);
     connect(close, &QShortcut::activated, dock, &QWidget::close);
