@@ -2,6 +2,7 @@
 
 #include "TestMain.h"
 #include "base/ColorMap.h"
+#include "base/Numbers.h"
 
 class TestGlobals : public QObject {
     Q_OBJECT
@@ -48,6 +49,29 @@ class TestGlobals : public QObject {
             QCOMPARE(isGrey, scale.isGrey);
         }
         QVERIFY(colorScaleOf("none") == nullptr);
+    }
+
+    void valuesHaveTheDigitsOfTheirError_data() {
+        columns<double, double, QString>("value", "error", "text");
+        const double nan = std::numeric_limits<double>::quiet_NaN();
+        QTest::newRow("two digits") << 0.345678 << 0.0214 << "0.346 \u00b1 0.021";
+        QTest::newRow("rounds up") << 0.5 << 0.0996 << "0.50 \u00b1 0.10";
+        QTest::newRow("negative") << -0.000691487 << 0.00012 << "-0.00069 \u00b1 0.00012";
+        QTest::newRow("whole") << 7123.46 << 12.4 << "7123 \u00b1 12";
+        QTest::newRow("tens") << 7126.4 << 345.0 << "7130 \u00b1 350";
+        QTest::newRow("of nothing") << -0.001 << 0.5 << "0.00 \u00b1 0.50";
+        QTest::newRow("error above value") << 0.02 << 3.0 << "0.0 \u00b1 3.0";
+        QTest::newRow("small") << 3.456e-9 << 2.1e-10 << "(3.46 \u00b1 0.21)e-09";
+        QTest::newRow("large") << 1.23456e8 << 2.1e6 << "(1.235 \u00b1 0.021)e+08";
+        QTest::newRow("no error") << 0.3456789 << nan << "0.345679";
+        QTest::newRow("an error of 0") << 0.25 << 0.0 << "0.25";
+        QTest::newRow("no value") << nan << 0.1 << "-";
+    }
+
+    void valuesHaveTheDigitsOfTheirError() {
+        QFETCH(double, value);
+        QFETCH(double, error);
+        QTEST(roundedPair(value, error).text(), "text");
     }
 
     void curveColoursRepeat() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QtGlobal>
 #include <algorithm>
 #include <cstdlib>
@@ -12,6 +13,19 @@ int toClampedInt(double v, int low, int high);
 /// The pixel that a position lies in: pixel n covers n to n + 1. Positions far outside any image
 /// are cut to +-2^30, NaN to -2^30.
 int toPixel(double position);
+
+/// A value and its error to the digits that count, such as "0.346" and "0.021".
+struct RoundedPair {
+    QString value;
+    QString error;         ///< two significant digits; empty: none is known
+    QString power;         ///< of ten that both are to be multiplied with, as "e-09"; mostly empty
+    QString text() const;  ///< "0.346 ± 0.021", "(3.46 ± 0.21)e-09", or the value alone
+};
+
+/// The error with two significant digits and the value to its last one; with a power of ten where
+/// more than six decimals or digits before the point would be needed. An error that is not above 0,
+/// or no number: none, and a value of six digits. "-" for a value that is no number.
+RoundedPair roundedPair(double value, double error);
 
 // Two ways to write one straight line, since they round differently: box sums between the energies
 // of frames have always been taken the first way, curves the second.
