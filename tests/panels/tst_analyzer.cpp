@@ -294,14 +294,14 @@ class TestAnalyzer : public QObject {
             list->setCurrentIndex(list->findText(title));
             emit list->activated(list->currentIndex());
         };
-        pick("Share of the reference   second.dat");
+        pick("Fraction of the reference   second.dat");
         QVERIFY(isOn("SelectRef2") && isOn("SelRatio") && !isOn("SelDMut"));
         QCOMPARE(m_analyzer->selectedResult(), panel(1)->result(LCFReference::Ratio));
         QVERIFY(m_measurement->settings().shown == Shown::Result);
-        pick("Counting error of the share   second.dat");
+        pick("Counting error of the fraction   second.dat");
         QVERIFY(isOn("SelectRef2") && !isOn("SelRatio") && !isOn("SelDMut"));
         press("SelectRef1", m_analyzer.get());  // its kind stays
-        QCOMPARE(list->currentText(), QString("Counting error of the share   first.dat"));
+        QCOMPARE(list->currentText(), QString("Counting error of the fraction   first.dat"));
         press("SelDMut", m_analyzer.get());
         QCOMPARE(list->currentText(), QString("Edge jump due to the reference   first.dat"));
         QVERIFY(!m_measurement->choose(ResultId::R, -1).failed());

@@ -3,6 +3,7 @@
 #include <QtGlobal>
 #include <array>
 #include <cstddef>
+#include <optional>
 
 /// What a result image holds. The ids of the first five are those of the batch language; those of
 /// a reference come first, then those of residual absorption, then the energy map.
@@ -64,7 +65,7 @@ inline constexpr std::array ResultKinds{
                QT_TRANSLATE_NOOP("ResultKind", "Edge jump due to the reference"), "mu-t",
                ResultScale::DMut, ResultFamily::Reference, false, ResultId::DMut},
     ResultKind{ResultId::Ratio, "fraction", "Ratio",
-               QT_TRANSLATE_NOOP("ResultKind", "Share of the reference"), "share",
+               QT_TRANSLATE_NOOP("ResultKind", "Fraction of the reference"), "fraction",
                ResultScale::Ratio, ResultFamily::Reference, false, ResultId::Ratio},
     ResultKind{ResultId::RaDmut, "ra_jump", "dmut", QT_TRANSLATE_NOOP("ResultKind", "Edge jump"),
                "mu-t", ResultScale::DMut, ResultFamily::Residual, false, ResultId::RaDmut},
@@ -72,13 +73,13 @@ inline constexpr std::array ResultKinds{
                QT_TRANSLATE_NOOP("ResultKind", "Residual absorption"), "mu-t", ResultScale::Own,
                ResultFamily::Residual, false, ResultId::RaRest},
     ResultKind{ResultId::RaRatio, "ra_share", "ratio",
-               QT_TRANSLATE_NOOP("ResultKind", "Share of the residual absorption"), "share",
+               QT_TRANSLATE_NOOP("ResultKind", "Fraction of the residual absorption"), "fraction",
                ResultScale::Ratio, ResultFamily::Residual, false, ResultId::RaRatio},
     ResultKind{ResultId::Shift, "energy_shift", "E-shift",
                QT_TRANSLATE_NOOP("ResultKind", "Energy shift"), "eV", ResultScale::Own,
                ResultFamily::Calibration, false, ResultId::Shift},
     ResultKind{ResultId::RatioError, "fraction_error", "RatioError",
-               QT_TRANSLATE_NOOP("ResultKind", "Counting error of the share"), "share",
+               QT_TRANSLATE_NOOP("ResultKind", "Counting error of the fraction"), "fraction",
                ResultScale::Own, ResultFamily::Reference, true, ResultId::Ratio},
     ResultKind{ResultId::DMutError, "jump_error", "DMutError",
                QT_TRANSLATE_NOOP("ResultKind", "Counting error of the edge jump"), "mu-t",
@@ -88,8 +89,8 @@ inline constexpr std::array ResultKinds{
     ResultKind{ResultId::Chi2Reduced, "chi2_reduced", "chi2_reduced",
                QT_TRANSLATE_NOOP("ResultKind", "Reduced chi-square of the fit"), "",
                ResultScale::Own, ResultFamily::Fit, true, ResultId::Chi2Reduced},
-    ResultKind{ResultId::Sum, "sum", "sum", QT_TRANSLATE_NOOP("ResultKind", "Sum of the shares"),
-               "share", ResultScale::Own, ResultFamily::Fit, true, ResultId::Sum},
+    ResultKind{ResultId::Sum, "sum", "sum", QT_TRANSLATE_NOOP("ResultKind", "Sum of the fractions"),
+               "fraction", ResultScale::Own, ResultFamily::Fit, true, ResultId::Sum},
     ResultKind{ResultId::TotalJump, "total_jump", "total_jump",
                QT_TRANSLATE_NOOP("ResultKind", "Total edge jump"), "mu-t", ResultScale::Own,
                ResultFamily::Fit, true, ResultId::TotalJump},
@@ -104,4 +105,14 @@ static_assert(ResultKinds.size() == static_cast<std::size_t>(ResultId::Differenc
 
 inline const ResultKind& resultKind(ResultId id) {
     return ResultKinds[static_cast<std::size_t>(id)];
+}
+
+/// The kind that holds the errors of another; none where there is no such kind.
+inline std::optional<ResultId> errorOf(ResultId value) {
+    for (const ResultKind& kind : ResultKinds) {
+        if (kind.value == value && kind.id != value) {
+            return kind.id;
+        }
+    }
+    return std::nullopt;
 }

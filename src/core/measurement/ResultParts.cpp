@@ -70,12 +70,8 @@ const Result* find(const ResultPart& part, ResultId id, int reference) {
 
 /// The error of a result; null: not made.
 const Result* errorOf(const ResultPart& part, const Result& result) {
-    for (const ResultKind& kind : ResultKinds) {
-        if (kind.value == result.id && kind.id != result.id) {
-            return find(part, kind.id, result.reference);
-        }
-    }
-    return nullptr;
+    const std::optional<ResultId> error = errorOf(result.id);
+    return error ? find(part, *error, result.reference) : nullptr;
 }
 
 /// In words, with the file of the reference that it belongs to.

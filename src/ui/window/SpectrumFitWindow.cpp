@@ -78,7 +78,7 @@ void SpectrumFitWindow::makeControls() {
     m_shares->setObjectName(QStringLiteral("Shares"));
     m_shares->setAccessibleName(tr("Shares and edge jumps of the references"));
     m_shares->setHorizontalHeaderLabels(
-        {tr("Reference"), tr("Share"), tr("Error"), tr("Edge jump"), tr("Error")});
+        {tr("Reference"), tr("Fraction"), tr("Error"), tr("Edge jump"), tr("Error")});
     m_shares->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_shares->setToolTip(tr("Errors are one sigma, from what the fit leaves of the spectrum"));
     m_shares->verticalHeader()->hide();
@@ -99,7 +99,7 @@ void SpectrumFitWindow::makeControls() {
     connect(m_canvas, &DispA::drawImage1, this, &SpectrumFitWindow::paintPlot);
 
     m_saveTable->setObjectName(QStringLiteral("SaveFitTable"));
-    setOwnToolTip(m_saveTable, tr("Save shares, numbers and curves as a text table"));
+    setOwnToolTip(m_saveTable, tr("Save fractions, numbers and curves as a text table"));
     connect(m_saveTable, &QPushButton::clicked, this, [this] {
         m_dialogs->askForTarget(
             tr("Save Fit of a Spectrum"), {tr("Text Table (*.dat)"), tr("Any Files (* *.*)")},
