@@ -14,6 +14,7 @@
 #include "drawing/Profiles.h"
 #include "measurement/Display.h"
 #include "ui_Body.h"
+#include "window/CursorNumbers.h"
 
 namespace {
 
@@ -46,6 +47,7 @@ ImagePane::ImagePane(Measurement& measurement, Ui::Body& ui, QObject* parent)
     m_vCross = fill(ui.VCross, Qt::Vertical);
     m_hCross->follow(ui.dispA);
     m_vCross->follow(ui.dispA);
+    m_numbers = std::make_unique<CursorNumbers>(ui.positionLayout, ui.Value);
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, &ImagePane::refresh);
     connectControls();
@@ -54,6 +56,8 @@ ImagePane::ImagePane(Measurement& measurement, Ui::Body& ui, QObject* parent)
     showSettings();
     refresh();
 }
+
+ImagePane::~ImagePane() = default;
 
 void ImagePane::connectControls() {
     for (const Shown shown : {Shown::I1, Shown::I0, Shown::Map, Shown::Result}) {
@@ -273,6 +277,8 @@ void ImagePane::updateValueAndCrossSections() {
     const bool inside = x >= 0 && y >= 0 && x < width && y < height;
     const QString nothing = width > 0 ? QString() : QStringLiteral("0.0");
     m_ui.Value->setText(inside ? valueText(valueAt(x, y)) : nothing);
+    m_ui.Value->setCursorPosition(0);
+    m_numbers->show(m_measurement, inside ? result : nullptr, x, y);
     const Settings& settings = m_measurement.settings();
     m_hCross->setProfile(rowProfile(width, height, valueAt, y, settings.halfHeight), 0);
     m_vCross->setProfile(columnProfile(width, height, valueAt, x, settings.halfWidth), 0);

@@ -4,6 +4,7 @@
 #include <QImage>
 #include <QObject>
 #include <QTimer>
+#include <memory>
 
 #include "measurement/Measurement.h"
 
@@ -11,6 +12,7 @@ namespace Ui {
 class Body;
 }
 class CrossSection;
+class CursorNumbers;
 class QButtonGroup;
 class QLineEdit;
 class QPainter;
@@ -23,6 +25,7 @@ class ImagePane : public QObject {
 
   public:
     ImagePane(Measurement& measurement, Ui::Body& ui, QObject* parent);
+    ~ImagePane() override;
 
     /// Paints the picture on display into the image view.
     void draw(QPainter* painter);
@@ -52,6 +55,7 @@ class ImagePane : public QObject {
     QButtonGroup* m_choice;
     CrossSection* m_hCross = nullptr;
     CrossSection* m_vCross = nullptr;
+    std::unique_ptr<CursorNumbers> m_numbers;
     QImage m_painted;        // when it is not the frame's or the result's own picture
     qint64 m_paintedOf = 0;  // key of the result's picture
     QTimer m_timer;
