@@ -46,7 +46,7 @@ void saveAtWork(Stage& stage, const QStringList& lines, Work work, QWidget* wind
 
 void saveWindow(Stage& stage, QWidget* window) {
     // The screen without a display is small: no room for all rows at a large font.
-    if (const auto* rows = window->findChild<QScrollArea*>(QStringLiteral("refScroll"))) {
+    if (const auto* rows = window->findChild<QScrollArea*>(QStringLiteral("analyzerScroll"))) {
         const int hidden = rows->widget()->height() - rows->viewport()->height();
         window->resize(window->width(), window->height() + std::max(0, hidden));
         stage.settle();

@@ -455,7 +455,7 @@ void TestCommands::addMapCases() {
     add("set_mask 3",
         {"saveDataCfg_save_as_tiff", "analyzer_set_error_maps 1", "analyzer_exec_LCF"}, [=] {
             return checked(analyzer(), "Mask") && reference(1)->result(0)->isMasked() &&
-                   control<QAbstractButton>("Mask", analyzer())->text().endsWith(" 3");
+                   control<QLineEdit>("MaskFactor", analyzer())->text() == "3";
         });
     add("set_mask OFF", [=] { return !checked(analyzer(), "Mask"); });
     add("analyzer_select_map chi2_reduced", [=] {

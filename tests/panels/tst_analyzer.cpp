@@ -4,6 +4,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSlider>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QThread>
@@ -312,14 +313,39 @@ class TestAnalyzer : public QObject {
         press("SelectRef2", m_analyzer.get());
         QVERIFY(!isOn("ShowDifference") && isOn("SelDMut"));
 
-        // The mask of a batch is shown; a press sets the usual one.
+        // Another face of the map, and back to where it came from.
+        press("ShowError", m_analyzer.get());
+        QCOMPARE(list->currentText(), QString("Counting error of the edge jump   second.dat"));
+        press("ShowChi2", m_analyzer.get());
+        QCOMPARE(list->currentText(), QString("Reduced chi-square of the fit"));
+        QVERIFY(isOn("ShowChi2") && !isOn("ShowValue") && !isOn("ShowError"));
+        press("ShowValue", m_analyzer.get());
+        QCOMPARE(m_analyzer->selectedResult(), panel(1)->result(LCFReference::DMut));
+        QVERIFY(isOn("ShowValue") && !isOn("ShowChi2"));
+        press("ShowDifference", m_analyzer.get());
+        QVERIFY(!button("ShowError")->isEnabled() && button("ShowR")->isEnabled());
+        press("SelectRef2", m_analyzer.get());
+
+        // The mask of a batch is shown; press, field and slider set it.
         auto* mask = button("Mask");
+        auto* factor = control<QLineEdit>("MaskFactor", m_analyzer.get());
+        auto* slider = control<QSlider>("MaskSlider", m_analyzer.get());
+        mask->click();
+        QCOMPARE(m_measurement->settings().mask, 5.0);
         m_measurement->setMask(3.5);
-        QVERIFY(mask->isChecked() && mask->text().endsWith(" 3.5"));
+        QVERIFY(mask->isChecked() && factor->text() == "3.5" && slider->value() == 35);
         mask->click();
         QCOMPARE(m_measurement->settings().mask, 0.0);
         mask->click();
-        QCOMPARE(m_measurement->settings().mask, 5.0);
+        QCOMPARE(m_measurement->settings().mask, 3.5);
+        slider->setSliderDown(true);
+        slider->setSliderPosition(200);
+        QTRY_COMPARE(m_measurement->settings().mask, 20.0);
+        slider->setSliderDown(false);
+        factor->selectAll();
+        QTest::keyClicks(factor, "1e30");
+        QTest::keyClick(factor, Qt::Key_Return);
+        QCOMPARE(textOf("MaskCount", m_analyzer.get()), QString("48 of 48 bins blank (100.0 %)"));
         QVERIFY(panel(0)->result(0)->isMasked());
         press("ErrorMaps", m_analyzer.get());
         m_measurement->start(Work::Fit);

@@ -1,5 +1,7 @@
 #include "panels/AnalyzeProc.h"
 
+#include <algorithm>
+
 #include "panels/LCFReference.h"
 
 AnalyzeProc::AnalyzeProc(QObject* parent) : QObject(parent) {}
@@ -11,6 +13,10 @@ void AnalyzeProc::setContAccess(bool on) {
 
 void AnalyzeProc::setRule(const FitRule& rule) {
     m_rule = rule;
+}
+
+void AnalyzeProc::setCounts(const std::shared_ptr<const PointCounts>& counts) {
+    m_counts = counts;
 }
 
 void AnalyzeProc::analyzeSpectrum0(const XafsSpectrum& sample, const QVector<LCFReference*>& lcfrs0,
@@ -56,12 +62,29 @@ void AnalyzeProc::prepareFor(const QVector<LCFReference*>& panels, const FitRule
     }
     m_preparedRule = rule;
     m_fit = std::make_unique<LinearFit>(references, rule);
+    m_errors =
+        references.isEmpty() ? nullptr : std::make_unique<SpectrumErrors>(rule, references.size());
+}
+
+void AnalyzeProc::evaluateErrors(const XafsSpectrum& sample) {
+    m_values.clear();
+    m_hadCounts = m_counts != nullptr;
+    if (m_errors == nullptr) {
+        return;
+    }
+    const FitValues places(m_fit->referenceCount(), true);
+    m_values.resize(static_cast<std::size_t>(places.count()));
+    std::copy(m_dMuts.begin(), m_dMuts.end(), m_values.begin());
+    std::copy(m_ratios.begin(), m_ratios.end(), m_values.begin() + places.ratio(0));
+    m_errors->take(0, *m_fit, sample);
+    m_errors->evaluate(1, m_hadCounts ? &m_counts->counts() : nullptr, m_values.data());
 }
 
 void AnalyzeProc::analyze(const XafsSpectrum& sample, const QVector<LCFReference*>& panels,
                           XafsSpectrum* fitted, LinearFit::Method method) {
     m_ratios.clear();
     m_dMuts.clear();
+    m_values.clear();
     if (sample.isEmpty() || panels.size() < 2) {
         return;
     }
@@ -73,6 +96,7 @@ void AnalyzeProc::analyze(const XafsSpectrum& sample, const QVector<LCFReference
     m_fit->fit(sample);
     m_ratios = m_fit->ratios();
     m_dMuts = m_fit->dMuts();
+    evaluateErrors(sample);
 
     // Drawn from the shares that the panels hold: the new ones, or with contAccess the old.
     m_shares.clear();

@@ -6,7 +6,10 @@
 #include <memory>
 #include <vector>
 
+#include "absorption/PointCounts.h"
+#include "fitting/FitValues.h"
 #include "fitting/LinearFit.h"
+#include "fitting/SpectrumErrors.h"
 
 class LCFReference;
 
@@ -27,9 +30,18 @@ class AnalyzeProc : public QObject {
     /// Indices of the panels that they belong to.
     const std::vector<int>& usedPanels() const { return m_usedPanels; }
 
+    /// All numbers of the last fit, errors among them; their places are those of FitValues(m, true)
+    /// for the m references used. Empty without any. Errors without counts are those of the
+    /// residuals, see fitWithErrors().
+    const std::vector<double>& values() const { return m_values; }
+    /// The counts behind the spectrum of the last fit were known, so that chi2Reduced() is one.
+    bool hadCounts() const { return m_hadCounts; }
+
     /// How the next spectrum is fitted, but for the method; only while no fit is out. Its rule for
     /// the sample is what the fitted curve is normalised by.
     void setRule(const FitRule& rule);
+    /// The counts behind the next spectrum, null for none; only while no fit is out.
+    void setCounts(const std::shared_ptr<const PointCounts>& counts);
 
   signals:
     /// A fit has ended that got as far as solving.
@@ -53,15 +65,20 @@ class AnalyzeProc : public QObject {
                  XafsSpectrum* fitted, LinearFit::Method method);
     bool isPreparedFor(const QVector<LCFReference*>& panels, const FitRule& rule) const;
     void prepareFor(const QVector<LCFReference*>& panels, const FitRule& rule);
+    void evaluateErrors(const XafsSpectrum& sample);
 
     std::atomic<bool> m_contAccess{false};
     std::vector<double> m_ratios;
     std::vector<double> m_dMuts;
     std::vector<int> m_usedPanels;
     std::vector<double> m_shares;  // that the fitted curve is drawn from
+    std::vector<double> m_values;
+    std::shared_ptr<const PointCounts> m_counts;
+    bool m_hadCounts = false;
 
     FitRule m_rule;
     std::unique_ptr<LinearFit> m_fit;
+    std::unique_ptr<SpectrumErrors> m_errors;  // of m_fit; null without references
     FitRule m_preparedRule;
     std::vector<quint64> m_revisions;  // of the panels' input that m_fit was made from
 };

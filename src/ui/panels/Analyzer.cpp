@@ -10,9 +10,14 @@
 #include "display/XafsView.h"
 #include "measurement/Display.h"
 #include "panels/AnalyzeProc.h"
+#include "panels/ButtonWidth.h"
 #include "panels/LCFReference.h"
 #include "panels/MapChoice.h"
+#include "panels/MapFaces.h"
+#include "panels/MaskControl.h"
 #include "panels/NumberField.h"
+#include "panels/ReferenceFiles.h"
+#include "panels/RunAnswer.h"
 #include "panels/WhyNot.h"
 #include "ui_Analyzer.h"
 
@@ -33,7 +38,7 @@ QAbstractButton* buttonOf(const QWidget& box, const char* verb, ResultId id) {
 
 /// As a batch sets it, whatever the field shows.
 void setField(QLineEdit* field, double value) {
-    field->setText(fieldText(value));
+    showFromStart(field, fieldText(value));
 }
 
 }  // namespace
@@ -46,12 +51,20 @@ Analyzer::Analyzer(Measurement& measurement, QWidget* parent)
       m_view(std::make_unique<XafsView>()),
       m_worker(std::make_unique<AnalyzeProc>()) {
     m_ui->setupUi(this);
-    m_ui->refScroll->viewport()->setAutoFillBackground(false);
-    m_ui->RefBase->setAutoFillBackground(false);
+    m_ui->analyzerScroll->viewport()->setAutoFillBackground(false);
+    m_ui->analyzerContent->setAutoFillBackground(false);
     for (QWidget* button : {m_ui->AskAnalyze, m_ui->AskRAAnalyze, m_ui->AskDifference}) {
         button->setMinimumWidth(button->sizeHint().width());
     }
-    m_lastReferenceControl = m_ui->Constraints;
+    for (QPushButton* button : {m_ui->AddRef, m_ui->AddRefFiles, m_ui->ShowValue, m_ui->ShowError,
+                                m_ui->ShowR, m_ui->ShowChi2, m_ui->RAFromEdge, m_ui->Mask}) {
+        fitToText(button);
+    }
+    m_ui->Progress->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("100.00")));
+    for (QLineEdit* field : m_ui->analyzerContent->findChildren<QLineEdit*>()) {
+        field->setFixedWidth(fontMetrics().horizontalAdvance(QStringLiteral("00000.00M")));
+    }
+    m_lastReferenceControl = m_ui->AskAnalyze;
     m_view->setWindowTitle(tr("Analyzing Spectrum"));
     m_view->setObjectName(QStringLiteral("AnalyzingSpectrum"));
     for (int i = 0; i < ResidualCount; ++i) {
@@ -59,10 +72,12 @@ Analyzer::Analyzer(Measurement& measurement, QWidget* parent)
     }
     connectControls();
     connectOptions();
+    connectMaps();
     connectMeasurement();
     startWorker();
     followReferences();
     showSettings();
+    showFitNumbers();
     setContAccess(m_measurement.working() != Work::None);
 }
 
@@ -84,6 +99,10 @@ Analyzer::~Analyzer() {
 void Analyzer::connectControls() {
     connect(m_ui->ShowView, &QPushButton::clicked, m_view.get(), &QWidget::show);
     connect(m_ui->AddRef, &QPushButton::clicked, this, &Analyzer::addNewRef);
+    m_files = new ReferenceFiles(m_measurement, this);
+    connect(m_files, &ReferenceFiles::said, this, &Analyzer::sayOwn);
+    connect(m_ui->AddRefFiles, &QPushButton::clicked, this, [this] { m_files->ask(-1); });
+    connect(m_ui->RAFromEdge, &QPushButton::clicked, this, &Analyzer::takeEdgeEnergy);
     connect(m_ui->AskAnalyze, &QPushButton::clicked, this, &Analyzer::askAnalyze);
     connect(m_ui->AskRAAnalyze, &QPushButton::clicked, this, &Analyzer::askRAAnalyze);
     connect(m_choice, &QButtonGroup::idClicked, this, &Analyzer::clickedResult);
@@ -121,6 +140,8 @@ void Analyzer::connectNumber(QLineEdit* field, double Settings::*number) {
 
 void Analyzer::connectMeasurement() {
     connect(&m_measurement, &Measurement::changed, this, &Analyzer::showChanges);
+    const auto* answers = new RunAnswer(m_measurement, this);
+    connect(answers, &RunAnswer::ended, this, &Analyzer::say);
     connect(&m_measurement, &Measurement::progressed, this,
             [this](Work work, double done, double of) {
                 if (work == Work::Fit) {
@@ -161,6 +182,8 @@ void Analyzer::showChanges(Measurement::Changes what) {
     if (what & ~Measurement::Changes(Measurement::Position)) {
         updateChoice();
         m_maps->update();
+        m_faces->update();
+        m_mask->update();
         showDifferenceChoice();
         showState();
     }
@@ -274,6 +297,8 @@ QString Analyzer::whyNotFit() const {
 void Analyzer::updateControls() {
     const QString running = whileAnalyzing(m_measurement);
     setUsable(m_ui->AddRef, running);
+    setUsable(m_ui->AddRefFiles, running);
+    updateEdgeButton();
     for (LCFReference* reference : qAsConst(m_references)) {
         reference->setFileChoiceUsable(running);
     }

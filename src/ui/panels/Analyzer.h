@@ -15,9 +15,13 @@ class Analyzer;
 class AnalyzeProc;
 class LCFReference;
 class MapChoice;
+class MapFaces;
+class MaskControl;
+class PointCounts;
 class QAbstractButton;
 class QButtonGroup;
 class QLineEdit;
+class ReferenceFiles;
 class XafsView;
 
 /// The analysis window: a measurement's references, the choice of method, of the result on display,
@@ -41,6 +45,8 @@ class Analyzer : public Panel<QFrame> {
 
     /// An analysis of the image runs.
     bool isBusy() const { return m_busy; }
+    /// Shows and fits the spectrum at the measurement's position, with the counts behind it.
+    void analyzeAndShowPoint();
     /// Number of fits that have been handed over and not reported yet.
     int fitsOut() const { return m_fitsOut; }
 
@@ -61,6 +67,9 @@ class Analyzer : public Panel<QFrame> {
     Analyzed2DRes* raDmut() const { return &m_measurement.residual(0).image; }
     Analyzed2DRes* raRest() const { return &m_measurement.residual(1).image; }
     Analyzed2DRes* raRatio() const { return &m_measurement.residual(2).image; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
     /// The scale field of the image type shown.
     void setScaleMax(double value);
@@ -121,13 +130,18 @@ class Analyzer : public Panel<QFrame> {
     void showDifferenceChoice();
     void followReferences();
     void addRow();
+    void showAndAnalyze(const XafsSpectrum& spectrum);
     void analyze(const XafsSpectrum& spectrum, bool isSample);
     void handOver(const XafsSpectrum& spectrum, bool isSample);
     FitRule fitRuleOfSample() const;
     void showReferences();
+    void showFitNumbers();
+    void takeEdgeEnergy();
+    void connectMaps();
     void growWithReferences();
-    void putNextInTabOrder(QWidget* button, const LCFReference* reference);
+    void putNextInTabOrder(const LCFReference* reference);
     void updateControls();
+    void updateEdgeButton();
     void updateChoice();
     void showState();
     void sayOwn(const Outcome& outcome, const QString& file);
@@ -143,6 +157,9 @@ class Analyzer : public Panel<QFrame> {
     QWidget* m_lastReferenceControl;  // in the order of Tab
     QButtonGroup* m_choice;
     MapChoice* m_maps = nullptr;
+    MapFaces* m_faces = nullptr;
+    MaskControl* m_mask = nullptr;
+    ReferenceFiles* m_files = nullptr;
     std::unique_ptr<XafsView> m_view;
     std::unique_ptr<AnalyzeProc> m_worker;
     QThread m_thread;
@@ -152,6 +169,7 @@ class Analyzer : public Panel<QFrame> {
     int m_method = LinearFit::Lcf;  // of the last fit of the sample
     FitRule::Constraints m_constraints = FitRule::Constraints::None;
     XafsSpectrum m_sample;
+    std::shared_ptr<const PointCounts> m_sampleCounts;  // null: not known
     XafsSpectrum m_fitted;        // written by the fitter; copied when it reports
     bool m_sampleIsOut = false;   // the fit that is out is of the sample on display
     bool m_sampleIsGone = false;  // there is no spectrum at the position

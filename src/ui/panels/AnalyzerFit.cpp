@@ -2,12 +2,16 @@
 
 #include <QFileInfo>
 #include <algorithm>
+#include <cmath>
 
+#include "absorption/PointCounts.h"
 #include "base/Globals.h"
+#include "base/Numbers.h"
 #include "display/XafsView.h"
 #include "panels/AnalyzeProc.h"
 #include "panels/Analyzer.h"
 #include "panels/LCFReference.h"
+#include "ui_Analyzer.h"
 
 void Analyzer::startWorker() {
     qRegisterMetaType<QVector<LCFReference*>>("QVector<LCFReference*>");
@@ -39,6 +43,7 @@ void Analyzer::handOver(const XafsSpectrum& spectrum, bool isSample) {
         m_sampleIsOut = isSample;
     }
     m_worker->setRule(fitRuleOfSample());
+    m_worker->setCounts(isSample ? m_sampleCounts : nullptr);
     emit analyzeSpectrum0(spectrum, m_references, &m_fitted,
                           m_measurement.settings().method == LinearFit::Mlcf);
 }
@@ -73,6 +78,7 @@ void Analyzer::analyzeSpectrumFinished() {
     }
     // A fit from before a run, or not of the sample, belongs to no curve on display.
     if (!m_busy && m_sampleIsOut) {
+        showFitNumbers();
         m_view->setFit(m_fitted);
         m_view->open();
     }
@@ -84,7 +90,50 @@ void Analyzer::analyzeSpectrumFinished() {
     }
 }
 
+/// The numbers of the spectrum on display: errors by the reference, the rest in one line. "-" is
+/// what is not known.
+void Analyzer::showFitNumbers() {
+    const QString none = QStringLiteral("-");
+    const std::vector<int>& used = m_worker->usedPanels();
+    const FitValues places(static_cast<int>(used.size()), true);
+    const bool isKnown = !m_sampleIsGone && !m_worker->values().empty();
+    const auto value = [this](int place) {
+        return m_worker->values()[static_cast<std::size_t>(place)];
+    };
+    for (std::size_t u = 0; isKnown && u < used.size(); ++u) {
+        const int r = static_cast<int>(u);
+        m_references.at(used[u])->setErrors(value(places.ratioError(r)),
+                                            value(places.dMutError(r)));
+    }
+    const auto text = [&](int place, bool is) {
+        return is && std::isfinite(value(place)) ? QString::number(value(place), 'g', 3) : none;
+    };
+    const bool hasSum = isKnown && std::isfinite(value(places.sum()));
+    m_ui->FitNumbers->setText(
+        tr("Sum of the fractions %1 %    R %2    \u03c7\u00b2 red. %3")
+            .arg(hasSum ? QString::number(100.0 * value(places.sum()), 'f', 2) : none,
+                 text(places.r(), isKnown),
+                 text(places.chi2Reduced(), isKnown && m_worker->hadCounts())));
+}
+
+void Analyzer::analyzeAndShowPoint() {
+    const XafsSpectrum& sample = m_measurement.sample();
+    const QPointF at = m_measurement.position();
+    const Settings& settings = m_measurement.settings();
+    m_sampleCounts = sample.isEmpty()
+                         ? nullptr
+                         : std::make_shared<PointCounts>(m_measurement.source(), toPixel(at.x()),
+                                                         toPixel(at.y()), settings.halfWidth,
+                                                         settings.halfHeight);
+    showAndAnalyze(sample);
+}
+
 void Analyzer::analyzeAndShowSpectrum(const XafsSpectrum& spectrum) {
+    m_sampleCounts.reset();
+    showAndAnalyze(spectrum);
+}
+
+void Analyzer::showAndAnalyze(const XafsSpectrum& spectrum) {
     m_sample = spectrum;
     m_sampleIsGone = spectrum.isEmpty();
     if (m_sampleIsGone) {
@@ -94,6 +143,7 @@ void Analyzer::analyzeAndShowSpectrum(const XafsSpectrum& spectrum) {
         for (LCFReference* reference : qAsConst(m_references)) {
             reference->clearFit();
         }
+        showFitNumbers();
     } else {
         m_view->setSample(spectrum, tr("Sample"), QStringLiteral("Sample"));
     }

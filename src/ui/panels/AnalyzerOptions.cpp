@@ -2,12 +2,16 @@
 
 #include <QButtonGroup>
 #include <QComboBox>
+#include <QFileInfo>
 #include <QSignalBlocker>
 #include <QStandardItemModel>
+#include <algorithm>
 
 #include "display/Availability.h"
 #include "panels/Analyzer.h"
 #include "panels/MapChoice.h"
+#include "panels/MapFaces.h"
+#include "panels/MaskControl.h"
 #include "panels/NumberField.h"
 #include "panels/WhyNot.h"
 #include "ui_Analyzer.h"
@@ -38,8 +42,49 @@ void Analyzer::connectOptions() {
     });
     connectEnergy(m_ui->DifferenceFrom, &Settings::differenceFrom);
     connectEnergy(m_ui->DifferenceTo, &Settings::differenceTo);
-    m_maps = new MapChoice(m_measurement, m_ui->Map, m_ui->Mask, this);
+}
+
+void Analyzer::connectMaps() {
+    m_maps = new MapChoice(m_measurement, m_ui->Map, this);
     connect(m_maps, &MapChoice::said, this, &Analyzer::sayOwn);
+    m_faces = new MapFaces(m_measurement,
+                           {m_ui->ShowValue, m_ui->ShowError, m_ui->ShowR, m_ui->ShowChi2}, this);
+    connect(m_faces, &MapFaces::said, this, &Analyzer::sayOwn);
+    m_mask = new MaskControl(
+        m_measurement, {m_ui->Mask, m_ui->MaskFactor, m_ui->MaskSlider, m_ui->MaskCount}, this);
+    connect(m_mask, &MaskControl::said, this, &Analyzer::sayOwn);
+}
+
+namespace {
+
+/// The first reference in use whose edge is known; null for none.
+const Reference* firstWithEdge(const Measurement& measurement) {
+    const auto& references = measurement.references();
+    const auto found =
+        std::find_if(references.begin(), references.end(), [](const auto& reference) {
+            return reference->takesPart() && reference->spectrum().midE() > 0.0;
+        });
+    return found != references.end() ? found->get() : nullptr;
+}
+
+}  // namespace
+
+void Analyzer::updateEdgeButton() {
+    setUsable(m_ui->RAFromEdge, firstWithEdge(m_measurement) != nullptr
+                                    ? QString()
+                                    : tr("Choose the file of a reference and check its Use box "
+                                         "first."));
+}
+
+void Analyzer::takeEdgeEnergy() {
+    constexpr double AboveEdge = 50.0;
+    if (const Reference* reference = firstWithEdge(m_measurement)) {
+        setRaEnergy(reference->spectrum().midE() + AboveEdge);
+        sayOwn(Outcome::note(
+                   tr("Residual absorption at %1 eV: 50 eV above the edge of %2")
+                       .arg(fieldText(raEnergy()), QFileInfo(reference->file().name).fileName())),
+               QString());
+    }
 }
 
 /// An energy of frames counts with all its digits: rounded, the last one would lie outside them.

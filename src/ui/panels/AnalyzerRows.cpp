@@ -10,6 +10,7 @@
 #include "display/Availability.h"
 #include "panels/Analyzer.h"
 #include "panels/LCFReference.h"
+#include "panels/ReferenceFiles.h"
 #include "panels/WhyNot.h"
 #include "ui_Analyzer.h"
 
@@ -32,34 +33,35 @@ void Analyzer::addRow() {
     }
 
     auto* reference = new LCFReference(m_measurement, index, m_ui->RefBase);
-    auto* button = new QRadioButton(tr("Select Ref%1").arg(index + 1), m_ui->RefBase);
+    auto* button = new QRadioButton(tr("Select Ref%1").arg(index + 1), reference);
     button->setToolTip(tr("Show this reference's result image in the main window"));
     button->setObjectName(QStringLiteral("SelectRef%1").arg(index + 1));
     m_references.append(reference);
     m_choice->addButton(button, index);
-    m_ui->refGrid->addWidget(button, index, 0);
-    m_ui->refGrid->addWidget(reference, index, 1);
+    reference->setChoice(button);
+    m_ui->refGrid->addWidget(reference, index, 0);
     reference->show();
-    button->show();
-    putNextInTabOrder(button, reference);
+    putNextInTabOrder(reference);
     connect(reference, &LCFReference::shownToggled, this, &Analyzer::showReferences);
+    connect(reference, &LCFReference::filesAsked, this, [this, index] { m_files->ask(index); });
     connect(reference, &LCFReference::said, this, &Analyzer::sayOwn);
 }
 
-/// Makes the window as high as its references need, as far as the screen goes; then they scroll.
+/// As a window of its own it is as high as its references need, as far as the screen goes; what has
+/// no room scrolls.
 void Analyzer::growWithReferences() {
-    const QSize needed = m_ui->RefBase->layout()->minimumSize();
-    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    m_ui->refScroll->setMinimumWidth(needed.width() + bar);
+    for (QWidget* inner = m_ui->RefBase; inner != this; inner = inner->parentWidget()) {
+        if (inner->layout() != nullptr) {
+            inner->layout()->activate();  // from the innermost, each tells the next of its size
+        }
+    }
+    updateGeometry();
     if (!isWindow()) {
         return;
     }
-    layout()->activate();
-    const int others = minimumSizeHint().height() - m_ui->refScroll->minimumSizeHint().height();
     const QRect frame = screen()->availableGeometry();
-    const int room = frame.height() - 2 * fontMetrics().height();  // less the title bar
-    resize(size().expandedTo(
-        QSize(minimumSizeHint().width(), std::min(others + needed.height(), room))));
+    const QSize room = frame.size() - QSize(0, 2 * fontMetrics().height());  // less the title bar
+    resize(size().expandedTo(sizeHint()).boundedTo(room));
     if (isVisible()) {
         const QPoint corner =
             frame.bottomRight() - QPoint(frameGeometry().width() - 1, frameGeometry().height() - 1);
@@ -68,8 +70,24 @@ void Analyzer::growWithReferences() {
     }
 }
 
-void Analyzer::putNextInTabOrder(QWidget* button, const LCFReference* reference) {
-    const QWidgetList controls = QWidgetList{button} + reference->findChildren<QWidget*>();
+/// All of the content; less of it scrolls.
+QSize Analyzer::sizeHint() const {
+    const QSize content = m_ui->analyzerContent->minimumSizeHint();
+    const QMargins margins = layout()->contentsMargins();
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    return {content.width() + bar + margins.left() + margins.right(),
+            content.height() + m_ui->Message->sizeHint().height() + layout()->spacing() +
+                margins.top() + margins.bottom()};
+}
+
+/// Room for the first row of controls and a part of the second.
+QSize Analyzer::minimumSizeHint() const {
+    const int line = fontMetrics().height();
+    return QSize(16 * line, 8 * line).boundedTo(QSize(300, 150));
+}
+
+void Analyzer::putNextInTabOrder(const LCFReference* reference) {
+    const QWidgetList controls = reference->inTabOrder();
     for (QWidget* control : controls) {
         if ((control->focusPolicy() & Qt::TabFocus) != 0 && control->window() == window()) {
             setTabOrder(m_lastReferenceControl, control);

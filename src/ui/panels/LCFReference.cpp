@@ -4,7 +4,9 @@
 #include <QSignalBlocker>
 #include <QThread>
 
+#include "base/Numbers.h"
 #include "display/Availability.h"
+#include "panels/ButtonWidth.h"
 #include "panels/NumberField.h"
 #include "spectra/Background.h"
 #include "ui_LCFReference.h"
@@ -24,6 +26,8 @@ LCFReference::LCFReference(Measurement& measurement, int index, QWidget* parent)
       m_index(index),
       m_ui(std::make_unique<Ui::LCFReference>()) {
     m_ui->setupUi(this);
+    m_toolTipOfR = m_ui->R->toolTip();
+    m_toolTipOfT = m_ui->T->toolTip();
     arrangeFields();
     connectControls();
     showReference();
@@ -32,16 +36,30 @@ LCFReference::LCFReference(Measurement& measurement, int index, QWidget* parent)
 LCFReference::~LCFReference() = default;
 
 void LCFReference::arrangeFields() {
-    // Room for what each shows, whatever the font; more would widen the window. Numbers with an
-    // exponent scroll when space is short.
-    const auto setWidth = [this](QLineEdit* field, const char* widest) {
-        field->setFixedWidth(fontMetrics().horizontalAdvance(QLatin1String(widest)));
+    // Room for what each shows, whatever the font; more would widen the panel. Where there is less,
+    // the first digits are shown and the tool tip has all of them.
+    const auto width = [this](const char* text) {
+        return fontMetrics().horizontalAdvance(QLatin1String(text));
     };
-    setWidth(m_ui->DMut, "-0.000000M");
-    setWidth(m_ui->MidE, "00000.00M");
-    setWidth(m_ui->DeltaE, "-00.00M");
-    setWidth(m_ui->R, "-000.00M");
-    setWidth(m_ui->T, "-0.0000000M");
+    const auto setWidth = [&width](QWidget* field, const char* least, const char* most) {
+        field->setMinimumWidth(width(least));
+        field->setMaximumWidth(width(most));
+    };
+    setWidth(m_ui->DMut, "0.00000M", "-0.000000M");
+    setWidth(m_ui->MidE, "0000.0M", "00000.00M");
+    setWidth(m_ui->DeltaE, "-0.0M", "-00.00M");
+    setWidth(m_ui->R, "-000.00M", "-000.00M");
+    setWidth(m_ui->RError, "+ 00.0 ", "+ 00.0 ");
+    setWidth(m_ui->T, "-0.000M", "-0.000000000M");
+    setWidth(m_ui->evLabel, "[eV]", "[eV]  ");
+    setWidth(m_ui->deltaLabel, " dE [eV]", "  dE [eV]");
+    m_ui->deltaLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    m_ui->XFS->leaveAsking();
+    for (const char* name : {"Select", "Clear"}) {
+        fitToText(m_ui->XFS->findChild<QPushButton*>(QLatin1String(name)));
+    }
+    m_ui->XFS->findChild<QLineEdit*>(QStringLiteral("Selected"))
+        ->setMinimumWidth(width("ferrous.d"));
     // On their fixed light ground, whatever the desktop's colours are.
     for (QLineEdit* field : {m_ui->DMut, m_ui->R}) {
         QPalette dark = field->palette();
@@ -52,6 +70,7 @@ void LCFReference::arrangeFields() {
 
 void LCFReference::connectControls() {
     connect(m_ui->XFS, &XafsFileSelect::newFile, this, &LCFReference::newFile);
+    connect(m_ui->XFS, &XafsFileSelect::asked, this, &LCFReference::filesAsked);
     connect(m_ui->XFS, &XafsFileSelect::cleared, this, [this] {
         m_measurement.change(m_index, [](Reference& r) { r.forget(); });
         emit newFileSelected();
@@ -69,6 +88,19 @@ void LCFReference::connectControls() {
 
 const Reference& LCFReference::reference() const {
     return *m_measurement.references()[static_cast<std::size_t>(m_index)];
+}
+
+void LCFReference::setChoice(QWidget* button) {
+    m_ui->fileRow->insertWidget(0, button);
+    m_choice = button;
+}
+
+QWidgetList LCFReference::inTabOrder() const {
+    QWidgetList controls{m_choice};
+    for (const char* name : {"Select", "Clear", "Use"}) {
+        controls << m_ui->XFS->findChild<QWidget*>(QLatin1String(name));
+    }
+    return controls << m_ui->IsVictreen << m_ui->Show << m_ui->DeltaE;
 }
 
 bool LCFReference::isShown() const {
@@ -107,17 +139,32 @@ const LCFReference::FitInput& LCFReference::fitInput() {
 void LCFReference::setRatio(double ratio) {
     m_ratio = ratio;
     const QString text = QString::asprintf("%5.2f", ratio * 100.0);
-    QMetaObject::invokeMethod(this, [this, text] { m_ui->R->setText(text); });
+    QMetaObject::invokeMethod(this, [this, text] { showFromStart(m_ui->R, text); });
 }
 
 void LCFReference::setDMut(double dMut) {
     const QString text = fieldText(dMut);
-    QMetaObject::invokeMethod(this, [this, text] { m_ui->T->setText(text); });
+    QMetaObject::invokeMethod(this, [this, text] {
+        showFromStart(m_ui->T, text);
+        setOwnToolTip(m_ui->T, m_toolTipOfT + QLatin1String("\n") + text);
+    });
+}
+
+void LCFReference::setErrors(double ratio, double dMut) {
+    const RoundedPair share = roundedPair(100.0 * m_ratio, 100.0 * ratio);
+    m_ui->RError->setText(QStringLiteral("\u00b1 ") +
+                          (share.error.isEmpty() ? QStringLiteral("-") : share.error));
+    setOwnToolTip(m_ui->R, m_toolTipOfR + QStringLiteral("\n%1 %").arg(share.text()));
+    setOwnToolTip(m_ui->T, m_toolTipOfT + QLatin1Char('\n') +
+                               roundedPair(m_ui->T->text().toDouble(), dMut).text());
 }
 
 void LCFReference::clearFit() {
     m_ui->R->clear();
     m_ui->T->clear();
+    m_ui->RError->setText(QStringLiteral("\u00b1 -"));
+    setOwnToolTip(m_ui->R, m_toolTipOfR);
+    setOwnToolTip(m_ui->T, m_toolTipOfT);
 }
 
 void LCFReference::showReference() {
@@ -130,8 +177,8 @@ void LCFReference::showReference() {
     const QSignalBlocker use(m_ui->XFS);
     m_ui->XFS->setUse(now.isUsed());
     check(m_ui->IsVictreen, now.background() != XafsSpectrum::Simple);
-    m_ui->DMut->setText(now.hasSpectrum() ? fieldText(now.spectrum().dMut()) : QString());
-    m_ui->MidE->setText(now.hasSpectrum() ? fieldText(now.spectrum().midE()) : QString());
+    showFromStart(m_ui->DMut, now.hasSpectrum() ? fieldText(now.spectrum().dMut()) : QString());
+    showFromStart(m_ui->MidE, now.hasSpectrum() ? fieldText(now.spectrum().midE()) : QString());
     if (!now.takesPart()) {
         clearFit();
     }
@@ -186,7 +233,7 @@ void LCFReference::setStd(const QString& fname, bool use, double deltaE, const Q
         r.setUse(use);
         r.setDeltaE(deltaE);
     });
-    m_ui->DeltaE->setText(fieldText(deltaE));
+    showFromStart(m_ui->DeltaE, fieldText(deltaE));
     emit said(outcome, fname);
     emit newFileSelected();
     emit newDeltaE();

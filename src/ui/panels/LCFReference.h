@@ -45,6 +45,10 @@ class LCFReference : public QFrame {
     /// Whether the file can be chosen and cleared; empty: it can.
     void setFileChoiceUsable(const QString& whyNot);
     double ratio() const { return m_ratio; }
+    /// Puts the button that chooses this reference's result image at the start of the row.
+    void setChoice(QWidget* button);
+    /// The controls that Tab goes to, in their order.
+    QWidgetList inTabOrder() const;
 
     /// Result image of a kind; the first one for a kind that there is not.
     Analyzed2DRes* result(int kind) const;
@@ -57,7 +61,9 @@ class LCFReference : public QFrame {
     /// Share and edge jump of the last fit: stored at once, shown by the panel's thread.
     void setRatio(double ratio);
     void setDMut(double dMut);
-    /// Shows neither: there is no fit of which it is a part.
+    /// Shows the errors of the last fit, one sigma; NaN: not known.
+    void setErrors(double ratio, double dMut);
+    /// Shows none of these: there is no fit of which it is a part.
     void clearFit();
 
     /// Sets everything as a batch line does; an empty word, "VIC" in any case or an integer above
@@ -68,6 +74,8 @@ class LCFReference : public QFrame {
     void newFileSelected();
     void newDeltaE();
     void shownToggled();
+    /// Files are to be chosen, the first of them for this reference.
+    void filesAsked();
     /// How the choice of a file ended.
     void said(const Outcome& outcome, const QString& file);
 
@@ -87,6 +95,9 @@ class LCFReference : public QFrame {
     Measurement& m_measurement;
     int m_index;
     std::unique_ptr<Ui::LCFReference> m_ui;
+    QWidget* m_choice = nullptr;
+    QString m_toolTipOfR;
+    QString m_toolTipOfT;
     quint64 m_shown = 0;  // revision of what the controls show
     std::atomic<double> m_ratio{0.0};
     FitInput m_frozen;

@@ -3,7 +3,6 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QPushButton>
 #include <QSignalBlocker>
 
 #include "display/Availability.h"
@@ -20,13 +19,10 @@ QString titleOf(const Result& result) {
 
 }  // namespace
 
-MapChoice::MapChoice(Measurement& measurement, QComboBox* list, QPushButton* mask, QObject* parent)
-    : QObject(parent), m_measurement(measurement), m_list(list), m_mask(mask) {
+MapChoice::MapChoice(Measurement& measurement, QComboBox* list, QObject* parent)
+    : QObject(parent), m_measurement(measurement), m_list(list) {
     m_list->setPlaceholderText(tr("none"));
-    m_mask->setText(tr("Mask: k = %1").arg(QStringLiteral("0.00")));
-    m_mask->setMinimumWidth(m_mask->sizeHint().width());
     connect(m_list, QOverload<int>::of(&QComboBox::activated), this, &MapChoice::choose);
-    connect(m_mask, &QPushButton::clicked, this, &MapChoice::press);
     update();
 }
 
@@ -34,16 +30,6 @@ void MapChoice::choose(int index) {
     if (index >= 0 && index < m_maps.size()) {
         emit said(m_measurement.choose(m_maps.at(index).id, m_maps.at(index).reference));
     }
-}
-
-void MapChoice::press(bool on) {
-    emit said(m_measurement.setMask(on ? UsualMask : 0.0));
-    showMask();
-}
-
-void MapChoice::update() {
-    fillList();
-    showMask();
 }
 
 /// What is chosen, whether it holds values or not.
@@ -63,7 +49,7 @@ MapChoice::Map MapChoice::chosen() const {
                : Map{residualId(qBound(0, selected - references, ResidualCount - 1)), -1};
 }
 
-void MapChoice::fillList() {
+void MapChoice::update() {
     QVector<Map> maps;
     QStringList titles;
     for (const Result* result : m_measurement.results()) {
@@ -83,14 +69,4 @@ void MapChoice::fillList() {
     }
     m_list->setCurrentIndex(m_maps.indexOf(chosen()));
     setUsable(m_list, maps.isEmpty() ? tr("Analyze the image first.") : QString());
-}
-
-void MapChoice::showMask() {
-    const double factor = m_measurement.settings().mask;
-    const bool isOn = factor > 0.0;
-    m_mask->setChecked(isOn);
-    m_mask->setText(isOn ? tr("Mask: k = %1").arg(fieldText(factor)) : tr("Mask"));
-    // A mask that is on can be taken off whatever there is.
-    const bool lacksErrors = !isOn && !m_measurement.whyNotMask().isEmpty();
-    setUsable(m_mask, lacksErrors ? tr("Run again with error maps.") : QString());
 }

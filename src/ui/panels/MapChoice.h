@@ -6,18 +6,13 @@
 #include "measurement/Measurement.h"
 
 class QComboBox;
-class QPushButton;
 
-/// The list of the maps that hold values, and the press that masks those of a fit. Both follow the
-/// measurement, whoever chooses.
+/// The list of the maps that hold values. It follows the measurement, whoever chooses.
 class MapChoice : public QObject {
     Q_OBJECT
 
   public:
-    /// The factor that a press of the mask sets.
-    static constexpr double UsualMask = 5.0;
-
-    MapChoice(Measurement& measurement, QComboBox* list, QPushButton* mask, QObject* parent);
+    MapChoice(Measurement& measurement, QComboBox* list, QObject* parent);
 
     /// Lists and shows what there is now.
     void update();
@@ -33,13 +28,9 @@ class MapChoice : public QObject {
     };
 
     void choose(int index);
-    void press(bool on);
-    void fillList();
-    void showMask();
     Map chosen() const;
 
     Measurement& m_measurement;
     QComboBox* m_list;
-    QPushButton* m_mask;
     QVector<Map> m_maps;  // as listed
 };

@@ -22,11 +22,16 @@ QString textOf(double value) {
 
 }  // namespace
 
+void showFromStart(QLineEdit* field, const QString& text) {
+    field->setText(text);
+    field->setCursorPosition(0);
+}
+
 void showNumber(QLineEdit* field, double value) {
     const double shown = numberIn(field);
     if (!field->isModified() && shown != value && inField(shown) != value) {
         const QSignalBlocker blocked(field);
-        field->setText(textOf(value));
+        showFromStart(field, textOf(value));
     }
 }
 
@@ -41,4 +46,7 @@ void finishNumber(QLineEdit* field, double value) {
         field->setText(textOf(value));
     }
     noteTaken(field);
+    if (!field->hasFocus()) {
+        field->setCursorPosition(0);
+    }
 }

@@ -26,6 +26,10 @@ XafsFileSelect::XafsFileSelect(QWidget* parent)
 XafsFileSelect::~XafsFileSelect() = default;
 
 void XafsFileSelect::showDialog() {
+    if (m_leavesAsking) {
+        emit asked();
+        return;
+    }
     if (m_dialog == nullptr) {
         m_dialog = new QFileDialog(this, tr("XAFS File Select"));
         m_dialog->setDirectory(DataDir);

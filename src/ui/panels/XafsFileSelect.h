@@ -24,10 +24,14 @@ class XafsFileSelect : public QFrame {
     /// Whether a file has ever been chosen; clear() does not reset it.
     bool isSelected() const { return m_selected; }
     bool use() const;
+    /// From now on Select asks others for files: only asked() is emitted.
+    void leaveAsking() { m_leavesAsking = true; }
 
   signals:
     void changedUse(bool use);
     void newFile(const QString& fname);
+    /// Select was pressed, see leaveAsking().
+    void asked();
     /// The user wants none.
     void cleared();
 
@@ -44,4 +48,5 @@ class XafsFileSelect : public QFrame {
     std::unique_ptr<Ui::XafsFileSelect> m_ui;
     QFileDialog* m_dialog = nullptr;  // made when it is first shown: making one takes long
     bool m_selected = false;
+    bool m_leavesAsking = false;
 };

@@ -72,7 +72,7 @@ void SpectrumPane::show() {
                          QStringLiteral("Position (%1, %2)").arg(x).arg(y));
     }
     if (m_analyzer.isOpen()) {
-        m_analyzer.analyzeAndShowSpectrum(sample);
+        m_analyzer.analyzeAndShowPoint();
     }
     showLabels(sample);
 }
