@@ -10,7 +10,6 @@
 #include "display/XafsView.h"
 #include "measurement/Display.h"
 #include "panels/AnalyzeProc.h"
-#include "panels/ButtonWidth.h"
 #include "panels/LCFReference.h"
 #include "panels/MapChoice.h"
 #include "panels/MapFaces.h"
@@ -55,10 +54,6 @@ Analyzer::Analyzer(Measurement& measurement, QWidget* parent)
     m_ui->analyzerContent->setAutoFillBackground(false);
     for (QWidget* button : {m_ui->AskAnalyze, m_ui->AskRAAnalyze, m_ui->AskDifference}) {
         button->setMinimumWidth(button->sizeHint().width());
-    }
-    for (QPushButton* button : {m_ui->AddRef, m_ui->AddRefFiles, m_ui->ShowValue, m_ui->ShowError,
-                                m_ui->ShowR, m_ui->ShowChi2, m_ui->RAFromEdge, m_ui->Mask}) {
-        fitToText(button);
     }
     m_ui->Progress->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("100.00")));
     for (QLineEdit* field : m_ui->analyzerContent->findChildren<QLineEdit*>()) {

@@ -3,10 +3,10 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QThread>
+#include <cmath>
 
 #include "base/Numbers.h"
 #include "display/Availability.h"
-#include "panels/ButtonWidth.h"
 #include "panels/NumberField.h"
 #include "spectra/Background.h"
 #include "ui_LCFReference.h"
@@ -16,6 +16,18 @@ namespace {
 void check(QAbstractButton* box, bool on) {
     const QSignalBlocker blocked(box);
     box->setChecked(on);
+}
+
+/// Of per cent with two decimals, in a field of few letters.
+QString shortError(double error) {
+    constexpr double Least = 0.01;
+    constexpr double Most = 999.0;
+    if (!std::isfinite(error) || !(error > 0.0)) {
+        return QStringLiteral("-");
+    }
+    return error < Least  ? QStringLiteral("<0.01")
+           : error > Most ? QStringLiteral(">999")
+                          : roundedPair(0.0, error).error;
 }
 
 }  // namespace
@@ -45,19 +57,13 @@ void LCFReference::arrangeFields() {
         field->setMinimumWidth(width(least));
         field->setMaximumWidth(width(most));
     };
-    setWidth(m_ui->DMut, "0.00000M", "-0.000000M");
+    setWidth(m_ui->DMut, "0.0000M", "-0.000000M");
     setWidth(m_ui->MidE, "0000.0M", "00000.00M");
-    setWidth(m_ui->DeltaE, "-0.0M", "-00.00M");
+    setWidth(m_ui->DeltaE, "-00M", "-00.00M");
     setWidth(m_ui->R, "-000.00M", "-000.00M");
-    setWidth(m_ui->RError, "+ 00.0 ", "+ 00.0 ");
-    setWidth(m_ui->T, "-0.000M", "-0.000000000M");
-    setWidth(m_ui->evLabel, "[eV]", "[eV]  ");
-    setWidth(m_ui->deltaLabel, " dE [eV]", "  dE [eV]");
-    m_ui->deltaLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    setWidth(m_ui->RError, "+ <0.01", "+ <0.01");
+    setWidth(m_ui->T, "-0.00M", "-0.000000000M");
     m_ui->XFS->leaveAsking();
-    for (const char* name : {"Select", "Clear"}) {
-        fitToText(m_ui->XFS->findChild<QPushButton*>(QLatin1String(name)));
-    }
     m_ui->XFS->findChild<QLineEdit*>(QStringLiteral("Selected"))
         ->setMinimumWidth(width("ferrous.d"));
     // On their fixed light ground, whatever the desktop's colours are.
@@ -151,10 +157,9 @@ void LCFReference::setDMut(double dMut) {
 }
 
 void LCFReference::setErrors(double ratio, double dMut) {
-    const RoundedPair share = roundedPair(100.0 * m_ratio, 100.0 * ratio);
-    m_ui->RError->setText(QStringLiteral("\u00b1 ") +
-                          (share.error.isEmpty() ? QStringLiteral("-") : share.error));
-    setOwnToolTip(m_ui->R, m_toolTipOfR + QStringLiteral("\n%1 %").arg(share.text()));
+    const RoundedPair fraction = roundedPair(100.0 * m_ratio, 100.0 * ratio);
+    m_ui->RError->setText(QStringLiteral("\u00b1 ") + shortError(100.0 * ratio));
+    setOwnToolTip(m_ui->R, m_toolTipOfR + QStringLiteral("\n%1 %").arg(fraction.text()));
     setOwnToolTip(m_ui->T, m_toolTipOfT + QLatin1Char('\n') +
                                roundedPair(m_ui->T->text().toDouble(), dMut).text());
 }
