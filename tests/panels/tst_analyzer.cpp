@@ -1,11 +1,13 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDropEvent>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSlider>
 #include <QSignalSpy>
+#include <QSlider>
 #include <QTemporaryDir>
 #include <QThread>
 #include <cmath>
@@ -360,6 +362,136 @@ class TestAnalyzer : public QObject {
         QVERIFY(button("AskAnalyze")->isEnabled());
         m_measurement->set(&Settings::method, LinearFit::Mlcf);
         QVERIFY(button("AskAnalyze")->toolTip().endsWith("its coefficients are edge jumps."));
+    }
+
+    /// The fit at the cursor is that of the bin there, to the last bit, counting errors too.
+    void theCursorFitsAsTheMapDoes_data() {
+        columns<int, int, bool>("method", "constraints", "darkAndI0");
+        QTest::newRow("LCF") << int(LinearFit::Lcf) << int(FitRule::Constraints::None) << false;
+        QTest::newRow("LCF, I0, constrained")
+            << int(LinearFit::Lcf) << int(FitRule::Constraints::Both) << true;
+        QTest::newRow("MLCF, I0") << int(LinearFit::Mlcf) << int(FitRule::Constraints::None)
+                                  << true;
+    }
+    void theCursorFitsAsTheMapDoes() {
+        QFETCH(int, method);
+        QFETCH(int, constraints);
+        QFETCH(bool, darkAndI0);
+        addReferences();
+        load();
+        if (darkAndI0) {
+            m_measurement->load(StackId::I0,
+                                writeTinyStack(m_dir.path(), "i0", 8, 6, {7000, 7150, 7300},
+                                               [](int i, int x, int) {
+                                                   return static_cast<quint16>(50000 - 999 * i - x);
+                                               }),
+                                true);
+            QTRY_COMPARE(m_measurement->stack(StackId::I0).size(), 3);
+            QTRY_VERIFY(!m_measurement->isAtWork(Work::LoadI0));
+        }
+        m_measurement->set(&Settings::method, static_cast<LinearFit::Method>(method));
+        m_measurement->set(&Settings::constraints, static_cast<FitRule::Constraints>(constraints));
+        m_measurement->set(&Settings::errorMaps, true);
+        m_measurement->set(&Settings::halfWidth, 1);
+        m_measurement->start(Work::Fit);
+        QTRY_VERIFY(!m_analyzer->isBusy());
+        for (const QPoint at : {QPoint(1, 0), QPoint(4, 3), QPoint(4, 5)}) {
+            m_measurement->setPosition(at.x(), at.y());
+            m_analyzer->analyzeAndShowPoint();
+            QTRY_COMPARE(m_analyzer->fitsOut(), 0);
+            const std::vector<double>& live = m_analyzer->worker()->values();
+            const FitValues places(2, true);
+            QCOMPARE(int(live.size()), places.count());
+            const auto same = [&](ResultId id, int reference, int place) {
+                const double map =
+                    m_measurement->find(id, reference)->image.valueAt(at.x(), at.y());
+                const double here = live[std::size_t(place)];
+                QVERIFY2(map == here || (std::isnan(map) && std::isnan(here)),
+                         qPrintable(QString("%1: %2, %3").arg(place).arg(map).arg(here)));
+            };
+            for (int r = 0; r < 2; ++r) {
+                same(ResultId::Ratio, r, places.ratio(r));
+                same(ResultId::RatioError, r, places.ratioError(r));
+                same(ResultId::DMutError, r, places.dMutError(r));
+            }
+            same(ResultId::R, -1, places.r());
+            same(ResultId::Chi2Reduced, -1, places.chi2Reduced());
+            QVERIFY(m_analyzer->worker()->hadCounts());
+        }
+        QVERIFY(textOf("FitNumbers", m_analyzer.get()).startsWith("Sum of the fractions 1"));
+        m_analyzer->analyzeAndShowPoint();
+        m_analyzer->analyzeAndShowSpectrum(mixture(0.3));  // no counts: no chi-square
+        QTRY_VERIFY(textOf("FitNumbers", m_analyzer.get()).endsWith(" -"));
+        m_analyzer->analyzeAndShowSpectrum(XafsSpectrum());
+        QCOMPARE(textOf("RError", panel(0)), QString("\u00b1 -"));
+    }
+
+    void filesFillEmptyRowsFirst() {
+        const QString noSpectrum = m_dir.filePath("none.dat");
+        QFile(noSpectrum).open(QIODevice::WriteOnly);
+        Outcome outcome;
+        connect(m_analyzer.get(), &Analyzer::said, this, [&](const Outcome& o) { outcome = o; });
+        press("AddRef", m_analyzer.get());
+        press("AddRef", m_analyzer.get());
+        panel(1)->newFile(m_second);
+        panel(0)->setUse(false);
+        press("AddRefFiles", m_analyzer.get());
+        answer({m_first, noSpectrum, m_second, m_first});
+        QCOMPARE(m_analyzer->references().size(), 4);
+        const QString expected[] = {m_first, m_second, m_second, m_first};
+        for (int i = 0; i < 4; ++i) {
+            QCOMPARE(panel(i)->fileName(), expected[i]);
+            QVERIFY(panel(i)->isUsed() && panel(i)->hasSpectrum());
+        }
+        QVERIFY(outcome.failures.size() == 1 && outcome.failures.first().contains("none.dat"));
+        QVERIFY(outcome.notes.first().endsWith("first.dat, second.dat, first.dat"));
+
+        m_analyzer->disconnect(this);
+
+        // The row that asks gets the first.
+        press("Select", panel(1));
+        answer({m_first, m_second});
+        QCOMPARE(panel(1)->fileName(), m_first);
+        QCOMPARE(m_analyzer->references().size(), 5);
+
+        // Dropped files, but no folder.
+        const auto drop = [this](const QString& path) {
+            QMimeData data;
+            data.setUrls({QUrl::fromLocalFile(path)});
+            QDragEnterEvent enter({}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(m_analyzer.get(), &enter);
+            QDropEvent event({}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            return enter.isAccepted() && QApplication::sendEvent(m_analyzer.get(), &event);
+        };
+        QVERIFY(drop(m_second) && !drop(m_dir.path()));
+        QCOMPARE(m_analyzer->references().size(), 6);
+
+        // 50 eV above the edge of the first in use.
+        panel(0)->setUse(false);
+        press("RAFromEdge", m_analyzer.get());
+        QCOMPARE(m_measurement->settings().raEnergy, inField(panel(1)->spectrum().midE() + 50.0));
+        for (LCFReference* each : m_analyzer->references()) {
+            each->setUse(false);
+        }
+        QVERIFY(!button("RAFromEdge")->isEnabled());
+    }
+
+    void everyControlHasAName() {
+        m_analyzer->addNewRef();
+        QSet<QWidget*> labelled;
+        for (const QLabel* label : m_analyzer->findChildren<QLabel*>()) {
+            labelled << label->buddy();
+        }
+        for (QWidget* w : m_analyzer->findChildren<QWidget*>()) {
+            const auto* pressed = qobject_cast<QAbstractButton*>(w);
+            const bool says = (pressed != nullptr && !pressed->text().isEmpty()) ||
+                              !w->accessibleName().isEmpty() || labelled.contains(w);
+            QVERIFY2(w->focusPolicy() == Qt::NoFocus || says || w->objectName().isEmpty() ||
+                         w->objectName().startsWith("qt_"),
+                     qPrintable(w->objectName()));
+        }
+        QVERIFY(m_analyzer->minimumSizeHint().boundedTo(QSize(300, 150)) ==
+                m_analyzer->minimumSizeHint());
     }
 
     void titlesTellOfTheReferenceThatWasFitted() {

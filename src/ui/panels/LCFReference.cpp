@@ -64,8 +64,10 @@ void LCFReference::arrangeFields() {
     setWidth(m_ui->RError, "+ <0.01", "+ <0.01");
     setWidth(m_ui->T, "-0.00M", "-0.000000000M");
     m_ui->XFS->leaveAsking();
-    m_ui->XFS->findChild<QLineEdit*>(QStringLiteral("Selected"))
-        ->setMinimumWidth(width("ferrous.d"));
+    auto* file = m_ui->XFS->findChild<QLineEdit*>(QStringLiteral("Selected"));
+    file->setMinimumWidth(width("ferrous.d"));
+    file->setAccessibleName(tr("File of the reference"));
+    setAccessibleName(tr("Reference %1").arg(m_index + 1));
     // On their fixed light ground, whatever the desktop's colours are.
     for (QLineEdit* field : {m_ui->DMut, m_ui->R}) {
         QPalette dark = field->palette();
