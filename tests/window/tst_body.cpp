@@ -20,6 +20,7 @@
 #include "Mouse.h"
 #include "Phantom.h"
 #include "TestMain.h"
+#include "base/Numbers.h"
 #include "display/ImageView.h"
 #include "display/XafsView.h"
 #include "maps/Analyzed2DRes.h"
@@ -181,6 +182,42 @@ class TestBody : public QObject {
         QVERIFY(control<QPushButton>("SaveXAFSSpectra", m_body.get())->isEnabled());
         m_body->measurement().setPosition(-5, 3);  // beside the image
         QVERIFY(!control<QPushButton>("SaveXAFSSpectra", m_body.get())->isEnabled());
+    }
+
+    /// The two lines are always there; what is not known is a dash, a map of another run says no
+    /// more.
+    void theCursorReadsErrorAndGoodness() {
+        BatchRun batch(*m_body);
+        Measurement& measurement = m_body->measurement();
+        const QString none = "With error:  - | R  -    \u03c7\u00b2 red.  -";
+        const auto lines = [] {
+            return textOf("ValueWithError") + " | " + textOf("GoodnessOfFit");
+        };
+        QCOMPARE(lines(), none);
+        QVERIFY(batch.run(m_phantom->loadAndSetReferences()));
+        QVERIFY(batch.succeeds({"analyzer_set_error_maps 1", "analyzer_exec_LCF"}));
+        auto* view = control<ImageView>("dispA", m_body.get());
+        Mouse::move(view, screenOf(view, 4.5, 3.5));
+        const auto at = [&](ResultId id, int reference) {
+            return measurement.find(id, reference)->image.valueAt(4, 3);
+        };
+        const auto number = [&](ResultId id) { return QString::number(at(id, -1), 'g', 3); };
+        const auto expected = [&](ResultId value, ResultId error, int reference) {
+            return QString("With error:  %1 | R  %2    \u03c7\u00b2 red.  %3")
+                .arg(roundedPair(at(value, reference), at(error, reference)).text(),
+                     number(ResultId::R), number(ResultId::Chi2Reduced));
+        };
+        QVERIFY(at(ResultId::RatioError, 1) > 0.0);
+        for (const ResultId shown : {ResultId::Ratio, ResultId::RatioError}) {
+            QVERIFY(!measurement.choose(shown, 1).failed());
+            QCOMPARE(lines(), expected(ResultId::Ratio, ResultId::RatioError, 1));
+        }
+        QVERIFY(!measurement.choose(ResultId::R, -1).failed());
+        QVERIFY(lines().startsWith("With error:  - | R  " + number(ResultId::R)));
+        QVERIFY(textOf("Message", analyzerWindow())
+                    .startsWith("Fitted 96 bins with 2 reference(s) in "));
+        measurement.set(&Settings::shown, Shown::I1);
+        QCOMPARE(lines(), none);
     }
 
     /// What goes wrong is said where it was started and in the main window, and kept with file and

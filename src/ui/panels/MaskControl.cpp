@@ -55,7 +55,10 @@ MaskControl::MaskControl(Measurement& measurement, const Controls& controls, QOb
 
 void MaskControl::set(double factor) {
     m_pace.stop();
-    emit said(m_measurement.setMask(factor));
+    const Outcome outcome = m_measurement.setMask(factor);
+    if (outcome.failed()) {
+        emit said(outcome);  // else the count says it
+    }
     update();
 }
 

@@ -14,18 +14,17 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CursorNumbers)
 };
 
-QLabel* addLine(QFormLayout* box, int row, const QString& title, const char* name,
-                const QString& toolTip) {
-    auto* label = new QLabel(title, box->parentWidget());
-    auto* field = new QLabel(box->parentWidget());
-    field->setObjectName(QLatin1String(name));
-    field->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    field->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    field->setAccessibleName(toolTip);
-    field->setToolTip(toolTip);
-    label->setBuddy(field);
-    box->insertRow(row, label, field);
-    return field;
+/// As wide as the box, for two numbers beside a label have no room there.
+QLabel* addLine(QFormLayout* box, int row, const char* name, const QString& toolTip) {
+    auto* line = new QLabel(box->parentWidget());
+    line->setObjectName(QLatin1String(name));
+    line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    line->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    line->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    line->setAccessibleDescription(toolTip);
+    line->setToolTip(toolTip);
+    box->insertRow(row, line);
+    return line;
 }
 
 /// NaN where a map of the same run holds no number, or is not there.
@@ -46,10 +45,10 @@ CursorNumbers::CursorNumbers(QFormLayout* box, QWidget* after) {
     QFormLayout::ItemRole role = QFormLayout::LabelRole;
     box->getWidgetPosition(after, &row, &role);
     m_withError =
-        addLine(box, row + 1, Texts::tr("With error: "), "ValueWithError",
+        addLine(box, row + 1, "ValueWithError",
                 Texts::tr("Value of the shown map at the position and its error, one sigma"));
     m_goodness =
-        addLine(box, row + 2, Texts::tr("R,  \u03c7\u00b2 red.: "), "GoodnessOfFit",
+        addLine(box, row + 2, "GoodnessOfFit",
                 Texts::tr("R factor and reduced chi-square of the fit of the bin at the position"));
 }
 
@@ -70,11 +69,11 @@ void CursorNumbers::show(const Measurement& measurement, const Result* shown, in
             }
         }
     }
-    m_withError->setText(pair.text());
+    m_withError->setText(Texts::tr("With error:  %1").arg(pair.text()));
     const bool isFit = run != nullptr && run->work == Work::Fit;
-    const double r = at(ResultId::R, -1);
-    const double chi2 = at(ResultId::Chi2Reduced, -1);
-    m_goodness->setText(isFit && (std::isfinite(r) || std::isfinite(chi2))
-                            ? inShort(r) + QStringLiteral(",  ") + inShort(chi2)
-                            : QStringLiteral("-"));
+    const auto known = [&](ResultId id) {
+        return inShort(isFit ? at(id, -1) : std::numeric_limits<double>::quiet_NaN());
+    };
+    m_goodness->setText(Texts::tr("R  %1    \u03c7\u00b2 red.  %2")
+                            .arg(known(ResultId::R), known(ResultId::Chi2Reduced)));
 }
