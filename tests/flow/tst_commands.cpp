@@ -257,6 +257,11 @@ void TestCommands::addStackCases() {
         return text(i1Panel, "EngPattern") == "[\\d_]+eV" && choice(i1Panel, "SelectUnit") == 0;
     });
     add("load_new I0", {"load_I0_files NEW new/7001eV.tif"}, [=] { return i0Frames() == 2; });
+    QVERIFY(QDir(m_dir.path()).mkpath("run/i1") && QDir(m_dir.path()).mkpath("run/I0"));
+    for (const char* const name : {"run/i1/7001eV.tif", "run/i1/7002eV.tif", "run/I0/7001eV.tif"}) {
+        QVERIFY(QFile::copy(i0, file(name)));
+    }
+    add("open_folder run", [=] { return i1Frames() == 2 && i0Frames() == 1; });
     add("load_I1_files_of_pattern NEW " + m_phantom->dir() +
             " i1-70*.tif i1-71*.tif "
             "i1-72*.tif i1-73*.tif",

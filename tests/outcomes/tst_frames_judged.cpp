@@ -232,6 +232,66 @@ class TestFramesJudged : public QObject {
     }
     void frames() { m_cases.judge(); }
 
+    /// A measurement opened by its folder: what is not taken is said, and nothing of before stays.
+    void folders_data() {
+        OutcomeCases::declare();
+        const auto add = OutcomeCases::add;
+        const QString fit = "open_folder .\nset_band_w 0\nset_band_h 0\nanalyzer_exec_LCF";
+        add("sound", {}, fit, "done", "");
+        add("with what it would save", {},
+            fit +
+                "\nselect_disp_image 3\nanalyzer_select_image 0\nsave_data_as_tiff m.tif\n"
+                "save_table t.csv\nmove_position 3 3\nsave_spectra s.dat\n" +
+                fit,
+            "done", "");
+        add(
+            "unreadable members",
+            [] {
+                put("i1-7305eV.tif", "II*");
+                putPlain({"i1-7306eV.tif"}, 8, 12);
+                put("i0-b.tif", "");
+                put("dark1.tif", "7000");
+                putPlain({"dark2.tif"});
+            },
+            "open_folder .", "warning",
+            "I0: not taken: i0-b.tif: no energy.*\n.*I1: not taken: i1-7305eV.tif: a TIFF|"
+            "I1: not taken: i1-7306eV.tif: 8 x 12 pixels, the first frame 12 x 8");
+        add(
+            "none that can be read",
+            [] {
+                QVERIFY(QDir().mkpath("d/i1") && QDir().mkpath("d/references"));
+                put("d/i1/7100eV.tif", "II*");
+                put("d/i1/7110eV.tif", "II*");
+                QVERIFY(QFile::copy("a.dat", "d/references/a.dat"));
+            },
+            "LOAD\nopen_folder d", "failed",
+            "^failed: I1: not taken: 7100eV.tif and 1 more: a TIFF file without an image$");
+        add(
+            "no spectrum among the references",
+            [] {
+                QVERIFY(QDir().mkpath("refs"));
+                put("refs/readme.txt", "none");
+                putCurve("refs/au.dat", std::vector<double>{11900, 11920, 11930, 11940, 12100},
+                         [](double e) { return e > 11925 ? 1.0 : 0.0; });
+            },
+            "open_folder .", "warning",
+            "no reference: .*readme.txt|no reference: au.dat: 11900.0 to 12100.0 eV, the frames "
+            "7000.0 to 7300.0 eV");
+        add(
+            "no I0, nor any of before",
+            [] {
+                QVERIFY(QDir().mkpath("d"));
+                for (const QString& file : QDir().entryList({"i1-*.tif"})) {
+                    QVERIFY(QFile::copy(file, "d/" + file));
+                }
+            },
+            "LOAD\nopen_folder d\nanalyzer_exec_ra", "warning", "no I0 frames");
+        add(
+            "empty", [] { QVERIFY(QDir().mkpath("d")); }, "LOAD\nopen_folder d", "failed",
+            "^failed: there is no frame in d$");
+    }
+    void folders() { m_cases.judge(); }
+
     /// "Load New" takes what only energy and counters tell from a loaded file, and no result.
     void newFrames() {
         const DebugLines unseen;

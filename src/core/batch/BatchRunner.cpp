@@ -132,8 +132,8 @@ void BatchRunner::workEnded(Work work, const Outcome& outcome) {
         answer(m_pacing.take(), all);
     } else {
         emit endedAlone(work, outcome);
-        if (!m_pacing.isActive() &&
-            (work == Work::LoadI1 || work == Work::LoadI0 || work == Work::Fit)) {
+        if (!m_pacing.isActive() && (work == Work::LoadI1 || work == Work::LoadI0 ||
+                                     work == Work::LoadFolder || work == Work::Fit)) {
             emit finishBatchExec();  // a user's own
         }
     }

@@ -138,6 +138,7 @@ QString finishName(const CommandRow& row) {
         case Work::LoadI1:
         case Work::LoadI0:
         case Work::LoadDark:
+        case Work::LoadFolder:
             return QStringLiteral("when loaded");
         default:
             return QStringLiteral("when analysed");

@@ -5,6 +5,7 @@
 
 #include "batch/CommandRows.h"
 #include "files/FileListing.h"
+#include "measurement/FolderLoad.h"
 
 namespace {
 
@@ -47,6 +48,15 @@ void loadDarkOfPattern(Action& a) {
         a.fail(whyNoFile(a.args.text(0), a.args.from(1)));
     }
     a.measurement.loadDark(files);  // in any case, lest those before pass for what was asked for
+}
+
+void openFolderOf(Action& a) {
+    const FolderContents contents =
+        contentsOf(a.measurement, listingOf(a.measurement, a.args.text(0)));
+    // Of a folder without frames nothing else is worth a line.
+    a.outcome += contents.outcome.failed()
+                     ? Outcome::failure(contents.outcome.failures.join(QStringLiteral("; ")))
+                     : openFolder(a.measurement, filesOf(contents), contents.outcome);
 }
 
 }  // namespace
@@ -125,6 +135,7 @@ void addStackCommands(std::vector<CommandRow>* rows) {
          Work::None,
          setEnergyPattern},
         {65, "load_new", {K::Stack}, 1, false, Work::LoadI1, loadNew},
+        {86, "open_folder", {K::Directory}, 1, false, Work::LoadFolder, openFolderOf},
     };
     rows->insert(rows->end(), mine.begin(), mine.end());
 }

@@ -14,7 +14,17 @@
 // be copied and compared; nothing here follows the measurement.
 
 /// What works for a while in the background.
-enum class Work { None, LoadI1, LoadI0, LoadDark, Calibrate, Fit, Residual, Difference };
+enum class Work {
+    None,
+    LoadI1,
+    LoadI0,
+    LoadDark,
+    LoadFolder,  ///< several of these at once
+    Calibrate,
+    Fit,
+    Residual,
+    Difference
+};
 
 /// A text file that was read as a whole.
 struct FileInput {

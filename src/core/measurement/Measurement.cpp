@@ -36,7 +36,7 @@ Measurement::Measurement()
                 outcome.failures << QStringLiteral("%1: %2").arg(file.fileName, file.why);
             }
             outcome.warnings = m_dark.remarks();
-            emit ended(Work::LoadDark, outcome);
+            tellLoaded(Work::LoadDark, outcome);
         }
     });
     connect(&m_dark, &DarkData::progressed, this, [this] { emit changed(AtWork); });

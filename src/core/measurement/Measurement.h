@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 
 #include "base/ShareOfTime.h"
 #include "frames/DarkData.h"
@@ -77,6 +78,11 @@ class Measurement : public QObject {
     DarkData& dark() { return m_dark; }
     const DarkData& dark() const { return m_dark; }
     void loadDark(const QStringList& files);
+    /// Several loads at once, each in the place of what there is; where there are I1 files, none of
+    /// the others empty theirs. How all went is told once, by ended(Work::LoadFolder).
+    /// @param begun what there is to say before them
+    void loadTogether(const QStringList& i1, const QStringList& i0, const QStringList& dark,
+                      const Outcome& begun);
     /// What is wrong with the frames for as long as they are loaded; empty: nothing.
     QStringList lastingWarnings() const;
 
@@ -166,6 +172,7 @@ class Measurement : public QObject {
     void connectStack(Stack& stack);
     void frameArrived(StackId id);
     void loadEnded(StackId id);
+    void tellLoaded(Work work, const Outcome& outcome);
     void settingChanged(const Settings& before);
     void setImageSize(const QSize& size);
     void applyScales();
@@ -224,6 +231,7 @@ class Measurement : public QObject {
     ShareOfTime m_eachRow;
     AnalysisGrid m_point;  // of the last fit
     bool m_loadsDark = false;
+    std::map<Work, std::optional<Outcome>> m_together;  // loads to be told of as one
     Recorder m_recorder;
     QString m_batchFile;
 };

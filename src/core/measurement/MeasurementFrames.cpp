@@ -7,6 +7,7 @@
 #include "absorption/AbsorptionSource.h"
 #include "base/DebugLog.h"
 #include "files/FileListing.h"
+#include "measurement/FolderLoad.h"
 #include "measurement/Measurement.h"
 #include "measurement/NewFrames.h"
 
@@ -122,7 +123,7 @@ void Measurement::loadEnded(StackId id) {
         outcome += std::exchange(m_aboutArea, {});
     }
     emit changed(AtWork);
-    emit ended(id == StackId::I1 ? Work::LoadI1 : Work::LoadI0, outcome);
+    tellLoaded(id == StackId::I1 ? Work::LoadI1 : Work::LoadI0, outcome);
 }
 
 void Measurement::stopLoading() {
@@ -143,11 +144,66 @@ void Measurement::stopLoading() {
         emit progressed(stack == &m_i1 ? Work::LoadI1 : Work::LoadI0, stack->done(),
                         stack->total());
         emit changed(Changes(AtWork) | Display);
-        emit ended(stack == &m_i1 ? Work::LoadI1 : Work::LoadI0, stopped);
+        tellLoaded(stack == &m_i1 ? Work::LoadI1 : Work::LoadI0, stopped);
     }
 }
 
 void Measurement::loadDark(const QStringList& files) {
     m_loadsDark = true;
     m_dark.replace(files);
+}
+
+void Measurement::loadTogether(const QStringList& i1, const QStringList& i0,
+                               const QStringList& dark, const Outcome& begun) {
+    // Frames before and after them are not to be held against each other.
+    if (!i1.isEmpty()) {
+        clear(StackId::I1);
+        clear(StackId::I0);
+        m_dark.clear();
+    }
+    m_together[Work::LoadFolder].reset();
+    const QPair<Work, const QStringList*> parts[] = {
+        {Work::LoadI1, &i1}, {Work::LoadI0, &i0}, {Work::LoadDark, &dark}};
+    for (const auto& [work, files] : parts) {
+        if (!files->isEmpty()) {
+            m_together[work].reset();
+        }
+    }
+    if (!dark.isEmpty()) {
+        loadDark(dark);
+    }
+    if (!i0.isEmpty()) {
+        load(StackId::I0, i0, true);
+    }
+    if (!i1.isEmpty()) {
+        load(StackId::I1, i1, true);
+    }
+    tellLoaded(Work::LoadFolder, begun);
+}
+
+/// At once, or with the others of the loads that began together.
+void Measurement::tellLoaded(Work work, const Outcome& outcome) {
+    const auto part = m_together.find(work);
+    if (part == m_together.end()) {
+        emit ended(work, outcome);
+        return;
+    }
+    part->second = outcome;
+    Outcome all;
+    for (const Work one : {Work::LoadFolder, Work::LoadI1, Work::LoadI0, Work::LoadDark}) {
+        const auto told = m_together.find(one);
+        if (told != m_together.end() && !told->second) {
+            return;
+        }
+        all += told == m_together.end() ? Outcome() : *told->second;
+    }
+    QStringList loaded;
+    for (const Stack* stack : {&m_i1, &m_i0}) {
+        const Work load = stack->id() == StackId::I1 ? Work::LoadI1 : Work::LoadI0;
+        loaded << (m_together.count(load) > 0 ? loadedText(*stack) : QString());
+    }
+    loaded.removeAll(QString());
+    all.notes = loaded + all.notes;
+    m_together.clear();
+    emit ended(Work::LoadFolder, all);
 }

@@ -70,6 +70,8 @@ bool Measurement::isAtWork(Work work) const {
             return m_i0.isLoading();
         case Work::LoadDark:
             return m_loadsDark;
+        case Work::LoadFolder:
+            return !m_together.empty();
         default:
             return working() == work;
     }

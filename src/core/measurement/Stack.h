@@ -4,6 +4,7 @@
 #include <QSize>
 #include <QThread>
 #include <QVector>
+#include <algorithm>
 
 #include "frames/LoadTiff.h"
 #include "frames/StackLoader.h"
@@ -69,6 +70,8 @@ class Stack : public QObject {
     Outcome takeOutcome();
     /// How many files the load of the last takeOutcome() did not take.
     int leftOut() const { return m_refused; }
+    /// How many frames there were before the last load.
+    int firstNew() const { return std::min(m_before, size()); }
 
   public slots:
     /// Gives the reader its next file; finished() when there is none and none is under way.
