@@ -8,6 +8,7 @@
 #include "base/DebugLog.h"
 #include "base/Globals.h"
 #include "display/DispA.h"
+#include "display/FolderMemory.h"
 #include "display/MessageLine.h"
 #include "display/XafsView.h"
 #include "drawing/PlotPicture.h"
@@ -75,7 +76,6 @@ void XafsView::showSaveDialog() {
     if (m_plotDialog == nullptr) {
         const QString drawing = tr("Vector Drawing (*.pdf)");
         m_plotDialog = new QFileDialog(this, tr("Save Plot"));
-        m_plotDialog->setDirectory(DataDir);
         m_plotDialog->setObjectName(QStringLiteral("PlotDialog"));
         m_plotDialog->setAcceptMode(QFileDialog::AcceptSave);
         m_plotDialog->setFileMode(QFileDialog::AnyFile);
@@ -88,7 +88,7 @@ void XafsView::showSaveDialog() {
         });
         connect(m_plotDialog, &QFileDialog::fileSelected, this, &XafsView::savePlot);
     }
-    m_plotDialog->show();
+    FolderMemory::shared().show(m_plotDialog);
 }
 
 bool XafsView::savePlot(const QString& fname) {

@@ -14,7 +14,7 @@
 #include <QTextStream>
 #include <utility>
 
-#include "base/Globals.h"
+#include "display/FolderMemory.h"
 #include "display/MessageLine.h"
 #include "files/WholeFile.h"
 #include "ui_BatchCtrl.h"
@@ -75,7 +75,7 @@ BatchCtrl::BatchCtrl(QWidget* parent)
             m_loadDialog = makeDialog(tr("Load Batch File"));
             connect(m_loadDialog, &QFileDialog::fileSelected, this, &BatchCtrl::load);
         }
-        m_loadDialog->show();
+        FolderMemory::shared().show(m_loadDialog);
     });
     connect(m_ui->Save, &QPushButton::clicked, this, [this] {
         if (m_saveDialog == nullptr) {
@@ -83,7 +83,7 @@ BatchCtrl::BatchCtrl(QWidget* parent)
             m_saveDialog->setAcceptMode(QFileDialog::AcceptSave);
             connect(m_saveDialog, &QFileDialog::fileSelected, this, &BatchCtrl::save);
         }
-        m_saveDialog->show();
+        FolderMemory::shared().show(m_saveDialog);
     });
 }
 
@@ -91,7 +91,6 @@ BatchCtrl::~BatchCtrl() = default;
 
 QFileDialog* BatchCtrl::makeDialog(const QString& title) {
     auto* dialog = new QFileDialog(this, title);
-    dialog->setDirectory(DataDir);
     dialog->setNameFilters({tr("Batch File (*.bat)"), tr("Any Files (* *.*)")});
     return dialog;
 }

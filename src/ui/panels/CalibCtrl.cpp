@@ -6,8 +6,8 @@
 #include <QFileInfo>
 #include <QSignalBlocker>
 
-#include "base/Globals.h"
 #include "display/Availability.h"
+#include "display/FolderMemory.h"
 #include "panels/WhyNot.h"
 #include "spectra/Background.h"
 #include "spectra/Units.h"
@@ -97,7 +97,7 @@ void CalibCtrl::showSaveDialog() {
         connect(m_saveDialog, &QFileDialog::fileSelected, this,
                 [this](const QString& name) { emit saveEMap(withMapSuffix(name)); });
     }
-    m_saveDialog->show();
+    FolderMemory::shared().show(m_saveDialog);
 }
 
 void CalibCtrl::showLoadDialog() {
@@ -110,14 +110,13 @@ void CalibCtrl::showLoadDialog() {
         m_loadDialog->setNameFilters(filters);
         connect(m_loadDialog, &QFileDialog::fileSelected, this, &CalibCtrl::loadEMap);
     }
-    m_loadDialog->show();
+    FolderMemory::shared().show(m_loadDialog);
 }
 
 QFileDialog* CalibCtrl::makeMapDialog(const char* name) {
     auto* dialog = new QFileDialog(this);
     dialog->setObjectName(QLatin1String(name));
     dialog->setNameFilters({tr("Energy Distribution Map File (*.emp)"), tr("Any Files (* *.*)")});
-    dialog->setDirectory(DataDir);
     return dialog;
 }
 

@@ -2,7 +2,7 @@
 
 #include <QFileDialog>
 
-#include "base/Globals.h"
+#include "display/FolderMemory.h"
 #include "ui_XafsFileSelect.h"
 
 XafsFileSelect::XafsFileSelect(QWidget* parent)
@@ -32,12 +32,11 @@ void XafsFileSelect::showDialog() {
     }
     if (m_dialog == nullptr) {
         m_dialog = new QFileDialog(this, tr("XAFS File Select"));
-        m_dialog->setDirectory(DataDir);
         m_dialog->setFileMode(QFileDialog::ExistingFile);
         m_dialog->setNameFilters({tr("XAFS Data File (*.dat)"), tr("Any Files (* *.*)")});
         connect(m_dialog, &QFileDialog::fileSelected, this, &XafsFileSelect::fileSelected);
     }
-    m_dialog->show();
+    FolderMemory::shared().show(m_dialog);
 }
 
 QString XafsFileSelect::fileName() const {

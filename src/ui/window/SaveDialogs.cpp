@@ -2,14 +2,13 @@
 
 #include <QFileDialog>
 
-#include "base/Globals.h"
+#include "display/FolderMemory.h"
 #include "files/FileNames.h"
 
 SaveDialogs::SaveDialogs(QWidget* window) : QObject(window), m_window(window) {}
 
 QFileDialog* SaveDialogs::make(const QString& title) {
     auto* dialog = new QFileDialog(m_window, title);
-    dialog->setDirectory(DataDir);
     dialog->setModal(false);
     m_dialogs.insert(title, dialog);
     return dialog;
@@ -29,7 +28,7 @@ void SaveDialogs::askForTarget(const QString& title, const QStringList& filters,
     }
     dialog->setNameFilters(filters);
     dialog->setDefaultSuffix(suffix);
-    dialog->show();
+    FolderMemory::shared().show(dialog);
 }
 
 void SaveDialogs::askForFiles(const QString& title, const QStringList& filters, bool onlyOne,
@@ -44,5 +43,20 @@ void SaveDialogs::askForFiles(const QString& title, const QStringList& filters, 
         dialog->setNameFilters(filters);
         connect(dialog, &QFileDialog::filesSelected, m_window, take);
     }
-    dialog->show();
+    FolderMemory::shared().show(dialog);
+}
+
+void SaveDialogs::askForFolder(const QString& title,
+                               const std::function<void(const QString&)>& take,
+                               const QString& name) {
+    QFileDialog* dialog = m_dialogs.value(title);
+    if (dialog == nullptr) {
+        dialog = make(title);
+        dialog->setObjectName(name);
+        dialog->setFileMode(QFileDialog::Directory);
+        dialog->setOption(QFileDialog::DontUseNativeDialog);
+        dialog->setOption(QFileDialog::ShowDirsOnly);
+        connect(dialog, &QFileDialog::fileSelected, m_window, take);
+    }
+    FolderMemory::shared().show(dialog);
 }

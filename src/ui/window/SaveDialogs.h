@@ -9,7 +9,7 @@ class QFileDialog;
 class QWidget;
 
 /// The file dialogs of a window, each made when it is first shown: one takes longer to make than
-/// the rest of a window. None is modal; all open in DataDir.
+/// the rest of a window. None is modal; they open where FolderMemory says.
 class SaveDialogs : public QObject {
   public:
     explicit SaveDialogs(QWidget* window);
@@ -21,6 +21,8 @@ class SaveDialogs : public QObject {
     void askForFiles(const QString& title, const QStringList& filters, bool onlyOne,
                      const std::function<void(const QStringList&)>& take,
                      const QString& name = QString());
+    void askForFolder(const QString& title, const std::function<void(const QString&)>& take,
+                      const QString& name);
     QFileDialog* dialog(const QString& title) const { return m_dialogs.value(title); }
 
   private:

@@ -11,6 +11,7 @@
 #include "window/Body.h"
 #include "window/CommandLine.h"
 #include "window/Layout.h"
+#include "window/Remembered.h"
 #include "window/Translation.h"
 #include "window/WhatWasDone.h"
 
@@ -35,6 +36,9 @@ int runTarnwick(int argc, char** argv) {
         }
     }
 
+    if (!commandLine.execute) {
+        Remembered::shared().keep();
+    }
     Body body;
     QObject::connect(&body, SIGNAL(finishing()), &app, SLOT(closeAllWindows()));
     const CleanEnd cleanEnd;

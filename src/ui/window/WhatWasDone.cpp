@@ -6,26 +6,12 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QSettings>
 
 #include "batch/BatchText.h"
 #include "batch/Record.h"
 #include "panels/BatchCtrl.h"
+#include "window/Remembered.h"
 #include "window/SaveDialogs.h"
-
-namespace {
-
-constexpr int MostRecent = 8;
-
-QSettings store() {
-    return QSettings(QStringLiteral("Haldmoor Lab"), QStringLiteral("Tarnwick"));
-}
-
-QString recentKey() {
-    return QStringLiteral("recent records");
-}
-
-}  // namespace
 
 WhatWasDone::WhatWasDone(Measurement& measurement, QMainWindow* window, BatchCtrl* batch,
                          SaveDialogs* dialogs)
@@ -61,7 +47,7 @@ void WhatWasDone::askForTarget() {
 
 void WhatWasDone::listRecent() {
     m_recent->clear();
-    const QStringList names = store().value(recentKey()).toStringList();
+    const QStringList names = Remembered::shared().recent(Remembered::records());
     for (const QString& name : names) {
         QAction* action = m_recent->addAction(QFileInfo(name).fileName());
         action->setToolTip(name);
@@ -71,12 +57,7 @@ void WhatWasDone::listRecent() {
 }
 
 void WhatWasDone::remember(const QString& fileName) {
-    QSettings settings = store();
-    QStringList names = settings.value(recentKey()).toStringList();
-    const QString path = QFileInfo(fileName).absoluteFilePath();
-    names.removeAll(path);
-    names.prepend(path);
-    settings.setValue(recentKey(), QStringList(names.mid(0, MostRecent)));
+    Remembered::shared().note(Remembered::records(), fileName);
     listRecent();
 }
 
