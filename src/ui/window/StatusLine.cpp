@@ -10,6 +10,7 @@
 #include "base/Numbers.h"
 #include "display/MessageLine.h"
 #include "measurement/Display.h"
+#include "measurement/MeasurementName.h"
 #include "window/Messages.h"
 
 namespace {
@@ -109,7 +110,9 @@ void StatusLine::showSoon() {
 
 void StatusLine::show() {
     showLoads();
-    QString text = (QStringList(display()) + m_measurement.lastingWarnings()).join(Gap);
+    QStringList parts{measurementName(m_measurement), display()};
+    parts.removeAll(QString());
+    QString text = (parts + m_measurement.lastingWarnings()).join(Gap);
     int left = 0;
     for (const StackId id : {StackId::I1, StackId::I0}) {
         const Stack& stack = m_measurement.stack(id);
@@ -142,7 +145,7 @@ QString StatusLine::display() const {
                        ? tr("Result image") + Gap + describe(m_measurement, *result)
                        : tr("No result yet: analyze the image and select a result in the Analyzer");
         default:
-            return tr("No frames yet: select the files of I1 and I0");
+            return tr("No frames yet: open a folder, or select the files of I1 and I0");
     }
 }
 

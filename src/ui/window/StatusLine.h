@@ -12,9 +12,9 @@ class QProgressBar;
 class QPushButton;
 class QToolButton;
 
-/// The status bar of the main window: what is on display and what should be known of it as long as
-/// it holds, how far work is and what stops a load, for a while what an action has said, and the
-/// number of messages that nobody has looked at.
+/// The status bar of the main window: the measurement's name, what is on display and what should be
+/// known of it as long as it holds, how far work is and what stops a load, for a while what an
+/// action has said, and the number of messages that nobody has looked at.
 class StatusLine : public QObject {
     Q_OBJECT
 
