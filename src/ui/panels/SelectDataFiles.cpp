@@ -1,10 +1,13 @@
 #include "panels/SelectDataFiles.h"
 
+#include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QScopedValueRollback>
 
-#include "base/Globals.h"
 #include "display/Availability.h"
+#include "display/FolderMemory.h"
+#include "measurement/FolderLoad.h"
+#include "panels/DroppedFiles.h"
 #include "ui_SelectDataFiles.h"
 
 SelectDataFiles::SelectDataFiles(QWidget* parent)
@@ -18,13 +21,11 @@ SelectDataFiles::SelectDataFiles(QWidget* parent)
         fontMetrics().horizontalAdvance(m_ui->EngPattern->text() + QLatin1Char('M'));
     m_ui->EngPattern->setMinimumWidth(patternWidth);
     m_ui->EngPattern->setMaximumWidth(patternWidth + patternWidth / 4);
-    // The list shows the beginning of a long path, its tool tip the whole.
     const QString noFile = m_ui->Selected->toolTip();
     connect(m_ui->Selected, &QComboBox::currentTextChanged, this,
             [this, noFile](const QString& name) {
                 m_ui->Selected->setToolTip(name.isEmpty() ? noFile : name);
             });
-    m_dialog->setDirectory(DataDir);
     m_dialog->setFileMode(QFileDialog::ExistingFiles);
     m_dialog->setAcceptMode(QFileDialog::AcceptOpen);
     m_dialog->setNameFilters(
@@ -36,13 +37,15 @@ SelectDataFiles::SelectDataFiles(QWidget* parent)
     connect(m_ui->EngPattern, &QLineEdit::textChanged, this, &SelectDataFiles::changeNames);
     connect(m_ui->SelectUnit, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
             &SelectDataFiles::changeNames);
-    connect(m_ui->Select, &QPushButton::clicked, m_dialog, &QWidget::show);
+    connect(m_ui->Select, &QPushButton::clicked, m_dialog,
+            [this] { FolderMemory::shared().show(m_dialog); });
     connect(m_ui->Clear, &QPushButton::clicked, this, &SelectDataFiles::clear);
     connect(m_ui->LoadNewFiles, &QPushButton::clicked, this, &SelectDataFiles::loadNewFiles);
     connect(m_dialog, &QFileDialog::filesSelected, this, [this](const QStringList& files) {
         emit filesSelected(files, m_ui->AddFiles->isChecked());
     });
     setFocusProxy(m_ui->Select);
+    setAcceptDrops(true);
     updateButtons();
 }
 
@@ -166,4 +169,30 @@ void SelectDataFiles::loadNewFiles() {
     if (m_measurement != nullptr && !m_measurement->stack(m_stack).isLoading()) {
         emit said(m_measurement->loadNew(m_stack));
     }
+}
+
+void SelectDataFiles::dragEnterEvent(QDragEnterEvent* event) {
+    if (m_measurement != nullptr && !droppedFiles(event->mimeData()).isEmpty()) {
+        event->acceptProposedAction();
+    }
+}
+
+void SelectDataFiles::dropEvent(QDropEvent* event) {
+    const QStringList dropped = droppedFiles(event->mimeData());
+    if (m_measurement == nullptr || dropped.isEmpty()) {
+        return;
+    }
+    event->acceptProposedAction();
+    FrameGroup frames;
+    for (const FrameGroup& group :
+         contentsOf(*m_measurement, listingOf(*m_measurement, dropped)).groups) {
+        frames.files += group.files;
+    }
+    if (frames.files.isEmpty()) {
+        emit said(Outcome::failure(
+            tr("%1: there is no frame among what was dropped").arg(m_ui->Label->text())));
+        return;
+    }
+    orderByEnergy(&frames, m_measurement->settings().names[static_cast<int>(m_stack)]);
+    emit filesSelected(frames.files, m_ui->AddFiles->isChecked());
 }

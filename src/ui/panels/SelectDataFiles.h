@@ -48,6 +48,11 @@ class SelectDataFiles : public QWidget {
     /// Does nothing for an index that there is not.
     void select(int i);
 
+  protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    /// Takes all frames among the files, and of the folders, that are dropped.
+    void dropEvent(QDropEvent* event) override;
+
   private:
     NamePattern names() const;
     void changeNames();

@@ -11,6 +11,7 @@
 #include "display/ImageView.h"
 #include "display/MessageLine.h"
 #include "display/XafsView.h"
+#include "measurement/FolderLoad.h"
 #include "measurement/Writing.h"
 #include "panels/Analyzer.h"
 #include "panels/BatchCtrl.h"
@@ -23,6 +24,7 @@
 #include "window/DarkControl.h"
 #include "window/Docks.h"
 #include "window/Fields.h"
+#include "window/FolderOpening.h"
 #include "window/ImagePane.h"
 #include "window/Layout.h"
 #include "window/MapImageAction.h"
@@ -83,6 +85,23 @@ Outcome inShort(const Measurement& measurement, Work work, const Outcome& outcom
                : outcome;
 }
 
+/// A load says in the window what it has brought; in a batch its line says it.
+Outcome withWhatWasLoaded(const Measurement& measurement, Work work, Outcome outcome) {
+    QString text;
+    if (work == Work::LoadI1 || work == Work::LoadI0) {
+        text = loadedText(measurement.stack(work == Work::LoadI1 ? StackId::I1 : StackId::I0));
+    } else if (work == Work::LoadDark && measurement.dark().loaded() > 0) {
+        text = Body::tr("loaded %n dark frame(s)", nullptr, measurement.dark().loaded());
+    }
+    if (!text.isEmpty()) {
+        outcome.notes << text;
+    }
+    if (work == Work::LoadFolder) {
+        outcome.notes = QStringList(outcome.notes.join(QStringLiteral("; ")));
+    }
+    return outcome;
+}
+
 }  // namespace
 
 Body::Body(QWidget* parent)
@@ -114,6 +133,8 @@ Body::Body(QWidget* parent)
     connectPanels();
     connectSaving();
     connectDarkButton(m_ui->SelectDark, m_measurement, m_dialogs);
+    const auto* folders = new FolderOpening(m_measurement, this, m_ui->OpenFolder, m_dialogs);
+    connect(folders, &FolderOpening::said, this, &Body::say);
     addMapImageAction(this, m_measurement, m_dialogs,
                       [this](const QString& name) { saveEMap(name); });
     const QList<QAction*> windows = addWindows();
@@ -175,8 +196,9 @@ void Body::connectMeasurement() {
             [this] { updateControls(*m_ui, m_measurement, *m_panels->spectrum); });
     connect(m_panels->spectrum.get(), &XafsView::updated, this,
             [this] { updateControls(*m_ui, m_measurement, *m_panels->spectrum); });
-    connect(&m_runner, &BatchRunner::endedAlone, this,
-            [this](Work work, const Outcome& outcome) { sayOf(work, outcome); });
+    connect(&m_runner, &BatchRunner::endedAlone, this, [this](Work work, const Outcome& outcome) {
+        sayOf(work, withWhatWasLoaded(m_measurement, work, outcome));
+    });
     connect(&m_measurement, &Measurement::progressed, this,
             [this](Work work, double done, double of) {
                 if (work == Work::LoadI1 || work == Work::LoadI0) {

@@ -79,6 +79,10 @@ QAction* BodyMenu::press(QMenu* menu, const QString& text, const QString& button
 
 void BodyMenu::addFileMenu() const {
     QMenu* menu = addMenu(tr("&File"));
+    press(menu, tr("Open F&older..."), QStringLiteral("OpenFolder"),
+          QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_D));
+    menu->addAction(m_window->findChild<QAction*>(QStringLiteral("actionOpenRecent")));
+    menu->addSeparator();
     press(menu, tr("Open &I1 Files..."), QStringLiteral("Select"), QKeySequence::Open,
           QStringLiteral("SelectI1Files"));
     press(menu, tr("Open I&0 Files..."), QStringLiteral("Select"),
