@@ -52,7 +52,7 @@ class TestDark : public QObject {
         const auto plain = mapOf(m_plain->loadAndSetReferences());
         const auto biased = mapOf(m_darkened->loadAndSetReferences());
         QVERIFY(plain != biased);
-        QVERIFY(!state().contains("dark"));
+        QVERIFY(!state().contains(" dark "));
 
         QSignalSpy released(m_body.get(), &Body::finishBatchExec);
         choose(m_darkFiles);
@@ -67,7 +67,7 @@ class TestDark : public QObject {
         QVERIFY(mapOf(m_darkened->loadAndSetReferences()) == plain);
 
         m_body->findChild<QAction*>("ClearDark")->trigger();
-        QVERIFY(!state().contains("dark"));
+        QVERIFY(!state().contains(" dark "));
         QVERIFY(!button()->toolTip().contains("3 dark frame"));
         QVERIFY(mapOf({}) == biased);
     }

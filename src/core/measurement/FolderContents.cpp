@@ -108,14 +108,6 @@ QString patternOf(const QStringList& files) {
     return start.remove(digitsAtEnd) + QLatin1Char('*') + end.remove(digitsAtStart);
 }
 
-bool isFrame(const QString& file) {
-    const QString suffix = QFileInfo(file).suffix().toLower();
-    const auto& readers = frameReaders();
-    return std::any_of(readers.begin(), readers.end(), [&suffix](const FrameReader& reader) {
-        return reader.suffixes.contains(suffix);
-    });
-}
-
 bool isSpectrum(const QString& file) {
     static const QStringList suffixes{"dat", "txt", "csv", "xmu", "xdi", "xy", "nor", "asc"};
     return suffixes.contains(QFileInfo(file).suffix().toLower());
@@ -174,7 +166,7 @@ void Finder::sortPart(int part) {
     const FolderListing::Part& listed = m_listing.parts[part];
     QMap<QString, Candidate> groups;
     for (const QString& file : listed.files) {
-        if (!isFrame(file)) {
+        if (!isFrameName(file)) {
             if (!isSpectrum(file)) {
                 m_others << file;
             }
@@ -327,6 +319,14 @@ void Finder::conclude() {
 }
 
 }  // namespace
+
+bool isFrameName(const QString& file) {
+    const QString suffix = QFileInfo(file).suffix().toLower();
+    const auto& readers = frameReaders();
+    return std::any_of(readers.begin(), readers.end(), [&suffix](const FrameReader& reader) {
+        return reader.suffixes.contains(suffix);
+    });
+}
 
 const FrameGroup* FolderContents::group(FrameKind kind) const {
     const int i = taken[static_cast<int>(kind)];

@@ -62,6 +62,9 @@ FolderContents contentsOf(const FolderListing& listing, const NamePattern names[
 /// the highest.
 void orderByEnergy(FrameGroup* group, const NamePattern& names);
 
+/// Whether a file has the suffix of one of the formats of frames.
+bool isFrameName(const QString& file);
+
 /// "1 file", "31 files".
 QString countText(int files);
 

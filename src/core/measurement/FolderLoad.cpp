@@ -30,13 +30,13 @@ bool hasEnergy(const Measurement& m, const QString& file) {
     });
 }
 
-/// A map or a table that was saved beside the frames; frames are told by their energies, which is
-/// faster.
+/// A map that was saved beside the frames; frames are told by their energies, which is faster, and
+/// other files are not looked into.
 bool isOwnResult(const Measurement& m, const QString& file) {
     if (const Rehearsal::Written* would = written(m, file)) {
         return would->kind != Kind::Frame && would->kind != Kind::Spectrum;
     }
-    return !hasEnergy(m, file) && readOrigin(file).has_value();
+    return isFrameName(file) && !hasEnergy(m, file) && readOrigin(file).has_value();
 }
 
 QStringList withoutResults(const Measurement& m, const QStringList& files) {
@@ -60,8 +60,9 @@ QString whyNoReference(const Measurement& m, const QString& file, const FolderCo
     }
     if (contents.besideFrames) {
         QFile text(file);
-        if (text.open(QIODevice::ReadOnly) &&
-            text.readLine(80).startsWith("###Tarnwick::XafsSpectrum")) {
+        const bool isOwn = text.open(QIODevice::ReadOnly) &&
+                           text.readLine(80).startsWith("###Tarnwick::XafsSpectrum");
+        if (isOwn || readOrigin(file).has_value()) {
             return FolderContents::tr("saved by this program");
         }
     }
