@@ -12,13 +12,14 @@
 #include <QUrl>
 #include <memory>
 
+#include "BatchRun.h"
 #include "Controls.h"
 #include "Files.h"
 #include "Phantom.h"
 #include "TestMain.h"
 #include "display/FolderMemory.h"
 #include "frames/TiffData.h"
-#include "measurement/Saving.h"
+#include "measurement/FolderLoad.h"
 #include "window/Body.h"
 #include "window/Remembered.h"
 
@@ -176,6 +177,24 @@ class TestFirstMap : public QObject {
         auto* cancel = control<QWidget>("FolderCancel");
         QTest::keyClick(cancel, Qt::Key_Escape);
         QCOMPARE(measurement().stack(StackId::I1).size(), 0);
+    }
+
+    /// A line that waits for frames is answered, though a folder is opened before they are there.
+    void aBatchGoesOn() {
+        m_body = std::make_unique<Body>();
+        const FolderFiles files =
+            filesOf(contentsOf(measurement(), listingOf(measurement(), run())));
+        QMetaObject::Connection once =
+            connect(m_body.get(), &Body::loadProgress, this, [this, files, &once] {
+                disconnect(once);
+                QVERIFY(!openFolder(measurement(), files).failed());
+            });
+        BatchRun batch(*m_body);
+        QVERIFY(batch.run({"load_I1_files_of_pattern NEW " + run() + "/i0 *.tif", "set_band_w 3"},
+                          10000));
+        QTRY_COMPARE(measurement().stack(StackId::I0).size(), 61);
+        QTRY_VERIFY(isIdle());
+        QVERIFY(measurement().stack(StackId::I1).files().first().path.contains("/i1/"));
     }
 
     /// On the row of a stack its frames, anywhere else what the names say; what holds none says so.

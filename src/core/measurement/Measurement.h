@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 
 #include "base/ShareOfTime.h"
 #include "frames/DarkData.h"
@@ -232,6 +233,7 @@ class Measurement : public QObject {
     AnalysisGrid m_point;  // of the last fit
     bool m_loadsDark = false;
     std::map<Work, std::optional<Outcome>> m_together;  // loads to be told of as one
+    std::set<Work> m_overtaken;  // of these, somebody waits for one from before
     Recorder m_recorder;
     QString m_batchFile;
 };

@@ -155,6 +155,12 @@ void Measurement::loadDark(const QStringList& files) {
 
 void Measurement::loadTogether(const QStringList& i1, const QStringList& i0,
                                const QStringList& dark, const Outcome& begun) {
+    // Who waits for a load that is overtaken waits for the one in its place.
+    for (const Work work : {Work::LoadI1, Work::LoadI0, Work::LoadDark}) {
+        if (isAtWork(work) && m_together.count(work) == 0) {
+            m_overtaken.insert(work);
+        }
+    }
     // Frames before and after them are not to be held against each other.
     if (!i1.isEmpty()) {
         clear(StackId::I1);
@@ -183,12 +189,16 @@ void Measurement::loadTogether(const QStringList& i1, const QStringList& i0,
 
 /// At once, or with the others of the loads that began together.
 void Measurement::tellLoaded(Work work, const Outcome& outcome) {
+    const bool isAwaited = m_overtaken.erase(work) > 0;
     const auto part = m_together.find(work);
     if (part == m_together.end()) {
         emit ended(work, outcome);
         return;
     }
-    part->second = outcome;
+    part->second = isAwaited ? Outcome() : outcome;
+    if (isAwaited) {
+        emit ended(work, outcome);
+    }
     Outcome all;
     for (const Work one : {Work::LoadFolder, Work::LoadI1, Work::LoadI0, Work::LoadDark}) {
         const auto told = m_together.find(one);

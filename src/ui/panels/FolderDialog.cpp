@@ -15,7 +15,7 @@
 namespace {
 
 constexpr int ListLines = 5;
-constexpr int RemarkLines = 4;
+constexpr int RemarkLines = 3;
 
 QString textOf(const FrameGroup& group) {
     const QString count = QStringLiteral("%1: %2").arg(group.name, countText(group.files.size()));
@@ -104,16 +104,19 @@ void FolderDialog::addSpectra(QFormLayout* form) {
 /// What was found and not taken; null: nothing.
 QWidget* FolderDialog::remarks() const {
     const Outcome& outcome = m_contents.outcome;
-    const QStringList texts = outcome.texts() + outcome.notes;
-    if (texts.isEmpty()) {
+    // Names within the folder are enough below its own.
+    const QString said = (outcome.texts() + outcome.notes)
+                             .join(QLatin1Char('\n'))
+                             .remove(m_contents.path + QLatin1Char('/'));
+    if (said.isEmpty()) {
         return nullptr;
     }
-    auto* text = new QPlainTextEdit(texts.join(QLatin1Char('\n')));
+    auto* text = new QPlainTextEdit(said);
     text->setObjectName(QStringLiteral("FolderRemarks"));
     text->setAccessibleName(tr("What was found and not taken"));
     text->setReadOnly(true);
     text->setTabChangesFocus(true);
-    text->setFixedHeight(heightOf(std::min(texts.size(), RemarkLines), text));
+    text->setFixedHeight(heightOf(RemarkLines, text));
     return text;
 }
 

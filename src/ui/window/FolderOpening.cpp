@@ -82,18 +82,19 @@ void FolderOpening::open(const QStringList& chosen) {
     m_dialog = new FolderDialog(contents, m_window);
     m_dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(m_dialog, &QDialog::accepted, this,
-            [this, contents] { load(m_dialog->files(), contents); });
+            [this, contents, chosen] { load(m_dialog->files(), contents, chosen); });
     m_dialog->open();
 }
 
-void FolderOpening::load(const FolderFiles& files, const FolderContents& contents) {
+void FolderOpening::load(const FolderFiles& files, const FolderContents& contents,
+                         const QStringList& chosen) {
     const Outcome outcome = openFolder(m_measurement, files);
     if (outcome.failed()) {
         emit said(outcome, contents.path);
         return;
     }
     m_measurement.set(&Settings::shown, Shown::I1);
-    if (!files.of(FrameKind::I1).isEmpty()) {
+    if (chosen == QStringList(contents.path) && !files.of(FrameKind::I1).isEmpty()) {
         Remembered::shared().note(Remembered::folders(), contents.path);
     }
 }

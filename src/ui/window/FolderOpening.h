@@ -31,7 +31,7 @@ class FolderOpening : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override;
     void listRecent();
     void openAgain(const QString& folder);
-    void load(const FolderFiles& files, const FolderContents& contents);
+    void load(const FolderFiles& files, const FolderContents& contents, const QStringList& chosen);
 
     Measurement& m_measurement;
     QMainWindow* m_window;
