@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr int StepsPerUnit = 10;
-constexpr int Highest = 20;  // of the slider; the field takes any factor
+constexpr int StepsPerUnit = 2;
+constexpr int Highest = 50;  // of the slider; the field takes any factor
 
 struct Blanks {
     qint64 bins = 0;
@@ -39,7 +39,7 @@ Blanks blanksOf(const Analyzed2DRes& image) {
 MaskControl::MaskControl(Measurement& measurement, const Controls& controls, QObject* parent)
     : QObject(parent), m_measurement(measurement), m_controls(controls) {
     m_controls.slider->setRange(0, Highest * StepsPerUnit);
-    m_controls.slider->setPageStep(StepsPerUnit);
+    m_controls.slider->setPageStep(5 * StepsPerUnit);
     m_controls.field->setFixedWidth(
         m_controls.field->fontMetrics().horizontalAdvance(QStringLiteral("0000.00M")));
     m_pace.setSingleShot(true);
