@@ -6,6 +6,7 @@
 #include <QLocale>
 #include <cmath>
 
+#include "base/Numbers.h"
 #include "files/FileNames.h"
 #include "measurement/Origin.h"
 #include "measurement/PlotSaving.h"
@@ -141,16 +142,14 @@ QStringList filesOf(const SpectrumFit& fit) {
 }
 
 QString withError(double value, double error) {
-    const QString text = QString::number(value, 'f', 4);
-    return std::isfinite(error) ? text + QStringLiteral(" +- ") + QString::number(error, 'f', 4)
-                                : text;
+    return roundedPair(value, error).text().replace(QChar(0xb1), QStringLiteral("+-"));
 }
 
 /// What was found, for those who do not open the table.
 QStringList notesOf(const SpectrumFit& fit) {
     QStringList notes;
     for (const SpectrumFit::Part& part : fit.parts) {
-        notes << Texts::tr("%1: share %2, edge jump %3")
+        notes << Texts::tr("%1: fraction %2, edge jump %3")
                      .arg(QFileInfo(part.input.file.name).fileName(),
                           withError(part.share, part.shareError),
                           withError(part.jump, part.jumpError));

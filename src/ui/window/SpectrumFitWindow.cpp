@@ -10,6 +10,7 @@
 #include <QTableWidget>
 #include <cmath>
 
+#include "base/Numbers.h"
 #include "display/Availability.h"
 #include "display/DispA.h"
 #include "display/MessageLine.h"
@@ -23,6 +24,14 @@ constexpr int RowsSeen = 3;
 
 QString inCell(double value) {
     return std::isfinite(value) ? QString::number(value, 'f', 4) : QStringLiteral("-");
+}
+
+QString valueIn(const RoundedPair& pair, double value) {
+    return pair.error.isEmpty() ? inCell(value) : pair.value + pair.power;
+}
+
+QString errorIn(const RoundedPair& pair) {
+    return pair.error.isEmpty() ? QStringLiteral("-") : pair.error + pair.power;
 }
 
 /// The texts of a plot in the language of the program.
@@ -186,8 +195,10 @@ void SpectrumFitWindow::showShares() {
     int row = 0;
     for (const SpectrumFit::Part& part : m_fit.parts) {
         const QString name = QFileInfo(part.input.file.name).fileName();
-        const QString texts[] = {name, inCell(part.share), inCell(part.shareError),
-                                 inCell(part.jump), inCell(part.jumpError)};
+        const RoundedPair fraction = roundedPair(part.share, part.shareError);
+        const RoundedPair jump = roundedPair(part.jump, part.jumpError);
+        const QString texts[] = {name, valueIn(fraction, part.share), errorIn(fraction),
+                                 valueIn(jump, part.jump), errorIn(jump)};
         int column = 0;
         for (const QString& text : texts) {
             auto* item = new QTableWidgetItem(text);
