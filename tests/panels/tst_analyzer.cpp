@@ -10,6 +10,7 @@
 #include <QSlider>
 #include <QTemporaryDir>
 #include <QThread>
+#include <QWheelEvent>
 #include <cmath>
 
 #include "Controls.h"
@@ -332,6 +333,11 @@ class TestAnalyzer : public QObject {
         auto* mask = button("Mask");
         auto* factor = control<QLineEdit>("MaskFactor", m_analyzer.get());
         auto* slider = control<QSlider>("MaskSlider", m_analyzer.get());
+        const QPoint middle = slider->rect().center();
+        QWheelEvent wheel(middle, slider->mapToGlobal(middle), {}, {0, 120}, Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(slider, &wheel);  // scrolls the panel
+        QCOMPARE(slider->value(), 0);
         mask->click();
         QCOMPARE(m_measurement->settings().mask, 5.0);
         m_measurement->setMask(3.5);

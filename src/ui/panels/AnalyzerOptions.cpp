@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "display/Availability.h"
+#include "display/WheelGuard.h"
 #include "panels/Analyzer.h"
 #include "panels/MapChoice.h"
 #include "panels/MapFaces.h"
@@ -53,6 +54,12 @@ void Analyzer::connectMaps() {
     m_mask = new MaskControl(
         m_measurement, {m_ui->Mask, m_ui->MaskFactor, m_ui->MaskSlider, m_ui->MaskCount}, this);
     connect(m_mask, &MaskControl::said, this, &Analyzer::sayOwn);
+    auto* wheel = new WheelGuard(this);
+    for (QWidget* control :
+         {static_cast<QWidget*>(m_ui->Map), static_cast<QWidget*>(m_ui->MaskSlider),
+          static_cast<QWidget*>(m_ui->Constraints)}) {
+        wheel->guard(control);
+    }
 }
 
 namespace {

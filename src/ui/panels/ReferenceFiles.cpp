@@ -93,8 +93,7 @@ void ReferenceFiles::take(const QStringList& files, int reference) {
         all += outcome;
     }
     if (!taken.isEmpty()) {
-        all.notes << tr("%n reference(s) in use: %1", nullptr, taken.size())
-                         .arg(taken.join(QStringLiteral(", ")));
+        all.notes << tr("In use: %1").arg(taken.join(QStringLiteral(", ")));
     }
     emit said(all, files.size() == 1 ? files.first() : QString());
 }

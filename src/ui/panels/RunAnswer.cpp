@@ -49,6 +49,7 @@ QString RunAnswer::answer(Work work) const {
     const auto& used = run->inputs.references;
     const auto count = std::count_if(used.begin(), used.end(),
                                      [](const ReferenceInput& r) { return r.takesPart; });
-    return tr("Fitted %1 bins with %n reference(s) in %2 s.", nullptr, static_cast<int>(count))
-        .arg(bins, time);
+    return (count == 1 ? tr("Fitted %1 bins with %2 reference in %3 s.")
+                       : tr("Fitted %1 bins with %2 references in %3 s."))
+        .arg(bins, QString::number(count), time);
 }
