@@ -82,7 +82,7 @@ void MaskControl::update() {
         m_controls.slider->setValue(static_cast<int>(
             std::lround(std::min(factor, static_cast<double>(Highest)) * StepsPerUnit)));
     }
-    showCount(isOn);
+    showCount();
     // A mask that is on can be taken off whatever there is.
     const bool lacksErrors = !isOn && !m_measurement.whyNotMask().isEmpty();
     const QString whyNot = lacksErrors ? tr("Run again with error maps.") : QString();
@@ -91,18 +91,22 @@ void MaskControl::update() {
     setUsable(m_controls.slider, whyNot);
 }
 
-void MaskControl::showCount(bool isOn) {
-    const Analyzed2DRes& image = m_measurement.find(ResultId::TotalJump)->image;
-    if (!isOn || !image.isMasked()) {
-        m_controls.count->setText(isOn ? tr("no map to mask") : tr("no mask"));
+void MaskControl::showCount() {
+    const Result* jump = m_measurement.find(ResultId::TotalJump);
+    const Counted now{m_measurement.settings().mask, jump->run, jump->image.isMasked()};
+    if (now == m_counted) {
         return;
     }
-    const Blanks found = blanksOf(image);
+    m_counted = now;
+    if (!(now.factor > 0.0) || !now.isMasked) {
+        m_controls.count->setText(now.factor > 0.0 ? tr("no map to mask") : tr("no mask"));
+        return;
+    }
+    const Blanks found = blanksOf(jump->image);
+    const double share =
+        static_cast<double>(found.blank) / static_cast<double>(std::max<qint64>(1, found.bins));
     const QLocale locale;
-    m_controls.count->setText(
-        tr("%1 of %2 bins blank (%3 %)")
-            .arg(locale.toString(found.blank), locale.toString(found.bins),
-                 QString::number(100.0 * static_cast<double>(found.blank) /
-                                     static_cast<double>(std::max<qint64>(1, found.bins)),
-                                 'f', 1)));
+    m_controls.count->setText(tr("%1 of %2 bins blank (%3 %)")
+                                  .arg(locale.toString(found.blank), locale.toString(found.bins),
+                                       QString::number(100.0 * share, 'f', 1)));
 }

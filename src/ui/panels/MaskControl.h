@@ -36,10 +36,20 @@ class MaskControl : public QObject {
   private:
     void set(double factor);
     void takeField();
-    void showCount(bool isOn);
+    void showCount();
 
     Measurement& m_measurement;
     Controls m_controls;
     double m_factor = UsualMask;  // that the next press sets
-    QTimer m_pace;                // the slider may move faster than maps are masked
+    struct Counted {
+        double factor = -1.0;
+        std::shared_ptr<const Run> run;
+        bool isMasked = false;
+
+        bool operator==(const Counted& o) const {
+            return factor == o.factor && run == o.run && isMasked == o.isMasked;
+        }
+    };
+    Counted m_counted;  // what the count is of: counting all bins of a large map takes a while
+    QTimer m_pace;      // the slider may move faster than maps are masked
 };
