@@ -3,8 +3,8 @@
 #include <QElapsedTimer>
 #include <algorithm>
 
-/// Keeps what is repeated during a long work, such as showing what there is so far, from taking
-/// most of its time: free for the first moments, at most half of the time in all after that.
+/// Keeps what is repeated during a long work, such as showing what there is so far, from slowing it
+/// down: free for the first moments, at most a twentieth of the time in all after that.
 class ShareOfTime {
   public:
     void start() {
@@ -16,7 +16,7 @@ class ShareOfTime {
     template <typename Action>
     void spend(Action action) {
         const qint64 begun = m_since.nsecsElapsed();
-        if (m_used > std::max(Free, begun / 2)) {
+        if (m_used > std::max(Free, begun / 20)) {
             return;
         }
         action();
@@ -24,7 +24,7 @@ class ShareOfTime {
     }
 
   private:
-    static constexpr qint64 Free = 200'000'000;  // ns
+    static constexpr qint64 Free = 5'000'000;  // ns
 
     QElapsedTimer m_since;
     qint64 m_used = 0;

@@ -101,7 +101,7 @@ EMapReading readTiffMap(const QString& fileName, QSize* imageSize, Analyzed2DRes
 }
 
 EMapRefusal refusalOfTiff(const Analyzed2DRes& map) {
-    const QVector<double> shifts = map.values();
+    const MapValues shifts = map.values();
     const bool isUsable = std::all_of(shifts.begin(), shifts.end(), [](double shift) {
         return std::isnan(shift) || isUsableShift(shift);
     });
@@ -109,7 +109,7 @@ EMapRefusal refusalOfTiff(const Analyzed2DRes& map) {
 }
 
 bool writeTiffMap(const QString& fileName, const Analyzed2DRes& map, const QString& origin) {
-    const QVector<double> shifts = map.values();
+    const MapValues shifts = map.values();
     const std::vector<float> floats(shifts.begin(), shifts.end());
     const QSize size(map.grid().width, map.grid().height);
     return writeFloatTiff(fileName, size, floats, origin) && noteSaved(fileName);

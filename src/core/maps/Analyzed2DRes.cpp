@@ -3,16 +3,11 @@
 #include <QImage>
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
 
-#include "base/ColorMap.h"
 #include "base/Numbers.h"
-#include "files/PictureResolution.h"
 
 namespace {
-
-constexpr uchar GapGrey = 128;
 
 int sizeOf(const AnalysisGrid& grid) {
     const qint64 count = static_cast<qint64>(grid.width) * grid.height;
@@ -52,7 +47,7 @@ double Analyzed2DRes::at(const Array& array, qint64 x, qint64 y) const {
 
 const Analyzed2DRes::Array& Analyzed2DRes::procArray() const {
     if (m_proc.isEmpty() && !m_data.isEmpty()) {
-        m_proc.fill(0.0, m_data.size());
+        m_proc = Array::zeros(m_data.size());
     }
     return m_proc;
 }
@@ -79,8 +74,8 @@ double Analyzed2DRes::rangeMax() const {
     return rangeInUse().max;
 }
 
-QVector<double> Analyzed2DRes::visibleValues() const {
-    QVector<double> values = shownArray();
+MapValues Analyzed2DRes::visibleValues() const {
+    MapValues values = shownArray();
     if (m_mask) {
         const std::size_t pixels =
             std::min(m_mask->size(), static_cast<std::size_t>(values.size()));
@@ -138,17 +133,9 @@ void Analyzed2DRes::setProcRange(double min, double max) {
 void Analyzed2DRes::updateExtremes() {
     m_dataMin = 1e300;
     m_dataMax = -1e300;
-    for (double value : qAsConst(m_data)) {
+    for (double value : m_data) {
         widen(value, &m_dataMin, &m_dataMax);
     }
-}
-
-void Analyzed2DRes::dropPicture() {
-    m_toPaint.reset();
-    m_visibleRange.reset();
-    m_image.reset();
-    m_pixels = {};
-    m_valid = false;
 }
 
 void Analyzed2DRes::clear() {
@@ -158,8 +145,7 @@ void Analyzed2DRes::clear() {
     m_dataMax = -1e300;
     dropPicture();
     m_proc = Array();
-    m_data = Array();
-    m_data.fill(0.0, sizeOf(m_grid));
+    m_data = Array::zeros(sizeOf(m_grid));
 }
 
 void Analyzed2DRes::startOver(const AnalysisGrid& grid) {
@@ -174,6 +160,12 @@ void Analyzed2DRes::setNo(int no) {
 }
 int Analyzed2DRes::no() const {
     return m_no;
+}
+
+void Analyzed2DRes::touch(qint64 first, qint64 last) {
+    const bool none = m_firstNew >= m_endNew;
+    m_firstNew = none ? first : std::min(m_firstNew, first);
+    m_endNew = none ? last + 1 : std::max(m_endNew, last + 1);
 }
 
 void Analyzed2DRes::fillBin(Array* array, int ix, int iy, int xw, int yw, double t) const {
@@ -191,6 +183,7 @@ void Analyzed2DRes::fillBin(Array* array, int ix, int iy, int xw, int yw, double
 
 void Analyzed2DRes::setData(int ix, int iy, int xw, int yw, double t) {
     widen(t, &m_dataMin, &m_dataMax);
+    touch(qint64(iy) - yw, qint64(iy) + yw);
     fillBin(&m_data, ix, iy, xw, yw, t);
 }
 
@@ -205,6 +198,7 @@ void Analyzed2DRes::setRow(int x, int step, int y, int xw, int yw, const double*
         }
         return;
     }
+    touch(y, y);
     double* const first = m_data.data() + static_cast<std::ptrdiff_t>(y) * m_grid.width + x;
     double min = m_dataMin;
     double max = m_dataMax;
@@ -215,49 +209,6 @@ void Analyzed2DRes::setRow(int x, int step, int y, int xw, int yw, const double*
     }
     m_dataMin = min;
     m_dataMax = max;
-}
-
-void Analyzed2DRes::genImg() {
-    dropPicture();
-    const Array& source = shownArray();
-    if (!source.isEmpty()) {
-        // The values of this moment: setting others leaves these as they are. A mask is looked at
-        // when the picture is, since one mask is that of many images.
-        m_toPaint =
-            Picture{source, m_grid.width, m_grid.height, std::nullopt, m_marksGaps || m_mask};
-        if (!m_mask) {
-            m_toPaint->range = rangeInUse();
-        }
-        m_valid = true;
-    }
-}
-
-void Analyzed2DRes::paint(const Picture& picture) const {
-    const std::size_t pixels = static_cast<std::size_t>(picture.values.size());
-    m_pixels.resize(3 * pixels);
-    uchar* pixel = m_pixels.data();
-    const ColorScale& colors = resultColors();
-    const Range range = picture.range ? *picture.range : rangeInUse();
-    const double* const values = picture.values.constData();
-    for (std::size_t i = 0; i < pixels; ++i) {
-        if (picture.marksGaps && (std::isnan(values[i]) || isBlank(i))) {
-            std::fill_n(pixel, 3, GapGrey);
-        } else {
-            std::memcpy(pixel, colors.at((values[i] - range.min) / (range.max - range.min)), 3);
-        }
-        pixel += 3;
-    }
-    m_image = std::make_unique<QImage>(m_pixels.data(), picture.width, picture.height,
-                                       3 * picture.width, QImage::Format_RGB888);
-    setPictureResolution(m_image.get());
-}
-
-QImage* Analyzed2DRes::img() const {
-    if (m_toPaint) {
-        paint(*m_toPaint);
-        m_toPaint.reset();
-    }
-    return m_image.get();
 }
 
 quint16* Analyzed2DRes::tiffDataForSave(bool fixedScale, double scaleMin, double scaleMax,

@@ -1,13 +1,13 @@
 #pragma once
 
 #include <QObject>
-#include <QVector>
 #include <cstddef>
 #include <memory>
 #include <optional>
 #include <vector>
 
 #include "maps/AnalysisGrid.h"
+#include "maps/MapValues.h"
 #include "maps/Mask.h"
 
 class QImage;
@@ -41,9 +41,9 @@ class Analyzed2DRes : public QObject {
     double valueAt(qint64 x, qint64 y) const { return at(m_data, x, y); }
     double shownValueAt(qint64 x, qint64 y) const { return at(shownArray(), x, y); }
     const double* data() const { return m_data.constData(); }
-    QVector<double> values() const { return m_data; }  ///< as they are now, row by row
+    MapValues values() const { return m_data; }  ///< as they are now, row by row
     /// Those shown, no number where they are masked, row by row.
-    QVector<double> visibleValues() const;
+    MapValues visibleValues() const;
     double visibleValueAt(qint64 x, qint64 y) const;
     const double* proc() const { return procArray().constData(); }
 
@@ -74,6 +74,10 @@ class Analyzed2DRes : public QObject {
     int count() const { return m_count; }
 
     void setProcRange(double min, double max);
+    /// genImg() for values that are still coming in: until the next genImg() or clear() the picture
+    /// is that of the values as they were when it was last looked at or followed up, and keeps
+    /// none of them.
+    void followUp();
     /// dataMin and dataMax over all pixels that are finite.
     void updateExtremes();
 
@@ -113,7 +117,7 @@ class Analyzed2DRes : public QObject {
     void setScale(double min, double max);
 
   private:
-    using Array = QVector<double>;  // copies share their memory until one is written to
+    using Array = MapValues;
 
     struct Range {
         double min;
@@ -132,6 +136,10 @@ class Analyzed2DRes : public QObject {
     const Array& procArray() const;
     const Array& shownArray() const { return m_showProc ? procArray() : m_data; }
     void paint(const Picture& picture) const;
+    void paintRows(const Picture& picture, const Range& range, int first, int end) const;
+    void wrapPixels(int width, int height) const;
+    Picture pictureOfNow() const;
+    void touch(qint64 first, qint64 last);
     double at(const Array& array, qint64 x, qint64 y) const;
     void fillBin(Array* array, int ix, int iy, int xw, int yw, double t) const;
     double glitchMeasure(int x, int y) const;
@@ -150,6 +158,10 @@ class Analyzed2DRes : public QObject {
     mutable std::optional<Picture> m_toPaint;
     mutable std::vector<uchar> m_pixels;
     mutable std::unique_ptr<QImage> m_image;
+    bool m_follows = false;           // the picture is of values that are still coming in
+    mutable Range m_painted{0., 0.};  // the range of a picture that follows
+    mutable qint64 m_firstNew = 0;    // rows that it lacks
+    mutable qint64 m_endNew = 0;
     Array m_data;
     double m_dataMin = 1e300;
     double m_dataMax = -1e300;

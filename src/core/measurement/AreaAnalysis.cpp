@@ -28,6 +28,14 @@ void AreaAnalysis::empty(Result* result) {
     result->isOfBefore = false;
 }
 
+bool AreaAnalysis::followUp(Result* result, bool isShown) {
+    const bool isNew = isShown || !result->image.isValid();
+    if (isNew) {
+        result->image.followUp();
+    }
+    return isNew;
+}
+
 namespace {
 
 class Calibration : public AreaAnalysis {

@@ -39,9 +39,9 @@ class AreaAnalysis {
     virtual void stopped() {}
     /// Makes pictures of what there is so far.
     virtual void remakePictures() {}
-    /// The same for one result, and for those without any: a picture keeps its values, and the run
-    /// would copy those of all others for every row that is shown.
-    virtual void remakePictureOf(const Result*) { remakePictures(); }
+    /// The same for the result on display, whose picture follows its values, and for those that had
+    /// no picture yet, once anybody looks. False: no picture is another now.
+    virtual bool followUp(const Result*) { return false; }
 
     /// A result that no run has made.
     static void empty(Result* result);
@@ -49,6 +49,8 @@ class AreaAnalysis {
   protected:
     /// An empty result of this run.
     void startOver(Result* result, int number);
+    /// See followUp(), for one result.
+    static bool followUp(Result* result, bool isShown);
 
     AnalysisGrid m_grid;
     std::shared_ptr<Run> m_run;

@@ -30,6 +30,9 @@ class EnergyDifference : public AreaAnalysis {
     }
 
     void remakePictures() override { m_result->image.genImg(); }
+    bool followUp(const Result* shown) override {
+        return AreaAnalysis::followUp(m_result, m_result == shown);
+    }
     void finish() override { m_result->image.genImg(); }
     void stopped() override { m_result->image.genImg(); }
 

@@ -79,13 +79,12 @@ class Fit : public AreaAnalysis {
         makePictures();
     }
 
-    void remakePictureOf(const Result* shown) override {
-        logPictures();
+    bool followUp(const Result* shown) override {
+        bool isNew = false;
         for (const Target& target : m_targets) {
-            if (target.result == shown || !target.result->image.isValid()) {
-                target.result->image.genImg();
-            }
+            isNew |= AreaAnalysis::followUp(target.result, target.result == shown);
         }
+        return isNew;
     }
 
     void finish() override {

@@ -196,7 +196,9 @@ class Measurement : public QObject {
     bool hasFitWithoutErrors() const;
     void applyMask();
     void standIn();
-    void rowsTaken(int rows, int of);
+    void rowsTaken();
+    double percentOfPass() const;
+    void notePercent();
     void passEnded(RasterPass::Failure failure);
 
     struct MeanSearch {

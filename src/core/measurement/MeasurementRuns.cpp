@@ -185,21 +185,30 @@ void Measurement::standIn() {
     }
 }
 
-void Measurement::rowsTaken(int rows, int) {
-    AnalysisGrid at = m_analysis->grid();
-    at.y = at.raster().y(rows - 1);
-    const Work work = working();
-    if (!m_search) {
-        m_analysis->run()->percent = at.percent();
-    }
+void Measurement::rowsTaken() {
+    notePercent();
     if (m_settings.showsEachRow && !m_search) {
         // Large images of many rows would take far longer to show than to fit.
         m_eachRow.spend([this] {
-            m_analysis->remakePictureOf(shownResult());
-            emit changed(Changes(Results) | Display);
+            if (m_analysis->followUp(shownResult())) {
+                emit changed(Changes(Results) | Display);
+            }
         });
     }
-    emit progressed(work, percentDone(at.percent()), 100.0);
+    emit progressed(working(), percentDone(percentOfPass()), 100.0);
+}
+
+double Measurement::percentOfPass() const {
+    AnalysisGrid at = m_analysis->grid();
+    at.y = at.raster().y(m_job.rowsTaken() - 1);
+    return at.percent();
+}
+
+/// How far the run is; its results have nothing of the search for the mean spectrum.
+void Measurement::notePercent() {
+    if (!m_search && m_job.rowsTaken() > 0) {
+        m_analysis->run()->percent = percentOfPass();
+    }
 }
 
 void Measurement::passEnded(RasterPass::Failure failure) {
@@ -260,6 +269,7 @@ void Measurement::stopRun(const QString& why) {
         return;
     }
     m_job.stop();
+    notePercent();
     const std::unique_ptr<AreaAnalysis> analysis = std::move(m_analysis);
     endAsStopped(analysis);
     QStringList text{stoppedText(*analysis->run())};

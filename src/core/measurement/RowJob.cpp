@@ -5,14 +5,16 @@
 #include "absorption/AbsorptionSource.h"
 
 namespace {
-constexpr int TurnMilliseconds = 8;  // then other events have theirs
-}
+constexpr int TurnMilliseconds = 8;   // then other events have theirs
+constexpr int TellMilliseconds = 40;  // as often as an eye follows
+}  // namespace
 
 void RowJob::start(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
                    std::vector<RasterPass::Evaluate> evaluators) {
     stop();
     m_running = true;
-    m_rows = 0;
+    m_rows = m_rowsTold = 0;
+    m_sinceTold.invalidate();
     const auto ready = [this, generation = m_generation] { postTakeRows(generation); };
     if (raster.rows > 0 && raster.columns > 0) {
         m_pass = std::make_unique<RasterPass>(source, raster, valuesPerBin, std::move(evaluators),
@@ -33,6 +35,11 @@ void RowJob::stop() {
     ++m_generation;
 }
 
+bool RowJob::isTimeToTell() const {
+    return m_rows > m_rowsTold &&
+           (!m_sinceTold.isValid() || m_sinceTold.hasExpired(TellMilliseconds));
+}
+
 void RowJob::takeRows(int generation) {
     if (generation != m_generation || !m_running) {
         return;
@@ -49,8 +56,10 @@ void RowJob::takeRows(int generation) {
         ++m_rows;
     }
     const bool outOfTime = m_pass && turn.elapsed() >= TurnMilliseconds;
-    if (m_pass && m_rows > 0) {
-        emit progressed(m_rows, m_pass->raster().rows);
+    if (m_pass && isTimeToTell()) {
+        m_rowsTold = m_rows;
+        m_sinceTold.start();
+        emit progressed();
     }
     if (generation != m_generation) {
         return;  // stopped by who was told

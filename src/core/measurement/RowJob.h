@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <functional>
 #include <memory>
@@ -24,20 +25,25 @@ class RowJob : public QObject {
                std::vector<RasterPass::Evaluate> evaluators);
     /// Ends the threads in mid-work; nothing is emitted any more.
     void stop();
+    /// Of the pass that runs, or ran last.
+    int rowsTaken() const { return m_rows; }
 
   signals:
-    /// Some rows have been taken in; that many of all.
-    void progressed(int rows, int of);
+    /// Some rows have been taken in; so seldom that somebody can show it each time.
+    void progressed();
     /// All rows have been taken in, or why they never will be.
     void finished(RasterPass::Failure failure);
 
   private:
     void postTakeRows(int generation);
     void takeRows(int generation);
+    bool isTimeToTell() const;
 
     Take m_take;
     std::unique_ptr<RasterPass> m_pass;
     bool m_running = false;
     int m_generation = 0;  // of calls that are still on their way
     int m_rows = 0;
+    int m_rowsTold = 0;
+    QElapsedTimer m_sinceTold;
 };

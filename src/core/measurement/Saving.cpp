@@ -122,7 +122,7 @@ Outcome judgeBlanks(const Settings& form, const Analyzed2DRes& masked) {
     if (form.dataForm != DataForm::Tiff) {
         return {};
     }
-    const QVector<double> values = masked.values();
+    const MapValues values = masked.values();
     const auto blank = std::count_if(values.begin(), values.end(),
                                      [](double value) { return !std::isfinite(value); });
     return blank == 0 ? Outcome()

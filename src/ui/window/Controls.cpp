@@ -37,7 +37,7 @@ bool hasImageToSave(const Measurement& measurement) {
     return std::any_of(references.begin(), references.end(), [](const auto& reference) {
         const auto hasImage = [&reference](int kind) {
             const Result& result = reference->result(kind);
-            return result.tookPart() && result.image.img() != nullptr;
+            return result.tookPart() && result.image.isValid();
         };
         return reference->takesPart() && (hasImage(Reference::DMut) || hasImage(Reference::Ratio));
     });
@@ -82,7 +82,7 @@ void updateControls(const Ui::Body& ui, Measurement& measurement, const XafsView
 
     const Result* shown = measurement.shownResult();
     const bool hasPicture =
-        shownFrame(measurement) != nullptr || (shown != nullptr && shown->image.img() != nullptr);
+        shownFrame(measurement) != nullptr || (shown != nullptr && shown->image.isValid());
     const QString whyNotPicture =
         hasPicture ? whyNoPart(shown) : Controls::tr("There is no image on display yet.");
     setUsable(ui.SaveImage, whyNotPicture);
