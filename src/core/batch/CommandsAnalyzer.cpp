@@ -162,7 +162,7 @@ void addAnalyzerCommands(std::vector<CommandRow>* rows) {
          {K::Real, K::Real},
          2,
          false,
-         Work::None,
+         Work::Deglitch,
          [](Action& a) { a.outcome += a.measurement.deglitch(a.args.real(0), a.args.real(1)); }},
         {69,
          "analyzer_add_ref",

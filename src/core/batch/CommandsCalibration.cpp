@@ -109,7 +109,7 @@ void addCalibrationCommands(std::vector<CommandRow>* rows) {
          {},
          0,
          false,
-         Work::None,
+         Work::Deglitch,
          [](Action& a) { a.outcome += a.measurement.smoothMap(); }},
         {72,
          "set_E0",

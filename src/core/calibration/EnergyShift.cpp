@@ -84,8 +84,16 @@ void smoothShiftMap(Analyzed2DRes* map) {
     if (!map || !map->hasData()) {
         return;
     }
+    takeSmoothed(map, *smoothedShifts(map->toProcess(), {}));
+}
+
+std::optional<Processed> smoothedShifts(const MapToProcess& map, const GoOn& goOn) {
     debugTimed(QStringLiteral("Start Normalize E Shift"));
-    map->deglitch2(kLargestShift);
+    return smoothed(map, kLargestShift, goOn);
+}
+
+void takeSmoothed(Analyzed2DRes* map, const Processed& made) {
+    map->takeProcessed(made);
     map->copyProc2Data();
     refreshPicture(map);
     debugTimed(QStringLiteral("End Normalize E Shift  "));

@@ -5,6 +5,7 @@
 
 #include "absorption/RasterPass.h"
 #include "maps/AnalysisGrid.h"
+#include "maps/Deglitch.h"
 
 class Analyzed2DRes;
 class Spectrum;
@@ -37,8 +38,11 @@ std::vector<RasterPass::Evaluate> edgeEvaluators(int threads, const std::vector<
 void clearShiftMap(Analyzed2DRes* map);
 
 /// Replaces bins more than 40 eV off the mean by the mean of their neighbours, see
-/// Analyzed2DRes::deglitch2(). Nothing happens without a map.
+/// smoothed(). Nothing happens without a map.
 void smoothShiftMap(Analyzed2DRes* map);
+/// The same in two parts: the first for any thread, the second puts what it has made into the map.
+std::optional<Processed> smoothedShifts(const MapToProcess& map, const GoOn& goOn);
+void takeSmoothed(Analyzed2DRes* map, const Processed& made);
 
 /// shiftAt() of a map as it is now, whatever becomes of it.
 std::function<double(int x, int y)> shiftsOf(const Analyzed2DRes& map);

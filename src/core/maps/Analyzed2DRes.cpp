@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "base/Numbers.h"
+#include "maps/FillBin.h"
 
 namespace {
 
@@ -168,23 +169,12 @@ void Analyzed2DRes::touch(qint64 first, qint64 last) {
     m_endNew = none ? last + 1 : std::max(m_endNew, last + 1);
 }
 
-void Analyzed2DRes::fillBin(Array* array, int ix, int iy, int xw, int yw, double t) const {
-    const PixelRange columns = clipped(qint64(ix) - xw, qint64(ix) + xw, m_grid.width);
-    const PixelRange lines = clipped(qint64(iy) - yw, qint64(iy) + yw, m_grid.height);
-    if (array->isEmpty() || columns.isEmpty()) {
-        return;
-    }
-    double* const values = array->data();
-    for (qint64 row = lines.first; row <= lines.last; ++row) {
-        double* const first = values + row * m_grid.width;
-        std::fill(first + columns.first, first + columns.last + 1, t);
-    }
-}
-
 void Analyzed2DRes::setData(int ix, int iy, int xw, int yw, double t) {
     widen(t, &m_dataMin, &m_dataMax);
     touch(qint64(iy) - yw, qint64(iy) + yw);
-    fillBin(&m_data, ix, iy, xw, yw, t);
+    if (!m_data.isEmpty()) {
+        fillBin(m_data.data(), m_grid, ix, iy, xw, yw, t);
+    }
 }
 
 void Analyzed2DRes::setRow(int x, int step, int y, int xw, int yw, const double* values,
@@ -247,6 +237,30 @@ void Analyzed2DRes::setDeglitchConds(double f, double r) {
 void Analyzed2DRes::selectProcImg(bool on) {
     m_showProc = on;
     genImg();
+}
+
+MapToProcess Analyzed2DRes::toProcess() const {
+    return {m_grid, m_data, m_dataMin, m_dataMax};
+}
+
+void Analyzed2DRes::takeProcessed(const Processed& made) {
+    m_proc = made.values;
+    setProcRange(made.min, made.max);
+    if (m_showProc) {
+        genImg();
+    }
+}
+
+void Analyzed2DRes::deglitch() {
+    if (!m_data.isEmpty()) {
+        takeProcessed(*deglitched(toProcess(), m_deglitchFactor, m_deglitchRatio, {}));
+    }
+}
+
+void Analyzed2DRes::deglitch2(double limit) {
+    if (!m_data.isEmpty()) {
+        takeProcessed(*smoothed(toProcess(), limit, {}));
+    }
 }
 
 void Analyzed2DRes::copyProc2Data() {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "maps/AnalysisGrid.h"
+#include "maps/Deglitch.h"
 #include "maps/MapValues.h"
 #include "maps/Mask.h"
 
@@ -74,6 +75,9 @@ class Analyzed2DRes : public QObject {
     int count() const { return m_count; }
 
     void setProcRange(double min, double max);
+    /// What the deglitchers work on, which may go on on another thread, and what they have made.
+    MapToProcess toProcess() const;
+    void takeProcessed(const Processed& made);
     /// genImg() for values that are still coming in: until the next genImg() or clear() the picture
     /// is that of the values as they were when it was last looked at or followed up, and keeps
     /// none of them.
@@ -103,14 +107,11 @@ class Analyzed2DRes : public QObject {
     /// the range, instead of one a pixel; count() tells how many. The caller frees the array with
     /// delete[]; null without values.
     quint16* tiffDataForSave(bool fixedScale, double scaleMin, double scaleMax, bool asAnalyzed);
-    /// Replaces points that stand out from their neighbours by more than factor times the mean and
-    /// lie near an end of the range by the mean of their four neighbours, into proc.
+    /// deglitched() into proc.
     void deglitch();
     void setDeglitchConds(double f, double r);
     void selectProcImg(bool on);
-    /// Replaces points further than limit from the mean by the mean of their eight neighbours that
-    /// are nearer (0.0 without any), into proc. The mean is that of the values of magnitude below
-    /// limit.
+    /// smoothed() into proc.
     void deglitch2(double limit);
     void copyProc2Data();
     void setFixedScale(bool on);
@@ -141,15 +142,11 @@ class Analyzed2DRes : public QObject {
     Picture pictureOfNow() const;
     void touch(qint64 first, qint64 last);
     double at(const Array& array, qint64 x, qint64 y) const;
-    void fillBin(Array* array, int ix, int iy, int xw, int yw, double t) const;
-    double glitchMeasure(int x, int y) const;
-    double meanOfNeighbours(int x, int y) const;
     bool isBlank(std::size_t pixel) const {
         return m_mask && pixel < m_mask->size() && (*m_mask)[pixel];
     }
     Range visibleExtremes() const;
     Range rangeInUse() const;
-    void setProcPoint(int x, int y, double t);
     void dropPicture();
 
     int m_no = -1;

@@ -1,6 +1,7 @@
 #include "measurement/AreaAnalysis.h"
 
 #include <QDebug>
+#include <algorithm>
 #include <cmath>
 
 #include "absorption/AbsorptionSource.h"
@@ -145,19 +146,21 @@ void makeResidualRatio(const ResidualResults& results) {
     const Analyzed2DRes* rest = &imageOf(results, ResultId::RaRest);
     Analyzed2DRes* ratio = &imageOf(results, ResultId::RaRatio);
     const int width = rest->grid().width;
-    const int height = rest->hasData() ? rest->grid().height : 0;
+    const int height = rest->hasData() && dMut->hasData() ? rest->grid().height : 0;
+    const double* const rests = rest->data();
+    const double* const jumps = dMut->data();
     double lowest = 1e300;
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            const double value = rest->valueAt(x, y);
-            lowest = std::isfinite(value) && value < lowest ? value : lowest;
-        }
+    for (qint64 i = 0; i < qint64(width) * height; ++i) {
+        lowest = std::isfinite(rests[i]) && rests[i] < lowest ? rests[i] : lowest;
     }
+    std::vector<double> row(static_cast<std::size_t>(std::max(0, width)));
     for (int y = 0; y < height; ++y) {
+        const qint64 first = qint64(y) * width;
         for (int x = 0; x < width; ++x) {
-            const double b = rest->valueAt(x, y) - lowest;
-            ratio->setData(x, y, 0, 0, b / (dMut->valueAt(x, y) + b));
+            const double b = rests[first + x] - lowest;
+            row[static_cast<std::size_t>(x)] = b / (jumps[first + x] + b);
         }
+        ratio->setRow(0, 1, y, 0, 0, row.data(), 1, width);
     }
     for (Result* result : results) {
         result->image.genImg();

@@ -23,7 +23,8 @@ enum class Work {
     Calibrate,
     Fit,
     Residual,
-    Difference
+    Difference,
+    Deglitch  ///< or smoothing of the energy map
 };
 
 /// A text file that was read as a whole.

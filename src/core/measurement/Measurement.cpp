@@ -42,11 +42,17 @@ Measurement::Measurement()
     connect(&m_dark, &DarkData::progressed, this, [this] { emit changed(AtWork); });
     connect(&m_job, &RowJob::progressed, this, &Measurement::rowsTaken);
     connect(&m_job, &RowJob::finished, this, &Measurement::passEnded);
+    connect(&m_mapJob, &MapJob::finished, this, &Measurement::mapProcessed);
+    connect(&m_mapJob, &MapJob::progressed, this, [this](double done) {
+        m_mapWork->percent = 100.0 * done;
+        emit progressed(Work::Deglitch, m_mapWork->percent, 100.0);
+    });
     applyScales();
 }
 
 Measurement::~Measurement() {
     m_job.stop();
+    m_mapJob.stop();
     for (QObject* part : {static_cast<QObject*>(&m_i1), static_cast<QObject*>(&m_i0),
                           static_cast<QObject*>(&m_dark)}) {
         part->disconnect(this);
@@ -147,6 +153,9 @@ void Measurement::stopCalibration() {
     if (working() == Work::Calibrate) {
         stopRun(tr("the energy map has changed"));
     }
+    if (m_mapWork && m_mapWork->target == m_map.get()) {
+        stopMapWork(tr("the energy map has changed"));
+    }
 }
 
 Outcome Measurement::loadMap(const QString& fileName) {
@@ -181,23 +190,6 @@ void Measurement::clearMap() {
     m_map = std::make_unique<Result>(ResultId::Shift);
     m_mapInput.reset();
     inputsChanged(Changes(Map) | Results | Display);
-}
-
-Outcome Measurement::smoothMap() {
-    if (m_map->image.grid().width <= 0) {
-        return Outcome::failure(tr("there is no energy-shift map"));
-    }
-    stopCalibration();
-    smoothShiftMap(&m_map->image);
-    m_map->deglitched.reset();  // the processed values are those of the smoothing now
-    if (m_mapInput) {
-        MapInput input = *m_mapInput;
-        ++input.smoothed;
-        input.revision = nextRevision();
-        m_mapInput = std::make_shared<const MapInput>(input);
-    }
-    inputsChanged(Changes(Map) | Results | Display);
-    return {};
 }
 
 Outcome Measurement::addReference() {

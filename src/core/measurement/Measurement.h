@@ -7,6 +7,7 @@
 #include "base/ShareOfTime.h"
 #include "frames/DarkData.h"
 #include "measurement/AreaAnalysis.h"
+#include "measurement/MapJob.h"
 #include "measurement/Outcome.h"
 #include "measurement/RecordLines.h"
 #include "measurement/Reference.h"
@@ -111,7 +112,9 @@ class Measurement : public QObject {
     void stop();
     /// Empties the results of an analysis, but for the energy map in force; not while it runs.
     void forget(Work work);
-    Work working() const { return m_analysis ? m_analysis->run()->work : Work::None; }
+    Work working() const {
+        return m_analysis ? m_analysis->run()->work : m_mapWork ? Work::Deglitch : Work::None;
+    }
     bool isAtWork(Work work) const;
     Inputs inputs() const;  ///< what a run would work on that begins now
     Difference differenceOf(const Result& result) const;
@@ -121,8 +124,15 @@ class Measurement : public QObject {
     void remakeResidual();           ///< the ratio image of RA and all its pictures
     QString whyNotDeglitch() const;  ///< empty: it can
     QString whyNotShowProcessed() const;
+    /// In the background for a large map: then ended() follows, as for smoothMap().
     Outcome deglitch(double factor, double ratio);
     Outcome showProcessed(bool on);
+    struct ReplacedBins {
+        qint64 replaced = 0;
+        qint64 of = 0;
+    };
+    /// By the last deglitching or smoothing.
+    const ReplacedBins& replacedBins() const { return m_replacedBins; }
     /// Null for a kind of reference without that reference.
     Result* find(ResultId id, int reference = -1) const;
     Result& residual(int i) const { return *m_results.find(residualId(i)); }
@@ -190,6 +200,12 @@ class Measurement : public QObject {
     Outcome judgeStart(Work work);
     void stopRun(const QString& why);
     void stopCalibration();
+    void process(Result* target, const MapJob::Make& make,
+                 const std::function<void(const Processed&)>& take);
+    void countReplaced(const AnalysisGrid& grid, const MapValues& before, const MapValues& after);
+    void mapProcessed(const std::optional<Processed>& made);
+    void stopMapWork(const QString& why);
+    void endMapWork(const Outcome& outcome);
     void endAsStopped(const std::unique_ptr<AreaAnalysis>& analysis);
     std::vector<Result*> resultsOf(Work work) const;
     void markOfBefore(Work work);
@@ -204,6 +220,13 @@ class Measurement : public QObject {
     struct MeanSearch {
         std::shared_ptr<RowSums> sums;
         ShiftAt shiftAt;
+    };
+
+    struct MapWork {
+        Result* target;
+        MapValues values;  // at its start
+        std::function<void(const Processed&)> take;
+        double percent;
     };
 
     std::unique_ptr<Rehearsal> m_rehearsal;
@@ -232,6 +255,9 @@ class Measurement : public QObject {
     std::shared_ptr<const Run> m_foundMean;  // the last that has found one
     RowJob m_job;
     ShareOfTime m_eachRow;
+    MapJob m_mapJob;
+    std::optional<MapWork> m_mapWork;
+    ReplacedBins m_replacedBins;
     AnalysisGrid m_point;  // of the last fit
     bool m_loadsDark = false;
     std::map<Work, std::optional<Outcome>> m_together;  // loads to be told of as one

@@ -227,62 +227,6 @@ void Measurement::remakeResidual() {
     emit changed(Changes(Results) | Display);
 }
 
-QString Measurement::whyNotDeglitch() const {
-    if (working() != Work::None) {
-        return tr("not while an analysis of the image runs");
-    }
-    const Result* target = deglitchTarget();
-    if (target == nullptr || !target->image.hasData()) {
-        return tr("there is no map to work on");
-    }
-    if (!target->tookPart()) {
-        return tr("the reference took no part in the fit: its map holds no values");
-    }
-    // What values there are a rehearsal does not know.
-    return m_rehearsal || target->image.dataMin() <= target->image.dataMax()
-               ? QString()
-               : tr("the map holds no values");
-}
-
-QString Measurement::whyNotShowProcessed() const {
-    const QString whyNot = whyNotDeglitch();
-    if (!whyNot.isEmpty()) {
-        return whyNot;
-    }
-    const Result* target = deglitchTarget();
-    // Smoothing leaves what it made in the processed values, too.
-    const bool isSmoothed = target == m_map.get() && m_mapInput && m_mapInput->smoothed > 0;
-    return target->deglitched || isSmoothed
-               ? QString()
-               : tr("nothing has been deglitched: the processed values are 0");
-}
-
-Outcome Measurement::deglitch(double factor, double ratio) {
-    const QString whyNot = whyNotDeglitch();
-    if (!whyNot.isEmpty()) {
-        return Outcome::failure(whyNot);
-    }
-    Result* target = deglitchTarget();
-    m_settings.deglitchFactor = inField(factor);
-    m_settings.deglitchRatio = inField(ratio);
-    target->image.setDeglitchConds(m_settings.deglitchFactor, m_settings.deglitchRatio);
-    target->image.deglitch();
-    target->image.selectProcImg(true);
-    target->deglitched = {m_settings.deglitchFactor, m_settings.deglitchRatio};
-    emit changed(Changes(Results) | Display | Setting);
-    return {};
-}
-
-Outcome Measurement::showProcessed(bool on) {
-    const QString whyNot = on ? whyNotShowProcessed() : whyNotDeglitch();
-    if (!whyNot.isEmpty()) {
-        return Outcome::failure(whyNot);
-    }
-    deglitchTarget()->image.selectProcImg(on);
-    emit changed(Changes(Results) | Display);
-    return {};
-}
-
 RecordLines Measurement::recordOf(const Result& result, const QString& savedBy) const {
     if (result.run && result.run->state != Run::State::Complete) {
         return RecordLines::none(QT_TRANSLATE_NOOP("Record", "the run was stopped before its end"));

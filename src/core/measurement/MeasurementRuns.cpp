@@ -262,6 +262,7 @@ void Measurement::passEnded(RasterPass::Failure failure) {
 
 void Measurement::stop() {
     stopRun({});
+    stopMapWork({});
 }
 
 void Measurement::stopRun(const QString& why) {

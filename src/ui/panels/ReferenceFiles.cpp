@@ -38,14 +38,13 @@ void ReferenceFiles::ask(int reference) {
     if (m_dialog == nullptr) {
         m_dialog = new QFileDialog(m_panel, tr("Reference Spectra"));
         m_dialog->setObjectName(QStringLiteral("ReferenceDialog"));
-        m_dialog->setDirectory(DataDir);
         m_dialog->setFileMode(QFileDialog::ExistingFiles);
         m_dialog->setNameFilters(
             {tr("Spectrum Files (*.dat *.txt *.xdi)"), tr("Any Files (* *.*)")});
         connect(m_dialog, &QFileDialog::filesSelected, this,
                 [this](const QStringList& files) { take(files, m_asked); });
     }
-    m_dialog->show();
+    FolderMemory::shared().show(m_dialog);
 }
 
 int ReferenceFiles::firstEmpty() const {

@@ -19,6 +19,7 @@
 #include "panels/SaveDataCfg.h"
 #include "panels/ToolWindows.h"
 #include "ui_Body.h"
+#include "window/Answers.h"
 #include "window/BodyMenu.h"
 #include "window/Controls.h"
 #include "window/DarkControl.h"
@@ -70,36 +71,6 @@ void addDataBar(QMainWindow& window, const Ui::Body& ui) {
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(part);
     }
-}
-
-/// Of many files that a load did not take, their number: a line for each would bury the rest.
-Outcome inShort(const Measurement& measurement, Work work, const Outcome& outcome) {
-    if (work != Work::LoadI1 && work != Work::LoadI0) {
-        return outcome;
-    }
-    const Stack& stack = measurement.stack(work == Work::LoadI1 ? StackId::I1 : StackId::I0);
-    const int n = stack.leftOut();
-    return n > 1 && outcome.failures.size() >= n  // not a line that did not come to a load
-               ? Outcome::failure(
-                     Body::tr("%1: %2 files were not taken, see Messages").arg(stack.name()).arg(n))
-               : outcome;
-}
-
-/// A load says in the window what it has brought; in a batch its line says it.
-Outcome withWhatWasLoaded(const Measurement& measurement, Work work, Outcome outcome) {
-    QString text;
-    if (work == Work::LoadI1 || work == Work::LoadI0) {
-        text = loadedText(measurement.stack(work == Work::LoadI1 ? StackId::I1 : StackId::I0));
-    } else if (work == Work::LoadDark && measurement.dark().loaded() > 0) {
-        text = Body::tr("loaded %n dark frame(s)", nullptr, measurement.dark().loaded());
-    }
-    if (!text.isEmpty()) {
-        outcome.notes << text;
-    }
-    if (work == Work::LoadFolder) {
-        outcome.notes = QStringList(outcome.notes.join(QStringLiteral("; ")));
-    }
-    return outcome;
 }
 
 }  // namespace
@@ -197,7 +168,7 @@ void Body::connectMeasurement() {
     connect(m_panels->spectrum.get(), &XafsView::updated, this,
             [this] { updateControls(*m_ui, m_measurement, *m_panels->spectrum); });
     connect(&m_runner, &BatchRunner::endedAlone, this, [this](Work work, const Outcome& outcome) {
-        sayOf(work, withWhatWasLoaded(m_measurement, work, outcome));
+        sayOf(work, withWhatWasMade(m_measurement, work, outcome));
     });
     connect(&m_measurement, &Measurement::progressed, this,
             [this](Work work, double done, double of) {

@@ -5,13 +5,13 @@
 #include "base/DebugLog.h"
 #include "batch/Record.h"
 #include "display/XafsView.h"
-#include "maps/ChangedBins.h"
 #include "measurement/Saving.h"
 #include "panels/AnalyzeProc.h"
 #include "panels/Analyzer.h"
 #include "panels/LCFReference.h"
 #include "panels/SaveDataCfg.h"
 #include "ui_Body.h"
+#include "window/Answers.h"
 #include "window/Body.h"
 #include "window/Docks.h"
 #include "window/Fields.h"
@@ -19,17 +19,6 @@
 #include "window/SaveDialogs.h"
 #include "window/SpectrumPane.h"
 #include "window/WhatWasDone.h"
-
-namespace {
-
-QString replaced(const AnalysisGrid& grid, const double* before, const double* after) {
-    const BinRaster raster = grid.raster();
-    return Body::tr("Deglitched: %1 of %2 bins replaced")
-        .arg(changedBins(grid, before, after))
-        .arg(qint64(raster.rows) * raster.columns);
-}
-
-}  // namespace
 
 void Body::clearI1Files() {
     m_measurement.clear(StackId::I1);
@@ -164,26 +153,22 @@ void Body::clearShiftMap() {
     sayOf(Work::Calibrate, Outcome::note(tr("The energy-shift map has been cleared")));
 }
 void Body::normalizeEShift() {
-    const QVector<double> before = m_measurement.map().image.values();
-    Outcome outcome = m_measurement.smoothMap();
-    if (!outcome.failed()) {
-        const Analyzed2DRes& map = m_measurement.map().image;
-        outcome.notes << replaced(map.grid(), before.constData(), map.data());
+    if (m_measurement.working() == Work::Deglitch) {
+        m_measurement.stop();
+        return;
     }
-    say(outcome);
+    say(withReplaced(m_measurement, m_measurement.smoothMap()));
 }
 void Body::deglitch() {
+    if (m_measurement.working() == Work::Deglitch) {
+        m_measurement.stop();
+        return;
+    }
     const double factor = numberIn(m_ui->DeGlitchFactor);
     const double ratio = numberIn(m_ui->DeGlitchRatio);
     m_ui->DeGlitchFactor->setModified(false);  // taken: they follow the settings again
     m_ui->DeGlitchRatio->setModified(false);
-    Outcome outcome = m_measurement.deglitch(factor, ratio);
-    const Result* target = m_measurement.deglitchTarget();
-    if (!outcome.failed() && target != nullptr) {
-        const Analyzed2DRes& map = target->image;
-        outcome.notes << replaced(map.grid(), map.data(), map.proc());
-    }
-    say(outcome);
+    say(withReplaced(m_measurement, m_measurement.deglitch(factor, ratio)));
 }
 void Body::showProcImg(bool on) {
     say(m_measurement.showProcessed(on));

@@ -49,26 +49,41 @@ bool hasMapToSave(const Measurement& measurement) {
                        [](const Result* result) { return result->tookPart(); });
 }
 
+/// The buttons of what works in the background stop it meanwhile.
+void showStop(QAbstractButton* button, bool stops) {
+    constexpr char OwnText[] = "ownText";
+    if (!button->property(OwnText).isValid()) {
+        button->setProperty(OwnText, button->text());
+    }
+    button->setText(stops ? Controls::tr("Stop") : button->property(OwnText).toString());
+}
+
 void updateMapControls(const Ui::Body& ui, const Measurement& measurement) {
     const Result* target = measurement.deglitchTarget();
     const bool hasValues = target != nullptr && target->image.hasData();
+    const bool works = measurement.working() == Work::Deglitch;
     const QString running = whileAnalyzing(measurement);
     const QString noMap =
         !running.isEmpty()
             ? running
             : unless(hasValues, Controls::tr("Show a result image or the energy-shift map first."));
     const bool shows = hasValues && target->image.showsProc();  // it can be taken back
-    setUsable(ui.DeGlitch, noMap.isEmpty() ? asSentence(measurement.whyNotDeglitch()) : noMap);
+    const QString whyNot = noMap.isEmpty() ? asSentence(measurement.whyNotDeglitch()) : noMap;
+    setUsable(ui.DeGlitch, works ? QString() : whyNot);
+    showStop(ui.DeGlitch, works);
     setUsable(ui.ShowProcImg,
               noMap.isEmpty() && !shows ? asSentence(measurement.whyNotShowProcessed()) : noMap);
     showNumber(ui.DeGlitchFactor, measurement.settings().deglitchFactor);
     showNumber(ui.DeGlitchRatio, measurement.settings().deglitchRatio);
     const QSignalBlocker blocked(ui.ShowProcImg);
     ui.ShowProcImg->setChecked(target != nullptr && target->image.showsProc());
+    showStop(ui.NormalizeEShift, works);
     setUsable(ui.NormalizeEShift,
-              !running.isEmpty() ? running
-                                 : unless(measurement.map().image.hasData(),
-                                          Controls::tr("Make or load an energy-shift map first.")));
+              works ? QString()
+              : !running.isEmpty()
+                  ? running
+                  : unless(measurement.map().image.hasData(),
+                           Controls::tr("Make or load an energy-shift map first.")));
 }
 
 }  // namespace

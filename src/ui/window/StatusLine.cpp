@@ -2,16 +2,15 @@
 
 #include <QAction>
 #include <QMainWindow>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QToolButton>
 
-#include "base/Numbers.h"
 #include "display/MessageLine.h"
 #include "measurement/Display.h"
 #include "measurement/MeasurementName.h"
 #include "window/Messages.h"
+#include "window/WorkBar.h"
 
 namespace {
 constexpr int NoticeMs = 8000;
@@ -24,13 +23,11 @@ StatusLine::StatusLine(Measurement& measurement, const Messages& messages, QMain
       m_measurement(measurement),
       m_state(new MessageLine(window)),
       m_notice(new MessageLine(window)),
-      m_bar(new QProgressBar(window)),
+      m_bar(new WorkBar(window)),
       m_stopLoading(new QToolButton(window)),
       m_count(new QPushButton(window)) {
     m_state->setObjectName(QStringLiteral("State"));
     m_notice->setObjectName(QStringLiteral("Notice"));
-    m_bar->setMaximumWidth(240);
-    m_bar->hide();
     makeStop(window);
     window->statusBar()->addWidget(m_state, 1);
     window->statusBar()->addWidget(m_notice, 1);
@@ -159,9 +156,8 @@ void StatusLine::showProgress(Work work, double done, double of) {
         showSoon();
         return;
     }
-    m_bar->setVisible(done < of);
-    m_bar->setRange(0, 100);
-    m_bar->setValue(toClampedInt(done, 0, 100));
+    const QString name = nameOfWork(work, m_measurement.settings().method);
+    m_bar->showWork(work, name, 100.0 * done / of);
 }
 
 void StatusLine::showLoads() {
@@ -175,8 +171,7 @@ void StatusLine::showLoads() {
         }
     }
     if (total > 0) {
-        m_bar->setRange(0, total);
-        m_bar->setValue(done);
+        m_bar->showFiles(done, total);
     }
     // The bar is also that of analyses.
     if (total > 0 || !m_stopLoading->isHidden()) {

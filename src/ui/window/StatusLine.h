@@ -8,9 +8,9 @@
 class MessageLine;
 class Messages;
 class QMainWindow;
-class QProgressBar;
 class QPushButton;
 class QToolButton;
+class WorkBar;
 
 /// The status bar of the main window: the measurement's name, what is on display and what should be
 /// known of it as long as it holds, how far work is and what stops a load, for a while what an
@@ -41,7 +41,7 @@ class StatusLine : public QObject {
     Measurement& m_measurement;
     MessageLine* m_state;
     MessageLine* m_notice;
-    QProgressBar* m_bar;
+    WorkBar* m_bar;
     QToolButton* m_stopLoading;
     QPushButton* m_count;
     QTimer m_pace;
