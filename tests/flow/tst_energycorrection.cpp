@@ -131,10 +131,10 @@ class TestEnergyCorrection : public QObject {
         const auto again = [this](const char* name) {
             const QString map = m_phantom->file(name);
             run({"calib_save_map " + map, "calib_clear_map", "calib_load_map " + map});
-            return m_body->measurement().map().image.values();
+            return m_body->measurement().map().image.values().toVector();
         };
         run({"set_band_w 1", "calib_exec"});
-        const QVector<double> measured = m_body->measurement().map().image.values();
+        const QVector<double> measured = m_body->measurement().map().image.values().toVector();
         const AnalysisGrid grid = m_body->measurement().map().image.grid();
         const QVector<double> loaded = again("drift.tif");
         for (int i = 0; i < measured.size(); ++i) {

@@ -66,8 +66,14 @@ QImage withGapsMarked(const QImage& picture, const double* values, int width, in
         return picture;
     }
     const auto isGap = [](double value) { return std::isnan(value); };
-    const auto* end = values + static_cast<std::ptrdiff_t>(width) * height;
-    if (std::none_of(values, end, isGap)) {
+    bool hasGap = false;
+    for (int y = 0; y < height && !hasGap; ++y) {
+        const double* const row = values + static_cast<std::ptrdiff_t>(y) * width;
+        for (int x = 0; x < width; ++x) {  // a whole row: vector units can not stop in mid-way
+            hasGap |= row[x] != row[x];
+        }
+    }
+    if (!hasGap) {
         return picture;
     }
     QImage marked = picture.convertToFormat(QImage::Format_RGB32);

@@ -63,10 +63,12 @@ class Calibration : public AreaAnalysis {
         if (row.row > 0) {
             sayProgress(y);
         }
+        m_row.resize(static_cast<std::size_t>(raster.columns));
         for (int column = 0; column < raster.columns; ++column) {
-            m_map->image.setData(raster.x(column), y, m_grid.halfW, m_grid.halfH,
-                                 row.values[column] - m_edges.standard);
+            m_row[static_cast<std::size_t>(column)] = row.values[column] - m_edges.standard;
         }
+        m_map->image.setRow(raster.firstX, raster.stepX, y, m_grid.halfW, m_grid.halfH,
+                            m_row.data(), 1, raster.columns);
     }
 
     void finish() override {
@@ -86,6 +88,7 @@ class Calibration : public AreaAnalysis {
 
     Result* m_map;
     CalibrationEdges m_edges;
+    std::vector<double> m_row;
 };
 
 Analyzed2DRes& imageOf(const ResidualResults& results, ResultId id) {
@@ -118,24 +121,32 @@ class Residual : public AreaAnalysis {
         if (row.row > 0) {
             qDebug() << y;
         }
-        for (int column = 0; column < raster.columns; ++column) {
+        const auto columns = static_cast<std::size_t>(raster.columns);
+        m_jumps.resize(columns);
+        m_rests.resize(columns);
+        for (std::size_t column = 0; column < columns; ++column) {
             const double pre = row.values[2 * column];
             const double dmut = row.values[2 * column + 1] - pre;
-            const int x = raster.x(column);
-            put(ResultId::RaDmut, x, y, dmut);
-            put(ResultId::RaRest, x, y, pre - m_run->inputs.raFactor * dmut);
+            m_jumps[column] = dmut;
+            m_rests[column] = pre - m_run->inputs.raFactor * dmut;
         }
+        put(ResultId::RaDmut, y, raster, m_jumps);
+        put(ResultId::RaRest, y, raster, m_rests);
     }
 
     void finish() override { makeResidualRatio(m_results); }
     void stopped() override { finish(); }
 
   private:
-    void put(ResultId id, int x, int y, double value) {
-        imageOf(m_results, id).setData(x, y, m_grid.halfW, m_grid.halfH, value);
+    void put(ResultId id, int y, const BinRaster& raster, const std::vector<double>& values) {
+        imageOf(m_results, id)
+            .setRow(raster.firstX, raster.stepX, y, m_grid.halfW, m_grid.halfH, values.data(), 1,
+                    raster.columns);
     }
 
     ResidualResults m_results;
+    std::vector<double> m_jumps;  // of a row
+    std::vector<double> m_rests;
     std::function<double(int x, int y)> m_shiftAt;
 };
 
