@@ -6,7 +6,7 @@
 #include <QMimeData>
 #include <QUrl>
 
-#include "base/Globals.h"
+#include "display/FolderMemory.h"
 #include "panels/WhyNot.h"
 
 namespace {
