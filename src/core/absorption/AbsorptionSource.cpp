@@ -1,5 +1,7 @@
 #include "absorption/AbsorptionSource.h"
 
+#include <algorithm>
+
 #include "base/Numbers.h"
 #include "frames/DarkFrame.h"
 #include "frames/FrameSet.h"
@@ -90,6 +92,39 @@ AbsorptionSource::Bracket AbsorptionSource::bracketOf(double e) const {
     }
     const double e0 = m_i0[first].energy;
     return {first, true, e - e0, m_i0[first + 1].energy - e0};
+}
+
+int AbsorptionSource::indexOf(const TiffData* frame) const {
+    const auto found = std::find(m_i1.begin(), m_i1.end(), frame);
+    return found == m_i1.end() ? -1 : static_cast<int>(found - m_i1.begin());
+}
+
+AbsorptionSource AbsorptionSource::ofFrames(const std::vector<int>& places) const {
+    AbsorptionSource few(m_width, m_height, m_dark);
+    std::vector<bool> isTaken(m_i0.size() + 1);
+    for (const int place : places) {
+        const auto i = static_cast<std::size_t>(place);
+        few.m_i1.push_back(m_i1[i]);
+        few.m_energies.push_back(m_energies[i]);
+        if (!m_brackets.empty()) {
+            const Bracket& bracket = m_brackets[i];
+            few.m_brackets.push_back(bracket);
+            isTaken[bracket.first] = true;
+            isTaken[bracket.first + 1] = isTaken[bracket.first + 1] || bracket.isInterpolated;
+        }
+    }
+    std::vector<std::size_t> placeOf(m_i0.size());
+    for (std::size_t i = 0; i < m_i0.size(); ++i) {
+        placeOf[i] = few.m_i0.size();
+        if (isTaken[i]) {
+            few.m_i0.push_back(m_i0[i]);
+        }
+    }
+    for (Bracket& bracket : few.m_brackets) {
+        bracket.first = placeOf[bracket.first];
+    }
+    few.shareI0();
+    return few;
 }
 
 double AbsorptionSource::darkSum(int x, int y, int halfWidth, int halfHeight) const {

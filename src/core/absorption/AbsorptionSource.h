@@ -30,6 +30,15 @@ class AbsorptionSource {
     /// Of the I1 frames in eV, ascending.
     const std::vector<double>& energies() const { return m_energies; }
 
+    int width() const { return m_width; }
+    int height() const { return m_height; }
+
+    /// The place of an I1 frame in order of energy; -1 for another.
+    int indexOf(const TiffData* frame) const;
+    /// The same with some of the I1 frames alone, given by their places in ascending order: mu-t at
+    /// their energies has the same bits.
+    AbsorptionSource ofFrames(const std::vector<int>& places) const;
+
     /// One point an I1 frame, in order of energy; empty outside the image or without frames.
     Spectrum spectrumAt(int x, int y, int halfWidth, int halfHeight) const;
 
@@ -49,6 +58,9 @@ class AbsorptionSource {
         double fromFirst = 0.0;       // energy less the first
         double span = 0.0;            // from the first to the next
     };
+
+    AbsorptionSource(int width, int height, const DarkFrame* dark)
+        : m_width(width), m_height(height), m_dark(dark) {}
 
     void gatherI0(const FrameSet& i0);
     Bracket bracketOf(double e) const;

@@ -134,9 +134,13 @@ void BinRowSpectra::sum(int y, int firstBin, int bins) {
     const double* dark = nullptr;
     if (m_source.m_dark != nullptr) {
         m_darkSums.resize(m_stride);
-        for (int bin = 0; bin < bins; ++bin) {
-            m_darkSums[static_cast<std::size_t>(bin)] = m_source.darkSum(
-                m_firstX + (firstBin + bin) * m_stepX, y, m_halfWidth, m_halfHeight);
+        if (m_halfWidth == 0 && m_halfHeight == 0 && m_stepX == 1) {
+            m_source.m_dark->copyRow(m_firstX + firstBin, y, bins, m_darkSums.data());
+        } else {
+            for (int bin = 0; bin < bins; ++bin) {
+                m_darkSums[static_cast<std::size_t>(bin)] = m_source.darkSum(
+                    m_firstX + (firstBin + bin) * m_stepX, y, m_halfWidth, m_halfHeight);
+            }
         }
         dark = m_darkSums.data();
     }

@@ -2,6 +2,7 @@
 
 #include "batch/CommandRows.h"
 #include "measurement/Display.h"
+#include "measurement/SettingWords.h"
 #include "spectra/Units.h"
 
 namespace {
@@ -66,10 +67,38 @@ void setPlotAxes(Action& a) {
     }
 }
 
+/// Energies behind a difference; those in force without.
+void setFrameView(Action& a) {
+    const std::optional<FrameView::Kind> kind = frameViewOfWord(a.args.text(0));
+    if (!kind) {
+        a.fail(Batch::tr("there is no view of frames '%1'").arg(a.args.text(0)));
+        return;
+    }
+    if (*kind != FrameView::Kind::Difference && a.args.count() > 1) {
+        a.fail(Batch::tr("only a difference has energies"));
+        return;
+    }
+    FrameView view = a.measurement.settings().frameView;
+    view.kind = *kind;
+    if (a.args.count() > 1) {
+        view.from = a.args.real(1);
+        view.to = a.args.count() > 2 ? std::optional<double>(a.args.real(2)) : std::nullopt;
+    }
+    if (*kind == FrameView::Kind::Difference && !(view.from > 0.0)) {
+        a.fail(Batch::tr("too few arguments: which energy is taken off?"));
+        return;
+    }
+    a.outcome += a.measurement.judge(view);
+    if (!a.outcome.failed()) {
+        a.measurement.set(&Settings::frameView, view);
+    }
+}
+
 /// Two numbers fix the range; none leaves each frame its own.
 void setViewRange(Action& a) {
+    ViewRange Settings::*const setting = a.measurement.frameRange();
     if (a.args.count() == 0) {
-        a.measurement.set(&Settings::viewRange, ViewRange());
+        a.measurement.set(setting, ViewRange());
         return;
     }
     const ViewRange range{true, a.args.real(0), a.args.real(1)};
@@ -81,7 +110,7 @@ void setViewRange(Action& a) {
         a.fail(Batch::tr("the upper end of a range must lie above the lower one"));
         return;
     }
-    a.measurement.set(&Settings::viewRange, range);
+    a.measurement.set(setting, range);
 }
 
 }  // namespace
@@ -128,6 +157,7 @@ void addViewCommands(std::vector<CommandRow>* rows) {
          Work::None,
          [](Action& a) { a.measurement.set(&Settings::correctedSpectra, a.args.flag(0)); }},
         {66, "set_view_range", {K::Real, K::Real}, 0, false, Work::None, setViewRange},
+        {94, "set_frame_view", {K::Text, K::Real, K::Real}, 1, false, Work::None, setFrameView},
         {71, "set_plot_axes", {K::Integer, K::Text}, 2, false, Work::None, setPlotAxes},
         {67,
          "set_percentiles",

@@ -144,6 +144,7 @@ void presentSettings(RecordWriter& w, const Measurement& m) {
     w.put(QStringLiteral("each row"), QStringLiteral("analyzer_set_disp_on_time"),
           {s.showsEachRow ? QStringLiteral("1") : QStringLiteral("0")});
     w.viewRange(s.viewRange);
+    w.frameView(s);
     w.put(QStringLiteral("axes"), QStringLiteral("set_plot_axes"),
           {text(s.plotOrdinate),
            QString::fromLatin1(UnitTable[static_cast<std::size_t>(s.plotAbscissa)].name)});

@@ -92,6 +92,7 @@ RecordWriter::RecordWriter(const QString& folder) : m_folder(folder) {
     atStart("type", "analyzer_select_image_type", {"0"});
     atStart("axes", "set_plot_axes", {"2", "eV"});
     atStart("view range", "set_view_range", {});
+    atStart("frame view", "set_frame_view", {"counts"});
 }
 
 void RecordWriter::put(const QString& key, const QString& command, const QStringList& args) {

@@ -38,6 +38,8 @@ class RecordWriter {
     /// The form in which results are saved, with the options of one of the forms.
     void saveForm(const Settings& settings, DataForm form);
     void viewRange(const ViewRange& range);
+    /// What frames show, with the ranges of that.
+    void frameView(const Settings& settings);
 
     /// A line, unless the same one is in force under this key.
     void put(const QString& key, const QString& command, const QStringList& args = {});
@@ -53,6 +55,7 @@ class RecordWriter {
     void stack(const char* name, const StackInputs& stack);
     void loadGroup(const char* name, bool first, const QVector<Stack::File>& files);
     bool energyIsKept(const Stack::File& file, const QString& relative, int before) const;
+    void putFrameView(FrameView::Kind kind, const FrameView& view);
     QString fileName(const QString& path) const;
     void digest(const FileInput& file);
 

@@ -49,3 +49,12 @@ double DarkFrame::boxSum(int x, int y, int halfWidth, int halfHeight) const {
     }
     return sum;
 }
+
+void DarkFrame::copyRow(int x, int y, int count, double* sums) const {
+    const int inside = y < 0 || y >= m_height ? 0 : std::clamp(m_width - x, 0, count);
+    if (inside > 0) {
+        const double* const row = m_mean.data() + qint64(y) * m_width + x;
+        std::copy(row, row + inside, sums);
+    }
+    std::fill(sums + inside, sums + count, 0.0);
+}

@@ -25,6 +25,8 @@ class DarkFrame {
     /// pixels outside count 0. Every path to a spectrum takes its sum from here, so that all of
     /// them round alike.
     double boxSum(int x, int y, int halfWidth, int halfHeight) const;
+    /// The sums over single pixels, of `count` of them from x >= 0 on along row y.
+    void copyRow(int x, int y, int count, double* sums) const;
 
   private:
     int m_frameCount = 0;

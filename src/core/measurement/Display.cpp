@@ -5,6 +5,7 @@
 
 #include "base/Numbers.h"
 #include "drawing/FramePicture.h"
+#include "drawing/ValuePicture.h"
 #include "measurement/Origin.h"
 
 TiffData* shownFrame(Measurement& measurement) {
@@ -14,9 +15,21 @@ TiffData* shownFrame(Measurement& measurement) {
                : nullptr;
 }
 
+QImage pictureOf(const FrameImage& image, const Measurement& measurement) {
+    const ViewRange& range = measurement.settings().*measurement.frameRange();
+    const PixelValues& pixels = image.pixels;
+    return valuePicture(pixels.values.get(), pixels.width, pixels.height,
+                        range.fixed ? range.low : image.low, range.fixed ? range.high : image.high,
+                        frameColors(), measurement.threads());
+}
+
 QImage shownPicture(Measurement& measurement) {
     if (measurement.rehearsal() != nullptr && shownFrame(measurement) != nullptr) {
         return QImage(1, 1, QImage::Format_Grayscale8);  // its counts have not been read
+    }
+    if (measurement.frameKind() != FrameView::Kind::Counts) {
+        const FrameImage* image = measurement.frameImage(Measurement::Wait::UntilMade);
+        return image != nullptr ? pictureOf(*image, measurement) : QImage();
     }
     if (TiffData* frame = shownFrame(measurement)) {
         const ViewRange& range = measurement.settings().viewRange;
@@ -30,7 +43,32 @@ QImage shownPicture(Measurement& measurement) {
 
 namespace {
 
+/// An energy in eV, as titles have it.
+QString titleOf(double energy) {
+    return QString::number(energy, 'f', 2);
+}
+
+BarPicture imageWithBar(Measurement& measurement, const FrameImage& image, const TiffData& frame) {
+    BarPicture parts;
+    const ViewRange& range = measurement.settings().*measurement.frameRange();
+    parts.picture = pictureOf(image, measurement);
+    parts.low = range.fixed ? range.low : image.low;
+    parts.high = range.fixed ? range.high : image.high;
+    parts.unit = QStringLiteral("mu-t");
+    if (image.kind == FrameView::Kind::Difference) {
+        parts.title = QStringLiteral("Difference of mu-t, %1 eV less %2 eV")
+                          .arg(titleOf(image.to), titleOf(image.from));
+    } else {
+        parts.title = QStringLiteral("Absorption (mu-t), %1 eV").arg(titleOf(image.to));
+        parts.source = QFileInfo(frame.fileName).fileName();
+    }
+    return parts;
+}
+
 BarPicture frameWithBar(Measurement& measurement, const TiffData& frame) {
+    if (const FrameImage* image = measurement.frameImage(Measurement::Wait::UntilMade)) {
+        return imageWithBar(measurement, *image, frame);
+    }
     BarPicture parts;
     const ViewRange& range = measurement.settings().viewRange;
     parts.picture = shownPicture(measurement);
@@ -39,7 +77,7 @@ BarPicture frameWithBar(Measurement& measurement, const TiffData& frame) {
     const bool isI0 = measurement.settings().shown == Shown::I0;
     parts.title = (isI0 ? QStringLiteral("Incident beam (I0), %1 eV")
                         : QStringLiteral("Transmitted beam (I1), %1 eV"))
-                      .arg(QString::number(frame.energy, 'f', 2));
+                      .arg(titleOf(frame.energy));
     parts.source = QFileInfo(frame.fileName).fileName();
     parts.unit = QStringLiteral("counts");
     return parts;
@@ -118,12 +156,14 @@ Outcome fixPercentiles(Measurement& measurement) {
     if (measurement.rehearsal() != nullptr) {
         return {};
     }
-    const auto [low, high] = countPercentiles(*frame, 0.01);
-    if (high <= low) {
+    const FrameImage* image = measurement.frameImage(Measurement::Wait::UntilMade);
+    const auto [low, high] =
+        image != nullptr ? qMakePair(image->low, image->high) : countPercentiles(*frame, 0.01);
+    if (!(high > low)) {
         return Outcome::failure(QCoreApplication::translate(
             "Measurement", "the percentiles of the frame are equal: the range stays"));
     }
-    measurement.set(&Settings::viewRange, ViewRange{true, low, high});
+    measurement.set(measurement.frameRange(), ViewRange{true, low, high});
     return {};
 }
 

@@ -12,6 +12,9 @@
 /// The frame on display; null while a result is, or without frames.
 TiffData* shownFrame(Measurement& measurement);
 
+/// Picture of what a frame shows in place of its counts, in the range of the view or its own.
+QImage pictureOf(const FrameImage& image, const Measurement& measurement);
+
 /// The picture on display at full resolution: of a frame in the range of the view, of a result
 /// through the colour map; null for nothing.
 QImage shownPicture(Measurement& measurement);
@@ -22,7 +25,7 @@ BarPicture shownWithBar(Measurement& measurement);
 /// The spectrum at the position and the standard, plotted over the axes chosen.
 SpectrumPlot shownPlot(Measurement& measurement);
 
-/// Fixes the view's range at the percentiles 1 and 99 of the frame on display.
+/// Fixes the view's range at the percentiles 1 and 99 of what the frame on display shows.
 Outcome fixPercentiles(Measurement& measurement);
 
 /// What keeps a result from being one of the present inputs, for behind its title: "of earlier

@@ -181,7 +181,8 @@ Outcome judgeRule(const std::vector<std::unique_ptr<Reference>>& references,
     return outcome;
 }
 
-/// Of the difference of two energies (eV).
+}  // namespace
+
 Outcome judgeDifference(const std::vector<double>& energies, double from, double to) {
     if (energies.empty() || !(energies.front() < energies.back())) {
         return Outcome::failure(Texts::tr("the frames have one energy only"));
@@ -198,8 +199,6 @@ Outcome judgeDifference(const std::vector<double>& energies, double from, double
                ? Outcome()
                : Outcome::failure(Texts::tr("the two energies of the difference are the same"));
 }
-
-}  // namespace
 
 namespace {
 

@@ -48,6 +48,9 @@ Outcome judgeSpectrumFit(const std::vector<double>& energies,
 /// Of residual absorption at an energy (eV): warns when it lies outside those of the frames.
 Outcome judgeResidual(const std::vector<double>& energies, double at);
 
+/// Of the difference of two energies (eV): fails for equal ones and for those outside the frames'.
+Outcome judgeDifference(const std::vector<double>& energies, double from, double to);
+
 /// Of work that is to begin: judgeFit(), judgeResidual() or nothing. Notes references of a fit that
 /// have another background than the image.
 Outcome judgeBefore(Work work, const std::vector<double>& energies,

@@ -26,6 +26,7 @@ Measurement::Measurement()
     connectStack(m_i1);
     connectStack(m_i0);
     connect(&m_dark, &DarkData::changed, this, [this] {
+        m_frameImages.stop();
         m_darkRevision = nextRevision();
         m_darkIsNew = true;
         inputsChanged(Dark);
@@ -53,6 +54,7 @@ Measurement::Measurement()
 Measurement::~Measurement() {
     m_job.stop();
     m_mapJob.stop();
+    m_frameImages.stop();
     for (QObject* part : {static_cast<QObject*>(&m_i1), static_cast<QObject*>(&m_i0),
                           static_cast<QObject*>(&m_dark)}) {
         part->disconnect(this);
@@ -108,7 +110,9 @@ void Measurement::settingChanged(const Settings& before) {
     }
     if (before.shown != now.shown || before.selected != now.selected ||
         before.resultType != now.resultType || before.namedKind != now.namedKind ||
-        !(before.viewRange == now.viewRange) || before.plotOrdinate != now.plotOrdinate ||
+        !(before.viewRange == now.viewRange) || !(before.frameView == now.frameView) ||
+        !(before.absorptionRange == now.absorptionRange) ||
+        !(before.differenceRange == now.differenceRange) || before.plotOrdinate != now.plotOrdinate ||
         before.plotAbscissa != now.plotAbscissa) {
         what |= Display;
     }
@@ -237,6 +241,7 @@ const AbsorptionSource& Measurement::source() {
         m_source.reset();
     }
     if (!m_source) {
+        m_sourceRevision = nextRevision();
         m_source = std::make_unique<AbsorptionSource>(m_i1.frames(), m_i0.frames(), m_size.width(),
                                                       m_size.height(),
                                                       m_rehearsal ? nullptr : m_dark.mean());

@@ -7,6 +7,7 @@
 #include "base/ShareOfTime.h"
 #include "frames/DarkData.h"
 #include "measurement/AreaAnalysis.h"
+#include "measurement/FrameImages.h"
 #include "measurement/MapJob.h"
 #include "measurement/Outcome.h"
 #include "measurement/RecordLines.h"
@@ -153,6 +154,19 @@ class Measurement : public QObject {
     Stack& shownStack() { return stack(m_settings.shown == Shown::I0 ? StackId::I0 : StackId::I1); }
     int frameOf(StackId id) const { return m_frame[static_cast<int>(id)]; }
     void setFrame(StackId id, int n);  ///< nothing for a frame that there is not
+    /// What the frame on display shows: counts unless it is of I1 and the view says otherwise.
+    FrameView::Kind frameKind() const;
+    /// The range of that which holds for all frames, or says that each has its own.
+    ViewRange Settings::*frameRange() const;
+    /// What a difference takes off, and from what (eV), with the frame on display.
+    QPair<double, double> differenceEnergies() const;
+    /// Fails for energies that no difference of the loaded frames can be made of.
+    Outcome judge(const FrameView& view);
+    enum class Wait { UntilMade, Blink };
+    /// What the frame on display shows in place of its counts; null for counts and, with
+    /// Wait::Blink, before the first one is made. See FrameImages.
+    const FrameImage* frameImage(Wait wait);
+    FrameImages& frameImages() { return m_frameImages; }
     Result* selectedResult() const;    ///< null: none, or of RA and not made yet
     void select(int id);               ///< a result, if there is one of that id; tells in any case
     Result* shownResult() const;       ///< the map or the selected result, if on display
@@ -247,6 +261,8 @@ class Measurement : public QObject {
     ResultSet m_results;               // of no reference, but for the map
     std::unique_ptr<Result> m_newMap;  // of a calibration that runs
     std::unique_ptr<AbsorptionSource> m_source;
+    quint64 m_sourceRevision = 0;
+    FrameImages m_frameImages;
     QPointF m_position{-1.0, -1.0};
     std::unique_ptr<XafsSpectrum> m_sample;  // null: to be formed again
     int m_threads;

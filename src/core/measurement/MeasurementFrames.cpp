@@ -16,6 +16,7 @@ void Measurement::connectStack(Stack& stack) {
     const Work work = id == StackId::I1 ? Work::LoadI1 : Work::LoadI0;
     connect(&stack, &Stack::changing, this, [this] {
         stopRun(tr("frames were added"));
+        m_frameImages.stop();
         m_source.reset();
     });
     connect(&stack, &Stack::changed, this, [this, id] { frameArrived(id); });

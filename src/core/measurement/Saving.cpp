@@ -169,6 +169,12 @@ Outcome savePicture(Measurement& measurement, const QString& fileName, const QIm
     if (picture.isNull()) {
         return Outcome::failure(Saving::tr("no image is shown"));
     }
+    if (measurement.frameKind() != FrameView::Kind::Counts) {
+        const Outcome view = measurement.judge(measurement.settings().frameView);
+        if (view.failed()) {
+            return view;
+        }
+    }
     const Result* result = measurement.shownResult();
     if (result != nullptr && !result->tookPart()) {
         return noPart();

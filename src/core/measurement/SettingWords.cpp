@@ -21,6 +21,7 @@ int backgroundOfWord(const QString& word) {
 
 namespace {
 
+constexpr const char* FrameViewWords[] = {"counts", "absorption", "difference"};
 constexpr const char* ConstraintWords[] = {"none", "nonnegative", "sum1", "both"};
 
 bool isWord(const QString& text, const char* word) {
@@ -93,6 +94,21 @@ std::optional<FitRule::ReferenceScale> scaleOfWord(const QString& word) {
         if (word.compare(scaleWord(scale), Qt::CaseInsensitive) == 0) {
             return scale;
         }
+    }
+    return std::nullopt;
+}
+
+QString frameViewWord(FrameView::Kind kind) {
+    return QString::fromLatin1(FrameViewWords[static_cast<std::size_t>(kind)]);
+}
+
+std::optional<FrameView::Kind> frameViewOfWord(const QString& word) {
+    int i = 0;
+    for (const char* own : FrameViewWords) {
+        if (isWord(word, own)) {
+            return static_cast<FrameView::Kind>(i);
+        }
+        ++i;
     }
     return std::nullopt;
 }

@@ -31,3 +31,7 @@ std::optional<EdgeChoice> edgeOfWord(const QString& word);
 /// jump or none.
 QString scaleWord(FitRule::ReferenceScale scale);
 std::optional<FitRule::ReferenceScale> scaleOfWord(const QString& word);
+
+/// counts, absorption or difference.
+QString frameViewWord(FrameView::Kind kind);
+std::optional<FrameView::Kind> frameViewOfWord(const QString& word);

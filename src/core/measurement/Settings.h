@@ -7,6 +7,7 @@
 #include "fitting/LinearFit.h"
 #include "fitting/ResultKinds.h"
 #include "measurement/DataForm.h"
+#include "measurement/FrameView.h"
 #include "output/ResultWriter.h"
 
 // What a user chooses. Windows show these values and set them; batches and records speak of them.
@@ -119,6 +120,9 @@ struct Settings {
     /// reference: of the one selected.
     std::optional<ResultId> namedKind;
     ViewRange viewRange;
+    FrameView frameView;
+    ViewRange absorptionRange;  ///< of mu-t, and of its difference, in place of counts
+    ViewRange differenceRange;
     int plotOrdinate = 2;       ///< SpectrumPlot::Ordinate
     int plotAbscissa = 0;       ///< in UnitTable
     bool showsEachRow = false;  ///< pictures of a fit are made anew after each row

@@ -1,0 +1,131 @@
+#include "absorption/PixelPass.h"
+
+#include <algorithm>
+#include <limits>
+#include <mutex>
+#include <new>
+
+#include "absorption/BinRowSpectra.h"
+#include "absorption/EnergyDifference.h"
+#include "base/RowShares.h"
+
+namespace {
+
+constexpr double NoNumber = std::numeric_limits<double>::quiet_NaN();
+
+/// Few enough for their counts to stay in the fast part of the memory.
+constexpr int PixelsAtATime = 32 * lanes::Count;
+
+/// The extremes that a thread has seen.
+struct Extremes {
+    double min = std::numeric_limits<double>::infinity();
+    double max = -std::numeric_limits<double>::infinity();
+
+    void take(const double* values, int n) {
+        for (int i = 0; i < n; ++i) {
+            min = values[i] < min ? values[i] : min;
+            max = values[i] > max ? values[i] : max;
+        }
+    }
+};
+
+/// Indices of ascending energies that hold those from `low` to `high` and their neighbours.
+void addAround(const std::vector<double>& energies, double low, double high,
+               std::vector<int>* indices) {
+    if (energies.empty()) {
+        return;
+    }
+    const auto before = std::upper_bound(energies.begin(), energies.end(), low);
+    const auto behind = std::lower_bound(energies.begin(), energies.end(), high);
+    const int last = static_cast<int>(energies.size()) - 1;
+    // Two at an end, for a line needs both.
+    const int first = std::clamp(static_cast<int>(before - energies.begin()) - 1, 0,
+                                 std::max(0, last - 1));
+    const int end = std::clamp(static_cast<int>(behind - energies.begin()) + 1,
+                               std::min(last, first + 1), last);
+    for (int i = first; i <= end; ++i) {
+        indices->push_back(i);
+    }
+}
+
+RasterPass::Found valueOfOne(const RasterPass::Pack& pack, double* values) {
+    for (int l = 0; l < pack.count; ++l) {
+        values[l] = pack.lacksCounts[l] ? NoNumber : pack.mu[l];
+    }
+    return {};
+}
+
+}  // namespace
+
+PixelPass PixelPass::absorption(const AbsorptionSource& source, const TiffData* frame) {
+    const int place = source.indexOf(frame);
+    return PixelPass(source.ofFrames(place < 0 ? std::vector<int>() : std::vector<int>{place}),
+                     valueOfOne);
+}
+
+PixelPass PixelPass::difference(const AbsorptionSource& source, double from, double to,
+                                const std::function<double(int x, int y)>& shiftAt,
+                                double lowestShift, double highestShift) {
+    std::vector<int> indices;
+    for (const double e : {from, to}) {
+        addAround(source.energies(), e + lowestShift, e + highestShift, &indices);
+    }
+    std::sort(indices.begin(), indices.end());
+    indices.erase(std::unique(indices.begin(), indices.end()), indices.end());
+    AbsorptionSource few = source.ofFrames(indices);
+    const BinRaster raster{0, 1, source.width(), 0, 1, source.height(), 0, 0};
+    return PixelPass(few,
+                     differenceEvaluators(1, raster, few.energies(), from, to, shiftAt).front());
+}
+
+bool PixelPass::run(int threads, const std::atomic<bool>& stop, PixelValues* out) const {
+    const int width = m_source.width();
+    const int height = m_source.height();
+    if (m_source.energyCount() == 0) {
+        *out = PixelValues();
+        return false;
+    }
+    const auto pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    if (out->width != width || out->height != height) {
+        *out = PixelValues();
+        out->values.reset(new (std::nothrow) double[pixels]);  // not cleared: it is all filled
+        if (!out->values) {
+            return false;
+        }
+        out->width = width;
+        out->height = height;
+    }
+    RowShares rows(height, &stop);
+    std::mutex mutex;
+    Extremes all;
+    inThreads(threads, [&] {
+        BinRowSpectra bins(m_source, 0, 1, width, 0, 0);
+        std::vector<double> mu(static_cast<std::size_t>(m_source.energyCount()) * lanes::Count);
+        bool lacksCounts[lanes::Count];
+        Extremes own;
+        int y = 0;
+        int end = 0;
+        while (rows.take(&y, &end)) {
+            for (; y < end; ++y) {
+                double* const line = &out->values[static_cast<std::size_t>(y) *
+                                                  static_cast<std::size_t>(width)];
+                for (int x = 0; x < width; x += PixelsAtATime) {
+                    const int count = std::min(PixelsAtATime, width - x);
+                    bins.sum(y, x, count);
+                    for (int bin = 0; bin < count; bin += lanes::Count) {
+                        bins.formPack(bin, mu.data(), lacksCounts);
+                        const int n = std::min(lanes::Count, count - bin);
+                        m_evaluate({mu.data(), lacksCounts, y, x + bin, n}, line + x + bin);
+                    }
+                }
+                own.take(line, width);
+            }
+        }
+        const std::lock_guard<std::mutex> lock(mutex);
+        all.min = std::min(all.min, own.min);
+        all.max = std::max(all.max, own.max);
+    });
+    out->min = all.min;
+    out->max = all.max;
+    return !stop;
+}
