@@ -122,16 +122,20 @@ void PlotPainter::paintOrdinate() {
 
 void PlotPainter::paintMarks() {
     const QRectF& axes = m_layout.axes;
-    const auto line = [&](double energy, const QColor& color) {
+    const auto line = [&](double energy, const QColor& color, Qt::PenStyle style = Qt::DotLine) {
         const double x = m_layout.coord.r2sX(m_plot.abscissaOf(energy));
         if (energy > 0.0 && std::isfinite(x)) {
-            m_painter.setPen(QPen(color, 1, Qt::DotLine));
+            m_painter.setPen(QPen(color, 1, style));
             m_painter.drawLine(QPointF(x, axes.top()), QPointF(x, axes.bottom()));
         }
     };
     if (m_plot.sample) {
         const XafsSpectrum& sample = m_plot.sample->spectrum;
         line(sample.midE() - sample.energyCorrection(), QColor(110, 110, 110));
+    }
+    if (m_plot.frameEnergy) {
+        line(*m_plot.frameEnergy - m_plot.correction(), m_plot.readable(QColor(230, 130, 20)),
+             Qt::SolidLine);
     }
     line(m_plot.raEnergy, getColor(6));
     const double x = m_layout.coord.r2sX(m_plot.abscissaOf(m_plot.raEnergy));

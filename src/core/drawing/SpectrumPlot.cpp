@@ -97,6 +97,19 @@ double SpectrumPlot::abscissaOf(double energy) const {
     }
 }
 
+double SpectrumPlot::energyOf(double abscissaValue) const {
+    switch (abscissa) {
+        case KiloElectronVolts:
+            return 1000.0 * abscissaValue;
+        case Angstroms:
+            return wavelengthOf(abscissaValue);  // its own inverse
+        case Degrees:
+            return energyOfAngle(abscissaValue, spacing);
+        default:
+            return abscissaValue;
+    }
+}
+
 QVector<PlotCurve> SpectrumPlot::curves() const {
     QVector<PlotCurve> list;
     const auto add = [&](const XafsSpectrum& spectrum, const Spectrum& series, const QColor& color,
@@ -141,6 +154,7 @@ SpectrumPlot SpectrumPlot::forSaving() const {
     SpectrumPlot saved = *this;
     saved.colors = PlotColors();
     saved.texts = PlotTexts();
+    saved.frameEnergy.reset();
     for (std::optional<Named>* one : {&saved.sample, &saved.standard}) {
         if (*one) {
             useSavedName(&**one);

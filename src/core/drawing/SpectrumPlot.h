@@ -62,6 +62,7 @@ struct SpectrumPlot {
     double spacing = CrystalTable[0].spacing;  ///< of the crystal in angstrom, for degrees
     bool backgrounds = true;                   ///< under mu-t
     double raEnergy = 0.0;                     ///< eV, marked by a line; none when not above 0
+    std::optional<double> frameEnergy;         ///< eV before any correction, marked by a line
     std::optional<QRectF> zoom;                ///< in units of the axes; everything without
 
     PlotColors colors;
@@ -81,10 +82,14 @@ struct SpectrumPlot {
 
     /// An energy in eV in the unit of the abscissa.
     double abscissaOf(double energy) const;
+    /// The energy in eV of a place on the abscissa.
+    double energyOf(double abscissaValue) const;
+    /// By how much (eV) the energies of frames lie above those of the sample as it is drawn.
+    double correction() const { return hasSample() ? sample->spectrum.energyCorrection() : 0.0; }
     /// What is drawn, backgrounds among it, in the units of the axes.
     QVector<PlotCurve> curves() const;
     /// A colour that is seen on the paper: those of curves are made for neither light nor dark.
     QColor readable(const QColor& color) const;
-    /// The same plot as it is saved: black on white, in English.
+    /// The same plot as it is saved: black on white, in English, without a mark of the frame.
     SpectrumPlot forSaving() const;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 
 #include "base/Numbers.h"
@@ -23,6 +24,19 @@ std::vector<int> inOrderOfEnergy(const FrameSet& set) {
         return std::isnan(eb) ? !std::isnan(ea) : ea < eb;
     });
     return order;
+}
+
+int nearestFrame(const FrameSet& set, double e) {
+    int nearest = -1;
+    double least = std::numeric_limits<double>::infinity();
+    for (int i = 0; i < set.size(); ++i) {
+        const double distance = std::abs(set.at(i)->energy - e);
+        if (nearest < 0 || distance < least) {
+            nearest = i;
+            least = std::isnan(distance) ? least : distance;
+        }
+    }
+    return nearest;
 }
 
 double setValueAt(const FrameSet& set, double e, int x, int y, int halfWidth, int halfHeight) {

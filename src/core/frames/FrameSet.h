@@ -24,6 +24,9 @@ class FrameSet {
 /// number for an energy comes last.
 std::vector<int> inOrderOfEnergy(const FrameSet& set);
 
+/// The frame whose energy (eV) is nearest, the first of equal ones; -1 of an empty set.
+int nearestFrame(const FrameSet& set, double e);
+
 /// Box sum of a set of ascending energies at an energy, interpolated linearly between frames and
 /// extrapolated beyond them. 1.0 of an empty set; that of the only frame whatever the energy.
 double setValueAt(const FrameSet& set, double e, int x, int y, int halfWidth, int halfHeight);

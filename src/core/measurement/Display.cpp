@@ -15,6 +15,15 @@ TiffData* shownFrame(Measurement& measurement) {
                : nullptr;
 }
 
+namespace {
+
+/// An energy in eV, as titles have it.
+QString titleOf(double energy) {
+    return QString::number(energy, 'f', 2);
+}
+
+}  // namespace
+
 QImage pictureOf(const FrameImage& image, const Measurement& measurement) {
     const ViewRange& range = measurement.settings().*measurement.frameRange();
     const PixelValues& pixels = image.pixels;
@@ -42,11 +51,6 @@ QImage shownPicture(Measurement& measurement) {
 }
 
 namespace {
-
-/// An energy in eV, as titles have it.
-QString titleOf(double energy) {
-    return QString::number(energy, 'f', 2);
-}
 
 BarPicture imageWithBar(Measurement& measurement, const FrameImage& image, const TiffData& frame) {
     BarPicture parts;
@@ -124,6 +128,23 @@ BarPicture shownWithBar(Measurement& measurement) {
     parts.unit = QString::fromLatin1(result->kind().unit);
     parts.source = QFileInfo(sourceOf(*result, measurement)).fileName();
     return parts;
+}
+
+QString shownCaption(Measurement& measurement) {
+    const TiffData* frame = shownFrame(measurement);
+    if (frame == nullptr) {
+        return QString();
+    }
+    const FrameImage* image = measurement.frameImage(Measurement::Wait::Blink);
+    if (image == nullptr) {
+        const bool isI0 = measurement.settings().shown == Shown::I0;
+        return (isI0 ? QStringLiteral("I0  %1 eV") : QStringLiteral("%1 eV"))
+            .arg(titleOf(frame->energy));
+    }
+    const QString energy = titleOf(image->to);
+    return image->kind == FrameView::Kind::Difference
+               ? QStringLiteral("mu-t  %1 eV \u2212 %2 eV").arg(energy, titleOf(image->from))
+               : QStringLiteral("mu-t  %1 eV").arg(energy);
 }
 
 SpectrumPlot shownPlot(Measurement& measurement) {

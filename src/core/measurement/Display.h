@@ -19,6 +19,10 @@ QImage pictureOf(const FrameImage& image, const Measurement& measurement);
 /// through the colour map; null for nothing.
 QImage shownPicture(Measurement& measurement);
 
+/// What the frame on display shows and at which energy, for a corner of it: "mu-t  7112.00 eV".
+/// Empty for a result and for nothing.
+QString shownCaption(Measurement& measurement);
+
 /// The same with title, source, unit and range, pixels that are no number in grey.
 BarPicture shownWithBar(Measurement& measurement);
 

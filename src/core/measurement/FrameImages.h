@@ -53,6 +53,8 @@ class FrameImages : public QObject {
     const FrameImage* soon(const Request& request);
     const FrameImage* last() const { return m_key ? &m_shown : nullptr; }
 
+    bool isBusy() const { return m_request.has_value(); }
+
     /// No thread reads frames from here on; the last image stays.
     void stop();
     /// Gives the memory back.

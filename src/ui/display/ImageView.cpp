@@ -75,6 +75,13 @@ void ImageView::setBand(const QString& text) {
     }
 }
 
+void ImageView::setCaption(const QString& text) {
+    if (text != m_caption) {
+        m_caption = text;
+        update();
+    }
+}
+
 void ImageView::setBinBox(int halfWidth, int halfHeight) {
     m_halfWidth = toClampedInt(std::abs(static_cast<double>(halfWidth)), 0, 1 << 20);
     m_halfHeight = toClampedInt(std::abs(static_cast<double>(halfHeight)), 0, 1 << 20);

@@ -38,6 +38,10 @@ class ImageView : public DispA {
     void setBand(const QString& text);
     QString band() const { return m_band; }
 
+    /// A text in a corner of the image that says what it shows; empty: none.
+    void setCaption(const QString& text);
+    QString caption() const { return m_caption; }
+
     /// Half widths of the bin that is drawn around the position.
     void setBinBox(int halfWidth, int halfHeight);
 
@@ -98,6 +102,7 @@ class ImageView : public DispA {
     void paintSelection(QPainter& painter) const;
     void paintTicks(QPainter& painter) const;
     void paintBand(QPainter& painter) const;
+    void paintCaption(QPainter& painter) const;
 
     /// The picture as it was last reduced, for pictures are repainted with every mouse move.
     struct Reduced {
@@ -117,6 +122,7 @@ class ImageView : public DispA {
     QRectF m_wantedSelection;              // as it was asked for
     bool m_resultDisplayed = false;
     QString m_band;
+    QString m_caption;
     int m_halfWidth = 0;
     int m_halfHeight = 0;
     QPointF m_position{-1.0, -1.0};

@@ -89,6 +89,7 @@ void ImageView::paintAbove(QPainter& painter) {
     paintPosition(painter);
     paintSelection(painter);
     paintBand(painter);
+    paintCaption(painter);
 }
 
 void ImageView::paintTicks(QPainter& painter) const {
@@ -145,6 +146,19 @@ void ImageView::paintSelection(QPainter& painter) const {
     // Light: red is hard to read on dark pictures.
     drawLabel(painter, area.bottomLeft() + QPointF(2, 2), size, Qt::AlignLeft | Qt::AlignTop,
               QRectF(rect()), QColor(255, 225, 225));
+}
+
+void ImageView::paintCaption(QPainter& painter) const {
+    if (m_caption.isEmpty()) {
+        return;
+    }
+    const QFontMetrics letters = painter.fontMetrics();
+    const int margin = letters.height() / 4;
+    QRect box(0, 0, letters.horizontalAdvance(m_caption) + 4 * margin, letters.height() + margin);
+    box.moveBottomRight((onScreen(m_visible).toAlignedRect() & rect()).bottomRight());
+    painter.fillRect(box, QColor(0, 0, 0, 150));
+    painter.setPen(QColor(240, 240, 240));
+    painter.drawText(box, Qt::AlignCenter, m_caption);
 }
 
 void ImageView::paintBand(QPainter& painter) const {

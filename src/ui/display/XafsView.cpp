@@ -16,6 +16,10 @@
 #include "spectra/Units.h"
 #include "ui_XafsView.h"
 
+namespace {
+constexpr int ClickDistance = 3;  // pixels that a hand may move between press and release
+}
+
 XafsView::XafsView(QWidget* parent)
     : Panel(parent), m_ui(std::make_unique<Ui::XafsView>()), m_message(new MessageLine(this)) {
     m_ui->setupUi(this);
@@ -42,7 +46,7 @@ XafsView::XafsView(QWidget* parent)
     connect(m_ui->Canvas, &DispA::mouseMoved0, this, &XafsView::onMouseMoved);
     connect(m_ui->Canvas, &DispA::mousePressed0, this, &XafsView::startZoom);
     connect(m_ui->Canvas, &DispA::mouseReleased0, this, &XafsView::endZoom);
-    connect(m_ui->Canvas, &DispA::mouseDoubleClicked0, this, &XafsView::resetZoom);
+    connect(m_ui->Canvas, &DispA::mouseDoubleClicked0, this, &XafsView::onDoubleClick);
     connect(m_ui->Ordinate, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &XafsView::newOrdinate);
     connect(m_ui->Abscissa, qOverload<int>(&QComboBox::currentIndexChanged), this,
@@ -124,6 +128,13 @@ void XafsView::setRaEnergy(double energy) {
     m_ui->Canvas->QWidget::update();
 }
 
+void XafsView::setFrameEnergy(const std::optional<double>& energy) {
+    if (m_plot.frameEnergy != energy) {
+        m_plot.frameEnergy = energy;
+        m_ui->Canvas->QWidget::update();
+    }
+}
+
 bool XafsView::hasCurves() const {
     return !m_plot.shown().isEmpty();
 }
@@ -181,6 +192,7 @@ bool XafsView::saveData(const QString& fname) {
 }
 
 void XafsView::startZoom() {
+    m_chose = false;
     if (hasCurves() && m_ui->Canvas->mouse().buttons() & Qt::LeftButton) {
         m_zoomStart = m_ui->Canvas->mouse().current();
     }
@@ -193,7 +205,12 @@ void XafsView::endZoom() {
     const QPoint from = *m_zoomStart;
     const QPoint to = m_ui->Canvas->mouse().current();
     m_zoomStart.reset();
-    if (std::abs(from.x() - to.x()) > 4 && std::abs(from.y() - to.y()) > 4) {
+    if ((from - to).manhattanLength() <= ClickDistance) {
+        if (axes().contains(to)) {
+            m_chose = true;
+            emit energyChosen(m_plot.energyOf(m_coord.s2rX(to.x())) + m_plot.correction());
+        }
+    } else if (std::abs(from.x() - to.x()) > 4 && std::abs(from.y() - to.y()) > 4) {
         const QRectF area(QPointF(m_coord.s2rClampedX(from.x()), m_coord.s2rClampedY(from.y())),
                           QPointF(m_coord.s2rClampedX(to.x()), m_coord.s2rClampedY(to.y())));
         // Below what doubles tell apart there is nothing more to see.
@@ -205,6 +222,14 @@ void XafsView::endZoom() {
         }
     }
     m_ui->Canvas->QWidget::update();
+}
+
+void XafsView::onDoubleClick() {
+    if (m_chose) {
+        m_chose = false;
+        emit choiceTakenBack();
+    }
+    resetZoom();
 }
 
 void XafsView::resetZoom() {

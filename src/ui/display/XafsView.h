@@ -48,6 +48,8 @@ class XafsView : public Panel<QFrame> {
     void setCrystalSpacing(double d);
     /// Energy (eV) marked by a line; none when not above 0.
     void setRaEnergy(double energy);
+    /// Energy (eV) of the frame on display, marked by a line.
+    void setFrameEnergy(const std::optional<double>& energy);
 
     /// Ordinate as SpectrumPlot::Ordinate, abscissa as in UnitTable.
     void setAxes(int ordinate, int abscissa);
@@ -74,6 +76,10 @@ class XafsView : public Panel<QFrame> {
     void updated();
     void axesChosen(int ordinate, int abscissa);
     void correctedChosen(bool on);
+    /// A click on the plot: the energy (eV) of frames there, before any correction.
+    void energyChosen(double energy);
+    /// The click was the first of a double click.
+    void choiceTakenBack();
     /// How the saving of the plot ended.
     void said(const Outcome& outcome, const QString& file);
 
@@ -110,6 +116,7 @@ class XafsView : public Panel<QFrame> {
     void startZoom();
     void endZoom();
     void resetZoom();
+    void onDoubleClick();
 
     std::unique_ptr<Ui::XafsView> m_ui;
     SpectrumPlot m_plot;
@@ -122,4 +129,5 @@ class XafsView : public Panel<QFrame> {
     QAction* m_removeAllAction = nullptr;
     QFileDialog* m_plotDialog = nullptr;  // from the first use on
     std::optional<QPoint> m_zoomStart;
+    bool m_chose = false;  // by the last click
 };

@@ -26,6 +26,7 @@
 #include "window/Docks.h"
 #include "window/Fields.h"
 #include "window/FolderOpening.h"
+#include "window/FrameStrip.h"
 #include "window/ImagePane.h"
 #include "window/Layout.h"
 #include "window/MapImageAction.h"
@@ -49,9 +50,6 @@ void fitToFont(QMainWindow& window, const Ui::Body& ui) {
     ui.HCross->setFixedHeight(5 * line);
     ui.VCross->setFixedWidth(5 * line);
     ui.CBar->setFixedWidth(11 * line / 2);
-    ui.Prev->setIcon(window.style()->standardIcon(QStyle::SP_MediaSeekBackward));
-    ui.Next->setIcon(window.style()->standardIcon(QStyle::SP_MediaSeekForward));
-    ui.Next->setLayoutDirection(Qt::RightToLeft);
 }
 
 /// The data and what opens windows, above the docks and over the whole width. Where that is too
@@ -94,6 +92,7 @@ Body::Body(QWidget* parent)
     m_spectrumFit = std::make_unique<SpectrumFitWindow>(m_measurement, m_dialogs);
     m_status = new StatusLine(m_measurement, *m_messages, this);
     m_image = new ImagePane(m_measurement, *m_ui, this);
+    m_ui->frameStrip->follow(m_measurement, m_ui->dispA, m_panels->spectrum.get());
     m_spectrum =
         new SpectrumPane(m_measurement, *m_ui, *m_panels->spectrum, *m_panels->analyzer, this);
     m_record = new WhatWasDone(m_measurement, this, m_panels->batch.get(), m_dialogs);
@@ -213,11 +212,10 @@ void Body::connectImage() {
     connect(m_ui->ShowI0, &QPushButton::toggled, this, &Body::selectedDataI0);
     connect(m_ui->ShowShiftMap, &QPushButton::toggled, this, &Body::showShiftMap);
     connect(m_ui->ShowResAnalysis, &QPushButton::toggled, this, &Body::showResAnalysis);
-    connect(m_ui->Prev, &QPushButton::clicked, this, &Body::prev);
-    connect(m_ui->Next, &QPushButton::clicked, this, &Body::next);
-    connect(m_ui->SeekBar, &QSlider::sliderMoved, this, &Body::sliderMoved);
-    connect(m_ui->SeekBar, &QSlider::actionTriggered, this,
-            [this] { sliderMoved(m_ui->SeekBar->sliderPosition()); });
+    connect(m_ui->frameStrip, &FrameStrip::previousAsked, this, &Body::prev);
+    connect(m_ui->frameStrip, &FrameStrip::nextAsked, this, &Body::next);
+    connect(m_ui->frameStrip, &FrameStrip::frameAsked, this, &Body::sliderMoved);
+    connect(m_ui->frameStrip, &FrameStrip::said, this, &Body::say);
     connect(m_ui->dispA, &ImageView::mouseMoved, this, &Body::showXafsSpectrum);
     connect(m_ui->dispA, &DispA::drawImage2, this, &Body::draw);
     connect(m_ui->dispA, &DispA::mouseMoved0, this, &Body::onMouseMovedInDispA);

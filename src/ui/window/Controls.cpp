@@ -89,12 +89,6 @@ void updateMapControls(const Ui::Body& ui, const Measurement& measurement) {
 }  // namespace
 
 void updateControls(const Ui::Body& ui, Measurement& measurement, const XafsView& view) {
-    const QString noFrames =
-        unless(measurement.shownStack().size() > 0, Controls::tr("Load some frames first."));
-    setUsable(ui.Prev, noFrames);
-    setUsable(ui.Next, noFrames);
-    setUsable(ui.SeekBar, noFrames);
-
     const Result* shown = measurement.shownResult();
     const bool hasPicture =
         shownFrame(measurement) != nullptr || (shown != nullptr && shown->image.isValid());

@@ -53,6 +53,7 @@ ImagePane::ImagePane(Measurement& measurement, Ui::Body& ui, QObject* parent)
     connectControls();
     connectBins();
     connect(&measurement, &Measurement::changed, this, &ImagePane::changed);
+    connect(&measurement.frameImages(), &FrameImages::ready, this, &ImagePane::refresh);
     showSettings();
     refresh();
 }
@@ -162,7 +163,20 @@ void ImagePane::showArea() {
     m_showing = false;
 }
 
+QImage ImagePane::framePictureMade() {
+    const FrameImage* image = m_measurement.frameImage(Measurement::Wait::Blink);
+    const auto serial = image != nullptr ? static_cast<qint64>(image->serial) : 0;
+    if (image != nullptr && (m_painted.isNull() || m_paintedOf != serial)) {
+        m_paintedOf = serial;
+        m_painted = pictureOf(*image, m_measurement);
+    }
+    return image != nullptr ? m_painted : QImage();
+}
+
 QImage ImagePane::markedPicture() {
+    if (m_measurement.frameKind() != FrameView::Kind::Counts) {
+        return framePictureMade();
+    }
     if (const TiffData* frame = shownFrame(m_measurement)) {
         const ViewRange& range = m_measurement.settings().viewRange;
         if (!range.fixed) {
@@ -200,7 +214,7 @@ void ImagePane::draw(QPainter* painter) {
 
 void ImagePane::newBar() {
     if (!m_showing) {
-        m_measurement.set(&Settings::viewRange,
+        m_measurement.set(m_measurement.frameRange(),
                           m_ui.CBar->isAuto()
                               ? ViewRange()
                               : ViewRange{true, m_ui.CBar->rangeMin(), m_ui.CBar->rangeMax()});
@@ -211,9 +225,11 @@ void ImagePane::showBar() {
     m_showing = true;
     const Result* result = m_measurement.shownResult();
     if (const TiffData* frame = shownFrame(m_measurement)) {
-        const ViewRange& range = m_measurement.settings().viewRange;
+        const ViewRange& range = m_measurement.settings().*m_measurement.frameRange();
+        const FrameImage* image = m_measurement.frameImage(Measurement::Wait::Blink);
         m_ui.CBar->showFrames(frameColors());
-        m_ui.CBar->setDataRange(frame->min, frame->max);
+        m_ui.CBar->setDataRange(image != nullptr ? image->low : frame->min,
+                                image != nullptr ? image->high : frame->max);
         if (!range.fixed) {
             m_ui.CBar->setAuto(true);
         } else if (m_ui.CBar->isAuto() || m_ui.CBar->rangeMin() != range.low ||
@@ -233,8 +249,6 @@ void ImagePane::refreshSoon() {
     } else if (!m_timer.isActive()) {
         m_timer.start(RefreshMs);
     }
-    // The slider is in step with the frames at any time.
-    m_ui.SeekBar->setMaximum(std::max(0, m_measurement.shownStack().size() - 1));
 }
 
 void ImagePane::refresh() {
@@ -245,8 +259,7 @@ void ImagePane::refresh() {
     m_ui.dispA->setResultDisplayed(shown == Shown::Map || shown == Shown::Result);
     showBar();
     showMark();
-    m_ui.SeekBar->setMaximum(std::max(0, m_measurement.shownStack().size() - 1));
-    m_ui.SeekBar->setValue(m_measurement.frame());
+    m_ui.dispA->setCaption(shownCaption(m_measurement));
     updateValueAndCrossSections();
     m_ui.dispA->QWidget::update();
     m_refreshed.start();
@@ -261,7 +274,13 @@ void ImagePane::updateValueAndCrossSections() {
     PixelValue valueAt;
     const TiffData* frame = shownFrame(m_measurement);
     const Result* result = m_measurement.shownResult();
-    if (frame != nullptr) {
+    const FrameImage* image =
+        frame != nullptr ? m_measurement.frameImage(Measurement::Wait::Blink) : nullptr;
+    if (image != nullptr) {
+        width = image->pixels.width;
+        height = image->pixels.height;
+        valueAt = [image](int column, int row) { return image->pixels.at(column, row); };
+    } else if (frame != nullptr) {
         width = static_cast<int>(frame->width);
         height = static_cast<int>(frame->rows.size());
         valueAt = [frame](int column, int row) {
@@ -282,7 +301,7 @@ void ImagePane::updateValueAndCrossSections() {
     const Settings& settings = m_measurement.settings();
     m_hCross->setProfile(rowProfile(width, height, valueAt, y, settings.halfHeight), 0);
     m_vCross->setProfile(columnProfile(width, height, valueAt, x, settings.halfWidth), 0);
-    const bool isFixed = frame != nullptr ? settings.viewRange.fixed
+    const bool isFixed = frame != nullptr ? (settings.*m_measurement.frameRange()).fixed
                                           : result != nullptr && result->image.isFixedScale();
     for (CrossSection* section : {m_hCross, m_vCross}) {
         section->setValueRange(isFixed ? m_ui.CBar->rangeMin() : 0.0,

@@ -48,6 +48,7 @@ class ImagePane : public QObject {
     void showBar();
     void showMark();
     QImage markedPicture();
+    QImage framePictureMade();
     bool isLoading() const;
 
     Measurement& m_measurement;
@@ -57,7 +58,7 @@ class ImagePane : public QObject {
     CrossSection* m_vCross = nullptr;
     std::unique_ptr<CursorNumbers> m_numbers;
     QImage m_painted;        // when it is not the frame's or the result's own picture
-    qint64 m_paintedOf = 0;  // key of the result's picture
+    qint64 m_paintedOf = 0;  // key of the result's picture, or serial of the frame's
     QTimer m_timer;
     QElapsedTimer m_refreshed;
     bool m_showing = false;  // what the controls tell meanwhile is no wish
