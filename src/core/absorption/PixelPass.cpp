@@ -16,17 +16,33 @@ constexpr double NoNumber = std::numeric_limits<double>::quiet_NaN();
 /// Few enough for their counts to stay in the fast part of the memory.
 constexpr int PixelsAtATime = 32 * lanes::Count;
 
-/// The extremes that a thread has seen.
+/// The extremes that a thread has seen: of values side by side, so that none waits for another.
 struct Extremes {
-    double min = std::numeric_limits<double>::infinity();
-    double max = -std::numeric_limits<double>::infinity();
+    static constexpr int Lanes = 8;
+    double mins[Lanes];
+    double maxs[Lanes];
 
+    Extremes() {
+        std::fill(mins, mins + Lanes, std::numeric_limits<double>::infinity());
+        std::fill(maxs, maxs + Lanes, -std::numeric_limits<double>::infinity());
+    }
+    void take(int lane, double value) {
+        mins[lane] = value < mins[lane] ? value : mins[lane];
+        maxs[lane] = value > maxs[lane] ? value : maxs[lane];
+    }
     void take(const double* values, int n) {
-        for (int i = 0; i < n; ++i) {
-            min = values[i] < min ? values[i] : min;
-            max = values[i] > max ? values[i] : max;
+        int i = 0;
+        for (; i + Lanes <= n; i += Lanes) {
+            for (int lane = 0; lane < Lanes; ++lane) {
+                take(lane, values[i + lane]);
+            }
+        }
+        for (; i < n; ++i) {
+            take(0, values[i]);
         }
     }
+    double min() const { return *std::min_element(mins, mins + Lanes); }
+    double max() const { return *std::max_element(maxs, maxs + Lanes); }
 };
 
 /// Indices of ascending energies that hold those from `low` to `high` and their neighbours.
@@ -122,10 +138,10 @@ bool PixelPass::run(int threads, const std::atomic<bool>& stop, PixelValues* out
             }
         }
         const std::lock_guard<std::mutex> lock(mutex);
-        all.min = std::min(all.min, own.min);
-        all.max = std::max(all.max, own.max);
+        all.take(0, own.min());
+        all.take(0, own.max());
     });
-    out->min = all.min;
-    out->max = all.max;
+    out->min = all.min();
+    out->max = all.max();
     return !stop;
 }

@@ -38,6 +38,7 @@ FrameStrip::FrameStrip(QWidget* parent)
     m_ui->Next->setIcon(style()->standardIcon(QStyle::SP_MediaSeekForward));
     m_ui->Play->setIcon(style()->standardIcon(QStyle::SP_MediaPlay));
     for (QPushButton* button : {m_ui->Prev, m_ui->Next}) {
+        button->setFixedWidth(3 * fontMetrics().height());
         button->setAutoRepeatDelay(RepeatDelay);
         button->setAutoRepeatInterval(RepeatInterval);
     }
@@ -78,13 +79,13 @@ void FrameStrip::follow(Measurement& measurement, QWidget* view, XafsView* plot)
 }
 
 void FrameStrip::connectView() {
-    const QPair<QPushButton*, FrameView::Kind> buttons[] = {
+    const QPair<QToolButton*, FrameView::Kind> buttons[] = {
         {m_ui->ViewCounts, FrameView::Kind::Counts},
         {m_ui->ViewAbsorption, FrameView::Kind::Absorption},
         {m_ui->ViewDifference, FrameView::Kind::Difference}};
     for (const auto& button : buttons) {
         const FrameView::Kind kind = button.second;
-        connect(button.first, &QPushButton::clicked, this, [this, kind] { chooseKind(kind); });
+        connect(button.first, &QToolButton::clicked, this, [this, kind] { chooseKind(kind); });
     }
     connect(m_ui->E1, &QLineEdit::editingFinished, this, &FrameStrip::takeDifference);
     connect(m_ui->E2, &QLineEdit::editingFinished, this, &FrameStrip::takeDifference);
@@ -175,7 +176,7 @@ void FrameStrip::showFrame() {
 
 void FrameStrip::showView() {
     const FrameView& view = m_measurement->settings().frameView;
-    QPushButton* const buttons[] = {m_ui->ViewCounts, m_ui->ViewAbsorption, m_ui->ViewDifference};
+    QToolButton* const buttons[] = {m_ui->ViewCounts, m_ui->ViewAbsorption, m_ui->ViewDifference};
     buttons[static_cast<int>(view.kind)]->setChecked(true);
     const bool isDifference = view.kind == FrameView::Kind::Difference;
     for (QWidget* each : {static_cast<QWidget*>(m_ui->TakeE1), static_cast<QWidget*>(m_ui->E1),
