@@ -11,6 +11,7 @@
 #include "absorption/AbsorptionSource.h"
 #include "absorption/BinRowSpectra.h"
 #include "absorption/EnergyDifference.h"
+#include "absorption/PixelPass.h"
 #include "base/Numbers.h"
 #include "frames/DarkFrame.h"
 #include "frames/RowMemory.h"
@@ -81,6 +82,36 @@ std::vector<Spoint> plainSpectrum(const FrameSet& i1, const FrameSet& i0, double
     return spectrum;
 }
 
+/// Of a frame, and of two energies with shifts, against the spectra of bins of one pixel.
+void judgePixels(const AbsorptionSource& source, const FrameSet& i1) {
+    const std::atomic<bool> goOn{false};
+    PixelValues pixels;
+    for (int i = 0; i < i1.size(); ++i) {
+        const int place = source.indexOf(i1.at(i));
+        QVERIFY(PixelPass::absorption(source, i1.at(i)).run(1 + i % 3, goOn, &pixels));
+        for (int p = 0; p < Width * Height; ++p) {
+            const Spectrum whole = source.spectrumAt(p % Width, p / Width, 0, 0);
+            const double muT = whole.value(place);
+            const double v = pixels.at(p % Width, p / Width);
+            QVERIFY(muT == 1.0 ? std::isnan(v) : same(v, muT));  // 1.0 stands for no counts
+            QVERIFY(std::isnan(v) || (pixels.min <= v && v <= pixels.max));
+        }
+    }
+    const auto shiftAt = [](int x, int y) { return 0.7 * x - y; };  // -16 to 15.4
+    const BinRaster raster{0, 1, Width, 0, 1, Height, 0, 0};
+    const double energies[][2] = {{7100, 7110}, {7095.3, 7121}, {7300, 7000}, {7105.5, 7105.6}};
+    for (const auto& [from, to] : energies) {
+        RasterPass map(source, raster, 1,
+                       differenceEvaluators(2, raster, source.energies(), from, to, shiftAt));
+        QVERIFY(PixelPass::difference(source, from, to, shiftAt, -16, 15.4).run(2, goOn, &pixels));
+        for (int p = 0; p < Width * Height; ++p) {
+            const double inMap = *map.at(p % Width, p / Width);
+            // The map has no number either where a frame lacks counts that is not needed here.
+            QVERIFY(std::isnan(inMap) || same(pixels.at(p % Width, p / Width), inMap));
+        }
+    }
+}
+
 }  // namespace
 
 class TestAbsorption : public QObject {
@@ -138,6 +169,9 @@ class TestAbsorption : public QObject {
         const AbsorptionSource darkened(i1, i0, Width, Height, &dark);
         const DarkFrame noDark;
         const AbsorptionSource undarkened(i1, i0, Width, Height, &noDark);
+        for (const AbsorptionSource* each : {&source, &darkened}) {
+            judgePixels(*each, i1);
+        }
         const int stepX = halfWidth == 0 ? 1 : 3;
         BinRowSpectra darkRows(darkened, 1, stepX, Width, halfWidth, halfHeight);
         BinRowSpectra rows(source, 1, stepX, Width, halfWidth, halfHeight);

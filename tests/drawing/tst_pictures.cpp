@@ -6,6 +6,7 @@
 #include "TestMain.h"
 #include "TinyStacks.h"
 #include "drawing/FramePicture.h"
+#include "drawing/ValuePicture.h"
 #include "drawing/Profiles.h"
 #include "frames/TiffData.h"
 
@@ -61,6 +62,30 @@ class PicturesTest : public QObject {
         QCOMPARE(countPercentiles(*frame, 0.01), qMakePair(1003.0, 1395.0));
         QCOMPARE(countPercentiles(*frame, 0.0), qMakePair(0.0, 65535.0));
         QCOMPARE(countPercentiles(TiffData(), 0.01), qMakePair(0.0, 0.0));
+    }
+
+    void valuesGoThroughTheColours() {
+        std::vector<double> values(30 * 20);
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            values[i] = i < 5 ? -1000.0 : i < 105 ? NotANumber : 0.01 * static_cast<double>(i);
+        }
+        // Of 500 numbers 5 lie far out.
+        const auto [low, high] =
+            valuePercentiles(values.data(), 30, 20, -1000.0, 5.99, 0.01, 2);
+        const double step = 1006.0 / 65536;
+        QVERIFY(std::abs(low - -1000.0) <= step && std::abs(high - 5.94) <= 2 * step);
+        for (const ColorScale* colors : {&greyScale(), &heatScale()}) {
+            const QImage picture = valuePicture(values.data(), 30, 20, 2.0, 5.0, *colors, 1);
+            QCOMPARE(valuePicture(values.data(), 30, 20, 2.0, 5.0, *colors, 3), picture);
+            for (int i = 0; i < 600; ++i) {
+                const double value = values[static_cast<std::size_t>(i)];
+                const uchar* c = colors->at((value - 2.0) / 3.0);
+                const QColor at = picture.pixelColor(i % 30, i / 30);
+                QVERIFY(std::isnan(value)
+                            ? at == QColor(128, 128, 128)
+                            : std::abs(at.red() - c[0]) + std::abs(at.blue() - c[2]) <= 1);
+            }
+        }
     }
 
     void gapsAreGrey() {

@@ -314,6 +314,17 @@ void TestCommands::addPictureCases() {
         return state().contains("frame 4 of 151") &&
                control<QSlider>("SeekBar", m_body.get())->value() == 3;
     });
+    add(
+        "set_frame_view absorption", {"set_frame_view counts"},
+        [=] { return view()->caption() == "mu-t  7006.00 eV" && bar->rangeMax() < 5; },
+        [=] { return view()->caption() == "7006.00 eV" && bar->rangeMax() > 100; });
+    add("set_frame_view difference 7001.5", [=] {
+        return view()->caption() == "mu-t  7006.00 eV \u2212 7001.50 eV" &&
+               checked(m_body.get(), "ViewDifference");
+    });
+    add("set_view_range -1 1", {"set_view_range"}, [=] { return bar->rangeMin() == -1; },
+        [=] { return bar->isAuto(); });
+    add("set_frame_view counts", [=] { return bar->isAuto() && bar->rangeMax() > 100; });
     add("set_view_range 65534 65535", {"set_view_range"},
         [=] { return !bar->isAuto() && bar->rangeMin() == 65534 && bar->rangeMax() == 65535; });
     add("save_image black.png", [this] {

@@ -136,6 +136,12 @@ class TestBatchLines : public QObject {
         add("set_plot_axes 1 furlong", "failed", "no unit furlong");
         add("set_view_range 5", "failed", "too few arguments");
         add("set_view_range 5 5", "failed", "must lie above");
+        add("set_frame_view speed", "failed", "no view of frames 'speed'");
+        add("set_frame_view absorption 7000", "failed", "only a difference has energies");
+        add("set_frame_view difference", "failed", "too few arguments");
+        add("LOAD\nset_frame_view difference 7000 7400", "failed", "lies outside those of the fr");
+        add("LOAD\nset_frame_view difference 7100.5\nsave_image_with_bar d.png", "done");
+        add("set_frame_view difference 7100 7400\nLOAD\nsave_image d.png", "failed", "outside");
         add("set_energy_pattern I1 [ eV", "failed", "not a regular expression");
         add("move_position 3 3", "failed", "no image");
         add("LOAD\nmove_position 12 3", "failed", "12 x 8 pixels");
