@@ -86,10 +86,15 @@ BENCHMARK(Naive)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void Absorption(benchmark::State& state) {
     const Frames& all = frames();
-    show(state, PixelPass::absorption(state.range(0) != 0 ? all.withDark : all.plain,
-                                      all.i1.at(3)));
+    show(state,
+         PixelPass::absorption(state.range(0) != 0 ? all.withDark : all.plain, all.i1.at(3)));
 }
-BENCHMARK(Absorption)->ArgName("dark")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(Absorption)
+    ->ArgName("dark")
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 /// With the shifts of an energy map, or without.
 void Difference(benchmark::State& state) {

@@ -88,14 +88,18 @@ void judgePixels(const AbsorptionSource& source, const FrameSet& i1) {
     PixelValues pixels;
     for (int i = 0; i < i1.size(); ++i) {
         const int place = source.indexOf(i1.at(i));
+        bool hasExtremes[2] = {false, false};
         QVERIFY(PixelPass::absorption(source, i1.at(i)).run(1 + i % 3, goOn, &pixels));
         for (int p = 0; p < Width * Height; ++p) {
             const Spectrum whole = source.spectrumAt(p % Width, p / Width, 0, 0);
             const double muT = whole.value(place);
             const double v = pixels.at(p % Width, p / Width);
             QVERIFY(muT == 1.0 ? std::isnan(v) : same(v, muT));  // 1.0 stands for no counts
+            hasExtremes[0] |= v == pixels.min;
+            hasExtremes[1] |= v == pixels.max;
             QVERIFY(std::isnan(v) || (pixels.min <= v && v <= pixels.max));
         }
+        QVERIFY(pixels.min > pixels.max || (hasExtremes[0] && hasExtremes[1]));
     }
     const auto shiftAt = [](int x, int y) { return 0.7 * x - y; };  // -16 to 15.4
     const BinRaster raster{0, 1, Width, 0, 1, Height, 0, 0};

@@ -6,8 +6,8 @@
 #include "TestMain.h"
 #include "TinyStacks.h"
 #include "drawing/FramePicture.h"
-#include "drawing/ValuePicture.h"
 #include "drawing/Profiles.h"
+#include "drawing/ValuePicture.h"
 #include "frames/TiffData.h"
 
 namespace {
@@ -70,8 +70,7 @@ class PicturesTest : public QObject {
             values[i] = i < 5 ? -1000.0 : i < 105 ? NotANumber : 0.01 * static_cast<double>(i);
         }
         // Of 500 numbers 5 lie far out.
-        const auto [low, high] =
-            valuePercentiles(values.data(), 30, 20, -1000.0, 5.99, 0.01, 2);
+        const auto [low, high] = valuePercentiles(values.data(), 30, 20, -1000.0, 5.99, 0.01, 2);
         const double step = 1006.0 / 65536;
         QVERIFY(std::abs(low - -1000.0) <= step && std::abs(high - 5.94) <= 2 * step);
         for (const ColorScale* colors : {&greyScale(), &heatScale()}) {

@@ -322,7 +322,8 @@ void TestCommands::addPictureCases() {
         return view()->caption() == "mu-t  7006.00 eV \u2212 7001.50 eV" &&
                checked(m_body.get(), "ViewDifference");
     });
-    add("set_view_range -1 1", {"set_view_range"}, [=] { return bar->rangeMin() == -1; },
+    add(
+        "set_view_range -1 1", {"set_view_range"}, [=] { return bar->rangeMin() == -1; },
         [=] { return bar->isAuto(); });
     add("set_frame_view counts", [=] { return bar->isAuto() && bar->rangeMax() > 100; });
     add("set_view_range 65534 65535", {"set_view_range"},

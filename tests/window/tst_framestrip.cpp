@@ -45,8 +45,10 @@ class TestFrameStrip : public QObject {
         QFETCH(int, unit);
         BatchRun batch(*m_body);
         QVERIFY(batch.succeeds({"move_position 4 4", "show_frame 7", "select_disp_image 1"}));
-        auto* plot = m_body->findChild<XafsView*>("Spectrum");
-        plot = plot != nullptr ? plot : control<XafsView>("Spectrum");
+        XafsView* plot = nullptr;  // a window of its own, or docked
+        for (QWidget* widget : QApplication::allWidgets()) {
+            plot = widget->objectName() == "Spectrum" ? qobject_cast<XafsView*>(widget) : plot;
+        }
         auto* canvas = control<QWidget>("Canvas", plot);
         control<QComboBox>("Abscissa", plot)->setCurrentIndex(unit);
         plot->show();

@@ -55,8 +55,8 @@ void addAround(const std::vector<double>& energies, double low, double high,
     const auto behind = std::lower_bound(energies.begin(), energies.end(), high);
     const int last = static_cast<int>(energies.size()) - 1;
     // Two at an end, for a line needs both.
-    const int first = std::clamp(static_cast<int>(before - energies.begin()) - 1, 0,
-                                 std::max(0, last - 1));
+    const int first =
+        std::clamp(static_cast<int>(before - energies.begin()) - 1, 0, std::max(0, last - 1));
     const int end = std::clamp(static_cast<int>(behind - energies.begin()) + 1,
                                std::min(last, first + 1), last);
     for (int i = first; i <= end; ++i) {
@@ -112,8 +112,9 @@ bool PixelPass::run(int threads, const std::atomic<bool>& stop, PixelValues* out
         out->height = height;
     }
     RowShares rows(height, &stop);
+    out->min = std::numeric_limits<double>::infinity();
+    out->max = -out->min;
     std::mutex mutex;
-    Extremes all;
     inThreads(threads, [&] {
         BinRowSpectra bins(m_source, 0, 1, width, 0, 0);
         std::vector<double> mu(static_cast<std::size_t>(m_source.energyCount()) * lanes::Count);
@@ -123,8 +124,8 @@ bool PixelPass::run(int threads, const std::atomic<bool>& stop, PixelValues* out
         int end = 0;
         while (rows.take(&y, &end)) {
             for (; y < end; ++y) {
-                double* const line = &out->values[static_cast<std::size_t>(y) *
-                                                  static_cast<std::size_t>(width)];
+                double* const line =
+                    &out->values[static_cast<std::size_t>(y) * static_cast<std::size_t>(width)];
                 for (int x = 0; x < width; x += PixelsAtATime) {
                     const int count = std::min(PixelsAtATime, width - x);
                     bins.sum(y, x, count);
@@ -138,10 +139,8 @@ bool PixelPass::run(int threads, const std::atomic<bool>& stop, PixelValues* out
             }
         }
         const std::lock_guard<std::mutex> lock(mutex);
-        all.take(0, own.min());
-        all.take(0, own.max());
+        out->min = std::min(out->min, own.min());
+        out->max = std::max(out->max, own.max());
     });
-    out->min = all.min();
-    out->max = all.max();
     return !stop;
 }

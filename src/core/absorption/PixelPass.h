@@ -12,7 +12,7 @@ struct PixelValues {
     int width = 0;
     int height = 0;
     std::unique_ptr<double[]> values;  ///< row by row
-    double min = 1.0;  ///< of what is a number; min > max where nothing is
+    double min = 1.0;                  ///< of what is a number; min > max where nothing is
     double max = 0.0;
 
     double at(int x, int y) const {

@@ -30,8 +30,7 @@ void RecordWriter::frameView(const Settings& s) {
         {FrameView::Kind::Absorption, &s.absorptionRange},
         {FrameView::Kind::Difference, &s.differenceRange}};
     for (const auto& range : ranges) {
-        const bool canBeSaid =
-            range.first != FrameView::Kind::Difference || s.frameView.from > 0.0;
+        const bool canBeSaid = range.first != FrameView::Kind::Difference || s.frameView.from > 0.0;
         if (range.second->fixed && canBeSaid) {
             put(QStringLiteral("display"), QStringLiteral("select_disp_image"),
                 {QStringLiteral("0")});

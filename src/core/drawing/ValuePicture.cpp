@@ -38,8 +38,7 @@ void paintColors(const double* values, int width, double low, double scale,
     constexpr uchar Gaps[3] = {Gap, Gap, Gap};
     for (int x = 0; x < width; ++x) {
         const auto place = static_cast<std::size_t>(placeOf(values[x], low, scale, colors.last));
-        std::memcpy(line + 3 * x,
-                    std::isnan(values[x]) ? Gaps : colors.table[place].data(), 3);
+        std::memcpy(line + 3 * x, std::isnan(values[x]) ? Gaps : colors.table[place].data(), 3);
     }
 }
 
@@ -62,8 +61,7 @@ QImage valuePicture(const double* values, int width, int height, double low, dou
             for (; y < end; ++y) {
                 const auto row = static_cast<std::size_t>(y);
                 (isGrey ? paintGrey : paintColors)(values + row * static_cast<std::size_t>(width),
-                                                   width, low, scale, colors,
-                                                   pixels + row * bytes);
+                                                   width, low, scale, colors, pixels + row * bytes);
             }
         }
     });

@@ -21,9 +21,8 @@ void FrameImages::make() {
     m_made.to = request.to;
     m_isMade = request.pass->run(request.threads, m_stop, &pixels);
     if (m_isMade) {
-        const auto [low, high] =
-            valuePercentiles(pixels.values.get(), pixels.width, pixels.height, pixels.min,
-                             pixels.max, 0.01, request.threads);
+        const auto [low, high] = valuePercentiles(pixels.values.get(), pixels.width, pixels.height,
+                                                  pixels.min, pixels.max, 0.01, request.threads);
         m_made.low = low;
         m_made.high = high;
     }

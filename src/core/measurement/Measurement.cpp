@@ -112,8 +112,8 @@ void Measurement::settingChanged(const Settings& before) {
         before.resultType != now.resultType || before.namedKind != now.namedKind ||
         !(before.viewRange == now.viewRange) || !(before.frameView == now.frameView) ||
         !(before.absorptionRange == now.absorptionRange) ||
-        !(before.differenceRange == now.differenceRange) || before.plotOrdinate != now.plotOrdinate ||
-        before.plotAbscissa != now.plotAbscissa) {
+        !(before.differenceRange == now.differenceRange) ||
+        before.plotOrdinate != now.plotOrdinate || before.plotAbscissa != now.plotAbscissa) {
         what |= Display;
     }
     emit changed(what);

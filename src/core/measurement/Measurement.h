@@ -167,9 +167,9 @@ class Measurement : public QObject {
     /// Wait::Blink, before the first one is made. See FrameImages.
     const FrameImage* frameImage(Wait wait);
     FrameImages& frameImages() { return m_frameImages; }
-    Result* selectedResult() const;    ///< null: none, or of RA and not made yet
-    void select(int id);               ///< a result, if there is one of that id; tells in any case
-    Result* shownResult() const;       ///< the map or the selected result, if on display
+    Result* selectedResult() const;  ///< null: none, or of RA and not made yet
+    void select(int id);             ///< a result, if there is one of that id; tells in any case
+    Result* shownResult() const;     ///< the map or the selected result, if on display
     Result* deglitchTarget() const;
     QPointF position() const { return m_position; }
     void setPosition(double x, double y);

@@ -74,8 +74,7 @@ const FrameImage* Measurement::frameImage(Wait wait) {
     }
     const bool isDifference = kind == FrameView::Kind::Difference;
     const TiffData* frame = m_i1.frames().at(m_frame[static_cast<int>(StackId::I1)]);
-    const auto [from, to] =
-        isDifference ? differenceEnergies() : qMakePair(0.0, frame->energy);
+    const auto [from, to] = isDifference ? differenceEnergies() : qMakePair(0.0, frame->energy);
     const AbsorptionSource& frames = source();
     FrameImages::Request request;
     request.key = {static_cast<quint64>(kind),
@@ -93,8 +92,9 @@ const FrameImage* Measurement::frameImage(Wait wait) {
             isDifference ? differencePass(frames, from, to, m_map->image)
                          : PixelPass::absorption(frames, frame));
     }
-    const FrameImage* image = wait == Wait::UntilMade ? m_frameImages.now(request)
-                                                      : m_frameImages.soon(request);
-    const bool fits = image != nullptr && QSize(image->pixels.width, image->pixels.height) == m_size;
+    const FrameImage* image =
+        wait == Wait::UntilMade ? m_frameImages.now(request) : m_frameImages.soon(request);
+    const bool fits =
+        image != nullptr && QSize(image->pixels.width, image->pixels.height) == m_size;
     return fits ? image : nullptr;
 }

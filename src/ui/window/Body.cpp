@@ -148,6 +148,7 @@ Body::~Body() {
     m_measurement.disconnect(this);
     m_runner.disconnect(this);
     m_panels->analyzer.reset();
+    delete m_ui->frameStrip;  // it works on what goes now
 }
 
 void Body::closeEvent(QCloseEvent* event) {

@@ -16,8 +16,8 @@ void FramePlayer::setPerSecond(int frames) {
 }
 
 void FramePlayer::start() {
-    const bool hasFrames = m_measurement.shownResult() == nullptr &&
-                           m_measurement.frame() >= 0 && m_measurement.shownStack().size() > 1;
+    const bool hasFrames = m_measurement.shownResult() == nullptr && m_measurement.frame() >= 0 &&
+                           m_measurement.shownStack().size() > 1;
     if (hasFrames && !isPlaying()) {
         m_isPainted = true;
         m_timer.start();

@@ -52,15 +52,20 @@ FrameStrip::FrameStrip(QWidget* parent)
     }
 }
 
-FrameStrip::~FrameStrip() = default;
+FrameStrip::~FrameStrip() {
+    // A field that loses the focus now has nobody to tell.
+    for (QLineEdit* field : {m_ui->FrameEnergy, m_ui->E1, m_ui->E2}) {
+        field->disconnect(this);
+    }
+}
 
 void FrameStrip::follow(Measurement& measurement, QWidget* view, XafsView* plot) {
     m_measurement = &measurement;
     m_plot = plot;
     m_player = new FramePlayer(measurement, view, this);
-    for (QWidget* each : {view, static_cast<QWidget*>(m_ui->SeekBar),
-                          static_cast<QWidget*>(m_ui->FrameEnergy),
-                          static_cast<QWidget*>(m_ui->E1), static_cast<QWidget*>(m_ui->E2)}) {
+    for (QWidget* each :
+         {view, static_cast<QWidget*>(m_ui->SeekBar), static_cast<QWidget*>(m_ui->FrameEnergy),
+          static_cast<QWidget*>(m_ui->E1), static_cast<QWidget*>(m_ui->E2)}) {
         each->installEventFilter(this);
     }
     connect(m_ui->Prev, &QPushButton::clicked, this, &FrameStrip::previousAsked);
