@@ -45,20 +45,25 @@ struct Extremes {
     double max() const { return *std::max_element(maxs, maxs + Lanes); }
 };
 
-/// Indices of ascending energies that hold those from `low` to `high` and their neighbours.
+/// Indices of ascending energies that hold those from `low` to `high` and their neighbours; that of
+/// a frame alone where this is all that is asked for.
 void addAround(const std::vector<double>& energies, double low, double high,
                std::vector<int>* indices) {
     if (energies.empty()) {
         return;
     }
-    const auto before = std::upper_bound(energies.begin(), energies.end(), low);
-    const auto behind = std::lower_bound(energies.begin(), energies.end(), high);
     const int last = static_cast<int>(energies.size()) - 1;
+    const auto begin = energies.begin();
+    // Of equal energies the last, as pairAround() has it.
+    const int before = static_cast<int>(std::upper_bound(begin, energies.end(), low) - begin) - 1;
+    if (low == high && before >= 0 && energies[static_cast<std::size_t>(before)] == low) {
+        indices->push_back(before);
+        return;
+    }
+    const int behind = static_cast<int>(std::lower_bound(begin, energies.end(), high) - begin);
     // Two at an end, for a line needs both.
-    const int first =
-        std::clamp(static_cast<int>(before - energies.begin()) - 1, 0, std::max(0, last - 1));
-    const int end = std::clamp(static_cast<int>(behind - energies.begin()) + 1,
-                               std::min(last, first + 1), last);
+    const int first = std::clamp(before, 0, std::max(0, last - 1));
+    const int end = std::clamp(behind + 1, std::min(last, first + 1), last);
     for (int i = first; i <= end; ++i) {
         indices->push_back(i);
     }
@@ -88,6 +93,11 @@ PixelPass PixelPass::difference(const AbsorptionSource& source, double from, dou
     }
     std::sort(indices.begin(), indices.end());
     indices.erase(std::unique(indices.begin(), indices.end()), indices.end());
+    if (indices.size() == 1 && source.energyCount() > 1) {
+        // No difference, but two energies are what a difference is made of.
+        indices.insert(indices.front() > 0 ? indices.begin() : indices.end(),
+                       indices.front() > 0 ? indices.front() - 1 : 1);
+    }
     AbsorptionSource few = source.ofFrames(indices);
     const BinRaster raster{0, 1, source.width(), 0, 1, source.height(), 0, 0};
     return PixelPass(few,
