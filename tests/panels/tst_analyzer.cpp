@@ -337,7 +337,8 @@ class TestAnalyzer : public QObject {
         QWheelEvent wheel(middle, slider->mapToGlobal(middle), {}, {0, 120}, Qt::NoButton,
                           Qt::NoModifier, Qt::NoScrollPhase, false);
         QApplication::sendEvent(slider, &wheel);  // scrolls the panel
-        QCOMPARE(slider->value(), 0);
+        QTest::keyClick(factor, Qt::Key_Return);  // nothing has been typed
+        QVERIFY(slider->value() == 0 && factor->text() == "5" && !mask->isChecked());
         mask->click();
         QCOMPARE(m_measurement->settings().mask, 5.0);
         m_measurement->setMask(3.5);
@@ -354,6 +355,11 @@ class TestAnalyzer : public QObject {
         QTest::keyClicks(factor, "1e30");
         QTest::keyClick(factor, Qt::Key_Return);
         QCOMPARE(textOf("MaskCount", m_analyzer.get()), QString("48 of 48 bins blank (100.0 %)"));
+        factor->selectAll();
+        QTest::keyClicks(factor, "0");
+        QTest::keyClick(factor, Qt::Key_Return);
+        QVERIFY(!mask->isChecked() && !panel(0)->result(0)->isMasked());
+        mask->click();
         QVERIFY(panel(0)->result(0)->isMasked());
         press("ErrorMaps", m_analyzer.get());
         m_measurement->start(Work::Fit);

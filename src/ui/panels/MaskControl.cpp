@@ -63,12 +63,13 @@ void MaskControl::set(double factor) {
 }
 
 void MaskControl::takeField() {
+    const bool isTyped = m_controls.field->isModified();
     const double typed = std::max(0.0, numberIn(m_controls.field));
     noteTaken(m_controls.field);
-    if (inField(typed) != m_measurement.settings().mask) {
+    if (isTyped) {
         set(typed);
     }
-    finishNumber(m_controls.field, m_measurement.settings().mask);
+    finishNumber(m_controls.field, m_factor);
 }
 
 void MaskControl::update() {
@@ -76,7 +77,7 @@ void MaskControl::update() {
     const bool isOn = factor > 0.0;
     m_factor = isOn ? factor : m_factor;
     m_controls.press->setChecked(isOn);
-    showNumber(m_controls.field, factor);
+    showNumber(m_controls.field, m_factor);
     if (!m_pace.isActive()) {
         const QSignalBlocker blocked(m_controls.slider);
         m_controls.slider->setValue(static_cast<int>(
