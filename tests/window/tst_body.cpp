@@ -214,8 +214,8 @@ class TestBody : public QObject {
         }
         QVERIFY(!measurement.choose(ResultId::R, -1).failed());
         QVERIFY(lines().startsWith("With error:  - | R  " + number(ResultId::R)));
-        QVERIFY(textOf("Message", analyzerWindow())
-                    .startsWith("Fitted 96 bins with 2 references in "));
+        QVERIFY(
+            textOf("Message", analyzerWindow()).startsWith("Fitted 96 bins with 2 references in "));
         measurement.set(&Settings::shown, Shown::I1);
         QCOMPARE(lines(), none);
     }
