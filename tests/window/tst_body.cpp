@@ -1,6 +1,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QDockWidget>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
@@ -29,6 +30,7 @@
 #include "panels/LCFReference.h"
 #include "window/GuideBrowser.h"
 #include "window/GuideWindow.h"
+#include "window/Layout.h"
 
 namespace {
 
@@ -296,6 +298,25 @@ class TestBody : public QObject {
                 QVERIFY(std::abs(ratio->valueAt(x, y) - x / 11.0) < 2e-4);
             }
         }
+    }
+
+    /// The spectrum at the cursor is fitted while the analyzer is open, also behind a tab.
+    void fitsGoOnBehindATab() {
+        m_body->layoutOfWindows()->start();
+        BatchRun batch(*m_body);
+        QVERIFY(batch.succeeds(m_phantom->loadAndSetReferences()));
+        topLevel<CalibCtrl>()->show();
+        Analyzer* analyzer = analyzerWindow();
+        QTRY_VERIFY(analyzer->visibleRegion().isEmpty());
+        QSignalSpy fitted(analyzer, &Analyzer::finished);
+        m_body->measurement().setPosition(4.5, 3.5);
+        QTRY_VERIFY(!fitted.isEmpty());
+        QTRY_COMPARE(analyzer->fitsOut(), 0);
+        const int fits = fitted.count();
+        control<QDockWidget>("AnalyzerDock", m_body.get())->close();
+        m_body->measurement().setPosition(5.5, 3.5);
+        QTest::qWait(50);
+        QCOMPARE(fitted.count(), fits);
     }
 
     void withoutImagesNothingIsDone() {

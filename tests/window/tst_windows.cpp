@@ -18,8 +18,11 @@
 #include "Controls.h"
 #include "TestMain.h"
 #include "display/ImageView.h"
+#include "display/XafsView.h"
 #include "panels/CalibCtrl.h"
+#include "window/Layout.h"
 #include "window/Translation.h"
+#include "window/WindowGeometry.h"
 
 namespace {
 
@@ -86,6 +89,20 @@ QByteArray nameOf(const QWidget* w) {
 
 QString ownText(const QWidget* w) {
     return qobject_cast<const QAbstractButton*>(w) ? w->property("text").toString() : QString();
+}
+
+const QStringList StartDocks{"AnalyzerDock", "AnalyzingSpectrumDock", "SpectrumDock"};
+
+QStringList openDocks(const Body& body) {
+    QStringList open;
+    const auto docks = body.findChildren<QDockWidget*>();
+    for (const QDockWidget* dock : docks) {
+        if (!dock->isHidden()) {
+            open << dock->objectName();
+        }
+    }
+    open.sort();
+    return open;
 }
 
 bool isPlainWord(const QString& text) {
@@ -176,23 +193,144 @@ class TestWindows : public QObject {
         }
     }
 
-    /// Tool windows open on the screen and come back where they were left; keys act in them.
+    /// A window beside the docks opens on the screen and comes back where it was left; keys act.
     void toolWindowsKeepTheirPlace() {
         Body body;
         body.show();
-        auto* open = control<QPushButton>("OpenCalibCtrl");
+        auto* open = control<QPushButton>("SaveDataCfgB");
         open->setFocus();
         QTest::keyClick(open, Qt::Key_Return);
-        QWidget* panel = topLevel<CalibCtrl>();
-        QVERIFY(panel->isVisible());
-        QVERIFY(panel->screen()->availableGeometry().contains(panel->geometry()));
-        panel->move(7, 11);
-        panel->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(panel));
-        QTest::keyClick(panel, Qt::Key_W, Qt::ControlModifier);
-        QVERIFY(!panel->isVisible());
+        auto* window = control<QWidget>("SaveDataCfg", &body);
+        QVERIFY(window->isVisible());
+        QVERIFY(window->screen()->availableGeometry().contains(window->geometry()));
+        window->move(7, 11);
+        QApplication::setActiveWindow(window);
+        QTest::keyClick(window, Qt::Key_W, Qt::ControlModifier);
+        QVERIFY(!window->isVisible());
         open->click();
-        QCOMPARE(panel->pos(), QPoint(7, 11));
+        QCOMPARE(window->pos(), QPoint(7, 11));
+    }
+
+    /// Without a remembered layout nothing is open but what a batch asks for, and nothing is kept.
+    void aBatchShowsWhatItWants() {
+        windowSettings().clear();
+        Body body;
+        body.show();
+        QCOMPARE(openDocks(body), QStringList());
+        QVERIFY(BatchRun(body).succeeds({"calib_show_window", "analyzer_show_window"}));
+        QCOMPARE(openDocks(body),
+                 (QStringList{"AnalyzerDock", "AnalyzingSpectrumDock", "CalibCtrlDock"}));
+        body.close();
+        QCOMPARE(windowSettings().allKeys(), QStringList());
+    }
+
+    /// What is shown comes to the front of its tabs, what is behind stays open, and the plot that
+    /// one looks at is not covered by a fit that ends.
+    void tabs() {
+        Body body;
+        body.layoutOfWindows()->start();
+        body.show();
+        QCoreApplication::processEvents();
+        const auto isSeen = [&body](const char* name) {
+            QCoreApplication::processEvents();
+            return !control<QWidget>(name, &body)->visibleRegion().isEmpty();
+        };
+        QVERIFY(isSeen("Spectrum") && !isSeen("AnalyzingSpectrum") && isSeen("Analyzer"));
+        auto* analyzer = analyzerWindow();
+        analyzer->view()->open();
+        QVERIFY(isSeen("Spectrum") && !isSeen("AnalyzingSpectrum"));
+        auto* calibration = topLevel<CalibCtrl>();
+        calibration->show();
+        QVERIFY(isSeen("CalibCtrl") && !isSeen("Analyzer") && isSeen("Spectrum"));
+        QVERIFY(analyzer->isOpen());
+        analyzer->QWidget::show();
+        QVERIFY(isSeen("Analyzer") && !isSeen("CalibCtrl"));
+        control<QAction>("toggleCalibCtrlDock", &body)->trigger();
+        QVERIFY(!calibration->isOpen());
+        QApplication::setActiveWindow(&body);
+        control<QPushButton>("AddRef", analyzer)->setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_W, Qt::ControlModifier);
+        QVERIFY(!analyzer->isOpen());
+        control<QAction>("actionStartLayout", &body)->trigger();
+        QCOMPARE(openDocks(body), StartDocks);
+    }
+
+    void theLayoutComesBack_data() {
+        columns<QByteArray, bool>("spoiled", "returns");
+        QTest::newRow("as it was") << QByteArray() << true;
+        QTest::newRow("garbage") << QByteArray("\xff\x01garbage") << false;
+        QTest::newRow("cut") << QByteArray("cut") << false;
+    }
+
+    /// Also when what was kept fits no more, and on the screen that there is.
+    void theLayoutComesBack() {
+        QFETCH(QByteArray, spoiled);
+        QFETCH(bool, returns);
+        windowSettings().clear();
+        const auto start = [](Body& body) {
+            body.layoutOfWindows()->restore();
+            body.show();
+            QTest::qWait(1);
+        };
+        {
+            Body body;
+            start(body);
+            QCOMPARE(openDocks(body), StartDocks);
+            press("BatchCtrlB");
+            auto* spectrum = control<QDockWidget>("SpectrumDock", &body);
+            spectrum->setFloating(true);
+            QCoreApplication::processEvents();
+            spectrum->setGeometry(9000, -5000, 400, 300);
+            press("SaveDataCfgB");
+            control<QWidget>("SaveDataCfg", &body)->move(-3000, 8000);
+            body.move(4000, -300);
+            body.close();
+        }
+        const QString key = "Body/docks";
+        const QByteArray state = windowSettings().value(key).toByteArray();
+        QVERIFY(!state.isEmpty());
+        if (!spoiled.isEmpty()) {
+            windowSettings().setValue(key,
+                                      spoiled == "cut" ? state.left(state.size() / 2) : spoiled);
+        }
+        Body body;
+        start(body);
+        auto* spectrum = control<QDockWidget>("SpectrumDock", &body);
+        QCOMPARE(spectrum->isFloating(), returns);
+        QStringList expected = StartDocks;
+        expected.insert(2, "BatchCtrlDock");
+        QCOMPARE(openDocks(body), returns ? expected : StartDocks);
+        const QRect screen = body.screen()->availableGeometry();
+        QVERIFY(screen.contains(spectrum->frameGeometry()) || !returns);
+        QVERIFY(screen.contains(control<QWidget>("SaveDataCfg", &body)->frameGeometry()));
+        QVERIFY(screen.contains(body.frameGeometry().topLeft()));
+    }
+
+    void theSmallestWindow_data() {
+        QTest::addColumn<bool>("japanese");
+        QTest::newRow("en") << false;
+        QTest::newRow("ja") << true;
+    }
+    void theSmallestWindow() {
+        QFETCH(bool, japanese);
+        QTranslator translator;
+        if (japanese) {
+            installJapanese(&translator);
+        }
+        QFont font("Sans Serif");
+        font.setPointSizeF(10.0);
+        QApplication::setFont(font);
+        Body body;
+        body.layoutOfWindows()->start();
+        body.show();
+        const QSize smallest(900, 600);
+        body.resize(smallest);
+        QCoreApplication::processEvents();
+        QCOMPARE(body.size(), smallest);
+        for (const char* name : {"SelectI1Files", "dispA", "SeekBar", "Position", "Value"}) {
+            const auto* w = control<QWidget>(name, &body);
+            QVERIFY2(w->visibleRegion().boundingRect() == w->rect(), name);
+        }
     }
 
     void windowsFitASmallScreen_data() {

@@ -86,8 +86,9 @@ Body::Body(QWidget* parent)
     m_ui->SelectI0Files->setLabel(tr("I0 Data"));
     m_ui->SelectI1Files->follow(m_measurement, StackId::I1);
     m_ui->SelectI0Files->follow(m_measurement, StackId::I0);
-    addAction(
-        m_panels->spectrum->pinAction());  // its shortcut works while the mouse is over the image
+    m_panels->spectrum->setWindowTitle(tr("Spectrum"));
+    // Its shortcut works while the mouse is over the image.
+    addAction(m_panels->spectrum->pinAction());
     m_dialogs = new SaveDialogs(this);
     m_spectrumFit = std::make_unique<SpectrumFitWindow>(m_measurement, m_dialogs);
     m_status = new StatusLine(m_measurement, *m_messages, this);

@@ -15,10 +15,9 @@
 namespace {
 
 // In heights of a line, which the font gives.
-constexpr int RoomyWidth = 100;  // of a window that has room for both plots beside the analyzer
-constexpr int RoomyHeight = 46;
-constexpr int SideWidth = 34;  // of the analyzer
-constexpr int PlotPart = 45;   // per cent of the height, above the analyzer
+constexpr int TallHeight = 52;  // of a window that has room for both plots above the analyzer
+constexpr int WideWidth = 125;  // and for both beside it
+constexpr int SideWidth = 34;   // of the analyzer
 
 /// The first control in it, where keys go when it opens.
 void focusInto(QWidget* panel) {
@@ -41,7 +40,6 @@ Panels::Panels(Measurement& measurement, Messages& all)
       calibration(std::make_unique<CalibCtrl>(measurement)),
       batch(std::make_unique<BatchCtrl>()),
       messages(std::make_unique<MessagesWindow>(all)) {
-    spectrum->setWindowTitle(Docks::tr("Spectrum"));
     spectrum->setObjectName(QStringLiteral("Spectrum"));
 }
 
@@ -107,9 +105,12 @@ void Docks::asked(QDockWidget* dock, PanelAsked what) {
     }
 }
 
-bool Docks::isRoomy() const {
+Docks::Room Docks::room() const {
     const int line = m_window->fontMetrics().height();
-    return m_window->width() >= RoomyWidth * line && m_window->height() >= RoomyHeight * line;
+    if (m_window->height() < TallHeight * line) {
+        return Room::Small;
+    }
+    return m_window->width() < WideWidth * line ? Room::Tall : Room::Wide;
 }
 
 QDockWidget* Docks::first(Place place) const {
@@ -130,12 +131,11 @@ void Docks::place() {
         m_window->removeDockWidget(each.dock);
     }
     m_window->addDockWidget(Qt::RightDockWidgetArea, spectrum);
-    if (isRoomy()) {
-        m_window->splitDockWidget(spectrum, side, Qt::Horizontal);
-        m_window->splitDockWidget(spectrum, fit, Qt::Vertical);
-    } else {
-        m_window->splitDockWidget(spectrum, side, Qt::Vertical);
+    m_window->splitDockWidget(spectrum, side, room() == Room::Wide ? Qt::Horizontal : Qt::Vertical);
+    if (room() == Room::Small) {
         m_window->tabifyDockWidget(spectrum, fit);
+    } else {
+        m_window->splitDockWidget(spectrum, fit, Qt::Vertical);
     }
     for (const Dock& each : m_docks) {
         if (each.place == Place::Side && each.dock != side) {
@@ -154,18 +154,21 @@ void Docks::arrange() {
 }
 
 void Docks::setSizes() {
-    const int line = m_window->fontMetrics().height();
-    QDockWidget* spectrum = first(Place::Spectrum);
-    QDockWidget* side = first(Place::Side);
-    if (isRoomy()) {
-        const int width = m_window->width();
-        m_window->resizeDocks({spectrum, side},
-                              {(width - SideWidth * line) * 2 / 5, SideWidth * line},
-                              Qt::Horizontal);
-        m_window->resizeDocks({spectrum, first(Place::Fit)}, {1, 1}, Qt::Vertical);
-    } else {
-        m_window->resizeDocks({spectrum}, {SideWidth * line}, Qt::Horizontal);
-        m_window->resizeDocks({spectrum, side}, {PlotPart, 100 - PlotPart}, Qt::Vertical);
+    const int side = SideWidth * m_window->fontMetrics().height();
+    const QList<QDockWidget*> docks{first(Place::Spectrum), first(Place::Fit), first(Place::Side)};
+    switch (room()) {
+        case Room::Small:
+            m_window->resizeDocks({docks[0]}, {side}, Qt::Horizontal);
+            m_window->resizeDocks({docks[0], docks[2]}, {45, 55}, Qt::Vertical);
+            break;
+        case Room::Tall:
+            m_window->resizeDocks({docks[0]}, {side * 11 / 10}, Qt::Horizontal);
+            m_window->resizeDocks(docks, {28, 28, 44}, Qt::Vertical);
+            break;
+        case Room::Wide:
+            m_window->resizeDocks({docks[0], docks[2]}, {side * 6 / 5, side}, Qt::Horizontal);
+            m_window->resizeDocks({docks[0], docks[1]}, {1, 1}, Qt::Vertical);
+            break;
     }
 }
 

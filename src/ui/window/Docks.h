@@ -53,6 +53,7 @@ class Docks : public QObject {
 
   private:
     enum class Place { Spectrum, Fit, Side };
+    enum class Room { Small, Tall, Wide };
     struct Dock {
         QDockWidget* dock;
         Place place;
@@ -63,7 +64,7 @@ class Docks : public QObject {
     QDockWidget* makeDock(QWidget* panel, const char* name);
     QDockWidget* first(Place place) const;
     void asked(QDockWidget* dock, PanelAsked what);
-    bool isRoomy() const;
+    Room room() const;
     void place();
 
     QMainWindow* m_window;
