@@ -2,9 +2,11 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDockWidget>
 #include <QEventLoop>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScrollArea>
 #include <QTimer>
 #include <QWheelEvent>
 #include <cstdio>
@@ -35,6 +37,12 @@ void sendMouse(QWidget* to, QEvent::Type type, const QPointF& at, Qt::MouseButto
 Stage::Stage(const QString& prefix) : m_prefix(prefix) {
     m_body.resize(1180, 740);
     m_body.show();
+    const auto docks = m_body.findChildren<QDockWidget*>();
+    for (QDockWidget* dock : docks) {  // each tool for itself, in the size that it likes best
+        dock->setFloating(true);
+        auto* scroll = qobject_cast<QScrollArea*>(dock->widget());
+        dock->resize(scroll->widget()->sizeHint() + QSize(0, dock->fontMetrics().height()));
+    }
 }
 
 QWidget* Stage::control(const char* name) {

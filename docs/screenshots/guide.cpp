@@ -29,8 +29,8 @@ constexpr int FrameBehindEdge = 63;
 
 template <class Window>
 Window* window(const QWidget* notThis = nullptr) {
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget* widget : windows) {
+    const QWidgetList widgets = QApplication::allWidgets();
+    for (QWidget* widget : widgets) {
         auto* found = qobject_cast<Window*>(widget);
         if (found != nullptr && found != notThis) {
             return found;

@@ -12,14 +12,15 @@
 namespace {
 
 QString nameOf(const QWidget* window) {
-    return window->objectName().toLower();
+    return window->objectName().toLower().remove(QStringLiteral("dock"));
 }
 
 /// Each menu of a window as it opens, with what can be done now.
 void saveMenus(Stage& stage, const QWidget* window) {
     int number = 0;
     for (const QMenuBar* bar : window->findChildren<QMenuBar*>()) {
-        for (const QAction* entry : bar->actions()) {
+        const auto entries = bar->window() == window ? bar->actions() : QList<QAction*>();
+        for (const QAction* entry : entries) {
             entry->menu()->popup(QPoint(0, 0));
             stage.settle();
             stage.save(entry->menu(),

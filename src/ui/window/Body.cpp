@@ -137,7 +137,9 @@ QList<QAction*> Body::addWindows() {
     start->setObjectName(QStringLiteral("actionStartLayout"));
     start->setToolTip(tr("Put all windows where they were when the program was new"));
     connect(start, &QAction::triggered, m_layout, &Layout::start);
-    return docks->toggles() << start;
+    auto* line = new QAction(this);
+    line->setSeparator(true);
+    return docks->toggles() << line << start;
 }
 
 BatchCtrl* Body::batchCtrl() const {
