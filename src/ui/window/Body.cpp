@@ -1,10 +1,12 @@
 #include "window/Body.h"
 
 #include <QCloseEvent>
+#include <QLabel>
 #include <QPainter>
 #include <QStyle>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "batch/CommandTables.h"
 #include "display/ColorBar.h"
@@ -46,7 +48,15 @@ namespace {
 void fitToFont(QMainWindow& window, const Ui::Body& ui) {
     ui.Position->setMinimumWidth(
         window.fontMetrics().horizontalAdvance(QStringLiteral("(0000, 0000)")));
+    for (QLabel* label : {ui.label_3, ui.valueLabel, ui.label_4, ui.label_11}) {
+        label->setText(label->text().trimmed());  // a narrow column has no room for indents
+    }
     const int line = window.fontMetrics().height();
+    int widest = 0;
+    for (int page = 0; page < ui.ToolBox->count(); ++page) {
+        widest = std::max(widest, ui.ToolBox->widget(page)->minimumSizeHint().width());
+    }
+    ui.ToolBox->setMinimumWidth(widest);  // its pages scroll, but not to the side
     ui.HCross->setFixedHeight(5 * line);
     ui.VCross->setFixedWidth(5 * line);
     ui.CBar->setFixedWidth(11 * line / 2);
