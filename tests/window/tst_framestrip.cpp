@@ -140,6 +140,11 @@ class TestFrameStrip : public QObject {
         QTRY_VERIFY(frame() > 0 && frame() < 50);  // behind the last comes the first
         QTest::keyClick(control<QSlider>("SeekBar"), Qt::Key_Space);
         QVERIFY(!play->isChecked());
+        auto* next = control<QAbstractButton>("Next");
+        m_body->sliderMoved(0);
+        QTest::mousePress(next, Qt::LeftButton);
+        QTRY_VERIFY(frame() > 2);  // held
+        QTest::mouseRelease(next, Qt::LeftButton);
         for (const char* other : {"Next", "ViewAbsorption", "ShowI0", "ShowShiftMap"}) {
             play->click();
             QVERIFY(play->isChecked());

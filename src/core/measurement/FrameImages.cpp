@@ -37,16 +37,17 @@ void FrameImages::takeOver() {
     if (m_isMade) {
         std::swap(m_shown, m_made);
         m_shown.serial = nextRevision();
-        m_key = m_request->key;
+        m_key = m_wanted;
     }
     m_request.reset();
     m_isMade = false;
 }
 
-const FrameImage* FrameImages::now(const Request& request) {
-    if (!has(request.key)) {
+const FrameImage* FrameImages::now(const Key& key, const Ask& ask) {
+    if (!has(key)) {
         stop();
-        m_request = request;
+        m_wanted = key;
+        m_request = ask();
         make();
         const bool isMade = m_isMade;
         takeOver();
@@ -55,7 +56,8 @@ const FrameImage* FrameImages::now(const Request& request) {
     return last();
 }
 
-void FrameImages::start(const Request& request) {
+void FrameImages::start(const Key& key, const Request& request) {
+    m_wanted = key;
     m_request = request;
     m_stop = false;
     m_hasEnded = false;
@@ -77,20 +79,19 @@ void FrameImages::start(const Request& request) {
     }
 }
 
-const FrameImage* FrameImages::soon(const Request& request) {
-    if (has(request.key)) {
+const FrameImage* FrameImages::soon(const Key& key, const Ask& ask) {
+    if (has(key) || (m_request && m_wanted == key)) {
         m_next.reset();
         return last();
     }
     if (m_request) {
-        if (m_request->key == request.key) {
-            m_next.reset();
-        } else {
-            m_next = request;
+        if (!m_next || m_nextKey != key) {
+            m_nextKey = key;
+            m_next = ask();
         }
         return last();
     }
-    start(request);
+    start(key, ask());
     std::unique_lock<std::mutex> lock(m_mutex);
     const bool isEnded = m_ended.wait_for(lock, Blink, [this] { return m_hasEnded; });
     lock.unlock();
@@ -106,7 +107,7 @@ void FrameImages::ended(int generation) {
     }
     takeOver();
     if (m_next) {
-        start(*std::exchange(m_next, std::nullopt));
+        start(m_nextKey, *std::exchange(m_next, std::nullopt));
     }
     emit ready();
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <atomic>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -34,7 +35,6 @@ class FrameImages : public QObject {
     using Key = std::array<quint64, 6>;
 
     struct Request {
-        Key key{};
         FrameView::Kind kind = FrameView::Kind::Absorption;
         double from = 0.0;  ///< as in FrameImage
         double to = 0.0;
@@ -44,14 +44,15 @@ class FrameImages : public QObject {
 
     ~FrameImages() override { stop(); }
 
-    bool has(const Key& key) const { return m_key == key; }
+    /// Asked for what is to be made when there is no image of a key yet.
+    using Ask = std::function<Request()>;
+
     /// The image, made before this returns. Null when memory runs out. Valid, as that of soon(),
     /// until the next call or until the thread's events are handled.
-    const FrameImage* now(const Request& request);
+    const FrameImage* now(const Key& key, const Ask& ask);
     /// The image if it is made within a blink; else that of an earlier call, null for none, and
     /// ready() follows. Of requests that come meanwhile the newest counts.
-    const FrameImage* soon(const Request& request);
-    const FrameImage* last() const { return m_key ? &m_shown : nullptr; }
+    const FrameImage* soon(const Key& key, const Ask& ask);
 
     bool isBusy() const { return m_request.has_value(); }
 
@@ -65,14 +66,18 @@ class FrameImages : public QObject {
     void ready();
 
   private:
-    void start(const Request& request);
+    void start(const Key& key, const Request& request);
     void make();
     void takeOver();
+    bool has(const Key& key) const { return m_key == key; }
+    const FrameImage* last() const { return m_key ? &m_shown : nullptr; }
     void ended(int generation);
 
     std::optional<Key> m_key;  // of m_shown
     FrameImage m_shown;
-    std::optional<Request> m_request;  // under way
+    Key m_wanted{};
+    std::optional<Request> m_request;  // of the image under way, of the key m_wanted
+    Key m_nextKey{};
     std::optional<Request> m_next;
     FrameImage m_made;  // by the thread; its memory serves again
     bool m_isMade = false;

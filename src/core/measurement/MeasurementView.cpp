@@ -76,24 +76,24 @@ const FrameImage* Measurement::frameImage(Wait wait) {
     const TiffData* frame = m_i1.frames().at(m_frame[static_cast<int>(StackId::I1)]);
     const auto [from, to] = isDifference ? differenceEnergies() : qMakePair(0.0, frame->energy);
     const AbsorptionSource& frames = source();
-    FrameImages::Request request;
-    request.key = {static_cast<quint64>(kind),
-                   isDifference ? 0 : static_cast<quint64>(m_frame[static_cast<int>(StackId::I1)]),
-                   bitsOf(from),
-                   bitsOf(to),
-                   m_sourceRevision,
-                   isDifference && m_mapInput ? m_mapInput->revision : 0};
-    if (!m_frameImages.has(request.key)) {
-        request.kind = kind;
-        request.from = from;
-        request.to = to;
-        request.threads = threads();
-        request.pass = std::make_shared<const PixelPass>(
-            isDifference ? differencePass(frames, from, to, m_map->image)
-                         : PixelPass::absorption(frames, frame));
-    }
+    const FrameImages::Key key{
+        static_cast<quint64>(kind),
+        isDifference ? 0 : static_cast<quint64>(m_frame[static_cast<int>(StackId::I1)]),
+        bitsOf(from),
+        bitsOf(to),
+        m_sourceRevision,
+        isDifference && m_mapInput ? m_mapInput->revision : 0};
+    // Structured bindings cannot be captured.
+    const auto ask = [&, first = from, second = to] {
+        return FrameImages::Request{
+            kind, first, second,
+            std::make_shared<const PixelPass>(
+                isDifference ? differencePass(frames, first, second, m_map->image)
+                             : PixelPass::absorption(frames, frame)),
+            threads()};
+    };
     const FrameImage* image =
-        wait == Wait::UntilMade ? m_frameImages.now(request) : m_frameImages.soon(request);
+        wait == Wait::UntilMade ? m_frameImages.now(key, ask) : m_frameImages.soon(key, ask);
     const bool fits =
         image != nullptr && QSize(image->pixels.width, image->pixels.height) == m_size;
     return fits ? image : nullptr;

@@ -16,8 +16,9 @@ void FramePlayer::setPerSecond(int frames) {
 }
 
 void FramePlayer::start() {
-    const bool hasFrames = m_measurement.shownResult() == nullptr && m_measurement.frame() >= 0 &&
-                           m_measurement.shownStack().size() > 1;
+    const Shown shown = m_measurement.settings().shown;
+    const bool hasFrames =
+        (shown == Shown::I1 || shown == Shown::I0) && m_measurement.shownStack().size() > 1;
     if (hasFrames && !isPlaying()) {
         m_isPainted = true;
         m_timer.start();
