@@ -117,9 +117,11 @@ void Analyzed2DRes::takeVisible(const Analyzed2DRes& other) {
 /// Of the points of the grid: pixels beside the area hold no values.
 Analyzed2DRes::Range Analyzed2DRes::visibleExtremes() const {
     Range range{1e300, -1e300};
+    const Array& shown = shownArray();
     forEachPoint(m_grid, [&](int x, int y) {
-        if (m_grid.isInsideImage(x, y)) {
-            widen(visibleValueAt(x, y), &range.min, &range.max);
+        const std::ptrdiff_t pixel = std::ptrdiff_t{y} * m_grid.width + x;
+        if (m_grid.isInsideImage(x, y) && !isBlank(static_cast<std::size_t>(pixel))) {
+            widen(shown.isEmpty() ? 0.0 : shown[pixel], &range.min, &range.max);
         }
     });
     return range;

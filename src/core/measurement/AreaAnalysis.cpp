@@ -65,7 +65,9 @@ class Calibration : public AreaAnalysis {
         }
         m_row.resize(static_cast<std::size_t>(raster.columns));
         for (int column = 0; column < raster.columns; ++column) {
-            m_row[static_cast<std::size_t>(column)] = row.values[column] - m_edges.standard;
+            const double shift = row.values[column] - m_edges.standard;
+            m_row[static_cast<std::size_t>(column)] = shift;
+            m_count.add(shift);
         }
         m_map->image.setRow(raster.firstX, raster.stepX, y, m_grid.halfW, m_grid.halfH,
                             m_row.data(), 1, raster.columns);
@@ -77,7 +79,7 @@ class Calibration : public AreaAnalysis {
         debugTimed(QStringLiteral("End Calibration   "));
     }
 
-    Outcome judgement() const override { return judgeShifts(m_map->image, m_edges); }
+    Outcome judgement() const override { return m_count.judgement(); }
 
   private:
     void sayProgress(int y) {
@@ -88,6 +90,7 @@ class Calibration : public AreaAnalysis {
 
     Result* m_map;
     CalibrationEdges m_edges;
+    ShiftCount m_count{m_edges};
     std::vector<double> m_row;
 };
 

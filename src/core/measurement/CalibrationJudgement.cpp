@@ -23,42 +23,6 @@ QString inEv(double energy) {
     return QString::number(energy, 'f', 2);
 }
 
-/// The bins of a map, counted.
-struct Bins {
-    qint64 all = 0;
-    qint64 withEdge = 0;
-    qint64 farOff = 0;
-    double lowest = 1e300;
-    double highest = -1e300;
-    double sum = 0.0;
-
-    void add(double shift, double withoutEdge) {
-        ++all;
-        if (shift == withoutEdge || !std::isfinite(shift)) {
-            return;
-        }
-        ++withEdge;
-        farOff += std::abs(shift) > MostUsualShift ? 1 : 0;
-        lowest = std::min(lowest, shift);
-        highest = std::max(highest, shift);
-        sum += shift;
-    }
-};
-
-QString summary(const Bins& bins, bool hasStandard) {
-    const QString without = Calibration::tr("%1 of %2 bins without an edge")
-                                .arg(bins.all - bins.withEdge)
-                                .arg(bins.all);
-    if (bins.withEdge == 0) {
-        return without;
-    }
-    const QString range = hasStandard
-                              ? Calibration::tr("Energy shifts from %1 to %2 eV, mean %3 eV; %4")
-                              : Calibration::tr("Edge energies from %1 to %2 eV, mean %3 eV; %4");
-    return range.arg(inEv(bins.lowest), inEv(bins.highest),
-                     inEv(bins.sum / static_cast<double>(bins.withEdge)), without);
-}
-
 }  // namespace
 
 Outcome judgeStandard(const XafsSpectrum* standard, const QVector<Stack::File>& frames) {
@@ -82,22 +46,38 @@ Outcome judgeStandard(const XafsSpectrum* standard, const QVector<Stack::File>& 
             .arg(inEv(edge), inEv(low->energy), inEv(high->energy)));
 }
 
-Outcome judgeShifts(const Analyzed2DRes& map, const CalibrationEdges& edges) {
-    Bins bins;
-    const BinRaster raster = map.grid().raster();
-    for (int row = 0; row < raster.rows; ++row) {
-        for (int column = 0; column < raster.columns; ++column) {
-            bins.add(map.valueAt(raster.x(column), raster.y(row)), edges.none - edges.standard);
-        }
+void ShiftCount::add(double shift) {
+    ++m_all;
+    if (shift == m_edges.none - m_edges.standard || !std::isfinite(shift)) {
+        return;
     }
-    const bool hasStandard = edges.standard != 0.0;
-    Outcome outcome = Outcome::note(summary(bins, hasStandard));
-    const qint64 without = bins.all - bins.withEdge;
-    if (static_cast<double>(without) > MostWithoutEdge * static_cast<double>(bins.all)) {
-        outcome.warnings
-            << Calibration::tr("%1 of %2 bins have no edge").arg(without).arg(bins.all);
+    ++m_withEdge;
+    m_farOff += std::abs(shift) > MostUsualShift ? 1 : 0;
+    m_lowest = std::min(m_lowest, shift);
+    m_highest = std::max(m_highest, shift);
+    m_sum += shift;
+}
+
+QString ShiftCount::summary() const {
+    const QString without =
+        Calibration::tr("%1 of %2 bins without an edge").arg(m_all - m_withEdge).arg(m_all);
+    if (m_withEdge == 0) {
+        return without;
     }
-    if (hasStandard && 2 * bins.farOff > bins.withEdge) {
+    const QString range = m_edges.standard != 0.0
+                              ? Calibration::tr("Energy shifts from %1 to %2 eV, mean %3 eV; %4")
+                              : Calibration::tr("Edge energies from %1 to %2 eV, mean %3 eV; %4");
+    return range.arg(inEv(m_lowest), inEv(m_highest), inEv(m_sum / static_cast<double>(m_withEdge)),
+                     without);
+}
+
+Outcome ShiftCount::judgement() const {
+    Outcome outcome = Outcome::note(summary());
+    const qint64 without = m_all - m_withEdge;
+    if (static_cast<double>(without) > MostWithoutEdge * static_cast<double>(m_all)) {
+        outcome.warnings << Calibration::tr("%1 of %2 bins have no edge").arg(without).arg(m_all);
+    }
+    if (m_edges.standard != 0.0 && 2 * m_farOff > m_withEdge) {
         outcome.warnings
             << Calibration::tr("most shifts are above %1 eV: the standard may be another element's")
                    .arg(MostUsualShift);

@@ -18,10 +18,28 @@ struct CalibrationEdges {
     double none = 0.0;      ///< what stands for the edge of a bin that has none
 };
 
-/// Of a finished map: always a note with the range and mean of the bins that have an edge, and the
-/// number of those that have none. Warns when more than 30 % have none, or when the median of the
-/// others' absolute shifts is above 40 eV.
-Outcome judgeShifts(const Analyzed2DRes& map, const CalibrationEdges& edges);
+/// The bins of a calibration, counted as they come.
+class ShiftCount {
+  public:
+    explicit ShiftCount(const CalibrationEdges& edges) : m_edges(edges) {}
+
+    void add(double shift);
+    /// Always a note with the range and mean of the bins that have an edge, and the number of those
+    /// that have none. Warns when more than 30 % have none, or when the median of the others'
+    /// absolute shifts is above 40 eV.
+    Outcome judgement() const;
+
+  private:
+    QString summary() const;
+
+    CalibrationEdges m_edges;
+    qint64 m_all = 0;
+    qint64 m_withEdge = 0;
+    qint64 m_farOff = 0;
+    double m_lowest = 1e300;
+    double m_highest = -1e300;
+    double m_sum = 0.0;
+};
 
 /// Of a map file that was read, or was not.
 Outcome judgeMapFile(const EMapReading& reading, const QString& fileName, const QSize& size);

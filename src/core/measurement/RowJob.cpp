@@ -7,14 +7,14 @@
 namespace {
 constexpr int TurnMilliseconds = 8;   // then other events have theirs
 constexpr int TellMilliseconds = 40;  // as often as an eye follows
+constexpr int FreeTells = 3;          // the first rows show at once that something goes on
 }  // namespace
 
 void RowJob::start(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
                    std::vector<RasterPass::Evaluate> evaluators) {
     stop();
     m_running = true;
-    m_rows = m_rowsTold = 0;
-    m_sinceTold.invalidate();
+    m_rows = m_rowsTold = m_tells = 0;
     const auto ready = [this, generation = m_generation] { postTakeRows(generation); };
     if (raster.rows > 0 && raster.columns > 0) {
         m_pass = std::make_unique<RasterPass>(source, raster, valuesPerBin, std::move(evaluators),
@@ -36,8 +36,7 @@ void RowJob::stop() {
 }
 
 bool RowJob::isTimeToTell() const {
-    return m_rows > m_rowsTold &&
-           (!m_sinceTold.isValid() || m_sinceTold.hasExpired(TellMilliseconds));
+    return m_rows > m_rowsTold && (m_tells < FreeTells || m_sinceTold.hasExpired(TellMilliseconds));
 }
 
 void RowJob::takeRows(int generation) {
@@ -58,6 +57,7 @@ void RowJob::takeRows(int generation) {
     const bool outOfTime = m_pass && turn.elapsed() >= TurnMilliseconds;
     if (m_pass && isTimeToTell()) {
         m_rowsTold = m_rows;
+        ++m_tells;
         m_sinceTold.start();
         emit progressed();
     }

@@ -45,5 +45,6 @@ class RowJob : public QObject {
     int m_generation = 0;  // of calls that are still on their way
     int m_rows = 0;
     int m_rowsTold = 0;
+    int m_tells = 0;
     QElapsedTimer m_sinceTold;
 };

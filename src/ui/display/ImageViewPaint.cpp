@@ -69,8 +69,9 @@ void ImageView::paintReduced(QPainter* p, const QImage& picture) const {
         m_reduced.image.size() != target.size()) {
         m_reduced.key = picture.cacheKey();
         m_reduced.part = part;
-        m_reduced.image = picture.copy(part).scaled(target.size(), Qt::IgnoreAspectRatio,
-                                                    Qt::SmoothTransformation);
+        const QImage seen = part == picture.rect() ? picture : picture.copy(part);
+        m_reduced.image =
+            seen.scaled(target.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     }
     p->drawImage(target.topLeft(), m_reduced.image);
 }
