@@ -1,5 +1,6 @@
 #include <QImage>
 #include <QRectF>
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -340,6 +341,36 @@ class TestAnalyzed2DRes : public QObject {
                 QVERIFY(map->isValid());
                 QCOMPARE(*map->img(), before);
             }
+        }
+    }
+
+    /// Rows come, the range grows now and then: the picture that is followed up is that of the
+    /// values of this moment, and one of before keeps its own.
+    void aPictureThatFollowsShowsWhatHasCome() {
+        for (const bool fixed : {false, true}) {
+            Analyzed2DRes map;
+            map.startOver(AnalysisGrid::ofArea(5, 6, 0, 0, QRectF(0, 0, 5, 6)));
+            map.setScale(0.0, 2.0);
+            map.setFixedScale(fixed);
+            const MapValues zeros = map.values();
+            map.followUp();
+            for (int y = 0; y < 6; ++y) {
+                const double row[] = {0.5, y % 3 - 0.5, NaN, y / 3 + 1.0, 0.25 * y};
+                map.setRow(0, 1, y, 0, 0, row, 1, 5);
+                map.followUp();
+                const QImage followed = map.img()->copy();
+                Analyzed2DRes same;
+                same.startOver(map.grid());
+                for (int i = 0; i < 5 * (y + 1); ++i) {
+                    same.setData(i % 5, i / 5, 0, 0, map.data()[i]);
+                }
+                same.setScale(0.0, 2.0);
+                same.setFixedScale(fixed);
+                same.genImg();
+                QCOMPARE(followed, *same.img());
+                QVERIFY(map.isValid());
+            }
+            QVERIFY(std::all_of(zeros.begin(), zeros.end(), [](double v) { return v == 0.0; }));
         }
     }
 };

@@ -485,6 +485,49 @@ class TestMeasurement : public QObject {
         m.set(&Settings::area, Area{-5, 3, 400, 5});
         QCOMPARE(m.area(), QRectF(0, 3, Width, 2));
     }
+
+    /// A large map is worked on in the background: the same values as at once, and what stops it
+    /// leaves the map as it was.
+    void largeMapsAreDeglitchedInTheBackground() {
+        Measurement m;
+        QVector<Outcome> ends;
+        connect(&m, &Measurement::ended, this, [&ends](Work work, const Outcome& outcome) {
+            QVERIFY(work == Work::Deglitch);
+            ends << outcome;
+        });
+        constexpr int Size = 700;
+        std::vector<double> row(Size);
+        Analyzed2DRes plain;
+        for (Analyzed2DRes* map : {&plain, &m.map().image}) {
+            map->startOver(AnalysisGrid::ofArea(Size, Size, 0, 0, QRectF(0, 0, Size, Size)));
+            for (int y = 0; y < Size; ++y) {
+                for (int x = 0; x < Size; ++x) {
+                    row[static_cast<std::size_t>(x)] = (x * 31 + y * 17) % 97 == 0 ? 60.0 : x % 7;
+                }
+                map->setRow(0, 1, y, 0, 0, row.data(), 1, Size);
+            }
+        }
+        m.set(&Settings::shown, Shown::Map);
+        const auto begin = [&m] { return !m.deglitch(2.0, 0.1).failed(); };
+        QVERIFY(begin() && m.isAtWork(Work::Deglitch) && !m.whyNotDeglitch().isEmpty());
+        m.stop();
+        QVERIFY(m.working() == Work::None && ends.size() == 1 && ends.last().stopped);
+        QVERIFY(!m.map().deglitched && !m.map().image.showsProc());
+        QVERIFY(begin());
+        QTRY_VERIFY(m.working() == Work::None);
+        QVERIFY(ends.size() == 2 && !ends.last().failed() && m.map().deglitched);
+        plain.setDeglitchConds(2.0, 0.1);
+        plain.deglitch();
+        QVERIFY(std::equal(plain.proc(), plain.proc() + Size * Size, m.map().image.proc()));
+        QCOMPARE(m.map().image.procMax(), plain.procMax());
+        QVERIFY(!m.smoothMap().failed());
+        QTRY_VERIFY(ends.size() == 3);
+        smoothShiftMap(&plain);
+        QVERIFY(std::equal(plain.data(), plain.data() + Size * Size, m.map().image.data()));
+        QVERIFY(begin());
+        m.clearMap();
+        QVERIFY(ends.size() == 4 && ends.last().stopped && m.working() == Work::None);
+    }
 };
 
 TARNWICK_TEST_MAIN(QCoreApplication, TestMeasurement)
