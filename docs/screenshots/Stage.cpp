@@ -110,6 +110,23 @@ void Stage::wheel(const QPoint& at, int notches) {
     settle();
 }
 
+QWidgetList Stage::windows() const {
+    QWidgetList found;
+    const QWidgetList all = QApplication::topLevelWidgets();
+    for (QWidget* window : all) {
+        const auto* dock = qobject_cast<QDockWidget*>(window);
+        if (dock == nullptr && window->isVisible() && !window->windowTitle().isEmpty()) {
+            found << window;
+        }
+    }
+    for (const QDockWidget* dock : m_body.findChildren<QDockWidget*>()) {
+        if (!dock->isHidden() && dock->widget() != nullptr) {
+            found << dock->widget();
+        }
+    }
+    return found;
+}
+
 QImage Stage::picture(QWidget* widget) const {
     return widget->grab().toImage();
 }

@@ -34,6 +34,9 @@ class Stage {
     void select(const QPoint& from, const QPoint& to);
     void wheel(const QPoint& at, int notches);
 
+    /// The open windows and panels with a title, docked ones, too.
+    QWidgetList windows() const;
+
     QImage picture(QWidget* widget) const;
     QString fileOf(const QString& name) const;
     void save(const QImage& image, const QString& name) const;
@@ -49,6 +52,8 @@ QImage sideBySide(const QList<QImage>& images);
 
 /// Pictures of every window.
 void makeWindowPictures(Stage& stage);
+/// Pictures of the main window on screens of several sizes, and of every panel as it is there.
+void makeSizePictures(Stage& stage);
 /// Pictures of failures, warnings, and results that are marked.
 void makeOutcomePictures(Stage& stage);
 /// The pictures of the user guide. All of them in English, those that Japanese chapters show in

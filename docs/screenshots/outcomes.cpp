@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QTabWidget>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include "Stage.h"
 #include "panels/BatchCtrl.h"
@@ -31,6 +32,9 @@ void stopAtWork(Stage& stage, const QString& line, Work work) {
                                                if (now == work && done > 40.0) {
                                                    measurement.stop();
                                                }
+                                               // It waits for who looks: else it is done before
+                                               // anything is told.
+                                               QThread::msleep(50);
                                            });
     stage.run({line});
     QObject::disconnect(watching);

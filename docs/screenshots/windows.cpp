@@ -1,4 +1,3 @@
-#include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -85,11 +84,8 @@ void makeWindowPictures(Stage& stage) {
     stage.save(&stage.body(), QStringLiteral("body-counts"));
     stage.click("ShowMessages");
 
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget* window : windows) {
-        if (window->isVisible() && !window->windowTitle().isEmpty()) {
-            saveWindow(stage, window);
-        }
+    for (QWidget* window : stage.windows()) {
+        saveWindow(stage, window);
     }
     saveQuestion(stage);
 }

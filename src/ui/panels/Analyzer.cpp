@@ -7,6 +7,7 @@
 
 #include "base/Globals.h"
 #include "display/Availability.h"
+#include "display/CheckedButtons.h"
 #include "display/XafsView.h"
 #include "measurement/Display.h"
 #include "panels/AnalyzeProc.h"
@@ -50,6 +51,7 @@ Analyzer::Analyzer(Measurement& measurement, QWidget* parent)
       m_view(std::make_unique<XafsView>()),
       m_worker(std::make_unique<AnalyzeProc>()) {
     m_ui->setupUi(this);
+    colourCheckedButtons(this);
     m_ui->analyzerScroll->viewport()->setAutoFillBackground(false);
     m_ui->analyzerContent->setAutoFillBackground(false);
     for (QWidget* button : {m_ui->AskAnalyze, m_ui->AskRAAnalyze, m_ui->AskDifference}) {

@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "batch/CommandTables.h"
+#include "display/CheckedButtons.h"
 #include "display/ColorBar.h"
 #include "display/ImageView.h"
 #include "display/MessageLine.h"
@@ -91,6 +92,7 @@ Body::Body(QWidget* parent)
       m_saveDataCfg(std::make_unique<SaveDataCfg>(m_measurement)) {
     m_ui->setupUi(this);
     addDataBar(*this, *m_ui);
+    colourCheckedButtons(this);
     fitToFont(*this, *m_ui);
     m_ui->SelectI1Files->setLabel(tr("I1 Data"));
     m_ui->SelectI0Files->setLabel(tr("I0 Data"));

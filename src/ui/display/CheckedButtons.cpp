@@ -1,0 +1,51 @@
+#include "display/CheckedButtons.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QPushButton>
+
+namespace {
+
+constexpr char Coloured[] = "coloured";
+
+void colour(QPushButton* button) {
+    QPalette palette;  // nothing of its own: that of the application
+    if (button->isChecked()) {
+        const QPalette usual = QApplication::palette(button);
+        for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+            palette.setColor(group, QPalette::Button, usual.color(group, QPalette::Highlight));
+            palette.setColor(group, QPalette::ButtonText,
+                             usual.color(group, QPalette::HighlightedText));
+        }
+    }
+    button->setProperty(Coloured, button->isChecked());
+    button->setPalette(palette);
+}
+
+/// Looks when a button is painted: controls are also set in silence.
+class Colouring : public QObject {
+  public:
+    using QObject::QObject;
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* button = static_cast<QPushButton*>(watched);
+        const bool isOther = button->property(Coloured).toBool() != button->isChecked();
+        if ((event->type() == QEvent::Paint && isOther) ||
+            event->type() == QEvent::ApplicationPaletteChange) {
+            colour(button);
+        }
+        return false;
+    }
+};
+
+}  // namespace
+
+void colourCheckedButtons(QWidget* window) {
+    auto* colouring = new Colouring(window);
+    for (QPushButton* button : window->findChildren<QPushButton*>()) {
+        if (button->isCheckable()) {
+            button->installEventFilter(colouring);
+        }
+    }
+}
