@@ -6,7 +6,6 @@
 #include <QStyle>
 #include <QToolBar>
 #include <QVBoxLayout>
-#include <algorithm>
 
 #include "batch/CommandTables.h"
 #include "display/CheckedButtons.h"
@@ -53,11 +52,12 @@ void fitToFont(QMainWindow& window, const Ui::Body& ui) {
         label->setText(label->text().trimmed());  // a narrow column has no room for indents
     }
     const int line = window.fontMetrics().height();
-    int widest = 0;
-    for (int page = 0; page < ui.ToolBox->count(); ++page) {
-        widest = std::max(widest, ui.ToolBox->widget(page)->minimumSizeHint().width());
+    // Its pages would scroll each for itself; the whole column does.
+    QSize page;
+    for (int i = 0; i < ui.ToolBox->count(); ++i) {
+        page = page.expandedTo(ui.ToolBox->widget(i)->minimumSizeHint());
     }
-    ui.ToolBox->setMinimumWidth(widest);  // its pages scroll, but not to the side
+    ui.ToolBox->setMinimumSize(page + QSize(0, 2 * line * ui.ToolBox->count()));
     ui.HCross->setFixedHeight(5 * line);
     ui.VCross->setFixedWidth(5 * line);
     ui.CBar->setFixedWidth(11 * line / 2);
