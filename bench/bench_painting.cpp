@@ -9,6 +9,7 @@
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
+#include <QDockWidget>
 #include <QEventLoop>
 #include <QMouseEvent>
 #include <QPushButton>
@@ -102,6 +103,10 @@ Window::Window()
     m_toPaint << m_view;
     for (CrossSection* section : m_body.findChildren<CrossSection*>()) {
         m_toPaint << section;
+    }
+    for (auto* dock : m_body.findChildren<QDockWidget*>()) {  // no plot behind a tab
+        dock->setFloating(true);
+        dock->resize(720, 500);
     }
     for (XafsView* plot : windowsOfType<XafsView>()) {
         auto* canvas = plot->findChild<QWidget*>(QStringLiteral("Canvas"));

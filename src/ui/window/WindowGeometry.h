@@ -15,8 +15,8 @@ QSettings windowSettings();
 
 void saveWindowGeometry(const QWidget* w, const QString& group, bool popUp);
 
-/// What is missing in the store reads as 400 x 400 at (200, 200), visible, pop-up. A kept place that
-/// is not on a screen is moved to one, see keepOnScreen().
+/// What is missing in the store reads as 400 x 400 at (200, 200), visible, pop-up. A kept place
+/// that is not on a screen is moved to one, see keepOnScreen().
 void restoreWindowGeometry(QWidget* w, const QString& group, bool* popUp);
 
 /// The place of a frame on one of some screens: the one that has most of it, or the first. It is
