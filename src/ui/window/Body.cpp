@@ -144,7 +144,7 @@ QList<QAction*> Body::addWindows() {
         windows->add(window);
     }
     m_layout = new Layout(this, docks, others);
-    m_layout->startWindow();
+    m_layout->close();
     auto* start = new QAction(tr("Start &Layout"), this);
     start->setObjectName(QStringLiteral("actionStartLayout"));
     start->setToolTip(tr("Put all windows where they were when the program was new"));

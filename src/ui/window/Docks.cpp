@@ -61,10 +61,6 @@ Docks::Docks(QMainWindow* window, const Panels& panels) : QObject(window), m_win
             messages->showNewest();
         }
     });
-    place();
-    for (const Dock& each : m_docks) {
-        each.dock->hide();
-    }
 }
 
 template <class Base>
@@ -141,6 +137,9 @@ void Docks::place() {
         if (each.place == Place::Side && each.dock != side) {
             m_window->tabifyDockWidget(side, each.dock);
         }
+    }
+    for (const Dock& each : m_docks) {
+        each.dock->hide();
     }
 }
 

@@ -36,9 +36,10 @@ class Docks : public QObject {
     Q_OBJECT
 
   public:
-    /// All are closed, in the places of the start layout.
     Docks(QMainWindow* window, const Panels& panels);
 
+    /// Closes all, each in its place of the start layout.
+    void place();
     /// The layout that the program starts with, for the present size of the window: the plots above
     /// the analyzer, or beside it where there is room for both plots. The others open as tabs of
     /// the analyzer, where they hide no plot.
@@ -65,7 +66,6 @@ class Docks : public QObject {
     QDockWidget* first(Place place) const;
     void asked(QDockWidget* dock, PanelAsked what);
     Room room() const;
-    void place();
 
     QMainWindow* m_window;
     std::vector<Dock> m_docks;

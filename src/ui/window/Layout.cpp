@@ -53,6 +53,11 @@ void Layout::restore() {
     restoreWindows();
 }
 
+void Layout::close() {
+    startWindow();
+    m_docks->place();
+}
+
 bool Layout::restoreDocks() {
     const bool isRestored =
         m_window->restoreState(windowSettings().value(StateKey).toByteArray(), Version);
@@ -77,8 +82,9 @@ void Layout::save() const {
     QSettings settings = windowSettings();
     settings.setValue(GeometryKey, m_window->saveGeometry());
     settings.setValue(StateKey, m_window->saveState(Version));
-    for (const QWidget* window : m_windows) {
+    for (QWidget* window : m_windows) {
         if (window->testAttribute(Qt::WA_Moved)) {  // it has been open
+            window->hide();                         // next time it is opened when it is wanted
             saveWindowGeometry(window, window->objectName(), false);
         }
     }

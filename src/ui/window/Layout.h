@@ -22,12 +22,14 @@ class Layout : public QObject {
     void restore();
     /// The start layout, also of the main window itself.
     void start();
-    /// Puts a main window that is new into its place of the start layout; no dock opens.
-    void startWindow();
-    /// For the next restore(), if there has been one.
+    /// The same with all docks closed, for a batch to open what it wants.
+    void close();
+    /// For the next restore(), if there has been one; at the end of the program. The windows beside
+    /// the docks keep their places, and are closed.
     void save() const;
 
   private:
+    void startWindow();
     bool restoreDocks();
     void restoreWindows();
     void keepFloatsOnScreen();
