@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/Globals.h"
+#include "drawing/MapPicture.h"
 #include "maps/Analyzed2DRes.h"
 
 namespace {
@@ -60,6 +61,38 @@ void GenImg(benchmark::State& state) {
     }
 }
 
+/// The view's picture of 2048 x 2048 pixels with the values below and above marked.
+void ViewPicture(benchmark::State& state) {
+    constexpr int side = 2 * Size;
+    std::vector<double> values;
+    for (int i = 0; i < side * side; ++i) {
+        values.push_back(valueOf(i % side, i / side));
+    }
+    const MapColoring coloring{colorScaleOf("viridis"), -3.0, 1.5, true};
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(
+            mapPicture({values.data(), side, side, QRect(0, 0, side, side), nullptr}, coloring));
+    }
+}
+
+/// Percentiles of 2048 x 2048 pixels; the argument is the half width of the bins.
+void RobustRange(benchmark::State& state) {
+    constexpr int side = 2 * Size;
+    const int half = static_cast<int>(state.range(0));
+    Analyzed2DRes result;
+    result.startOver(AnalysisGrid::ofArea(side, side, half, half, QRectF(0, 0, side, side)));
+    forEachPoint(
+        result.grid(),
+        [&](int x, int y) { result.setData(x, y, half, half, valueOf(x * 7919 % side, y)); },
+        [](int) {});
+    for (auto _ : state) {
+        state.PauseTiming();
+        result.genImg();
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(result.robustRange());
+    }
+}
+
 /// The argument tells whether one value a point is written, or one a pixel.
 void TiffDataForSave(benchmark::State& state) {
     Analyzed2DRes result;
@@ -76,6 +109,8 @@ void TiffDataForSave(benchmark::State& state) {
 BENCHMARK(CopyArray)->Unit(benchmark::kMillisecond);
 BENCHMARK(SetData)->Arg(0)->Arg(2)->Unit(benchmark::kMillisecond);
 BENCHMARK(GenImg)->Unit(benchmark::kMillisecond);
+BENCHMARK(ViewPicture)->Unit(benchmark::kMillisecond);
+BENCHMARK(RobustRange)->Arg(0)->Arg(2)->Unit(benchmark::kMillisecond);
 BENCHMARK(TiffDataForSave)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -2,7 +2,9 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QSignalSpy>
+#include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 
 #include "Mouse.h"
@@ -48,6 +50,13 @@ QList<QAction*> menuOf(ColorBar* bar) {
     return bar->findChild<QMenu*>()->actions();
 }
 
+void chooseIn(ColorBar* bar, const char* name) {
+    menuOf(bar);
+    bar->findChild<QMenu*>()->findChild<QAction*>(name)->trigger();
+}
+
+using Gesture = std::function<void(Bar*)>;
+
 // Number of pixels of a colour's kind in a column of a grab.
 int inkIn(const QImage& grab, int x, const QColor& ink) {
     int count = 0;
@@ -58,6 +67,9 @@ int inkIn(const QImage& grab, int x, const QColor& ink) {
 }
 
 }  // namespace
+
+Q_DECLARE_METATYPE(Gesture)
+Q_DECLARE_METATYPE(MapRange::Kind)
 
 // The colour bar and the cross sections beside the image view.
 class BarsTest : public QObject {
@@ -156,7 +168,7 @@ class BarsTest : public QObject {
     void menuFixesTheRange() {
         Bar bar;
         QSignalSpy percentiles(&bar, &ColorBar::percentilesAsked);
-        QCOMPARE(menuOf(&bar).size(), 3);
+        QCOMPARE(menuOf(&bar)[3]->isSeparator(), true);
         menuOf(&bar)[0]->trigger();
         QCOMPARE(percentiles.count(), 1);
         menuOf(&bar)[1]->trigger();  // the whole range of this frame
@@ -166,27 +178,113 @@ class BarsTest : public QObject {
         QVERIFY(!menuOf(&bar)[2]->isChecked());
         menuOf(&bar)[2]->trigger();
         QVERIFY(bar.isAuto());
-        bar.showResult(resultColors());
-        QCOMPARE(menuOf(&bar).size(), 1);
-        QVERIFY(!menuOf(&bar)[0]->isEnabled());
     }
 
-    void resultsCannotBeChanged() {
+    // Maps by the same gestures, which leave the range of the frames as it is.
+    void mapsHaveTheirOwnRange_data() {
+        columns<Gesture, MapRange::Kind, double, double>("gesture", "kind", "low", "high");
+        const auto key = [](Qt::Key pressed, Qt::KeyboardModifiers held = {}) {
+            return [=](Bar* bar) { QTest::keyClick(bar, pressed, held); };
+        };
+        const auto chosen = [](const char* name) { return [=](Bar* bar) { chooseIn(bar, name); }; };
+        using Kind = MapRange::Kind;
+        const auto wheel = [](Bar* bar) { Mouse::wheel(bar, UpperEnd, 1); };
+        QTest::newRow("wheel") << Gesture(wheel) << Kind::Fixed << 0.5 - 1 / 1.1 << 0.5 + 1 / 1.1;
+        QTest::newRow("double click")
+            << Gesture([](Bar* bar) { Mouse::doubleClick(bar, QPointF(12, 150)); }) << Kind::Robust
+            << -0.5 << 1.5;
+        QTest::newRow("arrow") << Gesture(key(Qt::Key_Up)) << Kind::Fixed << -0.5 << 1.52;
+        QTest::newRow("large step")
+            << Gesture(key(Qt::Key_Down, Qt::ShiftModifier)) << Kind::Fixed << -0.5 << 1.3;
+        QTest::newRow("lower end") << Gesture([](Bar* bar) {
+            QTest::keyClick(bar, Qt::Key_Tab);
+            QTest::keyClick(bar, Qt::Key_PageUp);
+        }) << Kind::Fixed << -0.3 << 1.5;
+        QTest::newRow("Home") << Gesture(key(Qt::Key_Home)) << Kind::Robust << -0.5 << 1.5;
+        QTest::newRow("typed") << Gesture([](Bar* bar) {
+            QTest::keyClick(bar, Qt::Key_Space);
+            QTest::keyClick(bar, Qt::Key_Return);
+            bar->findChild<QLineEdit*>()->setText("0.25");
+            QTest::keyClick(bar->findChild<QLineEdit*>(), Qt::Key_Return);
+        }) << Kind::Fixed << 0.25
+                               << 1.5;
+        QTest::newRow("full") << Gesture(chosen("range1")) << Kind::Full << -0.5 << 1.5;
+        QTest::newRow("these limits") << Gesture(chosen("range3")) << Kind::Fixed << -0.5 << 1.5;
+        QTest::newRow("stated") << Gesture(chosen("range0")) << Kind::Stated << -0.5 << 1.5;
+    }
+
+    void mapsHaveTheirOwnRange() {
+        QFETCH(Gesture, gesture);
         Bar bar;
+        bar.show();
         bar.setAuto(false);
-        bar.showResult(resultColors());
-        bar.setRange(-0.5, 1.5);
-        QSignalSpy changed(&bar, &ColorBar::newBar);
-        Mouse::drag(&bar, UpperEnd, LowerEnd);
-        Mouse::wheel(&bar, UpperEnd, 3);
-        Mouse::doubleClick(&bar, QPointF(12, 5));
-        QCOMPARE(bar.rangeMin(), -0.5);
-        QCOMPARE(bar.rangeMax(), 1.5);
-        QCOMPARE(changed.count(), 0);
-        QVERIFY(!bar.isAuto());  // that of the frames
-        bar.showFrames(frameColors());
+        bar.showMap({}, {&resultColors(), -0.5, 1.5, true});
+        QApplication::setActiveWindow(&bar);
+        bar.setFocus(Qt::TabFocusReason);
+        QSignalSpy ofFrames(&bar, &ColorBar::newBar);
+        MapRange range{MapRange::Kind::Stated, 7.0, 8.0};
+        connect(&bar, &ColorBar::rangeChosen, [&range](const MapRange& r) { range = r; });
+        gesture(&bar);
+        QTEST(range.kind, "kind");
+        QFETCH(double, low);
+        QFETCH(double, high);
+        QVERIFY(std::abs(bar.rangeMin() - low) < 1e-12 && std::abs(bar.rangeMax() - high) < 1e-12);
+        if (range.kind == MapRange::Kind::Fixed) {
+            QCOMPARE(range.low, bar.rangeMin());
+            QCOMPARE(range.high, bar.rangeMax());
+        }
+        QCOMPARE(ofFrames.count(), 0);
+        bar.showFrames();
         QCOMPARE(bar.rangeMin(), 100.0);
         QCOMPARE(bar.rangeMax(), 500.0);
+    }
+
+    void rangeAbout0StaysSo() {
+        Bar bar;
+        MapView view;
+        view.colors.scale = colorScaleOf("vik");
+        bar.showMap(view, {view.colors.scale, -2.0, 2.0, true});
+        for (int i = 0; i < 30; ++i) {
+            Mouse::drag(&bar, UpperEnd, UpperEnd + QPointF(0, i < 20 ? 5000 : -40));
+            QVERIFY(bar.rangeMax() > 0.0);
+            QCOMPARE(bar.rangeMin(), -bar.rangeMax());
+        }
+    }
+
+    void menuChoosesColours() {
+        for (const bool ofMap : {true, false}) {
+            Bar bar;
+            if (ofMap) {
+                bar.showMap({}, {&resultColors(), 0.0, 1.0, true});
+            }
+            ViewColors colors;
+            connect(&bar, &ColorBar::colorsChosen, [&colors](const ViewColors& c) { colors = c; });
+            chooseIn(&bar, "cividis");
+            chooseIn(&bar, "reversed");
+            QVERIFY((colors == ViewColors{colorScaleOf("cividis"), true}));
+            chooseIn(&bar, ofMap ? "heat" : "grey");
+            QVERIFY((colors == ViewColors{nullptr, true}));
+        }
+    }
+
+    void coloursBeyondTheEndsStandOut() {
+        const auto distance = [](const ColorScale::Rgb& a, const ColorScale::Rgb& b) {
+            return std::hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2]);
+        };
+        for (const ColorScale& scale : colorScales()) {
+            const auto standsOut = [&](const ColorScale::Rgb& rgb, double least) {
+                return std::all_of(scale.table, scale.table + scale.last + 1,
+                                   [&](const auto& own) { return distance(own, rgb) > least; });
+            };
+            QVERIFY2(standsOut(scale.blank, 70), scale.id);
+            QVERIFY2(standsOut(scale.below, 120) && standsOut(scale.above, 120), scale.id);
+            QVERIFY(distance(scale.below, scale.above) > 120);
+            QVERIFY(distance(scale.below, scale.blank) > 90);
+            QVERIFY(distance(scale.above, scale.blank) > 120);
+            const ColorScale& turned = reversed(scale);
+            QVERIFY(std::equal(scale.table, scale.table + scale.last + 1,
+                               std::make_reverse_iterator(turned.table + scale.last + 1)));
+        }
     }
 
     void barShowsTheColours() {
@@ -194,8 +292,7 @@ class BarsTest : public QObject {
         const auto at = [&](int y) { return bar.grab().toImage().pixelColor(15, y); };
         QVERIFY(at(40).red() > 200 && at(40).red() == at(40).blue());
         QVERIFY(at(225).red() < 50);
-        bar.showResult(resultColors());
-        bar.setRange(0, 1);
+        bar.showMap({}, {&resultColors(), 0.0, 1.0, false});
         QVERIFY(at(40).red() == 255 && at(40).blue() > 100);
         QVERIFY(at(140).red() == 255 && at(140).blue() == 0);
         QVERIFY(at(225).red() < 150 && at(225).green() == 0);
@@ -207,14 +304,17 @@ class BarsTest : public QObject {
         for (const auto& [low, high] : ranges) {
             for (const ColorScale& colors : colorScales()) {
                 Bar bar;
-                bar.showResult(colors);
-                bar.setRange(low, high);
+                MapView view;
+                view.colors.scale = &colors;
+                bar.showMap(view, {&colors, low, high, true});
                 const QImage grab = bar.grab().toImage();
                 if (!(high > low)) {
-                    QCOMPARE(grab.pixelColor(15, 40), QColor(Qt::black));
-                    QCOMPARE(grab.pixelColor(15, 220), QColor(Qt::black));
+                    const auto& [red, green, blue] = colors.table[0];
+                    QCOMPARE(grab.pixelColor(15, 60), QColor(red, green, blue));
+                    QCOMPARE(grab.pixelColor(15, 220), QColor(red, green, blue));
                 }
-                bar.showFrames(colors);
+                bar.setDataRange(low, high);
+                bar.showFrames(view.colors);
                 Mouse::drag(&bar, UpperEnd, LowerEnd);
                 Mouse::wheel(&bar, UpperEnd, 1);
                 QVERIFY(bar.isAuto());

@@ -1,14 +1,19 @@
 #include <QImage>
+#include <QRectF>
 #include <cmath>
 #include <limits>
+#include <memory>
+#include <tuple>
 #include <vector>
 
 #include "TestMain.h"
 #include "TinyStacks.h"
+#include "drawing/CompositePicture.h"
 #include "drawing/FramePicture.h"
 #include "drawing/Profiles.h"
 #include "drawing/ValuePicture.h"
 #include "frames/TiffData.h"
+#include "maps/Analyzed2DRes.h"
 
 namespace {
 const double Infinity = std::numeric_limits<double>::infinity();
@@ -20,6 +25,71 @@ class PicturesTest : public QObject {
     Q_OBJECT
 
   private slots:
+    // The picture of a map through the stated colours and range is the one it makes itself.
+    void statedMapsAreTheirOwnPictures_data() {
+        columns<double, double>("low", "high");
+        QTest::newRow("of all values") << NotANumber << NotANumber;
+        QTest::newRow("fixed") << -0.3 << 0.7001;
+        QTest::newRow("outside") << 2.0 << 3.0;
+        QTest::newRow("of no width") << 0.5 << 0.5;
+    }
+
+    void statedMapsAreTheirOwnPictures() {
+        QFETCH(double, low);
+        QFETCH(double, high);
+        Analyzed2DRes map;
+        map.markGaps();
+        map.startOver(AnalysisGrid::ofArea(61, 37, 1, 0, QRectF(0, 0, 61, 37)));
+        forEachPoint(map.grid(), [&map](int x, int y) {
+            const double value = std::sin(x * 37.7 + y * 11.3);
+            map.setData(x, y, 1, 0, x == y ? NotANumber : x == 2 * y ? Infinity : value);
+        });
+        if (!std::isnan(low)) {
+            map.setScale(low, high);
+            map.setFixedScale(true);
+        }
+        std::vector<bool> mask(61 * 37);
+        mask[100] = mask[1000] = true;
+        map.setMask(std::make_shared<const std::vector<bool>>(mask));
+        MapColoring coloring{&resultColors(), map.rangeMin(), map.rangeMax(), false};
+        const ShownValues values{map.shown(), 61, 37, QRect(0, 0, 61, 37), &mask};
+        const QImage own = map.img()->convertToFormat(QImage::Format_RGB32);
+        QCOMPARE(mapPicture(values, coloring), own);
+        // Marked, only what lies outside differs.
+        coloring.marksOutside = true;
+        const QImage marked = mapPicture(values, coloring);
+        const auto& [below, above] = std::tie(resultColors().below, resultColors().above);
+        for (int y = 0; y < 37; ++y) {
+            for (int x = 0; x < 61; ++x) {
+                const double value = map.visibleValueAt(x, y);
+                const bool isRange = coloring.high > coloring.low;
+                const QRgb wanted =
+                    isRange && value < coloring.low    ? qRgb(below[0], below[1], below[2])
+                    : isRange && value > coloring.high ? qRgb(above[0], above[1], above[2])
+                                                       : own.pixel(x, y);
+                QCOMPARE(marked.pixel(x, y), wanted);
+            }
+        }
+    }
+
+    void compositesMixLight() {
+        const double red[] = {0.0, 1.0, 0.5, 2.0, NotANumber, 0.0};
+        const double blue[] = {0.0, 0.0, 0.5, -1.0, 1.0, 1.0};
+        const std::vector<bool> masked{false, false, false, false, false, true};
+        const QRect all(0, 0, 6, 1);
+        const QImage mixed = compositePicture(
+            {{ShownValues{red, 6, 1, all, nullptr}, {}, ShownValues{blue, 6, 1, all, &masked}},
+             0.0,
+             1.0});
+        // 0.5 of the light has the code 188.
+        const QRgb wanted[] = {qRgb(0, 0, 0),   qRgb(255, 0, 0),     qRgb(188, 0, 188),
+                               qRgb(255, 0, 0), qRgb(128, 128, 128), qRgb(128, 128, 128)};
+        for (int x = 0; x < 6; ++x) {
+            QCOMPARE(mixed.pixel(x, 0), wanted[x]);
+        }
+        QVERIFY(compositePicture({}).isNull());
+    }
+
     void framesGoThroughTheColours_data() {
         columns<double, double, bool>("low", "high", "empty");
         QTest::newRow("all counts") << 0.0 << 65535.0 << false;

@@ -107,6 +107,7 @@ class TestCommands : public QObject {
     void addPictureCases();
     void addAnalyzerCases();
     void addMapCases();
+    void addColourCases();
     void addCalibrationCases();
     void addSaveDataCases();
 
@@ -130,6 +131,7 @@ class TestCommands : public QObject {
         addPictureCases();
         addAnalyzerCases();
         addMapCases();
+        addColourCases();
         addCalibrationCases();
         addSaveDataCases();
         QSet<int> ids;
@@ -478,7 +480,31 @@ void TestCommands::addMapCases() {
     add("analyzer_select_map chi2_reduced", [=] {
         return maps()->currentText() == "Reduced chi-square of the fit" &&
                control<ColorBar>("CBar", m_body.get())->rangeMax() ==
-                   m_body->measurement().find(ResultId::Chi2Reduced)->image.rangeMax();
+                   m_body->measurement().find(ResultId::Chi2Reduced)->image.robustRange().second;
+    });
+}
+
+/// Ranges and colours of maps, and what is saved of them.
+void TestCommands::addColourCases() {
+    const auto view = [this](ResultId id) { return m_body->measurement().settings().views[id]; };
+    const auto fixed = [](double low, double high) {
+        return MapRange{MapRange::Kind::Fixed, low, high};
+    };
+    add("set_view_range FRACTION -1 2.5", {"analyzer_exec_LCF"}, [=] {
+        return view(ResultId::Ratio).range == fixed(-1, 2.5) &&
+               view(ResultId::DMut).range.kind == MapRange::Kind::Robust;
+    });
+    add(
+        "set_colour_map fraction vik",
+        {"analyzer_select_map fraction 1", "set_view_range fraction -0.25 3"},
+        [=] { return control<ColorBar>("CBar", m_body.get())->rangeMin() == -3.0; },
+        [=] { return view(ResultId::Ratio).colors.isStated(); });
+    add("set_colour_map maps Cividis reversed", [=] {
+        return view(ResultId::Shift).colors == ViewColors{colorScaleOf("cividis"), true};
+    });
+    add("save_composite " + file("both.png") + " 1 none 0", {"set_colour_map maps stated"}, [=] {
+        const QImage picture(file("both.png"));
+        return picture.width() > 10 * Size;
     });
 }
 

@@ -213,16 +213,24 @@ class TestRecord : public QObject {
         measurement.choose(ResultId::Ratio, 0);
         measurement.set(&Settings::savesMasked, true);
         QVERIFY(!measurement.setMask(5.0).failed());
+        MapViews views = measurement.settings().views;  // robust, in the window
+        views[ResultId::Ratio].colors = ViewColors{colorScaleOf("viridis"), true};
+        measurement.set(&Settings::views, views);
         QVERIFY(!saveImageWithBar(measurement, file("bar.png")).failed());
+        views[ResultId::Ratio].range = {MapRange::Kind::Fixed, -0.1, 1.0 / 3.0};
+        measurement.set(&Settings::views, views);
+        QVERIFY(!saveImage(measurement, file("fixed.png")).failed());
+        measurement.set(&Settings::composite, Composite{{-1, 1, 0}});
+        QVERIFY(!saveImage(measurement, file("both.png")).failed());
         // A saved map, its picture, or the file with all of them, alone tells as much.
-        for (const char* name : {"ratio.tif", "results.h5", "bar.png"}) {
+        for (const char* name : {"ratio.tif", "results.h5", "bar.png", "fixed.png", "both.png"}) {
             QProcess record;
             record.start(TARNWICK_BATCH, {"--record", file(name)});
             QVERIFY(record.waitForFinished(50000) && record.exitCode() == 0);
             const QByteArray wanted = contentOf(file(name));
             QVERIFY(QFile::remove(file(name)));
             QCOMPARE(runAgain(record.readAllStandardOutput()).code, 0);
-            QVERIFY(!wanted.isEmpty() && contentOf(file(name)) == wanted);
+            QVERIFY2(!wanted.isEmpty() && contentOf(file(name)) == wanted, name);
         }
     }
 

@@ -54,6 +54,47 @@ class TestAnalyzed2DRes : public QObject {
     Q_OBJECT
 
   private slots:
+    void percentilesOfBins_data() {
+        columns<int, int, double, double>("bins", "blanks", "low", "high");
+        // Values 0, 1, 2 ... in wild order; some bins are no numbers.
+        QTest::newRow("few") << 49 << 0 << 0.0 << 48.0;
+        QTest::newRow("more") << 51 << 0 << 1.0 << 49.0;
+        QTest::newRow("many") << 1000 << 0 << 10.0 << 989.0;
+        QTest::newRow("with blanks") << 1000 << 499 << 5.0 << 495.0;
+        QTest::newRow("one") << 1 << 0 << 0.0 << 0.0;
+    }
+
+    void percentilesOfBins() {
+        QFETCH(int, bins);
+        QFETCH(int, blanks);
+        const int finite = bins - blanks;
+        Values values;
+        for (int i = 0; i < bins; ++i) {
+            values << (i < finite ? double(i * 7919 % finite) : (i % 3 != 0 ? NaN : Inf));
+        }
+        const auto map = mapOf(3 * bins, 3, 1, values);
+        map->genImg();
+        QTEST(map->robustRange().first, "low");
+        QTEST(map->robustRange().second, "high");
+    }
+
+    void percentilesKeepToWhatIsFilledAndNotMasked() {
+        // Two rows of a map of four, with pixels around the area; zeros elsewhere.
+        Analyzed2DRes map;
+        map.startOver(AnalysisGrid::ofArea(20, 20, 1, 1, QRectF(2, 3, 12, 12)));
+        QCOMPARE(map.robustRange(), std::make_pair(1e300, -1e300));
+        const Values row{5, 6, 7, 8};
+        map.setRow(3, 3, 4, 1, 1, row.constData(), 1, 4);
+        map.setRow(3, 3, 7, 1, 1, row.constData(), 1, 4);
+        map.genImg();
+        QCOMPARE(map.filled(), QRect(2, 3, 12, 6));
+        QCOMPARE(map.robustRange(), std::make_pair(5.0, 8.0));
+        std::vector<bool> mask(400);
+        mask[4 * 20 + 3] = mask[7 * 20 + 3] = true;
+        map.setMask(std::make_shared<const std::vector<bool>>(mask));
+        QCOMPARE(map.robustRange(), std::make_pair(6.0, 8.0));
+    }
+
     void aRowOfBinsIsThatOfEachBin_data() {
         columns<int, int, int>("x", "y", "half");
         QTest::newRow("pixels") << 1 << 2 << 0;

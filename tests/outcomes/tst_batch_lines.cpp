@@ -25,6 +25,12 @@ QString badTextOf(ArgKind kind) {
         case ArgKind::Constraints:
         case ArgKind::MapName:
         case ArgKind::MaskLimit:
+        case ArgKind::RangeOf:
+        case ArgKind::RangeEnd:
+        case ArgKind::Viewed:
+        case ArgKind::ScaleName:
+        case ArgKind::Reversed:
+        case ArgKind::Channel:
             return QStringLiteral("furlong");
         default:
             return QString();
@@ -51,6 +57,12 @@ QString goodTextOf(ArgKind kind) {
             return QStringLiteral("BOTH");
         case ArgKind::MapName:
             return QStringLiteral("r");
+        case ArgKind::Viewed:
+            return QStringLiteral("Frames");
+        case ArgKind::ScaleName:
+            return QStringLiteral("Inferno");
+        case ArgKind::Reversed:
+            return QStringLiteral("REVERSED");
         default:
             return QStringLiteral("3");
     }
@@ -142,6 +154,15 @@ class TestBatchLines : public QObject {
         add("LOAD\nset_frame_view difference 7000 7400", "failed", "lies outside those of the fr");
         add("LOAD\nset_frame_view difference 7100.5\nsave_image_with_bar d.png", "done");
         add("set_frame_view difference 7100 7400\nLOAD\nsave_image d.png", "failed", "outside");
+        add("set_view_range 5 robust", "failed", "'robust' is not a number");
+        add("set_view_range 5 6 7", "warning", "'7' is ignored");
+        add("set_view_range fraction", "failed", "too few arguments");
+        add("set_view_range fraction 1", "failed", "too few arguments");
+        add("set_view_range fraction 1 0.5", "failed", "must lie above");
+        add("set_view_range maps full 1", "warning", "'1' is ignored");
+        add("set_view_range frames 0 1", "failed", "neither a number nor a map");
+        add("set_colour_map fraction rainbow", "failed", "no such colour map");
+        add("set_colour_map frames vik REVERSED", "done");
         add("set_energy_pattern I1 [ eV", "failed", "not a regular expression");
         add("move_position 3 3", "failed", "no image");
         add("LOAD\nmove_position 12 3", "failed", "12 x 8 pixels");

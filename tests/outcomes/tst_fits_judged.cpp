@@ -126,6 +126,18 @@ class TestFitsJudged : public QObject {
         const auto add = OutcomeCases::add;
         const QString fit("LOAD\nREFS\nanalyzer_exec_LCF\n");
         const char* const again = "run again with error maps";
+        const QString picture = fit + "save_composite x.png ";
+        add("a composite", {}, picture + "none 1 0", "done", "");
+        add("of no reference", {}, picture + "none", "failed", "no reference is chosen");
+        add("of the same twice", {}, picture + "1 1", "failed", "reference 1 has two colours");
+        add("of one that there is not", {}, picture + "0 2", "failed", "no reference panel 2");
+        add("of one that took no part", {},
+            "LOAD\nREFS\nanalyzer_set_LCF_std 1 0 0 b.dat 0\nanalyzer_exec_LCF\n"
+            "save_composite x.png 0 1",
+            "failed", "no map of the fraction of reference 1");
+        add("of a fit of other bins", {}, fit + "set_band_w 2\nsave_composite x.png 0", "warning",
+            "the result is with other bins");
+        add("into no picture", {}, fit + "save_composite x.txt 0", "failed", "");
         add("no mask without errors", {}, fit + "set_mask 5", "failed", again);
         add("nor such a map", {}, fit + "analyzer_select_map R", "failed", again);
         add("nor a masked file", {},

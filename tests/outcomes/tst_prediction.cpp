@@ -46,6 +46,18 @@ QStringList argumentsOf(ArgKind kind) {
             return {"fraction", "R", "difference", "share"};
         case ArgKind::MaskLimit:
             return {"5", "off", "0"};
+        case ArgKind::RangeOf:
+            return {"0", "fraction", "maps", "share"};
+        case ArgKind::RangeEnd:
+            return {"1", "robust", "fixed"};
+        case ArgKind::Viewed:
+            return {"fraction", "maps", "frames", "share"};
+        case ArgKind::ScaleName:
+            return {"viridis", "stated", "rainbow"};
+        case ArgKind::Reversed:
+            return {"reversed", "1"};
+        case ArgKind::Channel:
+            return {"0", "1", "none", "-1", "7", "red"};
     }
     return {};
 }

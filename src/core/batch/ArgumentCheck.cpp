@@ -17,6 +17,43 @@ bool isOneOf(const QString& text, std::initializer_list<const char*> words) {
     });
 }
 
+bool isNumber(const QString& text) {
+    bool ok = false;
+    return std::isfinite(text.toDouble(&ok)) && ok;
+}
+
+/// Why the text is not of its kind, of those that speak of pictures; empty: it is.
+QString refusalInView(ArgKind kind, const QString& text) {
+    switch (kind) {
+        case ArgKind::RangeOf:
+            return isNumber(text) || !mapsOfName(text).empty()
+                       ? QString()
+                       : Batch::tr("neither a number nor a map: %1").arg(text);
+        case ArgKind::RangeEnd:
+            return isNumber(text) || rangeOfWord(text)
+                       ? QString()
+                       : Batch::tr("neither a number nor robust, full or stated: %1").arg(text);
+        case ArgKind::Viewed:
+            return isOneOf(text, {"frames"}) || !mapsOfName(text).empty()
+                       ? QString()
+                       : Batch::tr("no such map: %1").arg(text);
+        case ArgKind::ScaleName:
+            return colorsOfWord(text) ? QString() : Batch::tr("no such colour map: %1").arg(text);
+        case ArgKind::Reversed:
+            return isOneOf(text, {"reversed"}) ? QString()
+                                               : Batch::tr("not 'reversed': %1").arg(text);
+        case ArgKind::Channel: {
+            bool ok = isOneOf(text, {"none"});
+            if (!ok) {
+                text.toInt(&ok);
+            }
+            return ok ? QString() : Batch::tr("neither none nor an integer: %1").arg(text);
+        }
+        default:
+            return QString();
+    }
+}
+
 /// Why the text is not of its kind; empty: it is.
 QString refusal(ArgKind kind, const QString& text) {
     bool ok = true;
@@ -26,8 +63,7 @@ QString refusal(ArgKind kind, const QString& text) {
             text.toInt(&ok);
             return ok ? QString() : Batch::tr("'%1' is not an integer").arg(text);
         case ArgKind::Real:
-            ok = std::isfinite(text.toDouble(&ok)) && ok;
-            return ok ? QString() : Batch::tr("'%1' is not a number").arg(text);
+            return isNumber(text) ? QString() : Batch::tr("'%1' is not a number").arg(text);
         case ArgKind::Stack:
             ok = isOneOf(text, {"I1", "I0"});
             return ok ? QString() : Batch::tr("neither I1 nor I0: %1").arg(text);
@@ -56,6 +92,13 @@ QString refusal(ArgKind kind, const QString& text) {
         case ArgKind::MaskLimit:
             ok = maskOfWord(text).has_value();
             return ok ? QString() : Batch::tr("neither off nor a number above 0: %1").arg(text);
+        case ArgKind::RangeOf:
+        case ArgKind::RangeEnd:
+        case ArgKind::Viewed:
+        case ArgKind::ScaleName:
+        case ArgKind::Reversed:
+        case ArgKind::Channel:
+            return refusalInView(kind, text);
         case ArgKind::Text:
         case ArgKind::Mode:
         case ArgKind::InFile:

@@ -17,13 +17,11 @@ BatchRunner::BatchRunner(Measurement& measurement) : m_measurement(measurement) 
     connect(&m_dispatcher, &BatchDispatcher::execCmd, this, &BatchRunner::execCmd);
     connect(&m_dispatcher, &BatchDispatcher::started, this, [this] {
         m_pacing.batchStarted();
-        leaveOutErrors();
+        m_window.setAside(m_measurement);
     });
     connect(&m_dispatcher, &BatchDispatcher::ended, this, [this] {
         m_pacing.batchEnded();
-        if (const std::optional<bool> before = std::exchange(m_errorMaps, std::nullopt)) {
-            m_measurement.set(&Settings::errorMaps, *before);
-        }
+        m_window.giveBack(m_measurement);
     });
     connect(&measurement, &Measurement::ended, this, &BatchRunner::workEnded);
     measurement.setRecorder([](const Measurement& m, const Result* result, const QString& savedBy) {
@@ -47,14 +45,6 @@ void BatchRunner::start(const QStringList& lines) {
     m_digests = digestsInRecord(lines);
     m_aboutRecord = aboutNewerRecord(lines);
     emit linesAsked(lines);
-}
-
-/// A batch says itself which maps it wants, wherever it runs; the user's choice comes back.
-void BatchRunner::leaveOutErrors() {
-    if (!m_errorMaps) {
-        m_errorMaps = m_measurement.settings().errorMaps;
-    }
-    m_measurement.set(&Settings::errorMaps, false);
 }
 
 void BatchRunner::execCmd(const CmdLine& cmd, bool inRem) {

@@ -8,6 +8,7 @@
 #include "batch/BatchDispatcher.h"
 #include "batch/BatchPacing.h"
 #include "measurement/Measurement.h"
+#include "measurement/WindowSettings.h"
 
 /// Runs batches on a measurement: owns the interpreter and its thread, carries out one line at a
 /// time and answers it once, when its work has ended.
@@ -40,7 +41,6 @@ class BatchRunner : public QObject {
     void stopAsked();
 
   private:
-    void leaveOutErrors();
     void run(const CmdLine& cmd);
     void answer(const CmdLine& cmd, const Outcome& outcome);
     void forgetFailed(Work work, const Outcome& outcome);
@@ -50,7 +50,7 @@ class BatchRunner : public QObject {
     QThread m_thread;
     BatchDispatcher m_dispatcher;
     BatchPacing m_pacing;
-    std::optional<bool> m_errorMaps;       // as it was before the batch that runs
+    WindowSettings m_window;
     bool m_running = false;                // a row is being carried out
     std::optional<Outcome> m_endedWith;    // the work of the row, before it was through
     Outcome m_outcome;                     // of the row whose work is awaited

@@ -114,6 +114,18 @@ QString argKindName(ArgKind kind) {
             return QStringLiteral("jump|none");
         case ArgKind::Unit:
             return QStringLiteral("unit");
+        case ArgKind::RangeOf:
+            return QStringLiteral("x|name");
+        case ArgKind::RangeEnd:
+            return QStringLiteral("x|word");
+        case ArgKind::Viewed:
+            return QStringLiteral("name");
+        case ArgKind::ScaleName:
+            return QStringLiteral("word");
+        case ArgKind::Reversed:
+            return QStringLiteral("reversed");
+        case ArgKind::Channel:
+            return QStringLiteral("n|none");
     }
     return QString();
 }

@@ -41,7 +41,13 @@ enum class ArgKind {
     Crystal,       ///< a crystal of the calibration panel, such as Si(111)
     Constraints,   ///< none, nonnegative, sum1 or both
     MapName,       ///< the name of a kind of result
-    MaskLimit      ///< off or a number above 0
+    MaskLimit,     ///< off or a number above 0
+    RangeOf,       ///< the lower end of a range of frames, or the name of a kind of map, or maps
+    RangeEnd,      ///< an end of a range, or robust, full or stated
+    Viewed,        ///< the name of a kind of map, or maps or frames
+    ScaleName,     ///< stated, or a map of colorScales()
+    Reversed,      ///< reversed
+    Channel        ///< the number of a reference, or none
 };
 
 /// How an argument of that kind is written in the reference: "n", "flag", "x", "file" ...

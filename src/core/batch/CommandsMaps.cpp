@@ -1,7 +1,10 @@
 // Commands for the maps of an analysis beside edge jumps and ratios: errors, goodness of fit, mask,
 // difference of two energies.
 
+#include <algorithm>
+
 #include "batch/CommandRows.h"
+#include "measurement/CompositeDisplay.h"
 #include "measurement/Saving.h"
 #include "measurement/SettingWords.h"
 
@@ -15,6 +18,20 @@ void chooseMap(Action& a) {
 
 void setMask(Action& a) {
     a.outcome += a.measurement.setMask(*maskOfWord(a.args.text(0)));
+}
+
+void saveCompositePicture(Action& a) {
+    Composite composite;
+    for (int i = 1; i < std::min(a.args.count(), 4); ++i) {
+        bool isNumber = false;
+        const int n = a.args.text(i).toInt(&isNumber);
+        if (isNumber && n < 0) {
+            a.fail(Batch::tr("no reference panel %1").arg(n));
+            return;
+        }
+        composite.references[static_cast<std::size_t>(i - 1)] = isNumber ? n : -1;
+    }
+    a.outcome += saveComposite(a.measurement, a.args.text(0), composite);
 }
 
 void execDifference(Action& a) {
@@ -67,6 +84,14 @@ void addMapCommands(std::vector<CommandRow>* rows) {
          false,
          Work::Difference,
          execDifference},
+        {88,
+         "save_composite",
+         {K::OutFile, K::Channel, K::Channel, K::Channel},
+         2,
+         false,
+         Work::None,
+         saveCompositePicture,
+         true},
     };
     rows->insert(rows->end(), mine.begin(), mine.end());
 }

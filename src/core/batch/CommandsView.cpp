@@ -94,23 +94,69 @@ void setFrameView(Action& a) {
     }
 }
 
-/// Two numbers fix the range; none leaves each frame its own.
-void setViewRange(Action& a) {
-    ViewRange Settings::*const setting = a.measurement.frameRange();
-    if (a.args.count() == 0) {
-        a.measurement.set(setting, ViewRange());
-        return;
-    }
-    const ViewRange range{true, a.args.real(0), a.args.real(1)};
-    if (a.args.count() < 2) {
+bool areEnds(Action& a, int given, double low, double high) {
+    if (given < 2) {
         a.fail(Batch::tr("too few arguments: a range has two ends"));
-        return;
-    }
-    if (range.high <= range.low) {
+    } else if (high <= low) {
         a.fail(Batch::tr("the upper end of a range must lie above the lower one"));
-        return;
     }
-    a.measurement.set(setting, range);
+    return !a.outcome.failed();
+}
+
+/// Arguments from the i-th on are too many.
+void leaveOut(Action& a, int i) {
+    if (a.args.count() > i) {
+        a.outcome.warnings << Batch::tr("'%1' is ignored: too many arguments")
+                                  .arg(a.args.from(i).join(QLatin1Char(' ')));
+    }
+}
+
+void setRangeOfMaps(Action& a, const std::vector<ResultId>& maps) {
+    MapRange range;
+    if (const std::optional<MapRange::Kind> kind = rangeOfWord(a.args.text(1))) {
+        range.kind = *kind;
+        leaveOut(a, 2);
+    } else {
+        range = {MapRange::Kind::Fixed, a.args.real(1), a.args.real(2)};
+        if (!areEnds(a, a.args.count() - 1, range.low, range.high)) {
+            return;
+        }
+    }
+    MapViews views = a.measurement.settings().views;
+    for (const ResultId id : maps) {
+        views[id].range = range;
+    }
+    a.measurement.set(&Settings::views, views);
+}
+
+/// Two numbers fix the range of frames, as they are shown; none leaves each frame its own.
+void setViewRange(Action& a) {
+    const std::vector<ResultId> maps = mapsOfName(a.args.text(0));
+    ViewRange Settings::*const ofFrames = a.measurement.frameRange();
+    if (a.args.count() == 0) {
+        a.measurement.set(ofFrames, ViewRange());
+    } else if (!maps.empty()) {
+        setRangeOfMaps(a, maps);
+    } else if (rangeOfWord(a.args.text(1))) {
+        a.fail(Batch::tr("'%1' is not a number").arg(a.args.text(1)));
+    } else if (areEnds(a, a.args.count(), a.args.real(0), a.args.real(1))) {
+        a.measurement.set(ofFrames, ViewRange{true, a.args.real(0), a.args.real(1)});
+        leaveOut(a, 2);
+    }
+}
+
+void setColorMap(Action& a) {
+    ViewColors colors = *colorsOfWord(a.args.text(1));
+    colors.isReversed = a.args.count() > 2;
+    MapViews views = a.measurement.settings().views;
+    const std::vector<ResultId> maps = mapsOfName(a.args.text(0));
+    if (maps.empty()) {
+        views.frames = colors;
+    }
+    for (const ResultId id : maps) {
+        views[id].colors = colors;
+    }
+    a.measurement.set(&Settings::views, views);
 }
 
 }  // namespace
@@ -156,8 +202,21 @@ void addViewCommands(std::vector<CommandRow>* rows) {
          false,
          Work::None,
          [](Action& a) { a.measurement.set(&Settings::correctedSpectra, a.args.flag(0)); }},
-        {66, "set_view_range", {K::Real, K::Real}, 0, false, Work::None, setViewRange},
+        {66,
+         "set_view_range",
+         {K::RangeOf, K::RangeEnd, K::Real},
+         0,
+         false,
+         Work::None,
+         setViewRange},
         {94, "set_frame_view", {K::Text, K::Real, K::Real}, 1, false, Work::None, setFrameView},
+        {87,
+         "set_colour_map",
+         {K::Viewed, K::ScaleName, K::Reversed},
+         2,
+         false,
+         Work::None,
+         setColorMap},
         {71, "set_plot_axes", {K::Integer, K::Text}, 2, false, Work::None, setPlotAxes},
         {67,
          "set_percentiles",

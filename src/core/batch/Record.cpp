@@ -70,6 +70,16 @@ void makeAgain(RecordWriter& writer, const Measurement& measurement, const Resul
     }
 }
 
+/// The processed maps of the other references, which a composite shows, too.
+void showOthers(RecordWriter& writer, const Measurement& measurement, const Result& result) {
+    for (int i = 0; i < measurement.referenceCount(); ++i) {
+        const Result* other = measurement.find(result.id, i);
+        if (other != &result && other->image.showsProc() && other->tookPart()) {
+            writer.show(*other);
+        }
+    }
+}
+
 /// Which version wrote a record; 0 for any other batch.
 int recordVersion(const QStringList& lines) {
     const bool isRecord = lines.size() > 1 &&
@@ -145,6 +155,7 @@ void presentSettings(RecordWriter& w, const Measurement& m) {
           {s.showsEachRow ? QStringLiteral("1") : QStringLiteral("0")});
     w.viewRange(s.viewRange);
     w.frameView(s);
+    w.views(s.views);
     w.put(QStringLiteral("axes"), QStringLiteral("set_plot_axes"),
           {text(s.plotOrdinate),
            QString::fromLatin1(UnitTable[static_cast<std::size_t>(s.plotAbscissa)].name)});
@@ -187,6 +198,9 @@ RecordLines recordOf(const Measurement& measurement, const Result& result, const
     if (savedBy == QLatin1String("calib_save_map")) {
         return withRemark(writer);  // the map itself, whatever is on display
     }
+    if (savedBy == QLatin1String("save_composite")) {
+        showOthers(writer, measurement, result);
+    }
     writer.show(result);
     const bool isOfFit = result.run && result.run->work == Work::Fit;
     if (savedBy == QLatin1String("save_data_as_tiff")) {
@@ -199,6 +213,7 @@ RecordLines recordOf(const Measurement& measurement, const Result& result, const
             writer.mask(measurement.settings());
         }
         writer.scaleOf(result.kind(), measurement.settings());
+        writer.view(result.id, measurement.settings().views);
     }
     return withRemark(writer);
 }

@@ -93,6 +93,12 @@ RecordWriter::RecordWriter(const QString& folder) : m_folder(folder) {
     atStart("axes", "set_plot_axes", {"2", "eV"});
     atStart("view range", "set_view_range", {});
     atStart("frame view", "set_frame_view", {"counts"});
+    for (const ResultKind& kind : ResultKinds) {
+        const QString name = QString::fromLatin1(kind.name);
+        assume(QStringLiteral("range ") + name, rangeWord(MapRange().kind));
+        assume(QStringLiteral("colours ") + name, colorWords(ViewColors()).join(QLatin1Char(' ')));
+    }
+    atStart("frame colours", "set_colour_map", {"frames", "stated"});
 }
 
 void RecordWriter::put(const QString& key, const QString& command, const QStringList& args) {
@@ -372,9 +378,4 @@ void RecordWriter::saveForm(const Settings& s, DataForm form) {
     put(QStringLiteral("layout"), s.table.layout == TableOptions::Layout::Points
                                       ? QStringLiteral("saveDataCfg_text_as_xyz")
                                       : QStringLiteral("saveDataCfg_text_as_vals"));
-}
-
-void RecordWriter::viewRange(const ViewRange& range) {
-    put(QStringLiteral("view range"), QStringLiteral("set_view_range"),
-        range.fixed ? QStringList{exact(range.low), exact(range.high)} : QStringList());
 }

@@ -40,6 +40,9 @@ class RecordWriter {
     void viewRange(const ViewRange& range);
     /// What frames show, with the ranges of that.
     void frameView(const Settings& settings);
+    /// How maps, or those of a kind, and frames are looked at.
+    void views(const MapViews& views);
+    void view(ResultId id, const MapViews& views);
 
     /// A line, unless the same one is in force under this key.
     void put(const QString& key, const QString& command, const QStringList& args = {});
@@ -58,6 +61,7 @@ class RecordWriter {
     void putFrameView(FrameView::Kind kind, const FrameView& view);
     QString fileName(const QString& path) const;
     void digest(const FileInput& file);
+    void viewsAre(const char* key, const char* command, const std::vector<QStringList>& args);
 
     QString m_folder;
     QStringList m_lines;

@@ -29,7 +29,8 @@ class Layout {
     QPointF source;
     QRectF map;
     QRectF bar;
-    QPointF unit;  // middle of its left side, turned upright
+    int marks = 0;  // height of the triangles above and below it
+    QPointF unit;   // middle of its left side, turned upright
     QString titleText;
     QString sourceText;
 };
@@ -81,7 +82,8 @@ Layout::Layout(const BarPicture& parts)
     y += sourceText.isEmpty() ? 0 : line;
     y += titleText.isEmpty() && sourceText.isEmpty() ? 0 : line / 2;
     map = QRectF(QPoint(margin, y), enlarged);
-    bar = QRectF(map.right() + line, y, line, barHeight);
+    marks = parts.marksOutside ? line / 2 + 2 : 0;
+    bar = QRectF(map.right() + line, y + marks, line, barHeight - 2 * marks);
     unit = QPointF(bar.right() + numbers + line / 2.0, bar.center().y());
     size = QSize(2 * margin + std::max(body, texts), y + barHeight + margin);
 }
@@ -108,6 +110,9 @@ void paint(QPainter& painter, const BarPicture& parts, const Layout& layout) {
     painter.drawImage(layout.map, parts.picture);
     paintBarColors(painter, layout.bar, *parts.colors, parts.low, parts.high);
     painter.drawRect(layout.bar.adjusted(-1, -1, 0, 0));
+    if (layout.marks > 0) {
+        paintBarMarks(painter, layout.bar, *parts.colors, layout.marks);
+    }
     painter.drawRect(layout.map.adjusted(-1, -1, 0, 0));
     if (parts.low <= parts.high) {
         paintEnds(painter, letters, layout.bar, parts.low, parts.high);

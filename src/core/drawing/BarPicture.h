@@ -11,9 +11,10 @@ struct BarPicture {
     const ColorScale* colors = &frameColors();
     double low = 0.0;  ///< values of the ends of the colours
     double high = 1.0;
-    QString title;   ///< what is shown; saved pictures are in English
-    QString source;  ///< the file that it comes from
-    QString unit;    ///< of the values
+    bool marksOutside = false;  ///< values outside have colours, shown by triangles at the ends
+    QString title;              ///< what is shown; saved pictures are in English
+    QString source;             ///< the file that it comes from
+    QString unit;               ///< of the values
 };
 
 /// The picture under its title and source with a colour bar beside it: ticks, both end values, the

@@ -1,6 +1,7 @@
 #include "drawing/BarScale.h"
 
 #include <QPainter>
+#include <QPolygonF>
 
 #include "base/ColorMap.h"
 #include "drawing/ChCoord.h"
@@ -37,4 +38,17 @@ void paintBarTicks(QPainter& painter, const Letters& letters, const QRectF& bar,
         drawText(painter, letters, QPointF(bar.right() + room / 3, y), tickText(value, ticks.step),
                  Qt::AlignLeft | Qt::AlignVCenter, inside);
     }
+}
+
+void paintBarMarks(QPainter& painter, const QRectF& bar, const ColorScale& colors, double height) {
+    const auto triangle = [&](double base, double tip, const ColorScale::Rgb& rgb) {
+        painter.setBrush(QColor(rgb[0], rgb[1], rgb[2]));
+        painter.drawPolygon(QPolygonF({QPointF(bar.left(), base), QPointF(bar.right(), base),
+                                       QPointF(bar.center().x(), tip)}));
+    };
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    triangle(bar.top() - 1, bar.top() - height, colors.above);
+    triangle(bar.bottom() + 1, bar.bottom() + height, colors.below);
+    painter.restore();
 }

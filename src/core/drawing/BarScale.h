@@ -17,3 +17,6 @@ void paintBarColors(QPainter& painter, const QRectF& bar, const ColorScale& colo
 /// Texts nearer than `keepOff` to an end of the bar are left out, for the ends have their own.
 void paintBarTicks(QPainter& painter, const Letters& letters, const QRectF& bar, double low,
                    double high, double keepOff, const QRectF& inside);
+
+/// Triangles of this height over and under the bar with the colours of values outside the range.
+void paintBarMarks(QPainter& painter, const QRectF& bar, const ColorScale& colors, double height);

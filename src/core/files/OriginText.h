@@ -14,6 +14,8 @@ struct OriginText {
 
     /// The name of the entry with the command word that saved the file.
     static QString savedByKey() { return QStringLiteral("saved by"); }
+    /// What that command was given behind the name of the file, of a composite.
+    static QString compositeKey() { return QStringLiteral("composite"); }
     /// The name of the entry that says why there is no record.
     static QString recordKey() { return QStringLiteral("record"); }
     /// The largest text that is looked for in a file, in bytes.

@@ -105,6 +105,7 @@ void Analyzed2DRes::takeVisible(const Analyzed2DRes& other) {
     m_mask = other.m_mask;
     m_showProc = other.m_showProc;
     m_data = other.visibleValues();
+    m_lastRow = other.m_lastRow;
     const Range left = other.visibleExtremes();
     m_dataMin = left.min;
     m_dataMax = left.max;
@@ -124,6 +125,49 @@ Analyzed2DRes::Range Analyzed2DRes::visibleExtremes() const {
             widen(shown.isEmpty() ? 0.0 : shown[pixel], &range.min, &range.max);
         }
     });
+    return range;
+}
+
+QRect Analyzed2DRes::filled() const {
+    const BinRaster bins = m_grid.raster();
+    if (bins.columns <= 0) {
+        return {};
+    }
+    const qint64 right = qint64(bins.x(bins.columns - 1)) + bins.halfWidth;
+    return QRect(QPoint(m_grid.x0, m_grid.y0), QPoint(static_cast<int>(right), m_lastRow))
+        .intersected(QRect(0, 0, m_grid.width, m_grid.height));
+}
+
+std::pair<double, double> Analyzed2DRes::robustRange() const {
+    if (m_robustRange) {
+        return *m_robustRange;
+    }
+    std::vector<double> values;
+    const BinRaster bins = m_grid.raster();
+    const double* const shown = shownArray().constData();
+    for (int row = 0; shown != nullptr && row < bins.rows && bins.y(row) <= m_lastRow; ++row) {
+        const std::size_t line =
+            static_cast<std::size_t>(bins.y(row)) * static_cast<std::size_t>(m_grid.width);
+        for (int column = 0; column < bins.columns; ++column) {
+            const std::size_t pixel = line + static_cast<std::size_t>(bins.x(column));
+            if (std::isfinite(shown[pixel]) && !isBlank(pixel)) {
+                values.push_back(shown[pixel]);
+            }
+        }
+    }
+    std::pair<double, double> range{rangeMin(), rangeMax()};
+    if (!values.empty()) {
+        const auto beside = std::lround(0.01 * static_cast<double>(values.size() - 1));
+        const auto low = values.begin() + beside;
+        const auto high = values.end() - 1 - beside;
+        std::nth_element(values.begin(), high, values.end());
+        const double upper = *high;
+        std::nth_element(values.begin(), low, high + 1);
+        if (*low < upper) {
+            range = {*low, upper};
+        }
+    }
+    m_robustRange = range;
     return range;
 }
 
@@ -161,6 +205,7 @@ void Analyzed2DRes::clear() {
     setProcRange(0.0, 1.0);
     m_dataMin = 1e300;
     m_dataMax = -1e300;
+    m_lastRow = -1;
     dropPicture();
     m_proc = Array();
     m_data = Array::zeros(sizeOf(m_grid));
@@ -184,6 +229,7 @@ void Analyzed2DRes::touch(qint64 first, qint64 last) {
     const bool none = m_firstNew >= m_endNew;
     m_firstNew = none ? first : std::min(m_firstNew, first);
     m_endNew = none ? last + 1 : std::max(m_endNew, last + 1);
+    m_lastRow = std::max(m_lastRow, static_cast<int>(std::min(last, qint64(m_grid.height) - 1)));
 }
 
 void Analyzed2DRes::setData(int ix, int iy, int xw, int yw, double t) {

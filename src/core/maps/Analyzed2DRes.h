@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QObject>
+#include <QRect>
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "maps/AnalysisGrid.h"
@@ -47,6 +49,10 @@ class Analyzed2DRes : public QObject {
     MapValues visibleValues() const;
     double visibleValueAt(qint64 x, qint64 y) const;
     const double* proc() const { return procArray().constData(); }
+    const double* shown() const { return shownArray().constData(); }
+    /// The pixels of the bins whose values have been set since clear(), as rows of bins come one
+    /// after another; what lies beside them holds 0.
+    QRect filled() const;
 
     /// Pixels that show no number and do not count for the range in use. Gone with startOver().
     void setMask(const Mask& mask);
@@ -54,6 +60,7 @@ class Analyzed2DRes : public QObject {
     /// the colour of the lower end.
     void markGaps() { m_marksGaps = true; }
     bool isMasked() const { return m_mask != nullptr; }
+    const Mask& mask() const { return m_mask; }
     bool isMaskedAt(qint64 x, qint64 y) const {
         return m_mask && m_grid.isInsideImage(x, y) &&
                (*m_mask)[static_cast<std::size_t>(y * m_grid.width + x)];
@@ -69,6 +76,10 @@ class Analyzed2DRes : public QObject {
     /// The range in use: the fixed scale, else that of the array shown as far as it is not masked.
     double rangeMin() const;
     double rangeMax() const;
+    /// The percentiles 1 and 99 of the finite values of the bins filled that are not masked: of n
+    /// values in order those that have round(0.01 (n - 1)) others below and above them. The range
+    /// in use where both are equal or there are none. As of the last genImg().
+    std::pair<double, double> robustRange() const;
     bool showsProc() const { return m_showProc; }
     bool isFixedScale() const { return m_fixedScale; }
     /// Number of values written by the last tiffDataForSave().
@@ -175,4 +186,6 @@ class Analyzed2DRes : public QObject {
     Mask m_mask;
     bool m_marksGaps = false;
     mutable std::optional<Range> m_visibleRange;  // while there is a mask, once it is asked for
+    mutable std::optional<std::pair<double, double>> m_robustRange;  // once it is asked for
+    int m_lastRow = -1;                                              // that has been filled
 };

@@ -38,6 +38,7 @@ void paintRow(const double* values, std::size_t count, double min, double span, 
 void Analyzed2DRes::dropPicture() {
     m_toPaint.reset();
     m_visibleRange.reset();
+    m_robustRange.reset();
     m_image.reset();
     m_pixels = {};
     m_valid = false;
@@ -63,6 +64,7 @@ void Analyzed2DRes::genImg() {
 }
 
 void Analyzed2DRes::followUp() {
+    m_robustRange.reset();
     if (!m_follows) {
         dropPicture();
         m_valid = m_follows = !shownArray().isEmpty();

@@ -6,6 +6,7 @@
 #include "base/Numbers.h"
 #include "drawing/FramePicture.h"
 #include "drawing/ValuePicture.h"
+#include "measurement/MapDisplay.h"
 #include "measurement/Origin.h"
 
 TiffData* shownFrame(Measurement& measurement) {
@@ -29,7 +30,7 @@ QImage pictureOf(const FrameImage& image, const Measurement& measurement) {
     const PixelValues& pixels = image.pixels;
     return valuePicture(pixels.values.get(), pixels.width, pixels.height,
                         range.fixed ? range.low : image.low, range.fixed ? range.high : image.high,
-                        frameColors(), measurement.threads());
+                        frameColorsOf(measurement.settings()), measurement.threads());
 }
 
 QImage shownPicture(Measurement& measurement) {
@@ -41,13 +42,16 @@ QImage shownPicture(Measurement& measurement) {
         return image != nullptr ? pictureOf(*image, measurement) : QImage();
     }
     if (TiffData* frame = shownFrame(measurement)) {
-        const ViewRange& range = measurement.settings().viewRange;
-        return !range.fixed && frame->picture() != nullptr
-                   ? *frame->picture()
-                   : framePicture(*frame, range.low, range.high);
+        const Settings& settings = measurement.settings();
+        const ViewRange& range = settings.viewRange;
+        if (!range.fixed && frame->picture() != nullptr && settings.views.frames.isStated()) {
+            return *frame->picture();
+        }
+        return framePicture(*frame, range.fixed ? range.low : frame->min,
+                            range.fixed ? range.high : frame->max, frameColorsOf(settings));
     }
     const Result* result = measurement.shownResult();
-    return result != nullptr && result->image.img() != nullptr ? *result->image.img() : QImage();
+    return result != nullptr ? pictureOf(measurement, *result) : QImage();
 }
 
 namespace {
@@ -76,6 +80,7 @@ BarPicture frameWithBar(Measurement& measurement, const TiffData& frame) {
     BarPicture parts;
     const ViewRange& range = measurement.settings().viewRange;
     parts.picture = shownPicture(measurement);
+    parts.colors = &frameColorsOf(measurement.settings());
     parts.low = range.fixed ? range.low : frame.min;
     parts.high = range.fixed ? range.high : frame.max;
     const bool isI0 = measurement.settings().shown == Shown::I0;
@@ -111,13 +116,15 @@ BarPicture shownWithBar(Measurement& measurement) {
     }
     const Analyzed2DRes& image = result->image;
     parts.picture = shownPicture(measurement);
-    if (!parts.picture.isNull()) {
+    if (!parts.picture.isNull() && viewOf(measurement, *result).isStated()) {
         parts.picture = withGapsMarked(parts.picture, image.visibleValues().constData(),
                                        image.grid().width, image.grid().height);
     }
-    parts.colors = &resultColors();
-    parts.low = image.rangeMin();
-    parts.high = image.rangeMax();
+    const MapColoring coloring = coloringOf(measurement, *result);
+    parts.colors = coloring.colors;
+    parts.low = coloring.low;
+    parts.high = coloring.high;
+    parts.marksOutside = coloring.marksOutside;
     parts.title = QString::fromLatin1(result->kind().title);
     if (image.showsProc()) {
         parts.title += QStringLiteral(", processed");

@@ -108,12 +108,17 @@ void Measurement::settingChanged(const Settings& before) {
     if (before.resultType != now.resultType) {
         m_settings.namedKind.reset();
     }
+    if (before.selected != now.selected || before.resultType != now.resultType ||
+        before.namedKind != now.namedKind) {
+        m_settings.composite = {};
+    }
     if (before.shown != now.shown || before.selected != now.selected ||
         before.resultType != now.resultType || before.namedKind != now.namedKind ||
         !(before.viewRange == now.viewRange) || !(before.frameView == now.frameView) ||
         !(before.absorptionRange == now.absorptionRange) ||
-        !(before.differenceRange == now.differenceRange) ||
-        before.plotOrdinate != now.plotOrdinate || before.plotAbscissa != now.plotAbscissa) {
+        !(before.differenceRange == now.differenceRange) || !(before.views == now.views) ||
+        !(before.composite == now.composite) || before.plotOrdinate != now.plotOrdinate ||
+        before.plotAbscissa != now.plotAbscissa) {
         what |= Display;
     }
     emit changed(what);

@@ -28,6 +28,7 @@ void Measurement::select(int id) {
     if (id >= 0 && id < referenceCount() + ResidualCount) {
         m_settings.selected = id;
         m_settings.namedKind.reset();
+        m_settings.composite = {};
     }
     emit changed(Changes(Display) | Setting);
 }
@@ -78,6 +79,7 @@ Outcome Measurement::choose(ResultId id, int reference) {
     }
     m_settings.shown = id == ResultId::Shift ? Shown::Map : Shown::Result;
     m_settings.namedKind.reset();
+    m_settings.composite = {};
     if (kind.family == ResultFamily::Reference) {
         m_settings.selected = reference;
     }

@@ -6,6 +6,7 @@
 
 #include "files/FileNames.h"
 #include "measurement/Display.h"
+#include "measurement/MapDisplay.h"
 #include "measurement/SettingWords.h"
 #include "spectra/Units.h"
 
@@ -191,6 +192,16 @@ void addMask(Writer& writer, const Measurement& measurement) {
                            .arg(fieldText(measurement.settings().mask)));
 }
 
+/// How a picture shows it, where it is not as stated.
+void addView(Writer& writer, const Measurement& measurement, const Result& result) {
+    const MapView& view = viewOf(measurement, result);
+    const MapColoring coloring = coloringOf(measurement, result);
+    writer.add("colours", colorWords(view.colors).join(QLatin1Char(' ')));
+    writer.add("range",
+               QStringLiteral("%1 %2 to %3")
+                   .arg(rangeWord(view.range.kind), exact(coloring.low), exact(coloring.high)));
+}
+
 void addInputs(Writer& writer, const Measurement& measurement, const Result& result) {
     if (!result.run) {
         writer.map(measurement.mapInput());
@@ -291,8 +302,13 @@ OriginText originOf(const Measurement& measurement, const Result& result, const 
     writer.add("processed",
                savesProcessed(result, savedBy) ? processingOf(result) : QStringLiteral("no"));
     const bool isPicture = savedBy.startsWith(QLatin1String("save_image"));
-    if (result.image.isMasked() && (isPicture || measurement.settings().savesMasked)) {
+    const bool isComposite = savedBy == QLatin1String("save_composite");
+    if (result.image.isMasked() &&
+        (isPicture || isComposite || measurement.settings().savesMasked)) {
         addMask(writer, measurement);
+    }
+    if (isPicture && !viewOf(measurement, result).isStated()) {
+        addView(writer, measurement, result);
     }
     addInputs(writer, measurement, result);
     if (!result.run && savedBy == QLatin1String("calib_save_map")) {

@@ -12,7 +12,9 @@
 #include "files/PictureFile.h"
 #include "files/WholeFile.h"
 #include "measurement/CalibrationJudgement.h"
+#include "measurement/CompositeDisplay.h"
 #include "measurement/Display.h"
+#include "measurement/MapDisplay.h"
 #include "measurement/Origin.h"
 #include "measurement/PlotSaving.h"
 #include "measurement/Writing.h"
@@ -191,10 +193,15 @@ Outcome savePicture(Measurement& measurement, const QString& fileName, const QIm
 }  // namespace
 
 Outcome saveImage(Measurement& measurement, const QString& fileName) {
-    return savePicture(measurement, fileName, shownPicture(measurement), "save_image");
+    return showsComposite(measurement)
+               ? saveComposite(measurement, fileName, measurement.settings().composite)
+               : savePicture(measurement, fileName, shownPicture(measurement), "save_image");
 }
 
 Outcome saveImageWithBar(Measurement& measurement, const QString& fileName) {
+    if (showsComposite(measurement)) {
+        return saveComposite(measurement, fileName, measurement.settings().composite);
+    }
     if (const Outcome letters = judgeLetters(measurement); letters.failed()) {
         return letters;
     }
@@ -215,7 +222,8 @@ Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
             }
             const QString name = taggedName(fileName, QStringLiteral("%1-%2").arg(i).arg(kind));
             const QString origin = originText(measurement, result, "save_image");
-            outcome += writePictureFile(measurement, name, *result.image.img(), origin, fileName);
+            outcome += writePictureFile(measurement, name, pictureOf(measurement, result), origin,
+                                        fileName);
             if (outcome.failed()) {
                 return outcome;  // for one reason, said once
             }

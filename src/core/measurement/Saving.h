@@ -6,7 +6,8 @@
 // written. Results carry their origin; one that the present inputs would not give again is saved
 // with a warning.
 
-/// The picture on display, in the format of the name's suffix.
+/// The picture on display, in the format of the name's suffix. A composite is saved with its
+/// legend, here and below.
 Outcome saveImage(Measurement& measurement, const QString& fileName);
 /// The same with title, source and colour bar. Needs a QGuiApplication for its letters.
 Outcome saveImageWithBar(Measurement& measurement, const QString& fileName);

@@ -112,3 +112,51 @@ std::optional<FrameView::Kind> frameViewOfWord(const QString& word) {
     }
     return std::nullopt;
 }
+
+std::vector<ResultId> mapsOfName(const QString& name) {
+    std::vector<ResultId> ids;
+    for (const ResultKind& kind : ResultKinds) {
+        if (isWord(name, "maps") || isWord(name, kind.name)) {
+            ids.push_back(kind.id);
+        }
+    }
+    return ids;
+}
+
+namespace {
+
+constexpr const char* RangeWords[] = {"stated", "full", "robust"};
+
+}  // namespace
+
+QString rangeWord(MapRange::Kind kind) {
+    return kind == MapRange::Kind::Fixed
+               ? QStringLiteral("fixed")
+               : QString::fromLatin1(RangeWords[static_cast<std::size_t>(kind)]);
+}
+
+std::optional<MapRange::Kind> rangeOfWord(const QString& word) {
+    for (const auto kind : {MapRange::Kind::Stated, MapRange::Kind::Full, MapRange::Kind::Robust}) {
+        if (word.compare(rangeWord(kind), Qt::CaseInsensitive) == 0) {
+            return kind;
+        }
+    }
+    return std::nullopt;
+}
+
+QStringList colorWords(const ViewColors& colors) {
+    QStringList words{colors.scale != nullptr ? QString::fromLatin1(colors.scale->id)
+                                              : QStringLiteral("stated")};
+    if (colors.isReversed) {
+        words << QStringLiteral("reversed");
+    }
+    return words;
+}
+
+std::optional<ViewColors> colorsOfWord(const QString& word) {
+    if (isWord(word, "stated")) {
+        return ViewColors();
+    }
+    const ColorScale* scale = colorScaleOf(word.toLower().toLatin1().constData());
+    return scale != nullptr ? std::optional<ViewColors>({scale, false}) : std::nullopt;
+}

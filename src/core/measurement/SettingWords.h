@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 #include <optional>
+#include <vector>
 
 #include "measurement/Settings.h"
 
@@ -35,3 +36,17 @@ std::optional<FitRule::ReferenceScale> scaleOfWord(const QString& word);
 /// counts, absorption or difference.
 QString frameViewWord(FrameView::Kind kind);
 std::optional<FrameView::Kind> frameViewOfWord(const QString& word);
+
+/// The kinds of map that a name means, in any case: one, or all of them for "maps"; none for other
+/// names.
+std::vector<ResultId> mapsOfName(const QString& name);
+
+/// stated, full, robust or fixed.
+QString rangeWord(MapRange::Kind kind);
+/// What such a word in any case means; none for "fixed", which is said by numbers.
+std::optional<MapRange::Kind> rangeOfWord(const QString& word);
+
+/// The word of a colour map, "stated" for none chosen, with "reversed" behind it.
+QStringList colorWords(const ViewColors& colors);
+/// What the first of these words in any case chooses; none for another one.
+std::optional<ViewColors> colorsOfWord(const QString& word);

@@ -8,6 +8,7 @@
 #include "fitting/ResultKinds.h"
 #include "measurement/DataForm.h"
 #include "measurement/FrameView.h"
+#include "measurement/MapView.h"
 #include "output/ResultWriter.h"
 
 // What a user chooses. Windows show these values and set them; batches and records speak of them.
@@ -123,6 +124,8 @@ struct Settings {
     FrameView frameView;
     ViewRange absorptionRange;  ///< of mu-t, and of its difference, in place of counts
     ViewRange differenceRange;
+    MapViews views;
+    Composite composite;        ///< shown in place of the result chosen; off once another is
     int plotOrdinate = 2;       ///< SpectrumPlot::Ordinate
     int plotAbscissa = 0;       ///< in UnitTable
     bool showsEachRow = false;  ///< pictures of a fit are made anew after each row

@@ -27,7 +27,9 @@ std::optional<QString> recordedBatch(const QString& fileName, QString* whyNot) {
         return std::nullopt;
     }
     const QString command = origin->value(OriginText::savedByKey());
-    const std::optional<QStringList> lines = batchLine(command, {fileName});
+    const QStringList further =
+        origin->value(OriginText::compositeKey()).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const std::optional<QStringList> lines = batchLine(command, QStringList{fileName} + further);
     if (!lines) {
         *whyNot = command.isEmpty() ? QStringLiteral("its origin does not say what saved it")
                                     : QStringLiteral("its name cannot stand in a batch line");

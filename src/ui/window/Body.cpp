@@ -14,6 +14,7 @@
 #include "display/MessageLine.h"
 #include "display/XafsView.h"
 #include "measurement/FolderLoad.h"
+#include "measurement/WindowSettings.h"
 #include "measurement/Writing.h"
 #include "panels/Analyzer.h"
 #include "panels/BatchCtrl.h"
@@ -23,6 +24,7 @@
 #include "ui_Body.h"
 #include "window/Answers.h"
 #include "window/BodyMenu.h"
+#include "window/CompositeDialog.h"
 #include "window/Controls.h"
 #include "window/DarkControl.h"
 #include "window/Docks.h"
@@ -120,6 +122,7 @@ Body::Body(QWidget* parent)
     connect(folders, &FolderOpening::said, this, &Body::say);
     addMapImageAction(this, m_measurement, m_dialogs,
                       [this](const QString& name) { saveEMap(name); });
+    addCompositeAction(this, m_measurement);
     const QList<QAction*> windows = addWindows();
     const auto* resultFiles = new ResultFiles(m_measurement, m_dialogs, this);
     connect(resultFiles, &ResultFiles::said, this, &Body::say);
@@ -127,7 +130,7 @@ Body::Body(QWidget* parent)
     buildBodyMenu(this, windows, resultFiles->actions(), m_record->actions());
     updateControls(*m_ui, m_measurement, *m_panels->spectrum);
     m_ui->SelectI1Files->setFocus();
-    m_measurement.set(&Settings::errorMaps, true);  // a batch says itself whether it makes them
+    WindowSettings::start(m_measurement);
 }
 
 QList<QAction*> Body::addWindows() {

@@ -121,6 +121,7 @@ void BodyMenu::addShowMenu() const {
     press(menu, tr("Energy &Shift"), QStringLiteral("ShowShiftMap"), QKeySequence(Qt::Key_F7));
     press(menu, tr("&Result of Analysis"), QStringLiteral("ShowResAnalysis"),
           QKeySequence(Qt::Key_F8));
+    menu->addAction(m_window->findChild<QAction*>(QStringLiteral("actionComposite")));
     menu->addSeparator();
     press(menu, tr("&Previous Frame"), QStringLiteral("Prev"),
           QKeySequence(Qt::CTRL + Qt::Key_Left));

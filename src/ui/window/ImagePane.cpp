@@ -12,7 +12,9 @@
 #include "display/ImageView.h"
 #include "drawing/FramePicture.h"
 #include "drawing/Profiles.h"
+#include "measurement/CompositeDisplay.h"
 #include "measurement/Display.h"
+#include "measurement/MapDisplay.h"
 #include "ui_Body.h"
 #include "window/CursorNumbers.h"
 
@@ -81,6 +83,25 @@ void ImagePane::connectControls() {
     });
     connect(m_ui.CBar, &ColorBar::percentilesAsked, this,
             [this] { emit said(fixPercentiles(m_measurement)); });
+    connect(m_ui.CBar, &ColorBar::rangeChosen, this, [this](const MapRange& range) {
+        changeView([&range](MapView& view) { view.range = range; });
+    });
+    connect(m_ui.CBar, &ColorBar::colorsChosen, this, [this](const ViewColors& colors) {
+        changeView([&colors](MapView& view) { view.colors = colors; });
+    });
+}
+
+/// That of the kind of map on display; of frames, whose colours alone are a view's.
+void ImagePane::changeView(const std::function<void(MapView&)>& change) {
+    MapViews views = m_measurement.settings().views;
+    if (const Result* result = m_measurement.shownResult()) {
+        change(views[result->id]);
+    } else {
+        MapView ofFrames;
+        change(ofFrames);
+        views.frames = ofFrames.colors;
+    }
+    m_measurement.set(&Settings::views, views);
 }
 
 void ImagePane::connectBins() {
@@ -177,18 +198,22 @@ QImage ImagePane::markedPicture() {
     if (m_measurement.frameKind() != FrameView::Kind::Counts) {
         return framePictureMade();
     }
-    if (const TiffData* frame = shownFrame(m_measurement)) {
-        const ViewRange& range = m_measurement.settings().viewRange;
-        if (!range.fixed) {
-            return shownPicture(m_measurement);
-        }
+    const Settings& settings = m_measurement.settings();
+    const bool isFrame = shownFrame(m_measurement) != nullptr;
+    const Result* result = m_measurement.shownResult();
+    const bool isComposite = showsComposite(m_measurement);
+    const bool hasOwnPicture = isFrame
+                                   ? !settings.viewRange.fixed && settings.views.frames.isStated()
+                                   : result == nullptr || viewOf(m_measurement, *result).isStated();
+    if (isComposite || !hasOwnPicture) {
         if (m_painted.isNull()) {
-            m_painted = framePicture(*frame, range.low, range.high);
+            m_painted = isComposite
+                            ? compositePicture(compositeOf(m_measurement, settings.composite))
+                            : shownPicture(m_measurement);
         }
         return m_painted;
     }
     const QImage picture = shownPicture(m_measurement);
-    const Result* result = m_measurement.shownResult();
     if (picture.isNull() || result == nullptr) {
         return picture;
     }
@@ -227,7 +252,7 @@ void ImagePane::showBar() {
     if (const TiffData* frame = shownFrame(m_measurement)) {
         const ViewRange& range = m_measurement.settings().*m_measurement.frameRange();
         const FrameImage* image = m_measurement.frameImage(Measurement::Wait::Blink);
-        m_ui.CBar->showFrames(frameColors());
+        m_ui.CBar->showFrames(m_measurement.settings().views.frames);
         m_ui.CBar->setDataRange(image != nullptr ? image->low : frame->min,
                                 image != nullptr ? image->high : frame->max);
         if (!range.fixed) {
@@ -236,9 +261,11 @@ void ImagePane::showBar() {
                    m_ui.CBar->rangeMax() != range.high) {
             m_ui.CBar->fix(range.low, range.high);
         }
+    } else if (showsComposite(m_measurement)) {
+        m_ui.CBar->showLegend(namesOf(m_measurement, m_measurement.settings().composite));
     } else if (result != nullptr) {
-        m_ui.CBar->showResult(resultColors());
-        m_ui.CBar->setRange(result->image.rangeMin(), result->image.rangeMax());
+        m_ui.CBar->showMap(viewOf(m_measurement, *result), coloringOf(m_measurement, *result),
+                           result->image.isFixedScale());
     }
     m_showing = false;
 }
@@ -265,6 +292,46 @@ void ImagePane::refresh() {
     m_refreshed.start();
 }
 
+/// The fractions of a composite at a pixel in per cent.
+QString ImagePane::sharesText(int x, int y) const {
+    QStringList texts;
+    for (const int n : m_measurement.settings().composite.references) {
+        if (const Result* share = m_measurement.find(ResultId::Ratio, n)) {
+            texts << QString::number(100.0 * share->image.visibleValueAt(x, y), 'f', 0);
+        }
+    }
+    return texts.join(QLatin1Char(':')) + QStringLiteral(" %");
+}
+
+/// The map that cross sections and value are of: of a composite the first fraction.
+const Result* ImagePane::mapInSections() const {
+    if (showsComposite(m_measurement)) {
+        for (const int n : m_measurement.settings().composite.references) {
+            if (const Result* share = m_measurement.find(ResultId::Ratio, n)) {
+                return share;
+            }
+        }
+    }
+    return m_measurement.shownResult();
+}
+
+/// The range in use; none where it is that of all values, which the sections find themselves.
+QPair<double, double> ImagePane::sectionRange() const {
+    const Settings& settings = m_measurement.settings();
+    if (showsComposite(m_measurement)) {
+        const CompositeMaps maps = compositeOf(m_measurement, settings.composite);
+        return {maps.low, maps.high};
+    }
+    const Result* result = m_measurement.shownResult();
+    bool isFixed = (settings.*m_measurement.frameRange()).fixed;
+    if (settings.shown == Shown::Map || settings.shown == Shown::Result) {
+        isFixed = result != nullptr &&
+                  (result->image.isFixedScale() ||
+                   viewOf(m_measurement, *result).range.kind != MapRange::Kind::Stated);
+    }
+    return isFixed ? qMakePair(m_ui.CBar->rangeMin(), m_ui.CBar->rangeMax()) : qMakePair(0.0, 0.0);
+}
+
 void ImagePane::updateValueAndCrossSections() {
     const QPointF position = m_ui.dispA->realPosition();
     const int x = toPixel(position.x());
@@ -273,7 +340,7 @@ void ImagePane::updateValueAndCrossSections() {
     int height = 0;
     PixelValue valueAt;
     const TiffData* frame = shownFrame(m_measurement);
-    const Result* result = m_measurement.shownResult();
+    const Result* result = mapInSections();
     const FrameImage* image =
         frame != nullptr ? m_measurement.frameImage(Measurement::Wait::Blink) : nullptr;
     if (image != nullptr) {
@@ -295,18 +362,17 @@ void ImagePane::updateValueAndCrossSections() {
     }
     const bool inside = x >= 0 && y >= 0 && x < width && y < height;
     const QString nothing = width > 0 ? QString() : QStringLiteral("0.0");
-    m_ui.Value->setText(inside ? valueText(valueAt(x, y)) : nothing);
+    m_ui.Value->setText(inside ? showsComposite(m_measurement) ? sharesText(x, y)
+                                                               : valueText(valueAt(x, y))
+                               : nothing);
     m_ui.Value->setCursorPosition(0);
-    m_numbers->show(m_measurement, inside ? result : nullptr, x, y);
+    m_numbers->show(m_measurement, inside ? m_measurement.shownResult() : nullptr, x, y);
     const Settings& settings = m_measurement.settings();
     m_hCross->setProfile(rowProfile(width, height, valueAt, y, settings.halfHeight), 0);
     m_vCross->setProfile(columnProfile(width, height, valueAt, x, settings.halfWidth), 0);
-    const bool isFixed = frame != nullptr ? (settings.*m_measurement.frameRange()).fixed
-                                          : result != nullptr && result->image.isFixedScale();
-    for (CrossSection* section : {m_hCross, m_vCross}) {
-        section->setValueRange(isFixed ? m_ui.CBar->rangeMin() : 0.0,
-                               isFixed ? m_ui.CBar->rangeMax() : 0.0);
-    }
+    const auto [low, high] = sectionRange();
+    m_hCross->setValueRange(low, high);
+    m_vCross->setValueRange(low, high);
     m_hCross->setMarker(position.x());
     m_vCross->setMarker(position.y());
 }

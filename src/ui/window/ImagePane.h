@@ -49,6 +49,10 @@ class ImagePane : public QObject {
     void showMark();
     QImage markedPicture();
     QImage framePictureMade();
+    void changeView(const std::function<void(MapView&)>& change);
+    QString sharesText(int x, int y) const;
+    const Result* mapInSections() const;
+    QPair<double, double> sectionRange() const;
     bool isLoading() const;
 
     Measurement& m_measurement;

@@ -7,6 +7,7 @@
 #include <QToolButton>
 
 #include "display/MessageLine.h"
+#include "measurement/CompositeDisplay.h"
 #include "measurement/Display.h"
 #include "measurement/MeasurementName.h"
 #include "window/Messages.h"
@@ -138,6 +139,9 @@ QString StatusLine::display() const {
                        ? withState(tr("Energy-shift map"), *result)
                        : tr("No energy-shift map yet");
         case Shown::Result:
+            if (showsComposite(m_measurement)) {
+                return tr("Composite of the shares of the references");
+            }
             return result != nullptr && result->image.hasData()
                        ? tr("Result image") + Gap + describe(m_measurement, *result)
                        : tr("No result yet: analyze the image and select a result in the Analyzer");
