@@ -7,6 +7,8 @@
 #include "TestMain.h"
 #include "display/ImageView.h"
 
+Q_DECLARE_METATYPE(Area)
+
 namespace {
 
 QPointF onScreen(const ImageView& view, double x, double y) {
@@ -223,10 +225,10 @@ class ImageViewTest : public QObject {
         QFETCH(QRect, corners);
         ImageView view;
         view.setImageSize(40, 30);
-        view.setSelection(2, 2, 4, 4);
+        view.select({2, 2, 4, 4});
         int x, y, w, h;
         corners.getRect(&x, &y, &w, &h);
-        view.setSelection(x, y, w, h);
+        view.select({x, y, w, h});
         QTEST(view.selection(), "selection");
         QCOMPARE(view.hasSelection(), !view.selection().isEmpty());
         QCOMPARE(view.area(), view.hasSelection() ? view.selection() : rect(0, 0, 40, 30));
@@ -234,10 +236,10 @@ class ImageViewTest : public QObject {
 
     void escapeAndRightClickClear() {
         View view(QSize(400, 400), QSize(40, 40));
-        view.setSelection(1, 1, 5, 5);
+        view.select({1, 1, 5, 5});
         QTest::keyClick(&view, Qt::Key_Escape);
         QVERIFY(!view.hasSelection());
-        view.setSelection(1, 1, 5, 5);
+        view.select({1, 1, 5, 5});
         Mouse::click(&view, QPointF(200, 200), Qt::RightButton);
         QVERIFY(!view.hasSelection());
         // In the middle of a drag, too: the rest of it selects nothing.
@@ -251,11 +253,83 @@ class ImageViewTest : public QObject {
         QVERIFY(!view.isPinned());
     }
 
+    /// An area is taken inside and moved, at a handle and resized, and never leaves the image;
+    /// beside it a drag draws another one.
+    void theAreaIsMovedAndResized_data() {
+        columns<Area, QPointF, QPointF, Area>("area", "from", "to", "expected");
+        const Area box{10, 10, 20, 20};
+        const Area ellipse = Area::ellipse(10, 10, 20, 20);
+        const Area polygon = Area::polygon({{5, 5}, {30, 5}, {5, 35}});
+        QTest::newRow("moved") << box << QPointF(15, 15) << QPointF(18.2, 13)
+                               << Area{13, 8, 23, 18};
+        QTest::newRow("to the edge")
+            << box << QPointF(15, 15) << QPointF(39, 0) << Area{30, 0, 40, 10};
+        QTest::newRow("at a corner")
+            << box << QPointF(20, 20) << QPointF(25, 32) << Area{10, 10, 25, 32};
+        QTest::newRow("at a side")
+            << box << QPointF(10, 15) << QPointF(4, 1) << Area{4, 10, 20, 20};
+        QTest::newRow("past the other side")
+            << box << QPointF(10, 15) << QPointF(26, 15) << Area{20, 10, 26, 20};
+        QTest::newRow("an ellipse")
+            << ellipse << QPointF(20, 10) << QPointF(22, 8) << Area::ellipse(10, 8, 22, 20);
+        QTest::newRow("beside an ellipse, in its box")
+            << ellipse << QPointF(10.8, 10.8) << QPointF(12.5, 13.5) << Area{10, 10, 13, 14};
+        QTest::newRow("a polygon")
+            << polygon << QPointF(10, 10) << QPointF(11, 12) << polygon.moved({1, 2});
+        QTest::newRow("a vertex") << polygon << QPointF(30, 5) << QPointF(24, 20)
+                                  << Area::polygon({{5, 5}, {24, 20}, {5, 35}});
+    }
+    void theAreaIsMovedAndResized() {
+        QFETCH(Area, area);
+        QFETCH(QPointF, from);
+        QFETCH(QPointF, to);
+        QFETCH(Area, expected);
+        View view(QSize(400, 400), QSize(40, 40));
+        view.select(area);
+        Mouse::drag(&view, 10 * from, 10 * to);
+        QVERIFY(view.selectedArea() == expected);
+        QTest::keyClick(&view, Qt::Key_Left, Qt::AltModifier);
+        QVERIFY(view.selectedArea() == expected.moved({expected.x0 > 0 ? -1 : 0, 0}));
+        const QRectF box = view.selection();
+        QTest::keyClick(&view, Qt::Key_Down, Qt::AltModifier | Qt::ShiftModifier);
+        const bool isPolygon = area.shape == AreaShape::Polygon;
+        QCOMPARE(view.selection(), box.adjusted(0, 0, 0, isPolygon ? 0 : 1));
+        QVERIFY(!view.isPinned());
+    }
+
+    void shapesAreDrawn() {
+        View view(QSize(400, 400), QSize(40, 40));
+        QSignalSpy changed(&view, &ImageView::selectionChanged);
+        view.chooseShape(AreaShape::Ellipse);
+        Mouse::drag(&view, QPointF(101, 101), QPointF(199, 299));
+        QVERIFY(view.selectedArea() == Area::ellipse(10, 10, 20, 30));
+        view.chooseShape(AreaShape::Polygon);
+        const int before = changed.count();
+        for (const QPointF& at : {QPointF(50, 52), QPointF(300, 50), QPointF(10, 10)}) {
+            Mouse::click(&view, at);
+        }
+        QTest::keyClick(&view, Qt::Key_Backspace);
+        Mouse::doubleClick(&view, QPointF(48, 351));
+        QCOMPARE(changed.count(), before + 1);
+        const Area drawn = Area::polygon({{5, 5}, {30, 5}, {5, 35}});
+        QVERIFY(view.selectedArea() == drawn && !view.isPinned());
+        Mouse::click(&view, QPointF(100, 100));  // no vertex any more
+        QVERIFY(view.selectedArea() == drawn && view.isPinned());
+        // Two corners make no polygon; Esc takes them and the area away.
+        view.chooseShape(AreaShape::Polygon);
+        Mouse::click(&view, QPointF(50, 50));
+        Mouse::click(&view, QPointF(90, 50));
+        QTest::keyClick(&view, Qt::Key_Return);
+        QVERIFY(view.selectedArea() == drawn);
+        QTest::keyClick(&view, Qt::Key_Escape);
+        QVERIFY(!view.hasSelection());
+    }
+
     /// Loading the next stack empties the view first. What was selected before is still wanted, and
     /// so is what was selected before the first stack.
     void theSelectionWaitsForAnImage() {
         ImageView view;
-        view.setSelection(10, 10, 30, 30);
+        view.select({10, 10, 30, 30});
         QVERIFY(!view.hasSelection());
         view.setImageSize(40, 20);
         QCOMPARE(view.selection(), rect(10, 10, 30, 20));

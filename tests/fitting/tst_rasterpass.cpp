@@ -68,6 +68,17 @@ Energies evenly(double from, double to, double step) {
     return {list.begin(), list.end()};
 }
 
+/// Bins at the ends and in the middle of packs, alone and side by side; whole rows left out.
+std::shared_ptr<const PixelSet> innerPixels(int width, int height) {
+    const auto pixels = std::make_shared<PixelSet>(QRect(0, 0, width, height));
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; y % 5 != 1 && x < width; ++x) {
+            pixels->insert(y, x, x + ((x * 7 + y * 3) % 11 < 4 && x > y ? 1 : 0));
+        }
+    }
+    return pixels;
+}
+
 /// What threads ask of the system for themselves, for as long as it lives.
 class ThreadCost {
   public:
@@ -163,14 +174,17 @@ class TestRasterPass : public QObject {
 
     /// Counted the same by any number of threads, in packs and one by one.
     void binsAreTallied_data() {
-        columns<int, bool>("threads", "inPacks");
-        QTest::newRow("one thread") << 1 << true;
-        QTest::newRow("five threads") << 5 << true;
-        QTest::newRow("one by one") << 2 << false;
+        columns<int, bool, bool>("threads", "inPacks", "inside");
+        QTest::newRow("one thread") << 1 << true << false;
+        QTest::newRow("five threads") << 5 << true << false;
+        QTest::newRow("one by one") << 2 << false << false;
+        QTest::newRow("in a shape") << 3 << true << true;
+        QTest::newRow("in a shape one by one") << 2 << false << true;
     }
     void binsAreTallied() {
         QFETCH(int, threads);
         QFETCH(bool, inPacks);
+        QFETCH(bool, inside);
         const DebugLines said;
         Energies energies = evenly(7000, 7300, 4);
         if (!inPacks) {
@@ -186,24 +200,40 @@ class TestRasterPass : public QObject {
         BinRaster raster = wholeImage();
         raster.halfWidth = 0;
         raster.halfHeight = 0;
-        RasterPass pass(source, raster, 2,
-                        backgroundEvaluators(threads, raster, source.energies(),
-                                             XafsSpectrum::Simple, At, correctionAt));
+        const auto evaluators = [&] {
+            return backgroundEvaluators(threads, raster, source.energies(), XafsSpectrum::Simple,
+                                        At, correctionAt);
+        };
+        RasterPass whole(source, raster, 2, evaluators());
+        const std::vector<double> values = valuesOf(whole, 2);
+        if (inside) {
+            raster.inside = innerPixels(Width, Height);
+        }
+        RasterPass pass(source, raster, 2, evaluators());
         RasterPass::Tally all;
         for (auto row = pass.take(); row.values != nullptr; row = pass.take()) {
             all += row.tally;
+            for (int i = 0; i < 2 * raster.columns; ++i) {
+                const auto at = static_cast<std::size_t>(row.row * 2 * raster.columns + i);
+                QVERIFY(raster.holds(i / 2, row.row) ? same(row.values[i], values[at])
+                                                     : std::isnan(row.values[i]));
+            }
         }
         int expected = 0;
         int flat = 0;
         for (int y = 0; y < raster.rows; ++y) {
             for (int x = 0; x < raster.columns; ++x) {
+                if (!raster.holds(x, y)) {
+                    continue;
+                }
                 const Spectrum at = source.spectrumAt(raster.x(x), raster.y(y), 0, 0);
                 expected += at.maximum().y == 1.0 || at.minimum().y == 1.0;
                 flat +=
                     XafsSpectrum(at, XafsSpectrum::Simple, 0.0, XafsSpectrum::Quiet).dMut() == 0;
             }
         }
-        QCOMPARE(all.bins, raster.rows * raster.columns);
+        QCOMPARE(all.bins, raster.count());
+        QVERIFY(inside == (raster.count() < raster.rows * raster.columns));
         QCOMPARE(all.withoutCounts, expected);
         QCOMPARE(all.withoutJump, flat);
         QVERIFY(expected > 0 && flat > 0);
@@ -230,13 +260,16 @@ class TestRasterPass : public QObject {
         const FrameSet i0 =
             tinyStack(Width, 40, {7000}, [](int, int x, int) { return quint16(8000 + x); });
         const AbsorptionSource source(i1, i0, Width, 40);
-        const BinRaster raster{0, 1, Width, 0, 1, 40, 0, 0};
+        BinRaster raster{0, 1, Width, 0, 1, 40, 0, 0};
+        if (threads == 2) {
+            raster.inside = innerPixels(Width, 40);
+        }
         const auto sums = std::make_shared<RowSums>();
         RasterPass pass(source, raster, 1,
                         meanEvaluators(threads, raster, source.energyCount(), correctionAt, sums));
         double counted = 0.0;
         for (auto row = pass.take(); row.values != nullptr; row = pass.take()) {
-            counted = std::accumulate(row.values, row.values + Width, counted);
+            counted += static_cast<double>(std::count(row.values, row.values + Width, 1.0));
         }
         const MeanSpectrum mean = meanOf(*sums, source.energies());
 
@@ -247,7 +280,7 @@ class TestRasterPass : public QObject {
             Energies ofRow(energies.size());
             double shift = 0.0;
             for (int x = 0; x < Width; ++x) {
-                if (x == 3 || (x == 5 && y % 2 == 0) || y == 11) {
+                if (x == 3 || (x == 5 && y % 2 == 0) || y == 11 || !raster.holds(x, y)) {
                     continue;
                 }
                 const Spectrum bin = source.spectrumAt(x, y, 0, 0);

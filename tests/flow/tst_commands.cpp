@@ -30,6 +30,7 @@
 #include "panels/CalibCtrl.h"
 #include "panels/LCFReference.h"
 #include "panels/SaveDataCfg.h"
+#include "spectra/SpectrumFile.h"
 #include "spectra/XafsSpectrum.h"
 
 namespace {
@@ -297,6 +298,16 @@ void TestCommands::addViewCases() {
         "select_region 6 5 2 1", {"select_region 0 0 0 0"},
         [=] { return view()->selection() == QRectF(2, 1, 4, 4); },
         [=] { return !view()->hasSelection(); });
+    const auto selected = [=](const Area& area) { return view()->selectedArea() == area; };
+    add("select_ellipse 6 5 -2 1", {"select_region 1 1 2 2"},
+        [=] { return selected(Area::ellipse(-2, 1, 6, 5)); });
+    add("save_area_spectrum area.dat", [this] {
+        XafsSpectrum read;
+        return readSpectrumFile(file("area.dat"), &read) && read.size() == 151;
+    });
+    add("select_polygon 1 1 6 1 1 6", {}, [=] {
+        return selected(Area::polygon({{1, 1}, {6, 1}, {1, 6}}));
+    });
     add("select_region 0 0 0 0", [=] { return !view()->hasSelection(); });
     add("move_position 3 4", {"move_position 1 1"}, [=] {
         return textOf("Position", m_body.get()) == "(   3,    4)" &&
@@ -433,6 +444,24 @@ void TestCommands::addAnalyzerCases() {
                                          ->result(LCFReference::Ratio)
                                          ->shownValueAt(last[0].toInt(), last[1].toInt());
     });
+    add("save_statistics area.csv", {"select_ellipse 0 0 4 4"}, [this] {
+        const QList<QByteArray> rows = rowsOf(file("area.csv"));
+        return !rows.isEmpty() && rows.first() == "map,reference,n,mean,sd,median,min,max" &&
+               std::count_if(rows.begin(), rows.end(), [](const QByteArray& row) {
+                   return row.startsWith("fraction,1,12,");
+               }) == 1;
+    });
+    add("select_threshold fraction 0.2 0.4 0", {"select_region 0 0 0 0"}, [=] {
+        const auto pixels = view()->selectedArea().pixels({Size, Size});
+        int wrong = pixels == nullptr ? 1 : 0;
+        for (int i = 0; pixels != nullptr && i < Size * Size; ++i) {
+            const double value =
+                reference(0)->result(LCFReference::Ratio)->shownValueAt(i % Size, i / Size);
+            wrong += pixels->contains(i % Size, i / Size) != (value >= 0.2 && value <= 0.4);
+        }
+        return wrong == 0;
+    });
+    add("select_region 0 0 0 0", [=] { return !view()->hasSelection(); });
     add("save_all_images " + file("all.png"), [=] {
         return QImage(file("all-0-0.png")).width() == Size &&
                QImage(file("all-1-1.png")).width() == Size;

@@ -16,6 +16,8 @@
 #include "measurement/Saving.h"
 #include "panels/LCFReference.h"
 
+Q_DECLARE_METATYPE(Area)
+
 namespace {
 
 constexpr int Size = 9;
@@ -142,20 +144,22 @@ class TestRecord : public QObject {
     void cleanup() { m_body.reset(); }
 
     void sameBytesFromAnotherProgram_data() {
-        columns<QString, QString, bool>("e0", "postStart", "unscaled");
+        columns<QString, QString, bool, Area>("e0", "postStart", "unscaled", "area");
         QTest::newRow("as from the start") << "0"
-                                           << "10" << false;
+                                           << "10" << false << Area();
         QTest::newRow("mean spectrum") << "1"
-                                       << "20" << false;
+                                       << "20" << false << Area::ellipse(1, 0, 9, 9);
         QTest::newRow("an energy") << "7110.5"
-                                   << "20.5" << true;
+                                   << "20.5" << true << Area::polygon({{0, 0}, {9, 1}, {2, 8}});
     }
 
     void sameBytesFromAnotherProgram() {
         QFETCH(QString, e0);
         QFETCH(QString, postStart);
         QFETCH(bool, unscaled);
+        QFETCH(Area, area);
         loadAndCalibrate();
+        m_body->measurement().set(&Settings::area, area);
         if (e0.size() > 1) {
             type("E0Energy", e0);
         } else {

@@ -349,6 +349,8 @@ class TestMeasurement : public QObject {
             {D::Bins, D::Bins, D::Bins});
         row("area", set(&Settings::area, Area{0, 0, 9, 9}), set(&Settings::area, Area{}),
             {D::Area, D::Area, D::Area});
+        row("shape", set(&Settings::area, Area::ellipse(0, 0, Width, Height)),
+            set(&Settings::area, Area{}), {D::Area, D::Area, D::Area});
         row("target background", set(&Settings::targetBackground, 1),
             set(&Settings::targetBackground, 0), {D::Background, D::Background, none});
         row("standard background", set(&Settings::standardBackground, 1),

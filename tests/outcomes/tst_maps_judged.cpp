@@ -214,6 +214,51 @@ class TestMapsJudged : public QObject {
     }
     void results() { m_cases.judge(); }
 
+    void areas_data() {
+        OutcomeCases::declare();
+        const auto add = [](const char* name, const QString& batch, const QString& verdict,
+                            const QString& text = QString()) {
+            OutcomeCases::add(name, {}, "LOAD\nREFS\n" + batch, verdict, text);
+        };
+        const QString fit = "analyzer_exec_LCF\nanalyzer_select_map fraction 0\n";
+        add("an ellipse over the edge", "select_ellipse -4 -4 6 6\nanalyzer_exec_LCF", "done");
+        add("an ellipse beside the image", "select_ellipse 9 9 40 40", "failed", "no part of");
+        add("none",
+            "select_ellipse 2 2 4 4\nselect_ellipse 0 0 0 0\n" + fit + "save_data_as_tiff x.tif",
+            "done");
+        add("half a vertex", "select_polygon 0 0 4 0 4 4 1", "failed", "two numbers");
+        add("no number", "select_polygon 0 0 4 0 4 4 1 x", "failed", "'x' is not an integer");
+        add("flat", "select_polygon 0 3 4 3 8 3", "failed", "no part of the region");
+        add("far off", "select_polygon 0 0 4 0 2000000 4", "failed", "far outside any image");
+        add("between the centres",
+            "select_ellipse 0 0 2 2\nset_band_w 1\nset_band_h 1\n" + fit.section('\n', 0, 0),
+            "done");
+        add("no centre inside",
+            "select_polygon 0 0 9 0 0 1\nset_band_w 1\nset_band_h 1\n" + fit.section('\n', 0, 0),
+            "failed", "no bin of the area has its centre inside the shape");
+        const QString shaped = "select_polygon 0 0 9 0 0 8\n" + fit;
+        add("blanks in counts", shaped + "save_data_as_tiff x.tif", "warning",
+            "^warning: \\d+ of 96 pixels are blank: a 16-bit TIFF has 0 there$");
+        add("none in floats", shaped + "saveDataCfg_save_as_float\nsave_data_as_tiff x.tif",
+            "done");
+        add("another area", shaped + "select_region 0 0 4 4\nsave_data_as_tiff x.dat", "warning",
+            "the result is of another area");
+        add("which is what statistics are for",
+            shaped + "select_region 0 0 4 4\nsave_statistics x.csv", "done");
+        add("statistics of other bins", shaped + "set_band_h 2\nsave_statistics x.csv", "warning",
+            "jump: the result is with other bins");
+        add("no statistics", "save_statistics x.csv", "failed", "there are no maps");
+        add("no such map", "select_threshold fraction 0 1", "failed", "no map of this name");
+        add("turned round", fit + "select_threshold fraction 1 0", "failed", "below the lower");
+        add("no such value", fit + "select_threshold fraction 5 6", "failed", "from 5 to 6$");
+        add("no such reference", fit + "select_threshold fraction 0 1 7", "failed", "panel 7");
+        add("a threshold", fit + "select_threshold fraction 0.2 0.5 1\nanalyzer_exec_LCF", "done");
+        add("a mean spectrum that is read again",
+            shaped + "save_area_spectrum m.dat\nanalyzer_set_LCF_std 2 1 0 m.dat 0", "done");
+        add("no bin", "set_band_h 9\nsave_area_spectrum m.dat", "failed", "no bin of the area");
+    }
+    void areas() { m_cases.judge(); }
+
     /// Where it is no file that would be replaced, no kind of output is written.
     void devices_data() {
         OutcomeCases::declare();

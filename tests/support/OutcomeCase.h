@@ -131,7 +131,7 @@ class OutcomeCases {
             "have no counts at some energy|energies of the frames in all bins|most shifts are "
             "above|have no edge|"
             "percentiles of the frame are equal|are saturated|can be decoded|"
-            "of 65535 steps");
+            "of 65535 steps|no bin of the map lies from");
         Ends ends;
         const QRegularExpression line(pattern, QRegularExpression::MultilineOption);
         QRegularExpressionMatchIterator it = line.globalMatch(text);

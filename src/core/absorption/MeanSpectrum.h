@@ -12,7 +12,7 @@
 /// Energy shift (eV) at a pixel; called from several threads.
 using ShiftAt = std::function<double(int x, int y)>;
 
-/// Sums over the bins of each row that have counts at all energies.
+/// Sums over the bins of each row, of the raster's inside, that have counts at all energies.
 struct RowSums {
     struct Row {
         std::vector<double> mu;  ///< at each energy

@@ -6,16 +6,12 @@
 #include <utility>
 
 #include "absorption/AbsorptionSource.h"
-#include "absorption/BinRowSpectra.h"
-#include "spectra/Lanes.h"
+#include "absorption/RowEvaluation.h"
 
 namespace {
 
 // Rows that may be finished before they are taken: enough that a thread seldom waits.
 constexpr std::size_t RowsAhead = 8;
-
-// Bytes of the counts of a few bins over all frames that a core keeps near itself.
-constexpr std::size_t NearMemory = std::size_t(1) << 18;
 
 }  // namespace
 
@@ -76,36 +72,11 @@ void RasterPass::fail(Failure why) {
 }
 
 void RasterPass::evaluateRows(const Evaluate& evaluate) {
-    constexpr int PackSize = lanes::Count;
-    const std::size_t energies = static_cast<std::size_t>(m_source.energyCount());
-    BinRowSpectra bins(m_source, m_raster.firstX, m_raster.stepX,
-                       m_raster.x(m_raster.columns - 1) + 1, m_raster.halfWidth,
-                       m_raster.halfHeight);
-    const int packs = static_cast<int>(
-        std::max<std::size_t>(4, NearMemory / (2 * sizeof(double) * PackSize * (energies + 1))));
-    std::vector<double> mu(energies * PackSize);
-    bool lacksCounts[PackSize];
+    RowEvaluation evaluation(m_source, m_raster, m_valuesPerBin, evaluate);
     std::vector<double> values;
     int row = 0;
     while (nextRow(&row)) {
-        Tally tally;
-        values.resize(static_cast<std::size_t>(m_raster.columns) *
-                      static_cast<std::size_t>(m_valuesPerBin));
-        for (int first = 0; first < m_raster.columns; first += packs * PackSize) {
-            const int count = std::min(packs * PackSize, m_raster.columns - first);
-            bins.sum(m_raster.y(row), first, count);
-            for (int bin = 0; bin < count; bin += PackSize) {
-                const int spectra = std::min(PackSize, count - bin);
-                tally.bins += spectra;
-                tally.withoutCounts += bins.formPack(bin, mu.data(), lacksCounts);
-                const Found found =
-                    evaluate({mu.data(), lacksCounts, row, first + bin, spectra, bins.counts(bin)},
-                             &values[static_cast<std::size_t>(first + bin) *
-                                     static_cast<std::size_t>(m_valuesPerBin)]);
-                tally.withoutJump += found.withoutJump;
-                tally.withoutLines += found.withoutLines;
-            }
-        }
+        const Tally tally = evaluation.row(row, &values);
         finish(row, tally, &values);
     }
 }

@@ -28,16 +28,17 @@ class RasterPass {
         lanes::Counts counts = {};  ///< behind the spectra
     };
 
-    /// How many spectra of a pack were found to be odd, as far as it is worked out.
+    /// Which spectra of a pack were found to be odd, as far as it is worked out: bit l for the
+    /// l-th.
     struct Found {
-        int withoutJump = 0;   ///< with an edge jump of 0
-        int withoutLines = 0;  ///< with too few energies in a background range
+        unsigned withoutJump = 0;   ///< with an edge jump of 0
+        unsigned withoutLines = 0;  ///< with too few energies in a background range
     };
 
     /// Works out `valuesPerBin` numbers for each spectrum of a pack.
     using Evaluate = std::function<Found(const Pack& pack, double* values)>;
 
-    /// What was seen in the spectra of some bins.
+    /// What was seen in the spectra of some bins of the raster's inside.
     struct Tally {
         int bins = 0;
         int withoutCounts = 0;  ///< at some energy
@@ -53,7 +54,8 @@ class RasterPass {
         }
     };
 
-    /// A row of results, column after column; null with the last row taken or after a failure.
+    /// A row of results, column after column, no number for bins that are not inside; null with the
+    /// last row taken or after a failure.
     struct Row {
         int row = 0;
         const double* values = nullptr;

@@ -11,6 +11,7 @@
 void addStackCommands(std::vector<CommandRow>* rows);
 void addViewCommands(std::vector<CommandRow>* rows);
 void addSaveCommands(std::vector<CommandRow>* rows);
+void addAreaCommands(std::vector<CommandRow>* rows);
 void addAnalyzerCommands(std::vector<CommandRow>* rows);
 void addMapCommands(std::vector<CommandRow>* rows);
 void addCalibrationCommands(std::vector<CommandRow>* rows);

@@ -16,8 +16,9 @@ struct Tables {
 
 std::vector<CommandRow> commandRows() {
     std::vector<CommandRow> rows;
-    for (const auto& add : {addStackCommands, addViewCommands, addSaveCommands, addAnalyzerCommands,
-                            addMapCommands, addCalibrationCommands, addSaveFormCommands}) {
+    for (const auto& add :
+         {addStackCommands, addViewCommands, addAreaCommands, addSaveCommands, addAnalyzerCommands,
+          addMapCommands, addCalibrationCommands, addSaveFormCommands}) {
         add(&rows);
     }
     std::sort(rows.begin(), rows.end(),

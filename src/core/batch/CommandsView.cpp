@@ -1,4 +1,4 @@
-// Commands for bins, area, position and what is on display.
+// Commands for bins, position and what is on display.
 
 #include "batch/CommandRows.h"
 #include "measurement/Display.h"
@@ -6,15 +6,6 @@
 #include "spectra/Units.h"
 
 namespace {
-
-void selectRegion(Action& a) {
-    Measurement& m = a.measurement;
-    const Area area{a.args.integer(0), a.args.integer(1), a.args.integer(2), a.args.integer(3)};
-    a.outcome += m.judge(area);
-    if (!a.outcome.failed()) {
-        m.set(&Settings::area, area.clipped(m.imageSize()));
-    }
-}
 
 void movePosition(Action& a) {
     const QPoint at(a.args.integer(0), a.args.integer(1));
@@ -180,13 +171,6 @@ void addViewCommands(std::vector<CommandRow>* rows) {
          [](Action& a) { a.measurement.set(&Settings::halfHeight, a.args.integer(0)); }},
         {8, "select_disp_image", {K::Integer}, 1, false, Work::None, selectDisplay},
         {12, "move_position", {K::Integer, K::Integer}, 2, false, Work::None, movePosition},
-        {13,
-         "select_region",
-         {K::Integer, K::Integer, K::Integer, K::Integer},
-         4,
-         false,
-         Work::None,
-         selectRegion},
         {59,
          "show_processed",
          {K::Flag},

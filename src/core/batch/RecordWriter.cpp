@@ -257,6 +257,18 @@ void RecordWriter::references(const std::vector<ReferenceInput>& references) {
     m_references = std::max(m_references, index);
 }
 
+void RecordWriter::area(const Inputs& in) {
+    const bool isWhole = in.area.within(AnySize, AnySize).isEmpty();  // or of no image
+    const Area area = isWhole ? Area() : in.area.clipped(in.size);
+    if (area.vertices.size() > MostWrittenVertices && !m_failure) {
+        m_failure = RecordLines::none(
+            QT_TRANSLATE_NOOP("Record", "the area has too many vertices for a batch: %1"),
+            number(area.vertices.size()));
+    }
+    put(QStringLiteral("area"), QStringLiteral("select_") + shapeWord(area.shape),
+        areaNumbers(area));
+}
+
 void RecordWriter::inputs(const Inputs& in, Work work) {
     if (work == Work::Fit || work == Work::Difference || hasCommonE0(in, work)) {
         map(in.map);
@@ -264,10 +276,7 @@ void RecordWriter::inputs(const Inputs& in, Work work) {
     frames(in);
     put(QStringLiteral("width"), QStringLiteral("set_band_w"), {number(in.halfWidth)});
     put(QStringLiteral("height"), QStringLiteral("set_band_h"), {number(in.halfHeight)});
-    const bool isWhole = in.area.within(AnySize, AnySize).isEmpty();  // or of no image
-    const Area area = isWhole ? Area() : in.area.clipped(in.size);
-    put(QStringLiteral("area"), QStringLiteral("select_region"),
-        {number(area.x0), number(area.y0), number(area.x1), number(area.y1)});
+    area(in);
     if (work == Work::Calibrate) {
         standard(in.standard, in.standardBackground);
         return;

@@ -55,6 +55,7 @@ class RecordWriter {
     }
 
   private:
+    void area(const Inputs& in);
     void stack(const char* name, const StackInputs& stack);
     void loadGroup(const char* name, bool first, const QVector<Stack::File>& files);
     bool energyIsKept(const Stack::File& file, const QString& relative, int before) const;

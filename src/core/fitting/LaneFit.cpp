@@ -192,6 +192,10 @@ void blankErrors(const RasterPass::Pack& pack, const FitValues& places, double* 
     }
 }
 
+unsigned bitOf(int spectrum, bool isSet) {
+    return isSet ? 1u << spectrum : 0u;
+}
+
 RasterPass::Evaluate fitOneByOne(const BinRaster& raster, const QVector<XafsSpectrum>& references,
                                  const FitRule& rule, const std::vector<double>& energies,
                                  const CorrectionAt& correctionAt) {
@@ -207,8 +211,9 @@ RasterPass::Evaluate fitOneByOne(const BinRaster& raster, const QVector<XafsSpec
                                         correctionAt(raster.x(pack.column + l), raster.y(pack.row)),
                                         XafsSpectrum::Quiet);
             fit->fit(spectrum);
-            found.withoutJump += spectrum.dMut() == 0.0;
-            found.withoutLines += rule.method == LinearFit::Lcf && lacksLines(energies, spectrum);
+            found.withoutJump |= bitOf(l, spectrum.dMut() == 0.0);
+            found.withoutLines |=
+                bitOf(l, rule.method == LinearFit::Lcf && lacksLines(energies, spectrum));
             std::copy(fit->dMuts().begin(), fit->dMuts().end(), bin);
             std::copy(fit->ratios().begin(), fit->ratios().end(), bin + places.ratio(0));
             bin += places.count();
@@ -255,8 +260,8 @@ RasterPass::Evaluate curvesOneByOne(const BinRaster& raster, const std::vector<d
             const XafsSpectrum spectrum(spectrumOf(energies, pack.mu, l), sample,
                                         correctionAt(raster.x(pack.column + l), raster.y(pack.row)),
                                         XafsSpectrum::Quiet);
-            found.withoutJump += spectrum.dMut() == 0.0;
-            found.withoutLines += lacksLines(energies, spectrum);
+            found.withoutJump |= bitOf(l, spectrum.dMut() == 0.0);
+            found.withoutLines |= bitOf(l, lacksLines(energies, spectrum));
             *values++ = spectrum.preEdge().valueAt(e);
             *values++ = spectrum.postEdge().valueAt(e);
         }

@@ -26,8 +26,8 @@ class LaneFit {
     void fit(const double* mu, const double* corrections, int count, const lanes::Counts* counts,
              double* results);
     /// See LaneNormaliser; 0 for a method that needs no normalisation.
-    int withoutJump() const { return m_normaliser.withoutJump(); }
-    int withoutLines() const { return m_normaliser.withoutLines(); }
+    unsigned withoutJump() const { return m_normaliser.withoutJump(); }
+    unsigned withoutLines() const { return m_normaliser.withoutLines(); }
 
   private:
     void prepare(double correction);

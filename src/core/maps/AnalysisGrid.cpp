@@ -27,7 +27,8 @@ qint32 magnitude(int half, qint32 size) {
 }  // namespace
 
 AnalysisGrid AnalysisGrid::ofArea(int imageWidth, int imageHeight, int halfWidth, int halfHeight,
-                                  const QRectF& area) {
+                                  const QRectF& area,
+                                  const std::shared_ptr<const PixelSet>& inside) {
     AnalysisGrid grid;
     grid.width = std::max(0, imageWidth);
     grid.height = std::max(0, imageHeight);
@@ -37,6 +38,7 @@ AnalysisGrid AnalysisGrid::ofArea(int imageWidth, int imageHeight, int halfWidth
     std::tie(grid.y0, grid.y1) = ends(area.top(), area.top() + area.height(), grid.height);
     grid.stepX = 2 * grid.halfW + 1;
     grid.stepY = 2 * grid.halfH + 1;
+    grid.inside = inside;
     grid.start();
     return grid;
 }
@@ -90,7 +92,8 @@ BinRaster AnalysisGrid::raster() const {
                      std::max(1, stepY),
                      limited(rows()),
                      halfW,
-                     halfH};
+                     halfH,
+                     inside};
     raster.cutTo(width, height);
     return raster;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtGlobal>
+#include <memory>
 
 #include "maps/BinRaster.h"
 
@@ -22,12 +23,15 @@ struct AnalysisGrid {
     qint32 stepY = 1;
     qint32 x = 0;  ///< current point
     qint32 y = 0;
+    /// Points that are not among these are not analysed; null: all are.
+    std::shared_ptr<const PixelSet> inside;
 
     /// The grid whose bins tile an area without overlap, at its first point. The area is cut to
     /// whole pixels, ordered and clipped to the image; half sizes count by magnitude and no
     /// further than the image is wide or high.
     static AnalysisGrid ofArea(int imageWidth, int imageHeight, int halfWidth, int halfHeight,
-                               const QRectF& area);
+                               const QRectF& area,
+                               const std::shared_ptr<const PixelSet>& inside = nullptr);
 
     /// Goes to the first point.
     void start();
@@ -45,6 +49,12 @@ struct AnalysisGrid {
 
     bool isInsideImage(qint64 px, qint64 py) const {
         return px >= 0 && py >= 0 && px < width && py < height;
+    }
+    bool isLeftOut(qint64 px, qint64 py) const {
+        return inside && !inside->contains(static_cast<int>(px), static_cast<int>(py));
+    }
+    bool isAnalysed(qint64 px, qint64 py) const {
+        return isInsideImage(px, py) && !isLeftOut(px, py);
     }
 
     /// Per cent of the rows that lie behind the current one, 0.00 for an area of no height.

@@ -121,7 +121,7 @@ Analyzed2DRes::Range Analyzed2DRes::visibleExtremes() const {
     const Array& shown = shownArray();
     forEachPoint(m_grid, [&](int x, int y) {
         const std::ptrdiff_t pixel = std::ptrdiff_t{y} * m_grid.width + x;
-        if (m_grid.isInsideImage(x, y) && !isBlank(static_cast<std::size_t>(pixel))) {
+        if (m_grid.isAnalysed(x, y) && !isBlank(static_cast<std::size_t>(pixel))) {
             widen(shown.isEmpty() ? 0.0 : shown[pixel], &range.min, &range.max);
         }
     });
@@ -209,6 +209,13 @@ void Analyzed2DRes::clear() {
     dropPicture();
     m_proc = Array();
     m_data = Array::zeros(sizeOf(m_grid));
+    if (m_grid.inside) {
+        fill(std::numeric_limits<double>::quiet_NaN());
+    }
+}
+
+void Analyzed2DRes::fill(double value) {
+    std::fill_n(m_data.data(), m_data.size(), value);
 }
 
 void Analyzed2DRes::startOver(const AnalysisGrid& grid) {

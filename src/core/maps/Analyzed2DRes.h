@@ -31,9 +31,11 @@ class Analyzed2DRes : public QObject {
 
     /// Geometry for the next clear(), which allocates the arrays.
     void setGrid(const AnalysisGrid& grid) { m_grid = grid; }
-    /// An image of zeros for a new run over a grid; the processed values of the old run, now gone,
-    /// are not what it shows.
+    /// An image of zeros for a new run over a grid, of no numbers over one with inner points; the
+    /// processed values of the old run, now gone, are not what it shows.
     void startOver(const AnalysisGrid& grid);
+    /// The same value in all pixels, which counts for nothing.
+    void fill(double value);
     const AnalysisGrid& grid() const { return m_grid; }
 
     /// Whether the picture is up to date with a filled image; false from clear() to genImg().
@@ -56,8 +58,8 @@ class Analyzed2DRes : public QObject {
 
     /// Pixels that show no number and do not count for the range in use. Gone with startOver().
     void setMask(const Mask& mask);
-    /// Pictures show pixels that are no number in mid grey, as they always do with a mask; else in
-    /// the colour of the lower end.
+    /// Pictures show pixels that are no number in mid grey, as they always do with a mask or over a
+    /// grid with inner points; else in the colour of the lower end.
     void markGaps() { m_marksGaps = true; }
     bool isMasked() const { return m_mask != nullptr; }
     const Mask& mask() const { return m_mask; }

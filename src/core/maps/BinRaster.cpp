@@ -5,7 +5,7 @@
 namespace {
 
 /// Places first, first + step, ... of `count` that lie in 0 .. size - 1; the first one must.
-int inside(int first, int step, int count, int size) {
+int placesInside(int first, int step, int count, int size) {
     if (first < 0 || first >= size || count <= 0) {
         return 0;
     }
@@ -15,6 +15,19 @@ int inside(int first, int step, int count, int size) {
 }  // namespace
 
 void BinRaster::cutTo(int width, int height) {
-    columns = inside(firstX, stepX, columns, width);
-    rows = columns > 0 ? inside(firstY, stepY, rows, height) : 0;
+    columns = placesInside(firstX, stepX, columns, width);
+    rows = columns > 0 ? placesInside(firstY, stepY, rows, height) : 0;
+}
+
+int BinRaster::count() const {
+    if (!inside) {
+        return rows * columns;
+    }
+    int bins = 0;
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            bins += holds(column, row) ? 1 : 0;
+        }
+    }
+    return bins;
 }

@@ -35,7 +35,7 @@ class Points {
     double glitchMeasure(int x, int y) const {
         const double c = at(x, y);
         const auto across = [&](qint64 dx, qint64 dy, double* measure) {
-            if (!m_grid.isInsideImage(x - dx, y - dy) || !m_grid.isInsideImage(x + dx, y + dy)) {
+            if (!m_grid.isAnalysed(x - dx, y - dy) || !m_grid.isAnalysed(x + dx, y + dy)) {
                 return false;
             }
             *measure = std::abs(2 * c - at(x - dx, y - dy) - at(x + dx, y + dy));
@@ -54,7 +54,7 @@ class Points {
         FiniteMean mean;
         const qint64 neighbours[4][2] = {{x - dx, y}, {x + dx, y}, {x, y - dy}, {x, y + dy}};
         for (const auto& n : neighbours) {
-            if (m_grid.isInsideImage(n[0], n[1])) {
+            if (m_grid.isAnalysed(n[0], n[1])) {
                 mean.add(at(n[0], n[1]));
             }
         }
@@ -68,7 +68,7 @@ class Points {
             for (qint64 dy = -1; dy <= 1; ++dy) {
                 const qint64 nx = x + dx * m_grid.stepX;
                 const qint64 ny = y + dy * m_grid.stepY;
-                if ((dx != 0 || dy != 0) && m_grid.isInsideImage(nx, ny) &&
+                if ((dx != 0 || dy != 0) && m_grid.isAnalysed(nx, ny) &&
                     std::abs(at(nx, ny) - mean) < limit) {
                     near.add(at(nx, ny));
                 }
@@ -91,7 +91,7 @@ bool visitAll(const AnalysisGrid& grid, double from, const GoOn& goOn, Visit vis
     forEachPoint(
         grid,
         [&](int x, int y) {
-            if (goesOn) {
+            if (goesOn && !grid.isLeftOut(x, y)) {
                 visit(x, y);
             }
         },

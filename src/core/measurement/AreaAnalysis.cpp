@@ -55,6 +55,9 @@ class Calibration : public AreaAnalysis {
     void begin() override {
         debugTimed(QStringLiteral("Start Calibration"));
         startOver(m_map, m_map->image.no());
+        if (m_grid.inside) {
+            m_map->image.fill(0.0);  // no shift where nothing is calibrated
+        }
         sayProgress(m_grid.y);
     }
 
@@ -65,9 +68,12 @@ class Calibration : public AreaAnalysis {
         }
         m_row.resize(static_cast<std::size_t>(raster.columns));
         for (int column = 0; column < raster.columns; ++column) {
-            const double shift = row.values[column] - m_edges.standard;
+            double shift = 0.0;
+            if (raster.holds(column, row.row)) {
+                shift = row.values[column] - m_edges.standard;
+                m_count.add(shift);
+            }
             m_row[static_cast<std::size_t>(column)] = shift;
-            m_count.add(shift);
         }
         m_map->image.setRow(raster.firstX, raster.stepX, y, m_grid.halfW, m_grid.halfH,
                             m_row.data(), 1, raster.columns);

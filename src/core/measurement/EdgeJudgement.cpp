@@ -101,7 +101,7 @@ Outcome judgeRanges(Work work, const std::vector<double>& energies,
 Outcome judgeCommonE0(double e0, const BackgroundRanges& ranges,
                       const std::vector<double>& energies, const BinRaster& raster,
                       const std::function<double(int x, int y)>& shiftAt) {
-    const int all = raster.rows * raster.columns;
+    const int all = raster.count();
     int outside = 0;
     int without = 0;
     std::optional<double> last;  // neighbours mostly have the same
@@ -109,6 +109,9 @@ Outcome judgeCommonE0(double e0, const BackgroundRanges& ranges,
     bool hasLines = false;
     for (int row = 0; row < raster.rows; ++row) {
         for (int column = 0; column < raster.columns; ++column) {
+            if (!raster.holds(column, row)) {
+                continue;
+            }
             const double at = e0 + shiftAt(raster.x(column), raster.y(row));
             if (last != at) {
                 isInside = at >= energies.front() && at <= energies.back();

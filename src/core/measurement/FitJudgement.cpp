@@ -280,10 +280,13 @@ Outcome judgeShiftedFit(const std::vector<double>& energies,
             ++needed;
         }
     }
-    const int all = raster.rows * raster.columns;
+    const int all = raster.count();
     int without = 0;
     for (int row = 0; row < raster.rows; ++row) {
         for (int column = 0; column < raster.columns; ++column) {
+            if (!raster.holds(column, row)) {
+                continue;
+            }
             const double shift = shiftAt(raster.x(column), raster.y(row));
             const auto first = std::partition_point(energies.begin(), energies.end(),
                                                     [&](double e) { return e - shift < from; });

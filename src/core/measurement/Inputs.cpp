@@ -121,8 +121,7 @@ Difference difference(const Inputs& a, const Inputs& b, Work work) {
     if (a.halfWidth != b.halfWidth || a.halfHeight != b.halfHeight) {
         return Difference::Bins;
     }
-    if (a.area.within(a.size.width(), a.size.height()) !=
-        b.area.within(b.size.width(), b.size.height())) {
+    if (!sameArea(a.area, b.area, a.size)) {
         return Difference::Area;
     }
     switch (work) {

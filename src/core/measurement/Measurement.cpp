@@ -20,6 +20,7 @@ Measurement::Measurement()
       m_job([this](const RasterPass::Row& row, const BinRaster& raster) {
           if (!m_search) {
               m_analysis->run()->tally += row.tally;
+              ++m_analysis->run()->rows;
               m_analysis->take(row, raster);
           }
       }) {

@@ -62,6 +62,7 @@ class Measurement : public QObject {
     double spacing() const;     ///< of the crystal, in angstrom
     double edgeEnergy() const;  ///< as typed, in eV; 0.0 for no number
     QRectF area() const;        ///< the selected area, else the whole image, in pixels
+    AnalysisGrid grid() const;  ///< of a run that begins now
     QRectF selection() const { return m_settings.area.within(m_size.width(), m_size.height()); }
 
     // Frames
@@ -137,7 +138,9 @@ class Measurement : public QObject {
     /// Null for a kind of reference without that reference.
     Result* find(ResultId id, int reference = -1) const;
     Result& residual(int i) const { return *m_results.find(residualId(i)); }
-    /// Shows the map of a kind; fails without values.
+    /// Failed: there is no map of a kind with values.
+    Outcome judgeMap(ResultId id, int reference) const;
+    /// Shows it.
     Outcome choose(ResultId id, int reference);
     /// Empty: there are no results of a fit without error maps, which no mask can be made of.
     QString whyNotMask() const;
@@ -202,7 +205,6 @@ class Measurement : public QObject {
     void setImageSize(const QSize& size);
     void applyScales();
     void inputsChanged(Changes what);
-    AnalysisGrid grid() const;
     std::unique_ptr<AreaAnalysis> makeAnalysis(Work work);
     Outcome judgeEdge(Work work);
     void beginMean();

@@ -46,9 +46,13 @@ void Measurement::setImageSize(const QSize& size) {
         if (m_aboutArea.failed()) {
             m_aboutArea.failures << tr("the whole image is taken instead");
         }
-        const QRect inside = selection().toRect();
-        m_settings.area = {inside.left(), inside.top(), inside.left() + inside.width(),
-                           inside.top() + inside.height()};
+        if (m_settings.area.shape == AreaShape::Rectangle) {
+            const QRect inside = selection().toRect();
+            m_settings.area = {inside.left(), inside.top(), inside.left() + inside.width(),
+                               inside.top() + inside.height()};
+        } else if (m_aboutArea.failed()) {
+            m_settings.area = Area();
+        }
     }
 }
 
@@ -59,7 +63,9 @@ Outcome Measurement::judge(const Area& area) const {
     if (area.isWhole()) {
         return {};
     }
-    if (area.within(size.width(), size.height()).isEmpty()) {
+    const bool hasPixels =
+        isKnown ? area.hasPixels(size) : !area.within(size.width(), size.height()).isEmpty();
+    if (!hasPixels) {
         return Outcome::failure(isKnown ? tr("no part of the region lies inside the image of %1 x "
                                              "%2 pixels")
                                               .arg(size.width())

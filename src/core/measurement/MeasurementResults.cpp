@@ -61,7 +61,7 @@ Result* Measurement::find(ResultId id, int reference) const {
                : nullptr;
 }
 
-Outcome Measurement::choose(ResultId id, int reference) {
+Outcome Measurement::judgeMap(ResultId id, int reference) const {
     const ResultKind& kind = resultKind(id);
     const Result* result = find(id, reference);
     if (result == nullptr) {
@@ -77,6 +77,15 @@ Outcome Measurement::choose(ResultId id, int reference) {
         return Outcome::failure(
             tr("the reference took no part in the fit: its map holds no values"));
     }
+    return {};
+}
+
+Outcome Measurement::choose(ResultId id, int reference) {
+    const Outcome judged = judgeMap(id, reference);
+    if (judged.failed()) {
+        return judged;
+    }
+    const ResultKind& kind = resultKind(id);
     m_settings.shown = id == ResultId::Shift ? Shown::Map : Shown::Result;
     m_settings.namedKind.reset();
     m_settings.composite = {};

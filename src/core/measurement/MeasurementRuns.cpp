@@ -2,6 +2,7 @@
 
 #include <QDebug>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "absorption/AbsorptionSource.h"
@@ -15,7 +16,7 @@
 
 AnalysisGrid Measurement::grid() const {
     return AnalysisGrid::ofArea(m_size.width(), m_size.height(), m_settings.halfWidth,
-                                m_settings.halfHeight, area());
+                                m_settings.halfHeight, area(), m_settings.area.pixels(m_size));
 }
 
 Inputs Measurement::inputs() const {
@@ -88,6 +89,9 @@ Outcome Measurement::judgeStart(Work work) {
     const BinRaster raster = grid().raster();
     if (raster.rows <= 0 || raster.columns <= 0) {
         return Outcome::failure(tr("no bin of the area lies inside the image"));
+    }
+    if (raster.count() == 0) {
+        return Outcome::failure(tr("no bin of the area has its centre inside the shape"));
     }
     Outcome outcome = judgeFrames(*this, work);
     outcome += judgeEdge(work);
@@ -177,10 +181,14 @@ void Measurement::standIn() {
     const double standardEdge = calibrationEdge(standard());
     const double edge = standardEdge > 0.0 ? standardEdge : energies[energies.size() / 2];
     const BinRaster raster = m_analysis->grid().raster();
-    const std::vector<double> values(
-        static_cast<std::size_t>(raster.columns * m_analysis->valuesPerBin()),
-        working() == Work::Calibrate ? edge : 1.0);
+    const int each = m_analysis->valuesPerBin();
+    std::vector<double> values(static_cast<std::size_t>(raster.columns * each));
     for (int row = 0; row < raster.rows; ++row) {
+        const double inner = working() == Work::Calibrate ? edge : 1.0;
+        for (int column = 0; column < raster.columns; ++column) {
+            std::fill_n(values.begin() + column * each, each,
+                        raster.holds(column, row) ? inner : std::nan(""));
+        }
         m_analysis->take({row, values.data(), {}}, raster);
     }
 }

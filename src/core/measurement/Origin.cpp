@@ -1,5 +1,6 @@
 #include "measurement/Origin.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
@@ -20,6 +21,28 @@ QString timesText(int times) {
     return times == 0   ? QStringLiteral("no")
            : times == 1 ? QStringLiteral("yes")
                         : QStringLiteral("%1 times").arg(times);
+}
+
+/// What is selected in the area; of a shape with very many vertices, their digest.
+QString shapeText(const Area& area) {
+    const QString numbers = areaNumbers(area).join(QLatin1Char(' '));
+    if (area.vertices.size() <= MostWrittenVertices) {
+        return shapeWord(area.shape) + QLatin1Char(' ') + numbers;
+    }
+    const QByteArray digest =
+        QCryptographicHash::hash(numbers.toLatin1(), QCryptographicHash::Sha256).toHex();
+    return QStringLiteral("polygon of %1 vertices, sha256 %2")
+        .arg(area.vertices.size())
+        .arg(QString::fromLatin1(digest));
+}
+
+/// The bins' part of the image.
+Area binsOf(const Inputs& in) {
+    if (in.area.shape == AreaShape::Rectangle) {
+        return in.area;
+    }
+    const QRect box = in.area.within(in.size.width(), in.size.height()).toRect();
+    return {box.left(), box.top(), box.left() + box.width(), box.top() + box.height()};
 }
 
 /// Writes entries with a prefix before each key.
@@ -58,10 +81,13 @@ class Writer {
 void Writer::area(const Inputs& in) {
     add("bins",
         QStringLiteral("half width %1, half height %2").arg(in.halfWidth).arg(in.halfHeight));
-    const Area& a = in.area;
+    const Area a = binsOf(in);
     add("area", a.isWhole()
                     ? QStringLiteral("whole")
                     : QStringLiteral("%1 %2 %3 %4").arg(a.x0).arg(a.y0).arg(a.x1).arg(a.y1));
+    if (in.area.shape != AreaShape::Rectangle) {
+        add("area shape", shapeText(in.area));
+    }
 }
 
 void Writer::edge(const Inputs& in, Work work) {

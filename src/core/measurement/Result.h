@@ -19,6 +19,7 @@ struct Run {
     double percent = 0.0;        ///< done, when it was stopped
     QStringList warnings;        ///< of what could be judged at its start
     RasterPass::Tally tally;     ///< of the bins done
+    int rows = 0;                ///< of bins, that are done
     mutable bool saved = false;  ///< one of its results, or the record that makes them
     /// That of the area, when E0 is its own; null until it has been found.
     std::shared_ptr<const MeanSpectrum> mean;

@@ -32,27 +32,10 @@ bool comesFirst(const Result* result) {
     return result->id == ResultId::Ratio;
 }
 
-/// What was analysed; a map from a file may differ from pixel to pixel.
-BinRaster rasterOf(const Result& result) {
-    const AnalysisGrid& grid = result.image.grid();
-    return result.run ? grid.raster() : BinRaster{0, 1, grid.width, 0, 1, grid.height, 0, 0};
-}
-
 /// How many rows of bins hold values.
 int rowsDone(const Result& result, const BinRaster& raster) {
     const bool isWhole = !result.run || result.run->state == Run::State::Complete;
-    return isWhole ? raster.rows : result.run->tally.bins / std::max(1, raster.columns);
-}
-
-BinValue valuesOf(const Result& result, bool blanksMasked) {
-    const BinRaster raster = rasterOf(result);
-    const int rows = rowsDone(result, raster);
-    return [&image = result.image, raster, rows, blanksMasked](int column, int row) {
-        const int x = raster.x(column);
-        const int y = raster.y(row);
-        const bool isBlank = row >= rows || (blanksMasked && image.isMaskedAt(x, y));
-        return isBlank ? std::numeric_limits<double>::quiet_NaN() : image.shownValueAt(x, y);
-    };
+    return isWhole ? raster.rows : result.run->rows;
 }
 
 bool isError(const Result& result) {
@@ -102,6 +85,23 @@ NexusMap mapOf(const ResultPart& part, const Result& result) {
 }
 
 }  // namespace
+
+BinRaster rasterOf(const Result& result) {
+    const AnalysisGrid& grid = result.image.grid();
+    return result.run ? grid.raster() : BinRaster{0, 1, grid.width, 0, 1, grid.height, 0, 0};
+}
+
+BinValue valuesOf(const Result& result, bool blanksMasked) {
+    const BinRaster raster = rasterOf(result);
+    const int rows = rowsDone(result, raster);
+    return [&image = result.image, raster, rows, blanksMasked](int column, int row) {
+        const int x = raster.x(column);
+        const int y = raster.y(row);
+        const bool isBlank =
+            row >= rows || !raster.holds(column, row) || (blanksMasked && image.isMaskedAt(x, y));
+        return isBlank ? std::numeric_limits<double>::quiet_NaN() : image.shownValueAt(x, y);
+    };
+}
 
 QString nameInFiles(const Result& result) {
     const QString name = QString::fromLatin1(resultKind(result.kind().value).name);

@@ -25,6 +25,12 @@ struct ResultPart {
 /// part are left out.
 std::vector<ResultPart> resultParts(const Measurement& measurement);
 
+/// The bins that the values of a result belong to; a map that was loaded has one value a pixel.
+BinRaster rasterOf(const Result& result);
+/// Their values as they are shown; no number for bins that a stopped run has not reached, outside
+/// the shape of the area that was analysed and, if asked for, where they are masked.
+BinValue valuesOf(const Result& result, bool blanksMasked);
+
 /// The name of a result in files, that of a reference's with its index from 0, that of an error
 /// behind its value's: "fraction_0", "fraction_0_errors".
 QString nameInFiles(const Result& result);

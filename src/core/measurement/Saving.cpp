@@ -262,7 +262,7 @@ Outcome saveValues(const Measurement& measurement, Result& result, const QString
     if (!outcome.failed()) {
         outcome += judgement(measurement, saved);
         outcome += judgeForm(form, saved.image);
-        if (isMasked && measurement.rehearsal() == nullptr) {
+        if (isMasked ? measurement.rehearsal() == nullptr : saved.image.grid().inside != nullptr) {
             outcome += judgeBlanks(form, saved.image);
         }
     }

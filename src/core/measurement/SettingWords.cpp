@@ -85,6 +85,31 @@ std::optional<EdgeChoice> edgeOfWord(const QString& word) {
                : std::nullopt;
 }
 
+QString shapeWord(AreaShape shape) {
+    switch (shape) {
+        case AreaShape::Rectangle:
+            return QStringLiteral("region");
+        case AreaShape::Ellipse:
+            return QStringLiteral("ellipse");
+        case AreaShape::Polygon:
+            return QStringLiteral("polygon");
+    }
+    return QString();
+}
+
+QStringList areaNumbers(const Area& area) {
+    QStringList numbers;
+    if (area.shape != AreaShape::Polygon) {
+        for (const int corner : {area.x0, area.y0, area.x1, area.y1}) {
+            numbers << QString::number(corner);
+        }
+    }
+    for (const QPoint& vertex : area.vertices) {
+        numbers << QString::number(vertex.x()) << QString::number(vertex.y());
+    }
+    return numbers;
+}
+
 QString scaleWord(FitRule::ReferenceScale scale) {
     return scale == FitRule::ReferenceScale::None ? QStringLiteral("none") : QStringLiteral("jump");
 }

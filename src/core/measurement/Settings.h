@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QRectF>
 #include <QString>
 #include <optional>
 
 #include "fitting/LinearFit.h"
 #include "fitting/ResultKinds.h"
+#include "measurement/Area.h"
 #include "measurement/DataForm.h"
 #include "measurement/FrameView.h"
 #include "measurement/MapView.h"
@@ -29,23 +29,6 @@ struct NamePattern {
     double factor() const { return isKeV ? 1000.0 : 1.0; }
     QString unit() const { return isKeV ? QStringLiteral("keV") : QStringLiteral("eV"); }
     bool operator==(const NamePattern& o) const { return pattern == o.pattern && isKeV == o.isKeV; }
-};
-
-/// Two corners in pixels, in any order, the larger ones not included; all zero: the whole image.
-struct Area {
-    int x0 = 0;
-    int y0 = 0;
-    int x1 = 0;
-    int y1 = 0;
-
-    bool isWhole() const { return x0 == 0 && y0 == 0 && x1 == 0 && y1 == 0; }
-    /// The part of the area that lies inside the image, empty for none.
-    QRectF within(int width, int height) const;
-    /// That part as an area, all zero for none; the area itself where there is no image.
-    Area clipped(const QSize& image) const;
-    bool operator==(const Area& o) const {
-        return x0 == o.x0 && y0 == o.y0 && x1 == o.x1 && y1 == o.y1;
-    }
 };
 
 /// Where E0 of the spectra of an image is, which their backgrounds are fitted around.

@@ -167,10 +167,11 @@ void LaneNormaliser::normalise(const double* mu, int count, const double* correc
         m_dMut[l] =
             interpolatedAt(m_post, m_midE[l], pair, l) - interpolatedAt(m_pre, m_midE[l], pair, l);
     }
-    m_withoutJump = static_cast<int>(std::count(m_dMut, m_dMut + count, 0.0));
+    m_withoutJump = 0;
     m_withoutLines = 0;
     for (int l = 0; l < count; ++l) {
-        m_withoutLines += isShort(m_preRange, l) || isShort(m_postRange, l);
+        m_withoutJump |= m_dMut[l] == 0.0 ? 1u << l : 0u;
+        m_withoutLines |= isShort(m_preRange, l) || isShort(m_postRange, l) ? 1u << l : 0u;
     }
 }
 

@@ -28,10 +28,10 @@ class LaneNormaliser {
     // Of the last pack, one for each of its spectra.
     const double* midE() const { return m_midE; }
     const double* dMut() const { return m_dMut; }
-    /// How many of those that matter have an edge jump of 0.
-    int withoutJump() const { return m_withoutJump; }
-    /// How many have a range that holds fewer than BackgroundRanges::FewestPoints energies.
-    int withoutLines() const { return m_withoutLines; }
+    /// Which of those that matter have an edge jump of 0: bit l for spectrum l.
+    unsigned withoutJump() const { return m_withoutJump; }
+    /// Which have a range that holds fewer than BackgroundRanges::FewestPoints energies.
+    unsigned withoutLines() const { return m_withoutLines; }
 
     /// Points that the curves were fitted to.
     const lanes::Range& preRange() const { return m_preRange; }
@@ -85,6 +85,6 @@ class LaneNormaliser {
     lanes::Range m_postRange = {};
     double m_midE[lanes::Count] = {};
     double m_dMut[lanes::Count] = {};
-    int m_withoutJump = 0;
-    int m_withoutLines = 0;
+    unsigned m_withoutJump = 0;
+    unsigned m_withoutLines = 0;
 };

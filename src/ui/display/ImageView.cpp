@@ -32,10 +32,9 @@ void ImageView::setImageSize(int width, int height) {
     if (!isInside(m_position)) {
         m_pinned = false;
     }
-    // Between two stacks there is no image; the selection waits for the next one.
-    const QRectF wanted = m_wantedSelection;
-    applySelection(wanted);
-    m_wantedSelection = imageRect().isEmpty() ? wanted : m_selection;
+    const Area before = m_area.area();
+    m_area.setImageSize(imageRect().size().toSize());
+    tellArea(!(m_area.area() == before));
     resetImageViewWindow();
 }
 
@@ -44,28 +43,30 @@ bool ImageView::isInside(const QPointF& real) const {
 }
 
 QRectF ImageView::area() const {
-    return hasSelection() ? m_selection : imageRect();
+    return hasSelection() ? selection() : imageRect();
 }
 
-void ImageView::setSelection(int x0, int y0, int x1, int y1) {
-    const QPointF low(std::min(x0, x1), std::min(y0, y1));
-    const QPointF high(std::max(x0, x1), std::max(y0, y1));
-    applySelection(QRectF(low, high));
+void ImageView::select(const Area& area) {
+    tellArea(m_area.set(area));
 }
 
-void ImageView::clearSelection() {
-    applySelection(QRectF());
+void ImageView::chooseShape(AreaShape shape) {
+    m_area.choose(shape);
+    update();
 }
 
-void ImageView::applySelection(const QRectF& area) {
-    m_wantedSelection = area;
-    const QRectF clipped = area.intersected(imageRect());
-    const QRectF selection = clipped.isEmpty() ? QRectF() : clipped;
-    if (selection != m_selection) {
-        m_selection = selection;
+void ImageView::tellArea(bool isChanged) {
+    if (isChanged) {
         emit selectionChanged();
     }
     update();
+}
+
+/// Or what is being drawn of it.
+void ImageView::removeArea() {
+    endDrag();
+    m_area.choose(m_area.chosen());
+    clearSelection();
 }
 
 void ImageView::setBand(const QString& text) {
@@ -85,6 +86,7 @@ void ImageView::setCaption(const QString& text) {
 void ImageView::setBinBox(int halfWidth, int halfHeight) {
     m_halfWidth = toClampedInt(std::abs(static_cast<double>(halfWidth)), 0, 1 << 20);
     m_halfHeight = toClampedInt(std::abs(static_cast<double>(halfHeight)), 0, 1 << 20);
+    m_area.setBins(m_halfWidth, m_halfHeight);
     update();
 }
 
@@ -185,13 +187,16 @@ void ImageView::mouseMoveEvent(QMouseEvent* event) {
         m_centre += m_dragStartReal - real;
         showAgain();
     } else if (m_drag == Drag::Select && m_dragged) {
-        const QPointF low(std::floor(std::min(real.x(), m_dragStartReal.x())),
-                          std::floor(std::min(real.y(), m_dragStartReal.y())));
-        const QPointF high(std::ceil(std::max(real.x(), m_dragStartReal.x())),
-                           std::ceil(std::max(real.y(), m_dragStartReal.y())));
-        applySelection(QRectF(low, high));
+        tellArea(m_area.drag(real));
     } else if (follows) {
         setPosition(real);
+    }
+    m_area.setMouse(real);
+    if (m_drag == Drag::None) {
+        setCursor(m_area.cursorAt(real, reach()));
+    }
+    if (m_area.isDrawing()) {
+        update();
     }
 }
 
@@ -199,8 +204,7 @@ void ImageView::mousePressEvent(QMouseEvent* event) {
     DispA::mousePressEvent(event);
     m_clicked = false;
     if (event->button() == Qt::RightButton) {
-        endDrag();
-        clearSelection();
+        removeArea();
         return;
     }
     const bool pan = event->button() == Qt::MiddleButton ||
@@ -215,6 +219,8 @@ void ImageView::mousePressEvent(QMouseEvent* event) {
     m_dragged = false;
     if (pan) {
         setCursor(Qt::ClosedHandCursor);
+    } else {
+        m_area.press(m_dragStartReal, reach());
     }
 }
 
@@ -224,7 +230,9 @@ void ImageView::mouseReleaseEvent(QMouseEvent* event) {
         return;
     }
     const QPointF real = toReal(event->localPos());
-    if (m_drag == Drag::Select && !m_dragged && (m_pinned || isInside(real))) {
+    if (m_drag == Drag::Select && !m_dragged && m_area.click(real)) {
+        update();
+    } else if (m_drag == Drag::Select && !m_dragged && (m_pinned || isInside(real))) {
         m_clicked = true;
         m_pinnedBefore = m_pinned;
         m_positionBefore = m_position;
@@ -244,6 +252,10 @@ void ImageView::endDrag() {
 void ImageView::mouseDoubleClickEvent(QMouseEvent* event) {
     DispA::mouseDoubleClickEvent(event);
     if (event->button() != Qt::LeftButton) {
+        return;
+    }
+    if (m_area.isDrawing()) {
+        tellArea(m_area.close());
         return;
     }
     if (m_clicked) {  // the first of both clicks was meant for this one
@@ -274,14 +286,41 @@ void ImageView::wheelEvent(QWheelEvent* event) {
     zoomTo(scale, *m_wheelAnchor + (middle - m_wheelAt) / scale);
 }
 
+/// The keys of the area: Alt with an arrow moves it by a pixel, with Shift resizes it.
+bool ImageView::editArea(const QKeyEvent& key) {
+    const bool isEnter = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+    if (m_area.isDrawing() && isEnter) {
+        tellArea(m_area.close());
+        return true;
+    }
+    if (m_area.isDrawing() && key.key() == Qt::Key_Backspace) {
+        m_area.removeLastVertex();
+        update();
+        return true;
+    }
+    if (!(key.modifiers() & Qt::AltModifier)) {
+        return false;
+    }
+    const int x = (key.key() == Qt::Key_Right) - (key.key() == Qt::Key_Left);
+    const int y = (key.key() == Qt::Key_Down) - (key.key() == Qt::Key_Up);
+    if (x == 0 && y == 0) {
+        return false;
+    }
+    const bool resizes = key.modifiers() & Qt::ShiftModifier;
+    tellArea(resizes ? m_area.resize({x, y}) : m_area.move({x, y}));
+    return true;
+}
+
 void ImageView::keyPressEvent(QKeyEvent* event) {
+    if (editArea(*event)) {
+        return;
+    }
     const double stepX = 2.0 * m_halfWidth + 1;
     const double stepY = 2.0 * m_halfHeight + 1;
     QPointF move;
     switch (event->key()) {
         case Qt::Key_Escape:
-            endDrag();
-            clearSelection();
+            removeArea();
             return;
         case Qt::Key_Left:
             move.setX(-stepX);

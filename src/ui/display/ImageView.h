@@ -5,10 +5,12 @@
 #include <QRectF>
 #include <optional>
 
+#include "display/AreaTool.h"
 #include "display/DispA.h"
 
 /// The image view: shows an image letter-boxed with square pixels, zoomed and panned by the mouse,
-/// with a position mark and a selected area.
+/// with a position mark and a selected area, which the mouse and Alt with the arrow keys draw, move
+/// and resize.
 ///
 /// One real unit is one image pixel; pixel n covers n to n + 1, x to the right, y down. The view
 /// keeps no picture: who owns it paints it on the second layer through paintImage().
@@ -21,14 +23,20 @@ class ImageView : public DispA {
     /// 0 x 0: nothing to show. Another size shows the whole image and clips the selection.
     void setImageSize(int width, int height);
 
-    bool hasSelection() const { return !m_selection.isEmpty(); }
-    QRectF selection() const { return m_selection; }
-    /// The selection, else the whole image, whatever the zoom.
+    bool hasSelection() const { return m_area.hasArea(); }
+    /// The rectangle around the selected area, in pixels.
+    QRectF selection() const { return m_area.box(); }
+    /// The same, else the whole image, whatever the zoom.
     QRectF area() const;
-    /// Two corners in pixels, the larger ones not included, in any order; clipped to the image.
-    /// An area of no pixel is no selection.
-    void setSelection(int x0, int y0, int x1, int y1);
-    void clearSelection();
+    /// That of the whole image for none.
+    const Area& selectedArea() const { return m_area.area(); }
+    /// Clipped to the image; an area of no pixel is no selection.
+    void select(const Area& area);
+    void clearSelection() { select(Area()); }
+    /// What a drag draws; a polygon is drawn by clicks, begins at once, and again once it has been
+    /// removed.
+    void chooseShape(AreaShape shape);
+    AreaShape chosenShape() const { return m_area.chosen(); }
 
     /// Whether a result, not a frame, is on display.
     void setResultDisplayed(bool on) { m_resultDisplayed = on; }
@@ -84,6 +92,7 @@ class ImageView : public DispA {
 
   private:
     enum class Drag { None, Pan, Select };
+    static constexpr double HandleReach = 6.0;  // of screen pixels
 
     QRectF imageRect() const { return QRectF(0, 0, m_width, m_height); }
     bool isInside(const QPointF& real) const;
@@ -94,12 +103,14 @@ class ImageView : public DispA {
     void showAgain();
     void bringIntoView(const QPointF& real);
     void setPosition(const QPointF& real);
-    void applySelection(const QRectF& area);
+    void tellArea(bool isChanged);
+    void removeArea();
+    bool editArea(const QKeyEvent& key);
+    double reach() const { return HandleReach / m_coord.r2sLengthX(1.0); }
     void endDrag();
     QRectF onScreen(const QRectF& real) const;
     void paintReduced(QPainter* p, const QImage& picture) const;
     void paintPosition(QPainter& painter) const;
-    void paintSelection(QPainter& painter) const;
     void paintTicks(QPainter& painter) const;
     void paintBand(QPainter& painter) const;
     void paintCaption(QPainter& painter) const;
@@ -118,8 +129,7 @@ class ImageView : public DispA {
     QRectF m_visible;
     std::optional<QPointF> m_wheelAnchor;  // what the wheel zooms about, until the mouse moves
     QPointF m_wheelAt;                     // and where that was on the screen
-    QRectF m_selection;                    // inside the image
-    QRectF m_wantedSelection;              // as it was asked for
+    AreaTool m_area;
     bool m_resultDisplayed = false;
     QString m_band;
     QString m_caption;

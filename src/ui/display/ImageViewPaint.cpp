@@ -5,38 +5,14 @@
 
 #include "base/Globals.h"
 #include "display/ImageView.h"
+#include "display/Outlined.h"
 #include "drawing/DrawText.h"
 
 namespace {
 
 constexpr double TickSpacing = 70.0;
 constexpr double TickLength = 9.0;
-
-/// A line that is seen on any picture.
-void drawOutlined(QPainter& painter, const QLineF& line, const QColor& color) {
-    painter.setPen(QPen(QColor(0, 0, 0, 90), 3));
-    painter.drawLine(line);
-    painter.setPen(QPen(color, 1));
-    painter.drawLine(line);
-}
-
-void drawOutlined(QPainter& painter, const QRectF& area, const QColor& color) {
-    painter.setPen(QPen(QColor(0, 0, 0, 90), 3));
-    painter.drawRect(area);
-    painter.setPen(QPen(color, 1));
-    painter.drawRect(area);
-}
-
-/// A text that is read on any picture.
-void drawLabel(QPainter& painter, const QPointF& anchor, const QString& text,
-               Qt::Alignment alignment, const QRectF& inside, const QColor& color) {
-    painter.setPen(QColor(0, 0, 0, 150));
-    for (const QPointF& shift : {QPointF(1, 1), QPointF(-1, 0), QPointF(0, -1)}) {
-        drawText(painter, anchor + shift, text, alignment, inside.translated(shift));
-    }
-    painter.setPen(color);
-    drawText(painter, anchor, text, alignment, inside);
-}
+const QColor OverColors(0, 235, 255);  // of an area: red is one of the colours of results
 
 }  // namespace
 
@@ -88,7 +64,7 @@ void ImageView::paintAbove(QPainter& painter) {
     }
     paintTicks(painter);
     paintPosition(painter);
-    paintSelection(painter);
+    m_area.paint(painter, m_coord, m_resultDisplayed ? OverColors : getColor(0), QRectF(rect()));
     paintBand(painter);
     paintCaption(painter);
 }
@@ -133,20 +109,6 @@ void ImageView::paintPosition(QPainter& painter) const {
                      2.0 * m_halfHeight + 1);
     drawOutlined(painter, onScreen(bin.intersected(imageRect())), getColor(1));
     painter.restore();
-}
-
-void ImageView::paintSelection(QPainter& painter) const {
-    if (!hasSelection()) {
-        return;
-    }
-    const QRectF area = onScreen(m_selection);
-    drawOutlined(painter, area, getColor(0));
-    const QString size =
-        QStringLiteral("%1 x %2").arg(QString::number(m_selection.width(), 'f', 0),
-                                      QString::number(m_selection.height(), 'f', 0));
-    // Light: red is hard to read on dark pictures.
-    drawLabel(painter, area.bottomLeft() + QPointF(2, 2), size, Qt::AlignLeft | Qt::AlignTop,
-              QRectF(rect()), QColor(255, 225, 225));
 }
 
 void ImageView::paintCaption(QPainter& painter) const {

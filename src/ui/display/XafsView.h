@@ -99,6 +99,8 @@ class XafsView : public Panel<QFrame> {
     /// Keeps a copy of the sample in the plot, with a colour of its own, until it is removed.
     /// Nothing without a sample or when MostPinned are kept.
     void pinSpectrum();
+    /// The same for another spectrum.
+    void pin(const XafsSpectrum& spectrum, const QString& name, const QString& savedName);
     void removePinned(int index);
     void removeAllPinned();
 

@@ -120,10 +120,16 @@ QColor XafsView::colorOfPinned() const {
 }
 
 void XafsView::pinSpectrum() {
-    if (!m_plot.hasSample() || m_plot.pinned.size() >= MostPinned) {
+    if (m_plot.hasSample()) {
+        pin(m_plot.sample->spectrum, m_plot.sample->name, m_plot.sample->savedName);
+    }
+}
+
+void XafsView::pin(const XafsSpectrum& spectrum, const QString& name, const QString& savedName) {
+    if (spectrum.isEmpty() || m_plot.pinned.size() >= MostPinned) {
         return;
     }
-    m_plot.pinned.append(*m_plot.sample);
+    m_plot.pinned.append({spectrum, name, true, QColor(), savedName});
     m_plot.pinned.last().color = colorOfPinned();
     update();
 }

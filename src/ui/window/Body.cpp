@@ -23,6 +23,7 @@
 #include "panels/ToolWindows.h"
 #include "ui_Body.h"
 #include "window/Answers.h"
+#include "window/AreaPane.h"
 #include "window/BodyMenu.h"
 #include "window/CompositeDialog.h"
 #include "window/Controls.h"
@@ -110,6 +111,8 @@ Body::Body(QWidget* parent)
     m_ui->frameStrip->follow(m_measurement, m_ui->dispA, m_panels->spectrum.get());
     m_spectrum =
         new SpectrumPane(m_measurement, *m_ui, *m_panels->spectrum, *m_panels->analyzer, this);
+    m_area = new AreaPane(m_measurement, *m_ui, *m_panels, m_dialogs, this);
+    connect(m_area, &AreaPane::said, this, &Body::say);
     m_record = new WhatWasDone(m_measurement, this, m_panels->batch.get(), m_dialogs);
 
     connectMeasurement();

@@ -9,6 +9,7 @@
 namespace Ui {
 class Body;
 }
+class AreaPane;
 class BatchCtrl;
 class ImagePane;
 class Layout;
@@ -121,6 +122,7 @@ class Body : public QMainWindow {
     Layout* m_layout;
     ImagePane* m_image;
     SpectrumPane* m_spectrum;
+    AreaPane* m_area;
     StatusLine* m_status;
     SaveDialogs* m_dialogs;
     std::unique_ptr<SpectrumFitWindow> m_spectrumFit;

@@ -162,7 +162,9 @@ void BodyMenu::addWindowsMenu() const {
         press(menu, tr("&Form of Saved Data"), QStringLiteral("SaveDataCfgB"),
               QKeySequence(Qt::CTRL + Qt::Key_5)),
         press(menu, tr("&Messages"), QStringLiteral("ShowMessages"),
-              QKeySequence(Qt::CTRL + Qt::Key_6))};
+              QKeySequence(Qt::CTRL + Qt::Key_6)),
+        press(menu, tr("S&tatistics of the Area"), QStringLiteral("ShowStatistics"),
+              QKeySequence(Qt::CTRL + Qt::Key_7))};
     // They work in every window, to go from one to the next without the mouse.
     for (QAction* action : actions) {
         action->setShortcutContext(Qt::ApplicationShortcut);

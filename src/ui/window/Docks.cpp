@@ -8,6 +8,7 @@
 
 #include "display/XafsView.h"
 #include "panels/Analyzer.h"
+#include "panels/AreaStatistics.h"
 #include "panels/BatchCtrl.h"
 #include "panels/CalibCtrl.h"
 #include "window/MessagesWindow.h"
@@ -39,7 +40,8 @@ Panels::Panels(Measurement& measurement, Messages& all)
       analyzer(std::make_unique<Analyzer>(measurement)),
       calibration(std::make_unique<CalibCtrl>(measurement)),
       batch(std::make_unique<BatchCtrl>()),
-      messages(std::make_unique<MessagesWindow>(all)) {
+      messages(std::make_unique<MessagesWindow>(all)),
+      statistics(std::make_unique<AreaStatistics>(measurement)) {
     spectrum->setObjectName(QStringLiteral("Spectrum"));
 }
 
@@ -54,6 +56,7 @@ Docks::Docks(QMainWindow* window, const Panels& panels) : QObject(window), m_win
     add(panels.analyzer.get(), "AnalyzerDock", Place::Side, true);
     add(panels.calibration.get(), "CalibCtrlDock", Place::Side, false);
     add(panels.batch.get(), "BatchCtrlDock", Place::Side, false);
+    add(panels.statistics.get(), "StatisticsDock", Place::Side, false);
     add(panels.messages.get(), "MessagesDock", Place::Side, false);
     MessagesWindow* messages = panels.messages.get();
     connect(m_docks.back().dock, &QDockWidget::visibilityChanged, messages, [messages](bool seen) {

@@ -8,6 +8,7 @@
 #include "display/Panel.h"
 
 class Analyzer;
+class AreaStatistics;
 class BatchCtrl;
 class CalibCtrl;
 class Measurement;
@@ -27,6 +28,7 @@ struct Panels {
     std::unique_ptr<CalibCtrl> calibration;
     std::unique_ptr<BatchCtrl> batch;
     std::unique_ptr<MessagesWindow> messages;
+    std::unique_ptr<AreaStatistics> statistics;
 };
 
 /// The docks of the main window, one a panel, with the panel's title. A panel that is shown opens

@@ -74,11 +74,7 @@ void ImagePane::connectControls() {
     connect(m_ui.ResetScale, &QPushButton::clicked, m_ui.dispA, &ImageView::resetImageViewWindow);
     connect(m_ui.dispA, &ImageView::selectionChanged, this, [this] {
         if (!m_showing) {
-            const QRect area = m_ui.dispA->selection().toRect();
-            m_measurement.set(&Settings::area, area.isEmpty() ? Area()
-                                                              : Area{area.left(), area.top(),
-                                                                     area.left() + area.width(),
-                                                                     area.top() + area.height()});
+            m_measurement.set(&Settings::area, m_ui.dispA->selectedArea());
         }
     });
     connect(m_ui.CBar, &ColorBar::percentilesAsked, this,
@@ -178,9 +174,7 @@ void ImagePane::showArea() {
     const Area& area = m_measurement.settings().area;
     m_showing = true;
     m_ui.dispA->setImageSize(size.width(), size.height());
-    if (m_measurement.selection() != m_ui.dispA->selection() || size.isEmpty()) {
-        m_ui.dispA->setSelection(area.x0, area.y0, area.x1, area.y1);
-    }
+    m_ui.dispA->select(area);
     m_showing = false;
 }
 
