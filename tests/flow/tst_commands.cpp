@@ -62,9 +62,7 @@ class TestCommands : public QObject {
     Analyzer* analyzer() const { return topLevel<Analyzer>(); }
     CalibCtrl* calib() const { return topLevel<CalibCtrl>(); }
     SaveDataCfg* saveCfg() const { return topLevel<SaveDataCfg>(); }
-    XafsView* plot() const {
-        return control<XafsView>("Spectrum", m_body.get());
-    }
+    XafsView* plot() const { return control<XafsView>("Spectrum", m_body.get()); }
     ImageView* view() const { return control<ImageView>("dispA", m_body.get()); }
 
     QString text(QWidget* window, const char* field) const {

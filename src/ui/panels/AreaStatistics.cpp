@@ -15,6 +15,7 @@
 #include "display/MessageLine.h"
 #include "measurement/AreaValues.h"
 #include "measurement/Display.h"
+#include "measurement/MapDisplay.h"
 #include "panels/WhyNot.h"
 
 namespace {
@@ -171,8 +172,9 @@ void AreaStatistics::showValues() {
 
 /// The limits begin as the range of the map's colours.
 void AreaStatistics::showRange(const Result& result) {
-    const double low = result.image.rangeMin();
-    const double high = result.image.rangeMax();
+    const auto coloring = coloringOf(m_measurement, result);
+    const double low = coloring.low;
+    const double high = coloring.high;
     m_histogram->setRange(low, high);
     if (m_limitsOf != &result && low <= high) {
         m_limitsOf = &result;

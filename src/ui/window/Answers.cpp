@@ -18,8 +18,9 @@ Outcome inShort(const Measurement& measurement, Work work, const Outcome& outcom
     const Stack& stack = measurement.stack(work == Work::LoadI1 ? StackId::I1 : StackId::I0);
     const int n = stack.leftOut();
     return n > 1 && outcome.failures.size() >= n  // not a line that did not come to a load
-               ? Outcome::failure(
-                     Answers::tr("%1: %2 files were not taken, see Messages").arg(stack.name()).arg(n))
+               ? Outcome::failure(Answers::tr("%1: %2 files were not taken, see Messages")
+                                      .arg(stack.name())
+                                      .arg(n))
                : outcome;
 }
 

@@ -23,8 +23,14 @@ AreaPane::AreaPane(Measurement& measurement, Ui::Body& ui, const Panels& panels,
                 plot->pin(spectrum, name, savedName);
                 plot->show();
             });
-    // connected in ImagePane: HistogramView::rangeDragged of panel->histogram() sets the range in
-    // which the map is seen.
+    connect(panel->histogram(), &HistogramView::rangeDragged, this,
+            [this](double low, double high) {
+                if (const Result* result = m_measurement.shownResult()) {
+                    MapViews views = m_measurement.settings().views;
+                    views[result->id].range = {MapRange::Kind::Fixed, low, high};
+                    m_measurement.set(&Settings::views, views);
+                }
+            });
     connectSaving(panel, dialogs);
 }
 
