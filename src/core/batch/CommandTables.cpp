@@ -153,6 +153,8 @@ QString finishName(const CommandRow& row) {
         case Work::LoadDark:
         case Work::LoadFolder:
             return QStringLiteral("when loaded");
+        case Work::Deglitch:
+            return QStringLiteral("when deglitched");
         default:
             return QStringLiteral("when analysed");
     }

@@ -89,7 +89,7 @@ Outcome Measurement::smoothMap() {
 void Measurement::process(Result* target, const MapJob::Make& make,
                           const std::function<void(const Processed&)>& take) {
     stopMapWork({});
-    constexpr qint64 Noticed = 300'000;  // points
+    constexpr qint64 Noticed = 300000;  // points
     const MapToProcess map = target->image.toProcess();
     if (m_rehearsal || m_analysis || map.grid.pointCount() < Noticed) {
         const Processed made = *make({});
