@@ -96,10 +96,12 @@ class TestCmdLine : public QObject {
             const QString prose = section.simplified();
             QVERIFY2(prose.contains("Finishes " + finishName(row) + "."), row.name);
             const QString example = section.section("```", 1, 1).trimmed();
-            const CmdLine cmd = CmdLine::parse(example);
-            QCOMPARE(cmd.command, QString(row.name));
-            QVERIFY2(cmd.args.size() >= row.required, row.name);
-            QVERIFY2(row.repeats || cmd.args.size() <= int(row.args.size()), row.name);
+            for (const QString& line : example.split('\n')) {
+                const CmdLine cmd = CmdLine::parse(line);
+                QCOMPARE(cmd.command, QString(row.name));
+                QVERIFY2(cmd.args.size() >= row.required, row.name);
+                QVERIFY2(row.repeats || cmd.args.size() <= int(row.args.size()), row.name);
+            }
         }
     }
 
