@@ -15,6 +15,7 @@
 #include "batch/BatchDispatcher.h"
 #include "display/ImageView.h"
 #include "panels/BatchCtrl.h"
+#include "window/Docks.h"
 
 namespace {
 
@@ -32,17 +33,33 @@ void sendMouse(QWidget* to, QEvent::Type type, const QPointF& at, Qt::MouseButto
     QApplication::sendEvent(to, &event);
 }
 
+QWidget* panelIn(const QDockWidget* dock) {
+    return qobject_cast<QScrollArea*>(dock->widget())->widget();
+}
+
 }  // namespace
 
 Stage::Stage(const QString& prefix) : m_prefix(prefix) {
     m_body.resize(1180, 740);
     m_body.show();
+}
+
+void Stage::takeApart() {
     const auto docks = m_body.findChildren<QDockWidget*>();
-    for (QDockWidget* dock : docks) {  // each tool for itself, in the size that it likes best
+    for (QDockWidget* dock : docks) {
         dock->setFloating(true);
-        auto* scroll = qobject_cast<QScrollArea*>(dock->widget());
-        dock->resize(scroll->widget()->sizeHint() + QSize(0, dock->fontMetrics().height()));
+        dock->resize(panelIn(dock)->sizeHint() + QSize(0, dock->fontMetrics().height()));
     }
+}
+
+void Stage::arrange(const QSize& size) {
+    m_body.resize(size);
+    settle();
+    auto* docks = m_body.findChild<Docks*>();
+    docks->arrange();
+    settle();
+    docks->setSizes();
+    settle();
 }
 
 QWidget* Stage::control(const char* name) {
@@ -120,8 +137,8 @@ QWidgetList Stage::windows() const {
         }
     }
     for (const QDockWidget* dock : m_body.findChildren<QDockWidget*>()) {
-        if (!dock->isHidden() && dock->widget() != nullptr) {
-            found << dock->widget();
+        if (!dock->isHidden()) {
+            found << panelIn(dock);
         }
     }
     return found;

@@ -8,6 +8,7 @@
 #include "window/Body.h"
 
 class QPoint;
+class QSize;
 class QWidget;
 
 /// The program's windows, driven as a user drives them, and a folder for pictures of them.
@@ -17,6 +18,10 @@ class Stage {
     explicit Stage(const QString& prefix);
 
     Body& body() { return m_body; }
+    /// Each panel for itself, in the size that it likes best.
+    void takeApart();
+    /// The main window in a size, with the docks as a program that is new has them there.
+    void arrange(const QSize& size);
     /// The first window or control of this object name; ends the program when there is none.
     QWidget* control(const char* name);
 

@@ -53,7 +53,7 @@ void makeOutcomePictures(Stage& stage) {
         text.write("no frame");
     }
 
-    stage.body().resize(SmallScreen);
+    stage.arrange(SmallScreen);
     BatchCtrl* batch = stage.body().batchCtrl();
     batch->show();
     batch->setBatchFile(QStringLiteral("calibrate-and-fit.bat"));

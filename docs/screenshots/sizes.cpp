@@ -13,27 +13,36 @@ constexpr int TakenByDesktop = 60;
 
 const QSize Screens[] = {{1366, 768}, {1920, 1080}, {2560, 1440}};
 
+struct Tab {
+    const char* button;
+    const char* panel;
+};
+
+/// What opens behind other tabs, in its dock.
+constexpr Tab Tabs[] = {{"OpenCalibCtrl", "calibctrl"},
+                        {"BatchCtrlB", "batchctrl"},
+                        {"ShowStatistics", "statistics"},
+                        {"ShowMessages", "messages"}};
+
 }  // namespace
 
 void makeSizePictures(Stage& stage) {
     BatchCtrl* batch = stage.body().batchCtrl();
     batch->setBatchFile(QStringLiteral("calibrate-and-fit.bat"));
     stage.run(batch->editorLines(Qt::SkipEmptyParts));
-    stage.run({QStringLiteral("analyzer_show_window"), QStringLiteral("calib_show_window"),
-               QStringLiteral("move_position 123 100")});
+    stage.run({QStringLiteral("move_position 123 100")});
     for (const QSize& screen : Screens) {
-        stage.body().resize(screen - QSize(0, TakenByDesktop));
-        stage.settle();
+        stage.arrange(screen - QSize(0, TakenByDesktop));
         const QString size = QStringLiteral("%1x%2").arg(screen.width()).arg(screen.height());
         for (const char* view : {"ShowData", "ShowResAnalysis"}) {
             stage.click(view);
             stage.save(&stage.body(),
                        QStringLiteral("body-%1-%2").arg(size, QString::fromLatin1(view).toLower()));
         }
-        for (QWidget* panel : stage.windows()) {
-            if (panel != &stage.body() && panel->window() == &stage.body()) {
-                stage.save(panel, QStringLiteral("%1-%2").arg(panel->objectName().toLower(), size));
-            }
+        for (const Tab& tab : Tabs) {
+            stage.click(tab.button);
+            stage.save(&stage.body(),
+                       QStringLiteral("body-%1-%2").arg(size, QString::fromLatin1(tab.panel)));
         }
     }
 }

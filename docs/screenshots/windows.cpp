@@ -1,3 +1,5 @@
+#include <QAction>
+#include <QDir>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -7,6 +9,10 @@
 
 #include "Stage.h"
 #include "panels/BatchCtrl.h"
+#include "panels/FolderDialog.h"
+#include "window/CompositeDialog.h"
+#include "window/GuideWindow.h"
+#include "window/SpectrumFitWindow.h"
 
 namespace {
 
@@ -64,9 +70,40 @@ void saveQuestion(Stage& stage) {
     question->close();
 }
 
+/// The windows that open over the others for a while.
+void saveDialogs(Stage& stage) {
+    stage.body().findChild<QAction*>(QStringLiteral("actionComposite"))->trigger();
+    stage.settle();
+    auto* composite = stage.body().findChild<CompositeDialog*>();
+    stage.save(composite, QStringLiteral("composite"));
+    stage.save(&stage.body(), QStringLiteral("body-composite"));
+    composite->close();
+
+    FolderDialog folder(contentsOf(stage.body().measurement(),
+                                   listingOf(stage.body().measurement(), QDir::currentPath())),
+                        &stage.body());
+    folder.show();
+    stage.settle();
+    stage.save(&folder, QStringLiteral("folder"));
+    folder.hide();
+
+    GuideWindow guide;
+    guide.showPage(QStringLiteral("keyboard.md"));
+    guide.show();
+    stage.settle();
+    stage.save(&guide, QStringLiteral("guide"));
+    guide.hide();
+
+    auto* fit = qobject_cast<SpectrumFitWindow*>(stage.control("SpectrumFit"));
+    fit->show();
+    fit->fit(QStringLiteral("results/calibrated-spectrum-rim.dat"));
+    stage.settle();
+}
+
 }  // namespace
 
 void makeWindowPictures(Stage& stage) {
+    stage.takeApart();
     stage.run({QStringLiteral("analyzer_show_window"), QStringLiteral("calib_show_window"),
                QStringLiteral("saveDataCfg_show_window")});
     BatchCtrl* batch = stage.body().batchCtrl();
@@ -83,6 +120,8 @@ void makeWindowPictures(Stage& stage) {
                QStringLiteral("analyzer_set_LCF_std 3 1 0.0 missing.dat 0")});
     stage.save(&stage.body(), QStringLiteral("body-counts"));
     stage.click("ShowMessages");
+    stage.click("ShowStatistics");
+    saveDialogs(stage);
 
     for (QWidget* window : stage.windows()) {
         saveWindow(stage, window);

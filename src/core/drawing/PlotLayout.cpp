@@ -10,6 +10,7 @@ namespace {
 constexpr double ResidualGap = 6.0;
 constexpr double ResidualRows = 3.6;
 constexpr double LeastSide = 20.0;
+constexpr double MostOfResidual = 0.3;  // of the height that it shares with the axes
 
 /// The range of finite values that a plot can span.
 struct Range {
@@ -53,11 +54,17 @@ QRectF extent(const QVector<PlotCurve>& curves) {
     return QRectF(x.low, y.low - room, x.high - x.low, y.high - y.low + 2 * room);
 }
 
+/// Of a plot's residual.
+double residualHeight(const QRectF& all, const PlotLetters& letters) {
+    const double shared = all.height() - 2.75 * letters.row - 12 - ResidualGap;
+    return std::max(0.0, std::min(ResidualRows * letters.row, MostOfResidual * shared));
+}
+
 }  // namespace
 
 QRectF PlotLayout::axesIn(const QRectF& all, const PlotLetters& letters, bool withResidual) {
     // Room for two rows of text below and a column of numbers beside an upright title.
-    const double under = withResidual ? ResidualRows * letters.row + ResidualGap : 0.0;
+    const double under = withResidual ? residualHeight(all, letters) + ResidualGap : 0.0;
     const double number =
         withResidual ? std::max(letters.number, letters.difference) : letters.number;
     return all.adjusted(letters.row + number + 14, letters.row * 0.75, -letters.row,
@@ -81,7 +88,7 @@ PlotLayout::PlotLayout(const SpectrumPlot& plot, const QRectF& rect, const PlotL
     yTicks = ticksBetween(coord.ry0, coord.ry1);
     if (plot.showsFit()) {
         residual = QRectF(axes.left(), axes.bottom() + ResidualGap, axes.width(),
-                          ResidualRows * letters.row);
+                          residualHeight(all, letters));
         placeResidual(plot);
     }
 }

@@ -68,23 +68,28 @@ void paintLegend(QPainter& painter, const Letters& letters, const QRectF& plot,
     if (rows == 0) {
         return;
     }
-    widest = std::min(widest, 0.45 * plot.width());
-    const QSizeF size(widest + 38, rows * height + 6);
+    // In a low plot its rows go on in further columns.
+    const int most = std::max(1, static_cast<int>((plot.height() - 18) / height));
+    const int columns = (rows + most - 1) / most;
+    const int rowsOfOne = (rows + columns - 1) / columns;
+    widest = std::min(widest, (columns > 1 ? 0.85 : 0.45) * plot.width() / columns);
+    const QSizeF size((widest + 38) * columns, rowsOfOne * height + 6);
     const QRectF box = emptiestPlace(size, plot, list, coord);
     QColor veil = colors.paper;
     veil.setAlpha(215);
     painter.fillRect(box, veil);
-    double y = box.top() + 3;
+    int row = 0;
     for (const PlotCurve& curve : list) {
         if (curve.name.isEmpty()) {
             continue;
         }
+        const double x = box.left() + (row / rowsOfOne) * (widest + 38);
+        const double y = box.top() + 3 + (row % rowsOfOne) * height;
         painter.setPen(QPen(curve.color, 2));
-        painter.drawLine(QPointF(box.left() + 6, y + height / 2),
-                         QPointF(box.left() + 26, y + height / 2));
+        painter.drawLine(QPointF(x + 6, y + height / 2), QPointF(x + 26, y + height / 2));
         painter.setPen(colors.ink);
-        drawText(painter, letters, QPointF(box.left() + 32, y),
-                 letters.elided(curve.name, widest + 2), Qt::AlignLeft | Qt::AlignTop);
-        y += height;
+        drawText(painter, letters, QPointF(x + 32, y), letters.elided(curve.name, widest + 2),
+                 Qt::AlignLeft | Qt::AlignTop);
+        ++row;
     }
 }

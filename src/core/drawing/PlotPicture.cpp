@@ -14,6 +14,8 @@
 namespace {
 
 constexpr double SavedLetters = 13.0;  // pixels
+constexpr double ResidualSlack = 6.0;  // of its title beyond its box, in pixels
+constexpr double LeastOfRow = 0.8;     // from one number to the next, in heights of a line
 constexpr double Far = 1e6;            // further points would overflow the painter's own numbers
 
 double nearBy(double v) {
@@ -84,8 +86,12 @@ void PlotPainter::paintAxes() {
     const QPointF middle = m_layout.axes.center();
     text(QPointF(middle.x(), all.bottom() - 2), m_plot.texts.abscissas[m_plot.abscissa],
          Qt::AlignHCenter | Qt::AlignBottom, all);
-    text(QPointF(all.left() + 2, middle.y()), m_plot.texts.ordinates[m_plot.ordinate],
-         Qt::AlignLeft | Qt::AlignVCenter, all, true);
+    const QRectF above(all.left(), all.top(), all.width(), m_layout.axes.bottom() - all.top());
+    text(QPointF(all.left() + 2, middle.y()),
+         m_layout.residual.isEmpty()
+             ? m_plot.texts.ordinates[m_plot.ordinate]
+             : m_letters.elided(m_plot.texts.ordinates[m_plot.ordinate], above.height()),
+         Qt::AlignLeft | Qt::AlignVCenter, m_layout.residual.isEmpty() ? all : above, true);
 }
 
 void PlotPainter::paintAbscissa() {
@@ -109,12 +115,18 @@ void PlotPainter::paintAbscissa() {
 
 void PlotPainter::paintOrdinate() {
     const QRectF& axes = m_layout.axes;
+    const double least = LeastOfRow * m_letters.height();
+    double last = 1e300;
     for (double value : m_layout.yTicks.values) {
         const double y = m_layout.coord.r2sY(value);
         m_painter.setPen(m_grid);
         m_painter.drawLine(QPointF(axes.left(), y), QPointF(axes.right(), y));
         m_painter.setPen(m_plot.colors.ink);
         m_painter.drawLine(QPointF(axes.left() - 4, y), QPointF(axes.left(), y));
+        if (y > last - least) {
+            continue;  // no room for its number
+        }
+        last = y;
         text(QPointF(axes.left() - 6, y), tickText(value, m_layout.yTicks.step),
              Qt::AlignRight | Qt::AlignVCenter, m_layout.all);
     }
@@ -175,8 +187,10 @@ void PlotPainter::paintResidual() {
         text(QPointF(box.left() - 6, m_layout.residualToY(v)), QString::number(v, 'g', 2),
              Qt::AlignRight | Qt::AlignVCenter, m_layout.all);
     }
-    text(QPointF(m_layout.all.left() + 2, box.center().y()), m_plot.texts.residual,
-         Qt::AlignLeft | Qt::AlignVCenter, m_layout.all, true);
+    if (m_letters.width(m_plot.texts.residual) <= box.height() + ResidualSlack) {
+        text(QPointF(m_layout.all.left() + 2, box.center().y()), m_plot.texts.residual,
+             Qt::AlignLeft | Qt::AlignVCenter, m_layout.all, true);
+    }
 }
 
 void PlotPainter::paintDifferences() {

@@ -3,12 +3,13 @@
 #include <QApplication>
 #include <QEvent>
 #include <QPushButton>
+#include <QToolButton>
 
 namespace {
 
 constexpr char Coloured[] = "coloured";
 
-void colour(QPushButton* button) {
+void colour(QAbstractButton* button) {
     QPalette palette;  // nothing of its own: that of the application
     if (button->isChecked()) {
         const QPalette usual = QApplication::palette(button);
@@ -29,7 +30,7 @@ class Colouring : public QObject {
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        auto* button = static_cast<QPushButton*>(watched);
+        auto* button = static_cast<QAbstractButton*>(watched);
         const bool isOther = button->property(Coloured).toBool() != button->isChecked();
         if ((event->type() == QEvent::Paint && isOther) ||
             event->type() == QEvent::ApplicationPaletteChange) {
@@ -43,8 +44,10 @@ class Colouring : public QObject {
 
 void colourCheckedButtons(QWidget* window) {
     auto* colouring = new Colouring(window);
-    for (QPushButton* button : window->findChildren<QPushButton*>()) {
-        if (button->isCheckable()) {
+    for (QAbstractButton* button : window->findChildren<QAbstractButton*>()) {
+        const bool isKind = qobject_cast<const QPushButton*>(button) != nullptr ||
+                            qobject_cast<const QToolButton*>(button) != nullptr;
+        if (isKind && button->isCheckable()) {
             button->installEventFilter(colouring);
         }
     }

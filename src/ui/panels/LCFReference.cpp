@@ -1,5 +1,6 @@
 #include "panels/LCFReference.h"
 
+#include <QEvent>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QThread>
@@ -49,7 +50,7 @@ LCFReference::~LCFReference() = default;
 
 void LCFReference::arrangeFields() {
     // Room for what each shows, whatever the font; more would widen the panel. Where there is less,
-    // the first digits are shown and the tool tip has all of them.
+    // fewer digits are shown and the tool tip has all of them.
     const auto width = [this](const char* text) {
         return fontMetrics().horizontalAdvance(QLatin1String(text));
     };
@@ -62,7 +63,8 @@ void LCFReference::arrangeFields() {
     setWidth(m_ui->DeltaE, "-00M", "-00.00M");
     setWidth(m_ui->R, "-000.00M", "-000.00M");
     setWidth(m_ui->RError, "+ <0.01", "+ <0.01");
-    setWidth(m_ui->T, "-0.00M", "-0.000000000M");
+    setWidth(m_ui->T, "-0.0000M", "-0.000000000M");
+    m_ui->T->installEventFilter(this);
     m_ui->XFS->leaveAsking();
     auto* file = m_ui->XFS->findChild<QLineEdit*>(QStringLiteral("Selected"));
     file->setMinimumWidth(width("ferrous.d"));
@@ -152,18 +154,25 @@ void LCFReference::setRatio(double ratio) {
 
 void LCFReference::setDMut(double dMut) {
     const QString text = fieldText(dMut);
-    QMetaObject::invokeMethod(this, [this, text] {
-        showFromStart(m_ui->T, text);
+    QMetaObject::invokeMethod(this, [this, dMut, text] {
+        m_dMut = dMut;
+        showInRoom(m_ui->T, dMut);
         setOwnToolTip(m_ui->T, m_toolTipOfT + QLatin1String("\n") + text);
     });
+}
+
+bool LCFReference::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Resize && !m_ui->T->text().isEmpty()) {
+        showInRoom(m_ui->T, m_dMut);
+    }
+    return QFrame::eventFilter(watched, event);
 }
 
 void LCFReference::setErrors(double ratio, double dMut) {
     const RoundedPair fraction = roundedPair(100.0 * m_ratio, 100.0 * ratio);
     m_ui->RError->setText(QStringLiteral("\u00b1 ") + shortError(100.0 * ratio));
     setOwnToolTip(m_ui->R, m_toolTipOfR + QStringLiteral("\n%1 %").arg(fraction.text()));
-    setOwnToolTip(m_ui->T, m_toolTipOfT + QLatin1Char('\n') +
-                               roundedPair(m_ui->T->text().toDouble(), dMut).text());
+    setOwnToolTip(m_ui->T, m_toolTipOfT + QLatin1Char('\n') + roundedPair(m_dMut, dMut).text());
 }
 
 void LCFReference::clearFit() {

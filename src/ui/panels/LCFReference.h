@@ -87,6 +87,9 @@ class LCFReference : public QFrame {
     /// As the longer form, with the use box checked and the offset as it is.
     void setStd(const QString& fname, const QString& isVic);
 
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     void arrangeFields();
     void connectControls();
@@ -100,5 +103,6 @@ class LCFReference : public QFrame {
     QString m_toolTipOfT;
     quint64 m_shown = 0;  // revision of what the controls show
     std::atomic<double> m_ratio{0.0};
+    double m_dMut = 0.0;  // all digits of what its field shows
     FitInput m_frozen;
 };

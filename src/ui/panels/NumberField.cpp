@@ -27,6 +27,19 @@ void showFromStart(QLineEdit* field, const QString& text) {
     field->setCursorPosition(0);
 }
 
+void showInRoom(QLineEdit* field, double value) {
+    const QFontMetrics letters = field->fontMetrics();
+    const int room = field->width() - letters.horizontalAdvance(QLatin1Char('M'));
+    QString text = fieldText(value);
+    for (int digits = 5; digits > 0 && letters.horizontalAdvance(text) > room; --digits) {
+        text = QString::number(value, 'g', digits);
+    }
+    if (letters.horizontalAdvance(text) > room) {
+        text = QString::number(value, 'e', 0);
+    }
+    showFromStart(field, text);
+}
+
 void showNumber(QLineEdit* field, double value) {
     const double shown = numberIn(field);
     if (!field->isModified() && shown != value && inField(shown) != value) {

@@ -12,6 +12,9 @@ double numberIn(const QLineEdit* field);
 /// Shows a text from its start: what has no room is cut off at the right, where less is lost.
 void showFromStart(QLineEdit* field, const QString& text);
 
+/// Shows a number with as many of its six digits as there is room for, never a part of it.
+void showInRoom(QLineEdit* field, double value);
+
 /// Shows a setting, unless the field reads as it already or holds what is being typed. Nothing is
 /// emitted.
 void showNumber(QLineEdit* field, double value);

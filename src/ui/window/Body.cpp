@@ -95,7 +95,6 @@ Body::Body(QWidget* parent)
       m_saveDataCfg(std::make_unique<SaveDataCfg>(m_measurement)) {
     m_ui->setupUi(this);
     addDataBar(*this, *m_ui);
-    colourCheckedButtons(this);
     fitToFont(*this, *m_ui);
     m_ui->SelectI1Files->setLabel(tr("I1 Data"));
     m_ui->SelectI0Files->setLabel(tr("I0 Data"));
@@ -130,6 +129,7 @@ Body::Body(QWidget* parent)
     const auto* resultFiles = new ResultFiles(m_measurement, m_dialogs, this);
     connect(resultFiles, &ResultFiles::said, this, &Body::say);
     nameControls(this);
+    colourCheckedButtons(this);
     buildBodyMenu(this, windows, resultFiles->actions(), m_record->actions());
     updateControls(*m_ui, m_measurement, *m_panels->spectrum);
     m_ui->SelectI1Files->setFocus();

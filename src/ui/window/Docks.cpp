@@ -5,6 +5,7 @@
 #include <QScrollArea>
 #include <QShortcut>
 #include <QStatusBar>
+#include <QStyle>
 
 #include "display/XafsView.h"
 #include "panels/Analyzer.h"
@@ -18,7 +19,7 @@ namespace {
 // In heights of a line, which the font gives.
 constexpr int TallHeight = 52;  // of a window that has room for both plots above the analyzer
 constexpr int WideWidth = 125;  // and for both beside it
-constexpr int SideWidth = 34;   // of the analyzer
+constexpr int SideWidth = 35;   // of the analyzer
 
 /// The first control in it, where keys go when it opens.
 void focusInto(QWidget* panel) {
@@ -156,7 +157,8 @@ void Docks::arrange() {
 }
 
 void Docks::setSizes() {
-    const int side = SideWidth * m_window->fontMetrics().height();
+    const int side = SideWidth * m_window->fontMetrics().height() +
+                     m_window->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
     const QList<QDockWidget*> docks{first(Place::Spectrum), first(Place::Fit), first(Place::Side)};
     switch (room()) {
         case Room::Small:
@@ -165,7 +167,7 @@ void Docks::setSizes() {
             break;
         case Room::Tall:
             m_window->resizeDocks({docks[0]}, {side * 11 / 10}, Qt::Horizontal);
-            m_window->resizeDocks(docks, {28, 28, 44}, Qt::Vertical);
+            m_window->resizeDocks(docks, {26, 34, 40}, Qt::Vertical);
             break;
         case Room::Wide:
             m_window->resizeDocks({docks[0], docks[2]}, {side * 6 / 5, side}, Qt::Horizontal);
