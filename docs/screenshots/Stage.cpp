@@ -14,12 +14,15 @@
 
 #include "batch/BatchDispatcher.h"
 #include "display/ImageView.h"
+#include "display/XafsView.h"
 #include "panels/BatchCtrl.h"
 #include "window/Docks.h"
 
 namespace {
 
 constexpr int SettleMs = 300;
+constexpr int LeastWidth = 560;
+constexpr int PlotHeight = 420;
 
 [[noreturn]] void giveUp(const char* what, const QString& name) {
     std::fprintf(stderr, "tarnwick-screenshots: %s %s\n", what, qPrintable(name));
@@ -60,6 +63,18 @@ void Stage::arrange(const QSize& size) {
     settle();
     docks->setSizes();
     settle();
+}
+
+void Stage::giveRoom(QWidget* panel) {
+    QWidget* dock = panel->window();
+    if (qobject_cast<QDockWidget*>(dock) != nullptr) {
+        const bool isPlot = qobject_cast<XafsView*>(panel) != nullptr;
+        const QSize wanted = panel->sizeHint().expandedTo(panel->minimumSizeHint());
+        const int line = dock->fontMetrics().height();
+        dock->resize(wanted.expandedTo(QSize(LeastWidth, isPlot ? PlotHeight : 0)) +
+                     QSize(2 * line, 3 * line));
+        settle();
+    }
 }
 
 QWidget* Stage::control(const char* name) {

@@ -22,6 +22,8 @@ class Stage {
     void takeApart();
     /// The main window in a size, with the docks as a program that is new has them there.
     void arrange(const QSize& size);
+    /// A panel for itself has room for what it shows now.
+    void giveRoom(QWidget* panel);
     /// The first window or control of this object name; ends the program when there is none.
     QWidget* control(const char* name);
 

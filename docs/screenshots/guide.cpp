@@ -250,7 +250,6 @@ void saving(Stage& stage) {
 }  // namespace
 
 void makeGuidePictures(Stage& stage, bool all) {
-    stage.takeApart();
     stage.body().resize(MainWindow);
     firstMap(stage);
     spectrumFile(stage);

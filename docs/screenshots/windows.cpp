@@ -3,9 +3,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QScrollArea>
 #include <QWidget>
-#include <algorithm>
 
 #include "Stage.h"
 #include "panels/BatchCtrl.h"
@@ -51,12 +49,7 @@ void saveAtWork(Stage& stage, const QStringList& lines, Work work, QWidget* wind
 }
 
 void saveWindow(Stage& stage, QWidget* window) {
-    // The screen without a display is small: no room for all rows at a large font.
-    if (const auto* rows = window->findChild<QScrollArea*>(QStringLiteral("analyzerScroll"))) {
-        const int hidden = rows->widget()->height() - rows->viewport()->height();
-        window->resize(window->width(), window->height() + std::max(0, hidden));
-        stage.settle();
-    }
+    stage.giveRoom(window);
     stage.save(window, nameOf(window));
     saveMenus(stage, window);
 }

@@ -52,44 +52,62 @@ QRectF emptiestPlace(const QSizeF& size, const QRectF& plot, const QVector<PlotC
     return box;
 }
 
+/// In a plot that is too low for rows: the names beside each other, in the colours of their curves.
+void paintInOneRow(QPainter& painter, const Letters& letters, const QRectF& plot,
+                   const QVector<PlotCurve>& named, const ChCoord& coord, const QColor& veil) {
+    constexpr double Gap = 10.0;
+    const double most = (plot.width() - 12) / named.size() - Gap;
+    double width = Gap;
+    for (const PlotCurve& curve : named) {
+        width += letters.width(curve.name) + Gap;
+    }
+    const bool isShort = width <= plot.width() - 12;
+    const QSizeF size(std::min(width, plot.width() - 12), letters.height() + 2);
+    const QRectF box = emptiestPlace(size, plot, named, coord);
+    painter.fillRect(box, veil);
+    double x = box.left() + Gap;
+    for (const PlotCurve& curve : named) {
+        const QString name = isShort ? curve.name : letters.elided(curve.name, most);
+        painter.setPen(curve.color);
+        drawText(painter, letters, QPointF(x, box.top() + 1), name, Qt::AlignLeft | Qt::AlignTop);
+        x += letters.width(name) + Gap;
+    }
+}
+
 }  // namespace
 
 void paintLegend(QPainter& painter, const Letters& letters, const QRectF& plot,
                  const QVector<PlotCurve>& list, const ChCoord& coord, const PlotColors& colors) {
     const double height = std::round(letters.height());
     double widest = 0.0;
-    int rows = 0;
+    QVector<PlotCurve> named;
     for (const PlotCurve& curve : list) {
         if (!curve.name.isEmpty()) {
             widest = std::max(widest, std::round(letters.width(curve.name)));
-            ++rows;
+            named << curve;
         }
     }
-    if (rows == 0) {
+    if (named.isEmpty()) {
         return;
     }
-    // In a low plot its rows go on in further columns.
-    const int most = std::max(1, static_cast<int>((plot.height() - 18) / height));
-    const int columns = (rows + most - 1) / most;
-    const int rowsOfOne = (rows + columns - 1) / columns;
-    widest = std::min(widest, (columns > 1 ? 0.85 : 0.45) * plot.width() / columns);
-    const QSizeF size((widest + 38) * columns, rowsOfOne * height + 6);
-    const QRectF box = emptiestPlace(size, plot, list, coord);
     QColor veil = colors.paper;
     veil.setAlpha(215);
+    widest = std::min(widest, 0.45 * plot.width());
+    const QSizeF size(widest + 38, named.size() * height + 6);
+    if (size.height() > plot.height() - 12) {
+        paintInOneRow(painter, letters, plot, named, coord, veil);
+        return;
+    }
+    const QRectF box = emptiestPlace(size, plot, list, coord);
     painter.fillRect(box, veil);
-    int row = 0;
-    for (const PlotCurve& curve : list) {
-        if (curve.name.isEmpty()) {
-            continue;
-        }
-        const double x = box.left() + (row / rowsOfOne) * (widest + 38);
-        const double y = box.top() + 3 + (row % rowsOfOne) * height;
+    double y = box.top() + 3;
+    for (const PlotCurve& curve : qAsConst(named)) {
         painter.setPen(QPen(curve.color, 2));
-        painter.drawLine(QPointF(x + 6, y + height / 2), QPointF(x + 26, y + height / 2));
+        painter.drawLine(QPointF(box.left() + 6, y + height / 2),
+                         QPointF(box.left() + 26, y + height / 2));
         painter.setPen(colors.ink);
-        drawText(painter, letters, QPointF(x + 32, y), letters.elided(curve.name, widest + 2),
-                 Qt::AlignLeft | Qt::AlignTop);
-        ++row;
+        drawText(painter, letters, QPointF(box.left() + 32, y),
+                 letters.elided(curve.name, widest + 2), Qt::AlignLeft | Qt::AlignTop);
+        y += height;
     }
 }
