@@ -1,15 +1,18 @@
+#include <QAbstractItemView>
 #include <QAction>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QDropEvent>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QMimeData>
 #include <QPlainTextEdit>
-#include <QScreen>
+#include <QPushButton>
+#include <QScrollArea>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QUrl>
+#include <QWheelEvent>
 #include <memory>
 
 #include "BatchRun.h"
@@ -17,15 +20,18 @@
 #include "Files.h"
 #include "Phantom.h"
 #include "TestMain.h"
+#include "base/Globals.h"
 #include "display/FolderMemory.h"
 #include "frames/TiffData.h"
 #include "measurement/FolderLoad.h"
 #include "window/Body.h"
+#include "window/Layout.h"
 #include "window/Remembered.h"
 
 namespace {
 
-constexpr int Bin = 21;  // pixels a side, as the program starts
+const QSize SmallScreen(1366, 728);  // less the title bar
+constexpr int Bin = 21;              // pixels a side, as the program starts
 
 /// The same in all of a bin.
 double fractionOfA(int x, int y) {
@@ -41,6 +47,7 @@ class TestFirstMap : public QObject {
     QTemporaryDir m_settings;
     QTemporaryDir m_dir;
     std::unique_ptr<Body> m_body;
+    const QString m_start = DataDir;
     int m_clicks = 0;
 
     QString run() const { return m_dir.filePath("run12"); }
@@ -49,24 +56,54 @@ class TestFirstMap : public QObject {
         return !measurement().isAtWork(Work::LoadFolder) && measurement().working() == Work::None;
     }
 
-    /// A click that a user could make: on what can be pressed, seen and is on the screen.
-    void click(const QString& name, const QObject* panel = nullptr) {
-        auto* widget = control<QWidget>(name, panel);
-        QVERIFY2(widget->isVisible() && widget->isEnabled(), qPrintable(name));
-        const QPoint at = widget->rect().center();
-        const QRect screen = widget->screen()->geometry();
-        const bool isReal = screen.width() >= 1366;  // not that of a test without a display
-        QVERIFY2(!isReal || screen.contains(widget->mapToGlobal(at)), qPrintable(name));
-        QTest::mouseClick(widget, Qt::LeftButton, Qt::NoModifier, at);
+    /// A click of the mouse at a place of the screen, on what is seen there.
+    void clickAt(QWidget* widget, const QPoint& at) {
+        QWidget* window = widget->window();
+        const QWidget* modal = QApplication::activeModalWidget();
+        const QString name = widget->objectName();
+        QVERIFY2(modal == nullptr || modal == window, qPrintable(name + " is behind a dialog"));
+        const QPoint inWindow = widget->mapTo(window, at);
+        const QWidget* seen = window->childAt(inWindow);
+        QVERIFY2(seen == widget || widget->isAncestorOf(seen), qPrintable(name + " is not seen"));
+        QTest::mouseClick(window->windowHandle(), Qt::LeftButton, Qt::NoModifier, inWindow);
         ++m_clicks;
     }
 
-    void chooseFolder(const QString& folder) {
+    void click(const QString& name) {
+        auto* widget = control<QWidget>(name);
+        QTRY_VERIFY2(widget->isVisible() && widget->isEnabled(), qPrintable(name));
+        clickAt(widget, widget->rect().center());
+    }
+
+    /// In the dialog, which stands in the folder that holds the measurement.
+    void clickFolder() {
         auto* dialog = control<QFileDialog>("OpenFolderDialog");
-        auto* field = dialog->findChild<QLineEdit*>("fileNameEdit");
-        field->setFocus();
-        QTest::keyClicks(field, folder);
-        QTest::keyClick(field, Qt::Key_Return);
+        auto* list = dialog->findChild<QAbstractItemView*>(
+            dialog->viewMode() == QFileDialog::Detail ? "treeView" : "listView");
+        QTRY_COMPARE(list->model()->rowCount(list->rootIndex()), 1);
+        const QModelIndex folder = list->model()->index(0, 0, list->rootIndex());
+        QTRY_VERIFY(!list->visualRect(folder).isEmpty());
+        clickAt(list->viewport(), list->visualRect(folder).center());
+        auto* buttons = dialog->findChild<QDialogButtonBox*>("buttonBox");
+        QWidget* choose = buttons->button(QDialogButtonBox::Open);
+        clickAt(choose, choose->rect().center());
+    }
+
+    /// What is below in a dock comes up by the wheel, as the eye asks for it.
+    void turnWheelTo(const QString& name) {
+        auto* widget = control<QWidget>(name);
+        QScrollArea* area = nullptr;
+        for (QWidget* up = widget; area == nullptr; up = up->parentWidget()) {
+            area = qobject_cast<QScrollArea*>(up);
+        }
+        QWidget* view = area->viewport();
+        const QPoint at(2,
+                        view->height() / 2);  // beside the fields, which have wheels of their own
+        for (int i = 0; i < 30 && widget->visibleRegion().boundingRect() != widget->rect(); ++i) {
+            QWheelEvent turned(at, view->mapToGlobal(at), QPoint(), QPoint(0, -120), Qt::NoButton,
+                               Qt::NoModifier, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(view, &turned);
+        }
     }
 
     static QString dialogText(const char* name) {
@@ -95,6 +132,7 @@ class TestFirstMap : public QObject {
         options.height = 2 * Bin;
         options.fractionOfA = fractionOfA;
         const Phantom phantom(options);
+        DataDir = m_dir.path();
         const QDir dir(phantom.dir());
         for (const char* part : {"i1", "i0", "references"}) {
             QVERIFY(QDir().mkpath(run() + '/' + part));
@@ -107,15 +145,26 @@ class TestFirstMap : public QObject {
 
     void init() { m_clicks = 0; }
     void cleanup() { m_body.reset(); }
+    void cleanupTestCase() { DataDir = m_start; }
 
     /// The guide's first map from a start with nothing remembered, and no window is moved.
+    void twelveClicks_data() {
+        columns<int>("points");
+        QTest::newRow("10 points") << 10;
+        QTest::newRow("12 points") << 12;
+    }
     void twelveClicks() {
+        QFETCH(int, points);
         Remembered::shared().keep();
+        QApplication::setFont(QFont("Sans Serif", points));
         m_body = std::make_unique<Body>();
+        m_body->layoutOfWindows()->restore();
+        m_body->resize(SmallScreen);
         m_body->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_body.get()));
+        QApplication::processEvents();
         click("OpenFolder");
-        chooseFolder(run());
+        clickFolder();
         QCOMPARE(dialogText("FolderI1"), QString("i1: 61 files, 7000.0 to 7300.0 eV"));
         QCOMPARE(control<QListWidget>("FolderReferences")->count(), 2);
         click("FolderLoad");
@@ -127,14 +176,11 @@ class TestFirstMap : public QObject {
         QVERIFY(textOf("State").startsWith("run12   I1 frame 61 of 61"));
         QCOMPARE(m_body->windowTitle(), QString("Tarnwick"));
 
-        if (!control<QWidget>("AskAnalyze")->isVisible()) {
-            click("ShowAnalyzer");
-        }
         click("AskAnalyze");
         QTRY_VERIFY(isIdle());
-        click("SelectRef1");
+        QVERIFY(control<QAbstractButton>("ShowResAnalysis")->isChecked());  // by itself
+        turnWheelTo("SelRatio");
         click("SelRatio");
-        click("ShowResAnalysis");
         QVERIFY2(m_clicks <= 12, qPrintable(QString::number(m_clicks)));
 
         const Result* shown = measurement().shownResult();
@@ -160,7 +206,7 @@ class TestFirstMap : public QObject {
         QVERIFY(FolderMemory::shared().chosen(FolderMemory::Writing).isEmpty());
         m_body = std::make_unique<Body>();
         m_body->show();
-        click("SelectDark");
+        press("SelectDark");
         QCOMPARE(control<QFileDialog>("DarkDialog")->directory().path(), run());
         control<QFileDialog>("DarkDialog")->hide();
 

@@ -37,6 +37,7 @@
 #include "window/MapImageAction.h"
 #include "window/Messages.h"
 #include "window/MessagesWindow.h"
+#include "window/NewResult.h"
 #include "window/ResultFiles.h"
 #include "window/SaveDialogs.h"
 #include "window/SpectrumFitWindow.h"
@@ -112,6 +113,8 @@ Body::Body(QWidget* parent)
         new SpectrumPane(m_measurement, *m_ui, *m_panels->spectrum, *m_panels->analyzer, this);
     m_area = new AreaPane(m_measurement, *m_ui, *m_panels, m_dialogs, this);
     connect(m_area, &AreaPane::said, this, &Body::say);
+    m_newResult = new NewResult(m_measurement, this);
+    connect(m_newResult, &NewResult::said, this, &Body::say);
     m_record = new WhatWasDone(m_measurement, this, m_panels->batch.get(), m_dialogs);
 
     connectMeasurement();

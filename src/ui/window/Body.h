@@ -14,6 +14,7 @@ class BatchCtrl;
 class ImagePane;
 class Layout;
 class Messages;
+class NewResult;
 class SaveDataCfg;
 class SaveDialogs;
 class SpectrumFitWindow;
@@ -123,6 +124,7 @@ class Body : public QMainWindow {
     ImagePane* m_image;
     SpectrumPane* m_spectrum;
     AreaPane* m_area;
+    NewResult* m_newResult;
     StatusLine* m_status;
     SaveDialogs* m_dialogs;
     std::unique_ptr<SpectrumFitWindow> m_spectrumFit;

@@ -16,6 +16,7 @@
 #include "window/Docks.h"
 #include "window/Fields.h"
 #include "window/ImagePane.h"
+#include "window/NewResult.h"
 #include "window/SaveDialogs.h"
 #include "window/SpectrumPane.h"
 #include "window/WhatWasDone.h"
@@ -90,7 +91,9 @@ void Body::toggle(Work work) {
         return;
     }
     const Outcome outcome = m_measurement.start(work);
-    if (outcome.failed() && work == Work::Fit) {
+    if (!outcome.failed()) {
+        m_newResult->started(work);
+    } else if (work == Work::Fit) {
         debugTimed(QStringLiteral("LCF not started: "));  // why: in the window's language alone
     }
     sayOf(work, outcome);
