@@ -7,7 +7,7 @@ namespace {
 
 /// "i1/fe-*.tif:3" are three files with energies, 7000 eV and on, in the folder i1.
 FolderListing listing(const QString& path, const QString& files) {
-    FolderListing found{path, {{QString(), {}}}};
+    FolderListing found{path, {{QString(), {}}}, {}};
     for (const QString& item : files.split(' ', Qt::SkipEmptyParts)) {
         const QString file = item.section(':', 0, 0);
         const QString folder = file.contains('/') ? file.section('/', 0, 0) : QString();

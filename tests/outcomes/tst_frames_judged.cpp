@@ -289,6 +289,13 @@ class TestFramesJudged : public QObject {
         add(
             "empty", [] { QVERIFY(QDir().mkpath("d")); }, "LOAD\nopen_folder d", "failed",
             "^failed: there is no frame in d$");
+        add("not one", {}, "LOAD\nopen_folder a.dat", "failed", "^failed: not a folder: a.dat$");
+        add(
+            "one of folders", [] { QVERIFY(QDir().mkpath("d/run1/i1")); }, "LOAD\nopen_folder d",
+            "failed", "^failed: there is no frame in d, nor in the folders in it: run1$");
+        add(
+            "a link to itself", [] { QVERIFY(QFile::link(".", "again")); }, "open_folder .", "done",
+            "");
     }
     void folders() { m_cases.judge(); }
 

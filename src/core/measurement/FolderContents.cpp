@@ -113,6 +113,8 @@ bool isSpectrum(const QString& file) {
     return suffixes.contains(QFileInfo(file).suffix().toLower());
 }
 
+constexpr int FewNames = 4;
+
 struct Candidate {
     FrameGroup group;
     Verdict verdict;
@@ -148,6 +150,7 @@ class Finder {
     void takeTheRest();
     void sortSpectra();
     void conclude();
+    QString whyNoFrame() const;
     QString named(int i) const {
         const FrameGroup& group = m_found.groups[i];
         return QStringLiteral("%1 (%2)").arg(group.name, countText(group.files.size()));
@@ -284,6 +287,29 @@ void Finder::sortSpectra() {
     }
 }
 
+QString Finder::whyNoFrame() const {
+    const QFileInfo folder(m_found.path);
+    if (!folder.exists()) {
+        return FolderContents::tr("no such folder: %1").arg(m_found.path);
+    }
+    if (!folder.isDir()) {
+        return FolderContents::tr("not a folder: %1").arg(m_found.path);
+    }
+    if (m_listing.closed.contains(m_found.path)) {
+        return FolderContents::tr("the folder may not be read: %1").arg(m_found.path);
+    }
+    QStringList within;
+    for (const FolderListing::Part& part : m_listing.parts) {
+        within << part.name;
+    }
+    within.removeAll(QString());
+    return within.isEmpty()
+               ? FolderContents::tr("there is no frame in %1").arg(m_found.path)
+               : FolderContents::tr("there is no frame in %1, nor in the folders in it: %2")
+                     .arg(m_found.path,
+                          within.size() <= FewNames ? within.join(", ") : filesText(within));
+}
+
 void Finder::conclude() {
     Outcome& outcome = m_found.outcome;
     QStringList rest;
@@ -298,21 +324,22 @@ void Finder::conclude() {
     const bool none = std::all_of(std::begin(m_found.taken), std::end(m_found.taken),
                                   [](int group) { return group < 0; });
     if (none && m_candidates.isEmpty()) {
-        outcome =
-            Outcome::failure(QFileInfo(m_found.path).isDir()
-                                 ? FolderContents::tr("there is no frame in %1").arg(m_found.path)
-                                 : FolderContents::tr("no such folder: %1").arg(m_found.path));
+        outcome = Outcome::failure(whyNoFrame());
     } else if (none) {
         outcome.failures
             << FolderContents::tr("no frames are named as I1, I0 or dark in %1").arg(m_found.path);
     } else if (m_found.group(FrameKind::I1) == nullptr) {
         outcome.warnings << FolderContents::tr("no I1 frames in %1").arg(m_found.path);
     }
+    if (!m_listing.closed.isEmpty() && !m_listing.closed.contains(m_found.path)) {
+        outcome.warnings
+            << FolderContents::tr("may not be read: %1").arg(m_listing.closed.join(", "));
+    }
     if (!rest.isEmpty()) {
         const QString text = FolderContents::tr("frames not taken: %1").arg(rest.join(", "));
         (m_found.group(FrameKind::I1) == nullptr ? outcome.warnings : outcome.notes) << text;
     }
-    if (!none && !m_others.isEmpty()) {
+    if (!m_others.isEmpty()) {
         outcome.notes
             << FolderContents::tr("neither frames nor spectra: %1").arg(filesText(m_others));
     }

@@ -15,6 +15,7 @@ struct FolderListing {
     };
     QString path;
     QVector<Part> parts;
+    QStringList closed;  ///< folders that may not be read, the folder itself by its path
 };
 
 /// What frames are for; the ids of FolderContents::taken.

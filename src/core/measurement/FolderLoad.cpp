@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QMap>
 #include <QRegularExpression>
+#include <QSet>
 #include <algorithm>
 
 #include "files/FileListing.h"
@@ -46,8 +47,14 @@ QStringList withoutResults(const Measurement& m, const QStringList& files) {
     return kept;
 }
 
-FolderListing::Part partOf(const Measurement& m, const QString& folder, const QString& name) {
-    return {name, withoutResults(m, m.list(folder, {}))};
+/// @param name within the folder of the listing; empty: that itself
+void addPart(FolderListing* listing, const Measurement& m, const QString& folder,
+             const QString& name) {
+    const QFileInfo info(folder);
+    if (info.isDir() && !(info.isReadable() && info.isExecutable())) {
+        listing->closed << (name.isEmpty() ? folder : name);
+    }
+    listing->parts << FolderListing::Part{name, withoutResults(m, m.list(folder, {}))};
 }
 
 /// Why a file is no reference; empty: it is one.
@@ -227,11 +234,17 @@ void takeReferences(Measurement& m, const QStringList& files, Outcome* outcome) 
 FolderListing listingOf(const Measurement& measurement, const QString& folder) {
     FolderListing listing;
     listing.path = folder;
-    listing.parts << partOf(measurement, folder, QString());
+    addPart(&listing, measurement, folder, QString());
     QStringList names = QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
     std::sort(names.begin(), names.end(), comesBefore);
+    QSet<QString> known{QFileInfo(folder).canonicalFilePath()};
     for (const QString& name : names) {
-        listing.parts << partOf(measurement, QDir(folder).filePath(name), name);
+        const QString path = QDir(folder).filePath(name);
+        const QString place = QFileInfo(path).canonicalFilePath();
+        if (!known.contains(place)) {  // a link may lead to where one is already
+            known.insert(place);
+            addPart(&listing, measurement, path, name);
+        }
     }
     return listing;
 }
@@ -245,7 +258,7 @@ FolderListing listingOf(const Measurement& measurement, const QStringList& chose
     listing.parts << FolderListing::Part();
     for (const QString& path : chosen) {
         if (QFileInfo(path).isDir()) {
-            listing.parts << partOf(measurement, path, QFileInfo(path).fileName());
+            addPart(&listing, measurement, path, QFileInfo(path).fileName());
         } else {
             listing.parts.first().files << path;
         }

@@ -2,6 +2,7 @@
 
 #include <QDragEnterEvent>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QScopedValueRollback>
 
 #include "display/Availability.h"
@@ -194,5 +195,7 @@ void SelectDataFiles::dropEvent(QDropEvent* event) {
         return;
     }
     orderByEnergy(&frames, m_measurement->settings().names[static_cast<int>(m_stack)]);
+    FolderMemory::shared().note(FolderMemory::Reading,
+                                QFileInfo(frames.files.first()).absolutePath());
     emit filesSelected(frames.files, m_ui->AddFiles->isChecked());
 }

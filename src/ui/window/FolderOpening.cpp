@@ -5,6 +5,7 @@
 #include <QMenu>
 #include <QPushButton>
 
+#include "display/FolderMemory.h"
 #include "panels/DroppedFiles.h"
 #include "panels/FolderDialog.h"
 #include "window/Remembered.h"
@@ -94,6 +95,7 @@ void FolderOpening::load(const FolderFiles& files, const FolderContents& content
         return;
     }
     m_measurement.set(&Settings::shown, Shown::I1);
+    FolderMemory::shared().note(FolderMemory::Reading, contents.path);
     if (chosen == QStringList(contents.path) && !files.of(FrameKind::I1).isEmpty()) {
         Remembered::shared().note(Remembered::folders(), contents.path);
     }
