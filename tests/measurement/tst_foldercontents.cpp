@@ -62,7 +62,7 @@ class TestFolderContents : public QObject {
         row("spectra beside a folder of them", "i1/*.tif:3 std/a.dat b.dat standard/c.dat",
             "i1:3 - -", "a.dat|c.dat", "");
         row("two that could be it", "i1/*.tif:3 i1_old/*.tif:9", "i1:3 - -", "|",
-            "i1 could be meant, too; not taken: i1_old (9 files)");
+            "could be meant in place of i1, not taken: i1_old (9 files)");
         row("of two kinds", "i1/*.tif:3 i1/i0-*.tif:2", "i1/*eV.tif:3 - -", "|",
             "named as frames of two kinds, not taken: i1/i0-*eV.tif (2 files)");
         row("no word tells which", "a-*.tif:3 b-*.tif:3", "- - -", "|",

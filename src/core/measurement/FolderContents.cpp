@@ -233,8 +233,9 @@ void Finder::choose(FrameKind kind) {
             take(kind, of[i]);
         } else {
             m_isDone[of[i]] = true;
-            m_found.outcome.warnings << FolderContents::tr("%1 could be meant, too; not taken: %2")
-                                            .arg(m_found.groups[of[0]].name, named(of[i]));
+            m_found.outcome.warnings
+                << FolderContents::tr("could be meant in place of %1, not taken: %2")
+                       .arg(m_found.groups[of[0]].name, named(of[i]));
         }
     }
 }

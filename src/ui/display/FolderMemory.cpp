@@ -1,5 +1,7 @@
 #include "display/FolderMemory.h"
 
+#include <QAbstractItemView>
+#include <QCompleter>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -35,6 +37,13 @@ void FolderMemory::show(QFileDialog* dialog) {
                     const QString& first = files.value(0);
                     note(use, asksForFolder ? first : QFileInfo(first).absolutePath());
                 });
+        // Names that complete what was typed may come when the dialog is gone.
+        connect(dialog, &QDialog::finished, dialog, [dialog] {
+            for (auto* completer : dialog->findChildren<QCompleter*>()) {
+                completer->popup()->hide();
+                completer->setWidget(nullptr);  // until the field is used again
+            }
+        });
     }
     QDir at(folder(use));
     if (asksForFolder && at.path() != DataDir) {
