@@ -60,6 +60,7 @@ BarPicture imageWithBar(Measurement& measurement, const FrameImage& image, const
     BarPicture parts;
     const ViewRange& range = measurement.settings().*measurement.frameRange();
     parts.picture = pictureOf(image, measurement);
+    parts.colors = &frameColorsOf(measurement.settings());
     parts.low = range.fixed ? range.low : image.low;
     parts.high = range.fixed ? range.high : image.high;
     parts.unit = QStringLiteral("mu-t");

@@ -86,7 +86,13 @@ void ColorBar::showLegend(const CompositeNames& names) {
 void ColorBar::setDataRange(double min, double max) {
     m_min = min;
     m_max = max;
+    setWholeRange(min, max);
     update();
+}
+
+void ColorBar::setWholeRange(double min, double max) {
+    m_wholeMin = min;
+    m_wholeMax = max;
 }
 
 void ColorBar::setAuto(bool on) {

@@ -29,6 +29,8 @@ class ColorBar : public DispA {
     void showLegend(const CompositeNames& names);
     /// Range of the shown frame; in use while no other is fixed.
     void setDataRange(double min, double max);
+    /// That of all its values, where the range in use leaves some out.
+    void setWholeRange(double min, double max);
 
     double rangeMin() const;
     double rangeMax() const;
@@ -95,6 +97,8 @@ class ColorBar : public DispA {
     CompositeNames m_names;
     double m_min = 0.0;
     double m_max = 1.0;
+    double m_wholeMin = 0.0;
+    double m_wholeMax = 1.0;
     double m_fixedMin = 0.0;
     double m_fixedMax = 1.0;
     bool m_auto = true;

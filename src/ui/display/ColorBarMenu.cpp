@@ -34,7 +34,7 @@ QAction* addChoice(QMenu* menu, QActionGroup* group, const QString& text, bool i
 void ColorBar::addRanges(QMenu* menu) {
     if (m_of == Of::Frames) {
         menu->addAction(tr("Percentile 1-99"), this, &ColorBar::percentilesAsked);
-        menu->addAction(tr("Whole range"), this, [this] { fix(m_min, m_max); });
+        menu->addAction(tr("Whole range"), this, [this] { fix(m_wholeMin, m_wholeMax); });
         QAction* own = menu->addAction(tr("Each frame's own"));
         own->setCheckable(true);
         own->setChecked(m_auto);

@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QStyle>
+#include <QWheelEvent>
 #include <algorithm>
 
 #include "display/Availability.h"
@@ -59,9 +60,9 @@ FrameStrip::~FrameStrip() {
     }
 }
 
-void FrameStrip::follow(Measurement& measurement, QWidget* view, XafsView* plot) {
+void FrameStrip::follow(Measurement& measurement, QWidget* view, const QVector<XafsView*>& plots) {
     m_measurement = &measurement;
-    m_plot = plot;
+    m_plots = plots;
     m_player = new FramePlayer(measurement, view, this);
     for (QWidget* each :
          {view, static_cast<QWidget*>(m_ui->SeekBar), static_cast<QWidget*>(m_ui->FrameEnergy),
@@ -75,7 +76,9 @@ void FrameStrip::follow(Measurement& measurement, QWidget* view, XafsView* plot)
             [this] { emit frameAsked(m_ui->SeekBar->sliderPosition()); });
     connect(m_ui->FrameEnergy, &QLineEdit::editingFinished, this, &FrameStrip::takeEnergy);
     connectView();
-    connectPlot();
+    for (XafsView* plot : plots) {
+        connectPlot(plot);
+    }
     connectPlayer();
     connect(&measurement, &Measurement::changed, this, &FrameStrip::changed);
     showFrame();
@@ -106,12 +109,12 @@ void FrameStrip::connectView() {
     });
 }
 
-void FrameStrip::connectPlot() {
-    connect(m_plot, &XafsView::energyChosen, this, [this](double energy) {
+void FrameStrip::connectPlot(XafsView* plot) {
+    connect(plot, &XafsView::energyChosen, this, [this](double energy) {
         m_before = Place{m_measurement->settings().shown, m_measurement->frame()};
         goTo(energy);
     });
-    connect(m_plot, &XafsView::choiceTakenBack, this, [this] {
+    connect(plot, &XafsView::choiceTakenBack, this, [this] {
         if (m_before) {
             m_measurement->set(&Settings::shown, m_before->shown);
             emit frameAsked(m_before->frame);
@@ -141,7 +144,26 @@ void FrameStrip::togglePlay() {
     m_ui->Play->setChecked(m_player->isPlaying());
 }
 
+/// A notch goes one frame on, with Ctrl ten; a touchpad's small turns add up to notches.
+void FrameStrip::turn(const QWheelEvent& event) {
+    constexpr int Notch = 120;
+    constexpr int Coarse = 10;
+    const QPoint delta = event.angleDelta();
+    m_turned += delta.y() != 0 ? delta.y() : delta.x();
+    const int notches = m_turned / Notch;
+    m_turned -= notches * Notch;
+    const int step = event.modifiers() & Qt::ControlModifier ? Coarse : 1;
+    const int to = std::clamp(m_ui->SeekBar->value() + notches * step, 0, m_ui->SeekBar->maximum());
+    if (to != m_ui->SeekBar->value()) {
+        emit frameAsked(to);
+    }
+}
+
 bool FrameStrip::eventFilter(QObject* object, QEvent* event) {
+    if (object == m_ui->SeekBar && event->type() == QEvent::Wheel) {
+        turn(*static_cast<QWheelEvent*>(event));
+        return true;
+    }
     if (event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->key() == Qt::Key_Space && key->modifiers() == Qt::NoModifier) {
@@ -174,9 +196,11 @@ void FrameStrip::showFrame() {
     m_ui->SeekBar->setMaximum(std::max(0, m_measurement->shownStack().size() - 1));
     m_ui->SeekBar->setValue(m_measurement->frame());
     showText(m_ui->FrameEnergy, shown != nullptr ? energyText(shown->energy) : QString());
-    m_plot->setFrameEnergy(shown != nullptr && shownFrame(*m_measurement) != nullptr
-                               ? std::optional<double>(shown->energy)
-                               : std::nullopt);
+    for (XafsView* plot : qAsConst(m_plots)) {
+        plot->setFrameEnergy(shown != nullptr && shownFrame(*m_measurement) != nullptr
+                                 ? std::optional<double>(shown->energy)
+                                 : std::nullopt);
+    }
 }
 
 void FrameStrip::showView() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QVector>
 #include <QWidget>
 #include <memory>
 #include <optional>
@@ -10,7 +11,7 @@ namespace Ui {
 class FrameStrip;
 }
 class FramePlayer;
-class QLineEdit;
+class QWheelEvent;
 class XafsView;
 
 /// The strip under the image: which frame is on display, by slider, keys, its energy or a click on
@@ -23,8 +24,9 @@ class FrameStrip : public QWidget {
     explicit FrameStrip(QWidget* parent = nullptr);
     ~FrameStrip() override;
 
-    /// Works on a measurement from now on. Space plays in the view, too; the plot marks the frame.
-    void follow(Measurement& measurement, QWidget* view, XafsView* plot);
+    /// Works on a measurement from now on. Space plays in the view, too; the plots mark the frame,
+    /// and a click on one goes to another.
+    void follow(Measurement& measurement, QWidget* view, const QVector<XafsView*>& plots);
 
   signals:
     void previousAsked();
@@ -43,7 +45,7 @@ class FrameStrip : public QWidget {
     };
 
     void connectView();
-    void connectPlot();
+    void connectPlot(XafsView* plot);
     void connectPlayer();
     void changed(Measurement::Changes what);
     void showFrame();
@@ -55,11 +57,13 @@ class FrameStrip : public QWidget {
     void setView(const FrameView& view);
     void takeDifference();
     void togglePlay();
+    void turn(const QWheelEvent& event);
     const TiffData* frame() const;
 
     std::unique_ptr<Ui::FrameStrip> m_ui;
     Measurement* m_measurement = nullptr;
-    XafsView* m_plot = nullptr;
+    QVector<XafsView*> m_plots;
     FramePlayer* m_player = nullptr;
-    std::optional<Place> m_before;  // the last click on the plot
+    int m_turned = 0;  // of the wheel, in eighths of a degree
+    std::optional<Place> m_before;  // the last click on a plot
 };

@@ -249,6 +249,9 @@ void ImagePane::showBar() {
         m_ui.CBar->showFrames(m_measurement.settings().views.frames);
         m_ui.CBar->setDataRange(image != nullptr ? image->low : frame->min,
                                 image != nullptr ? image->high : frame->max);
+        if (image != nullptr) {
+            m_ui.CBar->setWholeRange(image->pixels.min, image->pixels.max);
+        }
         if (!range.fixed) {
             m_ui.CBar->setAuto(true);
         } else if (m_ui.CBar->isAuto() || m_ui.CBar->rangeMin() != range.low ||

@@ -174,9 +174,7 @@ void StatusLine::showLoads() {
             total += stack.total();
         }
     }
-    if (total > 0) {
-        m_bar->showFiles(done, total);
-    }
+    m_bar->showFiles(done, total);
     // The bar is also that of analyses.
     if (total > 0 || !m_stopLoading->isHidden()) {
         m_bar->setVisible(total > 0);

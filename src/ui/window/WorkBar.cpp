@@ -37,19 +37,29 @@ void WorkBar::showWork(Work work, const QString& name, double percent) {
     }
     m_left.note(percent / 100.0, m_clock.elapsed());
     const int shown = toClampedInt(percent, 0, 100);
-    QString text = tr("%1 %2 %").arg(name).arg(shown);
-    if (const std::optional<double> seconds = m_left.seconds()) {
-        text = tr("%1, %2").arg(text, leftText(*seconds));
-    }
-    setFormat(text);
+    setFormat(withLeft(tr("%1 %2 %").arg(name).arg(shown)));
     setRange(0, 100);
     setValue(shown);
 }
 
 void WorkBar::showFiles(int done, int total) {
-    setFormat(QStringLiteral("%p%"));
+    if (total != m_files) {
+        m_files = total;  // of another load, or of what is left of two
+        m_clock.start();
+        m_left.start();
+    }
+    if (total <= 0) {
+        return;
+    }
+    m_left.note(static_cast<double>(done) / total, m_clock.elapsed());
+    setFormat(withLeft(QStringLiteral("%p %")));
     setRange(0, total);
     setValue(done);
+}
+
+QString WorkBar::withLeft(const QString& text) const {
+    const std::optional<double> seconds = m_left.seconds();
+    return seconds ? tr("%1, %2").arg(text, leftText(*seconds)) : text;
 }
 
 QString nameOfWork(Work work, int method) {

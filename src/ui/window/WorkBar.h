@@ -16,10 +16,13 @@ class WorkBar : public QProgressBar {
 
     /// Per cent of a work that has this name, 100 with its end.
     void showWork(Work work, const QString& name, double percent);
-    /// Files of a load.
+    /// Files of a load, of 0 while there is none.
     void showFiles(int done, int total);
 
   private:
+    QString withLeft(const QString& text) const;
+
+    int m_files = 0;  // of the load shown
     Work m_work = Work::None;
     QElapsedTimer m_clock;
     TimeLeft m_left;
