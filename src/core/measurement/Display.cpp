@@ -2,6 +2,8 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <algorithm>
+#include <cmath>
 
 #include "base/Numbers.h"
 #include "drawing/FramePicture.h"
@@ -18,6 +20,13 @@ TiffData* shownFrame(Measurement& measurement) {
 
 namespace {
 
+/// In use: the one that is fixed, or the image's own.
+QPair<double, double> rangeOf(const FrameImage& image, const Measurement& measurement) {
+    const ViewRange& range = measurement.settings().*measurement.frameRange();
+    return range.fixed ? qMakePair(range.low, range.high)
+                       : colorRange(image.low, image.high, measurement);
+}
+
 /// An energy in eV, as titles have it.
 QString titleOf(double energy) {
     return QString::number(energy, 'f', 2);
@@ -25,11 +34,18 @@ QString titleOf(double energy) {
 
 }  // namespace
 
+QPair<double, double> colorRange(double low, double high, const Measurement& measurement) {
+    if (!frameColorsOf(measurement.settings()).isDiverging) {
+        return {low, high};
+    }
+    const double most = std::max(std::abs(low), std::abs(high));
+    return {-most, most};
+}
+
 QImage pictureOf(const FrameImage& image, const Measurement& measurement) {
-    const ViewRange& range = measurement.settings().*measurement.frameRange();
+    const auto [low, high] = rangeOf(image, measurement);
     const PixelValues& pixels = image.pixels;
-    return valuePicture(pixels.values.get(), pixels.width, pixels.height,
-                        range.fixed ? range.low : image.low, range.fixed ? range.high : image.high,
+    return valuePicture(pixels.values.get(), pixels.width, pixels.height, low, high,
                         frameColorsOf(measurement.settings()), measurement.threads());
 }
 
@@ -58,11 +74,11 @@ namespace {
 
 BarPicture imageWithBar(Measurement& measurement, const FrameImage& image, const TiffData& frame) {
     BarPicture parts;
-    const ViewRange& range = measurement.settings().*measurement.frameRange();
     parts.picture = pictureOf(image, measurement);
     parts.colors = &frameColorsOf(measurement.settings());
-    parts.low = range.fixed ? range.low : image.low;
-    parts.high = range.fixed ? range.high : image.high;
+    const auto [low, high] = rangeOf(image, measurement);
+    parts.low = low;
+    parts.high = high;
     parts.unit = QStringLiteral("mu-t");
     if (image.kind == FrameView::Kind::Difference) {
         parts.title = QStringLiteral("Difference of mu-t, %1 eV less %2 eV")
@@ -187,7 +203,8 @@ Outcome fixPercentiles(Measurement& measurement) {
     }
     const FrameImage* image = measurement.frameImage(Measurement::Wait::UntilMade);
     const auto [low, high] =
-        image != nullptr ? qMakePair(image->low, image->high) : countPercentiles(*frame, 0.01);
+        image != nullptr ? colorRange(image->low, image->high, measurement)
+                         : countPercentiles(*frame, 0.01);
     if (!(high > low)) {
         return Outcome::failure(QCoreApplication::translate(
             "Measurement", "the percentiles of the frame are equal: the range stays"));

@@ -12,6 +12,9 @@
 /// The frame on display; null while a result is, or without frames.
 TiffData* shownFrame(Measurement& measurement);
 
+/// The range of a frame's absorption or difference that its colours get: of diverging ones about 0.
+QPair<double, double> colorRange(double low, double high, const Measurement& measurement);
+
 /// Picture of what a frame shows in place of its counts, in the range of the view or its own.
 QImage pictureOf(const FrameImage& image, const Measurement& measurement);
 

@@ -44,6 +44,10 @@ const ColorScale& ColorBar::colors() const {
     return m_of == Of::Map ? *m_coloring.colors : m_frameColors.inPlaceOf(frameColors());
 }
 
+bool ColorBar::isAbout0() const {
+    return colors().isDiverging && (m_of == Of::Map || rangeMin() == -rangeMax());
+}
+
 void ColorBar::use(Of of) {
     if (of != m_of) {
         m_drag = End::None;
@@ -137,7 +141,7 @@ void ColorBar::choose(const ViewColors& colors) {
 /// The ends never meet: a step closes at most nine tenths of what is left. Those of a range about 0
 /// move together.
 void ColorBar::moveEnd(End end, double by) {
-    const bool isAbout0 = m_of == Of::Map && colors().isDiverging;
+    const bool isAbout0 = this->isAbout0();
     const double most = (isAbout0 ? 0.45 : 0.9) * (rangeMax() - rangeMin());
     const double high = end == End::High ? rangeMax() + std::max(by, -most) : rangeMax();
     const double low = end == End::Low ? rangeMin() + std::min(by, most) : rangeMin();
@@ -256,7 +260,7 @@ void ColorBar::takeTyped() {
     if (end == End::None || !isNumber || m_editor->text() == before) {
         return;
     }
-    if (m_of == Of::Map && colors().isDiverging) {
+    if (isAbout0()) {
         fix(-std::abs(value), std::abs(value));
     } else if (end == End::High) {
         fix(rangeMin(), value);

@@ -74,6 +74,7 @@ class ColorBar : public DispA {
     void use(Of of);
     bool isOfComposite() const { return m_of == Of::Composite; }
     bool hasRange() const { return rangeMax() > rangeMin() && !isOfComposite(); }
+    bool isAbout0() const;
     const ColorScale& colors() const;
     const ViewColors& chosenColors() const;
     void choose(const MapRange& range);

@@ -247,10 +247,14 @@ void ImagePane::showBar() {
         const ViewRange& range = m_measurement.settings().*m_measurement.frameRange();
         const FrameImage* image = m_measurement.frameImage(Measurement::Wait::Blink);
         m_ui.CBar->showFrames(m_measurement.settings().views.frames);
-        m_ui.CBar->setDataRange(image != nullptr ? image->low : frame->min,
-                                image != nullptr ? image->high : frame->max);
         if (image != nullptr) {
-            m_ui.CBar->setWholeRange(image->pixels.min, image->pixels.max);
+            const auto [low, high] = colorRange(image->low, image->high, m_measurement);
+            const auto [least, most] =
+                colorRange(image->pixels.min, image->pixels.max, m_measurement);
+            m_ui.CBar->setDataRange(low, high);
+            m_ui.CBar->setWholeRange(least, most);
+        } else {
+            m_ui.CBar->setDataRange(frame->min, frame->max);
         }
         if (!range.fixed) {
             m_ui.CBar->setAuto(true);
