@@ -1,7 +1,10 @@
 // The main window at work, with all its windows open, against the same work without any; and how
 // long an event waits meanwhile.
 //
-//   bench_live [SIZE [ENERGIES [TURNS]]]        512 100 5 unless said
+//   bench_live [SIZE [ENERGIES [TURNS [PARTS]]]]        512 100 5 all unless said
+//
+// PARTS: letters of what is measured, f fits, o other analyses, m what is done to maps, s stopping,
+// p frames played.
 //
 // "ratio" is the time of the window by that of a Measurement without one, as tarnwick-batch has it:
 // the shortest of all turns, which take turns; in brackets the same of the processor time of all
@@ -9,9 +12,12 @@
 // not handled, in milliseconds by the clock; other programs lengthen it. "busy" is the processor
 // time that the interface's thread used meanwhile, which they do not.
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QMouseEvent>
 #include <QTimer>
 #include <atomic>
 #include <cstdio>
@@ -229,20 +235,97 @@ class Live {
              with.processor / without.processor);
     }
 
-    /// From the press to the end of the work.
-    void stop(const char* name, Work work, int after) {
-        Took took;
-        timed(window(), work, false, [&] {
-            start(window(), work);
-            QTimer::singleShot(after, [&] {
-                QElapsedTimer clock;
+    /// From the press of the button that stops it, by another thread, to the first event that is
+    /// handled after the end of the work; the longest of all turns.
+    void stop(const char* name, Work work, int after, const char* button) {
+        Took worst;
+        auto* const pressed = m_body.findChild<QAbstractButton*>(QString::fromLatin1(button));
+        for (int turn = 0; turn < m_turns; ++turn) {
+            QElapsedTimer clock;
+            std::thread hand;
+            const auto press = [&] {
+                std::this_thread::sleep_for(std::chrono::milliseconds(after * (turn + 1)));
                 clock.start();
-                window().stop();
-                took.milliseconds = static_cast<double>(clock.nsecsElapsed()) * 1e-6;
-            });
-        });
-        line(name, took);
-        turnEvents(200);
+                for (const QEvent::Type type :
+                     {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+                    const bool isDown = type == QEvent::MouseButtonPress;
+                    QCoreApplication::postEvent(
+                        pressed,
+                        new QMouseEvent(type, QPointF(5, 5), Qt::LeftButton,
+                                        isDown ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier));
+                }
+            };
+            QEventLoop loop;
+            bool isStopped = false;
+            double passed = 0.0;
+            const auto done = QObject::connect(
+                &window(), &Measurement::ended, &loop, [&](Work, const Outcome& outcome) {
+                    isStopped = outcome.stopped;
+                    QTimer::singleShot(0, &loop, [&] {
+                        passed = static_cast<double>(clock.nsecsElapsed()) * 1e-6;
+                        loop.quit();
+                    });
+                });
+            if (work == Work::Deglitch) {
+                must(window().deglitch(2.0, 0.1));
+            } else {
+                start(window(), work);
+            }
+            hand = std::thread(press);
+            loop.exec();
+            hand.join();
+            QObject::disconnect(done);
+            turnEvents(300);
+            window().stop();  // what a press that came too late has begun
+            if (isStopped) {
+                worst.milliseconds = std::max(worst.milliseconds, passed);
+            } else {
+                std::printf("%s: ended before the press\n", name);
+            }
+            turnEvents(200);
+        }
+        line(name, worst);
+    }
+
+    /// Frames that are seen in a second, of those asked for.
+    void play(const char* name, const FrameView& view) {
+        window().set(&Settings::shown, Shown::I1);
+        window().set(&Settings::frameView, view);
+        auto* const speed = m_body.findChild<QComboBox*>(QStringLiteral("PlaySpeed"));
+        auto* const button = m_body.findChild<QAbstractButton*>(QStringLiteral("Play"));
+        for (int i = 0; i < speed->count(); ++i) {
+            speed->setCurrentIndex(i);
+            int frames = 0;
+            Heartbeat heart;
+            turnEvents(300);
+            const auto counted = QObject::connect(&window(), &Measurement::changed, &heart,
+                                                  [&, last = -1]() mutable {
+                                                      frames += window().frame() != last ? 1 : 0;
+                                                      last = window().frame();
+                                                  });
+            QElapsedTimer clock;
+            clock.start();
+            button->click();
+            turnEvents(3000);
+            const double seconds = static_cast<double>(clock.nsecsElapsed()) * 1e-9;
+            button->click();
+            QObject::disconnect(counted);
+            std::printf("%-34s %9s %5.1f frames a second            wait %7.1f  busy %7.1f\n", name,
+                        qPrintable(speed->currentText()), frames / seconds, heart.worstWait(),
+                        heart.worstBusy());
+            std::fflush(stdout);
+        }
+    }
+
+    void plays() {
+        FrameView view;
+        play("play, counts", view);
+        view.kind = FrameView::Kind::Absorption;
+        play("play, absorption", view);
+        view.kind = FrameView::Kind::Difference;
+        view.from = window().source().energies().front();
+        play("play, difference", view);
+        window().set(&Settings::frameView, FrameView());
     }
 
     void set(bool errors, bool eachRow, Shown shown) {
@@ -282,12 +365,24 @@ class Live {
         window().set(&Settings::shown, Shown::Result);
         window().select(0);
         compare("LCF, errors, mean E0", Work::Fit);
-        stop("stop in the search of E0", Work::Fit, 5);
         window().set(&Settings::e0, EdgeChoice());
         m_plain.set(&Settings::e0, EdgeChoice());
-        stop("stop in the LCF", Work::Fit, 40);
-        stop("stop in the residual absorption", Work::Residual, 40);
-        stop("stop in the calibration", Work::Calibrate, 40);
+    }
+
+    void stops() {
+        set(true, true, Shown::Result);
+        EdgeChoice mean;
+        mean.kind = EdgeChoice::Kind::Mean;
+        window().set(&Settings::e0, mean);
+        stop("stop in the search of E0", Work::Fit, 5, "AskAnalyze");
+        window().set(&Settings::e0, EdgeChoice());
+        stop("stop in the LCF", Work::Fit, 40, "AskAnalyze");
+        stop("stop in the residual absorption", Work::Residual, 40, "AskRAAnalyze");
+        stop("stop in the calibration", Work::Calibrate, 40, "ExecCalib");
+        window().set(&Settings::shown, Shown::Result);
+        timed(window(), Work::Fit, false, [&] { start(window(), Work::Fit); });
+        window().select(0);
+        stop("stop in the deglitching", Work::Deglitch, 40, "DeGlitch");
     }
 
     void ofMaps() {
@@ -342,8 +437,16 @@ int main(int argc, char** argv) {
     const int energies = arguments.value(2, QStringLiteral("100")).toInt();
     const SampleStacks stacks(size, size, energies);
     Live live(stacks, arguments.value(3, QStringLiteral("5")).toInt());
-    live.fits();
-    live.others();
-    live.ofMaps();
+    const QString parts = arguments.value(4, QStringLiteral("fomsp"));
+    const QPair<char, void (Live::*)()> all[] = {{'f', &Live::fits},
+                                                 {'o', &Live::others},
+                                                 {'m', &Live::ofMaps},
+                                                 {'s', &Live::stops},
+                                                 {'p', &Live::plays}};
+    for (const auto& part : all) {
+        if (parts.contains(QLatin1Char(part.first))) {
+            (live.*part.second)();
+        }
+    }
     return 0;
 }

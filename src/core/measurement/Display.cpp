@@ -202,9 +202,8 @@ Outcome fixPercentiles(Measurement& measurement) {
         return {};
     }
     const FrameImage* image = measurement.frameImage(Measurement::Wait::UntilMade);
-    const auto [low, high] =
-        image != nullptr ? colorRange(image->low, image->high, measurement)
-                         : countPercentiles(*frame, 0.01);
+    const auto [low, high] = image != nullptr ? colorRange(image->low, image->high, measurement)
+                                              : countPercentiles(*frame, 0.01);
     if (!(high > low)) {
         return Outcome::failure(QCoreApplication::translate(
             "Measurement", "the percentiles of the frame are equal: the range stays"));

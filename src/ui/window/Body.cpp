@@ -108,7 +108,8 @@ Body::Body(QWidget* parent)
     m_spectrumFit = std::make_unique<SpectrumFitWindow>(m_measurement, m_dialogs);
     m_status = new StatusLine(m_measurement, *m_messages, this);
     m_image = new ImagePane(m_measurement, *m_ui, this);
-    m_ui->frameStrip->follow(m_measurement, m_ui->dispA, {m_panels->spectrum.get(), m_panels->analyzer->view()});
+    m_ui->frameStrip->follow(m_measurement, m_ui->dispA,
+                             {m_panels->spectrum.get(), m_panels->analyzer->view()});
     m_spectrum =
         new SpectrumPane(m_measurement, *m_ui, *m_panels->spectrum, *m_panels->analyzer, this);
     m_area = new AreaPane(m_measurement, *m_ui, *m_panels, m_dialogs, this);

@@ -127,8 +127,9 @@ void BodyMenu::addShowMenu() const {
           QKeySequence(Qt::CTRL + Qt::Key_Left));
     press(menu, tr("&Next Frame"), QStringLiteral("Next"), QKeySequence(Qt::CTRL + Qt::Key_Right));
     // No shortcut of the window: with the focus elsewhere Space presses buttons.
-    press(menu, tr("Pl&ay the Frames, or Stop") + QLatin1Char('\t') +
-                    QKeySequence(Qt::Key_Space).toString(QKeySequence::NativeText),
+    press(menu,
+          tr("Pl&ay the Frames, or Stop") + QLatin1Char('\t') +
+              QKeySequence(Qt::Key_Space).toString(QKeySequence::NativeText),
           QStringLiteral("Play"));
     press(menu, tr("&Whole Image"), QStringLiteral("ResetScale"),
           QKeySequence(Qt::CTRL + Qt::Key_0));

@@ -64,6 +64,6 @@ class FrameStrip : public QWidget {
     Measurement* m_measurement = nullptr;
     QVector<XafsView*> m_plots;
     FramePlayer* m_player = nullptr;
-    int m_turned = 0;  // of the wheel, in eighths of a degree
+    int m_turned = 0;               // of the wheel, in eighths of a degree
     std::optional<Place> m_before;  // the last click on a plot
 };
