@@ -252,6 +252,8 @@ class TestMapsJudged : public QObject {
         add("turned round", fit + "select_threshold fraction 1 0", "failed", "below the lower");
         add("no such value", fit + "select_threshold fraction 5 6", "failed", "from 5 to 6$");
         add("no such reference", fit + "select_threshold fraction 0 1 7", "failed", "panel 7");
+        add("a threshold of masked bins", fit + "set_mask 5\nselect_threshold fraction 0 1 1",
+            "done");
         add("a threshold", fit + "select_threshold fraction 0.2 0.5 1\nanalyzer_exec_LCF", "done");
         add("a mean spectrum that is read again",
             shaped + "save_area_spectrum m.dat\nanalyzer_set_LCF_std 2 1 0 m.dat 0", "done");

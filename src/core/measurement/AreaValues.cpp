@@ -11,14 +11,15 @@ class AreaValues {
     Q_DECLARE_TR_FUNCTIONS(AreaValues)
 };
 
-/// Calls visit(x, y, value) for the bins that have a value.
+/// Calls visit(x, y, value) for the bins that have a value, or for those that will have one.
 template <typename Visit>
-void forEachValue(const Result& result, const BinRaster& raster, Visit visit) {
+void forEachValue(const Result& result, const BinRaster& raster, Visit visit,
+                  bool willHave = false) {
     const BinValue valueAt = valuesOf(result, true);
     for (int row = 0; row < raster.rows; ++row) {
         for (int column = 0; column < raster.columns; ++column) {
             const double value = valueAt(column, row);
-            if (std::isfinite(value)) {
+            if (willHave ? raster.holds(column, row) : std::isfinite(value)) {
                 visit(raster.x(column), raster.y(row), value);
             }
         }
@@ -59,12 +60,15 @@ Outcome thresholdArea(const Measurement& measurement, ResultId id, int reference
     const AnalysisGrid& grid = result.image.grid();
     const BinRaster raster = rasterOf(result);
     PixelSet pixels(QRect(0, 0, grid.width, grid.height));
-    forEachValue(result, raster, [&](int x, int y, double value) {
-        const bool isTaken = measurement.rehearsal() || (value >= low && value <= high);
+    // What stands for the values of a rehearsal may lie outside any limits, or be masked.
+    const bool isRehearsal = measurement.rehearsal() != nullptr;
+    const auto insert = [&](int x, int y, double value) {
+        const bool isTaken = isRehearsal || (value >= low && value <= high);
         for (int line = y - raster.halfHeight; isTaken && line <= y + raster.halfHeight; ++line) {
             pixels.insert(line, x - raster.halfWidth, x + raster.halfWidth + 1);
         }
-    });
+    };
+    forEachValue(result, raster, insert, isRehearsal);
     if (pixels.isEmpty()) {
         return Outcome::failure(AreaValues::tr("no bin of the map lies from %1 to %2")
                                     .arg(fieldText(low), fieldText(high)));
