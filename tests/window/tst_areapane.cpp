@@ -9,6 +9,7 @@
 #include "display/ImageView.h"
 #include "display/XafsView.h"
 #include "measurement/AreaSpectrum.h"
+#include "measurement/MapDisplay.h"
 #include "panels/AreaStatistics.h"
 #include "window/Body.h"
 
@@ -107,6 +108,19 @@ class TestAreaPane : public QObject {
         QCOMPARE(dragged.count(), 2);
         QVERIFY(view->low() > fractionOfA(2, 1) - 1e-3 && view->high() < fractionOfA(7, 5) + 1e-3);
         QVERIFY(view->low() < view->high());
+        // Ends of a range about 0 move together.
+        m_body->measurement().set(&Settings::views, [this] {
+            MapViews views = m_body->measurement().settings().views;
+            views[ResultId::Ratio].colors.scale = colorScaleOf("vik");
+            return views;
+        }());
+        const double before = view->high();
+        QTest::keyClick(view, Qt::Key_Left);
+        QVERIFY(view->high() < before);
+        QCOMPARE(view->low(), -view->high());
+        const auto coloring =
+            coloringOf(m_body->measurement(), *m_body->measurement().shownResult());
+        QCOMPARE(coloring.high, view->high());
     }
 };
 

@@ -35,19 +35,24 @@ Histogram histogramOf(std::vector<double> values, int classes) {
     if (values.empty() || classes < 1) {
         return histogram;
     }
-    std::sort(values.begin(), values.end());
-    const std::size_t outside = values.size() / 100;
-    const double from = values[outside];
-    const double to = values[values.size() - 1 - outside];
-    histogram.low = std::max(values.front(), from - (to - from) / 4.0);
-    histogram.high = std::min(values.back(), to + (to - from) / 4.0);
+    const auto outside = static_cast<std::ptrdiff_t>(values.size() / 100);
+    const auto first = values.begin() + outside;
+    const auto last = values.end() - 1 - outside;
+    std::nth_element(values.begin(), last, values.end());
+    std::nth_element(values.begin(), first, last + 1);
+    const double from = *first;
+    const double to = *last;
+    const double least = *std::min_element(values.begin(), first + 1);
+    const double most = *std::max_element(last, values.end());
+    histogram.low = std::max(least, from - (to - from) / 4.0);
+    histogram.high = std::min(most, to + (to - from) / 4.0);
     const double span = histogram.high - histogram.low;
     histogram.counts.assign(span > 0.0 ? static_cast<std::size_t>(classes) : 1, 0);
-    const double last = static_cast<double>(histogram.counts.size() - 1);
+    const double highest = static_cast<double>(histogram.counts.size() - 1);
     for (const double value : values) {
         if (value >= histogram.low && value <= histogram.high) {
             const double at = span > 0.0 ? (value - histogram.low) / span * classes : 0.0;
-            ++histogram.counts[static_cast<std::size_t>(std::min(at, last))];
+            ++histogram.counts[static_cast<std::size_t>(std::min(at, highest))];
         }
     }
     return histogram;

@@ -109,8 +109,14 @@ void HistogramView::put(Handle handle, double value) {
     if (!hasRange() || handle == Handle::None) {
         return;
     }
-    (handle == Handle::Low ? m_low : m_high) =
-        handle == Handle::Low ? std::min(value, m_high - least) : std::max(value, m_low + least);
+    if (m_aboutZero) {
+        m_high = std::max(handle == Handle::Low ? -value : value, least);
+        m_low = -m_high;
+    } else if (handle == Handle::Low) {
+        m_low = std::min(value, m_high - least);
+    } else {
+        m_high = std::max(value, m_low + least);
+    }
     update();
     emit rangeDragged(m_low, m_high);
 }

@@ -16,6 +16,8 @@ class HistogramView : public QWidget {
     /// What the handles stand for, at the end of the histogram where it lies beyond; there are none
     /// while low is not below high.
     void setRange(double low, double high);
+    /// The handles lie about 0 and move together.
+    void setAboutZero(bool on) { m_aboutZero = on; }
     double low() const { return m_low; }
     double high() const { return m_high; }
 
@@ -46,5 +48,6 @@ class HistogramView : public QWidget {
     Histogram m_histogram;
     double m_low = 0.0;
     double m_high = 0.0;
+    bool m_aboutZero = false;
     Handle m_dragged = Handle::None;
 };

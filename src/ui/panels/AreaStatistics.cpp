@@ -1,6 +1,7 @@
 #include "panels/AreaStatistics.h"
 
 #include <QDoubleValidator>
+#include <QElapsedTimer>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -21,6 +22,7 @@
 namespace {
 
 constexpr int FollowMs = 60;
+constexpr int SlowMs = 10;
 constexpr int Classes = 64;
 
 QString text(double value) {
@@ -57,12 +59,7 @@ AreaStatistics::AreaStatistics(Measurement& measurement, QWidget* parent)
     layout->addWidget(m_message);
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, &AreaStatistics::showValues);
-    connect(&measurement, &Measurement::changed, this, [this](Measurement::Changes what) {
-        if (isVisible() && what != Measurement::Changes(Measurement::Position) &&
-            !m_timer.isActive()) {
-            m_timer.start(FollowMs);
-        }
-    });
+    connect(&measurement, &Measurement::changed, this, &AreaStatistics::follow);
     connect(&m_job, &AreaSpectrumJob::formed, this, &AreaStatistics::spectrumDone);
     connect(&m_job, &AreaSpectrumJob::stopped, this, &AreaStatistics::offer);
 }
@@ -148,11 +145,25 @@ void AreaStatistics::showEvent(QShowEvent* event) {
     showValues();
 }
 
-void AreaStatistics::showValues() {
+/// Ranges and colours change no value.
+void AreaStatistics::follow(Measurement::Changes what) {
+    constexpr auto Looks =
+        Measurement::Changes(Measurement::Setting) | Measurement::Display | Measurement::Position;
+    if (!isVisible() || what == Measurement::Changes(Measurement::Position)) {
+        return;
+    }
+    const bool isSame = !(what & ~Looks) && m_shown == m_measurement.shownResult() &&
+                        m_area == m_measurement.settings().area;
+    if (isSame) {
+        showHead();
+    } else if (m_isSlow || !m_timer.isActive()) {
+        m_timer.start(FollowMs);
+    }
+}
+
+void AreaStatistics::showHead() {
     const Result* result = m_measurement.shownResult();
-    std::vector<double> values;
     if (result != nullptr) {
-        values = valuesInArea(*result, m_measurement.settings().area);
         showRange(*result);
     } else {
         m_histogram->setRange(0.0, 0.0);
@@ -160,6 +171,19 @@ void AreaStatistics::showValues() {
     }
     m_title->setText(result != nullptr ? describe(m_measurement, *result)
                                        : tr("No map is on display."));
+}
+
+void AreaStatistics::showValues() {
+    QElapsedTimer clock;
+    clock.start();
+    const Result* result = m_measurement.shownResult();
+    m_shown = result;
+    m_area = m_measurement.settings().area;
+    std::vector<double> values;
+    if (result != nullptr) {
+        values = valuesInArea(*result, m_area);
+    }
+    showHead();
     m_histogram->setHistogram(histogramOf(values, Classes));
     const Statistics s = statisticsOf(std::move(values));
     m_numbers[0]->setText(result != nullptr ? QString::number(s.n) : QStringLiteral("-"));
@@ -167,6 +191,7 @@ void AreaStatistics::showValues() {
     for (int i = 0; i < 5; ++i) {
         m_numbers[i + 1]->setText(text(shown[i]));
     }
+    m_isSlow = clock.hasExpired(SlowMs);
     offer();
 }
 
@@ -175,6 +200,7 @@ void AreaStatistics::showRange(const Result& result) {
     const auto coloring = coloringOf(m_measurement, result);
     const double low = coloring.low;
     const double high = coloring.high;
+    m_histogram->setAboutZero(coloring.colors->isDiverging);
     m_histogram->setRange(low, high);
     if (m_limitsOf != &result && low <= high) {
         m_limitsOf = &result;

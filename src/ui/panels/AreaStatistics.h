@@ -39,7 +39,9 @@ class AreaStatistics : public Panel<QWidget> {
     QWidget* numbers();
     QWidget* threshold();
     QWidget* presses();
+    void follow(Measurement::Changes what);
     void showValues();
+    void showHead();
     void showRange(const Result& result);
     void offer();
     void takeThreshold();
@@ -48,7 +50,10 @@ class AreaStatistics : public Panel<QWidget> {
 
     Measurement& m_measurement;
     AreaSpectrumJob m_job;
-    QTimer m_timer;  // values follow at a pace, however often what is shown changes
+    QTimer m_timer;         // values follow at a pace, however often what is shown changes
+    bool m_isSlow = false;  // there are so many that they follow when nothing changes any more
+    const Result* m_shown = nullptr;  // whose values are
+    Area m_area;                      // inside which they are
     QLabel* m_title;
     QLabel* m_numbers[6];
     HistogramView* m_histogram;
