@@ -92,10 +92,6 @@
         <translation>割合</translation>
     </message>
     <message>
-        <source>Share of a reference</source>
-        <translation>各参照スペクトルの割合</translation>
-    </message>
-    <message>
         <source>Fixed Scale</source>
         <translation>スケール固定</translation>
     </message>
@@ -152,32 +148,12 @@
         <translation>試料</translation>
     </message>
     <message>
-        <source>Lower end of the scale of DMut images; in force with Fixed Scale</source>
-        <translation>DMut 画像のスケールの下限。「スケール固定」のときに有効です</translation>
-    </message>
-    <message>
-        <source>Upper end of the scale of DMut images; in force with Fixed Scale</source>
-        <translation>DMut 画像のスケールの上限。「スケール固定」のときに有効です</translation>
-    </message>
-    <message>
-        <source>Lower end of the scale of Ratio images; in force with Fixed Scale</source>
-        <translation>割合の画像のスケールの下限。「スケール固定」のときに有効です</translation>
-    </message>
-    <message>
-        <source>Upper end of the scale of Ratio images; in force with Fixed Scale</source>
-        <translation>割合の画像のスケールの上限。「スケール固定」のときに有効です</translation>
-    </message>
-    <message>
         <source>Show the residual absorption in the main window</source>
         <translation>残留吸収をメインウィンドウに表示します</translation>
     </message>
     <message>
         <source>Show the edge jump of the residual-absorption analysis in the main window</source>
         <translation>残留吸収解析で求めたエッジジャンプをメインウィンドウに表示します</translation>
-    </message>
-    <message>
-        <source>Show residual absorption over edge jump in the main window</source>
-        <translation>全体に対する残留吸収の割合をメインウィンドウに表示します</translation>
     </message>
     <message>
         <source>Not while an analysis of the image runs.</source>
@@ -208,10 +184,6 @@
         <translation>誤差マップ</translation>
     </message>
     <message>
-        <source>Make counting errors, goodness of fit, sum of the shares and total edge jump of every bin, too; a mask needs them</source>
-        <translation>ビンごとの計数誤差、フィットの良さ、割合の合計、全エッジジャンプも求めます。マスクに必要です</translation>
-    </message>
-    <message>
         <source>As in File</source>
         <translation>ファイルの値のまま</translation>
     </message>
@@ -224,10 +196,6 @@
         <translation>制約:</translation>
     </message>
     <message>
-        <source>What the fit holds the shares to (in MLCF the edge jumps)</source>
-        <translation>フィットで割合 (MLCF ではエッジジャンプ) に課す制約</translation>
-    </message>
-    <message>
         <source>Map:</source>
         <translation>マップ:</translation>
     </message>
@@ -238,10 +206,6 @@
     <message>
         <source>Mask</source>
         <translation>マスク</translation>
-    </message>
-    <message>
-        <source>Blank the bins of a fit whose total edge jump is below k times its error; a press sets k = 5, the next one takes the mask off</source>
-        <translation>全エッジジャンプがその誤差の k 倍に満たないビンを空白にします。押すと k = 5、もう一度押すとマスクを外します</translation>
     </message>
     <message>
         <source>Difference of Two Energies</source>
@@ -298,6 +262,401 @@
     <message>
         <source>Analyze the image with two energies first.</source>
         <translation>先に 2 つのエネルギーで画像を解析してください。</translation>
+    </message>
+    <message>
+        <source>Add Files...</source>
+        <translation>ファイルを追加...</translation>
+    </message>
+    <message>
+        <source>Choose reference spectra, as many as there are: each gets a row and takes part in the fit. Files can also be dropped here.</source>
+        <translation>参照スペクトルのファイルをまとめて選びます。それぞれに行ができ、フィットに使われます。ファイルをここにドロップすることもできます。</translation>
+    </message>
+    <message>
+        <source>Fit every bin</source>
+        <translation>すべてのビンをフィット</translation>
+    </message>
+    <message>
+        <source>Of the fit of the spectrum at the cursor: sum of the fractions, R factor and reduced chi-square. A dash: not known.</source>
+        <translation>カーソル位置のスペクトルのフィットの、割合の合計、R 因子、換算カイ二乗です。値がないものは「–」です。</translation>
+    </message>
+    <message>
+        <source>What the fit holds the fractions to (in MLCF the edge jumps)</source>
+        <translation>フィットで割合 (MLCF ではエッジジャンプ) に課す制約</translation>
+    </message>
+    <message>
+        <source>Make counting errors, goodness of fit, sum of the fractions and total edge jump of every bin, too; a mask needs them</source>
+        <translation>ビンごとの計数誤差、フィットの良さ、割合の合計、全エッジジャンプも求めます。マスクに必要です</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>値</translation>
+    </message>
+    <message>
+        <source>Show the map itself: the fraction, the edge jump or the total edge jump</source>
+        <translation>マップの値 (割合、エッジジャンプ、全エッジジャンプ) を表示します</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>誤差</translation>
+    </message>
+    <message>
+        <source>Show the counting error (one sigma) of the map on display; another press on Value leads back</source>
+        <translation>表示中のマップの計数誤差 (1 シグマ) を表示します。「値」を押すと元に戻ります</translation>
+    </message>
+    <message>
+        <source>R</source>
+        <translation>R</translation>
+    </message>
+    <message>
+        <source>Show the R factor of the fit in every bin</source>
+        <translation>ビンごとのフィットの R 因子を表示します</translation>
+    </message>
+    <message>
+        <source>R factor</source>
+        <translation>R 因子</translation>
+    </message>
+    <message>
+        <source>χ² red.</source>
+        <translation>換算 χ²</translation>
+    </message>
+    <message>
+        <source>Show the reduced chi-square of the fit in every bin</source>
+        <translation>ビンごとのフィットの換算カイ二乗を表示します</translation>
+    </message>
+    <message>
+        <source>Reduced chi-square</source>
+        <translation>換算カイ二乗</translation>
+    </message>
+    <message>
+        <source>Blank the bins of a fit whose total edge jump is below k times its error; a press sets k as in the field, the next one takes the mask off</source>
+        <translation>全エッジジャンプがその誤差の k 倍に満たないビンを空白にします。押すと欄の k を使い、もう一度押すとマスクを外します</translation>
+    </message>
+    <message>
+        <source>k =</source>
+        <translation>k =</translation>
+    </message>
+    <message>
+        <source>How many errors the total edge jump must reach, else the bin is blank; 0: no mask</source>
+        <translation>全エッジジャンプが誤差のこの倍数に満たないビンを空白にします。0 はマスクなしです</translation>
+    </message>
+    <message>
+        <source>Factor of the mask</source>
+        <translation>マスクの係数 k</translation>
+    </message>
+    <message>
+        <source>Move to mask more or less; the map follows at once</source>
+        <translation>動かすとマスクの強さが変わり、マップにすぐ反映されます</translation>
+    </message>
+    <message>
+        <source>Factor of the mask as a slider</source>
+        <translation>マスクの係数 k のスライダー</translation>
+    </message>
+    <message>
+        <source>Bins of the map on display that are blank</source>
+        <translation>表示中のマップで空白のビンの数</translation>
+    </message>
+    <message>
+        <source>Lower end of the scale of DMut images (edge jumps); in force with Fixed Scale</source>
+        <translation>DMut 画像 (エッジジャンプ) のスケールの下限。「スケール固定」のときに有効です</translation>
+    </message>
+    <message>
+        <source>Lower end of the scale of edge jumps</source>
+        <translation>エッジジャンプのスケールの下限</translation>
+    </message>
+    <message>
+        <source>Upper end of the scale of DMut images (edge jumps); in force with Fixed Scale</source>
+        <translation>DMut 画像 (エッジジャンプ) のスケールの上限。「スケール固定」のときに有効です</translation>
+    </message>
+    <message>
+        <source>Upper end of the scale of edge jumps</source>
+        <translation>エッジジャンプのスケールの上限</translation>
+    </message>
+    <message>
+        <source>Fraction of a reference</source>
+        <translation>各参照スペクトルの割合</translation>
+    </message>
+    <message>
+        <source>Lower end of the scale of Ratio images (fractions); in force with Fixed Scale</source>
+        <translation>割合の画像のスケールの下限。「スケール固定」のときに有効です</translation>
+    </message>
+    <message>
+        <source>Lower end of the scale of fractions</source>
+        <translation>割合のスケールの下限</translation>
+    </message>
+    <message>
+        <source>Upper end of the scale of Ratio images (fractions); in force with Fixed Scale</source>
+        <translation>割合の画像のスケールの上限。「スケール固定」のときに有効です</translation>
+    </message>
+    <message>
+        <source>Upper end of the scale of fractions</source>
+        <translation>割合のスケールの上限</translation>
+    </message>
+    <message>
+        <source>Analyse residual absorption</source>
+        <translation>残留吸収を解析</translation>
+    </message>
+    <message>
+        <source>Energy of the residual absorption in eV</source>
+        <translation>残留吸収のエネルギー (eV)</translation>
+    </message>
+    <message>
+        <source>Edge + 50</source>
+        <translation>吸収端+50</translation>
+    </message>
+    <message>
+        <source>Take the energy 50 eV above the edge of the first reference in use</source>
+        <translation>使用中の最初の参照スペクトルの吸収端より 50 eV 上のエネルギーを入れます</translation>
+    </message>
+    <message>
+        <source>Take the energy 50 eV above the edge</source>
+        <translation>吸収端より 50 eV 上のエネルギーを入れる</translation>
+    </message>
+    <message>
+        <source>Edge jumps taken off</source>
+        <translation>差し引くエッジジャンプの倍率</translation>
+    </message>
+    <message>
+        <source>Show the fraction that the residual absorption is of the edge jump in the main window</source>
+        <translation>エッジジャンプに対する残留吸収の割合をメインウィンドウに表示します</translation>
+    </message>
+    <message>
+        <source>Analyse the difference of two energies</source>
+        <translation>2 エネルギー間の差を解析</translation>
+    </message>
+    <message>
+        <source>Energy whose mu-t is taken off, in eV</source>
+        <translation>mu-t を差し引くエネルギー (eV)</translation>
+    </message>
+    <message>
+        <source>Energy whose mu-t it is taken off, in eV</source>
+        <translation>mu-t を差し引かれるエネルギー (eV)</translation>
+    </message>
+    <message>
+        <source>Sum of the fractions %1 %    R %2    χ² red. %3</source>
+        <translation>割合の合計 %1 %    R %2    換算 χ² %3</translation>
+    </message>
+    <message>
+        <source>Residual absorption at %1 eV: 50 eV above the edge of %2</source>
+        <translation>残留吸収のエネルギー %1 eV: %2 の吸収端より 50 eV 上</translation>
+    </message>
+</context>
+<context>
+    <name>Answers</name>
+    <message>
+        <source>%1: %2 files were not taken, see Messages</source>
+        <translation>%1: %2 個のファイルが読み込まれませんでした。「メッセージ」を参照してください</translation>
+    </message>
+    <message numerus="yes">
+        <source>loaded %n dark frame(s)</source>
+        <translation>
+            <numerusform>ダークを %n フレーム読み込みました</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Deglitched: %1 of %2 bins replaced</source>
+        <translation>グリッチ除去: %2 ビン中 %1 ビンを置き換えました</translation>
+    </message>
+</context>
+<context>
+    <name>AreaPane</name>
+    <message>
+        <source>Save Mean Spectrum</source>
+        <translation>平均スペクトルを保存</translation>
+    </message>
+    <message>
+        <source>XAFS Spectra (*.dat)</source>
+        <translation>XAFS スペクトル (*.dat)</translation>
+    </message>
+    <message>
+        <source>Any Files (* *.*)</source>
+        <translation>すべてのファイル (* *.*)</translation>
+    </message>
+    <message>
+        <source>Save Statistics</source>
+        <translation>統計を保存</translation>
+    </message>
+    <message>
+        <source>Table (*.csv)</source>
+        <translation>表 (*.csv)</translation>
+    </message>
+</context>
+<context>
+    <name>AreaSaving</name>
+    <message>
+        <source>%1: the result is %2</source>
+        <translation>%1: 注意: %2です</translation>
+    </message>
+    <message>
+        <source>there are no maps</source>
+        <translation>マップがありません</translation>
+    </message>
+</context>
+<context>
+    <name>AreaStatistics</name>
+    <message>
+        <source>Statistics</source>
+        <translation>統計</translation>
+    </message>
+    <message>
+        <source>Bins:</source>
+        <translation>ビン数:</translation>
+    </message>
+    <message>
+        <source>Mean:</source>
+        <translation>平均:</translation>
+    </message>
+    <message>
+        <source>Standard deviation:</source>
+        <translation>標準偏差:</translation>
+    </message>
+    <message>
+        <source>Median:</source>
+        <translation>中央値:</translation>
+    </message>
+    <message>
+        <source>Minimum:</source>
+        <translation>最小値:</translation>
+    </message>
+    <message>
+        <source>Maximum:</source>
+        <translation>最大値:</translation>
+    </message>
+    <message>
+        <source>Area by threshold</source>
+        <translation>しきい値による領域</translation>
+    </message>
+    <message>
+        <source>Lower limit, included</source>
+        <translation>下限 (この値を含む)</translation>
+    </message>
+    <message>
+        <source>Upper limit, included</source>
+        <translation>上限 (この値を含む)</translation>
+    </message>
+    <message>
+        <source>Select</source>
+        <translation>選択</translation>
+    </message>
+    <message>
+        <source>Select the bins of the map on display whose value lies from the one limit to the other, as they are now</source>
+        <translation>表示中のマップで、いまの値が下限以上・上限以下のビンを選択領域にします</translation>
+    </message>
+    <message>
+        <source>From</source>
+        <translation>下限</translation>
+    </message>
+    <message>
+        <source>to</source>
+        <translation>上限</translation>
+    </message>
+    <message>
+        <source>Mean Spectrum of the Area</source>
+        <translation>領域の平均スペクトル</translation>
+    </message>
+    <message>
+        <source>Form the mean spectrum of the area and keep it in the spectrum plot; again stops it</source>
+        <translation>領域の平均スペクトルを作り、プロットに固定します。もう一度押すと中止します</translation>
+    </message>
+    <message>
+        <source>Save Mean Spectrum...</source>
+        <translation>平均スペクトルを保存...</translation>
+    </message>
+    <message>
+        <source>Save the mean spectrum of the area as a spectrum file</source>
+        <translation>領域の平均スペクトルをスペクトルファイルに保存します</translation>
+    </message>
+    <message>
+        <source>Save Statistics...</source>
+        <translation>統計を保存...</translation>
+    </message>
+    <message>
+        <source>Save the numbers of all maps inside the area as a table</source>
+        <translation>領域内のすべてのマップの統計を表に保存します</translation>
+    </message>
+    <message>
+        <source>No map is on display.</source>
+        <translation>マップが表示されていません。</translation>
+    </message>
+    <message>
+        <source>Put a map on display first.</source>
+        <translation>先にマップを表示してください。</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>Analyze the image first.</source>
+        <translation>先に画像を解析してください。</translation>
+    </message>
+    <message>
+        <source>no bin of the area has counts at all energies: there is no mean spectrum</source>
+        <translation>すべてのエネルギーでカウントのあるビンが領域にないため、平均スペクトルを作れません</translation>
+    </message>
+    <message>
+        <source>Mean of %1 bins</source>
+        <translation>%1 ビンの平均</translation>
+    </message>
+    <message>
+        <source>the mean spectrum of %1 bins is in the spectrum plot</source>
+        <translation>%1 ビンの平均スペクトルをプロットに固定しました</translation>
+    </message>
+</context>
+<context>
+    <name>AreaTool</name>
+    <message>
+        <source>%1 x %2, bins: %3</source>
+        <translation>%1 x %2、%3 ビン</translation>
+    </message>
+    <message>
+        <source>Click the corners; double click or Enter closes the polygon</source>
+        <translation>頂点をクリック。ダブルクリックか Enter で閉じます</translation>
+    </message>
+</context>
+<context>
+    <name>AreaTools</name>
+    <message>
+        <source>Rectangle</source>
+        <translation>矩形</translation>
+    </message>
+    <message>
+        <source>Rectangle: drag in the image to select an area; a right click or Esc removes it</source>
+        <translation>矩形: 画像上をドラッグして領域を選択します。右クリックか Esc で解除します</translation>
+    </message>
+    <message>
+        <source>Ellipse</source>
+        <translation>楕円</translation>
+    </message>
+    <message>
+        <source>Ellipse: drag the rectangle around it</source>
+        <translation>楕円: 外接する矩形をドラッグします</translation>
+    </message>
+    <message>
+        <source>Polygon</source>
+        <translation>多角形</translation>
+    </message>
+    <message>
+        <source>Polygon: click its corners; a double click or Enter closes it, Backspace takes the last corner back</source>
+        <translation>多角形: 頂点をクリックします。ダブルクリックか Enter で閉じ、Backspace で最後の頂点を取り消します</translation>
+    </message>
+    <message>
+        <source>Statistics</source>
+        <translation>統計</translation>
+    </message>
+    <message>
+        <source>Statistics and mean spectrum of the area, and an area by the values of a map</source>
+        <translation>領域の統計と平均スペクトル、マップの値による領域の選択</translation>
+    </message>
+</context>
+<context>
+    <name>AreaValues</name>
+    <message>
+        <source>the upper limit of a threshold must not lie below the lower one</source>
+        <translation>しきい値の上限は下限以上にしてください</translation>
+    </message>
+    <message>
+        <source>no bin of the map lies from %1 to %2</source>
+        <translation>値が %1 ～ %2 のビンがマップにありません</translation>
     </message>
 </context>
 <context>
@@ -502,6 +861,46 @@
         <source>the ranges do not ascend: each must end above its beginning, the second not begin below the end of the first</source>
         <translation>範囲が昇順ではありません。それぞれの上限は下限より大きく、2 番目の下限は 1 番目の上限以上にしてください</translation>
     </message>
+    <message>
+        <source>neither a number nor a map: %1</source>
+        <translation>数値でもマップでもありません: %1</translation>
+    </message>
+    <message>
+        <source>neither a number nor robust, full or stated: %1</source>
+        <translation>数値でも robust、full、stated でもありません: %1</translation>
+    </message>
+    <message>
+        <source>no such colour map: %1</source>
+        <translation>そのようなカラーマップはありません: %1</translation>
+    </message>
+    <message>
+        <source>not &apos;reversed&apos;: %1</source>
+        <translation>「reversed」ではありません: %1</translation>
+    </message>
+    <message>
+        <source>neither none nor an integer: %1</source>
+        <translation>none でも整数でもありません: %1</translation>
+    </message>
+    <message>
+        <source>%1 lies far outside any image</source>
+        <translation>%1 は画像からはるかに外れた値です</translation>
+    </message>
+    <message>
+        <source>too few arguments: a vertex has two numbers</source>
+        <translation>引数が足りません: 頂点には 2 つの数値が必要です</translation>
+    </message>
+    <message>
+        <source>there is no view of frames &apos;%1&apos;</source>
+        <translation>フレームの表示方法「%1」はありません</translation>
+    </message>
+    <message>
+        <source>only a difference has energies</source>
+        <translation>エネルギーを指定できるのは差の表示だけです</translation>
+    </message>
+    <message>
+        <source>too few arguments: which energy is taken off?</source>
+        <translation>引数が足りません: 差し引くエネルギーを指定してください</translation>
+    </message>
 </context>
 <context>
     <name>BatchCtrl</name>
@@ -621,6 +1020,14 @@
         <source>Loaded %1</source>
         <translation>読み込みました: %1</translation>
     </message>
+    <message>
+        <source>Commands of the batch</source>
+        <translation>バッチのコマンド</translation>
+    </message>
+    <message>
+        <source>Log of the batch</source>
+        <translation>バッチのログ</translation>
+    </message>
 </context>
 <context>
     <name>Body</name>
@@ -671,18 +1078,6 @@
     <message>
         <source>Value of the shown image at the position</source>
         <translation>表示中の画像のカーソル位置での値</translation>
-    </message>
-    <message>
-        <source>Previous frame</source>
-        <translation>前のフレーム</translation>
-    </message>
-    <message>
-        <source>Frame shown</source>
-        <translation>表示中のフレーム</translation>
-    </message>
-    <message>
-        <source>Next frame</source>
-        <translation>次のフレーム</translation>
     </message>
     <message>
         <source>Position: </source>
@@ -917,16 +1312,38 @@
         <translation>表示中の画像を、カラーバー・表題・単位とともに画像ファイルに保存します</translation>
     </message>
     <message>
-        <source>%1: %2 files were not taken, see Messages</source>
-        <translation>%1: %2 個のファイルが読み込まれませんでした。「メッセージ」を参照してください</translation>
-    </message>
-    <message>
         <source>Save All Maps</source>
         <translation>全マップを保存</translation>
     </message>
     <message>
         <source>Save the values of every map that there is, each in a file of its own name</source>
         <translation>すべてのマップの値を、それぞれの名前のファイルに保存します</translation>
+    </message>
+    <message>
+        <source>Open
+Folder</source>
+        <translation>フォルダー
+を開く</translation>
+    </message>
+    <message>
+        <source>Open Folder</source>
+        <translation>フォルダーを開く</translation>
+    </message>
+    <message>
+        <source>Open a measurement by its folder: finds I1, I0, dark frames and references. A folder can be dropped on the window, too.</source>
+        <translation>測定をフォルダーごと開きます。I1、I0、ダーク、参照スペクトルを見つけて読み込みます。フォルダーをウィンドウにドロップしても開けます。</translation>
+    </message>
+    <message>
+        <source>Start &amp;Layout</source>
+        <translation>初期レイアウト(&amp;L)</translation>
+    </message>
+    <message>
+        <source>Put all windows where they were when the program was new</source>
+        <translation>すべてのウィンドウを初回起動時の配置に戻します</translation>
+    </message>
+    <message>
+        <source>The energy-shift map has been cleared</source>
+        <translation>エネルギーシフトマップを消去しました</translation>
     </message>
 </context>
 <context>
@@ -1076,100 +1493,8 @@
         <translation>マウスとキーの操作(&amp;M)</translation>
     </message>
     <message>
-        <source>Wheel</source>
-        <translation>ホイール</translation>
-    </message>
-    <message>
-        <source>zooms the image about the cursor</source>
-        <translation>カーソルを中心に画像を拡大・縮小</translation>
-    </message>
-    <message>
-        <source>Middle drag, Shift + left drag</source>
-        <translation>中ボタンドラッグ、Shift + 左ドラッグ</translation>
-    </message>
-    <message>
-        <source>moves the image</source>
-        <translation>画像を移動</translation>
-    </message>
-    <message>
-        <source>Left drag</source>
-        <translation>左ドラッグ</translation>
-    </message>
-    <message>
-        <source>selects an area; a right click or Esc removes it</source>
-        <translation>領域を選択 (右クリックまたは Esc で解除)</translation>
-    </message>
-    <message>
-        <source>Click</source>
-        <translation>クリック</translation>
-    </message>
-    <message>
-        <source>pins the cursor, so that its spectrum stays; again frees it</source>
-        <translation>カーソルを固定してスペクトルを保持 (もう一度で解除)</translation>
-    </message>
-    <message>
-        <source>Arrow keys</source>
-        <translation>矢印キー</translation>
-    </message>
-    <message>
-        <source>move the cursor by one bin</source>
-        <translation>カーソルを 1 ビン移動</translation>
-    </message>
-    <message>
-        <source>Double click</source>
-        <translation>ダブルクリック</translation>
-    </message>
-    <message>
-        <source>shows the whole image, the whole plot, or each frame&apos;s own range</source>
-        <translation>画像やプロットの全体表示、カラーバーの自動範囲</translation>
-    </message>
-    <message>
-        <source>Drag in a plot</source>
-        <translation>プロット内でドラッグ</translation>
-    </message>
-    <message>
-        <source>magnifies it</source>
-        <translation>拡大</translation>
-    </message>
-    <message>
-        <source>Drag an end of the colour bar</source>
-        <translation>カラーバーの端をドラッグ</translation>
-    </message>
-    <message>
-        <source>fixes the range of the frames</source>
-        <translation>フレームの表示範囲を固定</translation>
-    </message>
-    <message>
-        <source>Tab, Space, Enter</source>
-        <translation>Tab、スペース、Enter</translation>
-    </message>
-    <message>
-        <source>go to the next control and press it</source>
-        <translation>次の項目へ移動、押す</translation>
-    </message>
-    <message>
-        <source>Ctrl+W</source>
-        <translation>Ctrl+W</translation>
-    </message>
-    <message>
-        <source>closes a tool window</source>
-        <translation>サブウィンドウを閉じる</translation>
-    </message>
-    <message>
-        <source>Mouse and Keys</source>
-        <translation>マウスとキーの操作</translation>
-    </message>
-    <message>
         <source>Save with Colour &amp;Bar...</source>
         <translation>カラーバー付きで保存(&amp;B)...</translation>
-    </message>
-    <message>
-        <source>Ctrl+T</source>
-        <translation>Ctrl+T</translation>
-    </message>
-    <message>
-        <source>keeps the spectrum of the cursor in the spectrum plot</source>
-        <translation>カーソル位置のスペクトルをプロットに固定します</translation>
     </message>
     <message>
         <source>&amp;Messages</source>
@@ -1190,6 +1515,14 @@
     <message>
         <source>&amp;Mask the Maps of a Fit, or Not</source>
         <translation>フィットのマップのマスク切り替え(&amp;M)</translation>
+    </message>
+    <message>
+        <source>Open F&amp;older...</source>
+        <translation>フォルダーを開く(&amp;O)...</translation>
+    </message>
+    <message>
+        <source>S&amp;tatistics of the Area</source>
+        <translation>領域の統計(&amp;T)</translation>
     </message>
 </context>
 <context>
@@ -1386,6 +1719,54 @@
         <source>The ranges are no numbers: %1 to %2 and %3 to %4 eV stay in force</source>
         <translation>範囲が数値ではありません: %1～%2 と %3～%4 eV のままです</translation>
     </message>
+    <message>
+        <source>Standard: Simple</source>
+        <translation>標準試料: 直線</translation>
+    </message>
+    <message>
+        <source>Standard: Victreen</source>
+        <translation>標準試料: Victreen</translation>
+    </message>
+    <message>
+        <source>Target: Simple</source>
+        <translation>試料: 直線</translation>
+    </message>
+    <message>
+        <source>Target: Victreen</source>
+        <translation>試料: Victreen</translation>
+    </message>
+    <message>
+        <source>E0 in eV</source>
+        <translation>E0 (eV)</translation>
+    </message>
+    <message>
+        <source>Begin of the range below the edge</source>
+        <translation>吸収端の前の範囲の始まり</translation>
+    </message>
+    <message>
+        <source>End of the range below the edge</source>
+        <translation>吸収端の前の範囲の終わり</translation>
+    </message>
+    <message>
+        <source>Begin of the range above the edge</source>
+        <translation>吸収端の後の範囲の始まり</translation>
+    </message>
+    <message>
+        <source>End of the range above the edge</source>
+        <translation>吸収端の後の範囲の終わり</translation>
+    </message>
+    <message>
+        <source>Save the energy-shift map</source>
+        <translation>エネルギーシフトマップを保存</translation>
+    </message>
+    <message>
+        <source>Load an energy-shift map</source>
+        <translation>エネルギーシフトマップを読み込み</translation>
+    </message>
+    <message>
+        <source>Standard %1: edge at %2 eV</source>
+        <translation>標準試料 %1: 吸収端 %2 eV</translation>
+    </message>
 </context>
 <context>
     <name>Calibration</name>
@@ -1497,10 +1878,6 @@
         <translation>固定</translation>
     </message>
     <message>
-        <source>Frames: drag an end or click on its value to fix the range, turn the wheel to widen or narrow it; right click for more, double click for each frame&apos;s own. Results: the Analyzer sets the range</source>
-        <translation>フレーム: 端をドラッグするか値をクリックして範囲を固定、ホイールで拡大・縮小、右クリックでメニュー、ダブルクリックでフレームごとの範囲に戻ります。結果の範囲は解析パネルで設定します</translation>
-    </message>
-    <message>
         <source>Percentile 1-99</source>
         <translation>1-99 パーセンタイル</translation>
     </message>
@@ -1513,8 +1890,145 @@
         <translation>フレームごと (自動)</translation>
     </message>
     <message>
-        <source>The range of results is set in the Analyzer</source>
-        <translation>結果の表示範囲は解析パネルで設定します</translation>
+        <source>Colour bar</source>
+        <translation>カラーバー</translation>
+    </message>
+    <message>
+        <source>End of the range</source>
+        <translation>表示範囲の端の値</translation>
+    </message>
+    <message>
+        <source>Drag an end or click on its value to fix the range of these maps, turn the wheel to widen or narrow it; right click for other ranges and colours, double click for percentiles 1-99</source>
+        <translation>端をドラッグするか値をクリックして、この種類のマップの表示範囲を固定します。ホイールで広げたり狭めたりできます。右クリックでほかの範囲と配色、ダブルクリックで 1-99 パーセンタイル</translation>
+    </message>
+    <message>
+        <source>Drag an end or click on its value to fix the range, turn the wheel to widen or narrow it; right click for more, double click for each frame&apos;s own</source>
+        <translation>端をドラッグするか値をクリックして表示範囲を固定します。ホイールで広げたり狭めたりできます。右クリックでほかの操作、ダブルクリックでフレームごと (自動)</translation>
+    </message>
+    <message>
+        <source>Analyzer</source>
+        <translation>解析</translation>
+    </message>
+    <message>
+        <source>Stated</source>
+        <translation>既定</translation>
+    </message>
+    <message>
+        <source>Full</source>
+        <translation>全範囲</translation>
+    </message>
+    <message>
+        <source>1-99 %</source>
+        <translation>1-99 %</translation>
+    </message>
+    <message>
+        <source>From %1 to %2</source>
+        <translation>%1 ～ %2</translation>
+    </message>
+    <message>
+        <source>Percentiles 1-99</source>
+        <translation>1-99 パーセンタイル</translation>
+    </message>
+    <message>
+        <source>Full range</source>
+        <translation>全範囲</translation>
+    </message>
+    <message>
+        <source>Fixed at these limits</source>
+        <translation>現在の範囲で固定</translation>
+    </message>
+    <message>
+        <source>As batches draw it</source>
+        <translation>バッチの描画と同じ (既定)</translation>
+    </message>
+    <message>
+        <source>Reversed</source>
+        <translation>反転</translation>
+    </message>
+</context>
+<context>
+    <name>ColorScale</name>
+    <message>
+        <source>Grey</source>
+        <translation>グレー</translation>
+    </message>
+    <message>
+        <source>Black, red, yellow, white</source>
+        <translation>黒・赤・黄・白</translation>
+    </message>
+    <message>
+        <source>Viridis</source>
+        <translation>Viridis</translation>
+    </message>
+    <message>
+        <source>Cividis</source>
+        <translation>Cividis</translation>
+    </message>
+    <message>
+        <source>Inferno</source>
+        <translation>Inferno</translation>
+    </message>
+    <message>
+        <source>Blue, white, red about 0 (vik)</source>
+        <translation>0 を中心に青・白・赤 (vik)</translation>
+    </message>
+</context>
+<context>
+    <name>Composite</name>
+    <message>
+        <source>the result is %1</source>
+        <translation>注意: %1です</translation>
+    </message>
+    <message>
+        <source>no reference is chosen</source>
+        <translation>参照スペクトルが選ばれていません</translation>
+    </message>
+    <message>
+        <source>no reference panel %1</source>
+        <translation>参照スペクトルの行 %1 はありません</translation>
+    </message>
+    <message>
+        <source>reference %1 has two colours</source>
+        <translation>参照スペクトル %1 に 2 つの色が割り当てられています</translation>
+    </message>
+    <message>
+        <source>there is no map of the fraction of reference %1</source>
+        <translation>参照スペクトル %1 の割合のマップがありません</translation>
+    </message>
+</context>
+<context>
+    <name>CompositeDialog</name>
+    <message>
+        <source>Composite</source>
+        <translation>合成画像</translation>
+    </message>
+    <message>
+        <source>&amp;Red</source>
+        <translation>赤(&amp;R)</translation>
+    </message>
+    <message>
+        <source>&amp;Green</source>
+        <translation>緑(&amp;G)</translation>
+    </message>
+    <message>
+        <source>&amp;Blue</source>
+        <translation>青(&amp;B)</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>なし</translation>
+    </message>
+    <message>
+        <source>&amp;Composite...</source>
+        <translation>合成画像(&amp;C)...</translation>
+    </message>
+    <message>
+        <source>Up to three references as red, green and blue in one picture</source>
+        <translation>参照スペクトル 3 つまでの割合を、赤・緑・青として 1 枚の画像に表示します</translation>
+    </message>
+    <message>
+        <source>There are no results of a fit yet.</source>
+        <translation>フィットの結果がまだありません。</translation>
     </message>
 </context>
 <context>
@@ -1526,10 +2040,6 @@
     <message>
         <source>Make or load an energy-shift map first.</source>
         <translation>先にエネルギーシフトマップを作成するか読み込んでください。</translation>
-    </message>
-    <message>
-        <source>Load some frames first.</source>
-        <translation>先にフレームを読み込んでください。</translation>
     </message>
     <message>
         <source>There is no image on display yet.</source>
@@ -1555,6 +2065,10 @@
         <source>Analyze the image, or make or load an energy-shift map, first.</source>
         <translation>先に画像を解析するか、エネルギーシフトマップを作成または読み込んでください。</translation>
     </message>
+    <message>
+        <source>Stop</source>
+        <translation>中止</translation>
+    </message>
 </context>
 <context>
     <name>CrossSection</name>
@@ -1565,6 +2079,25 @@
     <message>
         <source>Values along the column of the position, mean over the bin&apos;s width</source>
         <translation>カーソル位置の列に沿った値 (ビンの幅で平均)</translation>
+    </message>
+</context>
+<context>
+    <name>CursorNumbers</name>
+    <message>
+        <source>Value of the shown map at the position and its error, one sigma</source>
+        <translation>表示中のマップのカーソル位置での値と誤差 (1 シグマ)</translation>
+    </message>
+    <message>
+        <source>R factor and reduced chi-square of the fit of the bin at the position</source>
+        <translation>カーソル位置のビンのフィットの R 因子と換算カイ二乗</translation>
+    </message>
+    <message>
+        <source>With error:  %1</source>
+        <translation>値 ± 誤差:  %1</translation>
+    </message>
+    <message>
+        <source>R  %1    χ² red.  %2</source>
+        <translation>R  %1    換算 χ²  %2</translation>
     </message>
 </context>
 <context>
@@ -1752,6 +2285,201 @@
     </message>
 </context>
 <context>
+    <name>FolderContents</name>
+    <message>
+        <source>%1 could be meant, too; not taken: %2</source>
+        <translation>%1 の候補がほかにもあります。読み込まなかったもの: %2</translation>
+    </message>
+    <message>
+        <source>named as frames of two kinds, not taken: %1</source>
+        <translation>名前が 2 種類のフレームに当てはまるため、読み込みません: %1</translation>
+    </message>
+    <message>
+        <source>there is no frame in %1</source>
+        <translation>%1 にフレームがありません</translation>
+    </message>
+    <message>
+        <source>no such folder: %1</source>
+        <translation>フォルダーがありません: %1</translation>
+    </message>
+    <message>
+        <source>no frames are named as I1, I0 or dark in %1</source>
+        <translation>%1 に I1、I0、ダークの名前のフレームがありません</translation>
+    </message>
+    <message>
+        <source>no I1 frames in %1</source>
+        <translation>%1 に I1 のフレームがありません</translation>
+    </message>
+    <message>
+        <source>frames not taken: %1</source>
+        <translation>読み込まないフレーム: %1</translation>
+    </message>
+    <message>
+        <source>neither frames nor spectra: %1</source>
+        <translation>フレームでもスペクトルでもありません: %1</translation>
+    </message>
+    <message>
+        <source>1 file</source>
+        <translation>1 ファイル</translation>
+    </message>
+    <message>
+        <source>%1 files</source>
+        <translation>%1 ファイル</translation>
+    </message>
+    <message>
+        <source>%1 eV</source>
+        <translation>%1 eV</translation>
+    </message>
+    <message>
+        <source>%1 to %2 eV</source>
+        <translation>%1 ～ %2 eV</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 and %n more</source>
+        <translation>
+            <numerusform>%1 ほか %n 個</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>saved by this program</source>
+        <translation>このプログラムで保存したファイルです</translation>
+    </message>
+    <message>
+        <source>%1, the frames %2</source>
+        <translation>エネルギー範囲が %1 で、フレームは %2 です</translation>
+    </message>
+    <message>
+        <source>no reference: %1</source>
+        <translation>参照スペクトルではありません: %1</translation>
+    </message>
+    <message>
+        <source>further standards, not taken: %1</source>
+        <translation>標準試料の候補がほかにもあります。読み込まなかったもの: %1</translation>
+    </message>
+    <message>
+        <source>dark</source>
+        <translation>ダーク</translation>
+    </message>
+    <message>
+        <source>%1: not taken: %2: %3</source>
+        <translation>%1: 読み込みませんでした: %2: %3</translation>
+    </message>
+    <message>
+        <source>%1 x %2 pixels, the first frame %3 x %4</source>
+        <translation>%1 x %2 画素で、最初のフレームの %3 x %4 と違います</translation>
+    </message>
+    <message>
+        <source>references: %1</source>
+        <translation>参照スペクトル: %1</translation>
+    </message>
+    <message>
+        <source>standard: %1</source>
+        <translation>標準試料: %1</translation>
+    </message>
+    <message>
+        <source>loaded 1 frame of %1, %2</source>
+        <translation>%1 を 1 フレーム読み込みました、%2</translation>
+    </message>
+    <message>
+        <source>loaded %1 frames of %2, %3</source>
+        <translation>%2 を %1 フレーム読み込みました、%3</translation>
+    </message>
+</context>
+<context>
+    <name>FolderDialog</name>
+    <message>
+        <source>Open Folder</source>
+        <translation>フォルダーを開く</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>フォルダー</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>なし</translation>
+    </message>
+    <message>
+        <source>I&amp;1</source>
+        <translation>I1(&amp;1)</translation>
+    </message>
+    <message>
+        <source>Frames of I1</source>
+        <translation>I1 のフレーム</translation>
+    </message>
+    <message>
+        <source>I&amp;0</source>
+        <translation>I0(&amp;0)</translation>
+    </message>
+    <message>
+        <source>Frames of I0</source>
+        <translation>I0 のフレーム</translation>
+    </message>
+    <message>
+        <source>&amp;Dark</source>
+        <translation>ダーク(&amp;D)</translation>
+    </message>
+    <message>
+        <source>Dark frames</source>
+        <translation>ダークのフレーム</translation>
+    </message>
+    <message>
+        <source>References</source>
+        <translation>参照スペクトル</translation>
+    </message>
+    <message>
+        <source>Those checked are loaded and used in the fit</source>
+        <translation>チェックしたものを読み込み、フィットに使います</translation>
+    </message>
+    <message>
+        <source>&amp;References</source>
+        <translation>参照スペクトル(&amp;R)</translation>
+    </message>
+    <message>
+        <source>&amp;Standard</source>
+        <translation>標準試料(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Standard of the calibration</source>
+        <translation>エネルギー校正の標準試料</translation>
+    </message>
+    <message>
+        <source>What was found and not taken</source>
+        <translation>見つかったが読み込まないもの</translation>
+    </message>
+    <message>
+        <source>&amp;Load</source>
+        <translation>読み込み(&amp;L)</translation>
+    </message>
+    <message>
+        <source>Replace the frames there are, and set and use the references</source>
+        <translation>いまのフレームを置き換え、参照スペクトルを設定して使用します</translation>
+    </message>
+    <message>
+        <source>Choose what is to be loaded.</source>
+        <translation>読み込むものを選んでください。</translation>
+    </message>
+    <message>
+        <source>The same frames are chosen twice.</source>
+        <translation>同じフレームが 2 か所で選ばれています。</translation>
+    </message>
+</context>
+<context>
+    <name>FolderOpening</name>
+    <message>
+        <source>Open Rece&amp;nt</source>
+        <translation>最近のフォルダー(&amp;N)</translation>
+    </message>
+    <message>
+        <source>Open Folder</source>
+        <translation>フォルダーを開く</translation>
+    </message>
+    <message>
+        <source>no longer there, taken out of the list: %1</source>
+        <translation>なくなっているため、一覧から外しました: %1</translation>
+    </message>
+</context>
+<context>
     <name>FrameHeader</name>
     <message>
         <source>%1 x %2 pixels, the images %3 x %4</source>
@@ -1859,6 +2587,117 @@
     </message>
 </context>
 <context>
+    <name>FrameStrip</name>
+    <message>
+        <source>Previous frame</source>
+        <translation>前のフレーム</translation>
+    </message>
+    <message>
+        <source>Frame shown</source>
+        <translation>表示中のフレーム</translation>
+    </message>
+    <message>
+        <source>Next frame</source>
+        <translation>次のフレーム</translation>
+    </message>
+    <message>
+        <source>Energy of the frame shown; type another and press Enter to go to the frame nearest to it</source>
+        <translation>表示中のフレームのエネルギー。別の値を入力して Enter を押すと、最も近いフレームに移ります</translation>
+    </message>
+    <message>
+        <source>Energy of the frame shown in eV</source>
+        <translation>表示中のフレームのエネルギー (eV)</translation>
+    </message>
+    <message>
+        <source>Show the frames one after another (Space)</source>
+        <translation>フレームを順に表示します (スペース)</translation>
+    </message>
+    <message>
+        <source>Play the frames</source>
+        <translation>フレームを再生</translation>
+    </message>
+    <message>
+        <source>Frames a second</source>
+        <translation>1 秒あたりのフレーム数</translation>
+    </message>
+    <message>
+        <source>Counts</source>
+        <translation>カウント</translation>
+    </message>
+    <message>
+        <source>Frames show their counts</source>
+        <translation>フレームのカウントを表示します</translation>
+    </message>
+    <message>
+        <source>Absorption</source>
+        <translation>吸収</translation>
+    </message>
+    <message>
+        <source>I1 frames show mu-t = ln(I0 / I1) of every pixel</source>
+        <translation>I1 のフレームで、画素ごとの mu-t = ln(I0 / I1) を表示します</translation>
+    </message>
+    <message>
+        <source>Difference</source>
+        <translation>差</translation>
+    </message>
+    <message>
+        <source>mu-t at the frame shown, or at E2, less mu-t at E1</source>
+        <translation>表示中のフレーム (または E2) の mu-t から E1 の mu-t を引いた差を表示します</translation>
+    </message>
+    <message>
+        <source>E1 becomes the energy of the frame shown</source>
+        <translation>表示中のフレームのエネルギーを E1 にします</translation>
+    </message>
+    <message>
+        <source>E1 from the frame shown</source>
+        <translation>表示中のフレームを E1 に</translation>
+    </message>
+    <message>
+        <source>Energy in eV whose absorption is taken off</source>
+        <translation>吸収を差し引くエネルギー (eV)</translation>
+    </message>
+    <message>
+        <source>E1 in eV</source>
+        <translation>E1 (eV)</translation>
+    </message>
+    <message>
+        <source>E2 becomes the energy of the frame shown, and stays</source>
+        <translation>表示中のフレームのエネルギーを E2 に固定します</translation>
+    </message>
+    <message>
+        <source>E2 from the frame shown</source>
+        <translation>表示中のフレームを E2 に</translation>
+    </message>
+    <message>
+        <source>Energy in eV from whose absorption that of E1 is taken off; empty: that of the frame shown</source>
+        <translation>E1 の吸収を差し引かれるエネルギー (eV)。空のときは表示中のフレームのエネルギー</translation>
+    </message>
+    <message>
+        <source>E2 in eV</source>
+        <translation>E2 (eV)</translation>
+    </message>
+    <message>
+        <source>shown</source>
+        <translation>表示中</translation>
+    </message>
+    <message>
+        <source>%1/s</source>
+        <translation>%1 枚/秒</translation>
+    </message>
+    <message>
+        <source>Load some frames first.</source>
+        <translation>先にフレームを読み込んでください。</translation>
+    </message>
+    <message>
+        <source>Show the data or I0 first.</source>
+        <translation>先に「データ」か「I0」を表示してください。</translation>
+    </message>
+    <message>
+        <source>Show the data first: I0 has counts only.</source>
+        <translation>先に「データ」を表示してください。I0 で見られるのはカウントだけです。</translation>
+    </message>
+</context>
+<context>
     <name>GuideWindow</name>
     <message>
         <source>User Guide</source>
@@ -1868,6 +2707,77 @@
         <source>guide/README.md</source>
         <extracomment>contents of the guide in the language of the interface</extracomment>
         <translation>guide/ja/README.md</translation>
+    </message>
+    <message>
+        <source>Page of the guide</source>
+        <translation>ガイドのページ</translation>
+    </message>
+    <message>
+        <source>Places that were found</source>
+        <translation>見つかった所</translation>
+    </message>
+    <message>
+        <source>Contents</source>
+        <translation>目次</translation>
+    </message>
+    <message>
+        <source>Show the first page</source>
+        <translation>最初のページを表示します</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>戻る</translation>
+    </message>
+    <message>
+        <source>Go back to the page before</source>
+        <translation>前に見ていたページに戻ります</translation>
+    </message>
+    <message>
+        <source>Forward</source>
+        <translation>進む</translation>
+    </message>
+    <message>
+        <source>Go forward again</source>
+        <translation>戻る前のページに進みます</translation>
+    </message>
+    <message>
+        <source>Search the guide</source>
+        <translation>ガイドを検索</translation>
+    </message>
+    <message>
+        <source>Words to look for in all chapters (Ctrl+F); Enter or F3 goes to the next place, Shift+F3 to the one before</source>
+        <translation>すべての章から探す言葉 (Ctrl+F)。Enter か F3 で次、Shift+F3 で前へ移ります</translation>
+    </message>
+    <message>
+        <source>more than %1</source>
+        <translation>%1 超</translation>
+    </message>
+    <message>
+        <source>not found</source>
+        <translation>見つかりません</translation>
+    </message>
+    <message>
+        <source>%1 places</source>
+        <translation>%1 か所</translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 / %2</translation>
+    </message>
+</context>
+<context>
+    <name>HistogramView</name>
+    <message>
+        <source>Histogram of the map with the range of its colours</source>
+        <translation>マップのヒストグラムと表示範囲</translation>
+    </message>
+    <message>
+        <source>Drag a handle to change the range of the colours; the arrow keys move the upper one, with Shift the lower one</source>
+        <translation>つまみをドラッグして表示範囲を変えます。矢印キーで上限、Shift + 矢印キーで下限が動きます</translation>
+    </message>
+    <message>
+        <source>No values</source>
+        <translation>値なし</translation>
     </message>
 </context>
 <context>
@@ -1931,10 +2841,6 @@
         <translation>参照スペクトルのエネルギーオフセット。E + dE の値で比較します</translation>
     </message>
     <message>
-        <source>Share of this reference in the last fit, in per cent</source>
-        <translation>直前のフィットでのこの参照スペクトルの割合 (%)</translation>
-    </message>
-    <message>
         <source>[%]  </source>
         <translation>[%]</translation>
     </message>
@@ -1946,6 +2852,34 @@
         <source>Edge jump due to this reference in the last fit</source>
         <translation>直前のフィットでのこの参照スペクトルによるエッジジャンプ</translation>
     </message>
+    <message>
+        <source>Fraction in per cent</source>
+        <translation>割合 (%)</translation>
+    </message>
+    <message>
+        <source>Fraction of this reference in the last fit, in per cent</source>
+        <translation>直前のフィットでのこの参照スペクトルの割合 (%)</translation>
+    </message>
+    <message>
+        <source>Error of the fraction, one sigma</source>
+        <translation>割合の誤差 (1 シグマ)</translation>
+    </message>
+    <message>
+        <source>Energy offset of the reference in eV</source>
+        <translation>参照スペクトルのエネルギーオフセット (eV)</translation>
+    </message>
+    <message>
+        <source>Edge jump due to this reference</source>
+        <translation>この参照スペクトルによるエッジジャンプ</translation>
+    </message>
+    <message>
+        <source>File of the reference</source>
+        <translation>参照スペクトルのファイル</translation>
+    </message>
+    <message>
+        <source>Reference %1</source>
+        <translation>参照スペクトル %1</translation>
+    </message>
 </context>
 <context>
     <name>MapChoice</name>
@@ -1954,20 +2888,23 @@
         <translation>なし</translation>
     </message>
     <message>
-        <source>Mask: k = %1</source>
-        <translation>マスク: k = %1</translation>
-    </message>
-    <message>
         <source>Analyze the image first.</source>
         <translation>先に画像を解析してください。</translation>
     </message>
+</context>
+<context>
+    <name>MapFaces</name>
     <message>
-        <source>Mask</source>
-        <translation>マスク</translation>
+        <source>There are no errors of the map on display.</source>
+        <translation>表示中のマップには誤差がありません。</translation>
     </message>
     <message>
         <source>Run again with error maps.</source>
         <translation>誤差マップ付きで解析し直してください。</translation>
+    </message>
+    <message>
+        <source>Analyze the image first.</source>
+        <translation>先に画像を解析してください。</translation>
     </message>
 </context>
 <context>
@@ -1995,6 +2932,25 @@
     <message>
         <source>There is no energy-shift map yet.</source>
         <translation>エネルギーシフトマップがまだありません。</translation>
+    </message>
+</context>
+<context>
+    <name>MaskControl</name>
+    <message>
+        <source>Run again with error maps.</source>
+        <translation>誤差マップ付きで解析し直してください。</translation>
+    </message>
+    <message>
+        <source>no map to mask</source>
+        <translation>マスクできるマップがありません</translation>
+    </message>
+    <message>
+        <source>no mask</source>
+        <translation>マスクなし</translation>
+    </message>
+    <message>
+        <source>%1 of %2 bins blank (%3 %)</source>
+        <translation>空白 %1 / %2 ビン (%3 %)</translation>
     </message>
 </context>
 <context>
@@ -2151,6 +3107,14 @@
         <source>E0 of the mean spectrum: %1 eV</source>
         <translation>平均スペクトルの E0: %1 eV</translation>
     </message>
+    <message>
+        <source>the map has changed meanwhile</source>
+        <translation>その間にマップが変わりました</translation>
+    </message>
+    <message>
+        <source>no bin of the area has its centre inside the shape</source>
+        <translation>中心が図形の内側にあるビンが領域にありません</translation>
+    </message>
 </context>
 <context>
     <name>MessageLine</name>
@@ -2161,6 +3125,11 @@
     <message>
         <source>(%1 more in Messages)</source>
         <translation>(ほか %1 件は「メッセージ」を参照)</translation>
+    </message>
+    <message>
+        <source>in %1</source>
+        <extracomment>folder of files that were saved; stands behind &quot;Saved NAME&quot;</extracomment>
+        <translation>(%1)</translation>
     </message>
 </context>
 <context>
@@ -2251,6 +3220,10 @@
         <source>the present inputs would make none of the results again</source>
         <translation>現在の入力では、どの結果も再現できません</translation>
     </message>
+    <message>
+        <source>the area has too many vertices for a batch: %1</source>
+        <translation>領域の頂点が多すぎるため、バッチに書けません: %1</translation>
+    </message>
 </context>
 <context>
     <name>Reference</name>
@@ -2273,6 +3246,25 @@
     <message>
         <source>no spectrum: %1</source>
         <translation>スペクトルではありません: %1</translation>
+    </message>
+</context>
+<context>
+    <name>ReferenceFiles</name>
+    <message>
+        <source>Reference Spectra</source>
+        <translation>参照スペクトル</translation>
+    </message>
+    <message>
+        <source>Spectrum Files (*.dat *.txt *.xdi)</source>
+        <translation>スペクトルファイル (*.dat *.txt *.xdi)</translation>
+    </message>
+    <message>
+        <source>Any Files (* *.*)</source>
+        <translation>すべてのファイル (* *.*)</translation>
+    </message>
+    <message>
+        <source>In use: %1</source>
+        <translation>使用中: %1</translation>
     </message>
 </context>
 <context>
@@ -2329,10 +3321,6 @@
         <translation>参照スペクトルによるエッジジャンプ</translation>
     </message>
     <message>
-        <source>Share of the reference</source>
-        <translation>参照スペクトルの割合</translation>
-    </message>
-    <message>
         <source>Edge jump</source>
         <translation>エッジジャンプ</translation>
     </message>
@@ -2341,16 +3329,8 @@
         <translation>残留吸収</translation>
     </message>
     <message>
-        <source>Share of the residual absorption</source>
-        <translation>残留吸収の割合</translation>
-    </message>
-    <message>
         <source>Energy shift</source>
         <translation>エネルギーシフト</translation>
-    </message>
-    <message>
-        <source>Counting error of the share</source>
-        <translation>割合の計数誤差</translation>
     </message>
     <message>
         <source>Counting error of the edge jump</source>
@@ -2365,10 +3345,6 @@
         <translation>フィットの換算カイ二乗</translation>
     </message>
     <message>
-        <source>Sum of the shares</source>
-        <translation>割合の合計</translation>
-    </message>
-    <message>
         <source>Total edge jump</source>
         <translation>全エッジジャンプ</translation>
     </message>
@@ -2379,6 +3355,37 @@
     <message>
         <source>Difference of two energies</source>
         <translation>2 エネルギー間の差</translation>
+    </message>
+    <message>
+        <source>Fraction of the reference</source>
+        <translation>参照スペクトルの割合</translation>
+    </message>
+    <message>
+        <source>Fraction of the residual absorption</source>
+        <translation>残留吸収の割合</translation>
+    </message>
+    <message>
+        <source>Counting error of the fraction</source>
+        <translation>割合の計数誤差</translation>
+    </message>
+    <message>
+        <source>Sum of the fractions</source>
+        <translation>割合の合計</translation>
+    </message>
+</context>
+<context>
+    <name>RunAnswer</name>
+    <message>
+        <source>Analysed %1 bins in %2 s.</source>
+        <translation>%1 ビンを %2 秒で解析しました。</translation>
+    </message>
+    <message>
+        <source>Fitted %1 bins with %2 reference in %3 s.</source>
+        <translation>%1 ビンを参照スペクトル %2 個で %3 秒でフィットしました。</translation>
+    </message>
+    <message>
+        <source>Fitted %1 bins with %2 references in %3 s.</source>
+        <translation>%1 ビンを参照スペクトル %2 個で %3 秒でフィットしました。</translation>
     </message>
 </context>
 <context>
@@ -2714,6 +3721,10 @@
         <source>Add the files that have come into the folder since: for a measurement that still runs.</source>
         <translation>フォルダーにその後届いたファイルを追加します (測定を続けながら使えます)。</translation>
     </message>
+    <message>
+        <source>%1: there is no frame among what was dropped</source>
+        <translation>%1: ドロップしたものにフレームがありません</translation>
+    </message>
 </context>
 <context>
     <name>SpectrumFile</name>
@@ -2773,10 +3784,6 @@
         <translation>定数項と傾き</translation>
     </message>
     <message>
-        <source>%1: share %2, edge jump %3</source>
-        <translation>%1: 割合 %2、エッジジャンプ %3</translation>
-    </message>
-    <message>
         <source>sum %1, R %2, %3 of %4 energies, %5 to %6 eV</source>
         <translation>合計 %1、R %2、エネルギー %4 個中 %3 個、%5 ～ %6 eV</translation>
     </message>
@@ -2787,6 +3794,10 @@
     <message>
         <source>table and plot would be one file: %1</source>
         <translation>表とプロットが同じファイルになります: %1</translation>
+    </message>
+    <message>
+        <source>%1: fraction %2, edge jump %3</source>
+        <translation>%1: 割合 %2、エッジジャンプ %3</translation>
     </message>
 </context>
 <context>
@@ -2836,10 +3847,6 @@
         <translation>参照スペクトル</translation>
     </message>
     <message>
-        <source>Share</source>
-        <translation>割合</translation>
-    </message>
-    <message>
         <source>Error</source>
         <translation>誤差</translation>
     </message>
@@ -2854,10 +3861,6 @@
     <message>
         <source>Spectrum, fit and what each reference has in it; below, the difference</source>
         <translation>スペクトル、フィット、各参照スペクトルの寄与。下は残差</translation>
-    </message>
-    <message>
-        <source>Save shares, numbers and curves as a text table</source>
-        <translation>割合、各数値、曲線をテキストの表で保存します</translation>
     </message>
     <message>
         <source>Save Fit of a Spectrum</source>
@@ -2903,12 +3906,99 @@
         <source>Sum %1, R %2, %3 to %4 eV (%5 of %6 energies)</source>
         <translation>合計 %1、R %2、%3 ～ %4 eV (エネルギー %6 個中 %5 個)</translation>
     </message>
+    <message>
+        <source>Shares and edge jumps of the references</source>
+        <translation>参照スペクトルの割合とエッジジャンプ</translation>
+    </message>
+    <message>
+        <source>Fraction</source>
+        <translation>割合</translation>
+    </message>
+    <message>
+        <source>Plot of the fit</source>
+        <translation>フィットのプロット</translation>
+    </message>
+    <message>
+        <source>Save fractions, numbers and curves as a text table</source>
+        <translation>割合、各数値、曲線をテキストの表で保存します</translation>
+    </message>
 </context>
 <context>
     <name>SpectrumPane</name>
     <message>
         <source>Position (%1, %2)</source>
         <translation>位置 (%1, %2)</translation>
+    </message>
+</context>
+<context>
+    <name>SpokenNames</name>
+    <message>
+        <source>I1 data</source>
+        <translation>I1 データ</translation>
+    </message>
+    <message>
+        <source>I0 data</source>
+        <translation>I0 データ</translation>
+    </message>
+    <message>
+        <source>Image</source>
+        <translation>画像</translation>
+    </message>
+    <message>
+        <source>Value at the position</source>
+        <translation>カーソル位置の値</translation>
+    </message>
+    <message>
+        <source>Frame shown</source>
+        <translation>表示中のフレーム</translation>
+    </message>
+    <message>
+        <source>Previous frame</source>
+        <translation>前のフレーム</translation>
+    </message>
+    <message>
+        <source>Next frame</source>
+        <translation>次のフレーム</translation>
+    </message>
+    <message>
+        <source>Cross section along the row</source>
+        <translation>行方向の断面</translation>
+    </message>
+    <message>
+        <source>Cross section along the column</source>
+        <translation>列方向の断面</translation>
+    </message>
+    <message>
+        <source>Half width of the bin</source>
+        <translation>ビンの横の半幅</translation>
+    </message>
+    <message>
+        <source>Half height of the bin</source>
+        <translation>ビンの縦の半幅</translation>
+    </message>
+    <message>
+        <source>Form of saved data</source>
+        <translation>保存の形式</translation>
+    </message>
+    <message>
+        <source>Factor of the deglitching</source>
+        <translation>グリッチ除去の係数</translation>
+    </message>
+    <message>
+        <source>Ratio of the deglitching</source>
+        <translation>グリッチ除去の比率</translation>
+    </message>
+    <message>
+        <source>Files of the stack</source>
+        <translation>スタックのファイル</translation>
+    </message>
+    <message>
+        <source>Pattern of the energy in the names</source>
+        <translation>ファイル名のエネルギーのパターン</translation>
+    </message>
+    <message>
+        <source>Unit of the energy</source>
+        <translation>エネルギーの単位</translation>
     </message>
 </context>
 <context>
@@ -2994,10 +4084,6 @@
         <source>No result yet: analyze the image and select a result in the Analyzer</source>
         <translation>結果はまだありません: 画像を解析し、解析パネルで結果を選択してください</translation>
     </message>
-    <message>
-        <source>No frames yet: select the files of I1 and I0</source>
-        <translation>フレーム未読み込み: I1 と I0 のファイルを選択してください</translation>
-    </message>
     <message numerus="yes">
         <source>%n dark file(s) to read</source>
         <translation>
@@ -3031,6 +4117,18 @@
     <message>
         <source>Show the failures and warnings that nobody has looked at yet</source>
         <translation>まだ確認していない失敗と警告を表示します</translation>
+    </message>
+    <message>
+        <source>Messages that nobody has looked at</source>
+        <translation>まだ確認していないメッセージ</translation>
+    </message>
+    <message>
+        <source>Composite of the shares of the references</source>
+        <translation>参照スペクトルの割合の合成画像</translation>
+    </message>
+    <message>
+        <source>No frames yet: open a folder, or select the files of I1 and I0</source>
+        <translation>フレーム未読み込み: フォルダーを開くか、I1 と I0 のファイルを選択してください</translation>
     </message>
 </context>
 <context>
@@ -3094,6 +4192,49 @@
     <message>
         <source>Save what was done...</source>
         <translation>作業記録を保存...</translation>
+    </message>
+</context>
+<context>
+    <name>WorkBar</name>
+    <message>
+        <source>%1 s left</source>
+        <translation>残り %1 秒</translation>
+    </message>
+    <message>
+        <source>%1 min left</source>
+        <translation>残り %1 分</translation>
+    </message>
+    <message>
+        <source>%1 %2 %</source>
+        <translation>%1 %2 %</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1、%2</translation>
+    </message>
+    <message>
+        <source>Calibration</source>
+        <translation>エネルギー校正</translation>
+    </message>
+    <message>
+        <source>MLCF</source>
+        <translation>MLCF</translation>
+    </message>
+    <message>
+        <source>LCF</source>
+        <translation>LCF</translation>
+    </message>
+    <message>
+        <source>Residual absorption</source>
+        <translation>残留吸収</translation>
+    </message>
+    <message>
+        <source>Difference</source>
+        <translation>差</translation>
+    </message>
+    <message>
+        <source>Deglitching</source>
+        <translation>グリッチ除去</translation>
     </message>
 </context>
 <context>
@@ -3168,6 +4309,10 @@
     <message>
         <source>Forget the spectrum</source>
         <translation>スペクトルを消去します</translation>
+    </message>
+    <message>
+        <source>Spectrum file</source>
+        <translation>スペクトルファイル</translation>
     </message>
 </context>
 <context>
@@ -3303,6 +4448,10 @@
     <message>
         <source>cannot be written: %1</source>
         <translation>書き込めません: %1</translation>
+    </message>
+    <message>
+        <source>Plot of spectra</source>
+        <translation>スペクトルのプロット</translation>
     </message>
 </context>
 </TS>
