@@ -317,7 +317,7 @@
     </message>
     <message>
         <source>χ² red.</source>
-        <translation>換算 χ²</translation>
+        <translation>χ²/ν</translation>
     </message>
     <message>
         <source>Show the reduced chi-square of the fit in every bin</source>
@@ -433,7 +433,7 @@
     </message>
     <message>
         <source>Sum of the fractions %1 %    R %2    χ² red. %3</source>
-        <translation>割合の合計 %1 %    R %2    換算 χ² %3</translation>
+        <translation>割合の合計 %1 %    R %2    χ²/ν %3</translation>
     </message>
     <message>
         <source>Residual absorption at %1 eV: 50 eV above the edge of %2</source>
@@ -2093,11 +2093,11 @@ Folder</source>
     </message>
     <message>
         <source>With error:  %1</source>
-        <translation>値 ± 誤差:  %1</translation>
+        <translation>誤差付: %1</translation>
     </message>
     <message>
         <source>R  %1    χ² red.  %2</source>
-        <translation>R  %1    換算 χ²  %2</translation>
+        <translation>R %1  χ²/ν %2</translation>
     </message>
 </context>
 <context>
@@ -2401,7 +2401,7 @@ Folder</source>
     </message>
     <message>
         <source>I&amp;1</source>
-        <translation>I1(&amp;1)</translation>
+        <translation>I&amp;1</translation>
     </message>
     <message>
         <source>Frames of I1</source>
@@ -2409,7 +2409,7 @@ Folder</source>
     </message>
     <message>
         <source>I&amp;0</source>
-        <translation>I0(&amp;0)</translation>
+        <translation>I&amp;0</translation>
     </message>
     <message>
         <source>Frames of I0</source>
@@ -2830,11 +2830,11 @@ Folder</source>
     </message>
     <message>
         <source>[eV]  </source>
-        <translation>[eV]</translation>
+        <translation>[eV]  </translation>
     </message>
     <message>
         <source>  dE [eV]</source>
-        <translation>dE [eV]</translation>
+        <translation>  dE [eV]</translation>
     </message>
     <message>
         <source>Energy offset of the reference: it is compared at E + dE</source>
@@ -2842,7 +2842,7 @@ Folder</source>
     </message>
     <message>
         <source>[%]  </source>
-        <translation>[%]</translation>
+        <translation>[%]  </translation>
     </message>
     <message>
         <source>mut</source>
@@ -3377,15 +3377,15 @@ Folder</source>
     <name>RunAnswer</name>
     <message>
         <source>Analysed %1 bins in %2 s.</source>
-        <translation>%1 ビンを %2 秒で解析しました。</translation>
+        <translation>%1 ビンを解析しました (%2 秒)。</translation>
     </message>
     <message>
         <source>Fitted %1 bins with %2 reference in %3 s.</source>
-        <translation>%1 ビンを参照スペクトル %2 個で %3 秒でフィットしました。</translation>
+        <translation>%1 ビンを参照スペクトル %2 個でフィットしました (%3 秒)。</translation>
     </message>
     <message>
         <source>Fitted %1 bins with %2 references in %3 s.</source>
-        <translation>%1 ビンを参照スペクトル %2 個で %3 秒でフィットしました。</translation>
+        <translation>%1 ビンを参照スペクトル %2 個でフィットしました (%3 秒)。</translation>
     </message>
 </context>
 <context>
