@@ -277,7 +277,7 @@
     </message>
     <message>
         <source>Of the fit of the spectrum at the cursor: sum of the fractions, R factor and reduced chi-square. A dash: not known.</source>
-        <translation>カーソル位置のスペクトルのフィットの、割合の合計、R 因子、換算カイ二乗です。値がないものは「–」です。</translation>
+        <translation>カーソル位置のスペクトルのフィットの、割合の合計、R 因子、換算カイ二乗です。値がないものは「-」です。</translation>
     </message>
     <message>
         <source>What the fit holds the fractions to (in MLCF the edge jumps)</source>
