@@ -2830,11 +2830,11 @@ Folder</source>
     </message>
     <message>
         <source>[eV]  </source>
-        <translation>[eV]  </translation>
+        <translation>eV </translation>
     </message>
     <message>
         <source>  dE [eV]</source>
-        <translation>  dE [eV]</translation>
+        <translation> dE [eV]</translation>
     </message>
     <message>
         <source>Energy offset of the reference: it is compared at E + dE</source>
