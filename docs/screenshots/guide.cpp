@@ -1,8 +1,11 @@
 // The scenes of the user guide, in the order of its chapters.
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
+#include <QDir>
 #include <QLineEdit>
 #include <QPainter>
 #include <QPlainTextEdit>
@@ -13,18 +16,22 @@
 #include "base/Globals.h"
 #include "display/ColorBar.h"
 #include "display/XafsView.h"
-#include "maps/Analyzed2DRes.h"
 #include "panels/Analyzer.h"
+#include "panels/AreaStatistics.h"
 #include "panels/BatchCtrl.h"
 #include "panels/CalibCtrl.h"
-#include "panels/LCFReference.h"
+#include "panels/FolderDialog.h"
 #include "panels/SaveDataCfg.h"
+#include "window/CompositeDialog.h"
+#include "window/FolderOpening.h"
 #include "window/SpectrumFitWindow.h"
 
 namespace {
 
-const QSize MainWindow(1120, 800);
-constexpr int MuT = 0;  // in the choice of the ordinate
+const QSize DockedWindow(1366, 708);  // on a small screen with a title bar
+const QSize MainWindow(900, 740);     // with the tools beside it
+const QSize Plot(620, 440);
+constexpr int MuT = 0;                // in the choice of the ordinate
 constexpr int FrameBehindEdge = 63;
 
 template <class Window>
@@ -54,40 +61,50 @@ QImage imageAndBar(Stage& stage) {
         {stage.picture(stage.control("dispA")), stage.picture(stage.control("CBar"))});
 }
 
+/// Where a part of the main window has its number: at a corner of a control, off it by pixels.
+struct Numbered {
+    const char* control;
+    Qt::Corner corner;
+    QPointF off;
+};
+
 /// The main window with numbers at its parts, as the first chapter lists them.
 QImage numbered(Stage& stage) {
-    constexpr int Margin = 34;
-    constexpr double Radius = 13.0;
-    const QList<const char*> parts = {"SelectI1Files", "SelectI0Files", "ShowData", "dispA",
-                                      "HCross",        "CBar",          "Prev",     "positionBox",
-                                      "binBox",        "windowBox",     "ToolBox"};
-    const QImage window = stage.picture(&stage.body());
-    QImage image(window.width() + 2 * Margin, window.height(), QImage::Format_RGB32);
-    image.fill(Qt::white);
+    constexpr double Radius = 12.0;
+    const Numbered parts[] = {{"OpenFolder", Qt::TopRightCorner, {-6, 10}},
+                              {"SelectI1Files", Qt::BottomRightCorner, {2, 2}},
+                              {"ShowResAnalysis", Qt::TopRightCorner, {18, 13}},
+                              {"dispA", Qt::BottomLeftCorner, {14, -14}},
+                              {"HCross", Qt::TopRightCorner, {-14, 14}},
+                              {"CBar", Qt::BottomRightCorner, {-16, -14}},
+                              {"positionBox", Qt::TopRightCorner, {-14, 14}},
+                              {"frameStrip", Qt::BottomRightCorner, {-14, -14}},
+                              {"AreaTools", Qt::TopRightCorner, {-14, 12}},
+                              {"ToolBox", Qt::BottomRightCorner, {-14, -46}},
+                              {"windowBox", Qt::BottomRightCorner, {-16, -16}},
+                              {"SpectrumDock", Qt::TopRightCorner, {-56, 12}},
+                              {"AnalyzerDock", Qt::TopRightCorner, {-56, 12}}};
+    QImage image = stage.picture(&stage.body());
     QPainter painter(&image);
-    painter.drawImage(Margin, 0, window);
     painter.setRenderHint(QPainter::Antialiasing);
     QFont font = painter.font();
     font.setBold(true);
     font.setPixelSize(14);
     painter.setFont(font);
-    for (int i = 0; i < parts.size(); ++i) {
-        const QWidget* control = stage.control(parts.at(i));
-        const QRect at(control->mapTo(&stage.body(), QPoint(0, 0)), control->size());
-        const bool atLeft = at.left() < Margin;
-        const bool atRight = at.right() > window.width() - 2 * Margin;
-        const double x = atLeft    ? Margin / 2.0
-                         : atRight ? window.width() + Margin * 1.5
-                                   : Margin + at.right() - Radius;
-        const double y = atLeft || atRight   ? at.top() + std::min(at.height() / 2, 60)
-                         : at.height() < 120 ? at.top() + Radius
-                                             : at.bottom() - Radius;
+    int number = 0;
+    for (const Numbered& part : parts) {
+        const QWidget* control = stage.control(part.control);
+        const QRectF at(control->mapTo(&stage.body(), QPoint(0, 0)), control->size());
+        const QPointF centre =
+            part.off + (part.corner == Qt::TopRightCorner     ? at.topRight()
+                        : part.corner == Qt::BottomLeftCorner ? at.bottomLeft()
+                                                              : at.bottomRight());
         painter.setPen(Qt::NoPen);
         painter.setBrush(QColor(0, 90, 170));
-        painter.drawEllipse(QPointF(x, y), Radius, Radius);
+        painter.drawEllipse(centre, Radius, Radius);
         painter.setPen(Qt::white);
-        painter.drawText(QRectF(x - Radius, y - Radius, 2 * Radius, 2 * Radius), Qt::AlignCenter,
-                         QString::number(i + 1));
+        painter.drawText(QRectF(centre - QPointF(Radius, Radius), QSizeF(2, 2) * Radius),
+                         Qt::AlignCenter, QString::number(++number));
     }
     return image;
 }
@@ -97,32 +114,49 @@ QStringList sampleFrames() {
             "set_band_w 1", "set_band_h 1"};
 }
 
-/// First map: frames, spectrum, references and fit, map.
+/// What was found in the folder of the sample measurement.
+void folder(Stage& stage) {
+    stage.body().findChild<FolderOpening*>()->open({QDir::currentPath()});
+    stage.settle();
+    auto* dialog = window<FolderDialog>();
+    dialog->findChild<QLineEdit*>("FolderPath")->setText(QStringLiteral("out/sample"));
+    stage.save(dialog, "open-folder");
+    dialog->close();
+}
+
+/// First map: folder, frames, spectrum, references and fit, map.
 void firstMap(Stage& stage) {
+    folder(stage);
     stage.run(sampleFrames());
+    stage.run({"calib_load_std standard/fe-foil.dat",
+               "analyzer_set_LCF_std 0 1 0.0 references/metal.dat 0",
+               "analyzer_set_LCF_std 1 1 0.0 references/oxide2.dat 0",
+               "analyzer_set_LCF_std 2 1 0.0 references/oxide3.dat 0", "analyzer_show_window",
+               "move_position 107 114"});
+    stage.click("ShowXafsView");
     qobject_cast<QSlider*>(stage.control("SeekBar"))->setValue(FrameBehindEdge);
     stage.body().showData(FrameBehindEdge);
-    stage.run({"move_position 123 100"});
+    stage.dock(DockedWindow);
     stage.save(numbered(stage), "main-window");
+    stage.clickAndWait("AskAnalyze");
+    stage.run({"analyzer_select_image_type 1", "analyzer_select_image 1", "select_disp_image 3",
+               "set_mask 5"});
+    stage.save(&stage.body(), "map");
+    stage.run({"set_mask off", "select_disp_image 0"});
 
-    stage.click("ShowXafsView");
-    stage.run({"analyzer_show_window", "analyzer_set_LCF_std 0 1 0.0 references/metal.dat 0",
-               "analyzer_set_LCF_std 1 1 0.0 references/oxide2.dat 0",
-               "analyzer_set_LCF_std 2 1 0.0 references/oxide3.dat 0", "move_position 107 114"});
+    stage.floatDocks();
+    stage.body().resize(MainWindow);
     auto* analyzer = window<Analyzer>();
     auto* plot = window<XafsView>(analyzer->view());
+    plot->window()->resize(Plot);
+    analyzer->view()->window()->resize(Plot);
     plot->findChild<QComboBox*>("Ordinate")->setCurrentIndex(MuT);
     plot->findChild<QCheckBox*>("Backgrounds")->setChecked(true);
     stage.settle();
     stage.save(plot, "spectrum");
     stage.save(analyzer, "analyzer");
     stage.save(analyzer->view(), "fit");
-
-    stage.run({"analyzer_set_dMut_scale_min 0", "analyzer_set_dMut_scale_max 1",
-               "analyzer_set_ratio_scale_min 0", "analyzer_set_ratio_scale_max 1",
-               "analyzer_set_fixed_scale 1", "analyzer_exec_LCF", "analyzer_select_image_type 1",
-               "analyzer_select_image 1", "select_disp_image 3"});
-    stage.save(stage.picture(&stage.body()), "map");
+    stage.run({"select_disp_image 3"});
 }
 
 /// The spectrum of the last position, saved and fitted as a file.
@@ -139,27 +173,64 @@ void spectrumFile(Stage& stage) {
 
 /// The shown map, and the same with a mask.
 void mask(Stage& stage) {
-    stage.run({"analyzer_set_error_maps 1", "analyzer_exec_LCF"});
+    stage.run({"set_view_range fraction -0.2 1"});
     const QImage whole = imageAndBar(stage);
     stage.run({"set_mask 5"});
     stage.save(sideBySide({whole, imageAndBar(stage)}), "mask");
     stage.run({"set_mask off"});
 }
 
+/// The masked map in other colours, and three references in one picture.
+void colours(Stage& stage) {
+    stage.run({"set_mask 5", "set_view_range fraction robust"});
+    const QImage atStart = imageAndBar(stage);
+    stage.run({"set_colour_map fraction viridis"});
+    stage.save(sideBySide({atStart, imageAndBar(stage)}), "colour-maps");
+    stage.run({"set_colour_map fraction heat"});
+    stage.body().findChild<QAction*>("actionComposite")->trigger();
+    stage.settle();
+    stage.save(imageAndBar(stage), "composite");
+    window<CompositeDialog>()->close();
+    stage.run({"analyzer_select_image 0", "select_disp_image 3"});
+}
+
+/// An ellipse, and what the masked map holds in it.
+void statistics(Stage& stage) {
+    stage.click("DrawEllipse");
+    stage.select(QPoint(60, 40), QPoint(200, 150));
+    stage.click("ShowStatistics");
+    stage.floatDocks();
+    stage.save(sideBySide({imageAndBar(stage), stage.picture(window<AreaStatistics>())}),
+               "statistics");
+    stage.click("DrawRectangle");
+    window<AreaStatistics>()->window()->hide();
+    stage.run({"select_region 0 0 0 0", "analyzer_select_image 1", "select_disp_image 3"});
+}
+
+void absorption(Stage& stage) {
+    stage.run({"select_disp_image 0"});
+    stage.click("ViewAbsorption");
+    stage.save(part(stage, {"dispA", "VCross", "HCross", "CBar", "frameStrip"}), "absorption");
+    stage.click("ViewCounts");
+}
+
 /// The shown map as the program itself saves it for a paper.
 void colorBar(Stage& stage) {
+    stage.run({"set_mask 5"});
     stage.body().saveImageWithBar(stage.fileOf("with-bar"));
+    stage.run({"set_mask off"});
 }
 
 void imageView(Stage& stage) {
     stage.run({"select_disp_image 0"});
     stage.select(QPoint(60, 40), QPoint(200, 150));
-    stage.save(part(stage, {"dispA", "VCross", "HCross", "CBar"}), "selection");
+    stage.save(part(stage, {"dispA", "VCross", "HCross", "CBar", "AreaTools"}), "selection");
     stage.run({"select_disp_image 3", "select_region 0 0 0 0", "move_position 139 65"});
     stage.wheel(QPoint(139, 65), 5);
     stage.save(imageAndBar(stage), "zoom");
     stage.click("ResetScale");
     stage.run({"select_disp_image 0"});
+    stage.run({"set_mask off"});
     const QImage whole = imageAndBar(stage);
     QWidget* bar = stage.control("CBar");
     stage.drag(bar, QPointF(15, 40), QPointF(15, 40 + 0.55 * bar->height()));
@@ -200,34 +271,15 @@ void batch(Stage& stage) {
     stage.save(sideBySide({commands, log}), "batch");
 }
 
-/// The picture of the README: the edge jump due to each species.
-void result(Stage& stage) {
-    const QStringList names = {"metal", "2+ oxide", "3+ oxide"};
-    QList<QImage> maps;
-    for (int i = 0; i < names.size(); ++i) {
-        const QImage map = *window<Analyzer>()->references().at(i)->result(0)->img();
-        const QImage large = map.convertToFormat(QImage::Format_RGB32).scaled(2 * map.size());
-        QImage titled(large.width(), large.height() + 28, QImage::Format_RGB32);
-        titled.fill(Qt::white);
-        QPainter painter(&titled);
-        painter.drawImage(0, 0, large);
-        QFont font = painter.font();
-        font.setPixelSize(18);
-        painter.setFont(font);
-        painter.drawText(QRect(0, large.height(), large.width(), 28), Qt::AlignCenter, names.at(i));
-        maps.append(titled);
-    }
-    stage.save(sideBySide(maps), "result");
-}
-
 void deglitching(Stage& stage) {
-    stage.run({"select_region 60 54 195 135", "analyzer_exec_LCF", "analyzer_select_image_type 0",
-               "analyzer_select_image 0", "select_disp_image 3", "move_position 128 95"});
+    stage.run({"analyzer_set_fixed_scale 0", "select_region 60 54 195 135", "analyzer_exec_LCF",
+               "analyzer_select_image_type 0", "analyzer_select_image 0", "select_disp_image 3",
+               "move_position 128 95"});
     stage.wheel(QPoint(128, 95), 2);
     qobject_cast<QLineEdit*>(stage.control("DeGlitchFactor"))->setText("5");
     qobject_cast<QLineEdit*>(stage.control("DeGlitchRatio"))->setText("0.5");
     const QImage before = imageAndBar(stage);
-    stage.click("DeGlitch");
+    stage.clickAndWait("DeGlitch");
     stage.save(sideBySide({before, imageAndBar(stage)}), "deglitch");
     stage.click("ShowProcImg");
     stage.click("ResetScale");
@@ -250,19 +302,20 @@ void saving(Stage& stage) {
 }  // namespace
 
 void makeGuidePictures(Stage& stage, bool all) {
-    stage.body().resize(MainWindow);
     firstMap(stage);
     spectrumFile(stage);
     if (all) {
         colorBar(stage);
         mask(stage);
+        colours(stage);
+        statistics(stage);
         imageView(stage);
+        absorption(stage);
     }
     calibration(stage);
     saving(stage);
     if (all) {
         batch(stage);
-        result(stage);
         deglitching(stage);
         residualAbsorption(stage);
     }
