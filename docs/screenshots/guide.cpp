@@ -136,7 +136,7 @@ void firstMap(Stage& stage) {
     stage.click("ShowXafsView");
     qobject_cast<QSlider*>(stage.control("SeekBar"))->setValue(FrameBehindEdge);
     stage.body().showData(FrameBehindEdge);
-    stage.dock(DockedWindow);
+    stage.arrange(DockedWindow);
     stage.save(numbered(stage), "main-window");
     stage.clickAndWait("AskAnalyze");
     stage.run({"analyzer_select_image_type 1", "analyzer_select_image 1", "select_disp_image 3",
@@ -144,8 +144,10 @@ void firstMap(Stage& stage) {
     stage.save(&stage.body(), "map");
     stage.run({"set_mask off", "select_disp_image 0"});
 
-    stage.floatDocks();
+    stage.takeApart();
     stage.body().resize(MainWindow);
+    stage.settle();  // a dock that leaves the main window keeps the size it had there
+    stage.takeApart();
     auto* analyzer = window<Analyzer>();
     auto* plot = window<XafsView>(analyzer->view());
     plot->window()->resize(Plot);
@@ -199,7 +201,9 @@ void statistics(Stage& stage) {
     stage.click("DrawEllipse");
     stage.select(QPoint(60, 40), QPoint(200, 150));
     stage.click("ShowStatistics");
-    stage.floatDocks();
+    stage.takeApart();
+    stage.settle();
+    stage.takeApart();
     stage.save(sideBySide({imageAndBar(stage), stage.picture(window<AreaStatistics>())}),
                "statistics");
     stage.click("DrawRectangle");
@@ -302,6 +306,8 @@ void saving(Stage& stage) {
 }  // namespace
 
 void makeGuidePictures(Stage& stage, bool all) {
+    stage.takeApart();
+    stage.body().resize(MainWindow);
     firstMap(stage);
     spectrumFile(stage);
     if (all) {
