@@ -124,9 +124,8 @@ void folder(Stage& stage) {
     dialog->close();
 }
 
-/// First map: folder, frames, spectrum, references and fit, map.
+/// First map: frames, spectrum, references and fit, map.
 void firstMap(Stage& stage) {
-    folder(stage);
     stage.run(sampleFrames());
     stage.run({"calib_load_std standard/fe-foil.dat",
                "analyzer_set_LCF_std 0 1 0.0 references/metal.dat 0",
@@ -308,6 +307,9 @@ void saving(Stage& stage) {
 void makeGuidePictures(Stage& stage, bool all) {
     stage.takeApart();
     stage.body().resize(MainWindow);
+    if (all) {
+        folder(stage);
+    }
     firstMap(stage);
     spectrumFile(stage);
     if (all) {

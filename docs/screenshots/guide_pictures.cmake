@@ -6,6 +6,8 @@ if(NOT CONVERT)
 endif()
 
 file(REMOVE_RECURSE "${WORK}")
+file(GLOB earlier "${MEASUREMENT}/results/*")
+file(REMOVE ${earlier})
 foreach(language en ja)
     execute_process(COMMAND "${PROGRAM}" guide "${MEASUREMENT}" "${WORK}" ${language}
         RESULT_VARIABLE failed OUTPUT_QUIET ERROR_VARIABLE messages)
