@@ -77,16 +77,6 @@ void Stage::giveRoom(QWidget* panel) {
     }
 }
 
-void Stage::dock(const QSize& size) {
-    m_body.resize(size);
-    settle();
-    auto* docks = m_body.findChild<Docks*>();
-    docks->arrange();
-    settle();
-    docks->setSizes();
-    settle();
-}
-
 QWidget* Stage::control(const char* name) {
     const QWidgetList widgets = QApplication::allWidgets();
     for (QWidget* widget : widgets) {

@@ -27,11 +27,6 @@ class Stage {
     /// The first window or control of this object name; ends the program when there is none.
     QWidget* control(const char* name);
 
-    /// Each tool for itself, in the size that it likes best; so at the start.
-    void floatDocks();
-    /// The start layout, in a main window of this size.
-    void dock(const QSize& size);
-
     /// Runs batch lines to their end and shows what they left.
     void run(const QStringList& lines);
     void click(const char* button);
