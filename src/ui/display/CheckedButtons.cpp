@@ -30,10 +30,12 @@ class Colouring : public QObject {
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        auto* button = static_cast<QAbstractButton*>(watched);
-        const bool isOther = button->property(Coloured).toBool() != button->isChecked();
-        if ((event->type() == QEvent::Paint && isOther) ||
-            event->type() == QEvent::ApplicationPaletteChange) {
+        const bool isPaint = event->type() == QEvent::Paint;
+        auto* button = isPaint || event->type() == QEvent::ApplicationPaletteChange
+                           ? qobject_cast<QAbstractButton*>(watched)
+                           : nullptr;  // it may be no button any more, as it is deleted
+        if (button != nullptr &&
+            (!isPaint || button->property(Coloured).toBool() != button->isChecked())) {
             colour(button);
         }
         return false;
