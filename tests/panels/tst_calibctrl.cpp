@@ -155,6 +155,7 @@ class TestCalibCtrl : public QObject {
         QVERIFY(look(text, true, false, true, false));
         panel.show();
         const QSize size = panel.sizeHint();
+        press("SelectStd", &panel);
         panel.say({{}, {"no standard"}, {"Energy shifts"}, {}, false});
         QCOMPARE(panel.sizeHint(), size);  // so that no button jumps
         QCOMPARE(textOf("Message", &panel) + ' ' + textOf("Shifts", &panel),

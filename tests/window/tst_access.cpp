@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTextBrowser>
+#include <algorithm>
 
 #include "BatchRun.h"
 #include "Controls.h"
@@ -91,6 +92,14 @@ class TestAccess : public QObject {
             names.insert({panelOf(w), name});
         }
         QVERIFY(checked > 100);
+        for (const char* field : {"HWidth", "VWidth", "Value", "DeGlitchFactor", "DeGlitchRatio",
+                                  "EngPattern", "EdgeEeV", "RAAtEV", "DeltaE", "FrameEnergy"}) {
+            const auto labels = body.findChildren<QLabel*>();
+            const bool isLabelled = std::any_of(labels.begin(), labels.end(), [&](QLabel* label) {
+                return label->buddy() != nullptr && label->buddy()->objectName() == field;
+            });
+            QVERIFY2(isLabelled, field);
+        }
         QVERIFY2(nameless.isEmpty(), qPrintable(nameless.join('\n')));
         QVERIFY2(twice.isEmpty(), qPrintable(twice.join('\n')));
     }

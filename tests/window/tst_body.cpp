@@ -4,6 +4,7 @@
 #include <QDockWidget>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -141,6 +142,20 @@ class TestBody : public QObject {
         }
         QVERIFY(keys.size() > 10);
         QCOMPARE(keys.removeDuplicates(), 0);
+        QStringList twice;
+        const auto menus = m_body->menuBar()->findChildren<QMenu*>();
+        for (const QMenu* menu : menus) {
+            QMap<QString, QString> letters;
+            for (const QAction* entry : menu->actions()) {
+                const QString letter = QKeySequence::mnemonic(entry->text()).toString();
+                if (letters.contains(letter)) {
+                    twice << letters[letter] + " and " + entry->text();
+                } else if (!letter.isEmpty()) {
+                    letters[letter] = entry->text();
+                }
+            }
+        }
+        QVERIFY2(twice.isEmpty(), qPrintable(twice.join('\n')));
         control<QAction>("actionQuit", m_body.get())->trigger();
         QVERIFY(!m_body->isVisible());
     }

@@ -42,7 +42,7 @@ CompositeParts partsOf(const Measurement& measurement, const Composite& composit
     CompositeParts parts;
     parts.picture = compositePicture(maps);
     parts.names = namesOf(measurement, composite);
-    parts.title = QStringLiteral("Shares of the references");
+    parts.title = QStringLiteral("Fractions of the references");
     for (const QString& mark : marksOf(measurement, first)) {
         parts.title += QStringLiteral(", ") + mark;
     }

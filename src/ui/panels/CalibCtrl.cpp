@@ -47,6 +47,9 @@ CalibCtrl::CalibCtrl(Measurement& measurement, QWidget* parent)
         m_ui->SelCrystal->addItem(QString::fromLatin1(crystal.name), crystal.spacing);
     }
     m_ui->StdSelector->showUse(false);
+    QSizePolicy always = m_ui->StdSelector->sizePolicy();
+    always.setRetainSizeWhenHidden(true);  // what is below it stays where it is when it opens
+    m_ui->StdSelector->setSizePolicy(always);
     m_ui->StdSelector->hide();
     connectControls();
     connectEdge();

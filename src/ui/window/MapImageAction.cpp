@@ -22,7 +22,7 @@ QString withTiffSuffix(const QString& name) {
 
 QAction* addMapImageAction(QMainWindow* window, const Measurement& measurement,
                            SaveDialogs* dialogs, const std::function<void(const QString&)>& save) {
-    auto* action = new QAction(MapImage::tr("Save Energy &Map as Image..."), window);
+    auto* action = new QAction(MapImage::tr("Save Ener&gy Map as Image..."), window);
     action->setObjectName(QStringLiteral("actionSaveMapImage"));
     window->addAction(action);
     QObject::connect(action, &QAction::triggered, window, [dialogs, save] {

@@ -85,7 +85,7 @@ void SpectrumFitWindow::makeControls() {
     m_name->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
     m_shares->setObjectName(QStringLiteral("Shares"));
-    m_shares->setAccessibleName(tr("Shares and edge jumps of the references"));
+    m_shares->setAccessibleName(tr("Fractions and edge jumps of the references"));
     m_shares->setHorizontalHeaderLabels(
         {tr("Reference"), tr("Fraction"), tr("Error"), tr("Edge jump"), tr("Error")});
     m_shares->setEditTriggers(QAbstractItemView::NoEditTriggers);

@@ -140,7 +140,7 @@ QString StatusLine::display() const {
                        : tr("No energy-shift map yet");
         case Shown::Result:
             if (showsComposite(m_measurement)) {
-                return tr("Composite of the shares of the references");
+                return tr("Composite of the fractions of the references");
             }
             return result != nullptr && result->image.hasData()
                        ? tr("Result image") + Gap + describe(m_measurement, *result)

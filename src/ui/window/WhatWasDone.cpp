@@ -20,7 +20,7 @@ WhatWasDone::WhatWasDone(Measurement& measurement, QMainWindow* window, BatchCtr
       m_window(window),
       m_batch(batch),
       m_dialogs(dialogs),
-      m_recent(new QMenu(tr("&Recent"), window)) {
+      m_recent(new QMenu(tr("&Recent Records"), window)) {
     auto* save = new QAction(tr("Save &What Was Done..."), this);
     save->setObjectName(QStringLiteral("actionSaveRecord"));
     save->setToolTip(tr("Write down, as a batch, what makes the present results again"));
