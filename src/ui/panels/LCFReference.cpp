@@ -1,6 +1,7 @@
 #include "panels/LCFReference.h"
 
 #include <QEvent>
+#include <QLabel>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QThread>
@@ -64,6 +65,9 @@ void LCFReference::arrangeFields() {
     setWidth(m_ui->R, "-000.00M", "-000.00M");
     setWidth(m_ui->RError, "+ <0.01", "+ <0.01");
     setWidth(m_ui->T, "-0.0000M", "-0.000000000M");
+    for (QLabel* label : {m_ui->evLabel, m_ui->percentLabel}) {
+        label->setText(label->text().trimmed());  // their spaces are room that numbers need
+    }
     m_ui->T->installEventFilter(this);
     m_ui->XFS->leaveAsking();
     auto* file = m_ui->XFS->findChild<QLineEdit*>(QStringLiteral("Selected"));
