@@ -206,7 +206,7 @@ class TestBody : public QObject {
     void theCursorReadsErrorAndGoodness() {
         BatchRun batch(*m_body);
         Measurement& measurement = m_body->measurement();
-        const QString none = "With error:  - | R  -    \u03c7\u00b2 red.  -";
+        const QString none = "\u00b1 - | R  -\n\u03c7\u00b2 red.  -";
         const auto lines = [] {
             return textOf("ValueWithError") + " | " + textOf("GoodnessOfFit");
         };
@@ -220,7 +220,7 @@ class TestBody : public QObject {
         };
         const auto number = [&](ResultId id) { return QString::number(at(id, -1), 'g', 3); };
         const auto expected = [&](ResultId value, ResultId error, int reference) {
-            return QString("With error:  %1 | R  %2    \u03c7\u00b2 red.  %3")
+            return QString("%1 | R  %2\n\u03c7\u00b2 red.  %3")
                 .arg(roundedPair(at(value, reference), at(error, reference)).text(),
                      number(ResultId::R), number(ResultId::Chi2Reduced));
         };
@@ -230,7 +230,7 @@ class TestBody : public QObject {
             QCOMPARE(lines(), expected(ResultId::Ratio, ResultId::RatioError, 1));
         }
         QVERIFY(!measurement.choose(ResultId::R, -1).failed());
-        QVERIFY(lines().startsWith("With error:  - | R  " + number(ResultId::R)));
+        QVERIFY(lines().startsWith("\u00b1 - | R  " + number(ResultId::R)));
         QVERIFY(
             textOf("Message", analyzerWindow()).startsWith("Fitted 96 bins with 2 references in "));
         measurement.set(&Settings::shown, Shown::I1);

@@ -19,6 +19,7 @@
 #include "panels/Analyzer.h"
 #include "panels/BatchCtrl.h"
 #include "panels/CalibCtrl.h"
+#include "panels/RunAnswer.h"
 #include "panels/SaveDataCfg.h"
 #include "panels/ToolWindows.h"
 #include "ui_Body.h"
@@ -195,6 +196,9 @@ void Body::connectMeasurement() {
     connect(&m_runner, &BatchRunner::endedAlone, this, [this](Work work, const Outcome& outcome) {
         sayOf(work, withWhatWasMade(m_measurement, work, outcome));
     });
+    // Whoever starts a run in the menu need not see the analyzer.
+    connect(m_panels->analyzer->findChild<RunAnswer*>(), &RunAnswer::ended, this,
+            [this](const Outcome& answered) { m_status->say(textOf(answered)); });
     connect(&m_measurement, &Measurement::progressed, this,
             [this](Work work, double done, double of) {
                 if (work == Work::LoadI1 || work == Work::LoadI0) {

@@ -14,7 +14,7 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CursorNumbers)
 };
 
-/// As wide as the box, for two numbers beside a label have no room there.
+/// As wide as the box: a number and its error have no room beside a label.
 QLabel* addLine(QFormLayout* box, int row, const char* name, const QString& toolTip) {
     auto* line = new QLabel(box->parentWidget());
     line->setObjectName(QLatin1String(name));
@@ -58,22 +58,22 @@ void CursorNumbers::show(const Measurement& measurement, const Result* shown, in
         return run != nullptr ? valueAt(measurement.find(id, reference), run, x, y)
                               : std::numeric_limits<double>::quiet_NaN();
     };
-    RoundedPair pair{QStringLiteral("-"), {}, {}};
+    QString withError = QStringLiteral("\u00b1 -");
     if (shown != nullptr) {
         // Of an error map, too: what it is the error of.
         const ResultId value = shown->kind().value;
         if (const std::optional<ResultId> error = errorOf(value)) {
             const double sigma = at(*error, shown->reference);
             if (std::isfinite(sigma)) {
-                pair = roundedPair(at(value, shown->reference), sigma);
+                withError = roundedPair(at(value, shown->reference), sigma).text();
             }
         }
     }
-    m_withError->setText(Texts::tr("With error:  %1").arg(pair.text()));
+    m_withError->setText(withError);
     const bool isFit = run != nullptr && run->work == Work::Fit;
     const auto known = [&](ResultId id) {
         return inShort(isFit ? at(id, -1) : std::numeric_limits<double>::quiet_NaN());
     };
-    m_goodness->setText(Texts::tr("R  %1    \u03c7\u00b2 red.  %2")
+    m_goodness->setText(QStringLiteral("R  %1\n\u03c7\u00b2 red.  %2")
                             .arg(known(ResultId::R), known(ResultId::Chi2Reduced)));
 }
