@@ -290,11 +290,10 @@ void Finder::sortSpectra() {
 
 QString Finder::whyNoFrame() const {
     const QFileInfo folder(m_found.path);
-    if (!folder.exists()) {
-        return FolderContents::tr("no such folder: %1").arg(m_found.path);
-    }
     if (!folder.isDir()) {
-        return FolderContents::tr("not a folder: %1").arg(m_found.path);
+        return (folder.exists() ? FolderContents::tr("not a folder: %1")
+                                : FolderContents::tr("no such folder: %1"))
+            .arg(m_found.path);
     }
     if (m_listing.closed.contains(m_found.path)) {
         return FolderContents::tr("the folder may not be read: %1").arg(m_found.path);

@@ -9,6 +9,19 @@
 
 #include "base/Globals.h"
 
+namespace {
+
+/// The list of names that complete what is typed may come when the dialog is gone.
+void endCompletion(const QFileDialog* dialog) {
+    const auto completers = dialog->findChildren<QCompleter*>();
+    for (QCompleter* completer : completers) {
+        completer->popup()->hide();
+        completer->setWidget(nullptr);  // until the field is used again
+    }
+}
+
+}  // namespace
+
 FolderMemory& FolderMemory::shared() {
     static FolderMemory memory;
     return memory;
@@ -37,13 +50,9 @@ void FolderMemory::show(QFileDialog* dialog) {
                     const QString& first = files.value(0);
                     note(use, asksForFolder ? first : QFileInfo(first).absolutePath());
                 });
-        // Names that complete what was typed may come when the dialog is gone.
-        connect(dialog, &QDialog::finished, dialog, [dialog] {
-            for (auto* completer : dialog->findChildren<QCompleter*>()) {
-                completer->popup()->hide();
-                completer->setWidget(nullptr);  // until the field is used again
-            }
-        });
+        // Before another window opens by the choice, and when there is none.
+        connect(dialog, &QFileDialog::filesSelected, dialog, [dialog] { endCompletion(dialog); });
+        connect(dialog, &QDialog::finished, dialog, [dialog] { endCompletion(dialog); });
     }
     QDir at(folder(use));
     if (asksForFolder && at.path() != DataDir) {

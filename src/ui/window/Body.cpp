@@ -63,8 +63,8 @@ void fitToFont(QMainWindow& window, const Ui::Body& ui) {
         page = page.expandedTo(ui.ToolBox->widget(i)->minimumSizeHint());
     }
     ui.ToolBox->setMinimumSize(page + QSize(0, 2 * line * ui.ToolBox->count()));
-    ui.HCross->setFixedHeight(5 * line);
-    ui.VCross->setFixedWidth(5 * line);
+    ui.HCross->setFixedHeight(9 * line / 2);
+    ui.VCross->setFixedWidth(9 * line / 2);
     ui.CBar->setFixedWidth(11 * line / 2);
 }
 
