@@ -87,6 +87,7 @@ class TestFirstMap : public QObject {
         auto* buttons = dialog->findChild<QDialogButtonBox*>("buttonBox");
         QWidget* choose = buttons->button(QDialogButtonBox::Open);
         clickAt(choose, choose->rect().center());
+        QTRY_VERIFY(m_body->findChild<QDialog*>("FolderDialog") != nullptr);
     }
 
     /// What is below in a dock comes up by the wheel, as the eye asks for it.

@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QMenu>
 #include <QPushButton>
+#include <QTimer>
 
 #include "display/FolderMemory.h"
 #include "panels/DroppedFiles.h"
@@ -19,7 +20,11 @@ FolderOpening::FolderOpening(Measurement& measurement, QMainWindow* window, QPus
       m_recent(new QMenu(tr("Open Rece&nt"), window)) {
     connect(button, &QPushButton::clicked, this, [this, dialogs] {
         dialogs->askForFolder(
-            tr("Open Folder"), [this](const QString& folder) { open({folder}); },
+            tr("Open Folder"),
+            [this](const QString& folder) {
+                // The dialog that has asked takes the keyboard with it when it goes.
+                QTimer::singleShot(0, this, [this, folder] { open({folder}); });
+            },
             QStringLiteral("OpenFolderDialog"));
     });
     m_recent->setToolTipsVisible(true);
