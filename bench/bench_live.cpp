@@ -271,6 +271,10 @@ class Live {
             } else {
                 start(window(), work);
             }
+            if (window().working() == Work::None) {
+                std::printf("%s: ended at once\n", name);
+                return;
+            }
             hand = std::thread(press);
             loop.exec();
             hand.join();

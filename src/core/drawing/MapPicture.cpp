@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "base/RowShares.h"
 #include "files/PictureResolution.h"
 
 namespace {
@@ -66,9 +67,18 @@ class Lookup {
     std::vector<QRgb> m_table;  // behind the colours: below, above, blank
 };
 
+void blankOut(const std::vector<bool>& blank, std::size_t first, const QRect& filled, QRgb color,
+              QRgb* line) {
+    for (int x = filled.left(); x <= filled.right(); ++x) {
+        if (blank[first + static_cast<std::size_t>(x)]) {
+            line[x] = color;
+        }
+    }
+}
+
 }  // namespace
 
-QImage mapPicture(const ShownValues& map, const MapColoring& coloring) {
+QImage mapPicture(const ShownValues& map, const MapColoring& coloring, int threads) {
     QImage picture(map.width, map.height, QImage::Format_RGB32);
     if (picture.isNull()) {
         return picture;
@@ -79,16 +89,24 @@ QImage mapPicture(const ShownValues& map, const MapColoring& coloring) {
     if (filled != picture.rect() || map.values == nullptr) {
         picture.fill(lookup.blank());
     }
-    for (int y = filled.top(); map.values != nullptr && y <= filled.bottom(); ++y) {
-        const std::size_t first = static_cast<std::size_t>(y) * static_cast<std::size_t>(map.width);
-        const double* const values = map.values + first;
-        auto* line = reinterpret_cast<QRgb*>(picture.scanLine(y));
-        lookup.colour(values + filled.left(), filled.width(), line + filled.left());
-        for (int x = filled.left(); map.blank != nullptr && x <= filled.right(); ++x) {
-            if ((*map.blank)[first + static_cast<std::size_t>(x)]) {
-                line[x] = lookup.blank();
+    uchar* const pixels = picture.bits();
+    const auto bytes = static_cast<std::size_t>(picture.bytesPerLine());
+    RowShares rows(map.values != nullptr ? filled.height() : 0);
+    inThreads(threads, [&] {
+        int row = 0;
+        int end = 0;
+        while (rows.take(&row, &end)) {
+            for (; row < end; ++row) {
+                const auto y = static_cast<std::size_t>(filled.top() + row);
+                const std::size_t first = y * static_cast<std::size_t>(map.width);
+                auto* line = reinterpret_cast<QRgb*>(pixels + y * bytes);
+                lookup.colour(map.values + first + filled.left(), filled.width(),
+                              line + filled.left());
+                if (map.blank != nullptr) {
+                    blankOut(*map.blank, first, filled, lookup.blank(), line);
+                }
             }
         }
-    }
+    });
     return picture;
 }

@@ -25,5 +25,5 @@ struct MapColoring {
 
 /// Picture of a map, of its own memory: a value v has the colour of (v - low) / (high - low), no
 /// number and no value have the blank's. A range that is empty or not finite gives the colour of
-/// the lower end.
-QImage mapPicture(const ShownValues& map, const MapColoring& coloring);
+/// the lower end. The same pixels for any number of threads.
+QImage mapPicture(const ShownValues& map, const MapColoring& coloring, int threads = 1);

@@ -7,8 +7,11 @@
 
 #include "base/Numbers.h"
 #include "maps/FillBin.h"
+#include "maps/RobustRange.h"
 
 namespace {
+
+constexpr int RowsFollowed = 200;  // tell the range of values that come in
 
 int sizeOf(const AnalysisGrid& grid) {
     const qint64 count = static_cast<qint64>(grid.width) * grid.height;
@@ -138,35 +141,35 @@ QRect Analyzed2DRes::filled() const {
         .intersected(QRect(0, 0, m_grid.width, m_grid.height));
 }
 
-std::pair<double, double> Analyzed2DRes::robustRange() const {
+std::pair<double, double> Analyzed2DRes::robustRange(int threads) const {
     if (m_robustRange) {
         return *m_robustRange;
     }
-    std::vector<double> values;
     const BinRaster bins = m_grid.raster();
     const double* const shown = shownArray().constData();
-    for (int row = 0; shown != nullptr && row < bins.rows && bins.y(row) <= m_lastRow; ++row) {
+    int rows = 0;
+    while (shown != nullptr && rows < bins.rows && bins.y(rows) <= m_lastRow) {
+        ++rows;
+    }
+    const int step = m_follows ? std::max(1, rows / RowsFollowed) : 1;
+    const auto valuesOf = [&](int row, double* to) {
         const std::size_t line =
-            static_cast<std::size_t>(bins.y(row)) * static_cast<std::size_t>(m_grid.width);
+            static_cast<std::size_t>(bins.y(row * step)) * static_cast<std::size_t>(m_grid.width);
+        int n = 0;
         for (int column = 0; column < bins.columns; ++column) {
             const std::size_t pixel = line + static_cast<std::size_t>(bins.x(column));
-            if (std::isfinite(shown[pixel]) && !isBlank(pixel)) {
-                values.push_back(shown[pixel]);
-            }
+            to[n] = shown[pixel];
+            n += std::isfinite(shown[pixel]) && !isBlank(pixel) ? 1 : 0;
         }
-    }
-    std::pair<double, double> range{rangeMin(), rangeMax()};
-    if (!values.empty()) {
-        const auto beside = std::lround(0.01 * static_cast<double>(values.size() - 1));
-        const auto low = values.begin() + beside;
-        const auto high = values.end() - 1 - beside;
-        std::nth_element(values.begin(), high, values.end());
-        const double upper = *high;
-        std::nth_element(values.begin(), low, high + 1);
-        if (*low < upper) {
-            range = {*low, upper};
-        }
-    }
+        return n;
+    };
+    const Range all = m_showProc ? Range{m_procMin, m_procMax} : Range{m_dataMin, m_dataMax};
+    const auto found =
+        ::robustRange({(rows + step - 1) / step, std::max(0, bins.columns), valuesOf}, 0.01,
+                      all.min, all.max, threads);
+    const bool isRange = found && found->first < found->second;
+    const std::pair<double, double> range =
+        isRange ? *found : std::make_pair(rangeMin(), rangeMax());
     m_robustRange = range;
     return range;
 }

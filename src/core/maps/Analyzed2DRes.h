@@ -80,8 +80,9 @@ class Analyzed2DRes : public QObject {
     double rangeMax() const;
     /// The percentiles 1 and 99 of the finite values of the bins filled that are not masked: of n
     /// values in order those that have round(0.01 (n - 1)) others below and above them. The range
-    /// in use where both are equal or there are none. As of the last genImg().
-    std::pair<double, double> robustRange() const;
+    /// in use where both are equal or there are none. As of the last genImg(); of some hundred rows
+    /// while values are still coming in.
+    std::pair<double, double> robustRange(int threads = 1) const;
     bool showsProc() const { return m_showProc; }
     bool isFixedScale() const { return m_fixedScale; }
     /// Number of values written by the last tiffDataForSave().

@@ -165,10 +165,13 @@ QString shownCaption(Measurement& measurement) {
         return (isI0 ? QStringLiteral("I0  %1 eV") : QStringLiteral("%1 eV"))
             .arg(titleOf(frame->energy));
     }
-    const QString energy = titleOf(image->to);
+    const QString what = measurement.stack(StackId::I0).size() > 0
+                             ? QStringLiteral("mu-t  ")
+                             : QStringLiteral("mu-t (no I0)  ");
+    const QString energy = titleOf(image->to) + QStringLiteral(" eV");
     return image->kind == FrameView::Kind::Difference
-               ? QStringLiteral("mu-t  %1 eV \u2212 %2 eV").arg(energy, titleOf(image->from))
-               : QStringLiteral("mu-t  %1 eV").arg(energy);
+               ? what + energy + QStringLiteral(" \u2212 %1 eV").arg(titleOf(image->from))
+               : what + energy;
 }
 
 SpectrumPlot shownPlot(Measurement& measurement) {

@@ -22,7 +22,8 @@ QImage pictureOf(const FrameImage& image, const Measurement& measurement);
 /// through the colour map; null for nothing.
 QImage shownPicture(Measurement& measurement);
 
-/// What the frame on display shows and at which energy, for a corner of it: "mu-t  7112.00 eV".
+/// What the frame on display shows and at which energy, for a corner of it: "mu-t  7112.00 eV",
+/// "mu-t (no I0)  7112.00 eV" where I0 counts as 1.
 /// Empty for a result and for nothing.
 QString shownCaption(Measurement& measurement);
 

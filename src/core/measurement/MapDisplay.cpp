@@ -26,7 +26,7 @@ MapColoring coloringOf(const Measurement& measurement, const Result& result) {
         coloring.high = view.range.high;
         coloring.marksOutside = true;
     } else if (view.range.kind == MapRange::Kind::Robust && !image.isFixedScale()) {
-        std::tie(coloring.low, coloring.high) = image.robustRange();
+        std::tie(coloring.low, coloring.high) = image.robustRange(measurement.threads());
         coloring.marksOutside = true;
     }
     if (coloring.colors->isDiverging && coloring.low <= coloring.high) {
@@ -47,5 +47,6 @@ QImage pictureOf(const Measurement& measurement, const Result& result) {
     if (viewOf(measurement, result).isStated() || !image.isValid()) {
         return image.img() != nullptr ? *image.img() : QImage();
     }
-    return mapPicture(valuesOf(result), coloringOf(measurement, result));
+    return mapPicture(valuesOf(result), coloringOf(measurement, result),
+                      std::max(1, measurement.threads()));
 }
