@@ -4,9 +4,11 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <random>
 
 #include "TestMain.h"
 #include "maps/Analyzed2DRes.h"
+#include "maps/RobustRange.h"
 
 namespace {
 
@@ -76,6 +78,29 @@ class TestAnalyzed2DRes : public QObject {
         map->genImg();
         QTEST(map->robustRange().first, "low");
         QTEST(map->robustRange().second, "high");
+    }
+
+    /// Whatever range they are looked for in, and by how many threads.
+    void percentilesAreThoseOfSortedValues() {
+        std::mt19937 random(1);
+        std::vector<double> values(90 * 70);
+        for (double& value : values) {
+            value = random() % 50 == 0 ? 1e6 : static_cast<double>(random() % 4000) - 2000.0;
+        }
+        const auto rowOf = [&](int row, double* to) {
+            std::copy_n(values.data() + 90 * row, 90, to);
+            return 90;
+        };
+        std::vector<double> sorted = values;
+        std::sort(sorted.begin(), sorted.end());
+        const auto beside = static_cast<std::size_t>(std::lround(0.01 * (90 * 70 - 1)));
+        for (const double high : {1e6, 100.0, -Inf, Inf, NaN}) {
+            for (const int threads : {1, 3}) {
+                const auto range = robustRange({70, 90, rowOf}, 0.01, -2000.0, high, threads);
+                QCOMPARE(range->first, sorted[beside]);
+                QCOMPARE(range->second, sorted[sorted.size() - 1 - beside]);
+            }
+        }
     }
 
     void percentilesKeepToWhatIsFilledAndNotMasked() {

@@ -2,6 +2,7 @@
 #include <QLineEdit>
 #include <QSlider>
 #include <QTemporaryDir>
+#include <QWheelEvent>
 #include <cmath>
 
 #include "BatchRun.h"
@@ -15,6 +16,7 @@
 #include "display/XafsView.h"
 #include "drawing/Letters.h"
 #include "drawing/PlotPicture.h"
+#include "measurement/Display.h"
 
 /// The strip under the image, with 61 frames from 7000 to 7300 eV.
 class TestFrameStrip : public QObject {
@@ -93,6 +95,41 @@ class TestFrameStrip : public QObject {
         QCOMPARE(frame(), 0);
         type("FrameEnergy", "seven");
         QCOMPARE(energyShown(), QString("7000.00"));
+    }
+
+    void theWheelGoesFrameByFrame() {
+        auto* slider = control<QSlider>("SeekBar");
+        m_body->sliderMoved(20);
+        Mouse::wheel(slider, QPointF(5, 5), 1);
+        QCOMPARE(frame(), 21);
+        Mouse::wheel(slider, QPointF(5, 5), -3);
+        QCOMPARE(frame(), 18);
+        QWheelEvent coarse(QPointF(5, 5), slider->mapToGlobal(QPoint(5, 5)), QPoint(),
+                           QPoint(0, -120), Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase,
+                           false);
+        for (const int expected : {8, 0, 0}) {
+            QApplication::sendEvent(slider, &coarse);
+            QCOMPARE(frame(), expected);
+        }
+    }
+
+    void colorsAbout0LieAbout0() {
+        auto* bar = control<ColorBar>("CBar");
+        press("ViewAbsorption");
+        QVERIFY(bar->rangeMin() > 0.0);
+        MapViews views = measurement().settings().views;
+        for (const ColorScale& scale : colorScales()) {
+            views.frames.scale = scale.isDiverging ? &scale : views.frames.scale;
+        }
+        measurement().set(&Settings::views, views);
+        const double high = bar->rangeMax();
+        QCOMPARE(bar->rangeMin(), -high);
+        const BarPicture saved = shownWithBar(measurement());
+        QCOMPARE(saved.low, -high);
+        QCOMPARE(saved.colors, views.frames.scale);
+        QTest::keyClick(bar, Qt::Key_Up);  // both ends
+        QCOMPARE(bar->rangeMin(), -bar->rangeMax());
+        QVERIFY(bar->rangeMax() > high);
     }
 
     /// What is shown of a pixel is what the map of that difference has, and what is saved.
