@@ -1524,6 +1524,10 @@ Folder</source>
         <source>S&amp;tatistics of the Area</source>
         <translation>領域の統計(&amp;T)</translation>
     </message>
+    <message>
+        <source>Pl&amp;ay the Frames, or Stop</source>
+        <translation>フレームを再生／停止(&amp;A)</translation>
+    </message>
 </context>
 <context>
     <name>CalibCtrl</name>
@@ -2287,10 +2291,6 @@ Folder</source>
 <context>
     <name>FolderContents</name>
     <message>
-        <source>%1 could be meant, too; not taken: %2</source>
-        <translation>%1 の候補がほかにもあります。読み込まなかったもの: %2</translation>
-    </message>
-    <message>
         <source>named as frames of two kinds, not taken: %1</source>
         <translation>名前が 2 種類のフレームに当てはまるため、読み込みません: %1</translation>
     </message>
@@ -2383,6 +2383,26 @@ Folder</source>
     <message>
         <source>loaded %1 frames of %2, %3</source>
         <translation>%2 を %1 フレーム読み込みました、%3</translation>
+    </message>
+    <message>
+        <source>could be meant in place of %1, not taken: %2</source>
+        <translation>%1 のほかに候補がありますが、読み込みません: %2</translation>
+    </message>
+    <message>
+        <source>not a folder: %1</source>
+        <translation>フォルダーではありません: %1</translation>
+    </message>
+    <message>
+        <source>the folder may not be read: %1</source>
+        <translation>フォルダーを読む権限がありません: %1</translation>
+    </message>
+    <message>
+        <source>there is no frame in %1, nor in the folders in it: %2</source>
+        <translation>%1 にも、その中のフォルダーにもフレームがありません: %2</translation>
+    </message>
+    <message>
+        <source>may not be read: %1</source>
+        <translation>読む権限がありません: %1</translation>
     </message>
 </context>
 <context>
