@@ -2095,14 +2095,6 @@ Folder</source>
         <source>R factor and reduced chi-square of the fit of the bin at the position</source>
         <translation>カーソル位置のビンのフィットの R 因子と換算カイ二乗</translation>
     </message>
-    <message>
-        <source>With error:  %1</source>
-        <translation>誤差付: %1</translation>
-    </message>
-    <message>
-        <source>R  %1    χ² red.  %2</source>
-        <translation>R %1  χ²/ν %2</translation>
-    </message>
 </context>
 <context>
     <name>Dark</name>
@@ -2930,10 +2922,6 @@ Folder</source>
 <context>
     <name>MapImage</name>
     <message>
-        <source>Save Energy &amp;Map as Image...</source>
-        <translation>エネルギーマップを画像で保存(&amp;E)...</translation>
-    </message>
-    <message>
         <source>Save Energy Map as Image</source>
         <translation>エネルギーマップを画像で保存</translation>
     </message>
@@ -2952,6 +2940,10 @@ Folder</source>
     <message>
         <source>There is no energy-shift map yet.</source>
         <translation>エネルギーシフトマップがまだありません。</translation>
+    </message>
+    <message>
+        <source>Save Ener&amp;gy Map as Image...</source>
+        <translation>エネルギーマップを画像で保存(&amp;G)...</translation>
     </message>
 </context>
 <context>
@@ -3927,10 +3919,6 @@ Folder</source>
         <translation>合計 %1、R %2、%3 ～ %4 eV (エネルギー %6 個中 %5 個)</translation>
     </message>
     <message>
-        <source>Shares and edge jumps of the references</source>
-        <translation>参照スペクトルの割合とエッジジャンプ</translation>
-    </message>
-    <message>
         <source>Fraction</source>
         <translation>割合</translation>
     </message>
@@ -3941,6 +3929,10 @@ Folder</source>
     <message>
         <source>Save fractions, numbers and curves as a text table</source>
         <translation>割合、各数値、曲線をテキストの表で保存します</translation>
+    </message>
+    <message>
+        <source>Fractions and edge jumps of the references</source>
+        <translation>参照スペクトルの割合とエッジジャンプ</translation>
     </message>
 </context>
 <context>
@@ -4143,20 +4135,16 @@ Folder</source>
         <translation>まだ確認していないメッセージ</translation>
     </message>
     <message>
-        <source>Composite of the shares of the references</source>
-        <translation>参照スペクトルの割合の合成画像</translation>
-    </message>
-    <message>
         <source>No frames yet: open a folder, or select the files of I1 and I0</source>
         <translation>フレーム未読み込み: フォルダーを開くか、I1 と I0 のファイルを選択してください</translation>
+    </message>
+    <message>
+        <source>Composite of the fractions of the references</source>
+        <translation>参照スペクトルの割合の合成画像</translation>
     </message>
 </context>
 <context>
     <name>WhatWasDone</name>
-    <message>
-        <source>&amp;Recent</source>
-        <translation>最近の作業記録(&amp;R)</translation>
-    </message>
     <message>
         <source>Save &amp;What Was Done...</source>
         <translation>作業記録を保存(&amp;W)...</translation>
@@ -4212,6 +4200,10 @@ Folder</source>
     <message>
         <source>Save what was done...</source>
         <translation>作業記録を保存...</translation>
+    </message>
+    <message>
+        <source>&amp;Recent Records</source>
+        <translation>最近の作業記録(&amp;R)</translation>
     </message>
 </context>
 <context>
