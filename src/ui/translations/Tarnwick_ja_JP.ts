@@ -2095,6 +2095,12 @@ Folder</source>
         <source>R factor and reduced chi-square of the fit of the bin at the position</source>
         <translation>カーソル位置のビンのフィットの R 因子と換算カイ二乗</translation>
     </message>
+    <message>
+        <source>R  %1
+χ² red.  %2</source>
+        <translation>R  %1
+χ²/ν  %2</translation>
+    </message>
 </context>
 <context>
     <name>Dark</name>

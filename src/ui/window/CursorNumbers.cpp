@@ -74,6 +74,6 @@ void CursorNumbers::show(const Measurement& measurement, const Result* shown, in
     const auto known = [&](ResultId id) {
         return inShort(isFit ? at(id, -1) : std::numeric_limits<double>::quiet_NaN());
     };
-    m_goodness->setText(QStringLiteral("R  %1\n\u03c7\u00b2 red.  %2")
+    m_goodness->setText(Texts::tr("R  %1\n\u03c7\u00b2 red.  %2")
                             .arg(known(ResultId::R), known(ResultId::Chi2Reduced)));
 }
