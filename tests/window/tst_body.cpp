@@ -233,6 +233,7 @@ class TestBody : public QObject {
         QVERIFY(lines().startsWith("\u00b1 - | R  " + number(ResultId::R)));
         QVERIFY(
             textOf("Message", analyzerWindow()).startsWith("Fitted 96 bins with 2 references in "));
+        QVERIFY(textOf("Notice").startsWith("Fitted 96 bins with 2 references in "));
         measurement.set(&Settings::shown, Shown::I1);
         QCOMPARE(lines(), none);
     }

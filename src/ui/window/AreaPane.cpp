@@ -1,5 +1,7 @@
 #include "window/AreaPane.h"
 
+#include <QToolButton>
+
 #include "display/HistogramView.h"
 #include "display/XafsView.h"
 #include "measurement/AreaSaving.h"
@@ -16,6 +18,11 @@ AreaPane::AreaPane(Measurement& measurement, Ui::Body& ui, const Panels& panels,
     XafsView* const plot = panels.spectrum.get();
     auto* tools = new AreaTools(ui.dispA);
     ui.binColumn->insertWidget(1, tools);
+    QWidget* last = ui.VWidth;
+    for (QToolButton* tool : tools->findChildren<QToolButton*>()) {
+        QWidget::setTabOrder(last, tool);
+        last = tool;
+    }
     connect(tools, &AreaTools::statisticsAsked, panel, &QWidget::show);
     connect(panel, &AreaStatistics::said, this, &AreaPane::said);
     connect(panel, &AreaStatistics::spectrumFormed, plot,
