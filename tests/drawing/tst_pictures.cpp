@@ -48,9 +48,9 @@ class PicturesTest : public QObject {
             map.setScale(low, high);
             map.setFixedScale(true);
         }
-        std::vector<bool> mask(61 * 37);
+        MaskPixels mask(61 * 37);
         mask[100] = mask[1000] = true;
-        map.setMask(std::make_shared<const std::vector<bool>>(mask));
+        map.setMask(std::make_shared<const MaskPixels>(mask));
         MapColoring coloring{&resultColors(), map.rangeMin(), map.rangeMax(), false};
         const ShownValues values{map.shown(), 61, 37, QRect(0, 0, 61, 37), &mask};
         const QImage own = map.img()->convertToFormat(QImage::Format_RGB32);
@@ -75,7 +75,7 @@ class PicturesTest : public QObject {
     void compositesMixLight() {
         const double red[] = {0.0, 1.0, 0.5, 2.0, NotANumber, 0.0};
         const double blue[] = {0.0, 0.0, 0.5, -1.0, 1.0, 1.0};
-        const std::vector<bool> masked{false, false, false, false, false, true};
+        const MaskPixels masked{0, 0, 0, 0, 0, 1};
         const QRect all(0, 0, 6, 1);
         const QImage mixed = compositePicture(
             {{ShownValues{red, 6, 1, all, nullptr}, {}, ShownValues{blue, 6, 1, all, &masked}},

@@ -114,10 +114,18 @@ class TestAnalyzed2DRes : public QObject {
         map.genImg();
         QCOMPARE(map.filled(), QRect(2, 3, 12, 6));
         QCOMPARE(map.robustRange(), std::make_pair(5.0, 8.0));
-        std::vector<bool> mask(400);
+        MaskPixels mask(400);
         mask[4 * 20 + 3] = mask[7 * 20 + 3] = true;
-        map.setMask(std::make_shared<const std::vector<bool>>(mask));
+        map.setMask(std::make_shared<const MaskPixels>(mask));
         QCOMPARE(map.robustRange(), std::make_pair(6.0, 8.0));
+        // Beside a shape, whatever stands there.
+        auto inside = std::make_shared<PixelSet>(QRect(0, 0, 20, 20));
+        inside->insert(4, 0, 8);
+        map.startOver(AnalysisGrid::ofArea(20, 20, 1, 1, QRectF(2, 3, 12, 12), inside));
+        map.fill(0.0);
+        map.setRow(3, 3, 4, 1, 1, row.constData(), 1, 4);
+        map.genImg();
+        QCOMPARE(map.robustRange(), std::make_pair(5.0, 6.0));
     }
 
     void aRowOfBinsIsThatOfEachBin_data() {
@@ -277,7 +285,7 @@ class TestAnalyzed2DRes : public QObject {
         map->genImg();
         const Words before = wordsOf(map.get(), false, 0, 0, false);
         const Mask mask = maskBelow(*jump, *error, 5.0);
-        QCOMPARE(*mask, (std::vector<bool>{false, true, false, true, true}));
+        QCOMPARE(*mask, (MaskPixels{0, 1, 0, 1, 1}));
         QVERIFY(maskBelow(*jump, Analyzed2DRes(), 5.0) == nullptr);
         map->setMask(mask);
         QCOMPARE(map->rangeMin(), 0.25);  // of what is left

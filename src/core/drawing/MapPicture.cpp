@@ -56,6 +56,12 @@ class Lookup {
         }
     }
 
+    void leaveOut(const unsigned char* isBlank, int count, QRgb* to) const {
+        for (int i = 0; i < count; ++i) {
+            to[i] = isBlank[i] != 0 ? m_blank : to[i];
+        }
+    }
+
   private:
     double m_low;
     double m_high;
@@ -66,15 +72,6 @@ class Lookup {
     QRgb m_blank;
     std::vector<QRgb> m_table;  // behind the colours: below, above, blank
 };
-
-void blankOut(const std::vector<bool>& blank, std::size_t first, const QRect& filled, QRgb color,
-              QRgb* line) {
-    for (int x = filled.left(); x <= filled.right(); ++x) {
-        if (blank[first + static_cast<std::size_t>(x)]) {
-            line[x] = color;
-        }
-    }
-}
 
 }  // namespace
 
@@ -89,21 +86,24 @@ QImage mapPicture(const ShownValues& map, const MapColoring& coloring, int threa
     if (filled != picture.rect() || map.values == nullptr) {
         picture.fill(lookup.blank());
     }
+    if (map.values == nullptr || filled.isEmpty()) {
+        return picture;
+    }
     uchar* const pixels = picture.bits();
     const auto bytes = static_cast<std::size_t>(picture.bytesPerLine());
-    RowShares rows(map.values != nullptr ? filled.height() : 0);
+    RowShares rows(filled.height());
     inThreads(threads, [&] {
         int row = 0;
         int end = 0;
         while (rows.take(&row, &end)) {
             for (; row < end; ++row) {
                 const auto y = static_cast<std::size_t>(filled.top() + row);
-                const std::size_t first = y * static_cast<std::size_t>(map.width);
-                auto* line = reinterpret_cast<QRgb*>(pixels + y * bytes);
-                lookup.colour(map.values + first + filled.left(), filled.width(),
-                              line + filled.left());
+                auto* line = reinterpret_cast<QRgb*>(pixels + y * bytes) + filled.left();
+                const std::size_t first = y * static_cast<std::size_t>(map.width) +
+                                          static_cast<std::size_t>(filled.left());
+                lookup.colour(map.values + first, filled.width(), line);
                 if (map.blank != nullptr) {
-                    blankOut(*map.blank, first, filled, lookup.blank(), line);
+                    lookup.leaveOut(map.blank->data() + first, filled.width(), line);
                 }
             }
         }

@@ -2,17 +2,17 @@
 
 #include <QImage>
 #include <QRect>
-#include <vector>
 
 #include "base/ColorMap.h"
+#include "maps/Mask.h"
 
 /// The values of a map, row by row, one a pixel.
 struct ShownValues {
     const double* values = nullptr;
     int width = 0;
     int height = 0;
-    QRect filled;                              ///< pixels beside it have no value
-    const std::vector<bool>* blank = nullptr;  ///< further pixels that have none; null: none
+    QRect filled;                       ///< pixels beside it have no value
+    const MaskPixels* blank = nullptr;  ///< further pixels that have none; null: none
 };
 
 /// What stands for what in a picture of a map.

@@ -158,8 +158,9 @@ std::pair<double, double> Analyzed2DRes::robustRange(int threads) const {
         int n = 0;
         for (int column = 0; column < bins.columns; ++column) {
             const std::size_t pixel = line + static_cast<std::size_t>(bins.x(column));
+            const bool isShown = std::isfinite(shown[pixel]) && !isBlank(pixel);
             to[n] = shown[pixel];
-            n += std::isfinite(shown[pixel]) && !isBlank(pixel) ? 1 : 0;
+            n += isShown && bins.holds(column, row * step) ? 1 : 0;
         }
         return n;
     };

@@ -61,11 +61,12 @@ class Analyzed2DRes : public QObject {
     /// Pictures show pixels that are no number in mid grey, as they always do with a mask or over a
     /// grid with inner points; else in the colour of the lower end.
     void markGaps() { m_marksGaps = true; }
+    bool showsGaps() const { return m_marksGaps || m_mask || m_grid.inside; }
     bool isMasked() const { return m_mask != nullptr; }
     const Mask& mask() const { return m_mask; }
     bool isMaskedAt(qint64 x, qint64 y) const {
         return m_mask && m_grid.isInsideImage(x, y) &&
-               (*m_mask)[static_cast<std::size_t>(y * m_grid.width + x)];
+               (*m_mask)[static_cast<std::size_t>(y * m_grid.width + x)] != 0;
     }
     /// Takes the values that another shows, no number where it is masked.
     void takeVisible(const Analyzed2DRes& other);
@@ -157,7 +158,7 @@ class Analyzed2DRes : public QObject {
     void touch(qint64 first, qint64 last);
     double at(const Array& array, qint64 x, qint64 y) const;
     bool isBlank(std::size_t pixel) const {
-        return m_mask && pixel < m_mask->size() && (*m_mask)[pixel];
+        return m_mask && pixel < m_mask->size() && (*m_mask)[pixel] != 0;
     }
     Range visibleExtremes() const;
     Range rangeInUse() const;

@@ -46,8 +46,7 @@ void Analyzed2DRes::dropPicture() {
 }
 
 Analyzed2DRes::Picture Analyzed2DRes::pictureOfNow() const {
-    Picture picture{shownArray(), m_grid.width, m_grid.height, std::nullopt,
-                    m_marksGaps || m_mask || m_grid.inside};
+    Picture picture{shownArray(), m_grid.width, m_grid.height, std::nullopt, showsGaps()};
     if (!m_mask) {
         picture.range = rangeInUse();
     }

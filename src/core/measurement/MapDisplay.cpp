@@ -18,8 +18,6 @@ MapColoring coloringOf(const Measurement& measurement, const Result& result) {
     const Analyzed2DRes& image = result.image;
     MapColoring coloring;
     coloring.colors = &view.colors.inPlaceOf(resultColors());
-    coloring.low = image.rangeMin();
-    coloring.high = image.rangeMax();
     coloring.marksOutside = image.isFixedScale() && !view.isStated();
     if (view.range.kind == MapRange::Kind::Fixed) {
         coloring.low = view.range.low;
@@ -28,6 +26,9 @@ MapColoring coloringOf(const Measurement& measurement, const Result& result) {
     } else if (view.range.kind == MapRange::Kind::Robust && !image.isFixedScale()) {
         std::tie(coloring.low, coloring.high) = image.robustRange(measurement.threads());
         coloring.marksOutside = true;
+    } else {
+        coloring.low = image.rangeMin();
+        coloring.high = image.rangeMax();
     }
     if (coloring.colors->isDiverging && coloring.low <= coloring.high) {
         coloring.high = std::max(std::abs(coloring.low), std::abs(coloring.high));

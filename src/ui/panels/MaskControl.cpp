@@ -22,15 +22,20 @@ struct Blanks {
     qint64 blank = 0;
 };
 
+/// Of an image with a mask.
 Blanks blanksOf(const Analyzed2DRes& image) {
     Blanks found;
     const BinRaster raster = image.grid().raster();
+    const unsigned char* const mask = image.mask()->data();
+    const auto width = static_cast<std::ptrdiff_t>(image.grid().width);
     for (int row = 0; row < raster.rows; ++row) {
+        const unsigned char* const line = mask + raster.y(row) * width;
         for (int column = 0; column < raster.columns; ++column) {
-            found.blank += image.isMaskedAt(raster.x(column), raster.y(row)) ? 1 : 0;
+            const bool isBin = raster.holds(column, row);
+            found.bins += isBin ? 1 : 0;
+            found.blank += isBin && line[raster.x(column)] != 0 ? 1 : 0;
         }
     }
-    found.bins = static_cast<qint64>(raster.columns) * raster.rows;
     return found;
 }
 

@@ -208,7 +208,7 @@ QImage ImagePane::markedPicture() {
         return m_painted;
     }
     const QImage picture = shownPicture(m_measurement);
-    if (picture.isNull() || result == nullptr) {
+    if (picture.isNull() || result == nullptr || result->image.showsGaps()) {
         return picture;
     }
     // What had to be made is kept, for it is painted anew with every move of the mouse.
@@ -298,7 +298,11 @@ QString ImagePane::sharesText(int x, int y) const {
     QStringList texts;
     for (const int n : m_measurement.settings().composite.references) {
         if (const Result* share = m_measurement.find(ResultId::Ratio, n)) {
-            texts << QString::number(100.0 * share->image.visibleValueAt(x, y), 'f', 0);
+            const double value = share->image.visibleValueAt(x, y);
+            if (std::isnan(value)) {
+                return valueText(value);
+            }
+            texts << QString::number(100.0 * value, 'f', 0);
         }
     }
     return texts.join(QLatin1Char(':')) + QStringLiteral(" %");
