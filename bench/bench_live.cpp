@@ -18,6 +18,7 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QMouseEvent>
+#include <QSlider>
 #include <QTimer>
 #include <atomic>
 #include <cstdio>
@@ -217,6 +218,28 @@ class Live {
     }
 
     Measurement& window() { return m_body.measurement(); }
+    int turns() const { return m_turns; }
+
+    /// Until what a step of the slider of the mask has changed has been painted.
+    void dragMask(const char* name) {
+        constexpr int Steps = 20;
+        QSlider* const slider = findSlider();
+        slider->setSliderDown(true);
+        QElapsedTimer clock;
+        clock.start();
+        const qint64 before = processorTime();
+        for (int i = 0; i < Steps; ++i) {
+            slider->setValue(4 + i);
+            turnEvents(0);
+            QCoreApplication::processEvents();
+            QCoreApplication::processEvents();
+        }
+        const double all = static_cast<double>(clock.nsecsElapsed()) * 1e-6;
+        const double busy = static_cast<double>(processorTime() - before) * 1e-6;
+        slider->setSliderDown(false);
+        turnEvents(100);
+        line(name, {all / Steps, 0.0, 0.0, busy / Steps});
+    }
 
     void compare(const char* name, Work work) {
         Took with{1e300, 1e300, 1e300, 1e300};
@@ -390,6 +413,7 @@ class Live {
     }
 
     void ofMaps() {
+        set(true, true, Shown::Result);
         timed(window(), Work::Fit, false, [&] { start(window(), Work::Fit); });
         timed(window(), Work::Residual, false, [&] { start(window(), Work::Residual); });
         timed(window(), Work::Calibrate, false, [&] { start(window(), Work::Calibrate); });
@@ -399,6 +423,7 @@ class Live {
         window().set(&Settings::fixedScale, false);
         line("set mask", atOnce(window(), [&] { must(window().setMask(3.0)); }));
         line("move mask", atOnce(window(), [&] { must(window().setMask(4.0)); }));
+        dragMask("a step of the mask's slider");
         line("clear mask", atOnce(window(), [&] { must(window().setMask(0.0)); }));
         line("remake pictures", atOnce(window(), [&] { window().remakePictures(); }));
         line("remake residual absorption", atOnce(window(), [&] { window().remakeResidual(); }));
@@ -409,6 +434,14 @@ class Live {
     }
 
   private:
+    static QSlider* findSlider() {
+        for (QWidget* widget : QApplication::allWidgets()) {
+            if (widget->objectName() == QLatin1String("MaskSlider")) {
+                return qobject_cast<QSlider*>(widget);
+            }
+        }
+        qFatal("no slider");
+    }
     static void start(Measurement& measurement, Work work) {
         const Outcome outcome = measurement.start(work);
         if (outcome.failed()) {
