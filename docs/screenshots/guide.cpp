@@ -31,7 +31,7 @@ namespace {
 const QSize DockedWindow(1366, 708);  // on a small screen with a title bar
 const QSize MainWindow(900, 740);     // with the tools beside it
 const QSize Plot(620, 440);
-constexpr int MuT = 0;                // in the choice of the ordinate
+constexpr int MuT = 0;  // in the choice of the ordinate
 constexpr int FrameBehindEdge = 63;
 
 template <class Window>

@@ -103,6 +103,11 @@ void Analyzed2DRes::setMask(const Mask& mask) {
     }
 }
 
+void Analyzed2DRes::setNoise(const Mask& noise) {
+    m_noise = noise;
+    m_robustRange.reset();
+}
+
 void Analyzed2DRes::takeVisible(const Analyzed2DRes& other) {
     startOver(other.grid());
     m_mask = other.m_mask;
@@ -152,22 +157,30 @@ std::pair<double, double> Analyzed2DRes::robustRange(int threads) const {
         ++rows;
     }
     const int step = m_follows ? std::max(1, rows / RowsFollowed) : 1;
+    const unsigned char* leftOut = m_noise ? m_noise->data() : nullptr;
     const auto valuesOf = [&](int row, double* to) {
         const std::size_t line =
             static_cast<std::size_t>(bins.y(row * step)) * static_cast<std::size_t>(m_grid.width);
         int n = 0;
         for (int column = 0; column < bins.columns; ++column) {
             const std::size_t pixel = line + static_cast<std::size_t>(bins.x(column));
-            const bool isShown = std::isfinite(shown[pixel]) && !isBlank(pixel);
+            const bool isShown = std::isfinite(shown[pixel]) && !isBlank(pixel) &&
+                                 (leftOut == nullptr || leftOut[pixel] == 0);
             to[n] = shown[pixel];
             n += isShown && bins.holds(column, row * step) ? 1 : 0;
         }
         return n;
     };
     const Range all = m_showProc ? Range{m_procMin, m_procMax} : Range{m_dataMin, m_dataMax};
-    const auto found =
-        ::robustRange({(rows + step - 1) / step, std::max(0, bins.columns), valuesOf}, 0.01,
-                      all.min, all.max, threads);
+    const auto find = [&] {
+        return ::robustRange({(rows + step - 1) / step, std::max(0, bins.columns), valuesOf}, 0.01,
+                             all.min, all.max, threads);
+    };
+    auto found = find();
+    if (!found && leftOut != nullptr) {
+        leftOut = nullptr;
+        found = find();
+    }
     const bool isRange = found && found->first < found->second;
     const std::pair<double, double> range =
         isRange ? *found : std::make_pair(rangeMin(), rangeMax());
@@ -225,6 +238,7 @@ void Analyzed2DRes::fill(double value) {
 void Analyzed2DRes::startOver(const AnalysisGrid& grid) {
     m_showProc = false;
     m_mask.reset();
+    m_noise.reset();
     setGrid(grid);
     clear();
 }

@@ -68,6 +68,8 @@ class Analyzed2DRes : public QObject {
         return m_mask && m_grid.isInsideImage(x, y) &&
                (*m_mask)[static_cast<std::size_t>(y * m_grid.width + x)] != 0;
     }
+    /// Bins that robustRange() leaves out; null: none. Gone with startOver().
+    void setNoise(const Mask& noise);
     /// Takes the values that another shows, no number where it is masked.
     void takeVisible(const Analyzed2DRes& other);
 
@@ -79,10 +81,10 @@ class Analyzed2DRes : public QObject {
     /// The range in use: the fixed scale, else that of the array shown as far as it is not masked.
     double rangeMin() const;
     double rangeMax() const;
-    /// The percentiles 1 and 99 of the finite values of the bins filled that are not masked: of n
-    /// values in order those that have round(0.01 (n - 1)) others below and above them. The range
-    /// in use where both are equal or there are none. As of the last genImg(); of some hundred rows
-    /// while values are still coming in.
+    /// The percentiles 1 and 99 of the finite values of the bins filled that are neither masked nor
+    /// noise: of n values in order those that have round(0.01 (n - 1)) others below and above them.
+    /// Of noise, too, where there is nothing else. The range in use where both are equal or there
+    /// are none. As of the last genImg(); of some hundred rows while values are still coming in.
     std::pair<double, double> robustRange(int threads = 1) const;
     bool showsProc() const { return m_showProc; }
     bool isFixedScale() const { return m_fixedScale; }
@@ -188,6 +190,7 @@ class Analyzed2DRes : public QObject {
     double m_deglitchRatio = 0.1;
     bool m_showProc = false;
     Mask m_mask;
+    Mask m_noise;
     bool m_marksGaps = false;
     mutable std::optional<Range> m_visibleRange;  // while there is a mask, once it is asked for
     mutable std::optional<std::pair<double, double>> m_robustRange;  // once it is asked for

@@ -6,6 +6,11 @@
 
 #include "measurement/Measurement.h"
 
+namespace {
+/// A total jump below this times its error is noise.
+constexpr double NoiseFactor = 5.0;
+}  // namespace
+
 void Measurement::applyScales() {
     const auto apply = [this](Result& result) {
         const ResultScale scale = result.kind().scale;
@@ -124,12 +129,17 @@ Outcome Measurement::setMask(double factor) {
 }
 
 /// Values of one fit have one mask.
+/// Without a mask, too, colours are those of the values that mean something: beside the sample a
+/// fraction is any number.
 void Measurement::applyMask() {
     const Analyzed2DRes& jump = m_results.find(ResultId::TotalJump)->image;
     const Analyzed2DRes& error = m_results.find(ResultId::TotalJumpError)->image;
-    const Mask mask = m_settings.mask > 0.0 ? maskBelow(jump, error, m_settings.mask) : nullptr;
+    const bool isMasked = m_settings.mask > 0.0;
+    const Mask mask = isMasked ? maskBelow(jump, error, m_settings.mask) : nullptr;
+    const Mask noise = isMasked ? nullptr : maskBelow(jump, error, NoiseFactor);
     for (Result* result : resultsOf(Work::Fit)) {
         result->image.setMask(mask);
+        result->image.setNoise(noise);
     }
 }
 
