@@ -371,7 +371,8 @@ void ImagePane::updateValueAndCrossSections() {
                                                                : valueText(valueAt(x, y))
                                : nothing);
     m_ui.Value->setCursorPosition(0);
-    m_numbers->show(m_measurement, inside ? m_measurement.shownResult() : nullptr, x, y);
+    const bool isOfMap = inside && !showsComposite(m_measurement);
+    m_numbers->show(m_measurement, isOfMap ? m_measurement.shownResult() : nullptr, x, y);
     const Settings& settings = m_measurement.settings();
     m_hCross->setProfile(rowProfile(width, height, valueAt, y, settings.halfHeight), 0);
     m_vCross->setProfile(columnProfile(width, height, valueAt, x, settings.halfWidth), 0);
