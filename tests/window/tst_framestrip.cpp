@@ -51,6 +51,7 @@ class TestFrameStrip : public QObject {
         for (QWidget* widget : QApplication::allWidgets()) {
             plot = widget->objectName() == "Spectrum" ? qobject_cast<XafsView*>(widget) : plot;
         }
+        QVERIFY(plot != nullptr);
         auto* canvas = control<QWidget>("Canvas", plot);
         control<QComboBox>("Abscissa", plot)->setCurrentIndex(unit);
         plot->show();

@@ -46,7 +46,7 @@ class AreaStatistics : public Panel<QWidget> {
     void offer();
     void takeThreshold();
     void formSpectrum();
-    void spectrumDone(const AreaSpectrum& spectrum);
+    void spectrumDone(const AreaSpectrum& area);
 
     Measurement& m_measurement;
     AreaSpectrumJob m_job;

@@ -20,7 +20,7 @@ class XafsView;
 
 /// The panels that stand in docks of the main window.
 struct Panels {
-    Panels(Measurement& measurement, Messages& messages);
+    Panels(Measurement& measurement, Messages& all);
     ~Panels();
 
     std::unique_ptr<XafsView> spectrum;

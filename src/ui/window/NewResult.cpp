@@ -15,11 +15,16 @@ NewResult::NewResult(Measurement& measurement, QObject* parent)
 
 void NewResult::started(Work work) {
     m_work = work;
-    m_atStart = m_measurement.settings();
+    m_atStart = choice();
+}
+
+NewResult::Choice NewResult::choice() const {
+    const Settings& now = m_measurement.settings();
+    return {now.shown, now.selected, now.namedKind};
 }
 
 bool NewResult::isAsAtStart() const {
-    const Settings& now = m_measurement.settings();
+    const Choice now = choice();
     return now.shown == m_atStart.shown && now.selected == m_atStart.selected &&
            now.namedKind == m_atStart.namedKind;
 }

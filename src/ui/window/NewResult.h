@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <optional>
 
 #include "measurement/Measurement.h"
 
@@ -22,9 +23,17 @@ class NewResult : public QObject {
   private:
     void ended(Work work, const Outcome& outcome);
     void show(Work work);
+
+    /// What says which image is chosen.
+    struct Choice {
+        Shown shown = Shown::I1;
+        int selected = -1;
+        std::optional<ResultId> namedKind;
+    };
+    Choice choice() const;
     bool isAsAtStart() const;
 
     Measurement& m_measurement;
-    Settings m_atStart;
+    Choice m_atStart;
     Work m_work = Work::None;
 };
