@@ -1,5 +1,5 @@
 # tarnwick_test(NAME LABEL SOURCE LIBRARIES...): one QtTest program under CTest, on the offscreen
-# platform (no display is needed). A case that hangs ends after a minute.
+# platform (no display is needed). A case that hangs ends after four minutes.
 function(tarnwick_test name label source)
     add_executable(${name} "${source}")
     target_link_libraries(${name} PRIVATE ${ARGN} tarnwick_test_support Qt5::Test
