@@ -47,11 +47,7 @@ class TestFrameStrip : public QObject {
         QFETCH(int, unit);
         BatchRun batch(*m_body);
         QVERIFY(batch.succeeds({"move_position 4 4", "show_frame 7", "select_disp_image 1"}));
-        XafsView* plot = nullptr;  // a window of its own, or docked
-        for (QWidget* widget : QApplication::allWidgets()) {
-            plot = widget->objectName() == "Spectrum" ? qobject_cast<XafsView*>(widget) : plot;
-        }
-        QVERIFY(plot != nullptr);
+        auto* plot = control<XafsView>("Spectrum", m_body.get());
         auto* canvas = control<QWidget>("Canvas", plot);
         control<QComboBox>("Abscissa", plot)->setCurrentIndex(unit);
         plot->show();
