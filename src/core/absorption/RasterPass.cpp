@@ -17,12 +17,21 @@ constexpr std::size_t RowsAhead = 8;
 
 RasterPass::RasterPass(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
                        std::vector<Evaluate> evaluators, std::function<void()> ready)
+    : RasterPass(source, raster, {0, raster.rows}, valuesPerBin, std::move(evaluators),
+                 std::move(ready)) {}
+
+RasterPass::RasterPass(const AbsorptionSource& source, const BinRaster& raster, const Rows& rows,
+                       int valuesPerBin, std::vector<Evaluate> evaluators,
+                       std::function<void()> ready)
     : m_source(source),
       m_raster(raster),
+      m_end(std::min(rows.end, raster.rows)),
       m_valuesPerBin(valuesPerBin),
       m_evaluators(std::move(evaluators)),
       m_ready(std::move(ready)),
-      m_slots(m_evaluators.size() + RowsAhead) {
+      m_slots(m_evaluators.size() + RowsAhead),
+      m_begun(rows.first),
+      m_taken(rows.first) {
     m_threads.reserve(m_evaluators.size());
     try {
         for (const Evaluate& evaluate : m_evaluators) {
@@ -84,10 +93,10 @@ void RasterPass::evaluateRows(const Evaluate& evaluate) {
 bool RasterPass::nextRow(int* row) {
     std::unique_lock<std::mutex> lock(m_mutex);
     m_roomMade.wait(lock, [this] {
-        return m_stopped || m_begun >= m_raster.rows ||
+        return m_stopped || m_begun >= m_end ||
                static_cast<std::size_t>(m_begun - m_taken) < m_slots.size();
     });
-    if (m_stopped || m_begun >= m_raster.rows) {
+    if (m_stopped || m_begun >= m_end) {
         return false;
     }
     *row = m_begun++;
@@ -115,7 +124,7 @@ void RasterPass::finish(int row, const Tally& tally, std::vector<double>* values
 }
 
 bool RasterPass::isReady() const {
-    if (m_failure != Failure::None || m_taken >= m_raster.rows) {
+    if (m_failure != Failure::None || m_taken >= m_end) {
         return true;
     }
     const Slot& slot = m_slots[static_cast<std::size_t>(m_taken) % m_slots.size()];
@@ -123,14 +132,14 @@ bool RasterPass::isReady() const {
 }
 
 RasterPass::Row RasterPass::taken() {
-    if (m_failure != Failure::None || m_taken >= m_raster.rows) {
+    if (m_failure != Failure::None || m_taken >= m_end) {
         return {};
     }
     const int row = m_taken++;
     Slot& slot = slotOf(row);
     std::swap(m_current, slot.values);
     slot.done = false;
-    return {row, m_current.data(), slot.tally};
+    return {row, m_current.data(), slot.tally, {}};
 }
 
 RasterPass::Row RasterPass::take() {
@@ -147,7 +156,7 @@ RasterPass::Row RasterPass::take() {
 const double* RasterPass::at(int x, int y) {
     const int column = (x - m_raster.firstX) / std::max(1, m_raster.stepX);
     if (x < m_raster.firstX || column >= m_raster.columns || y < m_raster.firstY ||
-        y > m_raster.y(m_raster.rows - 1)) {
+        y > m_raster.y(m_end - 1)) {
         return nullptr;
     }
     while (m_row.values == nullptr || m_raster.y(m_row.row) < y) {

@@ -54,15 +54,28 @@ class RasterPass {
         }
     };
 
+    /// Pixels at 65535 of a frame in the rows of pixels of a row of bins.
+    struct Saturated {
+        int frame = 0;  ///< the I1 frames in order of energy, then those of I0
+        quint32 pixels = 0;
+    };
+
     /// A row of results, column after column, no number for bins that are not inside; null with the
     /// last row taken or after a failure.
     struct Row {
         int row = 0;
         const double* values = nullptr;
         Tally tally;
+        std::vector<Saturated> saturated = {};  ///< of frames whose counts are read for the pass
     };
 
-    enum class Failure { None, Memory, NoThread };
+    /// Rows first .. end - 1 of a raster.
+    struct Rows {
+        int first = 0;
+        int end = 0;
+    };
+
+    enum class Failure { None, Memory, NoThread, Read };
 
     /// One evaluator for each thread; they are called there. Where the system gives fewer threads,
     /// those do the whole work; where it gives none, the pass has failed and ready is called here.
@@ -70,6 +83,10 @@ class RasterPass {
     /// for has been finished.
     RasterPass(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
                std::vector<Evaluate> evaluators, std::function<void()> ready = {});
+    /// The same for some of the rows, which keep their numbers.
+    RasterPass(const AbsorptionSource& source, const BinRaster& raster, const Rows& rows,
+               int valuesPerBin, std::vector<Evaluate> evaluators,
+               std::function<void()> ready = {});
     /// Stops the threads in mid-work.
     ~RasterPass();
 
@@ -105,6 +122,7 @@ class RasterPass {
 
     const AbsorptionSource& m_source;
     const BinRaster m_raster;
+    const int m_end;
     const int m_valuesPerBin;
     const std::vector<Evaluate> m_evaluators;
     const std::function<void()> m_ready;
@@ -113,8 +131,8 @@ class RasterPass {
     std::condition_variable m_rowDone;
     std::condition_variable m_roomMade;
     std::vector<Slot> m_slots;  // a few rows ahead of the one to be taken next
-    int m_begun = 0;            // rows that a thread has begun or done
-    int m_taken = 0;
+    int m_begun;                // rows that a thread has begun or done
+    int m_taken;
     bool m_stopped = false;
     Failure m_failure = Failure::None;
     std::vector<double> m_current;  // the row taken last

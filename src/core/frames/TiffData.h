@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+class CountFile;
 class QImage;
 struct FrameReader;
 
@@ -26,6 +27,9 @@ struct TiffData {
     quint32 min = 0xFFFFFFFFu;
     quint32 max = 0;
     std::vector<quint16*> rows;  ///< owned; one after the other in memory when read from TIFF
+    /// Where the counts lie of a frame that was loaded by its header alone; else null. Such a frame
+    /// has no rows, and neither min, max nor saturated.
+    std::shared_ptr<CountFile> countFile;
     double energy = 0.0;         ///< eV, from the file's name
     uchar* pixels = nullptr;     ///< the picture's memory, owned
     QImage* image = nullptr;     ///< over `pixels`, owned

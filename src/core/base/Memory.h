@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+#include <optional>
+
+// How much memory the program may take. Sizes are in bytes.
+
+/// Half of what the machine has, or of what its cgroup (v1 or v2) may have, whichever is less.
+quint64 defaultMemoryLimit();
+
+/// The limit in force: the default one until another is set.
+quint64 memoryLimit();
+/// Before any work has begun.
+void setMemoryLimit(quint64 bytes);
+
+/// What is resident of the program now; 0 where the system does not tell.
+quint64 residentMemory();
+
+/// "4096", "512K", "256M", "1.5G", "2T", also with "B" or "iB" behind: powers of 1024. Nothing for
+/// any other text and for sizes below 1.
+std::optional<quint64> sizeFromText(const QString& text);
+
+/// For messages: "3.4 GB", "812 MB", in powers of 1024, as sizeFromText() reads them.
+QString sizeText(quint64 bytes);

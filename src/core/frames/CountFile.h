@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+/// The counts of one frame where they lie, for frames that are loaded by their headers alone
+/// (TiffData::countFile, TiffData::rows is empty then). Any thread may call any of it.
+class CountFile {
+  public:
+    CountFile() = default;
+    virtual ~CountFile() = default;
+    CountFile(const CountFile&) = delete;
+    CountFile& operator=(const CountFile&) = delete;
+
+    /// Reads rows first .. first + rows - 1, one after the other, width counts a row, in the
+    /// byte order of the machine. Empty; else what went wrong, with the file's name, and nothing is
+    /// promised of what `to` holds.
+    virtual QString read(quint32 first, quint32 rows, quint16* to) = 0;
+    /// Tells the system that these rows are read soon.
+    virtual void willRead(quint32 first, quint32 rows) = 0;
+    /// That the file is of another size or time than when it was loaded, with its name; empty where
+    /// it is not.
+    virtual QString change() const = 0;
+};
