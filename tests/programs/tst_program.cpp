@@ -105,7 +105,9 @@ class TestProgram : public QObject {
         row({"--", "-b"}, 2, "cannot open -b");
         row({"--check"}, 2, "No file given");
         row({"a.bat", "b.bat"}, 2, "");
-        row({"--strict", "--check", "b.bat"}, 2, "go with a run only");
+        row({"--strict", "--check", "b.bat"}, 2, "--strict does not go with --check");
+        row({"--check", "--record", "b.bat"}, 2, "Only one of --check and --record");
+        row({"-C", ".", "--origin", "b.bat"}, 2, "-C does not go with --origin");
         row({"--report", "./b.bat", "b.bat"}, 2, "would replace the batch file");
         row({"--report", "nowhere/r.json", "b.bat"}, 2, "cannot write");
         row({"-x", "a.bat"}, 2, "");

@@ -2,10 +2,11 @@
 
 #include <QCommandLineParser>
 #include <QFileInfo>
+#include <algorithm>
+
+#include "tarnwick-batch/OptionRows.h"
 
 namespace {
-
-constexpr int MostThreads = 1024;
 
 const char* const Description =
     "Runs a Tarnwick batch file to its end, without a display, or says how a saved\n"
@@ -16,74 +17,80 @@ const char* const Description =
     "--check: has an error; with --origin and --record: the file does not tell), 2 wrong\n"
     "usage or unreadable batch file, 130 after Ctrl-C.";
 
-/// The switches and what they say in the help text.
-struct Switches {
-    QCommandLineOption check{"check", "Check the batch without running it."};
-    QCommandLineOption threads{"threads",
-                               "Threads for analyses: 1 to 1024 (one for each core). The results "
-                               "are the same for any number.",
-                               "N"};
-    QCommandLineOption folder{
-        "C", "Run the batch in this folder. FILE is taken from where the program is started.",
-        "FOLDER"};
-    QCommandLineOption strict{"strict", "A warning counts as a failure."};
-    QCommandLineOption times{"times",
-                             "Put the time of day before each text of the log, and the time that "
-                             "all took behind the last."};
-    QCommandLineOption report{"report",
-                              "Write what became of each line to this file, as JSON. It is taken "
-                              "from where the program is started.",
-                              "JSON"};
-    QCommandLineOption verbose{"verbose", "Print debug lines on standard error."};
-    QCommandLineOption origin{
-        "origin",
-        "Print what the saved result FILE (TIFF, PNG, HDF5, table) says of how it was made."};
-    QCommandLineOption record{"record", "Print the batch that makes the saved result FILE again."};
-    QCommandLineOption help{{"h", "help"}, "Show this text."};
-    QCommandLineOption version{{"v", "version"}, "Show the version."};
-
-    QList<QCommandLineOption> all() const {
-        return {check,   threads, folder, strict, times,  report,
-                verbose, origin,  record, help,   version};
-    }
-};
-
-/// What is done with FILE; BadUsage where more than one thing is asked for.
-RunnerOptions::Action actionOf(const QCommandLineParser& parser, const Switches& switches) {
-    using Action = RunnerOptions::Action;
-    Action action = Action::Run;
-    for (const auto& [option, asked] :
-         {std::pair(switches.check, Action::Check), std::pair(switches.origin, Action::Origin),
-          std::pair(switches.record, Action::Record)}) {
-        if (parser.isSet(option)) {
-            action = action == Action::Run ? asked : Action::BadUsage;
-        }
-    }
-    return action;
+const QCommandLineOption& helpOption() {
+    static const QCommandLineOption option({"h", "help"}, "Show this text.");
+    return option;
 }
 
-/// What is wrong with the values, one line; empty: nothing.
-QString takeValues(const QCommandLineParser& parser, const Switches& switches,
-                   RunnerOptions* options) {
-    if (parser.isSet(switches.threads)) {
-        bool ok = false;
-        options->threads = parser.value(switches.threads).toInt(&ok);
-        if (!ok || options->threads < 1 || options->threads > MostThreads) {
-            return QStringLiteral("--threads needs a number from 1 to 1024.");
+const QCommandLineOption& versionOption() {
+    static const QCommandLineOption option({"v", "version"}, "Show the version.");
+    return option;
+}
+
+void fill(QCommandLineParser* parser) {
+    parser->setApplicationDescription(QString::fromLatin1(Description));
+    for (const OptionRow& row : optionRows()) {
+        parser->addOption({QString::fromLatin1(row.name), QString::fromLatin1(row.help),
+                           QString::fromLatin1(row.value)});
+    }
+    parser->addOption(helpOption());
+    parser->addOption(versionOption());
+    parser->addPositionalArgument(QStringLiteral("FILE"),
+                                  QStringLiteral("The batch file, or the saved result."),
+                                  QStringLiteral("FILE"));
+}
+
+/// The rows whose options are given.
+std::vector<const OptionRow*> rowsGiven(const QCommandLineParser& parser) {
+    std::vector<const OptionRow*> given;
+    for (const OptionRow& row : optionRows()) {
+        if (parser.isSet(QString::fromLatin1(row.name))) {
+            given.push_back(&row);
         }
     }
-    options->isStrict = parser.isSet(switches.strict);
-    options->tellsTimes = parser.isSet(switches.times);
-    options->isVerbose = parser.isSet(switches.verbose);
-    if (parser.isSet(switches.report)) {
-        options->report = QFileInfo(parser.value(switches.report)).absoluteFilePath();
-        if (parser.value(switches.report).isEmpty()) {
-            return QStringLiteral("--report needs a file.");
+    return given;
+}
+
+/// Takes what is done, and the values.
+QString takeGiven(const QCommandLineParser& parser, const std::vector<const OptionRow*>& given,
+                  RunnerOptions* options) {
+    QStringList asked;
+    for (const OptionRow* row : given) {
+        if (row->asks) {
+            options->action = *row->asks;
+            asked << row->typed();
+            continue;
+        }
+        const bool isSwitch = *row->value == '\0';
+        for (const QString& value :
+             isSwitch ? QStringList(QString()) : parser.values(QString::fromLatin1(row->name))) {
+            const QString problem = row->take(value, options);
+            if (!problem.isEmpty()) {
+                return problem;
+            }
         }
     }
-    options->folder = parser.value(switches.folder);
-    if (parser.isSet(switches.folder) && options->folder.isEmpty()) {
-        return QStringLiteral("-C needs a folder.");
+    return asked.size() > 1 ? QStringLiteral("Only one of %1 can be asked for.")
+                                  .arg(asked.join(QStringLiteral(" and ")))
+                            : QString();
+}
+
+/// What is wrong with the command line, one line; empty: nothing.
+QString takeAll(const QCommandLineParser& parser, RunnerOptions* options) {
+    const std::vector<const OptionRow*> given = rowsGiven(parser);
+    const QString problem = takeGiven(parser, given, options);
+    if (!problem.isEmpty()) {
+        return problem;
+    }
+    const auto stranger = std::find_if(given.begin(), given.end(), [options](const OptionRow* row) {
+        return !row->fits(options->action);
+    });
+    if (stranger != given.end()) {
+        const auto asks = std::find_if(given.begin(), given.end(),
+                                       [](const OptionRow* row) { return row->asks.has_value(); });
+        return QStringLiteral("%1 does not go with %2.")
+            .arg((*stranger)->typed(),
+                 asks == given.end() ? QStringLiteral("a run") : (*asks)->typed());
     }
     const QStringList files = parser.positionalArguments();
     if (files.size() != 1) {
@@ -100,44 +107,24 @@ QString takeValues(const QCommandLineParser& parser, const Switches& switches,
 }  // namespace
 
 RunnerOptions RunnerOptions::parse(const QStringList& args) {
-    const Switches switches;
     QCommandLineParser parser;
-    parser.setApplicationDescription(QString::fromLatin1(Description));
-    parser.addOptions(switches.all());
-    parser.addPositionalArgument(QStringLiteral("FILE"),
-                                 QStringLiteral("The batch file, or the saved result."),
-                                 QStringLiteral("FILE"));
-
+    fill(&parser);
     RunnerOptions options;
     if (!parser.parse(args)) {
+        options.action = Action::BadUsage;
         options.text = parser.errorText();
         return options;
     }
-    if (parser.isSet(switches.help)) {
+    if (parser.isSet(helpOption())) {
         options.action = Action::Help;
         options.text = parser.helpText();
         return options;
     }
-    if (parser.isSet(switches.version)) {
+    if (parser.isSet(versionOption())) {
         options.action = Action::Version;
         return options;
     }
-    const Action action = actionOf(parser, switches);
-    options.text = takeValues(parser, switches, &options);
-    if (options.text.isEmpty() && action == Action::BadUsage) {
-        options.text =
-            QStringLiteral("Only one of --check, --origin and --record can be asked for.");
-    }
-    const bool runs = action == Action::Run || action == Action::Check;
-    if (options.text.isEmpty() && !runs && !options.folder.isEmpty()) {
-        options.text = QStringLiteral("-C goes with a batch only.");
-    }
-    const bool ofRuns =
-        options.isStrict || options.tellsTimes || !options.report.isEmpty() || options.isVerbose;
-    if (options.text.isEmpty() && action != Action::Run && ofRuns) {
-        options.text =
-            QStringLiteral("--strict, --times, --report and --verbose go with a run only.");
-    }
-    options.action = options.text.isEmpty() ? action : Action::BadUsage;
+    options.text = takeAll(parser, &options);
+    options.action = options.text.isEmpty() ? options.action : Action::BadUsage;
     return options;
 }

@@ -155,7 +155,8 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     const bool asksForHelp =
         args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h"));
     const RunnerOptions options = asksForHelp ? RunnerOptions() : RunnerOptions::parse(args);
-    if (options.action == RunnerOptions::Action::Run && drawsLetters(options.file)) {
+    if (!asksForHelp && options.action == RunnerOptions::Action::Run &&
+        drawsLetters(options.file)) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         return std::make_unique<QGuiApplication>(argc, argv);
     }
@@ -202,9 +203,11 @@ int perform(const RunnerOptions& options, Console& console) {
         return BatchSession::BadUsage;
     }
     const QString file = QFileInfo(options.file).absoluteFilePath();
-    if (!options.folder.isEmpty() && !QDir::setCurrent(options.folder)) {
-        console.note(QStringLiteral("tarnwick-batch: cannot enter ") + options.folder);
-        return BatchSession::BadUsage;
+    for (const QString& folder : options.folders) {
+        if (!QDir::setCurrent(folder)) {
+            console.note(QStringLiteral("tarnwick-batch: cannot enter ") + folder);
+            return BatchSession::BadUsage;
+        }
     }
     return options.action == RunnerOptions::Action::Check
                ? check(lines, options.file, file, console)
