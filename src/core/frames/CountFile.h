@@ -2,6 +2,10 @@
 
 #include <QString>
 #include <QtGlobal>
+#include <memory>
+
+struct FileState;
+struct FrameHeader;
 
 /// The counts of one frame where they lie, for frames that are loaded by their headers alone
 /// (TiffData::countFile, TiffData::rows is empty then). Any thread may call any of it.
@@ -22,3 +26,8 @@ class CountFile {
     /// it is not.
     virtual QString change() const = 0;
 };
+
+/// The counts of a file with this header, which a stack takes; the state is the one in which the
+/// header was read.
+std::shared_ptr<CountFile> countFileOf(const QString& name, const FileState& state,
+                                       const FrameHeader& header);

@@ -2,6 +2,20 @@
 
 #include <QCoreApplication>
 #include <QStringList>
+#include <vector>
+
+/// Rows that lie one after another in a file: a strip, or several neighbours.
+struct StripRun {
+    quint64 offset;  ///< bytes from the start of the file
+    quint64 rows;
+};
+
+/// Where the rows of the plainest kind of file lie (whole strips of uncompressed 16-bit counts), in
+/// order. No run for any other file, which is to be read row by row.
+struct PlainStrips {
+    std::vector<StripRun> runs;
+    bool isSwapped = false;  ///< the counts are not in the byte order of the machine
+};
 
 /// What a file says of its frame before any count is read.
 struct FrameHeader {
@@ -15,6 +29,7 @@ struct FrameHeader {
     QString refusal;
     /// What somebody should know of a file that is taken, each in one phrase.
     QStringList remarks;
+    PlainStrips plain;
 };
 
 /// The header of a frame's file, told by its first bytes as TiffData::load() does; no count is

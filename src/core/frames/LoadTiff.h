@@ -14,6 +14,8 @@ class LoadTiff : public QObject {
     /// Counts are left alone: frames come without rows, as their headers tell. Those that already
     /// have a size, or a refusal, are not looked at. Before the first file.
     void readHeadersOnly() { m_headersOnly = true; }
+    /// Frames come without rows, but with a CountFile. Before the first file.
+    void readCountsWhenNeeded() { m_countsWhenNeeded = true; }
 
   signals:
     /// Emitted whether or not the frame could be read (see TiffData::loaded).
@@ -26,4 +28,5 @@ class LoadTiff : public QObject {
     void loadHeader(const QString& fname, TiffData* data) const;
 
     bool m_headersOnly = false;
+    bool m_countsWhenNeeded = false;
 };

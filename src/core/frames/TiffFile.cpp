@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "files/WholeFile.h"
+#include "frames/FileState.h"
 #include "frames/RowMemory.h"
 #include "frames/TiffData.h"
 #include "frames/TiffHeader.h"
@@ -28,20 +29,9 @@ struct CloseTiff {
 };
 using TiffHandle = std::unique_ptr<TIFF, CloseTiff>;
 
-/// The names under which a file is tried: as Latin-1 where that can hold it, then in the system's
-/// own encoding, which reaches what the first does not (a folder named in UTF-8).
-std::vector<QByteArray> pathsOf(const QString& name) {
-    const QByteArray latin = name.toLatin1();
-    const QByteArray local = QFile::encodeName(name);
-    if (latin == local || QString::fromLatin1(latin) != name) {
-        return {local};
-    }
-    return {latin, local};
-}
-
 TiffHandle openTiff(const QString& name, const char* mode) {
     TiffHandle tiff;
-    for (const QByteArray& path : pathsOf(name)) {
+    for (const QByteArray& path : pathsOfFile(name)) {
         tiff.reset(TIFFOpen(path.constData(), mode));
         if (tiff) {
             break;
@@ -53,7 +43,7 @@ TiffHandle openTiff(const QString& name, const char* mode) {
 /// Pixels are folded into the extremes in pieces that are still in the processor's cache.
 constexpr quint64 PieceBytes = 256 * 1024;
 
-/// Reads the rows of a sound file of the plainest kind (see plainRuns()) straight to where they
+/// Reads the rows of a sound file of the plainest kind (see PlainStrips) straight to where they
 /// belong: what is read here is what TIFFReadScanline() would have given for every row. False for
 /// what is not as long as it says.
 bool readPlain(TIFF* tiff, const std::vector<StripRun>& runs, TiffData* frame) {
@@ -142,7 +132,7 @@ bool writeStrips(TIFF* tiff, const Pixels& image) {
 
 /// Writes beside the file and then takes its place, so that a failure leaves the old one whole.
 bool writeFile(const QString& name, const Pixels& image) {
-    for (const QByteArray& path : pathsOf(name)) {
+    for (const QByteArray& path : pathsOfFile(name)) {
         WholeFile file(path);
         TiffHandle tiff(file.isMade() ? TIFFOpen(file.part().constData(), "wl") : nullptr);
         if (file.isTaken()) {
@@ -225,7 +215,7 @@ QString readFrom(TiffHandle tiff, const Open& open, TiffData* frame) {
     if (frame->rows.size() < height) {
         return QStringLiteral("Not enough memory");
     }
-    const std::vector<StripRun> runs = plainRuns(tiff.get(), width, height);
+    const std::vector<StripRun>& runs = header.plain.runs;
     if (runs.empty() || !readPlain(tiff.get(), runs, frame)) {
         tiff.reset();
         const quint32 rows =

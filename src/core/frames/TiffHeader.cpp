@@ -133,30 +133,6 @@ bool has(TIFF* tiff, uint32_t tag, uint16_t value) {
     return TIFFGetFieldDefaulted(tiff, tag, &found) == 1 && found == value;
 }
 
-}  // namespace
-
-bool isTooLarge(TIFF* tiff, quint32 width, quint32 height) {
-    const tmsize_t lineBytes = TIFFScanlineSize(tiff);
-    const quint64 rowCost = std::max<quint64>(width, SmallestRow);
-    return height > 0 &&
-           (lineBytes <= 0 || lineBytes > 0x7FFFFFFF || rowCost * height > TiffData::maxPixels ||
-            static_cast<quint64>(lineBytes) * height > 8 * TiffData::maxPixels);
-}
-
-FrameHeader tiffHeader(TIFF* tiff) {
-    return headerOf(tiff, kindOfSamples(tiff), sizeof(quint16));
-}
-
-FrameHeader floatTiffHeader(TIFF* tiff) {
-    return headerOf(tiff, kindOtherThanFloat(tiff), sizeof(float));
-}
-
-QString descriptionIn(TIFF* tiff) {
-    const char* text = nullptr;
-    return TIFFGetField(tiff, TIFFTAG_IMAGEDESCRIPTION, &text) == 1 ? QString::fromUtf8(text)
-                                                                    : QString();
-}
-
 std::vector<StripRun> plainRuns(TIFF* tiff, quint32 width, quint32 height) {
     uint32_t rowsPerStrip = 0;
     TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
@@ -185,4 +161,32 @@ std::vector<StripRun> plainRuns(TIFF* tiff, quint32 width, quint32 height) {
         }
     }
     return runs;
+}
+
+}  // namespace
+
+bool isTooLarge(TIFF* tiff, quint32 width, quint32 height) {
+    const tmsize_t lineBytes = TIFFScanlineSize(tiff);
+    const quint64 rowCost = std::max<quint64>(width, SmallestRow);
+    return height > 0 &&
+           (lineBytes <= 0 || lineBytes > 0x7FFFFFFF || rowCost * height > TiffData::maxPixels ||
+            static_cast<quint64>(lineBytes) * height > 8 * TiffData::maxPixels);
+}
+
+FrameHeader tiffHeader(TIFF* tiff) {
+    FrameHeader header = headerOf(tiff, kindOfSamples(tiff), sizeof(quint16));
+    if (!isTooLarge(tiff, header.width, header.height)) {
+        header.plain = {plainRuns(tiff, header.width, header.height), TIFFIsByteSwapped(tiff) != 0};
+    }
+    return header;
+}
+
+FrameHeader floatTiffHeader(TIFF* tiff) {
+    return headerOf(tiff, kindOtherThanFloat(tiff), sizeof(float));
+}
+
+QString descriptionIn(TIFF* tiff) {
+    const char* text = nullptr;
+    return TIFFGetField(tiff, TIFFTAG_IMAGEDESCRIPTION, &text) == 1 ? QString::fromUtf8(text)
+                                                                    : QString();
 }

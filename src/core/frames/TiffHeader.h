@@ -1,7 +1,5 @@
 #pragma once
 
-#include <vector>
-
 #include "frames/FrameHeader.h"
 
 using TIFF = struct tiff;
@@ -18,13 +16,3 @@ FrameHeader floatTiffHeader(TIFF* tiff);
 
 /// Its description (ImageDescription); empty where there is none.
 QString descriptionIn(TIFF* tiff);
-
-/// Rows that lie one after another in a file: a strip, or several neighbours.
-struct StripRun {
-    quint64 offset;  ///< bytes from the start of the file
-    quint64 rows;
-};
-
-/// Where the rows of the plainest kind of file lie (whole strips of uncompressed 16-bit counts), in
-/// order. Nothing for any other file, which is to be read row by row.
-std::vector<StripRun> plainRuns(TIFF* tiff, quint32 width, quint32 height);

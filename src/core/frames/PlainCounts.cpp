@@ -1,0 +1,109 @@
+#include "frames/PlainCounts.h"
+
+#include <fcntl.h>
+#include <tiffio.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "frames/OpenFiles.h"
+
+namespace {
+
+/// All of a piece of a file; 0, or why not, as errno says it, -1 for a file that ends before.
+int readAll(int descriptor, quint64 offset, char* to, std::size_t bytes) {
+    while (bytes > 0) {
+        const ssize_t n = ::pread(descriptor, to, bytes, static_cast<off_t>(offset));
+        if (n == 0) {
+            return -1;
+        }
+        if (n < 0 && errno != EINTR) {
+            return errno;
+        }
+        const auto got = static_cast<std::size_t>(std::max<ssize_t>(0, n));
+        to += got;
+        offset += got;
+        bytes -= got;
+    }
+    return 0;
+}
+
+QString textOf(const QString& name, int error) {
+    if (error < 0) {
+        return FrameHeader::tr("%1: is shorter than when it was loaded").arg(name);
+    }
+    return error == ESTALE ? FrameHeader::tr("%1: has changed since it was loaded").arg(name)
+           : error == ENOENT
+               ? FrameHeader::tr("%1: has gone since it was loaded").arg(name)
+               : FrameHeader::tr("%1: cannot be read: %2").arg(name, qt_error_string(error));
+}
+
+}  // namespace
+
+PlainCounts::PlainCounts(const QString& name, const FileState& state, const FrameHeader& header)
+    : m_name(name), m_state(state), m_width(header.width), m_strips(header.plain) {}
+
+PlainCounts::~PlainCounts() {
+    OpenFiles::ofProcess().forget(this);
+}
+
+/// Calls run(offset, rows) for each piece of the file that these rows lie in, until one is false.
+template <class Do>
+bool PlainCounts::forRuns(quint32 first, quint32 rows, Do run) const {
+    const quint64 end = quint64(first) + rows;
+    quint64 y = 0;
+    for (const StripRun& strips : m_strips.runs) {
+        const quint64 from = std::max<quint64>(first, y);
+        const quint64 to = std::min(end, y + strips.rows);
+        if (from < to && !run(strips.offset + (from - y) * m_width * sizeof(quint16), to - from)) {
+            return false;
+        }
+        y += strips.rows;
+        if (y >= end) {
+            break;
+        }
+    }
+    return end <= y;
+}
+
+QString PlainCounts::read(quint32 first, quint32 rows, quint16* to) {
+    const OpenFiles::Lease file = OpenFiles::ofProcess().open(this, m_state);
+    if (file.descriptor() < 0) {
+        return textOf(m_name, file.error());
+    }
+    int error = 0;
+    quint16* place = to;
+    const bool isRead = forRuns(first, rows, [&](quint64 offset, quint64 n) {
+        const auto counts = static_cast<std::size_t>(n) * m_width;
+        error = readAll(file.descriptor(), offset, reinterpret_cast<char*>(place),
+                        counts * sizeof(quint16));
+        place += counts;
+        return error == 0;
+    });
+    if (!isRead) {
+        return textOf(m_name, error == 0 ? EINVAL : error);
+    }
+    if (m_strips.isSwapped) {
+        TIFFSwabArrayOfShort(to, place - to);
+    }
+    return QString();
+}
+
+void PlainCounts::willRead(quint32 first, quint32 rows) {
+#ifdef POSIX_FADV_WILLNEED
+    const OpenFiles::Lease file = OpenFiles::ofProcess().open(this, m_state);
+    if (file.descriptor() < 0) {
+        return;
+    }
+    forRuns(first, rows, [&](quint64 offset, quint64 n) {
+        ::posix_fadvise(file.descriptor(), static_cast<off_t>(offset),
+                        static_cast<off_t>(n * m_width * sizeof(quint16)), POSIX_FADV_WILLNEED);
+        return true;
+    });
+#endif
+}
+
+QString PlainCounts::change() const {
+    return changeOf(m_name, m_state, stateNow(m_state));
+}
