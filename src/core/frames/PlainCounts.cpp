@@ -2,32 +2,14 @@
 
 #include <fcntl.h>
 #include <tiffio.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 
 #include "frames/OpenFiles.h"
+#include "frames/WholeRead.h"
 
 namespace {
-
-/// All of a piece of a file; 0, or why not, as errno says it, -1 for a file that ends before.
-int readAll(int descriptor, quint64 offset, char* to, std::size_t bytes) {
-    while (bytes > 0) {
-        const ssize_t n = ::pread(descriptor, to, bytes, static_cast<off_t>(offset));
-        if (n == 0) {
-            return -1;
-        }
-        if (n < 0 && errno != EINTR) {
-            return errno;
-        }
-        const auto got = static_cast<std::size_t>(std::max<ssize_t>(0, n));
-        to += got;
-        offset += got;
-        bytes -= got;
-    }
-    return 0;
-}
 
 QString textOf(const QString& name, int error) {
     if (error < 0) {
@@ -76,8 +58,7 @@ QString PlainCounts::read(quint32 first, quint32 rows, quint16* to) {
     quint16* place = to;
     const bool isRead = forRuns(first, rows, [&](quint64 offset, quint64 n) {
         const auto counts = static_cast<std::size_t>(n) * m_width;
-        error = readAll(file.descriptor(), offset, reinterpret_cast<char*>(place),
-                        counts * sizeof(quint16));
+        error = readWhole(file.descriptor(), offset, place, counts * sizeof(quint16));
         place += counts;
         return error == 0;
     });
