@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "absorption/BinRowSpectra.h"
+#include "absorption/CountBand.h"
 #include "base/Numbers.h"
 #include "frames/DarkFrame.h"
 #include "frames/FrameSet.h"
@@ -27,7 +29,17 @@ AbsorptionSource::AbsorptionSource(const FrameSet& i1, const FrameSet& i0, int w
             m_brackets.push_back(bracketOf(frame->energy));
         }
     }
+    placeFrames();
     shareI0();
+}
+
+void AbsorptionSource::placeFrames() {
+    m_frames = m_i1;
+    for (I0Energy& energy : m_i0) {
+        energy.place = m_frames.size();
+        m_frames.insert(m_frames.end(), energy.frames.begin(), energy.frames.end());
+    }
+    m_isStreamed = std::any_of(m_frames.begin(), m_frames.end(), CountBand::isRead);
 }
 
 /// How the counts of the I0 energies reach s0 at the energies of I1.
@@ -123,6 +135,7 @@ AbsorptionSource AbsorptionSource::ofFrames(const std::vector<int>& places) cons
     for (Bracket& bracket : few.m_brackets) {
         bracket.first = placeOf[bracket.first];
     }
+    few.placeFrames();
     few.shareI0();
     return few;
 }
@@ -136,6 +149,9 @@ Spectrum AbsorptionSource::spectrumAt(int x, int y, int halfWidth, int halfHeigh
     Spectrum spectrum;
     if (!isInside(x, y)) {
         return spectrum;
+    }
+    if (m_isStreamed) {
+        return BinRowSpectra(*this, x, 1, x + 1, halfWidth, halfHeight).at(x, y);
     }
     const auto boxSum = [&](const TiffData* frame) {
         return frame->boxSum(x, y, halfWidth, halfHeight);

@@ -35,11 +35,16 @@ class AbsorptionSource {
 
     /// The place of an I1 frame in order of energy; -1 for another.
     int indexOf(const TiffData* frame) const;
+    /// The I1 frames in order of energy, then those of I0.
+    const std::vector<const TiffData*>& frames() const { return m_frames; }
+    /// Counts of some frame are read when they are needed (TiffData::countFile).
+    bool isStreamed() const { return m_isStreamed; }
     /// The same with some of the I1 frames alone, given by their places in ascending order: mu-t at
     /// their energies has the same bits.
     AbsorptionSource ofFrames(const std::vector<int>& places) const;
 
-    /// One point an I1 frame, in order of energy; empty outside the image or without frames.
+    /// One point an I1 frame, in order of energy; empty outside the image or without frames. Throws
+    /// UnreadCounts.
     Spectrum spectrumAt(int x, int y, int halfWidth, int halfHeight) const;
 
   private:
@@ -49,6 +54,7 @@ class AbsorptionSource {
     struct I0Energy {
         double energy = 0.0;
         std::vector<const TiffData*> frames;
+        std::size_t place = 0;  // of the first among all frames
     };
 
     /// Where an I1 energy lies among the I0 energies.
@@ -64,6 +70,7 @@ class AbsorptionSource {
 
     void gatherI0(const FrameSet& i0);
     Bracket bracketOf(double e) const;
+    void placeFrames();
     void shareI0();
     bool isInside(int x, int y) const { return x >= 0 && y >= 0 && x < m_width && y < m_height; }
     double darkSum(int x, int y, int halfWidth, int halfHeight) const;
@@ -72,6 +79,8 @@ class AbsorptionSource {
     int m_height;
     const DarkFrame* m_dark;
     std::vector<const TiffData*> m_i1;
+    std::vector<const TiffData*> m_frames;
+    bool m_isStreamed = false;
     std::vector<double> m_energies;
     std::vector<I0Energy> m_i0;
     std::vector<Bracket> m_brackets;       // one an I1 frame; none without I0 frames

@@ -19,6 +19,7 @@ constexpr qint64 RowsPerColumnSum = 65537;
 BinRowSpectra::BinRowSpectra(const AbsorptionSource& source, int firstX, int stepX, int endX,
                              int halfWidth, int halfHeight)
     : m_source(source),
+      m_band(source),
       m_firstX(firstX),
       m_stepX(std::max(1, stepX)),
       m_count(0),
@@ -48,53 +49,50 @@ Spectrum BinRowSpectra::at(int x, int y) {
     return spectrum;
 }
 
-void BinRowSpectra::sumBins(const TiffData& frame, int y, double* sums) {
+void BinRowSpectra::sumBins(std::size_t frame, int y, double* sums) {
+    const qint64 width = m_band.width(frame);
     const qint64 firstX = m_firstX + static_cast<qint64>(m_sumFirst) * m_stepX;
     const qint64 lastX = firstX + static_cast<qint64>(m_sumCount - 1) * m_stepX;
     const qint64 halfWidth = std::abs(static_cast<qint64>(m_halfWidth));
-    const PixelRange lines = clippedAround(y, m_halfHeight, static_cast<qint64>(frame.rows.size()));
+    const PixelRange lines = clippedAround(y, m_halfHeight, m_band.height(frame));
     // Only the columns that some bin covers.
-    const PixelRange covered = clipped(firstX - halfWidth, lastX + halfWidth, frame.width);
+    const PixelRange covered = clipped(firstX - halfWidth, lastX + halfWidth, width);
     const qint64 from = covered.first;
     if (covered.isEmpty() || lines.isEmpty()) {
         std::fill(sums, sums + m_sumCount, 0.0);
         return;
     }
-    if (lines.last - lines.first >= RowsPerColumnSum) {
-        for (int bin = 0; bin < m_sumCount; ++bin) {
-            sums[bin] = frame.boxSum(static_cast<int>(firstX + qint64(bin) * m_stepX), y,
-                                     m_halfWidth, m_halfHeight);
-        }
-        return;
-    }
     if (halfWidth == 0 && lines.first == lines.last && m_stepX == 1) {
-        const quint16* const row = frame.rows[static_cast<std::size_t>(lines.first)] + from;
+        const quint16* const row = m_band.row(frame, lines.first) + from;
         const qint64 inside = covered.last - from + 1;
         m_kernels.fromCounts(row, inside, sums);
         std::fill(sums + inside, sums + m_sumCount, 0.0);
         return;
     }
-    sumColumns(frame, lines, covered);
-    const quint32* const columns = m_columns.data();
-    for (int bin = 0; bin < m_sumCount; ++bin) {
-        const qint64 x = firstX + static_cast<qint64>(bin) * m_stepX;
-        const PixelRange own = clipped(x - halfWidth, x + halfWidth, frame.width);
-        quint64 sum = 0;
-        for (qint64 c = own.first; c <= own.last; ++c) {
-            sum += columns[c - from];
+    std::fill(sums, sums + m_sumCount, 0.0);
+    for (qint64 line = lines.first; line <= lines.last; line += RowsPerColumnSum) {
+        sumColumns(frame, {line, std::min(lines.last, line + RowsPerColumnSum - 1)}, covered);
+        const quint32* const columns = m_columns.data();
+        for (int bin = 0; bin < m_sumCount; ++bin) {
+            const qint64 x = firstX + static_cast<qint64>(bin) * m_stepX;
+            const PixelRange own = clipped(x - halfWidth, x + halfWidth, width);
+            quint64 sum = 0;
+            for (qint64 c = own.first; c <= own.last; ++c) {
+                sum += columns[c - from];
+            }
+            sums[bin] += static_cast<double>(sum);
         }
-        sums[bin] = static_cast<double>(sum);
     }
 }
 
-void BinRowSpectra::sumColumns(const TiffData& frame, const PixelRange& lines,
+void BinRowSpectra::sumColumns(std::size_t frame, const PixelRange& lines,
                                const PixelRange& covered) {
     // Whole numbers: the order of summing does not change the result.
     m_columns.assign(static_cast<std::size_t>(covered.last - covered.first + 1), 0);
     quint32* const columns = m_columns.data();
     const std::size_t columnCount = m_columns.size();
     for (qint64 r = lines.first; r <= lines.last; ++r) {
-        const quint16* row = frame.rows[static_cast<std::size_t>(r)] + covered.first;
+        const quint16* row = m_band.row(frame, r) + covered.first;
         for (std::size_t c = 0; c < columnCount; ++c) {
             columns[c] += row[c];
         }
@@ -102,22 +100,23 @@ void BinRowSpectra::sumColumns(const TiffData& frame, const PixelRange& lines,
 }
 
 void BinRowSpectra::sumI0(int y, std::size_t energy) {
-    const std::vector<const TiffData*>& frames = m_source.m_i0[energy].frames;
+    const AbsorptionSource::I0Energy& i0 = m_source.m_i0[energy];
     double* const sums = &m_i0Sums[energy * m_stride];
-    sumBins(*frames.front(), y, sums);
-    if (frames.size() == 1) {
+    sumBins(i0.place, y, sums);
+    if (i0.frames.size() == 1) {
         return;
     }
     m_moreSums.resize(m_stride);
-    for (std::size_t f = 1; f < frames.size(); ++f) {
-        sumBins(*frames[f], y, m_moreSums.data());
+    for (std::size_t f = 1; f < i0.frames.size(); ++f) {
+        sumBins(i0.place + f, y, m_moreSums.data());
         std::transform(sums, sums + m_sumCount, m_moreSums.data(), sums, std::plus<>());
     }
-    const auto n = static_cast<double>(frames.size());
+    const auto n = static_cast<double>(i0.frames.size());
     std::transform(sums, sums + m_sumCount, sums, [n](double sum) { return sum / n; });
 }
 
 void BinRowSpectra::sum(int y, int firstBin, int bins) {
+    m_band.need(y - std::abs(qint64(m_halfHeight)), y + std::abs(qint64(m_halfHeight)));
     m_sumFirst = firstBin;
     m_sumCount = bins;
     const std::size_t i0Energies = m_source.m_i0.size();
@@ -129,7 +128,7 @@ void BinRowSpectra::sum(int y, int firstBin, int bins) {
         sumI0(y, i);
     }
     for (std::size_t i = 0; i < i1Frames; ++i) {
-        sumBins(*m_source.m_i1[i], y, &m_i1Sums[i * m_stride]);
+        sumBins(i, y, &m_i1Sums[i * m_stride]);
     }
     const double* dark = nullptr;
     if (m_source.m_dark != nullptr) {

@@ -3,12 +3,12 @@
 #include <QtGlobal>
 #include <vector>
 
+#include "absorption/CountBand.h"
 #include "spectra/LaneErrors.h"
 #include "spectra/Spectrum.h"
 
 class AbsorptionSource;
 struct PixelRange;
-struct TiffData;
 
 /// The spectra of a raster of positions, formed a whole row of bins at a time: every frame's rows
 /// are read once, in order, instead of once a position. The same numbers as spectrumAt().
@@ -17,6 +17,10 @@ class BinRowSpectra {
     /// Positions firstX, firstX + stepX, ... below endX and inside the image.
     BinRowSpectra(const AbsorptionSource& source, int firstX, int stepX, int endX, int halfWidth,
                   int halfHeight);
+
+    /// The counts of frames that are not in memory. What follows reads those of the rows of pixels
+    /// that it needs, where they are not there yet, and throws UnreadCounts.
+    CountBand& band() { return m_band; }
 
     /// Positions of a row.
     int count() const { return m_count; }
@@ -39,10 +43,11 @@ class BinRowSpectra {
   private:
     void formRow(int y);
     void sumI0(int y, std::size_t energy);
-    void sumColumns(const TiffData& frame, const PixelRange& lines, const PixelRange& covered);
-    void sumBins(const TiffData& frame, int y, double* sums);
+    void sumColumns(std::size_t frame, const PixelRange& lines, const PixelRange& covered);
+    void sumBins(std::size_t frame, int y, double* sums);
 
     const AbsorptionSource& m_source;
+    CountBand m_band;
     int m_firstX;
     int m_stepX;
     int m_count;

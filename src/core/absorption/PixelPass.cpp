@@ -16,35 +16,6 @@ constexpr double NoNumber = std::numeric_limits<double>::quiet_NaN();
 /// Few enough for their counts to stay in the fast part of the memory.
 constexpr int PixelsAtATime = 32 * lanes::Count;
 
-/// The extremes that a thread has seen: of values side by side, so that none waits for another.
-struct Extremes {
-    static constexpr int Lanes = 8;
-    double mins[Lanes];
-    double maxs[Lanes];
-
-    Extremes() {
-        std::fill(mins, mins + Lanes, std::numeric_limits<double>::infinity());
-        std::fill(maxs, maxs + Lanes, -std::numeric_limits<double>::infinity());
-    }
-    void take(int lane, double value) {
-        mins[lane] = value < mins[lane] ? value : mins[lane];
-        maxs[lane] = value > maxs[lane] ? value : maxs[lane];
-    }
-    void take(const double* values, int n) {
-        int i = 0;
-        for (; i + Lanes <= n; i += Lanes) {
-            for (int lane = 0; lane < Lanes; ++lane) {
-                take(lane, values[i + lane]);
-            }
-        }
-        for (; i < n; ++i) {
-            take(0, values[i]);
-        }
-    }
-    double min() const { return *std::min_element(mins, mins + Lanes); }
-    double max() const { return *std::max_element(maxs, maxs + Lanes); }
-};
-
 /// Indices of ascending energies that hold those from `low` to `high` and their neighbours; that of
 /// a frame alone where this is all that is asked for.
 void addAround(const std::vector<double>& energies, double low, double high,
@@ -77,6 +48,35 @@ RasterPass::Found valueOfOne(const RasterPass::Pack& pack, double* values) {
 }
 
 }  // namespace
+
+/// The extremes that a thread has seen: of values side by side, so that none waits for another.
+struct PixelPass::Extremes {
+    static constexpr int Lanes = 8;
+    double mins[Lanes];
+    double maxs[Lanes];
+
+    Extremes() {
+        std::fill(mins, mins + Lanes, std::numeric_limits<double>::infinity());
+        std::fill(maxs, maxs + Lanes, -std::numeric_limits<double>::infinity());
+    }
+    void take(int lane, double value) {
+        mins[lane] = value < mins[lane] ? value : mins[lane];
+        maxs[lane] = value > maxs[lane] ? value : maxs[lane];
+    }
+    void take(const double* values, int n) {
+        int i = 0;
+        for (; i + Lanes <= n; i += Lanes) {
+            for (int lane = 0; lane < Lanes; ++lane) {
+                take(lane, values[i + lane]);
+            }
+        }
+        for (; i < n; ++i) {
+            take(0, values[i]);
+        }
+    }
+    double min() const { return *std::min_element(mins, mins + Lanes); }
+    double max() const { return *std::max_element(maxs, maxs + Lanes); }
+};
 
 PixelPass PixelPass::absorption(const AbsorptionSource& source, const TiffData* frame) {
     const int place = source.indexOf(frame);
@@ -125,32 +125,50 @@ bool PixelPass::run(int threads, const std::atomic<bool>& stop, PixelValues* out
     out->min = std::numeric_limits<double>::infinity();
     out->max = -out->min;
     std::mutex mutex;
+    QString problem;
     inThreads(threads, [&] {
-        BinRowSpectra bins(m_source, 0, 1, width, 0, 0);
-        std::vector<double> mu(static_cast<std::size_t>(m_source.energyCount()) * lanes::Count);
-        bool lacksCounts[lanes::Count];
         Extremes own;
-        int y = 0;
-        int end = 0;
-        while (rows.take(&y, &end)) {
-            for (; y < end; ++y) {
-                double* const line =
-                    &out->values[static_cast<std::size_t>(y) * static_cast<std::size_t>(width)];
-                for (int x = 0; x < width; x += PixelsAtATime) {
-                    const int count = std::min(PixelsAtATime, width - x);
-                    bins.sum(y, x, count);
-                    for (int bin = 0; bin < count; bin += lanes::Count) {
-                        bins.formPack(bin, mu.data(), lacksCounts);
-                        const int n = std::min(lanes::Count, count - bin);
-                        m_evaluate({mu.data(), lacksCounts, y, x + bin, n}, line + x + bin);
-                    }
-                }
-                own.take(line, width);
-            }
+        QString ownProblem;
+        try {
+            fill(&rows, out, &own);
+        } catch (const UnreadCounts& unread) {
+            ownProblem = unread.problem;
         }
         const std::lock_guard<std::mutex> lock(mutex);
+        problem = ownProblem.isEmpty() ? problem : ownProblem;
         out->min = std::min(out->min, own.min());
         out->max = std::max(out->max, own.max());
     });
+    if (!problem.isEmpty()) {
+        *out = PixelValues();
+        out->problem = problem;
+        return false;
+    }
     return !stop;
+}
+
+void PixelPass::fill(RowShares* rows, PixelValues* out, Extremes* extremes) const {
+    const int width = m_source.width();
+    BinRowSpectra bins(m_source, 0, 1, width, 0, 0);
+    std::vector<double> mu(static_cast<std::size_t>(m_source.energyCount()) * lanes::Count);
+    bool lacksCounts[lanes::Count];
+    int y = 0;
+    int end = 0;
+    while (rows->take(&y, &end)) {
+        bins.band().read(y, end - 1);
+        for (; y < end; ++y) {
+            double* const line =
+                &out->values[static_cast<std::size_t>(y) * static_cast<std::size_t>(width)];
+            for (int x = 0; x < width; x += PixelsAtATime) {
+                const int count = std::min(PixelsAtATime, width - x);
+                bins.sum(y, x, count);
+                for (int bin = 0; bin < count; bin += lanes::Count) {
+                    bins.formPack(bin, mu.data(), lacksCounts);
+                    const int n = std::min(lanes::Count, count - bin);
+                    m_evaluate({mu.data(), lacksCounts, y, x + bin, n}, line + x + bin);
+                }
+            }
+            extremes->take(line, width);
+        }
+    }
 }

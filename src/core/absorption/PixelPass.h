@@ -7,6 +7,8 @@
 #include "absorption/AbsorptionSource.h"
 #include "absorption/RasterPass.h"
 
+class RowShares;
+
 /// A number for every pixel of an image.
 struct PixelValues {
     int width = 0;
@@ -14,6 +16,7 @@ struct PixelValues {
     std::unique_ptr<double[]> values;  ///< row by row
     double min = 1.0;                  ///< of what is a number; min > max where nothing is
     double max = 0.0;
+    QString problem;  ///< why there are none, where counts could not be read
 
     double at(int x, int y) const {
         return values[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
@@ -37,12 +40,16 @@ class PixelPass {
                                 double lowestShift, double highestShift);
 
     /// Fills *out, whose memory is used again where the size allows. False when it was stopped,
-    /// or when memory ran out: *out is empty then.
+    /// when memory ran out or counts could not be read: *out is empty then but for the problem.
     bool run(int threads, const std::atomic<bool>& stop, PixelValues* out) const;
 
   private:
+    struct Extremes;
+
     PixelPass(const AbsorptionSource& source, RasterPass::Evaluate evaluate)
         : m_source(source), m_evaluate(std::move(evaluate)) {}
+
+    void fill(RowShares* rows, PixelValues* out, Extremes* extremes) const;
 
     AbsorptionSource m_source;  // of the frames that it takes
     RasterPass::Evaluate m_evaluate;

@@ -7,13 +7,8 @@
 
 #include "absorption/AbsorptionSource.h"
 #include "absorption/RowEvaluation.h"
-
-namespace {
-
-// Rows that may be finished before they are taken: enough that a thread seldom waits.
-constexpr std::size_t RowsAhead = 8;
-
-}  // namespace
+#include "frames/CountFile.h"
+#include "frames/TiffData.h"
 
 RasterPass::RasterPass(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
                        std::vector<Evaluate> evaluators, std::function<void()> ready)
@@ -28,14 +23,17 @@ RasterPass::RasterPass(const AbsorptionSource& source, const BinRaster& raster, 
       m_end(std::min(rows.end, raster.rows)),
       m_valuesPerBin(valuesPerBin),
       m_evaluators(std::move(evaluators)),
+      m_plan(BandPlan::of(source, raster, valuesPerBin, static_cast<int>(m_evaluators.size()))),
       m_ready(std::move(ready)),
-      m_slots(m_evaluators.size() + RowsAhead),
+      m_slots(static_cast<std::size_t>(m_plan.results)),
+      m_toMake(m_end - rows.first),
       m_begun(rows.first),
       m_taken(rows.first) {
-    m_threads.reserve(m_evaluators.size());
+    const auto threads = static_cast<std::size_t>(m_plan.threads);
+    m_threads.reserve(threads);
     try {
-        for (const Evaluate& evaluate : m_evaluators) {
-            m_threads.emplace_back([this, &evaluate] { work(evaluate); });
+        for (std::size_t i = 0; i < threads; ++i) {
+            m_threads.emplace_back([this, i] { work(m_evaluators[i]); });
         }
     } catch (const std::exception&) {
         // No thread or no memory for it: the rows are shared out among the threads that there are.
@@ -60,6 +58,8 @@ void RasterPass::work(const Evaluate& evaluate) {
     try {
         evaluateRows(evaluate);
         return;
+    } catch (const UnreadCounts& unread) {
+        fail(Failure::Read, unread.problem);
     } catch (const std::bad_alloc&) {
         fail(Failure::Memory);
     } catch (const std::length_error&) {
@@ -67,10 +67,11 @@ void RasterPass::work(const Evaluate& evaluate) {
     }
 }
 
-void RasterPass::fail(Failure why) {
+void RasterPass::fail(Failure why, const QString& problem) {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_failure = why;
+        m_problem = problem;
         m_stopped = true;
     }
     m_roomMade.notify_all();
@@ -82,38 +83,79 @@ void RasterPass::fail(Failure why) {
 
 void RasterPass::evaluateRows(const Evaluate& evaluate) {
     RowEvaluation evaluation(m_source, m_raster, m_valuesPerBin, evaluate);
-    std::vector<double> values;
-    int row = 0;
-    while (nextRow(&row)) {
-        const Tally tally = evaluation.row(row, &values);
-        finish(row, tally, &values);
+    Slot made;
+    Rows band;
+    Rows behind;
+    while (nextBand(&band, &behind)) {
+        if (m_plan.reads) {
+            evaluation.read(band.first, band.end, behind.first, behind.end);
+        }
+        for (int row = band.first; row < band.end; ++row) {
+            made.row = row;
+            made.tally = evaluation.row(row, &made.values);
+            made.saturated = evaluation.saturated(row);
+            if ((m_plan.reads && isLast() && !areFilesTheSame()) || !finish(&made)) {
+                return;
+            }
+        }
     }
 }
 
-bool RasterPass::nextRow(int* row) {
+/// The rows that a thread is to work on next, and those that some thread will read after that.
+bool RasterPass::nextBand(Rows* band, Rows* behind) {
     std::unique_lock<std::mutex> lock(m_mutex);
-    m_roomMade.wait(lock, [this] {
+    const auto rows = [this] { return std::min(m_plan.rows, m_end - m_begun); };
+    m_roomMade.wait(lock, [&] {
         return m_stopped || m_begun >= m_end ||
-               static_cast<std::size_t>(m_begun - m_taken) < m_slots.size();
+               static_cast<std::size_t>(m_begun - m_taken + rows()) <= m_slots.size();
     });
     if (m_stopped || m_begun >= m_end) {
         return false;
     }
-    *row = m_begun++;
-    slotOf(*row).row = *row;
-    slotOf(*row).done = false;
+    *band = {m_begun, m_begun + rows()};
+    m_begun = band->end;
+    // The band behind this one has been begun by another thread, or is about to be.
+    const int ahead = m_plan.rows * (m_plan.threads - 1);
+    behind->first = std::min(m_end, m_begun + ahead);
+    behind->end = std::min(m_end, behind->first + m_plan.rows);
+    for (int row = band->first; row < band->end; ++row) {
+        slotOf(row).row = row;
+        slotOf(row).done = false;
+    }
     return true;
 }
 
-void RasterPass::finish(int row, const Tally& tally, std::vector<double>* values) {
+/// Counts the rows that are made, one each time: all of them are.
+bool RasterPass::isLast() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return --m_toMake == 0;
+}
+
+/// What was made of files that are others now is worth nothing.
+bool RasterPass::areFilesTheSame() {
+    for (const TiffData* frame : m_source.frames()) {
+        const QString change = CountBand::isRead(frame) ? frame->countFile->change() : QString();
+        if (!change.isEmpty()) {
+            fail(Failure::Read, change);
+            return false;
+        }
+    }
+    return true;
+}
+
+/// False where no more rows are wanted.
+bool RasterPass::finish(Slot* made) {
     bool awaited = false;
+    bool goesOn = true;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        Slot& slot = slotOf(row);
-        std::swap(slot.values, *values);
-        slot.tally = tally;
+        Slot& slot = slotOf(made->row);
+        std::swap(slot.values, made->values);
+        std::swap(slot.saturated, made->saturated);
+        slot.tally = made->tally;
         slot.done = true;
-        awaited = row == m_taken;
+        awaited = made->row == m_taken;
+        goesOn = !m_stopped;
     }
     if (awaited) {
         m_rowDone.notify_all();
@@ -121,6 +163,7 @@ void RasterPass::finish(int row, const Tally& tally, std::vector<double>* values
             m_ready();
         }
     }
+    return goesOn;
 }
 
 bool RasterPass::isReady() const {
@@ -139,7 +182,7 @@ RasterPass::Row RasterPass::taken() {
     Slot& slot = slotOf(row);
     std::swap(m_current, slot.values);
     slot.done = false;
-    return {row, m_current.data(), slot.tally, {}};
+    return {row, m_current.data(), slot.tally, std::move(slot.saturated)};
 }
 
 RasterPass::Row RasterPass::take() {
@@ -177,6 +220,11 @@ RasterPass::Row RasterPass::tryTake(bool* pending) {
     }
     m_roomMade.notify_one();
     return row;
+}
+
+QString RasterPass::problem() const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_problem;
 }
 
 RasterPass::Failure RasterPass::failure() const {

@@ -6,6 +6,8 @@
 #include <thread>
 #include <vector>
 
+#include "absorption/BandPlan.h"
+#include "absorption/CountBand.h"
 #include "maps/BinRaster.h"
 #include "spectra/LaneErrors.h"
 
@@ -54,11 +56,7 @@ class RasterPass {
         }
     };
 
-    /// Pixels at 65535 of a frame in the rows of pixels of a row of bins.
-    struct Saturated {
-        int frame = 0;  ///< the I1 frames in order of energy, then those of I0
-        quint32 pixels = 0;
-    };
+    using Saturated = ::Saturated;
 
     /// A row of results, column after column, no number for bins that are not inside; null with the
     /// last row taken or after a failure.
@@ -66,7 +64,8 @@ class RasterPass {
         int row = 0;
         const double* values = nullptr;
         Tally tally;
-        std::vector<Saturated> saturated = {};  ///< of frames whose counts are read for the pass
+        /// Of frames whose counts are read for the pass, in the rows of pixels of the bins.
+        std::vector<Saturated> saturated = {};
     };
 
     /// Rows first .. end - 1 of a raster.
@@ -99,6 +98,8 @@ class RasterPass {
     Row tryTake(bool* pending);
     /// Why no more rows come.
     Failure failure() const;
+    /// What could not be read, with the file's name.
+    QString problem() const;
     bool failed() const { return failure() != Failure::None; }
 
     const BinRaster& raster() const { return m_raster; }
@@ -109,13 +110,16 @@ class RasterPass {
         bool done = false;
         std::vector<double> values;
         Tally tally;
+        std::vector<Saturated> saturated;
     };
 
     void work(const Evaluate& evaluate);
-    void fail(Failure why);
+    void fail(Failure why, const QString& problem = {});
     void evaluateRows(const Evaluate& evaluate);
-    bool nextRow(int* row);
-    void finish(int row, const Tally& tally, std::vector<double>* values);
+    bool nextBand(Rows* band, Rows* behind);
+    bool isLast();
+    bool areFilesTheSame();
+    bool finish(Slot* made);
     Row taken();
     bool isReady() const;
     Slot& slotOf(int row) { return m_slots[static_cast<std::size_t>(row) % m_slots.size()]; }
@@ -125,16 +129,19 @@ class RasterPass {
     const int m_end;
     const int m_valuesPerBin;
     const std::vector<Evaluate> m_evaluators;
+    const BandPlan m_plan;
     const std::function<void()> m_ready;
 
     mutable std::mutex m_mutex;
     std::condition_variable m_rowDone;
     std::condition_variable m_roomMade;
     std::vector<Slot> m_slots;  // a few rows ahead of the one to be taken next
+    int m_toMake;               // rows
     int m_begun;                // rows that a thread has begun or done
     int m_taken;
     bool m_stopped = false;
     Failure m_failure = Failure::None;
+    QString m_problem;
     std::vector<double> m_current;  // the row taken last
     Row m_row;                      // the row that at() is in
     std::vector<std::thread> m_threads;

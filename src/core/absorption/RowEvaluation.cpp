@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <bitset>
+#include <cstdlib>
 #include <limits>
 
 #include "absorption/AbsorptionSource.h"
+#include "base/Numbers.h"
 #include "spectra/Lanes.h"
 
 namespace {
@@ -14,6 +16,12 @@ constexpr unsigned All = (1u << PackSize) - 1;
 
 // Bytes of the counts of a few bins over all frames that a core keeps near itself.
 constexpr std::size_t NearMemory = std::size_t(1) << 18;
+
+/// Rows of pixels of rows of bins first .. end - 1; some lie outside the image at its edges.
+PixelRange linesOf(const BinRaster& raster, int first, int end) {
+    const qint64 half = std::abs(qint64(raster.halfHeight));
+    return {raster.y(first) - half, raster.y(end - 1) + half};
+}
 
 int bitsIn(unsigned bits) {
     return static_cast<int>(std::bitset<lanes::Count>(bits).count());
@@ -32,6 +40,20 @@ RowEvaluation::RowEvaluation(const AbsorptionSource& source, const BinRaster& ra
     const std::size_t energies = static_cast<std::size_t>(source.energyCount());
     m_packs = static_cast<int>(
         std::max<std::size_t>(4, NearMemory / (2 * sizeof(double) * PackSize * (energies + 1))));
+}
+
+void RowEvaluation::read(int first, int end, int firstBehind, int endBehind) {
+    const PixelRange lines = linesOf(m_raster, first, end);
+    m_bins.band().read(lines.first, lines.last);
+    if (firstBehind < endBehind) {
+        const PixelRange behind = linesOf(m_raster, firstBehind, endBehind);
+        m_bins.band().willRead(behind.first, behind.last);
+    }
+}
+
+std::vector<Saturated> RowEvaluation::saturated(int row) {
+    const PixelRange lines = linesOf(m_raster, row, row + 1);
+    return m_bins.band().saturated(lines.first, lines.last);
 }
 
 RasterPass::Tally RowEvaluation::row(int row, std::vector<double>* values) {

@@ -10,6 +10,11 @@ class RowEvaluation {
     RowEvaluation(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
                   const RasterPass::Evaluate& evaluate);
 
+    /// Has the counts of rows first .. end - 1 read, where they are not in memory, and says of
+    /// others that they are read soon.
+    void read(int first, int end, int firstBehind, int endBehind);
+    /// Of the rows read, see RasterPass::Row.
+    std::vector<Saturated> saturated(int row);
     /// The values of a row, column after column, and what was seen in its bins.
     RasterPass::Tally row(int row, std::vector<double>* values);
 

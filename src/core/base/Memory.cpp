@@ -16,6 +16,7 @@ constexpr quint64 Unit = 1024;
 constexpr char Units[] = "KMGT";
 
 std::atomic<quint64> chosenLimit{0};
+std::atomic<quint64> promised{0};
 
 QByteArray contentOf(const QString& name) {
     QFile file(name);
@@ -88,6 +89,20 @@ quint64 residentMemory() {
     const QList<QByteArray> pages = contentOf(QStringLiteral("/proc/self/statm")).split(' ');
     const long bytes = sysconf(_SC_PAGESIZE);
     return pages.size() > 1 && bytes > 0 ? pages[1].toULongLong() * static_cast<quint64>(bytes) : 0;
+}
+
+quint64 memoryLeft() {
+    const quint64 taken = residentMemory() + promised;
+    const quint64 limit = memoryLimit();
+    return taken < limit ? limit - taken : 0;
+}
+
+PromisedMemory::PromisedMemory(quint64 bytes) : m_bytes(bytes) {
+    promised += bytes;
+}
+
+PromisedMemory::~PromisedMemory() {
+    promised -= m_bytes;
 }
 
 std::optional<quint64> sizeFromText(const QString& text) {

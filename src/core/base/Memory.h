@@ -17,6 +17,22 @@ void setMemoryLimit(quint64 bytes);
 /// What is resident of the program now; 0 where the system does not tell.
 quint64 residentMemory();
 
+/// What the limit leaves beside what is resident and what is promised; 0 where nothing is left.
+quint64 memoryLeft();
+
+/// Memory that is not resident yet, but will be: maps that are about to be filled. As long as it is
+/// there; on one thread.
+class PromisedMemory {
+  public:
+    explicit PromisedMemory(quint64 bytes);
+    ~PromisedMemory();
+    PromisedMemory(const PromisedMemory&) = delete;
+    PromisedMemory& operator=(const PromisedMemory&) = delete;
+
+  private:
+    quint64 m_bytes;
+};
+
 /// "4096", "512K", "256M", "1.5G", "2T", also with "B" or "iB" behind: powers of 1024. Nothing for
 /// any other text and for sizes below 1.
 std::optional<quint64> sizeFromText(const QString& text);

@@ -230,7 +230,8 @@ void Measurement::passEnded(RasterPass::Failure failure) {
     const std::unique_ptr<AreaAnalysis> analysis = std::move(m_analysis);
     Run& run = *analysis->run();
     if (failure != RasterPass::Failure::None) {
-        broken = Outcome::failure(failure == RasterPass::Failure::NoThread
+        broken = Outcome::failure(failure == RasterPass::Failure::Read ? m_job.problem()
+                                  : failure == RasterPass::Failure::NoThread
                                       ? tr("the system gives no thread")
                                       : tr("memory ran out"));
     }

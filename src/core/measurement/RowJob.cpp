@@ -71,6 +71,7 @@ void RowJob::takeRows(int generation) {
         return;
     }
     const auto failure = m_pass ? m_pass->failure() : RasterPass::Failure::None;
+    m_problem = m_pass ? m_pass->problem() : QString();
     stop();
     emit finished(failure);
 }

@@ -27,6 +27,8 @@ class RowJob : public QObject {
     void stop();
     /// Of the pass that runs, or ran last.
     int rowsTaken() const { return m_rows; }
+    /// What that one could not read, see RasterPass::problem().
+    const QString& problem() const { return m_problem; }
 
   signals:
     /// Some rows have been taken in; so seldom that somebody can show it each time.
@@ -44,6 +46,7 @@ class RowJob : public QObject {
     bool m_running = false;
     int m_generation = 0;  // of calls that are still on their way
     int m_rows = 0;
+    QString m_problem;
     int m_rowsTold = 0;
     int m_tells = 0;
     QElapsedTimer m_sinceTold;
