@@ -14,6 +14,7 @@ namespace {
 
 constexpr quint64 Unit = 1024;
 constexpr char Units[] = "KMGT";
+constexpr quint64 Unknown = std::numeric_limits<quint64>::max();
 
 std::atomic<quint64> chosenLimit{0};
 std::atomic<quint64> promised{0};
@@ -66,18 +67,41 @@ quint64 machineMemory() {
                                   : quint64(1) << 32;
 }
 
+/// "MemAvailable:    1234 kB"
+quint64 machineAvailable() {
+    for (const QByteArray& line : contentOf(QStringLiteral("/proc/meminfo")).split('\n')) {
+        const QList<QByteArray> words = line.simplified().split(' ');
+        if (words.size() > 1 && words[0] == "MemAvailable:") {
+            return words[1].toULongLong() * Unit;
+        }
+    }
+    return Unknown;
+}
+
+quint64 difference(quint64 all, quint64 taken) {
+    return all > taken ? all - taken : 0;
+}
+
 }  // namespace
+
+quint64 availableMemory() {
+    const quint64 chosen = chosenLimit;
+    const quint64 limit = std::min(cgroupLimit(), chosen > 0 ? chosen : Unknown);
+    // A cgroup is taken for the program's own.
+    return std::min(machineAvailable(),
+                    limit == Unknown ? Unknown : difference(limit, residentMemory()));
+}
 
 quint64 defaultMemoryLimit() {
     return std::min(machineMemory(), cgroupLimit()) / 2;
 }
 
 quint64 memoryLimit() {
-    quint64 limit = chosenLimit.load();
-    if (limit == 0) {
-        limit = defaultMemoryLimit();
-        chosenLimit = limit;
+    const quint64 chosen = chosenLimit;
+    if (chosen > 0) {
+        return chosen;
     }
+    static const quint64 limit = defaultMemoryLimit();
     return limit;
 }
 
@@ -92,9 +116,7 @@ quint64 residentMemory() {
 }
 
 quint64 memoryLeft() {
-    const quint64 taken = residentMemory() + promised;
-    const quint64 limit = memoryLimit();
-    return taken < limit ? limit - taken : 0;
+    return difference(memoryLimit(), residentMemory() + promised);
 }
 
 PromisedMemory::PromisedMemory(quint64 bytes) : m_bytes(bytes) {

@@ -14,6 +14,10 @@ quint64 memoryLimit();
 /// Before any work has begun.
 void setMemoryLimit(quint64 bytes);
 
+/// What the machine, or the program's cgroup, has left now for what must stay in memory, and no
+/// more than a limit that was set leaves; the greatest number where the system does not tell.
+quint64 availableMemory();
+
 /// What is resident of the program now; 0 where the system does not tell.
 quint64 residentMemory();
 

@@ -22,6 +22,10 @@ void DarkData::readHeadersOnly() {
     m_reader.readHeadersOnly();
 }
 
+void DarkData::readCountsWhenNeeded() {
+    m_reader.readCountsWhenNeeded();
+}
+
 void DarkData::setImageSize(int width, int height) {
     if (width == m_imageWidth && height == m_imageHeight) {
         return;

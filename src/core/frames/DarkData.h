@@ -21,6 +21,8 @@ class DarkData : public QObject {
 
     /// Frames come by their headers alone and have no mean.
     void readHeadersOnly();
+    /// Counts are read when the mean is asked for.
+    void readCountsWhenNeeded();
     /// Size of the images; -1 while there are none.
     void setImageSize(int width, int height);
 
@@ -46,6 +48,8 @@ class DarkData : public QObject {
     /// Mean of the fitting frames as of the last changed(), null when there is none of the images'
     /// size. Valid until the next call.
     const DarkFrame* mean();
+    /// Why it was null although there are fitting frames: names the file that could not be read.
+    const QString& problem() const { return m_mean.problem(); }
 
   signals:
     /// mean() is another one.

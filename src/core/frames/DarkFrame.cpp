@@ -3,7 +3,18 @@
 #include <algorithm>
 
 #include "base/Numbers.h"
+#include "frames/CountFile.h"
 #include "frames/FrameSet.h"
+
+namespace {
+
+void add(const quint16* counts, std::size_t n, double* sums) {
+    for (std::size_t i = 0; i < n; ++i) {
+        sums[i] += counts[i];
+    }
+}
+
+}  // namespace
 
 bool DarkFrame::fits(const TiffData& frame, int width, int height) {
     return width > 0 && height > 0 && frame.width == static_cast<quint32>(width) &&
@@ -11,30 +22,51 @@ bool DarkFrame::fits(const TiffData& frame, int width, int height) {
 }
 
 DarkFrame::DarkFrame(const FrameSet& frames, int width, int height) {
-    for (int i = 0; i < frames.size(); ++i) {
+    const std::size_t columns = static_cast<std::size_t>(width);
+    for (int i = 0; i < frames.size() && m_problem.isEmpty(); ++i) {
         const TiffData& frame = *frames.at(i);
         if (!fits(frame, width, height)) {
             continue;
         }
-        const std::size_t columns = static_cast<std::size_t>(width);
-        const std::size_t lines = static_cast<std::size_t>(height);
-        m_mean.resize(columns * lines, 0.0);
-        // Whole numbers: exact until the division.
-        for (std::size_t r = 0; r < std::min(lines, frame.rows.size()); ++r) {
-            double* sum = m_mean.data() + r * columns;
-            for (std::size_t c = 0; c < columns; ++c) {
-                sum[c] += frame.rows[r][c];
+        m_mean.resize(columns * static_cast<std::size_t>(height), 0.0);
+        if (frame.isInFile()) {
+            m_problem = read(frame);
+        } else {
+            // Whole numbers: exact until the division.
+            for (std::size_t r = 0; r < std::min<std::size_t>(frame.height, frame.rows.size());
+                 ++r) {
+                add(frame.rows[r], columns, m_mean.data() + r * columns);
             }
         }
         ++m_frameCount;
     }
-    if (m_frameCount > 0) {
+    if (!m_problem.isEmpty()) {
+        m_frameCount = 0;
+        m_mean = {};
+    } else if (m_frameCount > 0) {
         m_width = width;
         m_height = height;
         for (double& mean : m_mean) {
             mean /= m_frameCount;
         }
     }
+}
+
+/// Some rows at a time: a frame more would be in memory, else.
+QString DarkFrame::read(const TiffData& frame) {
+    constexpr std::size_t CountsAtATime = 1 << 19;
+    const std::size_t width = frame.width;
+    const auto step = static_cast<quint32>(std::max<std::size_t>(1, CountsAtATime / width));
+    std::vector<quint16> counts(width * std::min(step, frame.height));
+    for (quint32 y = 0; y < frame.height; y += step) {
+        const quint32 rows = std::min(step, frame.height - y);
+        const QString problem = frame.countFile->read(y, rows, counts.data());
+        if (!problem.isEmpty()) {
+            return problem;
+        }
+        add(counts.data(), rows * width, m_mean.data() + y * width);
+    }
+    return frame.countFile->change();
 }
 
 double DarkFrame::boxSum(int x, int y, int halfWidth, int halfHeight) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <vector>
 
 class FrameSet;
@@ -11,11 +12,14 @@ class DarkFrame {
     /// No frame: every sum is 0.
     DarkFrame() = default;
     /// Mean over the frames of width x height pixels; those of another size are left out. Rows that
-    /// a frame lacks count 0.
+    /// a frame lacks count 0. Frames whose counts are read when they are needed are read here; one
+    /// that cannot be, or is another by then, leaves no frame and a problem.
     DarkFrame(const FrameSet& frames, int width, int height);
 
     static bool fits(const TiffData& frame, int width, int height);
 
+    /// Names the file that could not be read; else empty.
+    const QString& problem() const { return m_problem; }
     /// Frames that went into the mean.
     int frameCount() const { return m_frameCount; }
     int width() const { return m_width; }
@@ -29,6 +33,9 @@ class DarkFrame {
     void copyRow(int x, int y, int count, double* sums) const;
 
   private:
+    QString read(const TiffData& frame);
+
+    QString m_problem;
     int m_frameCount = 0;
     int m_width = 0;
     int m_height = 0;

@@ -30,10 +30,10 @@ struct TiffData {
     /// Where the counts lie of a frame that was loaded by its header alone; else null. Such a frame
     /// has no rows, and neither min, max nor saturated.
     std::shared_ptr<CountFile> countFile;
-    double energy = 0.0;         ///< eV, from the file's name
-    uchar* pixels = nullptr;     ///< the picture's memory, owned
-    QImage* image = nullptr;     ///< over `pixels`, owned
-    bool loaded = false;         ///< the last load() succeeded
+    double energy = 0.0;      ///< eV, from the file's name
+    uchar* pixels = nullptr;  ///< the picture's memory, owned
+    QImage* image = nullptr;  ///< over `pixels`, owned
+    bool loaded = false;      ///< the last load() succeeded
     /// Why no stack takes what has been read, in one phrase; empty: it is a frame of counts.
     QString refusal;
     QStringList remarks;    ///< what should be known of it nevertheless, see FrameHeader
@@ -64,6 +64,8 @@ struct TiffData {
 
     /// Frees every row.
     void clearRows();
+    /// The counts are read from countFile when they are needed.
+    bool isInFile() const { return countFile != nullptr && rows.empty(); }
 
     /// Plain sum of the counts over (2|halfWidth| + 1) x (2|halfHeight| + 1) pixels around (x, y);
     /// pixels outside the frame count 0.

@@ -70,20 +70,26 @@ Outcome saveAreaSpectrum(Measurement& measurement, const QString& fileName) {
         area = areaSpectrumOf(measurement);
     }
     if (area.spectrum.isEmpty()) {
-        return Outcome::failure(Measurement::tr(
-            "no bin of the area has counts at all energies: there is no mean spectrum"));
+        return Outcome::failure(
+            area.problem.isEmpty()
+                ? Measurement::tr(
+                      "no bin of the area has counts at all energies: there is no mean spectrum")
+                : area.problem);
     }
     std::vector<double> energies;
     for (int i = 0; i < area.spectrum.size(); ++i) {
         energies.push_back(area.spectrum.energy(i));
     }
-    return writeFile(measurement, fileName,
-                     [&] {
-                         return writeSpectrumFile(fileName, area.spectrum,
-                                                  measurement.settings().correctedSpectra) &&
-                                noteSaved(fileName);
-                     },
-                     {Rehearsal::Kind::Spectrum, {}, energies});
+    Outcome outcome =
+        writeFile(measurement, fileName,
+                  [&] {
+                      return writeSpectrumFile(fileName, area.spectrum,
+                                               measurement.settings().correctedSpectra) &&
+                             noteSaved(fileName);
+                  },
+                  {Rehearsal::Kind::Spectrum, {}, energies});
+    outcome.warnings += area.aboutCounts;
+    return outcome;
 }
 
 Outcome saveStatistics(const Measurement& measurement, const QString& fileName) {

@@ -39,16 +39,26 @@ Outcome judgeAreaSpectrum(const Measurement& measurement) {
 
 AreaSpectrum areaSpectrumOf(Measurement& measurement) {
     const AbsorptionSource& source = measurement.source();
+    AreaSpectrum area;
+    area.problem = measurement.dark().problem();
+    if (!area.problem.isEmpty()) {
+        return area;
+    }
     const BinRaster raster = measurement.grid().raster();
     const int threads = std::max(1, measurement.threads());
     const auto sums = std::make_shared<RowSums>();
     RasterPass pass(source, raster, 1,
                     meanEvaluators(threads, raster, source.energyCount(),
                                    shiftsOf(measurement.map().image), sums));
-    while (pass.take().values != nullptr) {
+    SaturatedPixels& saturated = measurement.saturated();
+    saturated.begin();
+    for (RasterPass::Row row = pass.take(); row.values != nullptr; row = pass.take()) {
+        saturated.take(row, raster, measurement.imageSize(), measurement.stack(StackId::I1).size());
     }
-    AreaSpectrum area;
+    area.problem = pass.problem();
     if (!pass.failed()) {
+        area.aboutCounts =
+            saturated.warnings(measurement.stack(StackId::I1), measurement.stack(StackId::I0));
         area.spectrum = spectrumOf(*sums, source.energies(), ruleOf(measurement), &area.bins);
     }
     return area;

@@ -14,6 +14,8 @@
 struct AreaSpectrum {
     XafsSpectrum spectrum;
     int bins = 0;
+    QString problem;          ///< names the file that could not be read
+    QStringList aboutCounts;  ///< see SaturatedPixels
 };
 
 /// Failed: there are no frames, or no bin to form it of.

@@ -8,6 +8,7 @@
 #include "base/Numbers.h"
 #include "drawing/FramePicture.h"
 #include "drawing/ValuePicture.h"
+#include "frames/FrameCounts.h"
 #include "measurement/MapDisplay.h"
 #include "measurement/Origin.h"
 
@@ -49,22 +50,49 @@ QImage pictureOf(const FrameImage& image, const Measurement& measurement) {
                         frameColorsOf(measurement.settings()), measurement.threads());
 }
 
-QImage shownPicture(Measurement& measurement) {
+namespace {
+
+/// Null where they could not be read.
+QImage pictureOf(const FrameCounts& counts, const Settings& settings) {
+    if (!counts.problem().isEmpty()) {
+        return QImage();
+    }
+    TiffData& frame = counts.frame();
+    const ViewRange& range = settings.viewRange;
+    if (!range.fixed && frame.picture() != nullptr && settings.views.frames.isStated()) {
+        return counts.isCopy() ? frame.picture()->copy() : *frame.picture();
+    }
+    return framePicture(frame, range.fixed ? range.low : frame.min,
+                        range.fixed ? range.high : frame.max, frameColorsOf(settings));
+}
+
+void tell(const QString& what, QString* problem) {
+    if (problem != nullptr) {
+        *problem = what;
+    }
+}
+
+/// What a frame shows in place of its counts; null for counts, and where it cannot be made.
+const FrameImage* frameImageNow(Measurement& measurement, QString* problem) {
+    const FrameImage* image = measurement.frameImage(Measurement::Wait::UntilMade);
+    tell(image == nullptr ? measurement.frameProblem() : QString(), problem);
+    return image;
+}
+
+}  // namespace
+
+QImage shownPicture(Measurement& measurement, QString* problem) {
     if (measurement.rehearsal() != nullptr && shownFrame(measurement) != nullptr) {
         return QImage(1, 1, QImage::Format_Grayscale8);  // its counts have not been read
     }
     if (measurement.frameKind() != FrameView::Kind::Counts) {
-        const FrameImage* image = measurement.frameImage(Measurement::Wait::UntilMade);
+        const FrameImage* image = frameImageNow(measurement, problem);
         return image != nullptr ? pictureOf(*image, measurement) : QImage();
     }
     if (TiffData* frame = shownFrame(measurement)) {
-        const Settings& settings = measurement.settings();
-        const ViewRange& range = settings.viewRange;
-        if (!range.fixed && frame->picture() != nullptr && settings.views.frames.isStated()) {
-            return *frame->picture();
-        }
-        return framePicture(*frame, range.fixed ? range.low : frame->min,
-                            range.fixed ? range.high : frame->max, frameColorsOf(settings));
+        const FrameCounts counts(frame);
+        tell(counts.problem(), problem);
+        return pictureOf(counts, measurement.settings());
     }
     const Result* result = measurement.shownResult();
     return result != nullptr ? pictureOf(measurement, *result) : QImage();
@@ -90,13 +118,17 @@ BarPicture imageWithBar(Measurement& measurement, const FrameImage& image, const
     return parts;
 }
 
-BarPicture frameWithBar(Measurement& measurement, const TiffData& frame) {
-    if (const FrameImage* image = measurement.frameImage(Measurement::Wait::UntilMade)) {
-        return imageWithBar(measurement, *image, frame);
+BarPicture frameWithBar(Measurement& measurement, TiffData* shown, QString* problem) {
+    if (measurement.frameKind() != FrameView::Kind::Counts) {
+        const FrameImage* image = frameImageNow(measurement, problem);
+        return image != nullptr ? imageWithBar(measurement, *image, *shown) : BarPicture();
     }
     BarPicture parts;
+    const FrameCounts counts(shown);
+    tell(counts.problem(), problem);
+    const TiffData& frame = counts.frame();
     const ViewRange& range = measurement.settings().viewRange;
-    parts.picture = shownPicture(measurement);
+    parts.picture = pictureOf(counts, measurement.settings());
     parts.colors = &frameColorsOf(measurement.settings());
     parts.low = range.fixed ? range.low : frame.min;
     parts.high = range.fixed ? range.high : frame.max;
@@ -122,9 +154,9 @@ QString sourceOf(const Result& result, const Measurement& measurement) {
 
 }  // namespace
 
-BarPicture shownWithBar(Measurement& measurement) {
-    if (const TiffData* frame = shownFrame(measurement)) {
-        return frameWithBar(measurement, *frame);
+BarPicture shownWithBar(Measurement& measurement, QString* problem) {
+    if (TiffData* frame = shownFrame(measurement)) {
+        return frameWithBar(measurement, frame, problem);
     }
     BarPicture parts;
     const Result* result = measurement.shownResult();
@@ -195,8 +227,23 @@ SpectrumPlot shownPlot(Measurement& measurement) {
     return plot;
 }
 
+namespace {
+
+QPair<double, double> percentilesOf(Measurement& measurement, TiffData* frame, QString* problem) {
+    const FrameImage* image = frameImageNow(measurement, problem);
+    if (image != nullptr || !problem->isEmpty()) {
+        return image != nullptr ? colorRange(image->low, image->high, measurement)
+                                : qMakePair(0.0, 0.0);
+    }
+    const FrameCounts counts(frame);
+    *problem = counts.problem();
+    return countPercentiles(counts.frame(), 0.01);
+}
+
+}  // namespace
+
 Outcome fixPercentiles(Measurement& measurement) {
-    const TiffData* frame = shownFrame(measurement);
+    TiffData* frame = shownFrame(measurement);
     if (frame == nullptr) {
         return Outcome::failure(
             QCoreApplication::translate("Measurement", "there is no frame on display"));
@@ -204,9 +251,11 @@ Outcome fixPercentiles(Measurement& measurement) {
     if (measurement.rehearsal() != nullptr) {
         return {};
     }
-    const FrameImage* image = measurement.frameImage(Measurement::Wait::UntilMade);
-    const auto [low, high] = image != nullptr ? colorRange(image->low, image->high, measurement)
-                                              : countPercentiles(*frame, 0.01);
+    QString problem;
+    const auto [low, high] = percentilesOf(measurement, frame, &problem);
+    if (!problem.isEmpty()) {
+        return Outcome::failure(problem);
+    }
     if (!(high > low)) {
         return Outcome::failure(QCoreApplication::translate(
             "Measurement", "the percentiles of the frame are equal: the range stays"));

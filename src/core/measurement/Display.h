@@ -19,8 +19,9 @@ QPair<double, double> colorRange(double low, double high, const Measurement& mea
 QImage pictureOf(const FrameImage& image, const Measurement& measurement);
 
 /// The picture on display at full resolution: of a frame in the range of the view, of a result
-/// through the colour map; null for nothing.
-QImage shownPicture(Measurement& measurement);
+/// through the colour map; null for nothing, and where counts could not be read, of which a problem
+/// tells with the file's name.
+QImage shownPicture(Measurement& measurement, QString* problem = nullptr);
 
 /// What the frame on display shows and at which energy, for a corner of it: "mu-t  7112.00 eV",
 /// "mu-t (no I0)  7112.00 eV" where I0 counts as 1.
@@ -28,7 +29,7 @@ QImage shownPicture(Measurement& measurement);
 QString shownCaption(Measurement& measurement);
 
 /// The same with title, source, unit and range, pixels that are no number in grey.
-BarPicture shownWithBar(Measurement& measurement);
+BarPicture shownWithBar(Measurement& measurement, QString* problem = nullptr);
 
 /// The spectrum at the position and the standard, plotted over the axes chosen.
 SpectrumPlot shownPlot(Measurement& measurement);

@@ -50,6 +50,7 @@ const FrameImage* FrameImages::now(const Key& key, const Ask& ask) {
         m_request = ask();
         make();
         const bool isMade = m_isMade;
+        m_problem = m_made.pixels.problem;
         takeOver();
         return isMade ? &m_shown : nullptr;
     }

@@ -54,6 +54,9 @@ class FrameImages : public QObject {
     /// ready() follows. Of requests that come meanwhile the newest counts.
     const FrameImage* soon(const Key& key, const Ask& ask);
 
+    /// Why now() has made none, with a file's name; empty where memory ran out.
+    const QString& problem() const { return m_problem; }
+
     bool isBusy() const { return m_request.has_value(); }
 
     /// No thread reads frames from here on; the last image stays.
@@ -81,6 +84,7 @@ class FrameImages : public QObject {
     std::optional<Request> m_next;
     FrameImage m_made;  // by the thread; its memory serves again
     bool m_isMade = false;
+    QString m_problem;
     std::thread m_thread;
     std::atomic<bool> m_stop{false};
     std::mutex m_mutex;

@@ -144,15 +144,19 @@ QStringList warningsOf(const Stack& stack, int firstNew) {
     }
     QStringList texts = aboutFiles(stack, firstNew) + aboutNames(stack.files().mid(firstNew)) +
                         aboutEnergies(stack.files());
-    const double saturated = saturatedShare(stack.frames());
-    if (saturated > SaturatedShare) {
-        texts << Stack::tr("%1 % of the pixels are saturated (65535 counts)")
-                     .arg(100.0 * saturated, 0, 'g', 2);
-    }
     for (QString& text : texts) {
         text.prepend(stack.name() + QStringLiteral(": "));
     }
+    texts << saturatedText(stack, saturatedShare(stack.frames()));
+    texts.removeAll(QString());
     return texts;
+}
+
+QString saturatedText(const Stack& stack, double share) {
+    return share > SaturatedShare ? stack.name() + QStringLiteral(": ") +
+                                        Stack::tr("%1 % of the pixels are saturated (65535 counts)")
+                                            .arg(100.0 * share, 0, 'g', 2)
+                                  : QString();
 }
 
 Outcome judgeFrames(const Measurement& m, Work work) {

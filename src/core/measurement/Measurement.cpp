@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "absorption/AbsorptionSource.h"
+#include "absorption/CountBand.h"
 #include "base/Globals.h"
 #include "calibration/EnergyMapTiff.h"
 #include "calibration/EnergyShift.h"
@@ -19,6 +20,7 @@ Measurement::Measurement()
       m_threads(QThread::idealThreadCount()),
       m_job([this](const RasterPass::Row& row, const BinRaster& raster) {
           if (!m_search) {
+              m_saturated.take(row, raster, m_size, m_i1.size());
               m_analysis->run()->tally += row.tally;
               ++m_analysis->run()->rows;
               m_analysis->take(row, raster);
@@ -68,6 +70,13 @@ void Measurement::rehearse() {
     m_i1.rehearse(rehearsal());
     m_i0.rehearse(rehearsal());
     m_dark.readHeadersOnly();
+}
+
+void Measurement::readCountsWhenNeeded() {
+    m_countsInMemory = false;
+    m_i1.readCountsWhenNeeded();
+    m_i0.readCountsWhenNeeded();
+    m_dark.readCountsWhenNeeded();
 }
 
 void Measurement::inputsChanged(Changes what) {
@@ -255,15 +264,29 @@ const AbsorptionSource& Measurement::source() {
     return *m_source;
 }
 
+Spectrum Measurement::spectrumAt(int x, int y) {
+    m_sampleProblem.clear();
+    try {
+        const AbsorptionSource& frames = source();
+        m_sampleProblem = m_dark.problem();
+        return m_sampleProblem.isEmpty()
+                   ? frames.spectrumAt(x, y, m_settings.halfWidth, m_settings.halfHeight)
+                   : Spectrum();
+    } catch (const UnreadCounts& unread) {
+        m_sampleProblem = unread.problem;
+        return {};
+    }
+}
+
 const XafsSpectrum& Measurement::sample() {
     if (!m_sample) {
         const int x = toPixel(m_position.x());
         const int y = toPixel(m_position.y());
-        const Spectrum raw =
-            m_rehearsal ? Rehearsal::spectrumOf(QRect(QPoint(), m_size).contains(x, y)
-                                                    ? source().energies()
-                                                    : std::vector<double>())
-                        : source().spectrumAt(x, y, m_settings.halfWidth, m_settings.halfHeight);
+        const Spectrum raw = m_rehearsal
+                                 ? Rehearsal::spectrumOf(QRect(QPoint(), m_size).contains(x, y)
+                                                             ? source().energies()
+                                                             : std::vector<double>())
+                                 : spectrumAt(x, y);
         m_sample = std::make_unique<XafsSpectrum>(raw, sampleRule(), shiftAt(&m_map->image, x, y));
     }
     return *m_sample;

@@ -8,12 +8,14 @@
 #include "frames/DarkData.h"
 #include "measurement/AreaAnalysis.h"
 #include "measurement/FrameImages.h"
+#include "measurement/FrameMemory.h"
 #include "measurement/MapJob.h"
 #include "measurement/Outcome.h"
 #include "measurement/RecordLines.h"
 #include "measurement/Reference.h"
 #include "measurement/Rehearsal.h"
 #include "measurement/RowJob.h"
+#include "measurement/SaturatedPixels.h"
 
 /// A measurement: its stacks, dark frames, standard, energy-shift map, references, results and all
 /// settings. It loads, calibrates, fits and deglitches on all cores, stoppable, and knows what each
@@ -44,6 +46,9 @@ class Measurement : public QObject {
     /// From now on nothing is analysed and nothing is written: what is asked for is only judged, as
     /// far as headers, names and settings tell. To be called before anything is loaded.
     void rehearse();
+    /// From now on frames are loaded by their headers alone, so that stacks of any size can be:
+    /// what works on counts reads them. To be called before anything is loaded.
+    void readCountsWhenNeeded();
     Rehearsal* rehearsal() const { return m_rehearsal.get(); }  ///< null: in earnest
 
     // Settings
@@ -70,7 +75,8 @@ class Measurement : public QObject {
     const Stack& stack(StackId id) const { return id == StackId::I1 ? m_i1 : m_i0; }
     /// The files of a folder that match one of the patterns, see listImageFiles().
     QStringList list(const QString& folder, const QStringList& patterns) const;
-    /// Replaces the frames, or adds to them, by files that are read in the background.
+    /// Replaces the frames, or adds to them, by files that are read in the background. Those that
+    /// do not fit into memory fail, as ended() tells, and leave the frames as they are.
     void load(StackId id, const QStringList& files, bool replace);
     void clear(StackId id);
     Outcome loadNew(StackId id);  ///< what has come beside the last file loaded, see NewFrames.h
@@ -169,6 +175,8 @@ class Measurement : public QObject {
     /// What the frame on display shows in place of its counts; null for counts and, with
     /// Wait::Blink, before the first one is made. See FrameImages.
     const FrameImage* frameImage(Wait wait);
+    /// Why frameImage() gave none, with the file's name, where counts could not be read.
+    QString frameProblem() const;
     FrameImages& frameImages() { return m_frameImages; }
     Result* selectedResult() const;  ///< null: none, or of RA and not made yet
     void select(int id);             ///< a result, if there is one of that id; tells in any case
@@ -177,11 +185,15 @@ class Measurement : public QObject {
     QPointF position() const { return m_position; }
     void setPosition(double x, double y);
     const XafsSpectrum& sample();  ///< at the position, corrected; without points for none
+    /// Why there is none, with the file's name, where counts could not be read.
+    const QString& sampleProblem() const { return m_sampleProblem; }
     /// How it is normalised: with the E0 of the mean spectrum of the area, where that is chosen and
     /// a run with the same frames, bins, area and map has found it, else with its own.
     Normalisation sampleRule() const;
     bool lacksMeanE0() const;  ///< it is chosen, but not known
     const AbsorptionSource& source();
+    /// Of passes over the frames.
+    SaturatedPixels& saturated() { return m_saturated; }
     /// The file of the batch that runs: no output may replace it. Empty for none.
     void setBatchFile(const QString& file) { m_batchFile = file; }
     const QString& batchFile() const { return m_batchFile; }
@@ -198,6 +210,11 @@ class Measurement : public QObject {
 
   private:
     void connectStack(Stack& stack);
+    void beginLoad(StackId id, const QStringList& files, bool replace);
+    void beginLoadDark(const QStringList& files);
+    quint64 countsHeld(Work load) const;
+    quint64 countsToCome(Work load) const;
+    Outcome judgeMemory(const QVector<FramesToRead>& loads, const std::set<Work>& replaced) const;
     void frameArrived(StackId id);
     void loadEnded(StackId id);
     void tellLoaded(Work work, const Outcome& outcome);
@@ -205,6 +222,7 @@ class Measurement : public QObject {
     void setImageSize(const QSize& size);
     void applyScales();
     void inputsChanged(Changes what);
+    Spectrum spectrumAt(int x, int y);
     std::unique_ptr<AreaAnalysis> makeAnalysis(Work work);
     Outcome judgeEdge(Work work);
     void beginMean();
@@ -250,6 +268,7 @@ class Measurement : public QObject {
     Stack m_i1{StackId::I1};
     Stack m_i0{StackId::I0};
     DarkData m_dark;
+    bool m_countsInMemory = true;  // of frames that are loaded
     quint64 m_darkRevision = 0;
     bool m_darkIsNew = false;
     QSize m_size{-1, -1};
@@ -267,11 +286,13 @@ class Measurement : public QObject {
     FrameImages m_frameImages;
     QPointF m_position{-1.0, -1.0};
     std::unique_ptr<XafsSpectrum> m_sample;  // null: to be formed again
+    QString m_sampleProblem;
     int m_threads;
     std::unique_ptr<AreaAnalysis> m_analysis;
     std::optional<MeanSearch> m_search;      // while the run looks for the mean spectrum
     std::shared_ptr<const Run> m_foundMean;  // the last that has found one
     RowJob m_job;
+    SaturatedPixels m_saturated;  // met by it
     ShareOfTime m_eachRow;
     MapJob m_mapJob;
     std::optional<MapWork> m_mapWork;

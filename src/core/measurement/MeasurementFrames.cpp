@@ -6,6 +6,7 @@
 
 #include "absorption/AbsorptionSource.h"
 #include "base/DebugLog.h"
+#include "base/Memory.h"
 #include "files/FileListing.h"
 #include "measurement/FolderLoad.h"
 #include "measurement/Measurement.h"
@@ -86,7 +87,50 @@ QStringList Measurement::list(const QString& folder, const QStringList& patterns
     return m_rehearsal ? m_rehearsal->list(folder, patterns) : listImageFiles(folder, patterns);
 }
 
+/// Bytes of the counts that are in memory for a load that has been.
+quint64 Measurement::countsHeld(Work load) const {
+    return load == Work::LoadDark ? countBytes(m_size, m_dark.loaded())
+           : load == Work::LoadI1 ? countBytes(m_i1.imageSize(), m_i1.size())
+                                  : countBytes(m_i0.imageSize(), m_i0.size());
+}
+
+/// Bytes of what a load under way will add.
+quint64 Measurement::countsToCome(Work load) const {
+    return load == Work::LoadDark ? countBytes(m_size, m_dark.filesLeft())
+           : load == Work::LoadI1 ? countBytes(m_i1.imageSize(), m_i1.toCome())
+                                  : countBytes(m_i0.imageSize(), m_i0.toCome());
+}
+
+/// Failed: the counts do not fit into memory beside those of loads that they do not replace.
+Outcome Measurement::judgeMemory(const QVector<FramesToRead>& loads,
+                                 const std::set<Work>& replaced) const {
+    if (!m_countsInMemory || m_rehearsal) {
+        return {};
+    }
+    quint64 available = availableMemory();
+    for (const Work load : {Work::LoadI1, Work::LoadI0, Work::LoadDark}) {
+        if (replaced.count(load) > 0) {
+            available += countsHeld(load);
+        } else {
+            available -= std::min(available, countsToCome(load));
+        }
+    }
+    return ::judgeMemory(loads, available);
+}
+
 void Measurement::load(StackId id, const QStringList& files, bool replace) {
+    const Work work = id == StackId::I1 ? Work::LoadI1 : Work::LoadI0;
+    const QSize size = replace ? QSize() : stack(id).imageSize();
+    const Outcome judged = judgeMemory({{stack(id).name(), files, size}},
+                                       replace ? std::set<Work>{work} : std::set<Work>{});
+    if (judged.failed()) {
+        emit ended(work, judged);
+        return;
+    }
+    beginLoad(id, files, replace);
+}
+
+void Measurement::beginLoad(StackId id, const QStringList& files, bool replace) {
     if (replace) {
         stopRun(tr("frames were replaced"));
         clear(id);
@@ -156,12 +200,45 @@ void Measurement::stopLoading() {
 }
 
 void Measurement::loadDark(const QStringList& files) {
+    const Outcome judged = judgeMemory({{tr("dark"), files}}, {Work::LoadDark});
+    if (judged.failed()) {
+        emit ended(Work::LoadDark, judged);
+        return;
+    }
+    beginLoadDark(files);
+}
+
+void Measurement::beginLoadDark(const QStringList& files) {
     m_loadsDark = true;
     m_dark.replace(files);
 }
 
+namespace {
+
+std::set<Work> worksOf(const QStringList& i0, const QStringList& dark) {
+    std::set<Work> works;
+    if (!i0.isEmpty()) {
+        works.insert(Work::LoadI0);
+    }
+    if (!dark.isEmpty()) {
+        works.insert(Work::LoadDark);
+    }
+    return works;
+}
+
+}  // namespace
+
 void Measurement::loadTogether(const QStringList& i1, const QStringList& i0,
                                const QStringList& dark, const Outcome& begun) {
+    const std::set<Work> replaced =
+        i1.isEmpty() ? worksOf(i0, dark)
+                     : std::set<Work>{Work::LoadI1, Work::LoadI0, Work::LoadDark};
+    const Outcome judged =
+        judgeMemory({{m_i1.name(), i1}, {m_i0.name(), i0}, {tr("dark"), dark}}, replaced);
+    if (judged.failed()) {
+        emit ended(Work::LoadFolder, judged);
+        return;
+    }
     // Who waits for a load that is overtaken waits for the one in its place.
     for (const Work work : {Work::LoadI1, Work::LoadI0, Work::LoadDark}) {
         if (isAtWork(work) && m_together.count(work) == 0) {
@@ -183,13 +260,13 @@ void Measurement::loadTogether(const QStringList& i1, const QStringList& i0,
         }
     }
     if (!dark.isEmpty()) {
-        loadDark(dark);
+        beginLoadDark(dark);
     }
     if (!i0.isEmpty()) {
-        load(StackId::I0, i0, true);
+        beginLoad(StackId::I0, i0, true);
     }
     if (!i1.isEmpty()) {
-        load(StackId::I1, i1, true);
+        beginLoad(StackId::I1, i1, true);
     }
     tellLoaded(Work::LoadFolder, begun);
 }

@@ -99,6 +99,9 @@ Outcome Measurement::judgeStart(Work work) {
         return outcome;
     }
     outcome += judgeBefore(work, source().energies(), m_references, m_settings);
+    if (!m_dark.problem().isEmpty()) {
+        outcome.failures << tr("dark: %1").arg(m_dark.problem());
+    }
     if (work == Work::Calibrate) {
         outcome += judgeStandard(standard(), m_i1.files());
     }
@@ -171,6 +174,7 @@ void Measurement::beginPass() {
         raster.rows = 0;
     }
     const AbsorptionSource& frames = source();
+    m_saturated.begin();
     m_job.start(frames, raster, m_analysis->valuesPerBin(),
                 m_analysis->evaluators(std::max(1, m_threads), frames));
 }
@@ -236,6 +240,9 @@ void Measurement::passEnded(RasterPass::Failure failure) {
                                       : tr("memory ran out"));
     }
     Outcome outcome = broken.failed() ? broken : judgeAfter(run);
+    if (failure == RasterPass::Failure::None && !m_search) {
+        outcome.warnings += m_saturated.warnings(m_i1, m_i0);
+    }
     if (outcome.failed()) {
         if (!broken.failed()) {
             analysis->begin();  // what has been worked out means nothing

@@ -53,6 +53,12 @@ QPair<double, double> Measurement::differenceEnergies() const {
     return {view.from, view.to.value_or(frame != nullptr ? frame->energy : view.from)};
 }
 
+QString Measurement::frameProblem() const {
+    return frameKind() == FrameView::Kind::Counts ? QString()
+           : m_dark.problem().isEmpty()           ? m_frameImages.problem()
+                                                  : m_dark.problem();
+}
+
 Outcome Measurement::judge(const FrameView& view) {
     if (view.kind != FrameView::Kind::Difference || m_i1.size() == 0) {
         return {};
@@ -76,6 +82,9 @@ const FrameImage* Measurement::frameImage(Wait wait) {
     const TiffData* frame = m_i1.frames().at(m_frame[static_cast<int>(StackId::I1)]);
     const auto [from, to] = isDifference ? differenceEnergies() : qMakePair(0.0, frame->energy);
     const AbsorptionSource& frames = source();
+    if (!m_dark.problem().isEmpty()) {
+        return nullptr;
+    }
     const FrameImages::Key key{
         static_cast<quint64>(kind),
         isDifference ? 0 : static_cast<quint64>(m_frame[static_cast<int>(StackId::I1)]),

@@ -50,6 +50,10 @@ Outcome writePlotFile(const Measurement& measurement, const QString& fileName,
 
 Outcome savePlot(Measurement& measurement, const QString& fileName) {
     const SpectrumPlot plot = shownPlot(measurement);
+    const QString problem = measurement.sampleProblem();
+    if (!problem.isEmpty()) {
+        return Outcome::failure(problem);
+    }
     if (plot.shown().isEmpty()) {
         return Outcome::failure(Saving::tr("the spectrum window shows no spectrum"));
     }

@@ -166,10 +166,11 @@ Outcome writePictureFile(const Measurement& measurement, const QString& fileName
     });
 }
 
+/// @param problem why there is no picture, where that is known
 Outcome savePicture(Measurement& measurement, const QString& fileName, const QImage& picture,
-                    const char* savedBy) {
+                    const char* savedBy, const QString& problem) {
     if (picture.isNull()) {
-        return Outcome::failure(Saving::tr("no image is shown"));
+        return Outcome::failure(problem.isEmpty() ? Saving::tr("no image is shown") : problem);
     }
     if (measurement.frameKind() != FrameView::Kind::Counts) {
         const Outcome view = measurement.judge(measurement.settings().frameView);
@@ -193,9 +194,12 @@ Outcome savePicture(Measurement& measurement, const QString& fileName, const QIm
 }  // namespace
 
 Outcome saveImage(Measurement& measurement, const QString& fileName) {
-    return showsComposite(measurement)
-               ? saveComposite(measurement, fileName, measurement.settings().composite)
-               : savePicture(measurement, fileName, shownPicture(measurement), "save_image");
+    if (showsComposite(measurement)) {
+        return saveComposite(measurement, fileName, measurement.settings().composite);
+    }
+    QString problem;
+    const QImage picture = shownPicture(measurement, &problem);
+    return savePicture(measurement, fileName, picture, "save_image", problem);
 }
 
 Outcome saveImageWithBar(Measurement& measurement, const QString& fileName) {
@@ -205,10 +209,11 @@ Outcome saveImageWithBar(Measurement& measurement, const QString& fileName) {
     if (const Outcome letters = judgeLetters(measurement); letters.failed()) {
         return letters;
     }
+    QString problem;
     const QImage picture = measurement.rehearsal() != nullptr
                                ? shownPicture(measurement)
-                               : withColorBar(shownWithBar(measurement));
-    return savePicture(measurement, fileName, picture, "save_image_with_bar");
+                               : withColorBar(shownWithBar(measurement, &problem));
+    return savePicture(measurement, fileName, picture, "save_image_with_bar", problem);
 }
 
 Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
@@ -328,7 +333,9 @@ Outcome saveAllMaps(const Measurement& measurement, const QString& fileName) {
 Outcome saveSpectra(Measurement& measurement, const QString& fileName,
                     const QVector<XafsSpectrum>& more) {
     if (measurement.sample().isEmpty()) {
-        return Outcome::failure(Saving::tr("there is no spectrum at the position"));
+        const QString problem = measurement.sampleProblem();
+        return Outcome::failure(
+            problem.isEmpty() ? Saving::tr("there is no spectrum at the position") : problem);
     }
     QVector<XafsSpectrum> spectra{measurement.sample()};
     const XafsSpectrum* standard = measurement.standard();

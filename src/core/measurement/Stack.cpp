@@ -65,6 +65,10 @@ QString Stack::name() const {
     return m_id == StackId::I1 ? QStringLiteral("I1") : QStringLiteral("I0");
 }
 
+bool Stack::isInFiles() const {
+    return size() > 0 && frames().at(0)->isInFile();
+}
+
 void Stack::clear() {
     emit changing();
     m_loader.clear();

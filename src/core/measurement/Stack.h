@@ -43,6 +43,10 @@ class Stack : public QObject {
     QString name() const;
     /// Frames come by their headers alone, see Measurement::rehearse().
     void rehearse(const Rehearsal* rehearsal);
+    /// Frames come by their headers, see Measurement::readCountsWhenNeeded().
+    void readCountsWhenNeeded() { m_reader.readCountsWhenNeeded(); }
+    /// There are frames, and their counts are read when they are needed.
+    bool isInFiles() const;
     /// For the files that are asked for from now on.
     void setNames(const NamePattern& names) { m_names = names; }
 
@@ -70,6 +74,8 @@ class Stack : public QObject {
     Outcome takeOutcome();
     /// How many files the load of the last takeOutcome() did not take.
     int leftOut() const { return m_refused; }
+    /// How many files are still to be read.
+    int toCome() const { return total() - done(); }
     /// How many frames there were before the last load.
     int firstNew() const { return std::min(m_before, size()); }
 

@@ -110,6 +110,7 @@ int run(const BatchText& text, const QString& file, const RunnerOptions& options
         console.tellTimes();
     }
     Measurement measurement;
+    measurement.readCountsWhenNeeded();
     measurement.setBatchFile(file);
     if (options.threads > 0) {
         measurement.setThreads(options.threads);
