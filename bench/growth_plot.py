@@ -26,7 +26,7 @@ def decades(low, high):
     return range(math.floor(math.log10(low)), math.ceil(math.log10(high)) + 1)
 
 
-def panel(offset, title, label, points):
+def panel(offset, title, label, points, unit="milliseconds"):
     xs, ys = zip(*points)
     xd, yd = decades(min(xs), max(xs)), decades(min(ys), max(ys))
 
@@ -56,7 +56,7 @@ def panel(offset, title, label, points):
         out.append(text(offset + LEFT - 6, py + 4, power(d), "end"))
     out.append(text(offset + WIDTH / 2 + 20, HEIGHT - 12, label))
     middle = HEIGHT / 2
-    out.append(text(offset + 16, middle, "milliseconds",
+    out.append(text(offset + 16, middle, unit,
                     extra=f' transform="rotate(-90 {offset + 16} {middle})"'))
     # In proportion to the largest.
     lowest = max(min(xs), xs[-1] * 10 ** yd[0] / ys[-1])
@@ -68,16 +68,20 @@ def panel(offset, title, label, points):
     return out
 
 
+def write(path, panels):
+    with open(path, "w") as out:
+        out.write(f'<svg xmlns="http://www.w3.org/2000/svg" width="{len(panels) * WIDTH}" '
+                  f'height="{HEIGHT}" font-family="sans-serif">\n'
+                  f'<rect width="100%" height="100%" fill="#fff"/>\n')
+        out.write("\n".join(line for lines in panels for line in lines) + "\n</svg>\n")
+
+
 def main():
     times = medians(sys.argv[1])
     pixels = sorted((side * side, t) for (side, energies), t in times.items() if energies == 100)
     energies = sorted((n, t) for (side, n), t in times.items() if side == 512)
-    body = panel(0, "100 energies", "pixels, each a spectrum", pixels)
-    body += panel(WIDTH, "512 x 512 pixels", "energies", energies)
-    with open(sys.argv[2], "w") as out:
-        out.write(f'<svg xmlns="http://www.w3.org/2000/svg" width="{2 * WIDTH}" height="{HEIGHT}" '
-                  f'font-family="sans-serif">\n<rect width="100%" height="100%" fill="#fff"/>\n')
-        out.write("\n".join(body) + "\n</svg>\n")
+    write(sys.argv[2], [panel(0, "100 energies", "pixels, each a spectrum", pixels),
+                        panel(WIDTH, "512 x 512 pixels", "energies", energies)])
 
 
 if __name__ == "__main__":

@@ -1,19 +1,22 @@
 #!/usr/bin/env python3
 """From two stacks of TIFF files to fraction maps: tarnwick-batch against NumPy, in pairs.
 
-    whole_job.py TARNWICK_BATCH [--size N] [--energies N] [--rounds N] [--threads N]
+    whole_job.py TARNWICK_BATCH [--jobs SIZE:I1:I0:REFERENCES,...] [--rounds N] [--threads N]
+                 [--without-imports]
 
-Both read 2 x ENERGIES frames of SIZE x SIZE pixels, form mu-t of every pixel, find its edge, fit
-straight lines before and after it, normalise, fit two references and write two maps as 16-bit TIFF
-files. Both are measured as whole processes, with their start; tarnwick-batch with all that it does
-besides (edge jumps, four result images and their pictures). NumPy takes all pixels of a tile in
-matrix products, tiles spread over the threads; --without-imports leaves its start and imports out.
+Both read I1 + I0 frames of SIZE x SIZE pixels, form mu-t of every pixel (I0 interpolated where it has
+fewer frames), find its edge, fit straight lines before and after it, normalise, fit the references and
+write a map for each as a 16-bit TIFF file. tarnwick-batch is measured as a whole process, with its
+start and all that it does besides (edge jumps, their images); NumPy as a whole process, too, or what it
+does after its imports (--without-imports). It takes all pixels of a tile in matrix products, tiles
+spread over the threads. Files are on the disk before anything is timed; the two take turns.
 
 Prints the median time of each and their ratio, and how far the maps are apart.
 Needs python3-numpy (and libopenblas0-pthread for a fair comparison).
 """
 
 import argparse
+import collections
 import concurrent.futures
 import os
 import pathlib
@@ -31,10 +34,11 @@ import numpy as np
 PRE = (-100.0, -10.0)  # eV from the edge
 POST = (10.0, 1000.0)
 TILE = 2048  # pixels
+REFERENCES = ((2.0, 7112.0), (0.5, 7112.0), (1.2, 7118.0))  # white line, edge (eV)
 
 
-def mu_t(e, white_line):
-    t = 1.0 / (1.0 + np.exp((7112.0 - e) / 2.0))
+def mu_t(e, white_line, edge=7112.0):
+    t = 1.0 / (1.0 + np.exp((edge - e) / 2.0))
     return 0.4 - 2e-4 * (e - 7000.0) + 0.8 * (t + white_line * t * (1.0 - t))
 
 
@@ -58,47 +62,67 @@ def read_tiff(path, counts):
         file.readinto(memoryview(counts).cast("B"))
 
 
-def make_measurement(folder, size, energies):
+def make_measurement(folder, job, energies, i0_energies):
     random = np.random.default_rng(1)
-    share = np.broadcast_to(np.arange(size) / size, (size, size))
-    for name in ("i0", "i1"):
-        (folder / name).mkdir()
+    share = np.broadcast_to(np.arange(job.size) / job.size, (job.size, job.size))
+    parts = (share, 1.0 - share) if job.references < 3 else (share, 0.7 - 0.7 * share,
+                                                             0.3 - 0.3 * share)
+
+    def frame_name(stack, e):
+        (folder / stack).mkdir(exist_ok=True)
+        return folder / stack / ("a-" + ("%.4f" % e).replace(".", "_") + "eV.tif")
+
     for e in energies:
-        name = ("%.4f" % e).replace(".", "_") + "eV.tif"
-        beam = 40000.0 * np.exp(-share * mu_t(e, 2.0) - (1.0 - share) * mu_t(e, 0.5))
-        write_tiff(folder / "i1" / ("a-" + name), beam + random.integers(0, 200, share.shape))
-        write_tiff(folder / "i0" / ("b-" + name), 40000 + random.integers(0, 200, share.shape))
-    for i, white_line in enumerate((2.0, 0.5)):
-        grid = np.arange(6990.0, 7310.5, 0.5)
-        np.savetxt(folder / f"ref{i}.dat", np.stack([grid, mu_t(grid, white_line)], axis=1))
+        mixed = sum(part * mu_t(e, *kind) for part, kind in zip(parts, REFERENCES))
+        write_tiff(frame_name("i1", e),
+                   40000.0 * np.exp(-mixed) + random.integers(0, 200, share.shape))
+    for e in i0_energies:
+        write_tiff(frame_name("i0", e), 40000 + random.integers(0, 200, share.shape))
+    write_references(folder, job.references)
+    (folder / "job.bat").write_text("\n".join(job_lines(job.references)) + "\n")
+    os.sync()  # else the first runs share the disk with what is written behind them
+
+
+def write_references(folder, count):
+    grid = np.arange(6990.0, 7310.5, 0.5)
+    for i, kind in enumerate(REFERENCES[:count]):
+        np.savetxt(folder / f"ref{i}.dat", np.stack([grid, mu_t(grid, *kind)], axis=1))
+
+
+def job_lines(references):
     lines = [
         "load_I0_files_of_pattern NEW i0 *.tif",
         "load_I1_files_of_pattern NEW i1 *.tif",
         "set_band_w 0",
         "set_band_h 0",
-        "analyzer_set_LCF_std 0 1 0.0 ref0.dat 0",
-        "analyzer_set_LCF_std 1 1 0.0 ref1.dat 0",
+    ]
+    lines += ["analyzer_add_ref"] * max(0, references - 2)
+    lines += [f"analyzer_set_LCF_std {i} 1 0.0 ref{i}.dat 0" for i in range(references)]
+    lines += [
         "analyzer_exec_LCF",
         "analyzer_select_image_type 1",
         "saveDataCfg_tiff_fix_scale 1",
         "saveDataCfg_tiff_scale_min 0.0",
         "saveDataCfg_tiff_scale_max 1.0",
         "saveDataCfg_save_as_tiff",
-        "analyzer_select_image 0",
-        "save_data_as_tiff fraction0.tif",
-        "analyzer_select_image 1",
-        "save_data_as_tiff fraction1.tif",
     ]
-    (folder / "job.bat").write_text("\n".join(lines) + "\n")
+    for i in range(references):
+        lines += [f"analyzer_select_image {i}", f"save_data_as_tiff fraction{i}.tif"]
+    return lines
 
 
 class NumpyJob:
-    def __init__(self, folder, size, energies, threads):
+    def __init__(self, folder, job, energies, i0_energies, threads):
         self.folder = folder
-        self.size = size
+        self.job = job
         self.e = energies
+        self.e0 = i0_energies
         self.threads = threads
         self.inverses = {}
+        self.between = None  # I0 at the energies of I1
+        if len(i0_energies) != len(energies):
+            self.between = np.stack([np.interp(energies, i0_energies, row)
+                                     for row in np.eye(len(i0_energies))], axis=1)
 
     def line_through(self, first, end):
         """Matrix that turns values into (intercept, slope) over the points first..end-1."""
@@ -122,7 +146,8 @@ class NumpyJob:
 
     def tile(self, i0, i1, start):
         pixels = slice(start, start + TILE)
-        mu = np.log(i0[:, pixels] / i1[:, pixels])
+        beam = i0[:, pixels] if self.between is None else self.between @ i0[:, pixels]
+        mu = np.log(beam / i1[:, pixels])
         low = mu.min(axis=0)
         level = low + 0.5 * (mu.max(axis=0) - low)
         below = mu < level
@@ -142,23 +167,23 @@ class NumpyJob:
         self.fractions[:, pixels] = self.fit @ mu
 
     def run(self, out):
-        size, n = self.size, len(self.e)
+        size = self.job.size
         stacks = {}
         with concurrent.futures.ThreadPoolExecutor(self.threads) as pool:
             def read(stack):
                 names = sorted(os.scandir(self.folder / stack), key=lambda f: f.name)
-                frames = np.empty((n, size, size), "<u2")
+                frames = np.empty((len(names), size, size), "<u2")
                 for frame, name in zip(frames, names):
                     read_tiff(name.path, frame)
-                return frames.reshape(n, -1)
+                return frames.reshape(len(names), -1)
 
             stacks["i0"], stacks["i1"] = pool.map(read, ("i0", "i1"))
             references = []
-            for i in range(2):
+            for i in range(self.job.references):
                 energy, values = np.loadtxt(self.folder / f"ref{i}.dat", unpack=True)
                 references.append(np.interp(self.e, energy, normalised(energy, values)))
             self.fit = np.linalg.pinv(np.stack(references, axis=1))
-            self.fractions = np.empty((2, size * size))
+            self.fractions = np.empty((self.job.references, size * size))
             list(pool.map(lambda s: self.tile(stacks["i0"], stacks["i1"], s),
                           range(0, size * size, TILE)))
         for i, fraction in enumerate(self.fractions):
@@ -183,53 +208,62 @@ def seconds(work):
     return time.perf_counter() - begin
 
 
+Job = collections.namedtuple("Job", "size energies i0 references")
+
+
+def energies_of(job):
+    return [np.round(7000.0 + 300.0 * np.arange(n) / (n - 1), 4) for n in (job.energies, job.i0)]
+
+
+def read_map(path, size):
+    counts = np.frombuffer(path.read_bytes(), "<u2", size * size, strip_offset(path))
+    return counts.reshape(size, size).astype(int)
+
+
+def compare(folder, job, args):
+    """Seconds of both, and how far the maps are apart."""
+    program = str(pathlib.Path(args.batch_program).resolve())
+    command = [program] + ([] if args.plain else ["--threads", str(args.threads)]) + ["job.bat"]
+    energies = energies_of(job)
+    make_measurement(folder, job, *energies)
+    ours, numpys = [], []
+    for _ in range(args.rounds + 1):  # the first warms the file cache
+        ours.append(seconds(lambda: subprocess.run(
+            command, cwd=folder, check=True, stdout=subprocess.DEVNULL,
+            stderr=subprocess.DEVNULL)))
+        if args.without_imports:
+            script = NumpyJob(folder, job, *energies, args.threads)
+            numpys.append(seconds(lambda: script.run(folder)))
+        else:
+            numpys.append(seconds(lambda: subprocess.run(
+                [sys.executable, sys.argv[0], program, "--threads", str(args.threads), "--jobs",
+                 ":".join(map(str, job)), "--numpy-job", str(folder)], check=True)))
+    apart = max(np.abs(read_map(folder / f"fraction{i}.tif", job.size)
+                       - read_map(folder / f"numpy{i}.tif", job.size)).max()
+                for i in range(job.references))
+    return statistics.median(ours[1:]), statistics.median(numpys[1:]), apart
+
+
 def main():
-    parser = argparse.ArgumentParser()
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("batch_program")
     parser.add_argument("--numpy-job", help=argparse.SUPPRESS)
     parser.add_argument("--without-imports", action="store_true")
-    parser.add_argument("--size", type=int, default=512)
-    parser.add_argument("--energies", type=int, default=100)
+    parser.add_argument("--jobs", default="512:100:100:3,1024:120:60:3")
     parser.add_argument("--rounds", type=int, default=7)
     parser.add_argument("--threads", type=int, default=os.cpu_count())
     parser.add_argument("--plain", action="store_true", help="do not pass --threads on")
     args = parser.parse_args()
-    energies = np.round(7000.0 + 300.0 * np.arange(args.energies) / (args.energies - 1), 4)
-    if args.numpy_job:
-        folder = pathlib.Path(args.numpy_job)
-        NumpyJob(folder, args.size, energies, args.threads).run(folder)
-        return
-    program = str(pathlib.Path(args.batch_program).resolve())
-    command = [program] + ([] if args.plain else ["--threads", str(args.threads)]) + ["job.bat"]
-
-    with tempfile.TemporaryDirectory() as name:
-        folder = pathlib.Path(name)
-        make_measurement(folder, args.size, energies)
-        ours, numpys = [], []
-        for _ in range(args.rounds + 1):  # the first warms the file cache
-            ours.append(seconds(lambda: subprocess.run(
-                command, cwd=folder, check=True, stdout=subprocess.DEVNULL,
-                stderr=subprocess.DEVNULL)))
-            if args.without_imports:
-                job = NumpyJob(folder, args.size, energies, args.threads)
-                numpys.append(seconds(lambda: job.run(folder)))
-            else:
-                numpys.append(seconds(lambda: subprocess.run(
-                    [sys.executable] + sys.argv + ["--numpy-job", name], check=True)))
-        maps = []
-        for who in ("fraction", "numpy"):
-            for i in range(2):
-                counts = np.empty((args.size, args.size), "<u2")
-                if who == "numpy":
-                    read_tiff(folder / f"{who}{i}.tif", counts)
-                else:
-                    counts = np.frombuffer((folder / f"{who}{i}.tif").read_bytes(), "<u2", counts.size,
-                                           strip_offset(folder / f"{who}{i}.tif")).reshape(counts.shape)
-                maps.append(counts.astype(int))
-        ours, numpys = statistics.median(ours[1:]), statistics.median(numpys[1:])
-        apart = max(np.abs(maps[i] - maps[2 + i]).max() for i in range(2))
-        print(f"tarnwick-batch {ours:.3f} s, numpy {numpys:.3f} s, ratio {ours / numpys:.2f}, "
-              f"maps at most {apart} of 65535 apart")
+    for job in (Job(*map(int, text.split(":"))) for text in args.jobs.split(",")):
+        if args.numpy_job:
+            folder = pathlib.Path(args.numpy_job)
+            NumpyJob(folder, job, *energies_of(job), args.threads).run(folder)
+            return
+        with tempfile.TemporaryDirectory() as name:
+            ours, numpys, apart = compare(pathlib.Path(name), job, args)
+        print(f"{job.size} x {job.size} x ({job.energies} + {job.i0}), {job.references} references: "
+              f"tarnwick-batch {ours:.3f} s, numpy {numpys:.3f} s, ratio {ours / numpys:.2f}, "
+              f"maps at most {apart} of 65535 apart", flush=True)
 
 
 def strip_offset(path):

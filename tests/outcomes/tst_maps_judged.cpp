@@ -44,9 +44,12 @@ Make squareImages(int withoutEdge) {
 /// A TIFF file of 12 x 8 floats, one of them as given, with the text of an origin.
 Make mapImage(float value, const QString& origin = QString(), QSize size = {12, 8}) {
     return [=] {
-        std::vector<float> values(std::size_t(size.width() * size.height()), 0.5f);
-        values[17] = value;
-        QVERIFY(writeFloatTiff("map.emp", size, values, origin));  // the content decides
+        const auto fill = [value](quint64 first, std::size_t count, float* to) {
+            for (quint64 i = first; i < first + count; ++i) {
+                *to++ = i == 17 ? value : 0.5f;
+            }
+        };
+        QVERIFY(writeFloatTiff("map.emp", size, fill, origin));  // the content decides
     };
 }
 

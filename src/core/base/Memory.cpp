@@ -1,6 +1,9 @@
 #include "base/Memory.h"
 
 #include <unistd.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 #include <QByteArray>
 #include <QFile>
@@ -119,12 +122,25 @@ quint64 memoryLeft() {
     return difference(memoryLimit(), residentMemory() + promised);
 }
 
-PromisedMemory::PromisedMemory(quint64 bytes) : m_bytes(bytes) {
-    promised += bytes;
+void PromisedMemory::change(quint64 bytes) {
+    promised += bytes - m_bytes;
+    m_bytes = bytes;
 }
 
-PromisedMemory::~PromisedMemory() {
-    promised -= m_bytes;
+void keepNoFreeMemory() {
+#ifdef __GLIBC__
+    constexpr int Large = 1 << 20;  // bytes
+    constexpr int Parts = 2;
+    mallopt(M_MMAP_THRESHOLD, Large);
+    mallopt(M_TRIM_THRESHOLD, Large);
+    mallopt(M_ARENA_MAX, Parts);
+#endif
+}
+
+void giveBackFreeMemory() {
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
 }
 
 std::optional<quint64> sizeFromText(const QString& text) {

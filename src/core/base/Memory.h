@@ -21,20 +21,27 @@ quint64 availableMemory();
 /// What is resident of the program now; 0 where the system does not tell.
 quint64 residentMemory();
 
+/// From now on the heap gives back what is freed of large pieces, and has few parts for threads.
+/// Before there are any.
+void keepNoFreeMemory();
+/// What is free in the heap goes back to the system.
+void giveBackFreeMemory();
+
 /// What the limit leaves beside what is resident and what is promised; 0 where nothing is left.
 quint64 memoryLeft();
 
-/// Memory that is not resident yet, but will be: maps that are about to be filled. As long as it is
-/// there; on one thread.
+/// Memory that is not resident yet, but will be: maps that are being filled. As long as it is
+/// there.
 class PromisedMemory {
   public:
-    explicit PromisedMemory(quint64 bytes);
-    ~PromisedMemory();
+    PromisedMemory() = default;
+    ~PromisedMemory() { change(0); }
+    void change(quint64 bytes);
     PromisedMemory(const PromisedMemory&) = delete;
     PromisedMemory& operator=(const PromisedMemory&) = delete;
 
   private:
-    quint64 m_bytes;
+    quint64 m_bytes = 0;
 };
 
 /// "4096", "512K", "256M", "1.5G", "2T", also with "B" or "iB" behind: powers of 1024. Nothing for

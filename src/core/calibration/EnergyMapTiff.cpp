@@ -110,7 +110,11 @@ EMapRefusal refusalOfTiff(const Analyzed2DRes& map) {
 
 bool writeTiffMap(const QString& fileName, const Analyzed2DRes& map, const QString& origin) {
     const MapValues shifts = map.values();
-    const std::vector<float> floats(shifts.begin(), shifts.end());
     const QSize size(map.grid().width, map.grid().height);
-    return writeFloatTiff(fileName, size, floats, origin) && noteSaved(fileName);
+    const auto fill = [&shifts](quint64 first, std::size_t count, float* to) {
+        std::transform(shifts.begin() + first, shifts.begin() + first + count, to,
+                       [](double shift) { return static_cast<float>(shift); });
+    };
+    return qint64(size.width()) * size.height() == shifts.size() &&
+           writeFloatTiff(fileName, size, fill, origin) && noteSaved(fileName);
 }

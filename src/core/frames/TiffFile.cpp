@@ -80,8 +80,8 @@ struct Pixels {
     quint16 format;
     quint32 rowsPerStrip;
     quint64 stride;  ///< from strip to strip in the data, in strips
-    const void* data;
-    quint64 dataBytes;
+    std::function<void(quint64 first, std::size_t count, void* to)> fill;  ///< pixels of the data
+    quint64 count;  ///< of pixels in the data; what lies beyond is 0
     QByteArray description;
 
     bool isEmpty() const { return width == 0 || height <= 0; }
@@ -103,6 +103,26 @@ bool setTags(TIFF* tiff, const Pixels& image) {
             TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, image.description.constData()) == 1);
 }
 
+/// What lies behind `place`, both in bytes, as it is in the file.
+void fillPiece(const Pixels& image, quint64 place, std::vector<char>* piece) {
+    const quint64 pixelBytes = image.bits / 8;
+    const quint64 first = place / pixelBytes;
+    const quint64 count =
+        std::min<quint64>(piece->size() / pixelBytes, image.count - std::min(image.count, first));
+    std::fill(piece->begin() + static_cast<std::ptrdiff_t>(count * pixelBytes), piece->end(), 0);
+    if (count > 0) {
+        image.fill(first, static_cast<std::size_t>(count), piece->data());
+    }
+#if Q_BYTE_ORDER == Q_BIG_ENDIAN
+    if (pixelBytes == sizeof(quint16)) {
+        TIFFSwabArrayOfShort(reinterpret_cast<quint16*>(piece->data()), tmsize_t(count));
+    } else {
+        TIFFSwabArrayOfLong(reinterpret_cast<quint32*>(piece->data()), tmsize_t(count));
+    }
+#endif
+}
+
+/// A piece at a time: strips may be as large as the image.
 bool writeStrips(TIFF* tiff, const Pixels& image) {
     uint32_t rowsPerStrip = 0;
     TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
@@ -110,22 +130,22 @@ bool writeStrips(TIFF* tiff, const Pixels& image) {
         return false;
     }
     const quint64 rowCount = static_cast<quint64>(image.height);
-    const auto* bytes = static_cast<const char*>(image.data);
-    std::vector<char> strip;
+    std::vector<char> piece;
     quint64 place = 0;
     uint32_t s = 0;
     for (quint64 r = 0; r < rowCount; r += rowsPerStrip, ++s) {
         const quint64 n = std::min<quint64>(rowsPerStrip, rowCount - r);
-        const tmsize_t size = TIFFVStripSize(tiff, static_cast<uint32_t>(n));
-        strip.assign(static_cast<std::size_t>(size), 0);
-        if (place < image.dataBytes) {
-            std::memcpy(strip.data(), bytes + place,
-                        std::min<quint64>(static_cast<quint64>(size), image.dataBytes - place));
+        const auto size = static_cast<quint64>(TIFFVStripSize(tiff, static_cast<uint32_t>(n)));
+        for (quint64 done = 0; done < size; done += piece.size()) {
+            piece.resize(static_cast<std::size_t>(std::min(PieceBytes, size - done)));
+            fillPiece(image, place + done, &piece);
+            const auto bytes = static_cast<tmsize_t>(piece.size());
+            // Goes behind what the strip has already.
+            if (TIFFWriteRawStrip(tiff, s, piece.data(), bytes) != bytes) {
+                return false;
+            }
         }
-        if (TIFFWriteEncodedStrip(tiff, s, strip.data(), size) < 0) {
-            return false;
-        }
-        place += image.stride * static_cast<quint64>(size);
+        place += image.stride * size;
     }
     return TIFFFlush(tiff) == 1;  // a full disk shows at the latest here
 }
@@ -149,10 +169,13 @@ bool writeFile(const QString& name, const Pixels& image) {
 }
 
 /// See writeTiff(): strips of as many rows as the image is wide, taken from twice as far apart.
-bool writeCounts(const QString& name, quint32 width, int height, const quint16* data, quint64 count,
-                 const QString& origin) {
-    return writeFile(name, {width, height, 16, SAMPLEFORMAT_UINT, width, 2, data,
-                            count * sizeof(quint16), origin.toUtf8()});
+bool writeCounts(const QString& name, quint32 width, int height, const FillCounts& fill,
+                 quint64 count, const QString& origin) {
+    const auto fillPixels = [&fill](quint64 first, std::size_t n, void* to) {
+        fill(first, n, static_cast<quint16*>(to));
+    };
+    return writeFile(
+        name, {width, height, 16, SAMPLEFORMAT_UINT, width, 2, fillPixels, count, origin.toUtf8()});
 }
 
 }  // namespace
@@ -309,23 +332,34 @@ QString readTiffFrom(QIODevice& in, TiffData* frame) {
     return tiff ? readFrom(std::move(tiff), open, frame) : QStringLiteral("Not a TIFF image");
 }
 
-bool writeTiff(const QString& name, quint32 width, int height, const quint16* data,
+bool writeTiff(const QString& name, quint32 width, int height, const FillCounts& fill,
                const QString& origin) {
-    return writeCounts(name, width, height, data, static_cast<quint64>(std::max(0, height)) * width,
+    return writeCounts(name, width, height, fill, static_cast<quint64>(std::max(0, height)) * width,
                        origin);
 }
 
-bool writeFloatTiff(const QString& name, const QSize& size, const std::vector<float>& values,
+bool writeTiff(const QString& name, quint32 width, int height, const quint16* data,
+               const QString& origin) {
+    const auto copy = [data](quint64 first, std::size_t count, quint16* to) {
+        std::copy_n(data + first, count, to);
+    };
+    return writeTiff(name, width, height, copy, origin);
+}
+
+bool writeFloatTiff(const QString& name, const QSize& size, const FillFloats& fill,
                     const QString& origin) {
     const auto pixels = static_cast<quint64>(size.width()) * static_cast<quint64>(size.height());
-    if (size.isEmpty() || values.size() != pixels || pixels > TiffData::maxPixels) {
+    if (size.isEmpty() || pixels > TiffData::maxPixels) {
         return false;
     }
     const quint64 rowBytes = static_cast<quint64>(size.width()) * sizeof(float);
     const auto rows = static_cast<quint32>(std::max<quint64>(1, PieceBytes / rowBytes));
-    return writeFile(name, {static_cast<quint32>(size.width()), size.height(), 32,
-                            SAMPLEFORMAT_IEEEFP, std::min(rows, quint32(size.height())), 1,
-                            values.data(), pixels * sizeof(float), origin.toUtf8()});
+    const auto fillPixels = [&fill](quint64 first, std::size_t n, void* to) {
+        fill(first, n, static_cast<float*>(to));
+    };
+    return writeFile(
+        name, {static_cast<quint32>(size.width()), size.height(), 32, SAMPLEFORMAT_IEEEFP,
+               std::min(rows, quint32(size.height())), 1, fillPixels, pixels, origin.toUtf8()});
 }
 
 QString readFloatTiff(const QString& name, FloatTiff* image) {
@@ -368,8 +402,8 @@ bool writeConstTiff(const QString& name, quint32 width, quint32 height, quint16 
     if (count > 2 * TiffData::maxPixels) {
         return false;
     }
-    const std::vector<quint16> values(static_cast<std::size_t>(count), value);
-    return writeCounts(name, width, static_cast<int>(height), values.data(), count, {});
+    const auto fill = [value](quint64, std::size_t n, quint16* to) { std::fill_n(to, n, value); };
+    return writeCounts(name, width, static_cast<int>(height), fill, count, {});
 }
 
 bool writeOnesTiff(const QString& name, quint32 width, quint32 height) {

@@ -2,6 +2,8 @@
 
 #include <QSize>
 #include <QString>
+#include <cstddef>
+#include <functional>
 #include <vector>
 
 /// Writes width x height 16-bit values, row after row, as an uncompressed single-channel TIFF.
@@ -19,6 +21,14 @@
 bool writeTiff(const QString& name, quint32 width, int height, const quint16* data,
                const QString& origin = {});
 
+/// Puts `count` values of an image, row by row, from number `first` on.
+using FillCounts = std::function<void(quint64 first, std::size_t count, quint16* to)>;
+using FillFloats = std::function<void(quint64 first, std::size_t count, float* to)>;
+
+/// The same of an image that is asked for in pieces, which is never in memory as a whole.
+bool writeTiff(const QString& name, quint32 width, int height, const FillCounts& fill,
+               const QString& origin = {});
+
 /// An image of values, one 32-bit float a pixel.
 struct FloatTiff {
     QSize size;
@@ -28,8 +38,8 @@ struct FloatTiff {
 
 /// Writes values of any shape, row by row, as an uncompressed single-channel TIFF of 32-bit floats
 /// (IEEE, little endian), with the text of their origin as writeTiff() does. Whole or not at all;
-/// false on failure and where the values are not as many as the pixels.
-bool writeFloatTiff(const QString& name, const QSize& size, const std::vector<float>& values,
+/// false on failure.
+bool writeFloatTiff(const QString& name, const QSize& size, const FillFloats& fill,
                     const QString& origin = {});
 
 /// Reads such a file, of either byte order and any compression that libtiff knows. Returns why it

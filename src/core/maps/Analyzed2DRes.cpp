@@ -291,30 +291,40 @@ void Analyzed2DRes::setRow(int x, int step, int y, int xw, int yw, const double*
 
 quint16* Analyzed2DRes::tiffDataForSave(bool fixedScale, double scaleMin, double scaleMax,
                                         bool asAnalyzed) {
-    const Array& source = shownArray();
-    if (source.isEmpty()) {
-        m_count = 0;
+    m_count = 0;
+    if (m_data.isEmpty()) {
         return nullptr;
     }
-    const double min = fixedScale ? scaleMin : (m_showProc ? m_procMin : m_dataMin);
-    const double max = fixedScale ? scaleMax : (m_showProc ? m_procMax : m_dataMax);
-    const std::size_t points =
-        static_cast<std::size_t>(asAnalyzed ? m_grid.pointCount() : source.size());
-    auto* values = new quint16[std::max(static_cast<std::size_t>(source.size()), points)]();
-    std::size_t n = 0;
-    if (asAnalyzed) {
-        forEachPoint(m_grid, [&](int x, int y) {
-            const double value = at(source, x, y);
-            const double clamped = value < min ? min : (value > max ? max : value);
-            values[n++] = lowBits((clamped - min) / (max - min) * 65535);
-        });
-    } else {
-        for (double value : source) {
-            values[n++] = lowBits((value - min) / (max - min) * 65535);
-        }
-    }
+    const auto pixels = static_cast<std::size_t>(m_data.size());
+    const auto n = asAnalyzed ? static_cast<std::size_t>(m_grid.pointCount()) : pixels;
+    auto* values = new quint16[std::max(pixels, n)]();
+    fillTiffData(fixedScale, scaleMin, scaleMax, asAnalyzed, 0, n, values);
     m_count = static_cast<int>(n);
     return values;
+}
+
+void Analyzed2DRes::fillTiffData(bool fixedScale, double scaleMin, double scaleMax, bool asAnalyzed,
+                                 quint64 first, std::size_t count, quint16* to) const {
+    const Array& source = shownArray();
+    const double min = fixedScale ? scaleMin : (m_showProc ? m_procMin : m_dataMin);
+    const double max = fixedScale ? scaleMax : (m_showProc ? m_procMax : m_dataMax);
+    if (!asAnalyzed) {
+        const double* const values = source.constData() + first;
+        for (std::size_t i = 0; i < count; ++i) {
+            to[i] = lowBits((values[i] - min) / (max - min) * 65535);
+        }
+        return;
+    }
+    const qint64 columns = m_grid.columns();
+    const qint64 firstX = qint64(m_grid.x0) + m_grid.halfW;
+    const qint64 firstY = qint64(m_grid.y0) + m_grid.halfH;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto point = static_cast<qint64>(first + i);
+        const double value = at(source, firstX + point % columns * m_grid.stepX,
+                                firstY + point / columns * m_grid.stepY);
+        const double clamped = value < min ? min : (value > max ? max : value);
+        to[i] = lowBits((clamped - min) / (max - min) * 65535);
+    }
 }
 
 void Analyzed2DRes::setDeglitchConds(double f, double r) {

@@ -91,6 +91,10 @@ class Analyzed2DRes : public QObject {
     /// Number of values written by the last tiffDataForSave().
     int count() const { return m_count; }
 
+    /// `count` values of tiffDataForSave() from number `first` on. There are values.
+    void fillTiffData(bool fixedScale, double scaleMin, double scaleMax, bool asAnalyzed,
+                      quint64 first, std::size_t count, quint16* to) const;
+
     void setProcRange(double min, double max);
     /// What the deglitchers work on, which may go on on another thread, and what they have made.
     MapToProcess toProcess() const;

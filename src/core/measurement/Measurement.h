@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "base/Memory.h"
 #include "base/ShareOfTime.h"
 #include "frames/DarkData.h"
 #include "measurement/AreaAnalysis.h"
@@ -246,6 +247,9 @@ class Measurement : public QObject {
     bool hasFitWithoutErrors() const;
     void applyMask();
     void standIn();
+    quint64 bytesToFill() const;
+    quint64 bytesToFree() const;
+    Outcome judgeRoom();
     void rowsTaken();
     double percentOfPass() const;
     void notePercent();
@@ -293,6 +297,7 @@ class Measurement : public QObject {
     std::shared_ptr<const Run> m_foundMean;  // the last that has found one
     RowJob m_job;
     SaturatedPixels m_saturated;  // met by it
+    PromisedMemory m_promised;  // to the results of the run under way
     ShareOfTime m_eachRow;
     MapJob m_mapJob;
     std::optional<MapWork> m_mapWork;

@@ -6,6 +6,8 @@
 #include <utility>
 
 #include "absorption/AbsorptionSource.h"
+#include "absorption/BandPlan.h"
+#include "base/Memory.h"
 #include "calibration/EnergyShift.h"
 #include "measurement/CalibrationJudgement.h"
 #include "measurement/Display.h"
@@ -145,6 +147,13 @@ Outcome Measurement::start(Work work) {
     }
     source();  // with the dark frames of now
     m_analysis = makeAnalysis(work);
+    const Outcome room = judgeRoom();
+    if (room.failed()) {
+        m_analysis.reset();
+        m_newMap.reset();
+        markOfBefore(work);
+        return room;
+    }
     Run& run = *m_analysis->run();
     run.warnings = judged.warnings;
     if (run.inputs.e0.kind == EdgeChoice::Kind::Mean && hasCommonE0(run.inputs, work)) {
@@ -162,6 +171,52 @@ Outcome Measurement::start(Work work) {
     return begun;
 }
 
+/// Maps of the whole image that the run under way fills, and what it leaves behind of the fit's.
+quint64 Measurement::bytesToFill() const {
+    const Run& run = *m_analysis->run();
+    const auto isFilled = [&](const Result* result) {
+        return (run.inputs.errorMaps || !result->kind().needsErrors) &&
+               (result->reference < 0 || m_analysis->grid().inside ||
+                m_references[static_cast<std::size_t>(result->reference)]->takesPart());
+    };
+    const std::vector<Result*> results = resultsOf(run.work);
+    const auto maps = static_cast<quint64>(std::count_if(results.begin(), results.end(), isFilled));
+    const bool isMasked = run.work == Work::Fit && run.inputs.errorMaps;
+    return (maps * sizeof(double) + (isMasked ? 1 : 0)) * quint64(m_size.width()) *
+           quint64(m_size.height());
+}
+
+/// That of results that the run under way is about to empty.
+quint64 Measurement::bytesToFree() const {
+    quint64 bytes = 0;
+    for (const Result* result : resultsOf(m_analysis->run()->work)) {
+        bytes +=
+            result != m_map.get() ? quint64(result->image.values().size()) * sizeof(double) : 0;
+    }
+    return bytes;
+}
+
+/// Whether counts that are read when they are needed fit into the memory that there is.
+Outcome Measurement::judgeRoom() {
+    const quint64 counts =
+        BandPlan::least(source(), m_analysis->grid().raster(), m_analysis->valuesPerBin());
+    if (counts == 0) {
+        return {};
+    }
+    giveBackFreeMemory();
+    const quint64 held = residentMemory();
+    const quint64 freed = bytesToFree();
+    const quint64 rest = held > freed ? held - freed : 0;
+    const quint64 needed = rest + bytesToFill() + counts;
+    return needed <= memoryLimit()
+               ? Outcome()
+               : Outcome::failure(
+                     tr("%1 of memory are needed, the limit is %2 (results: %3, counts: %4, the "
+                        "program and what it holds: %5)")
+                         .arg(sizeText(needed), sizeText(memoryLimit()), sizeText(bytesToFill()),
+                              sizeText(counts), sizeText(rest)));
+}
+
 void Measurement::beginPass() {
     if (working() == Work::Fit) {
         m_point = m_analysis->grid();
@@ -175,6 +230,8 @@ void Measurement::beginPass() {
     }
     const AbsorptionSource& frames = source();
     m_saturated.begin();
+    m_promised.change(bytesToFill());
+    giveBackFreeMemory();
     m_job.start(frames, raster, m_analysis->valuesPerBin(),
                 m_analysis->evaluators(std::max(1, m_threads), frames));
 }
@@ -199,6 +256,10 @@ void Measurement::standIn() {
 
 void Measurement::rowsTaken() {
     notePercent();
+    if (!m_search) {
+        m_promised.change(static_cast<quint64>(static_cast<double>(bytesToFill()) *
+                                               (1.0 - 0.01 * percentOfPass())));
+    }
     if (m_settings.showsEachRow && !m_search) {
         // Large images of many rows would take far longer to show than to fit.
         m_eachRow.spend([this] {
@@ -231,6 +292,7 @@ void Measurement::passEnded(RasterPass::Failure failure) {
             return;
         }
     }
+    m_promised.change(0);
     const std::unique_ptr<AreaAnalysis> analysis = std::move(m_analysis);
     Run& run = *analysis->run();
     if (failure != RasterPass::Failure::None) {
@@ -286,6 +348,7 @@ void Measurement::stopRun(const QString& why) {
         return;
     }
     m_job.stop();
+    m_promised.change(0);
     notePercent();
     const std::unique_ptr<AreaAnalysis> analysis = std::move(m_analysis);
     endAsStopped(analysis);

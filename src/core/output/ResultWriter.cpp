@@ -3,8 +3,9 @@
 #include <QSaveFile>
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
-#include <memory>
+#include <numeric>
 
 #include "files/WholeFile.h"
 #include "frames/TiffFile.h"
@@ -120,31 +121,76 @@ float nearestFloat(double value) {
     return value > 0.0 ? infinity : -infinity;
 }
 
-/// The n-th of the values in order; they are put out of order.
-double nthOf(std::vector<double>* values, std::size_t n) {
-    std::nth_element(values->begin(), values->begin() + static_cast<std::ptrdiff_t>(n),
-                     values->end());
-    return (*values)[n];
+/// The values that a save takes, row by row: one a pixel, or one a bin when as analysed. Never all
+/// of them at once: a map may take half of the memory.
+class SavedRows {
+  public:
+    SavedRows(const Analyzed2DRes& result, bool asAnalyzed)
+        : at(positionsOf(result.grid(), asAnalyzed)),
+          m_result(result),
+          m_row(static_cast<std::size_t>(std::max<qint64>(0, at.columns.count))) {}
+
+    /// Valid until the next call.
+    const std::vector<double>& row(qint64 row) {
+        for (qint64 column = 0; column < at.columns.count; ++column) {
+            m_row[static_cast<std::size_t>(column)] =
+                m_result.shownValueAt(at.columns.position(column), at.rows.position(row));
+        }
+        return m_row;
+    }
+
+    const Positions at;
+
+  private:
+    const Analyzed2DRes& m_result;
+    std::vector<double> m_row;
+};
+
+/// A number of the same order as the value.
+quint64 keyOf(double value) {
+    constexpr quint64 Sign = quint64(1) << 63;
+    quint64 bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    return (bits & Sign) != 0 ? ~bits : bits | Sign;
+}
+
+double valueOf(quint64 key) {
+    constexpr quint64 Sign = quint64(1) << 63;
+    const quint64 bits = (key & Sign) != 0 ? key & ~Sign : ~key;
+    double value = 0.0;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
+/// How many finite values have these upper bits, by the 16 bits below.
+std::vector<std::size_t> countByKey(SavedRows* rows, quint64 upper, int shift) {
+    std::vector<std::size_t> counts(std::size_t(1) << 16);
+    for (qint64 row = 0; row < rows->at.rows.count; ++row) {
+        for (const double value : rows->row(row)) {
+            const quint64 key = keyOf(value) >> shift;
+            if (key >> 16 == upper && std::isfinite(value)) {
+                ++counts[key & 0xFFFF];
+            }
+        }
+    }
+    return counts;
+}
+
+/// The finite value that has `place` others below it; some value where there are not as many.
+double valueInOrder(SavedRows* rows, std::size_t place) {
+    quint64 key = 0;
+    for (int shift = 48; shift >= 0; shift -= 16) {
+        const std::vector<std::size_t> counts = countByKey(rows, key, shift);
+        std::size_t step = 0;
+        while (step + 1 < counts.size() && place >= counts[step]) {
+            place -= counts[step++];
+        }
+        key = key << 16 | step;
+    }
+    return valueOf(key);
 }
 
 }  // namespace
-
-SavedValues savedValues(const Analyzed2DRes& result, bool asAnalyzed) {
-    if (!result.hasData()) {
-        return {};
-    }
-    const Positions at = positionsOf(result.grid(), asAnalyzed);
-    SavedValues saved;
-    saved.size = QSize(int(at.columns.count), int(at.rows.count));
-    saved.values.reserve(std::size_t(at.columns.count) * std::size_t(at.rows.count));
-    for (qint64 row = 0; row < at.rows.count; ++row) {
-        for (qint64 column = 0; column < at.columns.count; ++column) {
-            saved.values.push_back(
-                result.shownValueAt(at.columns.position(column), at.rows.position(row)));
-        }
-    }
-    return saved;
-}
 
 TiffRange rangeInTiff(const Analyzed2DRes& result, const TiffOptions& options) {
     if (options.fixedScale) {
@@ -156,16 +202,18 @@ TiffRange rangeInTiff(const Analyzed2DRes& result, const TiffOptions& options) {
 
 std::optional<int> stepsInTiff(const Analyzed2DRes& result, const TiffOptions& options) {
     // One value a bin: pixels outside the area are no result.
-    std::vector<double> values = savedValues(result, true).values;
-    values.erase(std::remove_if(values.begin(), values.end(),
-                                [](double value) { return !std::isfinite(value); }),
-                 values.end());
-    if (values.empty()) {
+    if (!result.hasData()) {
         return std::nullopt;
     }
-    const std::size_t outside = values.size() / 20;  // on either side
-    double low = nthOf(&values, outside);
-    double high = nthOf(&values, values.size() - 1 - outside);
+    SavedRows rows(result, true);
+    const std::vector<std::size_t> counts = countByKey(&rows, 0, 48);
+    const std::size_t n = std::accumulate(counts.begin(), counts.end(), std::size_t(0));
+    if (n == 0) {
+        return std::nullopt;
+    }
+    const std::size_t outside = n / 20;  // on either side
+    double low = valueInOrder(&rows, outside);
+    double high = valueInOrder(&rows, n - 1 - outside);
     if (low == high) {
         return std::nullopt;
     }
@@ -179,26 +227,37 @@ std::optional<int> stepsInTiff(const Analyzed2DRes& result, const TiffOptions& o
     return range.low == range.high ? 0 : int(std::min(steps, Highest));
 }
 
-bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffOptions& options,
-                     const QString& origin) {
-    const std::unique_ptr<quint16[]> counts(result.tiffDataForSave(
-        options.fixedScale, options.scaleMin, options.scaleMax, options.asAnalyzed));
-    if (!counts) {
+bool writeResultTiff(const QString& fileName, const Analyzed2DRes& result,
+                     const TiffOptions& options, const QString& origin) {
+    if (!result.hasData()) {
         return false;
     }
+    const auto fill = [&](quint64 first, std::size_t count, quint16* to) {
+        result.fillTiffData(options.fixedScale, options.scaleMin, options.scaleMax,
+                            options.asAnalyzed, first, count, to);
+    };
     const AnalysisGrid& grid = result.grid();
     const qint64 width = options.asAnalyzed ? grid.columns() : grid.width;
     const qint64 height = options.asAnalyzed ? grid.rows() : grid.height;
-    return writeTiff(fileName, quint32(width), int(height), counts.get(), origin) &&
-           noteSaved(fileName);
+    return writeTiff(fileName, quint32(width), int(height), fill, origin) && noteSaved(fileName);
 }
 
 bool writeResultFloat(const QString& fileName, const Analyzed2DRes& result, bool asAnalyzed,
                       const QString& origin) {
-    const SavedValues saved = savedValues(result, asAnalyzed);
-    std::vector<float> floats(saved.values.size());
-    std::transform(saved.values.begin(), saved.values.end(), floats.begin(), nearestFloat);
-    return writeFloatTiff(fileName, saved.size, floats, origin) && noteSaved(fileName);
+    if (!result.hasData()) {
+        return false;
+    }
+    const Positions at = positionsOf(result.grid(), asAnalyzed);
+    const auto fill = [&](quint64 first, std::size_t count, float* to) {
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto point = static_cast<qint64>(first + i);
+            to[i] = nearestFloat(result.shownValueAt(at.columns.position(point % at.columns.count),
+                                                     at.rows.position(point / at.columns.count)));
+        }
+    };
+    return writeFloatTiff(fileName, QSize(int(at.columns.count), int(at.rows.count)), fill,
+                          origin) &&
+           noteSaved(fileName);
 }
 
 bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
@@ -207,18 +266,15 @@ bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
     if (!result.hasData()) {
         return false;
     }
-    const Positions at = positionsOf(result.grid(), options.asAnalyzed);
-    const SavedValues saved = savedValues(result, options.asAnalyzed);
-
+    SavedRows rows(result, options.asAnalyzed);
     QSaveFile file(fileName);
     if (!openBeside(file)) {
         return false;
     }
     file.write(headerText(header, result));
     file.write(asComments(origin));
-    for (qint64 i = 0; i < at.rows.count; ++i) {
-        file.write(rowText(saved.values.data() + i * at.columns.count, at.rows.position(i),
-                           at.columns, options));
+    for (qint64 i = 0; i < rows.at.rows.count; ++i) {
+        file.write(rowText(rows.row(i).data(), rows.at.rows.position(i), rows.at.columns, options));
     }
     return putInPlace(file);
 }

@@ -12,15 +12,6 @@ class Analyzed2DRes;
 // one debug line with its name. A writer that fails stays silent and leaves an existing file of
 // that name as it was.
 
-/// The values that a save takes, row by row: one a pixel, or one a bin when as analysed.
-struct SavedValues {
-    QSize size;
-    std::vector<double> values;
-};
-
-/// The shown values of @p result (processed ones while it shows them); without values for none.
-SavedValues savedValues(const Analyzed2DRes& result, bool asAnalyzed);
-
 /// How a result becomes 16-bit counts, see Analyzed2DRes::tiffDataForSave().
 struct TiffOptions {
     bool fixedScale = false;  ///< scaleMin..scaleMax become 0..65535, not the result's own range
@@ -59,8 +50,8 @@ struct HeaderLine {
 /// Writes the shown values of @p result (processed ones while it shows them) as a 16-bit TIFF of
 /// the image's size, or of grid columns x grid rows when as analysed. A result without values
 /// writes nothing. The text of its @p origin goes into the file's description.
-bool writeResultTiff(const QString& fileName, Analyzed2DRes& result, const TiffOptions& options,
-                     const QString& origin = {});
+bool writeResultTiff(const QString& fileName, const Analyzed2DRes& result,
+                     const TiffOptions& options, const QString& origin = {});
 
 /// The counts from 0 to 65535 that such a file has for the middle 90 % of the finite values of the
 /// bins, ends not included; nothing where these are all one value.

@@ -3,6 +3,8 @@
 #include <QFileInfo>
 #include <algorithm>
 
+#include "base/Memory.h"
+
 namespace {
 
 using Action = RunnerOptions::Action;
@@ -27,6 +29,12 @@ QString takeReport(const QString& value, RunnerOptions* options) {
     return value.isEmpty() ? QStringLiteral("--report needs a file.") : QString();
 }
 
+QString takeMemory(const QString& value, RunnerOptions* options) {
+    const std::optional<quint64> size = sizeFromText(value);
+    options->memory = size.value_or(0);
+    return size ? QString() : QStringLiteral("--memory needs a size, such as 512M or 4G.");
+}
+
 template <bool RunnerOptions::*Switch>
 QString turnOn(const QString&, RunnerOptions* options) {
     options->*Switch = true;
@@ -45,6 +53,11 @@ std::vector<OptionRow> makeRows() {
          "number.",
          {},
          takeThreads},
+        {"memory", "SIZE",
+         "Memory that the program may take, such as 512M or 4G (half of what the machine has). "
+         "What "
+         "is read at once fits into it; the results are the same for any size.",
+         batch, takeMemory},
         {"C", "FOLDER",
          "Run the batch in this folder. FILE is taken from where the program is started.", batch,
          takeFolder},

@@ -13,6 +13,7 @@ struct RunnerOptions {
     QString file;  ///< Run, Check: the batch file; Origin, Record: the saved file
 
     int threads = 0;          ///< for analyses; 0: one for each core
+    quint64 memory = 0;       ///< bytes that the program may take; 0: defaultMemoryLimit()
     bool isStrict = false;    ///< a warning is a failure
     bool tellsTimes = false;  ///< the time of day with the log
     bool isVerbose = false;   ///< debug lines

@@ -16,6 +16,7 @@
 
 #include "base/CleanEnd.h"
 #include "base/Globals.h"
+#include "base/Memory.h"
 #include "batch/BatchCheck.h"
 #include "batch/BatchRunner.h"
 #include "batch/CommandTables.h"
@@ -219,6 +220,7 @@ int perform(const RunnerOptions& options, Console& console) {
 
 int main(int argc, char** argv) {
     prepareEnvironment();
+    keepNoFreeMemory();
     initGlobals();
     QFile out;
     QFile err;
@@ -238,6 +240,9 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationVersion(QStringLiteral(TARNWICK_VERSION));
     const RunnerOptions options = RunnerOptions::parse(QCoreApplication::arguments());
     isVerbose = options.isVerbose;
+    if (options.memory > 0) {
+        setMemoryLimit(options.memory);
+    }
     const int code = perform(options, console);
     qInstallMessageHandler(nullptr);
     return code;
