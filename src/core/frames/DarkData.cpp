@@ -76,6 +76,16 @@ QStringList DarkData::files() const {
     return names;
 }
 
+QVector<FileStamp> DarkData::fileStamps() const {
+    QVector<FileStamp> stamps;
+    for (int i = 0; i < loaded(); ++i) {
+        if (!isRefused(*m_loader.frames().at(i))) {
+            stamps << m_loader.frames().at(i)->stamp;
+        }
+    }
+    return stamps;
+}
+
 QStringList DarkData::remarks() const {
     QStringList texts;
     for (int i = 0; i < loaded(); ++i) {

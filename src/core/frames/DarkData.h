@@ -37,6 +37,7 @@ class DarkData : public QObject {
     int fitting() const;
     /// Absolute paths of the frames that went into the mean, or will.
     QStringList files() const;
+    QVector<FileStamp> fileStamps() const;  ///< of these, just before they were read
     /// Files of the last reading that could not be read or were refused.
     int refused() const { return m_refused.size(); }
     /// These with the reason of each.

@@ -37,6 +37,7 @@ std::optional<StackLoader::Request> StackLoader::next() {
         return std::nullopt;
     }
     m_underWay.push_back({m_queue.dequeue(), std::make_unique<TiffData>(), false});
+    m_underWay.back().frame->stamp = fileStamp(m_underWay.back().fileName);
     return Request{m_underWay.back().fileName, m_underWay.back().frame.get()};
 }
 

@@ -5,6 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "files/FileStamp.h"
+
 class CountFile;
 class QImage;
 struct FrameReader;
@@ -30,6 +32,7 @@ struct TiffData {
     /// Where the counts lie of a frame that was loaded by its header alone; else null. Such a frame
     /// has no rows, and neither min, max nor saturated.
     std::shared_ptr<CountFile> countFile;
+    FileStamp stamp;          ///< of the file, just before it was read
     double energy = 0.0;      ///< eV, from the file's name
     uchar* pixels = nullptr;  ///< the picture's memory, owned
     QImage* image = nullptr;  ///< over `pixels`, owned

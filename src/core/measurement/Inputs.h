@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "files/FileStamp.h"
 #include "measurement/Settings.h"
 #include "measurement/Stack.h"
 
@@ -56,8 +57,9 @@ struct MapInput;
 struct Inputs {
     StackInputs i1;
     StackInputs i0;
-    QSize size;        ///< of the images
-    QStringList dark;  ///< absolute paths
+    QSize size;                     ///< of the images
+    QStringList dark;               ///< absolute paths
+    QVector<FileStamp> darkStamps;  ///< of these, when they were read
     quint64 darkRevision = 0;
     int halfWidth = 0;
     int halfHeight = 0;

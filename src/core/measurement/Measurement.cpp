@@ -18,14 +18,7 @@ Measurement::Measurement()
     : m_map(std::make_unique<Result>(ResultId::Shift)),
       m_results({ResultFamily::Fit, ResultFamily::Residual, ResultFamily::Difference}),
       m_threads(QThread::idealThreadCount()),
-      m_job([this](const RasterPass::Row& row, const BinRaster& raster) {
-          if (!m_search) {
-              m_saturated.take(row, raster, m_size, m_i1.size());
-              m_analysis->run()->tally += row.tally;
-              ++m_analysis->run()->rows;
-              m_analysis->take(row, raster);
-          }
-      }) {
+      m_job([this](const KeptPass::Row& row, const BinRaster& raster) { takeRow(row, raster); }) {
     connectStack(m_i1);
     connectStack(m_i0);
     connect(&m_dark, &DarkData::changed, this, [this] {

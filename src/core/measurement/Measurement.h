@@ -17,6 +17,7 @@
 #include "measurement/Rehearsal.h"
 #include "measurement/RowJob.h"
 #include "measurement/SaturatedPixels.h"
+#include "measurement/WorkFolder.h"
 
 /// A measurement: its stacks, dark frames, standard, energy-shift map, references, results and all
 /// settings. It loads, calibrates, fits and deglitches on all cores, stoppable, and knows what each
@@ -201,6 +202,9 @@ class Measurement : public QObject {
     void setRecorder(const Recorder& recorder) { m_recorder = recorder; }
     RecordLines recordOf(const Result& result, const QString& savedBy) const;
     RecordLines recordOfResults(const QString& savedBy) const;  ///< of all that are current
+    /// Where parts of analyses are kept, and taken from; null: nowhere. Not while one runs.
+    void setWorkFolder(const std::shared_ptr<WorkFolder>& folder) { m_workFolder = folder; }
+    const std::shared_ptr<WorkFolder>& workFolder() const { return m_workFolder; }
     void askForWindow(Window window) { emit windowAsked(window); }
 
   signals:
@@ -254,6 +258,12 @@ class Measurement : public QObject {
     double percentOfPass() const;
     void notePercent();
     void passEnded(RasterPass::Failure failure);
+    std::shared_ptr<PartStore> partsOf(bool isMeanSearch, const BinRaster& raster, int columns,
+                                       int valuesPerBin);
+    KeptRows keptRows(const BinRaster& raster);
+    KeptRows keptSums(const BinRaster& raster, int energies);
+    void takeRow(const KeptPass::Row& taken, const BinRaster& raster);
+    void partsEnded();
 
     struct MeanSearch {
         std::shared_ptr<RowSums> sums;
@@ -308,6 +318,9 @@ class Measurement : public QObject {
     std::set<Work> m_overtaken;  // of these, somebody waits for one from before
     Recorder m_recorder;
     QString m_batchFile;
+    std::shared_ptr<WorkFolder> m_workFolder;
+    std::shared_ptr<PartStore> m_parts;  // of the pass that runs
+    Outcome m_aboutParts;                // of the run
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(Measurement::Changes)

@@ -69,7 +69,8 @@ void Measurement::beginMean() {
     m_search = MeanSearch{std::make_shared<RowSums>(), shiftsOf(m_map->image)};
     m_job.start(frames, raster, 1,
                 meanEvaluators(std::max(1, m_threads), raster, frames.energyCount(),
-                               m_search->shiftAt, m_search->sums));
+                               m_search->shiftAt, m_search->sums),
+                keptSums(raster, frames.energyCount()));
 }
 
 /// Goes on with the pass that the mean spectrum was sought for; failed: there is no E0 to go by.

@@ -27,6 +27,7 @@ Inputs Measurement::inputs() const {
     now.i0 = {m_i0.files(), m_i0.revision()};
     now.size = m_size;
     now.dark = m_dark.files();
+    now.darkStamps = m_dark.fileStamps();
     now.darkRevision = m_darkRevision;
     now.halfWidth = m_settings.halfWidth;
     now.halfHeight = m_settings.halfHeight;
@@ -154,6 +155,7 @@ Outcome Measurement::start(Work work) {
         markOfBefore(work);
         return room;
     }
+    m_aboutParts = {};
     Run& run = *m_analysis->run();
     run.warnings = judged.warnings;
     if (run.inputs.e0.kind == EdgeChoice::Kind::Mean && hasCommonE0(run.inputs, work)) {
@@ -233,7 +235,7 @@ void Measurement::beginPass() {
     m_promised.change(bytesToFill());
     giveBackFreeMemory();
     m_job.start(frames, raster, m_analysis->valuesPerBin(),
-                m_analysis->evaluators(std::max(1, m_threads), frames));
+                m_analysis->evaluators(std::max(1, m_threads), frames), keptRows(raster));
 }
 
 /// Values in the place of those that a rehearsal does not work out.
@@ -286,6 +288,7 @@ void Measurement::notePercent() {
 
 void Measurement::passEnded(RasterPass::Failure failure) {
     Outcome broken;
+    partsEnded();
     if (m_search && failure == RasterPass::Failure::None) {
         broken = takeMean();
         if (!broken.failed()) {
@@ -301,7 +304,8 @@ void Measurement::passEnded(RasterPass::Failure failure) {
                                       ? tr("the system gives no thread")
                                       : tr("memory ran out"));
     }
-    Outcome outcome = broken.failed() ? broken : judgeAfter(run);
+    Outcome outcome = std::exchange(m_aboutParts, {});
+    outcome += broken.failed() ? broken : judgeAfter(run);
     if (failure == RasterPass::Failure::None && !m_search) {
         outcome.warnings += m_saturated.warnings(m_i1, m_i0);
     }

@@ -11,14 +11,14 @@ constexpr int FreeTells = 3;          // the first rows show at once that someth
 }  // namespace
 
 void RowJob::start(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
-                   std::vector<RasterPass::Evaluate> evaluators) {
+                   std::vector<RasterPass::Evaluate> evaluators, const KeptRows& kept) {
     stop();
     m_running = true;
     m_rows = m_rowsTold = m_tells = 0;
     const auto ready = [this, generation = m_generation] { postTakeRows(generation); };
     if (raster.rows > 0 && raster.columns > 0) {
-        m_pass = std::make_unique<RasterPass>(source, raster, valuesPerBin, std::move(evaluators),
-                                              ready);
+        m_pass = std::make_unique<KeptPass>(source, raster, valuesPerBin, std::move(evaluators),
+                                            ready, kept);
     } else {
         ready();  // no bin lies inside the image
     }
@@ -47,8 +47,8 @@ void RowJob::takeRows(int generation) {
     QElapsedTimer turn;
     turn.start();
     while (m_pass && turn.elapsed() < TurnMilliseconds) {
-        const RasterPass::Row row = m_pass->tryTake(&pending);
-        if (row.values == nullptr) {
+        const KeptPass::Row row = m_pass->tryTake(&pending);
+        if (row.row.values == nullptr) {
             break;
         }
         m_take(row, m_pass->raster());
@@ -69,6 +69,9 @@ void RowJob::takeRows(int generation) {
     }
     if (outOfTime || pending) {
         return;
+    }
+    if (m_pass) {
+        m_pass->finish();
     }
     const auto failure = m_pass ? m_pass->failure() : RasterPass::Failure::None;
     m_problem = m_pass ? m_pass->problem() : QString();

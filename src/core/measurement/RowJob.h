@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "absorption/RasterPass.h"
+#include "measurement/KeptPass.h"
 
 /// A pass over the bins of an area on several threads whose rows are taken in on the thread of this
 /// object, in order, as they come.
@@ -14,15 +14,16 @@ class RowJob : public QObject {
     Q_OBJECT
 
   public:
-    /// Takes a row in; called on this object's thread.
-    using Take = std::function<void(const RasterPass::Row& row, const BinRaster& raster)>;
+    /// Takes a row in; called on this object's thread. Its values are those of the pass, or those
+    /// that were kept of it.
+    using Take = std::function<void(const KeptPass::Row& row, const BinRaster& raster)>;
 
     explicit RowJob(Take take) : m_take(std::move(take)) {}
 
     /// Begins; finished() follows, in any case later than this call. What the evaluators and the
     /// source read stays as it is until then, or until stop().
     void start(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
-               std::vector<RasterPass::Evaluate> evaluators);
+               std::vector<RasterPass::Evaluate> evaluators, const KeptRows& kept = {});
     /// Ends the threads in mid-work; nothing is emitted any more.
     void stop();
     /// Of the pass that runs, or ran last.
@@ -42,7 +43,7 @@ class RowJob : public QObject {
     bool isTimeToTell() const;
 
     Take m_take;
-    std::unique_ptr<RasterPass> m_pass;
+    std::unique_ptr<KeptPass> m_pass;
     bool m_running = false;
     int m_generation = 0;  // of calls that are still on their way
     int m_rows = 0;

@@ -178,7 +178,7 @@ void Stack::loaded(TiffData* data) {
         emit changing();
         frame->energy = frameEnergy(frame->fileName, m_loadNames, frames().size());
         m_files.append({QFileInfo(frame->fileName).absoluteFilePath(), frame->energy, m_loadNames,
-                        !hasEnergy(frame->fileName, m_loadNames)});
+                        !hasEnergy(frame->fileName, m_loadNames), frame->stamp});
         frames().append(std::move(frame));
         m_revision = nextRevision();
         emit changed();

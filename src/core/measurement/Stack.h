@@ -32,6 +32,7 @@ class Stack : public QObject {
         double energy;
         NamePattern names;
         bool isNumbered = false;  ///< no energy in the name: its number stands for it
+        FileStamp stamp;          ///< when it was read
     };
 
     explicit Stack(StackId id);

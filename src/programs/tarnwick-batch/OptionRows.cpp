@@ -29,6 +29,11 @@ QString takeReport(const QString& value, RunnerOptions* options) {
     return value.isEmpty() ? QStringLiteral("--report needs a file.") : QString();
 }
 
+QString takeWork(const QString& value, RunnerOptions* options) {
+    options->work = QFileInfo(value).absoluteFilePath();
+    return value.isEmpty() ? QStringLiteral("--work needs a folder.") : QString();
+}
+
 QString takeMemory(const QString& value, RunnerOptions* options) {
     const std::optional<quint64> size = sizeFromText(value);
     options->memory = size.value_or(0);
@@ -70,6 +75,11 @@ std::vector<OptionRow> makeRows() {
          "Write what became of each line to this file, as JSON. It is taken from where the program "
          "is started.",
          run, takeReport},
+        {"work", "DIR",
+         "Keep finished parts of analyses in this folder, and take from it those that are there "
+         "already: a run that was broken off goes on where it was. It is taken from where the "
+         "program is started.",
+         run, takeWork},
         {"verbose", "", "Print debug lines on standard error.", run, turnOn<&O::isVerbose>},
         {"origin",
          "",

@@ -19,6 +19,7 @@ struct RunnerOptions {
     bool isVerbose = false;   ///< debug lines
     QStringList folders;      ///< where to run, in this order; empty: where the program is started
     QString report;           ///< tells of each line; empty: none
+    QString work;             ///< folder for parts of analyses; empty: none
 
     /// args[0] is the program, as in main.
     static RunnerOptions parse(const QStringList& args);

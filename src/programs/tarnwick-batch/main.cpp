@@ -97,6 +97,19 @@ bool finishReport(RunReport* report, const Measurement& measurement, Console& co
     return !outcome.failed();
 }
 
+bool openWorkFolder(const QString& path, Measurement* measurement, Console& console) {
+    if (path.isEmpty()) {
+        return true;
+    }
+    const auto folder = std::make_shared<WorkFolder>();
+    const Outcome outcome = folder->open(path);
+    for (const QString& failure : outcome.failures) {
+        console.note(QStringLiteral("tarnwick-batch: --work: ") + failure);
+    }
+    measurement->setWorkFolder(folder);
+    return !outcome.failed();
+}
+
 int run(const BatchText& text, const QString& file, const RunnerOptions& options,
         Console& console) {
     std::unique_ptr<RunReport> report;
@@ -112,6 +125,9 @@ int run(const BatchText& text, const QString& file, const RunnerOptions& options
     }
     Measurement measurement;
     measurement.readCountsWhenNeeded();
+    if (!openWorkFolder(options.work, &measurement, console)) {
+        return BatchSession::BadUsage;
+    }
     measurement.setBatchFile(file);
     if (options.threads > 0) {
         measurement.setThreads(options.threads);
