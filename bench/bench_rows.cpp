@@ -222,7 +222,7 @@ void Tight(benchmark::State& state) {
     benchmark::DoNotOptimize(sum);
     state.counters["fraction"] = out[2 * 256];
 }
-BENCHMARK(Tight)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(Tight)->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
 
 // --- the way of the programs
 
@@ -246,7 +246,7 @@ void Rows(benchmark::State& state) {
                                              [](int, int) { return 0.0; });
     }
 }
-BENCHMARK(Rows)->ArgName("threads")->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(Rows)->ArgName("threads")->Arg(1)->Arg(2)->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void Corrected(benchmark::State& state) {
     for (auto _ : state) {
@@ -254,7 +254,7 @@ void Corrected(benchmark::State& state) {
                 [](int x, int y) { return 0.001 * x + 0.0003 * y; });
     }
 }
-BENCHMARK(Corrected)->ArgName("threads")->Arg(1)->Arg(2)->UseRealTime()->Unit(
+BENCHMARK(Corrected)->ArgName("threads")->Arg(1)->Arg(2)->MeasureProcessCPUTime()->UseRealTime()->Unit(
     benchmark::kMillisecond);
 
 /// Fits with 2, 3 or 4 references, without and with errors, without and with corrections, with as
@@ -283,7 +283,7 @@ BENCHMARK(RowsWithErrors)
     ->ArgNames({"references", "errors", "map", "i0"})
     ->ArgsProduct({{2, 3, 4}, {0, 1}, {0, 1}, {100}})
     ->ArgsProduct({{2}, {0, 1}, {0}, {20}})
-    ->UseRealTime()
+    ->MeasureProcessCPUTime()->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 
 /// The passes of a calibration and of residual absorption.
@@ -308,8 +308,8 @@ void Backgrounds(benchmark::State& state) {
                                   stacks(512, 100).energies, XafsSpectrum::Simple, 7150.0,
                                   [](int, int) { return 0.0; }));
 }
-BENCHMARK(Edges)->ArgName("threads")->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(Backgrounds)->ArgName("threads")->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(Edges)->ArgName("threads")->Arg(1)->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(Backgrounds)->ArgName("threads")->Arg(1)->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void Growth(benchmark::State& state) {
     const Stacks& s = stacks(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
@@ -329,7 +329,7 @@ BENCHMARK(Growth)
     ->Args({512, 60})
     ->Args({512, 200})
     ->Args({512, 500})
-    ->UseRealTime()
+    ->MeasureProcessCPUTime()->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -25,6 +25,8 @@ class ConstrainedSolver {
     void reset(const double* normal, int n, int points);
 
     int size() const { return m_n; }
+    bool isNonnegative() const { return m_isNonnegative; }
+    bool hasSum() const { return m_hasSum; }
 
     /// Turns b into c. Returns which references are held at 0, a bit each; with none held and no
     /// sum given, c is what LuDecomposition gives. No points: all 0.

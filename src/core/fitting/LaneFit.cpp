@@ -17,8 +17,12 @@ LaneFit::LaneFit(const QVector<XafsSpectrum>& references, const FitRule& rule,
       m_kernels(lanes::kernels(units)),
       m_normaliser(energies, rule.sample, units),
       m_allPoints(energies.size()),
+      m_shifted(m_fit, m_energies, rule.withErrors, units),
       m_corrected(energies.size()),
       m_y(energies.size() * Count),
+      m_sums(static_cast<std::size_t>(m_fit.coefficientCount()) * Count),
+      m_solved(m_sums.size()),
+      m_coefficients(static_cast<std::size_t>(m_fit.coefficientCount())),
       m_places(m_fit.referenceCount(), rule.withErrors) {
     std::iota(m_allPoints.begin(), m_allPoints.end(), 0);
     if (rule.withErrors) {
@@ -37,9 +41,6 @@ void LaneFit::prepare(double correction) {
     m_fit.prepare(m_corrected);
     m_correction = correction;
     m_prepared = true;
-    m_sums.resize(static_cast<std::size_t>(m_fit.coefficientCount()) * Count);
-    m_coefficients.resize(static_cast<std::size_t>(m_fit.coefficientCount()));
-    m_solved.resize(m_sums.size());
 }
 
 void LaneFit::project(const double* y) {
@@ -61,41 +62,80 @@ void LaneFit::fit(const double* mu, const double* corrections, int count,
     }
     const bool isOneBasis = std::all_of(corrections, corrections + count,
                                         [&](double each) { return each == corrections[0]; });
+    if (!isOneBasis && m_shifted.suits(corrections, count)) {
+        fitTogether(y, corrections, count, results);
+    } else {
+        fitInTurn(y, corrections, isOneBasis, count, results);
+    }
+    if (m_errors != nullptr) {
+        evaluateErrors(y, count, counts, results);
+    }
+}
+
+/// Each with a basis of its own.
+void LaneFit::fitTogether(const double* y, const double* corrections, int count, double* results) {
+    m_shifted.fit(y, corrections, count);
+    m_pack.fits.basis = m_shifted.basis();
+    m_pack.fits.response = m_shifted.response();
+    m_pack.fits.coefficients = m_shifted.coefficients().data();
+    const lanes::Range& points = m_shifted.points();
+    for (int l = 0; l < count; ++l) {
+        m_pack.held[l] = m_shifted.held(l);
+        m_pack.freedom[l] = m_shifted.freedom(l);
+        m_pack.fits.points.first[l] = points.first[l];
+        m_pack.fits.points.end[l] = points.end[l];
+        finish(l, m_shifted.coefficients(), results);
+    }
+}
+
+/// One after the other, with what is prepared for the one before wherever it serves.
+void LaneFit::fitInTurn(const double* y, const double* corrections, bool isOneBasis, int count,
+                        double* results) {
     for (int l = 0; l < count; ++l) {
         const bool alike = m_prepared && l > 0 && corrections[l] == m_correction;
         if (!alike) {
             prepare(corrections[l]);
             project(y);
         }
-        finish(l, results + static_cast<std::ptrdiff_t>(l) * m_places.count());
+        solve(l);
+        finish(l, m_solved, results);
         if (m_errors != nullptr && !isOneBasis) {
             keepRows(l);
         }
     }
     if (m_errors != nullptr) {
-        evaluateErrors(y, isOneBasis, count, counts, results);
+        m_pack.fits.coefficients = m_solved.data();
+        shareRows(isOneBasis, count);
     }
 }
 
-void LaneFit::finish(int l, double* results) {
+/// Solves for the coefficients of spectrum l.
+void LaneFit::solve(int l) {
+    const auto lane = static_cast<std::size_t>(l);
     for (std::size_t k = 0; k < m_coefficients.size(); ++k) {
-        m_coefficients[k] = m_sums[k * Count + static_cast<std::size_t>(l)];
+        m_coefficients[k] = m_sums[k * Count + lane];
     }
-    const unsigned held = m_fit.solve(m_coefficients.data());
-    m_fit.shares(m_coefficients.data(), m_normaliser.dMut()[l], results + referenceCount(),
-                 results);
-    if (m_errors == nullptr) {
-        return;
-    }
+    m_pack.held[l] = m_fit.solve(m_coefficients.data());
     for (std::size_t k = 0; k < m_coefficients.size(); ++k) {
-        m_solved[k * Count + static_cast<std::size_t>(l)] = m_coefficients[k];
+        m_solved[k * Count + lane] = m_coefficients[k];
     }
-    m_pack.held[l] = held;
-    m_pack.freedom[l] = m_fit.freedom(held);
+    if (m_errors != nullptr) {
+        m_pack.freedom[l] = m_fit.freedom(m_pack.held[l]);
+        m_pack.fits.points.first[l] = m_fit.points().empty() ? 0 : m_fit.points().front();
+        m_pack.fits.points.end[l] = m_fit.points().empty() ? 0 : m_fit.points().back() + 1;
+    }
+}
+
+/// Turns the coefficients of spectrum l of a pack into its results.
+void LaneFit::finish(int l, const std::vector<double>& coefficients, double* results) {
+    const auto lane = static_cast<std::size_t>(l);
+    double* const own = results + static_cast<std::ptrdiff_t>(l) * m_places.count();
+    for (std::size_t k = 0; k < m_coefficients.size(); ++k) {
+        m_coefficients[k] = coefficients[k * Count + lane];
+    }
+    m_fit.shares(m_coefficients.data(), m_normaliser.dMut()[l], own + referenceCount(), own);
     m_pack.midE[l] = m_normaliser.midE()[l];
     m_pack.dMut[l] = m_normaliser.dMut()[l];
-    m_pack.fits.points.first[l] = m_fit.points().empty() ? 0 : m_fit.points().front();
-    m_pack.fits.points.end[l] = m_fit.points().empty() ? 0 : m_fit.points().back() + 1;
 }
 
 /// Puts the rows of the fit of spectrum l, which rest on what is prepared, beside the others'.
@@ -114,31 +154,35 @@ void LaneFit::keepRows(int l) {
     copy(m_fit.response(m_pack.held[l]), m_fit.responseStride(), &m_ownResponse);
 }
 
-void LaneFit::evaluateErrors(const double* y, bool isOneBasis, int count,
-                             const lanes::Counts* counts, double* results) {
+/// Lets errors go by what is prepared or, where it is not that of all, by the rows of each.
+void LaneFit::shareRows(bool isOneBasis, int count) {
     const unsigned held = m_pack.held[0];
     const bool areAlike = isOneBasis && std::all_of(m_pack.held, m_pack.held + count,
                                                     [held](unsigned each) { return each == held; });
     lanes::Fits& fits = m_pack.fits;
-    for (int l = count; l < Count; ++l) {
-        fits.points.first[l] = fits.points.first[0];
-        fits.points.end[l] = fits.points.end[0];
-    }
     const int terms = m_fit.coefficientCount();
     const int stride = m_fit.responseStride();
     if (areAlike) {
         fits.basis = {m_fit.basis().data(), terms, fits.points.first[0], false};
         fits.response = {m_fit.response(held).data(), stride, fits.points.first[0], false};
-    } else {
-        for (int l = 0; isOneBasis && l < count; ++l) {
-            keepRows(l);
-        }
-        fits.basis = {m_ownBasis.data(), terms, 0, true};
-        fits.response = {m_ownResponse.data(), stride, 0, true};
+        return;
+    }
+    for (int l = 0; isOneBasis && l < count; ++l) {
+        keepRows(l);
+    }
+    fits.basis = {m_ownBasis.data(), terms, 0, true};
+    fits.response = {m_ownResponse.data(), stride, 0, true};
+}
+
+void LaneFit::evaluateErrors(const double* y, int count, const lanes::Counts* counts,
+                             double* results) {
+    lanes::Fits& fits = m_pack.fits;
+    for (int l = count; l < Count; ++l) {
+        fits.points.first[l] = fits.points.first[0];
+        fits.points.end[l] = fits.points.end[0];
     }
     fits.y = y;
     fits.span = m_rule.method == LinearFit::Lcf ? m_span.data() : nullptr;
-    fits.coefficients = m_solved.data();
     fits.references = referenceCount();
     fits.counts = counts != nullptr ? *counts : lanes::Counts{};
     m_pack.line[0] = m_normaliser.preRange();

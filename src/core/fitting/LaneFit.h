@@ -8,6 +8,7 @@
 #include "fitting/CountingErrors.h"
 #include "fitting/FitValues.h"
 #include "fitting/LinearFit.h"
+#include "fitting/ShiftedPack.h"
 #include "spectra/LaneNormaliser.h"
 
 /// Fits a pack of spectra of the same energies as LinearFit does one, to the same bits. For one
@@ -32,10 +33,14 @@ class LaneFit {
   private:
     void prepare(double correction);
     void project(const double* y);
-    void finish(int l, double* results);
+    void fitTogether(const double* y, const double* corrections, int count, double* results);
+    void fitInTurn(const double* y, const double* corrections, bool isOneBasis, int count,
+                   double* results);
+    void solve(int l);
+    void finish(int l, const std::vector<double>& coefficients, double* results);
     void keepRows(int l);
-    void evaluateErrors(const double* y, bool isOneBasis, int count, const lanes::Counts* counts,
-                        double* results);
+    void shareRows(bool isOneBasis, int count);
+    void evaluateErrors(const double* y, int count, const lanes::Counts* counts, double* results);
 
     LinearFit m_fit;
     FitRule m_rule;
@@ -43,12 +48,14 @@ class LaneFit {
     const lanes::Kernels& m_kernels;
     LaneNormaliser m_normaliser;
     std::vector<int> m_allPoints;
+    ShiftedPack m_shifted;
 
     std::vector<double> m_corrected;
     double m_correction = 0.0;
     bool m_prepared = false;
     std::vector<double> m_y;
     std::vector<double> m_sums;
+    std::vector<double> m_solved;  // the coefficients of the pack, see lanes::Fits
     std::vector<double> m_coefficients;
 
     // For errors.
@@ -56,7 +63,6 @@ class LaneFit {
     std::unique_ptr<CountingErrors> m_errors;
     CountingErrors::Pack m_pack;
     std::vector<double> m_span;
-    std::vector<double> m_solved;  // the coefficients of the pack, see lanes::Fits
     std::vector<double> m_ownBasis;
     std::vector<double> m_ownResponse;
 };

@@ -59,6 +59,33 @@ double LinearFit::Series::at(double e) const {
     return curve.valueAt(isShifted ? shifted + shift : shifted);
 }
 
+int LinearFit::coefficientCount() const {
+    return referenceCount() + leadingOf(m_rule);
+}
+
+void LinearFit::commonRange(double* from, double* to) const {
+    *from = 0.0;
+    *to = 1e100;
+    for (const XafsSpectrum& s : m_references) {
+        *from = std::max(*from, s.energy(0));
+        *to = std::min(*to, s.energy(s.size() - 1));
+    }
+}
+
+std::vector<lanes::Polyline> LinearFit::basisCurves() const {
+    std::vector<lanes::Polyline> curves;
+    for (const Series& series : m_basisSeries) {
+        lanes::Polyline line = series.curve.polyline();
+        if (line.count == 0) {
+            return {};
+        }
+        line.shifts[0] = series.referenceIsShifted ? series.referenceShift : 0.0;
+        line.shifts[1] = series.isShifted ? series.shift : 0.0;
+        curves.push_back(line);
+    }
+    return curves;
+}
+
 void LinearFit::prepare(const std::vector<double>& energies) {
     const std::size_t size = energies.size();
     if (size > 0 && m_allEnergies == energies) {
@@ -68,11 +95,8 @@ void LinearFit::prepare(const std::vector<double>& energies) {
 
     m_curveValid = false;
     double from = 0.0;
-    double to = 1e100;
-    for (const XafsSpectrum& s : std::as_const(m_references)) {
-        from = std::max(from, s.energy(0));
-        to = std::min(to, s.energy(s.size() - 1));
-    }
+    double to = 0.0;
+    commonRange(&from, &to);
     m_energies.clear();
     m_points.clear();
     m_basis.clear();
@@ -92,7 +116,7 @@ void LinearFit::prepare(const std::vector<double>& energies) {
         }
     }
 
-    const auto n = static_cast<std::size_t>(m_references.size() + leadingOf(m_rule));
+    const auto n = static_cast<std::size_t>(coefficientCount());
     m_normal.assign(n * n, 0.0);
     for (const double* f = m_basis.data(); f != m_basis.data() + m_energies.size() * n; f += n) {
         for (std::size_t i = 0; i < n; ++i) {

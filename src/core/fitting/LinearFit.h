@@ -52,11 +52,21 @@ class LinearFit {
     const std::vector<int>& points() const { return m_points; }
     /// Basis functions at those points, coefficientCount() a point.
     const std::vector<double>& basis() const { return m_basis; }
-    int coefficientCount() const { return m_solver.size(); }
+    int coefficientCount() const;
     int referenceCount() const { return m_references.size(); }
     /// Solves for the coefficients; right holds the sums of basis function times sample, and then
     /// the coefficients. Returns which references are held at 0, see ConstrainedSolver.
     unsigned solve(double* right) { return m_solver.solve(right); }
+
+    // The same for spectra side by side, each with energies of its own.
+
+    /// Ends of the range of the fit, in eV.
+    void commonRange(double* from, double* to) const;
+    /// The basis function of each reference, valid as long as this; none where the energies of one
+    /// do not ascend. With MLCF 1 and the energy come before them.
+    std::vector<lanes::Polyline> basisCurves() const;
+    /// Under the constraints of the fit.
+    const ConstrainedSolver& solver() const { return m_solver; }
 
     // What errors rest on, with some references held at 0.
 

@@ -20,43 +20,48 @@ CurveLookup::CurveLookup(const Spectrum& curve) : m_curve(curve) {
     const int steps = StepsPerPoint * n;
     const double first = curve.energy(0);
     const double perEv = steps / (curve.energy(n - 1) - first);
-    if (!std::isfinite(perEv)) {
+    if (!std::isfinite(perEv) || !(perEv > 0.0)) {
         return;
     }
     m_perEv = perEv;
-    for (int i = 0; i < n; ++i) {
-        m_energies.push_back(curve.energy(i));
-        m_values.push_back(curve.value(i));
+    for (int i = 0; i + 1 < n; ++i) {
+        const double e = curve.energy(i);
+        const double y = curve.value(i);
+        m_pieces.push_back({e, y, curve.value(i + 1) - y, curve.energy(i + 1) - e});
     }
     for (int step = 0, i = 0; step < steps; ++step) {
         const double e = first + step / m_perEv;
         while (i < n - 2 && curve.energy(i + 1) <= e) {
             ++i;
         }
-        m_pairs.push_back(i);
+        m_near.push_back(i);
     }
 }
 
-int CurveLookup::pairAround(double e) const {
-    const int n = static_cast<int>(m_energies.size());
-    if (e < m_energies.front()) {
-        return 0;
-    }
-    if (e >= m_energies.back()) {
-        return n - 2;
-    }
-    const double step = (e - m_energies.front()) * m_perEv;
-    const double* const energies = m_energies.data();
-    const int nearBy = m_pairs[static_cast<std::size_t>(
-        std::min(step, static_cast<double>(m_pairs.size()) - 1.0))];
+int CurveLookup::pieceAround(double e) const {
+    const double step = (e - m_pieces.front().e) * m_perEv;
+    const double last = static_cast<double>(m_near.size()) - 1.0;
+    const lanes::Piece* const pieces = m_pieces.data();
+    // The last piece goes on beyond the last point.
     return ::pairAround(
-        n, e, [energies](int i) { return energies[i]; }, nearBy);
+        static_cast<int>(m_pieces.size()) + 1, e, [pieces](int i) { return pieces[i].e; },
+        m_near[step > 0.0 ? static_cast<std::size_t>(std::min(step, last)) : 0]);
 }
 
 double CurveLookup::valueAt(double e) const {
-    if (m_energies.empty() || std::isnan(e)) {
+    if (m_pieces.empty() || std::isnan(e)) {
         return m_curve.valueAt(e);
     }
-    const std::size_t low = static_cast<std::size_t>(pairAround(e));
-    return interpolate(e, m_energies[low], m_values[low], m_energies[low + 1], m_values[low + 1]);
+    const lanes::Piece& piece = m_pieces[static_cast<std::size_t>(pieceAround(e))];
+    return piece.y + (e - piece.e) * piece.rise / piece.run;
+}
+
+lanes::Polyline CurveLookup::polyline() const {
+    lanes::Polyline line;
+    line.pieces = m_pieces.data();
+    line.count = static_cast<int>(m_pieces.size());
+    line.near = m_near.data();
+    line.steps = static_cast<int>(m_near.size());
+    line.stepsPerEv = m_perEv;
+    return line;
 }

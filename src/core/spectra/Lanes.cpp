@@ -1,4 +1,5 @@
 #include "spectra/Lanes.h"
+#include "spectra/LaneBases.h"
 #include "spectra/LaneErrors.h"
 
 #ifdef __x86_64__
@@ -27,6 +28,7 @@ template <typename Mask>
 // After the kernels whose helpers it uses.
 #include "spectra/LaneNoise.inl"
 // And these after both.
+#include "spectra/LaneBases.inl"
 #include "spectra/LaneErrors.inl"
 }  // namespace baseline
 
@@ -50,6 +52,7 @@ template <typename Mask>
 // After the kernels whose helpers it uses.
 #include "spectra/LaneNoise.inl"
 // And these after both.
+#include "spectra/LaneBases.inl"
 #include "spectra/LaneErrors.inl"
 }  // namespace wide4
 #ifdef __clang__
@@ -77,6 +80,7 @@ template <typename Mask>
 // After the kernels whose helpers it uses.
 #include "spectra/LaneNoise.inl"
 // And these after both.
+#include "spectra/LaneBases.inl"
 #include "spectra/LaneErrors.inl"
 }  // namespace wide8
 #ifdef __clang__
@@ -116,6 +120,17 @@ ErrorKernel errorKernel(Units units) {
     }
 }
 
+const BasisKernels& basisKernels(Units units) {
+    switch (std::min(units, bestUnits())) {
+        case Units::Wide8:
+            return wide8::Bases;
+        case Units::Wide4:
+            return wide4::Bases;
+        default:
+            return baseline::Bases;
+    }
+}
+
 #else
 
 Units bestUnits() {
@@ -128,6 +143,10 @@ const Kernels& kernels(Units) {
 
 ErrorKernel errorKernel(Units) {
     return baseline::fitErrors;
+}
+
+const BasisKernels& basisKernels(Units) {
+    return baseline::Bases;
 }
 
 #endif
