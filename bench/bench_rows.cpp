@@ -246,7 +246,8 @@ void Rows(benchmark::State& state) {
                                              [](int, int) { return 0.0; });
     }
 }
-BENCHMARK(Rows)->ArgName("threads")->Arg(1)->Arg(2)->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(Rows)->ArgName("threads")->Arg(1)->Arg(2)->MeasureProcessCPUTime()->UseRealTime()->Unit(
+    benchmark::kMillisecond);
 
 void Corrected(benchmark::State& state) {
     for (auto _ : state) {
@@ -254,24 +255,34 @@ void Corrected(benchmark::State& state) {
                 [](int x, int y) { return 0.001 * x + 0.0003 * y; });
     }
 }
-BENCHMARK(Corrected)->ArgName("threads")->Arg(1)->Arg(2)->MeasureProcessCPUTime()->UseRealTime()->Unit(
-    benchmark::kMillisecond);
+BENCHMARK(Corrected)
+    ->ArgName("threads")
+    ->Arg(1)
+    ->Arg(2)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
 
-/// Fits with 2, 3 or 4 references, without and with errors, without and with corrections, with as
-/// many I0 frames as energies or 20.
-void RowsWithErrors(benchmark::State& state) {
-    FitRule rule = LinearFit::Lcf;
-    rule.withErrors = state.range(1) != 0;
-    std::vector<double> whiteLines{2.0, 0.5, 1.2, 0.9};
+/// Edges 1.5 eV apart: spectra that no two others make up.
+QVector<XafsSpectrum> apart(int count) {
+    const std::vector<double> whiteLines{2.0, 0.5, 1.2, 0.9};
     QVector<XafsSpectrum> list;
-    for (int i = 0; i < state.range(0); ++i) {
-        // Edges 1.5 eV apart: spectra that no two others make up.
+    for (int i = 0; i < count; ++i) {
         Spectrum points;
         for (double e = 6990.0; e <= 7310.0; e += 0.5) {
             points.append(e, muT(e - 1.5 * i, whiteLines[static_cast<std::size_t>(i)]));
         }
         list.append(XafsSpectrum(points, XafsSpectrum::Simple, 0.0));
     }
+    return list;
+}
+
+/// Fits with 2, 3 or 4 references, without and with errors, without and with corrections, with as
+/// many I0 frames as energies or 20.
+void RowsWithErrors(benchmark::State& state) {
+    FitRule rule = LinearFit::Lcf;
+    rule.withErrors = state.range(1) != 0;
+    const QVector<XafsSpectrum> list = apart(static_cast<int>(state.range(0)));
     const double slope = state.range(2) != 0 ? 0.001 : 0.0;
     for (auto _ : state) {
         fitRows(
@@ -283,7 +294,37 @@ BENCHMARK(RowsWithErrors)
     ->ArgNames({"references", "errors", "map", "i0"})
     ->ArgsProduct({{2, 3, 4}, {0, 1}, {0, 1}, {100}})
     ->ArgsProduct({{2}, {0, 1}, {0}, {20}})
-    ->MeasureProcessCPUTime()->UseRealTime()
+    ->MeasureProcessCPUTime()
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
+/// Fits with 3 references: without energy corrections, with smooth ones, with those of a noisy map
+/// (sigma 0.3 eV).
+void Shifted(benchmark::State& state) {
+    FitRule rule(state.range(0) != 0 ? LinearFit::Mlcf : LinearFit::Lcf);
+    rule.withErrors = state.range(1) != 0;
+    rule.constraints = static_cast<FitRule::Constraints>(state.range(2));
+    const QVector<XafsSpectrum> list = apart(3);
+    std::mt19937 random(5);
+    std::normal_distribution<double> noise(0.0, state.range(3) == 2 ? 0.3 : 0.0);
+    std::vector<double> map(512 * 512);
+    for (std::size_t i = 0; i < map.size(); ++i) {
+        const double smooth = 0.002 * static_cast<double>(i % 512) + 0.0007 * double(i / 512);
+        map[i] = state.range(3) != 0 ? smooth + noise(random) : 0.0;
+    }
+    for (auto _ : state) {
+        fitRows(
+            stacks(512, 100), 1,
+            [&map](int x, int y) { return map[static_cast<std::size_t>(512 * y + x)]; }, list,
+            rule);
+    }
+}
+BENCHMARK(Shifted)
+    ->ArgNames({"mlcf", "errors", "constraints", "map"})
+    ->ArgsProduct({{0, 1}, {0, 1}, {0}, {0, 1, 2}})
+    ->ArgsProduct({{0}, {0}, {1, 3}, {0, 2}})
+    ->MeasureProcessCPUTime()
+    ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 
 /// The passes of a calibration and of residual absorption.
@@ -308,8 +349,14 @@ void Backgrounds(benchmark::State& state) {
                                   stacks(512, 100).energies, XafsSpectrum::Simple, 7150.0,
                                   [](int, int) { return 0.0; }));
 }
-BENCHMARK(Edges)->ArgName("threads")->Arg(1)->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(Backgrounds)->ArgName("threads")->Arg(1)->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(Edges)->ArgName("threads")->Arg(1)->MeasureProcessCPUTime()->UseRealTime()->Unit(
+    benchmark::kMillisecond);
+BENCHMARK(Backgrounds)
+    ->ArgName("threads")
+    ->Arg(1)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
 
 void Growth(benchmark::State& state) {
     const Stacks& s = stacks(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
@@ -329,7 +376,8 @@ BENCHMARK(Growth)
     ->Args({512, 60})
     ->Args({512, 200})
     ->Args({512, 500})
-    ->MeasureProcessCPUTime()->UseRealTime()
+    ->MeasureProcessCPUTime()
+    ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 
 }  // namespace

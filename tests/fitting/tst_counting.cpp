@@ -333,6 +333,8 @@ class TestCounting : public QObject {
             row("both", {0, 0, m_all, false, false, 5, Constraints::Both});
             row("both, map", {0, 1, m_wide, false, true, 3, Constraints::Both});
             row("not negative", {1, 0, m_few, false, false, 7, Constraints::Nonnegative});
+            row("not negative, map", {1, 0, m_few, false, true, 7, Constraints::Nonnegative});
+            row("not negative, few, map", {0, 0, m_all, false, true, 3, Constraints::Nonnegative});
         }
     }
     static FitRule ruleOf(const Scheme& scheme, bool withErrors = true) {
@@ -455,15 +457,25 @@ class TestCounting : public QObject {
                 QVERIFY(i >= 2 * scheme.count ||
                         same(fewer[static_cast<std::size_t>(p * 2 * scheme.count + i)], expected));
             }
-            std::vector<double> mu(energiesOf(scheme).size() * lanes::Count);
-            bool lacksCounts[lanes::Count];
-            one.formPack(0, mu.data(), lacksCounts);
-            for (lanes::Units units : {lanes::Units::Baseline, lanes::Units::Wide4}) {
-                LaneFit(list, rule, energiesOf(scheme), units)
-                    .fit(mu.data(), &correction, 1, &counts, values.data());
-                for (int i = 0; i < at.count(); ++i) {
+        }
+        for (lanes::Units units : {lanes::Units::Baseline, lanes::Units::Wide4}) {
+            LaneFit fit(list, rule, energiesOf(scheme), units);
+            BinRowSpectra row(source, 0, 1, Width, 0, 0);
+            row.sum(1, 0, Width);
+            for (int x = 0; x < Width; x += lanes::Count) {
+                std::vector<double> mu(energiesOf(scheme).size() * lanes::Count);
+                bool lacksCounts[lanes::Count];
+                row.formPack(x, mu.data(), lacksCounts);
+                const int count = std::min(lanes::Count, Width - x);
+                double corrections[lanes::Count] = {};
+                for (int l = 0; scheme.hasMap && l < count; ++l) {
+                    corrections[l] = correctionAt(x + l, 1);
+                }
+                const lanes::Counts counts = row.counts(x);
+                fit.fit(mu.data(), corrections, count, &counts, values.data());
+                for (int i = 0; i < count * at.count(); ++i) {
                     QVERIFY(same(values[static_cast<std::size_t>(i)],
-                                 all[static_cast<std::size_t>(p * at.count() + i)]));
+                                 all[static_cast<std::size_t>((Width + x) * at.count() + i)]));
                 }
             }
         }

@@ -50,6 +50,12 @@ double correctionAt(int x, int y) {
     return 0.25 * (x / 3) - y;
 }
 
+/// Neighbours a little apart, far apart and out of the references' range; some no number.
+double anyCorrectionAt(int x, int y) {
+    const double far[] = {0.0, 33.3, -21.7, 400.0, 0.3, -1e6, y == 3 ? Nan : 12.5};
+    return y == 0 ? 0.013 * x : y == 1 ? correctionAt(x, y) : far[(x + y) % 7];
+}
+
 BinRaster wholeImage() {
     return BinRaster{0, 1, Width, 0, 1, Height, 1, 0};
 }
@@ -132,7 +138,9 @@ class TestRasterPass : public QObject {
         const FrameSet i0 = flatStack();
         const AbsorptionSource source(i1, i0, Width, Height);
         const BinRaster raster = wholeImage();
-        const QVector<XafsSpectrum> references{edges::reference(0.1), edges::reference(0.4)};
+        QVector<XafsSpectrum> references{edges::reference(0.1), edges::reference(0.4)};
+        references[1].setShiftOn(true);
+        references[1].setShift(0.7);
         std::vector<Normalisation> rules;
         for (int type = 0; type < background::Count; ++type) {
             rules.insert(rules.end(), 2, type);
@@ -142,20 +150,20 @@ class TestRasterPass : public QObject {
         for (const Normalisation& type : rules) {
             RasterPass lcf(source, raster, 4,
                            fitEvaluators(2, raster, references, {LinearFit::Lcf, type},
-                                         source.energies(), correctionAt));
+                                         source.energies(), anyCorrectionAt));
             RasterPass mlcf(source, raster, 4,
                             fitEvaluators(2, raster, references, {LinearFit::Mlcf, type},
-                                          source.energies(), correctionAt));
+                                          source.energies(), anyCorrectionAt));
             RasterPass curves(
                 source, raster, 2,
-                backgroundEvaluators(2, raster, source.energies(), type, At, correctionAt));
+                backgroundEvaluators(2, raster, source.energies(), type, At, anyCorrectionAt));
             RasterPass edge(source, raster, 1, edgeEvaluators(2, source.energies()));
             LinearFit alone(references, LinearFit::Lcf);
             LinearFit aloneM(references, LinearFit::Mlcf);
             for (int y = 0; y < Height; ++y) {
                 for (int x = 0; x < Width; ++x) {
                     const XafsSpectrum spectrum(source.spectrumAt(x, y, 1, 0), type,
-                                                correctionAt(x, y));
+                                                anyCorrectionAt(x, y));
                     alone.fit(spectrum);
                     aloneM.fit(spectrum);
                     for (std::size_t r = 0; r < 2; ++r) {
