@@ -30,23 +30,27 @@ struct PiecesOfVector {
         rise = where ? broadcast(piece.rise) : rise;
         run = where ? broadcast(piece.run) : run;
     }
-    void set(int l, const Piece& piece) {
-        e[l] = piece.e;
-        y[l] = piece.y;
-        rise[l] = piece.rise;
-        run[l] = piece.run;
+    [[gnu::always_inline]] void valueAt(const Real& energy, double* to) const {
+        store(to, y + (energy - e) * rise / run);
     }
 };
 
-/// The curve at energies between `least` and `most`.
-[[gnu::always_inline]] inline void curveAt(const Polyline& line, const Real& given, double least,
-                                           double most, Real& y) {
+/// The curve at energies that lie in many pieces.
+[[gnu::noinline]] inline void valuesFarApart(const Polyline& line, const double* e, double* to) {
+    for (int l = 0; l < Width; ++l) {
+        const Piece& piece = line.pieces[pieceAt(line, e[l])];
+        to[l] = piece.y + (e[l] - piece.e) * piece.rise / piece.run;
+    }
+}
+
+/// The curve at energies between `least` and `most`, not yet shifted.
+[[gnu::always_inline]] inline void valuesAt(const Polyline& line, const Real& given, double least,
+                                            double most, double* to) {
     // The energies of neighbours mostly lie in one piece, or in a few side by side.
     constexpr int Few = 12;
     const Real e = given + line.shifts[0] + line.shifts[1];
-    least = least + line.shifts[0] + line.shifts[1];
     most = most + line.shifts[0] + line.shifts[1];
-    const int first = pieceAt(line, least);
+    const int first = pieceAt(line, least + line.shifts[0] + line.shifts[1]);
     PiecesOfVector of(line.pieces[first]);
     const int end = std::min(line.count, first + Few);
     int next = first + 1;
@@ -54,11 +58,12 @@ struct PiecesOfVector {
         of.set(e >= line.pieces[next].e, line.pieces[next]);
     }
     if (next < line.count && line.pieces[next].e <= most) {
-        for (int l = 0; l < Width; ++l) {
-            of.set(l, line.pieces[pieceAt(line, e[l])]);
-        }
+        double energies[Width];
+        store(energies, e);
+        valuesFarApart(line, energies, to);
+        return;
     }
-    y = of.y + (e - of.e) * of.rise / of.run;
+    of.valueAt(e, to);
 }
 
 void basisRows(const OwnBases& bases, double* rows) {
@@ -80,9 +85,7 @@ void basisRows(const OwnBases& bases, double* rows) {
             const double least = bases.energies[i] - largestOf;
             const double most = bases.energies[i] - smallestOf;
             for (int r = 0; r < bases.references; ++r) {
-                Real y;
-                curveAt(bases.curves[r], e, least, most, y);
-                store(row + r * Count, y);
+                valuesAt(bases.curves[r], e, least, most, row + r * Count);
             }
         }
     }
