@@ -164,6 +164,21 @@ void ConstrainedSolver::search(unsigned held) {
     }
 }
 
+bool ConstrainedSolver::isMetBy(const double* c, int stride, int n, int points) const {
+    if (points == 0 || m_hasSum) {
+        return false;
+    }
+    if (m_isNonnegative && n - m_leading > MostReferences) {
+        return false;
+    }
+    for (int k = m_leading; m_isNonnegative && k < n; ++k) {
+        if (c[k * stride] < 0.0) {
+            return false;
+        }
+    }
+    return true;
+}
+
 unsigned ConstrainedSolver::solve(double* right) {
     if (m_points == 0) {
         std::fill(right, right + m_n, 0.0);

@@ -25,8 +25,11 @@ class ConstrainedSolver {
     void reset(const double* normal, int n, int points);
 
     int size() const { return m_n; }
-    bool isNonnegative() const { return m_isNonnegative; }
-    bool hasSum() const { return m_hasSum; }
+    /// Whether c, number k of it at c[k * stride], is what solve() makes of a basis of n functions
+    /// over so many points, when it solves the equations as they are.
+    bool isMetBy(const double* c, int stride, int n, int points) const;
+    /// The equations without constraints, decomposed.
+    const LuDecomposition& decomposition() { return at(0).lu; }
 
     /// Turns b into c. Returns which references are held at 0, a bit each; with none held and no
     /// sum given, c is what LuDecomposition gives. No points: all 0.

@@ -21,6 +21,7 @@ LaneFit::LaneFit(const QVector<XafsSpectrum>& references, const FitRule& rule,
       m_corrected(energies.size()),
       m_y(energies.size() * Count),
       m_sums(static_cast<std::size_t>(m_fit.coefficientCount()) * Count),
+      m_plain(m_sums.size()),
       m_solved(m_sums.size()),
       m_coefficients(static_cast<std::size_t>(m_fit.coefficientCount())),
       m_places(m_fit.referenceCount(), rule.withErrors) {
@@ -49,6 +50,9 @@ void LaneFit::project(const double* y) {
     const int first = points.empty() ? 0 : points.front();
     m_kernels.projections(y + static_cast<std::ptrdiff_t>(first) * Count, m_fit.basis().data(),
                           m_fit.coefficientCount(), static_cast<int>(points.size()), m_sums.data());
+    const LuDecomposition& equations = m_fit.solver().decomposition();
+    m_kernels.substitute(equations.lu(), equations.row(), equations.size(), m_sums.data(),
+                         m_plain.data());
 }
 
 void LaneFit::fit(const double* mu, const double* corrections, int count,
@@ -112,10 +116,14 @@ void LaneFit::fitInTurn(const double* y, const double* corrections, bool isOneBa
 /// Solves for the coefficients of spectrum l.
 void LaneFit::solve(int l) {
     const auto lane = static_cast<std::size_t>(l);
+    const int points = static_cast<int>(m_fit.points().size());
+    const bool isPlain =
+        m_fit.solver().isMetBy(&m_plain[lane], Count, m_fit.coefficientCount(), points);
+    const std::vector<double>& given = isPlain ? m_plain : m_sums;
     for (std::size_t k = 0; k < m_coefficients.size(); ++k) {
-        m_coefficients[k] = m_sums[k * Count + lane];
+        m_coefficients[k] = given[k * Count + lane];
     }
-    m_pack.held[l] = m_fit.solve(m_coefficients.data());
+    m_pack.held[l] = isPlain ? 0 : m_fit.solve(m_coefficients.data());
     for (std::size_t k = 0; k < m_coefficients.size(); ++k) {
         m_solved[k * Count + lane] = m_coefficients[k];
     }

@@ -55,6 +55,7 @@ class LaneFit {
     bool m_prepared = false;
     std::vector<double> m_y;
     std::vector<double> m_sums;
+    std::vector<double> m_plain;   // the solutions without constraints
     std::vector<double> m_solved;  // the coefficients of the pack, see lanes::Fits
     std::vector<double> m_coefficients;
 

@@ -57,6 +57,8 @@ class LinearFit {
     /// Solves for the coefficients; right holds the sums of basis function times sample, and then
     /// the coefficients. Returns which references are held at 0, see ConstrainedSolver.
     unsigned solve(double* right) { return m_solver.solve(right); }
+    /// The decomposition is that of the last prepare().
+    ConstrainedSolver& solver() { return m_solver; }
 
     // The same for spectra side by side, each with energies of its own.
 

@@ -28,7 +28,6 @@ ShiftedPack::ShiftedPack(const LinearFit& fit, const std::vector<double>& energi
     const auto terms = static_cast<std::size_t>(m_terms);
     m_rows.resize(energies.size() * terms * Lanes);
     m_normal.resize(terms * terms * Lanes);
-    m_decomposed.resize(m_normal.size());
     m_coefficients.resize(terms * Lanes);
     m_right.resize(m_coefficients.size());
     m_ownNormal.resize(terms * terms);
@@ -82,12 +81,14 @@ void ShiftedPack::fit(const double* y, const double* corrections, int count) {
     findPoints();
     m_kernels.rows(m_bases, m_rows.data());
     m_kernels.normal(m_rows.data(), m_terms, m_bases.points, y, m_normal.data(), m_right.data());
-    m_decomposed = m_normal;
-    m_coefficients = m_right;
-    m_kernels.solve(m_terms, m_decomposed.data(), m_coefficients.data());
+    m_usedNormal = m_normal;
+    m_usedRight = m_right;
+    m_kernels.solve(m_terms, m_usedNormal.data(), m_usedRight.data(), m_coefficients.data());
     for (int l = 0; l < count; ++l) {
         m_held[l] = 0;
-        if (needsMore(l)) {
+        const int ofThese = m_bases.points.end[l] - m_bases.points.first[l];
+        if (m_withErrors || !m_solver.isMetBy(&m_coefficients[static_cast<std::size_t>(l)], Count,
+                                              m_terms, ofThese)) {
             solveAlone(l);
         }
     }
@@ -95,25 +96,6 @@ void ShiftedPack::fit(const double* y, const double* corrections, int count) {
         m_kernels.response(m_rows.data(), m_terms, m_bases.leading, m_bases.points,
                            m_inverse.data(), m_response.data());
     }
-}
-
-/// Whether the plain solution of a spectrum is not all that is wanted of it.
-bool ShiftedPack::needsMore(int l) const {
-    if (m_withErrors || m_solver.hasSum() || m_bases.points.first[l] == m_bases.points.end[l]) {
-        return true;
-    }
-    if (!m_solver.isNonnegative()) {
-        return false;
-    }
-    if (m_bases.references > ConstrainedSolver::MostReferences) {
-        return true;
-    }
-    for (int r = m_bases.leading; r < m_terms; ++r) {
-        if (m_coefficients[static_cast<std::size_t>(r * Count + l)] < 0.0) {
-            return true;
-        }
-    }
-    return false;
 }
 
 void ShiftedPack::solveAlone(int l) {

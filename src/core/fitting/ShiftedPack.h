@@ -38,7 +38,6 @@ class ShiftedPack {
   private:
     void findPoints();
     void solveAlone(int l);
-    bool needsMore(int l) const;
 
     const std::vector<double>& m_energies;
     const lanes::BasisKernels& m_kernels;
@@ -54,8 +53,9 @@ class ShiftedPack {
     double m_corrections[lanes::Count] = {};
     std::vector<double> m_rows;
     std::vector<double> m_normal;  // [(r * terms + s) * Count + l]
-    std::vector<double> m_decomposed;
     std::vector<double> m_right;
+    std::vector<double> m_usedNormal;
+    std::vector<double> m_usedRight;
     std::vector<double> m_coefficients;
     std::vector<double> m_inverse;
     std::vector<double> m_response;

@@ -14,7 +14,8 @@
 /// - `Terms`: how many; `FewestPoints`: spectra of fewer points get no curve,
 /// - at(): two numbers of an energy (eV) that its functions are made of,
 /// - functions(): its functions, in the order of the coefficients,
-/// - value(): the curve, for one number or for several side by side (Real),
+/// - value(): the curve, for one number or for several side by side (Real) at one energy or at as
+///   many (At),
 /// - isSettled(): whether so few points lie in the range that the least-squares system is not
 /// asked;
 ///   then it sets the coefficients. right[k] is the sum of function k times value,
@@ -37,9 +38,8 @@ struct Simple {
         f[0] = at.x;
         f[1] = 1.0;
     }
-    template <typename Real>
-    [[gnu::always_inline]] static void value(const Real* c, const double& x, const double&,
-                                             Real& y) {
+    template <typename Real, typename At>
+    [[gnu::always_inline]] static void value(const Real* c, const At& x, const At&, Real& y) {
         y = c[1] + c[0] * x;
     }
     /// One point gives its value, none gives 0.
@@ -68,9 +68,8 @@ struct Victreen {
         f[1] = at.z;
         f[2] = at.z * at.x;
     }
-    template <typename Real>
-    [[gnu::always_inline]] static void value(const Real* c, const double& x, const double& z,
-                                             Real& y) {
+    template <typename Real, typename At>
+    [[gnu::always_inline]] static void value(const Real* c, const At& x, const At& z, Real& y) {
         y = c[0] + (c[2] * x + c[1]) * z;
     }
     static bool isSettled(int, const double*, double*) { return false; }

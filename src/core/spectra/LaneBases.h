@@ -49,9 +49,8 @@ struct BasisKernels {
     void (*normal)(const double* rows, int terms, const Range& points, const double* y,
                    double* normal, double* right);
 
-    /// Solves the equations of every spectrum as LuDecomposition does; the matrix is used up.
-    /// right[r * Count + l] becomes the solution.
-    void (*solve)(int terms, double* normal, double* right);
+    /// Solves the equations of every spectrum as LuDecomposition does; both sides are used up.
+    void (*solve)(int terms, double* normal, double* right, double* solution);
 
     /// The rows of Fits::response from those of the basis, with `inverse` laid out as `normal`: a
     /// number for each reference, then, with leading functions, their sum.

@@ -234,9 +234,9 @@ void normalEquations(const double* rows, int terms, const Range& points, const d
     }
 }
 
-/// As decomposeInPlace() and substitute().
+/// As decomposeInPlace(), b in the order of the rows then.
 template <int Known>
-[[gnu::always_inline]] inline void solveOf(int terms, double* a, double* b) {
+[[gnu::always_inline]] inline void decomposeOf(int terms, double* a, double* b) {
     const int n = Known > 0 ? Known : terms;
     for (int k = 0; k < n; ++k) {
         exchangeRows(n, k, a, b);
@@ -252,32 +252,19 @@ template <int Known>
             }
         }
     }
-    for (int i = 0; i < n; ++i) {
-        Real z = load(b + i * Count);
-        for (int j = 0; j < i; ++j) {
-            z -= load(a + (i * n + j) * Count) * load(b + j * Count);
-        }
-        store(b + i * Count, z);
-    }
-    for (int i = n - 1; i >= 0; --i) {
-        Real c = load(b + i * Count);
-        for (int j = i + 1; j < n; ++j) {
-            c -= load(a + (i * n + j) * Count) * load(b + j * Count);
-        }
-        store(b + i * Count, c / load(a + (i * n + i) * Count));
-    }
 }
 
-void solveEquations(int terms, double* normal, double* right) {
+void solveEquations(int terms, double* normal, double* right, double* solution) {
     for (int l = 0; l < Count; l += Width) {
         if (terms == 2) {
-            solveOf<2>(terms, normal + l, right + l);
+            decomposeOf<2>(terms, normal + l, right + l);
         } else if (terms == 3) {
-            solveOf<3>(terms, normal + l, right + l);
+            decomposeOf<3>(terms, normal + l, right + l);
         } else {
-            solveOf<0>(terms, normal + l, right + l);
+            decomposeOf<0>(terms, normal + l, right + l);
         }
     }
+    substituteOwn(normal, terms, right, solution);
 }
 
 void responseRows(const double* rows, int terms, int leading, const Range& range,

@@ -307,5 +307,89 @@ void projections(const double* y, const double* f, int stride, int count, double
     }
 }
 
-constexpr Kernels All = {fromCounts,       muT,        risingEdge, rangeSums, middle,
-                         doubleNormalised, projections};
+/// The curve's value in a bracket, interpolated.
+template <typename Kind>
+[[gnu::always_inline]] inline void interpolated(const Bracket& bracket, const Curve& curve, int l,
+                                                Real& y) {
+    Real c[Kind::Terms], ends[2];
+    loadCurve<Kind::Terms>(curve, l, c);
+    for (int side = 0; side < 2; ++side) {
+        Kind::value(c, load(bracket.x[side] + l), load(bracket.z[side] + l), ends[side]);
+    }
+    const Real e = load(bracket.e[0] + l);
+    y = ends[0] + (load(bracket.at + l) - e) * (ends[1] - ends[0]) / (load(bracket.e[1] + l) - e);
+}
+
+template <typename... Kinds>
+[[gnu::always_inline]] inline void jumpOfKind(const std::tuple<Kinds...>*, int kind,
+                                              const Bracket& bracket, const Curve& pre,
+                                              const Curve& post, double* jump) {
+    for (int l = 0; l < Count; l += Width) {
+        Real above = {}, below = {};
+        int i = 0;
+        ((i++ == kind ? (interpolated<Kinds>(bracket, post, l, above),
+                         interpolated<Kinds>(bracket, pre, l, below))
+                      : void()),
+         ...);
+        store(jump + l, above - below);
+    }
+}
+
+void jump(int kind, const Bracket& bracket, const Curve& pre, const Curve& post, double* jump) {
+    jumpOfKind(AllKinds, kind, bracket, pre, post, jump);
+}
+
+/// Element (i, k) of the matrices of the spectra from l on.
+template <bool Own>
+[[gnu::always_inline]] inline void element(const double* lu, int place, int l, Real& value) {
+    if constexpr (Own) {
+        value = load(lu + place * Count + l);
+    } else {
+        value = lu[place] - Real{};
+    }
+}
+
+template <int Known, bool Own>
+[[gnu::always_inline]] inline void substituteOf(const double* lu, const int* row, int terms,
+                                                const double* b, double* x) {
+    const int n = Known > 0 ? Known : terms;
+    for (int l = 0; l < Count; l += Width) {
+        Real factor;
+        for (int i = 0; i < n; ++i) {
+            Real z = load(b + (Own ? i : row[i]) * Count + l);
+            for (int k = 0; k < i; ++k) {
+                element<Own>(lu, i * n + k, l, factor);
+                z -= factor * load(x + k * Count + l);
+            }
+            store(x + i * Count + l, z);
+        }
+        for (int i = n - 1; i >= 0; --i) {
+            Real c = load(x + i * Count + l);
+            for (int k = i + 1; k < n; ++k) {
+                element<Own>(lu, i * n + k, l, factor);
+                c -= factor * load(x + k * Count + l);
+            }
+            element<Own>(lu, i * n + i, l, factor);
+            store(x + i * Count + l, c / factor);
+        }
+    }
+}
+
+template <bool Own>
+void substituteAny(const double* lu, const int* row, int n, const double* b, double* x) {
+    if (n == 2) {
+        substituteOf<2, Own>(lu, row, n, b, x);
+    } else if (n == 3) {
+        substituteOf<3, Own>(lu, row, n, b, x);
+    } else {
+        substituteOf<0, Own>(lu, row, n, b, x);
+    }
+}
+
+void substituteOwn(const double* lu, int n, const double* b, double* x) {
+    substituteAny<true>(lu, nullptr, n, b, x);
+}
+
+constexpr Kernels All = {
+    fromCounts,       muT,         risingEdge,           rangeSums,    middle, jump,
+    doubleNormalised, projections, substituteAny<false>, substituteOwn};

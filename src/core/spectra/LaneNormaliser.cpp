@@ -37,6 +37,8 @@ LaneNormaliser::LaneNormaliser(const std::vector<double>& energies, const Normal
       m_preparedAt(energies.size() + 1) {
     background::visit(m_kind, [this](auto kind) { tabulate<decltype(kind)>(); });
     m_abscissae = {m_kind, m_x.data(), m_z.data()};
+    std::fill(std::begin(m_ofPre.of), std::end(m_ofPre.of), -1);
+    std::fill(std::begin(m_ofPost.of), std::end(m_ofPost.of), -1);
 }
 
 template <typename Kind>
@@ -88,40 +90,55 @@ int LaneNormaliser::prepared(int first, int end) {
     return index;
 }
 
-void LaneNormaliser::solve(const Prepared& prepared, const double* sums, int l,
+void LaneNormaliser::solve(const double* sums, const Decomposed& decomposed,
                            lanes::Curve* curve) const {
-    double right[background::MaxTerms] = {};
-    double c[background::MaxTerms] = {};
+    double right[background::MaxTerms * Count];
     for (int k = 0; k < m_terms; ++k) {
-        right[k] = sums[k * Count + l];
+        for (int l = 0; l < Count; ++l) {
+            right[k * Count + l] = sums[decomposed.row[k][l] * Count + l];
+        }
     }
-    bool isSettled = false;
+    m_kernels.substituteOwn(decomposed.lu, m_terms, right, curve->c[0]);
     background::visit(m_kind, [&](auto kind) {
-        isSettled = decltype(kind)::isSettled(prepared.points, right, c);
+        for (int l = 0; l < Count; ++l) {
+            double own[background::MaxTerms] = {};
+            double c[background::MaxTerms] = {};
+            for (int k = 0; k < m_terms; ++k) {
+                own[k] = sums[k * Count + l];
+            }
+            const int points = m_prepared[static_cast<std::size_t>(decomposed.of[l])].points;
+            if (decltype(kind)::isSettled(points, own, c)) {
+                for (int k = 0; k < m_terms; ++k) {
+                    curve->c[k][l] = c[k];
+                }
+            }
+        }
     });
-    if (!isSettled) {
-        substitute(prepared.lu, prepared.row, m_terms, right, c);
-    }
-    for (int k = 0; k < m_terms; ++k) {
-        curve->c[k][l] = c[k];
-    }
 }
 
 void LaneNormaliser::fit(const double* mu, const double* edges, double start, double end,
-                         lanes::Curve* curve, lanes::Range* fitted) {
+                         lanes::Curve* curve, lanes::Range* fitted, Decomposed* decomposed) {
     lanes::Range& range = *fitted;
-    int of[Count];
     for (int l = 0; l < Count; ++l) {
         range.first[l] = lowerBound(edges[l] + start, l > 0 ? range.first[l - 1] : 0);
         range.end[l] = lowerBound(edges[l] + end, l > 0 ? range.end[l - 1] : 0);
         range.end[l] = std::max(range.first[l], range.end[l]);
-        of[l] = prepared(range.first[l], range.end[l]);
+        const int of = prepared(range.first[l], range.end[l]);
+        if (of == decomposed->of[l]) {
+            continue;
+        }
+        decomposed->of[l] = of;
+        const Prepared& made = m_prepared[static_cast<std::size_t>(of)];
+        for (int k = 0; k < m_terms; ++k) {
+            decomposed->row[k][l] = made.row[k];
+        }
+        for (int k = 0; k < m_terms * m_terms; ++k) {
+            decomposed->lu[k * Count + l] = made.lu[k];
+        }
     }
     double sums[background::MaxTerms * Count];
     m_kernels.rangeSums(mu, m_kind, m_functions.data(), range, sums);
-    for (int l = 0; l < Count; ++l) {
-        solve(m_prepared[static_cast<std::size_t>(of[l])], sums, l, curve);
-    }
+    solve(sums, *decomposed, curve);
 }
 
 void LaneNormaliser::findEdges(const double* mu, int count, const double* corrections,
@@ -156,17 +173,28 @@ void LaneNormaliser::findMiddle(const double* mu, const double* edges) {
     m_kernels.middle(mu, m_energies.data(), m_abscissae, m_pre, m_post, range, m_midE);
 }
 
+void LaneNormaliser::findJumps() {
+    lanes::Bracket bracket;
+    for (int l = 0; l < Count; ++l) {
+        const auto pair = static_cast<std::size_t>(pairAround(m_midE[l]));
+        bracket.at[l] = m_midE[l];
+        for (std::size_t side = 0; side < 2; ++side) {
+            bracket.e[side][l] = m_energies[pair + side];
+            bracket.x[side][l] = m_x[pair + side];
+            bracket.z[side][l] = m_z[pair + side];
+        }
+    }
+    m_kernels.jump(m_kind, bracket, m_pre, m_post, m_dMut);
+}
+
 void LaneNormaliser::normalise(const double* mu, int count, const double* corrections) {
     double edges[Count];
     findEdges(mu, count, corrections, edges);
-    fit(mu, edges, m_rule.ranges.preStart, m_rule.ranges.preEnd, &m_pre, &m_preRange);
-    fit(mu, edges, m_rule.ranges.postStart, m_rule.ranges.postEnd, &m_post, &m_postRange);
+    fit(mu, edges, m_rule.ranges.preStart, m_rule.ranges.preEnd, &m_pre, &m_preRange, &m_ofPre);
+    fit(mu, edges, m_rule.ranges.postStart, m_rule.ranges.postEnd, &m_post, &m_postRange,
+        &m_ofPost);
     findMiddle(mu, edges);
-    for (int l = 0; l < Count; ++l) {
-        const int pair = pairAround(m_midE[l]);
-        m_dMut[l] =
-            interpolatedAt(m_post, m_midE[l], pair, l) - interpolatedAt(m_pre, m_midE[l], pair, l);
-    }
+    findJumps();
     m_withoutJump = 0;
     m_withoutLines = 0;
     for (int l = 0; l < count; ++l) {
@@ -177,8 +205,10 @@ void LaneNormaliser::normalise(const double* mu, int count, const double* correc
 
 int LaneNormaliser::pairAround(double e) const {
     const double* const energies = m_energies.data();
-    return ::pairAround(static_cast<int>(m_energies.size()), e,
-                        [energies](int i) { return energies[i]; });
+    m_nearPair = ::pairAround(
+        static_cast<int>(m_energies.size()), e, [energies](int i) { return energies[i]; },
+        m_nearPair);
+    return m_nearPair;
 }
 
 double LaneNormaliser::curveAt(const lanes::Curve& curve, int i, int l) const {

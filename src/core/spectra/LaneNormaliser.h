@@ -53,14 +53,22 @@ class LaneNormaliser {
         int row[background::MaxTerms] = {};
     };
 
+    /// The decomposed matrices of a curve's spectra side by side.
+    struct Decomposed {
+        int of[lanes::Count];  // which of m_prepared, -1: none yet
+        double lu[background::MaxTerms * background::MaxTerms * lanes::Count];
+        int row[background::MaxTerms][lanes::Count];
+    };
+
     void findEdges(const double* mu, int count, const double* corrections, double* edges) const;
     void findMiddle(const double* mu, const double* edges);
+    void findJumps();
     void fit(const double* mu, const double* edges, double start, double end, lanes::Curve* curve,
-             lanes::Range* fitted);
+             lanes::Range* fitted, Decomposed* decomposed);
     int prepared(int first, int end);
     template <typename Kind>
     void tabulate();
-    void solve(const Prepared& prepared, const double* sums, int l, lanes::Curve* curve) const;
+    void solve(const double* sums, const Decomposed& decomposed, lanes::Curve* curve) const;
     int lowerBound(double e, int hint) const;
     int pairAround(double e) const;
     double curveAt(const lanes::Curve& curve, int i, int l) const;
@@ -78,6 +86,9 @@ class LaneNormaliser {
 
     std::vector<Prepared> m_prepared;
     std::vector<std::vector<int>> m_preparedAt;  // [first][end]: index of m_prepared, -1 for none
+    Decomposed m_ofPre;
+    Decomposed m_ofPost;
+    mutable int m_nearPair = 0;  // that was found last
 
     lanes::Curve m_pre = {};
     lanes::Curve m_post = {};

@@ -36,6 +36,15 @@ struct Range {
     int end[Count];
 };
 
+/// Two neighbouring energies for every spectrum, with their abscissae, and one that is between them
+/// or beyond.
+struct Bracket {
+    double at[Count];    ///< eV
+    double e[2][Count];  ///< eV, not alike
+    double x[2][Count];
+    double z[2][Count];
+};
+
 /// Where mu-t of a row of bins comes from at one energy: one number a bin.
 struct Sums {
     const double* i1;      ///< box sums of the I1 frame
@@ -68,6 +77,10 @@ struct Kernels {
     void (*middle)(const double* mu, const double* e, const Abscissae& at, const Curve& pre,
                    const Curve& post, const Range& range, double* midE);
 
+    /// Post-edge less pre-edge curve of each spectrum, both interpolated in its bracket.
+    void (*jump)(int kind, const Bracket& bracket, const Curve& pre, const Curve& post,
+                 double* jump);
+
     /// y[p] = (mu - pre) / (post - pre) at points[p]; span[p] = post - pre, unless it is null.
     void (*doubleNormalised)(const double* mu, const Abscissae& at, const Curve& pre,
                              const Curve& post, const int* points, int count, double* y,
@@ -75,6 +88,13 @@ struct Kernels {
 
     /// sums[r * Count + l] = sum of f[p * stride + r] y[p] over the points, in their order.
     void (*projections)(const double* y, const double* f, int stride, int count, double* sums);
+
+    /// The solutions x[k * Count + l] of n equations that are decomposed, one matrix for all
+    /// spectra; see substitute(). Must not overlap b.
+    void (*substitute)(const double* lu, const int* row, int n, const double* b, double* x);
+    /// The same with a matrix for each spectrum, lu[(i * n + k) * Count + l], and b in the order of
+    /// its rows.
+    void (*substituteOwn)(const double* lu, int n, const double* b, double* x);
 };
 
 const Kernels& kernels(Units units);

@@ -17,6 +17,9 @@ class LuDecomposition {
     void solve(const double* b, double* x) const;
 
     int size() const { return m_n; }
+    /// As substitute() takes them.
+    const double* lu() const { return m_lu.data(); }
+    const int* row() const { return m_row.data(); }
 
   private:
     int m_n = 0;
