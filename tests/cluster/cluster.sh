@@ -4,7 +4,7 @@
 
 daemons=()
 
-free_ports() {  # COUNT neighbouring ones that nothing listens on
+free_ports() {  # the first of two neighbours that nothing listens on
     local port=$((20000 + RANDOM % 20000)) used
     used=$(cat /proc/net/tcp /proc/net/tcp6 2> /dev/null)
     while grep -q "$(printf ':%04X\|:%04X' "$port" $((port + 1)))" <<< "$used"; do
