@@ -90,7 +90,7 @@ make_part() {  # STAGE TASK
 close_run() {
     want_parts "$stages" 0
     choose_scan 0
-    run_batch
+    run_batch && : > "$run/closing.done"
 }
 
 close_scan() {  # TASK
@@ -134,7 +134,7 @@ join_scans() {
         fi
     done
     echo "${#scans[@]} scans, $failed failed: $summary"
-    [ "$failed" -eq 0 ]
+    [ "$failed" -eq 0 ] && : > "$run/summary.done"
 }
 
 case $1 in
