@@ -106,21 +106,23 @@ quoted_cell() {
     esac
 }
 
-# One table of all; a scan that came to no row of its own has one here.
+# One table of all, with the columns of the widest; a scan that came to no row has one here.
 join_tables() {
-    local task table header='' commas
+    local task table line commas header=scan,outcome
     for table in "$run"/scan-*.csv; do
-        [ -s "$table" ] && IFS= read -r header < "$table" && break
+        [ -s "$table" ] && IFS= read -r line < "$table" || continue
+        [ ${#line} -le ${#header} ] || header=$line
     done
-    printf '%s\n' "${header:=scan,outcome}"
-    commas=${header//[!,]/}
+    printf '%s\n' "$header"
     for ((task = 1; task <= ${#scans[@]}; ++task)); do
         table=$run/scan-$task.csv
         if [ -s "$table" ]; then
-            tail -n +2 "$table"
+            { IFS= read -r line && commas=${line//[!,]/} && IFS= read -r line; } < "$table"
         else
-            printf '%s,failed%s\n' "$(quoted_cell "${scans[task - 1]}")" "${commas:1}"
+            line=$(quoted_cell "${scans[task - 1]}"),failed commas=,
         fi
+        line+=${header//[!,]/}
+        printf '%s\n' "${line:0:${#line}-${#commas}}"
     done
 }
 
