@@ -43,6 +43,7 @@ const QHash<QString, Rooms>& table() {
         {"translations", {}},
         {"tarnwick", core + Rooms{"window"}},
         {"tarnwick-batch", core},
+        {"tarnwick-slurm", {}},
     };
     return rows;
 }

@@ -77,6 +77,19 @@ class TestWindow : public QObject {
         end(&process, SIGTERM);
     }
 
+    /// Without a display, which the window would need.
+    void tellsOfItself() {
+        for (const auto& [option, text] :
+             {std::pair("--help", "guide/README.md\n"), std::pair("--version", "tarnwick 0.")}) {
+            QProcess process;
+            start(&process, {"-platform", "none", option});
+            QVERIFY(process.waitForFinished(60000));
+            m_output = process.readAll();
+            QVERIFY2(m_output.contains(text), m_output.constData());
+            QCOMPARE(process.exitCode(), 0);
+        }
+    }
+
     void endsAtAnyMoment_data() {
         columns<QByteArray, int>("moment", "number");
         QTest::newRow("loading") << QByteArray("energy from file name") << SIGTERM;

@@ -55,7 +55,7 @@ class TestStartup : public QObject {
         QTest::newRow("-j -e") << QStringList{"-j", "-e"} << "" << false << false;
         QTest::newRow("file named like an option")
             << QStringList{"-b", "-x", "-e"} << "-x" << false << true;
-        QTest::newRow("unknown") << QStringList{"--help", "-B"} << "" << true << false;
+        QTest::newRow("unknown") << QStringList{"--what", "-B"} << "" << true << false;
     }
 
     void commandLine() {

@@ -11,14 +11,14 @@
 
 namespace {
 
-/// Where the module is, seen from the folder of the program: installed, and in the folders of a
-/// build.
-constexpr const char* Folders[] = {TARNWICK_MODULES, "../modules", "../../modules"};
-
+/// Where the module is, seen from the folder of the program: installed, in a folder with the name
+/// of the program, and in a build.
 void* openModule() {
-    const QString own = QFileInfo(QStringLiteral("/proc/self/exe")).canonicalPath();
-    for (const char* folder : Folders) {
-        const QString path = QDir::cleanPath(own + QLatin1Char('/') + QLatin1String(folder)) +
+    const QFileInfo program(QFileInfo(QStringLiteral("/proc/self/exe")).canonicalFilePath());
+    for (const QString& folder :
+         {QStringLiteral(TARNWICK_LIBRARIES "/%1/modules").arg(program.fileName()),
+          QStringLiteral("../modules"), QStringLiteral("../../modules")}) {
+        const QString path = QDir::cleanPath(program.path() + QLatin1Char('/') + folder) +
                              QStringLiteral("/tarnwick_hdf5.so");
         if (QFileInfo::exists(path)) {
             return dlopen(QFile::encodeName(path).constData(), RTLD_NOW | RTLD_LOCAL);

@@ -1,5 +1,19 @@
 #include "window/CommandLine.h"
 
+const char* const CommandLineHelp =
+    "Usage: tarnwick [-b FILE] [options]\n"
+    "Opens the main window. Unknown options are ignored.\n"
+    "\n"
+    "Options:\n"
+    "  -b <FILE>      Put the batch file into the batch window. Must come first.\n"
+    "  -x             Run the batch window's text at once.\n"
+    "  -e             English interface.\n"
+    "  -j             Japanese interface (the default).\n"
+    "  -dbg           Set the debug flag.\n"
+    "  -h, --help     Show this text.\n"
+    "  -v, --version  Show the version.\n"
+    "\n";
+
 CommandLine readCommandLine(int argc, const char* const* argv) {
     CommandLine result;
     for (int i = 1; i < argc; ++i) {
@@ -16,6 +30,10 @@ CommandLine readCommandLine(int argc, const char* const* argv) {
             result.execute = true;
         } else if (argument == QLatin1String("-dbg")) {
             result.debug = true;
+        } else if (argument == QLatin1String("-h") || argument == QLatin1String("--help")) {
+            result.help = true;
+        } else if (argument == QLatin1String("-v") || argument == QLatin1String("--version")) {
+            result.version = true;
         }
     }
     return result;

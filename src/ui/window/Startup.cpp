@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QFontDatabase>
 #include <QIcon>
+#include <QTextStream>
 #include <QTranslator>
 
 #include "base/CleanEnd.h"
@@ -10,13 +11,34 @@
 #include "panels/BatchCtrl.h"
 #include "window/Body.h"
 #include "window/CommandLine.h"
+#include "window/GuideWindow.h"
 #include "window/Layout.h"
 #include "window/Remembered.h"
 #include "window/Translation.h"
 #include "window/WhatWasDone.h"
 
+namespace {
+
+/// Answers on standard output, without a display.
+int tell(bool help, int argc, char** argv) {
+    const QCoreApplication app(argc, argv);  // knows where the guide is
+    QTextStream out(stdout);
+    if (help) {
+        out << CommandLineHelp << "User guide: " << GuideWindow::firstPage() << '\n';
+    } else {
+        out << "tarnwick " TARNWICK_VERSION "\n";
+    }
+    return 0;
+}
+
+}  // namespace
+
 int runTarnwick(int argc, char** argv) {
     initGlobals();
+    const CommandLine asked = readCommandLine(argc, argv);
+    if (asked.help || asked.version) {
+        return tell(asked.help, argc, argv);
+    }
     QApplication app(argc, argv);
     QIcon icon(QStringLiteral(":/tarnwick-48.png"));
     icon.addFile(QStringLiteral(":/tarnwick-128.png"));
