@@ -1,7 +1,7 @@
 #include "frames/PlainCounts.h"
 
 #include <fcntl.h>
-#include <tiffio.h>
+#include <QtEndian>
 
 #include <algorithm>
 #include <cerrno>
@@ -66,7 +66,7 @@ QString PlainCounts::read(quint32 first, quint32 rows, quint16* to) {
         return textOf(m_name, error == 0 ? EINVAL : error);
     }
     if (m_strips.isSwapped) {
-        TIFFSwabArrayOfShort(to, place - to);
+        std::transform(to, place, to, [](quint16 count) { return qbswap(count); });
     }
     return QString();
 }

@@ -40,7 +40,7 @@ Outcome judgeAreaSpectrum(const Measurement& measurement) {
 AreaSpectrum areaSpectrumOf(Measurement& measurement) {
     const AbsorptionSource& source = measurement.source();
     AreaSpectrum area;
-    area.problem = measurement.dark().problem();
+    area.problem = measurement.darkProblem();
     if (!area.problem.isEmpty()) {
         return area;
     }
@@ -55,7 +55,7 @@ AreaSpectrum areaSpectrumOf(Measurement& measurement) {
     for (RasterPass::Row row = pass.take(); row.values != nullptr; row = pass.take()) {
         saturated.take(row, raster, measurement.imageSize(), measurement.stack(StackId::I1).size());
     }
-    area.problem = pass.problem();
+    area.problem = measurement.ofLoad(pass.problem());
     if (!pass.failed()) {
         area.aboutCounts =
             saturated.warnings(measurement.stack(StackId::I1), measurement.stack(StackId::I0));

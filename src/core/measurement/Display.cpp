@@ -91,7 +91,7 @@ QImage shownPicture(Measurement& measurement, QString* problem) {
     }
     if (TiffData* frame = shownFrame(measurement)) {
         const FrameCounts counts(frame);
-        tell(counts.problem(), problem);
+        tell(measurement.ofLoad(counts.problem()), problem);
         return pictureOf(counts, measurement.settings());
     }
     const Result* result = measurement.shownResult();
@@ -125,7 +125,7 @@ BarPicture frameWithBar(Measurement& measurement, TiffData* shown, QString* prob
     }
     BarPicture parts;
     const FrameCounts counts(shown);
-    tell(counts.problem(), problem);
+    tell(measurement.ofLoad(counts.problem()), problem);
     const TiffData& frame = counts.frame();
     const ViewRange& range = measurement.settings().viewRange;
     parts.picture = pictureOf(counts, measurement.settings());
@@ -236,7 +236,7 @@ QPair<double, double> percentilesOf(Measurement& measurement, TiffData* frame, Q
                                 : qMakePair(0.0, 0.0);
     }
     const FrameCounts counts(frame);
-    *problem = counts.problem();
+    *problem = measurement.ofLoad(counts.problem());
     return countPercentiles(counts.frame(), 0.01);
 }
 

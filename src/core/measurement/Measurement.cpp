@@ -261,12 +261,12 @@ Spectrum Measurement::spectrumAt(int x, int y) {
     m_sampleProblem.clear();
     try {
         const AbsorptionSource& frames = source();
-        m_sampleProblem = m_dark.problem();
+        m_sampleProblem = darkProblem();
         return m_sampleProblem.isEmpty()
                    ? frames.spectrumAt(x, y, m_settings.halfWidth, m_settings.halfHeight)
                    : Spectrum();
     } catch (const UnreadCounts& unread) {
-        m_sampleProblem = unread.problem;
+        m_sampleProblem = ofLoad(unread.problem);
         return {};
     }
 }

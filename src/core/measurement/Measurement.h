@@ -177,6 +177,10 @@ class Measurement : public QObject {
     /// What the frame on display shows in place of its counts; null for counts and, with
     /// Wait::Blink, before the first one is made. See FrameImages.
     const FrameImage* frameImage(Wait wait);
+    /// What could not be read, which begins with the file's name, with the load that it is of.
+    QString ofLoad(const QString& problem) const;
+    /// Why the dark frames have no mean, where counts could not be read.
+    QString darkProblem() const;
     /// Why frameImage() gave none, with the file's name, where counts could not be read.
     QString frameProblem() const;
     FrameImages& frameImages() { return m_frameImages; }

@@ -102,8 +102,8 @@ Outcome Measurement::judgeStart(Work work) {
         return outcome;
     }
     outcome += judgeBefore(work, source().energies(), m_references, m_settings);
-    if (!m_dark.problem().isEmpty()) {
-        outcome.failures << tr("dark: %1").arg(m_dark.problem());
+    if (!darkProblem().isEmpty()) {
+        outcome.failures << darkProblem();
     }
     if (work == Work::Calibrate) {
         outcome += judgeStandard(standard(), m_i1.files());
@@ -299,7 +299,7 @@ void Measurement::passEnded(RasterPass::Failure failure) {
     const std::unique_ptr<AreaAnalysis> analysis = std::move(m_analysis);
     Run& run = *analysis->run();
     if (failure != RasterPass::Failure::None) {
-        broken = Outcome::failure(failure == RasterPass::Failure::Read ? m_job.problem()
+        broken = Outcome::failure(failure == RasterPass::Failure::Read ? ofLoad(m_job.problem())
                                   : failure == RasterPass::Failure::NoThread
                                       ? tr("the system gives no thread")
                                       : tr("memory ran out"));

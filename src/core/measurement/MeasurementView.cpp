@@ -53,10 +53,26 @@ QPair<double, double> Measurement::differenceEnergies() const {
     return {view.from, view.to.value_or(frame != nullptr ? frame->energy : view.from)};
 }
 
+QString Measurement::ofLoad(const QString& problem) const {
+    for (const Stack* stack : {&m_i1, &m_i0}) {
+        for (int i = 0; i < stack->size() && !problem.isEmpty(); ++i) {
+            if (problem.startsWith(stack->frames().at(i)->fileName + QLatin1Char(':'))) {
+                return QStringLiteral("%1: %2").arg(stack->name(), problem);
+            }
+        }
+    }
+    return problem;
+}
+
+QString Measurement::darkProblem() const {
+    const QString& problem = m_dark.problem();
+    return problem.isEmpty() ? problem : tr("dark: %1").arg(problem);
+}
+
 QString Measurement::frameProblem() const {
     return frameKind() == FrameView::Kind::Counts ? QString()
-           : m_dark.problem().isEmpty()           ? m_frameImages.problem()
-                                                  : m_dark.problem();
+           : darkProblem().isEmpty()              ? ofLoad(m_frameImages.problem())
+                                                  : darkProblem();
 }
 
 Outcome Measurement::judge(const FrameView& view) {
