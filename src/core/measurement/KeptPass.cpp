@@ -1,5 +1,7 @@
 #include "measurement/KeptPass.h"
 
+#include <QCoreApplication>
+#include <new>
 #include <utility>
 
 #include "absorption/AbsorptionSource.h"
@@ -85,10 +87,16 @@ void KeptPass::keep(const RasterPass::Row& row) {
     if (!m_rows.store || !m_rows.store->writingFault().isEmpty()) {
         return;
     }
-    if (!m_made) {
-        m_made.emplace(m_rows.store->form(m_rows.store->cut().partOf(row.row)));
+    try {
+        if (!m_made) {
+            m_made.emplace(m_rows.store->form(m_rows.store->cut().partOf(row.row)));
+        }
+        m_made->add(row, m_rows.toKeep ? m_rows.toKeep(row) : row.values);
+    } catch (const std::bad_alloc&) {
+        m_made.reset();
+        m_rows.store->giveUp(QCoreApplication::translate("Measurement", "memory ran out"));
+        return;
     }
-    m_made->add(row, m_rows.toKeep ? m_rows.toKeep(row) : row.values);
     if (m_made->isFull()) {
         m_rows.store->write(std::move(*m_made));
         m_made.reset();

@@ -156,6 +156,7 @@ Outcome Measurement::start(Work work) {
         return room;
     }
     m_aboutParts = {};
+    m_parts.reset();
     Run& run = *m_analysis->run();
     run.warnings = judged.warnings;
     if (run.inputs.e0.kind == EdgeChoice::Kind::Mean && hasCommonE0(run.inputs, work)) {

@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFile>
 #include <QHash>
+#include <algorithm>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -131,7 +133,12 @@ std::optional<Part> PartStore::read(int part) {
         return std::nullopt;
     }
     Part::Fault fault = Part::Fault::None;
-    std::optional<Part> found = Part::read(fileOf(part), form(part), &fault);
+    std::optional<Part> found;
+    try {
+        found = Part::read(fileOf(part), form(part), &fault);
+    } catch (const std::bad_alloc&) {
+        return std::nullopt;
+    }
     m_taken += found ? 1 : 0;
     if (fault == Part::Fault::Damaged) {
         m_damaged.insert(part);
@@ -139,13 +146,29 @@ std::optional<Part> PartStore::read(int part) {
     return found;
 }
 
+void PartStore::giveUp(const QString& why) {
+    if (m_fault->why.isEmpty()) {
+        m_fault->why = why;
+    }
+}
+
+quint64 PartStore::bytesInMemory() const {
+    int rows = 0;
+    for (int part = 0; part < m_cut.parts(); ++part) {
+        rows = std::max(rows, m_cut.end(part) - m_cut.first(part));
+    }
+    const Part::Form any = form(0);
+    return 2 * static_cast<quint64>(rows) * any.valuesPerRow() * sizeof(double);
+}
+
 void PartStore::write(Part part) {
     finishWriting();
+    ++m_made;
     if (!m_fault->why.isEmpty()) {
         return;
     }
     if (!QDir().mkpath(m_place.folder)) {
-        m_fault->why = qt_error_string();
+        giveUp(qt_error_string());
         return;
     }
     const int number = m_cut.partOf(part.form().rows.first);
@@ -156,14 +179,13 @@ void PartStore::write(Part part) {
     try {
         m_writing = std::async(std::launch::async, work);
     } catch (const std::system_error&) {
-        m_fault->why = work();  // no thread to be had
+        giveUp(work());  // no thread to be had
     }
 }
 
 void PartStore::finishWriting() {
     if (m_writing.valid()) {
-        const QString why = m_writing.get();
-        m_fault->why = m_fault->why.isEmpty() ? why : m_fault->why;
+        giveUp(m_writing.get());
     }
 }
 

@@ -46,14 +46,21 @@ class PartStore {
     /// From now on the parts in the folder are those of the inputs as they are.
     void begin();
 
-    /// A part that is there. Nothing for one that is missing, or damaged, which is noted.
+    /// A part that is there. Nothing for one that is missing, or damaged, which is noted, and
+    /// where there is no memory for it.
     std::optional<Part> read(int part);
     /// Keeps a part, in the background; before, it waits for the last one. When that fails, nothing
     /// more is written.
     void write(Part part);
     void finishWriting();
+    /// Nothing more is written.
+    void giveUp(const QString& why);
 
     int taken() const { return m_taken; }
+    int made() const { return m_made; }  ///< and given to write()
+    /// What a pass whose rows are kept has in memory at most: a part in the making, one that is
+    /// being written.
+    quint64 bytesInMemory() const;
     /// Why parts could not be written; empty: they could.
     const QString& writingFault() const { return m_fault->why; }
     /// What there is to say at the end: how many parts were taken, which were damaged, that they
@@ -73,5 +80,6 @@ class PartStore {
     QString m_changed;
     QSet<int> m_damaged;
     int m_taken = 0;
+    int m_made = 0;
     std::future<QString> m_writing;
 };
