@@ -9,6 +9,7 @@
 #include "files/PictureFile.h"
 #include "tarnwick-batch/BatchSession.h"
 #include "tarnwick-batch/Console.h"
+#include "tarnwick-batch/Progress.h"
 #include "tarnwick-batch/SavedOrigin.h"
 
 namespace {
@@ -66,7 +67,7 @@ class TestSession : public QObject {
         for (const bool isStrict : {false, true}) {
             m_out.buffer().clear();
             m_out.seek(0);
-            BatchSession session(&console, text, [] { return -1; }, {isStrict, false, nullptr});
+            BatchSession session(&console, text, {isStrict, false, nullptr});
             QSignalSpy finished(&session, &BatchSession::finished);
             for (QString item : commands) {
                 const Outcome outcome = item.startsWith('!')   ? Outcome::failure("why")
@@ -92,25 +93,45 @@ class TestSession : public QObject {
     void barOnlyOnATerminal() {
         {
             Console file(&m_out, &m_err, false, false);
-            BatchSession session(&file, BatchText(), [] { return -1; }, {});
-            session.progress(Work::LoadI1, 1, 2);
-            session.progress(Work::Fit, 50.0, 100.0);
+            Progress progress(&file, 60.0);
+            progress.begin({{}, BatchText(), [] { return -1; }, {}});
+            progress.work(Work::LoadI1, 1, 2);
+            progress.work(Work::Fit, 50.0, 100.0);
             QCOMPARE(m_err.data() + m_out.data(), QByteArray());
         }
         Console console(&m_out, &m_err, false, true);
-        BatchSession session(&console, BatchText(), [] { return -1; }, {});
-        session.progress(Work::LoadI0, 0, 0);  // nothing to show
+        Progress progress(&console, 0.01);
+        const BatchText text = BatchText::fromLines({"", "fit \\", " 1", "x"});
+        progress.begin({{}, BatchText(), [] { return -1; }, {}});
+        progress.work(Work::LoadI0, 0, 0);  // nothing to show
         QCOMPARE(m_err.data(), QByteArray());
-        session.progress(Work::LoadI0, 45, 90);
-        session.progress(Work::LoadI0, 45, 90);  // unchanged: not drawn again
+        progress.work(Work::LoadI0, 45, 90);
+        progress.work(Work::LoadI0, 45, 90);  // unchanged: not drawn again
         QCOMPARE(m_err.data(), QByteArray("I0 [###############...............] 45/90"));
-        session.progress(Work::Fit, std::numeric_limits<double>::quiet_NaN(), 100.0);
-        QVERIFY(m_err.data().endsWith("\r\033[KAnalysis [..............................] 0 %"));
-        session.progress(Work::Calibrate, 1e300, 1e300);
-        QVERIFY(m_err.data().endsWith("\r\033[KAnalysis [##############################] 100 %"));
+        progress.work(Work::Fit, std::numeric_limits<double>::quiet_NaN(), 100.0);
+        QVERIFY(m_err.data().endsWith("\r\033[Kfit [..............................] 0 %"));
+        progress.work(Work::Calibrate, 1e300, 1e300);
+        QVERIFY(
+            m_err.data().endsWith("\r\033[Kcalibration [##############################] 100 %"));
         console.note("debug");
         QVERIFY(m_err.data().endsWith("100 %\r\033[Kdebug\n"));
-        QCOMPARE(m_out.data(), QByteArray());
+        int columns = 90;
+        console.setColumns([&columns] { return columns; });
+        progress.begin({"folder 2 of 3", text, [] { return 1; }, [] { return qMakePair(5, 10); }});
+        progress.work(Work::LoadDark, 3, 12);
+        QVERIFY(m_err.data().endsWith(
+            "folder 2 of 3, line 2 (fit): dark frames [#######.......................] 3/12"));
+        for (columns = 60; columns > 25; columns -= 7) {
+            progress.work(Work::Deglitch, 50.0, 100.0 + columns);
+            const QByteArray bar = m_err.data().mid(m_err.data().lastIndexOf("\033[K") + 3);
+            QVERIFY2(bar.size() < columns && bar.endsWith("%, row 5 of 10"), bar.constData());
+        }
+        progress.end();
+        const int before = m_err.data().size();
+        progress.work(Work::Fit, 1.0, 100.0);
+        QCOMPARE(m_err.data().size(), before);
+        QTest::qWait(50);
+        QCOMPARE(m_out.data(), QByteArray());  // no lines where there is a bar
     }
 
     void barAndLogOnOneTerminal() {

@@ -1,10 +1,12 @@
 #include "batch/ArgumentCheck.h"
 
+#include <QFileInfo>
 #include <algorithm>
 #include <cmath>
 
 #include "batch/BatchTexts.h"
 #include "batch/CommandTables.h"
+#include "batch/NamedTexts.h"
 #include "measurement/SettingWords.h"
 #include "measurement/Settings.h"
 #include "spectra/Units.h"
@@ -111,6 +113,13 @@ QString refusal(ArgKind kind, const QString& text) {
     return QString();
 }
 
+/// The same, of any text: a %NAME% that nobody has replaced is no name of a file, but of one that
+/// is there.
+QString refusalOfLeftOver(const QString& text) {
+    const QString name = leftOverName(text);
+    return name.isEmpty() || QFileInfo::exists(text) ? QString() : aboutLeftOver(name);
+}
+
 }  // namespace
 
 Outcome judgeArguments(const CommandRow& row, const QStringList& args) {
@@ -120,9 +129,11 @@ Outcome judgeArguments(const CommandRow& row, const QStringList& args) {
     if (count < row.required) {
         outcome.failures << Batch::tr("too few arguments: %1").arg(commandSyntax(row));
     }
-    for (int i = 0; i < std::min(count, kinds); ++i) {
-        const ArgKind kind = row.args[static_cast<std::size_t>(i)];
-        const QString why = refusal(kind, args.at(i));
+    for (int i = 0; i < (row.repeats ? count : std::min(count, kinds)); ++i) {
+        // Those that are repeated behind the last kind are looked at by who takes them.
+        const ArgKind kind = i < kinds ? row.args[static_cast<std::size_t>(i)] : ArgKind::Text;
+        const QString leftOver = refusalOfLeftOver(args.at(i));
+        const QString why = leftOver.isEmpty() ? refusal(kind, args.at(i)) : leftOver;
         if (!why.isEmpty()) {
             outcome.failures << why;
         }

@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QSet>
 #include <algorithm>
+#include <limits>
 
 #include "batch/BatchRunner.h"
 #include "batch/BatchText.h"
@@ -53,11 +54,12 @@ class Findings {
 };
 
 /// Carries a batch out in a rehearsal.
-void rehearse(const BatchText& text, const QString& file, Findings* findings, qint64 effort) {
-    Measurement measurement;
+void rehearse(Measurement& measurement, const BatchText& text, const QString& file,
+              Findings* findings, qint64 effort, int start) {
     measurement.rehearse();
     measurement.setBatchFile(file);
     BatchRunner runner(measurement);
+    runner.leaveOutSavesBefore(start);
     BatchDispatcher* dispatcher = runner.dispatcher();
     QEventLoop loop;
     QObject::connect(
@@ -124,10 +126,28 @@ void checkLoops(const BatchText& text, Findings* findings) {
 
 }  // namespace
 
-QVector<Finding> checkBatch(const QStringList& lines, const QString& file, qint64 effort) {
+QVector<Finding> checkBatch(const QStringList& lines, const QString& file, qint64 effort,
+                            int start) {
     const BatchText text = BatchText::fromLines(lines);
     Findings findings;
     checkLoops(text, &findings);
-    rehearse(text, file, &findings, effort);
+    Measurement measurement;
+    rehearse(measurement, text, file, &findings, effort, start);
     return std::move(findings).sorted();
+}
+
+BatchPlan planOf(const QStringList& lines, const QString& file) {
+    const BatchText text = BatchText::fromLines(lines);
+    Findings findings;
+    Measurement measurement;
+    rehearse(measurement, text, file, &findings, std::numeric_limits<qint64>::max(), 0);
+    BatchPlan plan;
+    plan.passes = measurement.rehearsal()->passes();
+    plan.readBack = measurement.rehearsal()->readBack();
+    plan.errors = std::move(findings).sorted();
+    plan.errors.erase(
+        std::remove_if(plan.errors.begin(), plan.errors.end(),
+                       [](const Finding& each) { return each.kind != Finding::Kind::Error; }),
+        plan.errors.end());
+    return plan;
 }

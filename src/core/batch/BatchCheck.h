@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -27,5 +28,19 @@ constexpr qint64 DefaultCheckEffort = 100000;
 /// counts and time can tell. Loops are followed value by value; the effort bounds the work,
 /// whatever the batch holds. Sorted by line. Needs an application object.
 /// @param file of the batch, which no line may replace; empty for none
+/// @param start index in BatchText before which lines that save are left out
 QVector<Finding> checkBatch(const QStringList& lines, const QString& file = QString(),
-                            qint64 effort = DefaultCheckEffort);
+                            qint64 effort = DefaultCheckEffort, int start = 0);
+
+/// What a batch will do, as far as can be told before.
+struct BatchPlan {
+    /// Passes over the bins of an area that its lines make, loops run: each analysis is one, and
+    /// the search for the mean E0 with which one begins is another.
+    qint64 passes = 0;
+    /// The files that a line writes and a later one reads, by identity (see FilePlaces.h).
+    QSet<QString> readBack;
+    QVector<Finding> errors;
+};
+
+/// By a rehearsal of all rounds of all loops, see checkBatch().
+BatchPlan planOf(const QStringList& lines, const QString& file = QString());

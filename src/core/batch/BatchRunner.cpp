@@ -72,6 +72,10 @@ void BatchRunner::run(const CmdLine& cmd) {
         answer(cmd, outcome);
         return;
     }
+    if (row->saves() && cmd.line < m_start) {
+        answer(cmd, Outcome::note(Batch::tr("left out: the batch is taken up further down")));
+        return;
+    }
     Outcome outcome = std::exchange(m_aboutRecord, {});
     outcome += cmd.problems;
     outcome += judgeArguments(*row, cmd.args);
@@ -109,6 +113,9 @@ void BatchRunner::forgetFailed(Work work, const Outcome& outcome) {
 
 void BatchRunner::answer(const CmdLine& cmd, const Outcome& outcome) {
     emit commandDone(cmd, outcome);
+    if (outcome.endsBatch) {
+        stop();
+    }
     emit finishBatchExec();
 }
 

@@ -21,6 +21,10 @@ class BatchRunner : public QObject {
 
     BatchDispatcher* dispatcher() { return &m_dispatcher; }
 
+    /// From now on lines that save and end before this index are left out: a batch is taken up
+    /// again, and what they wrote is there.
+    void leaveOutSavesBefore(int index) { m_start = index; }
+
   public slots:
     /// Starts a batch; one that runs is overtaken.
     void start(const QStringList& lines);
@@ -51,6 +55,7 @@ class BatchRunner : public QObject {
     BatchDispatcher m_dispatcher;
     BatchPacing m_pacing;
     WindowSettings m_window;
+    int m_start = 0;
     bool m_running = false;                // a row is being carried out
     std::optional<Outcome> m_endedWith;    // the work of the row, before it was through
     Outcome m_outcome;                     // of the row whose work is awaited

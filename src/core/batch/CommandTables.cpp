@@ -70,6 +70,10 @@ int commandId(const QString& name) {
     return tables().commands.value(name.toUpper(), NoCommand);
 }
 
+bool CommandRow::saves() const {
+    return savesBeside || std::find(args.begin(), args.end(), ArgKind::OutFile) != args.end();
+}
+
 QString CommandRow::fileOf(const CmdLine& cmd) const {
     const auto file = std::find_if(args.begin(), args.end(), [](ArgKind kind) {
         return kind == ArgKind::InFile || kind == ArgKind::OutFile;

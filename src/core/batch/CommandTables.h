@@ -66,7 +66,10 @@ struct CommandRow {
     Work work;     ///< the line is answered when this has ended; None: at once
     Run run;
     bool drawsLetters = false;  ///< needs a QGuiApplication
+    bool savesBeside = false;   ///< writes files that no argument names
 
+    /// Writes files.
+    bool saves() const;
     /// The file that a line of this command reads or writes; empty for none or several.
     QString fileOf(const CmdLine& cmd) const;
 };

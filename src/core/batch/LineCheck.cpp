@@ -8,6 +8,7 @@
 #include "batch/CommandTables.h"
 #include "batch/ForLoops.h"
 #include "batch/LineItems.h"
+#include "batch/NamedTexts.h"
 
 namespace {
 
@@ -49,6 +50,11 @@ class FormChecker {
     FormChecker(const BatchText& text, const Report& report) : m_text(text), m_report(report) {}
 
     void check(const QVector<CheckedLine>& lines) {
+        for (const CheckedLine& line : lines) {
+            if (line.control == ForControl) {
+                m_placeholders << line.cmd.arg(1);
+            }
+        }
         for (const CheckedLine& line : lines) {
             checkRemarks(line);
             checkContinuation(line);
@@ -117,16 +123,24 @@ class FormChecker {
                 checkNext(line);
                 break;
             case EchoControl:
-                if (line.cmd.args.size() > 1) {
-                    warn(line.number, Batch::tr("only '%1' is echoed: put the text in quotes")
-                                          .arg(line.cmd.arg(0)));
-                }
+                checkEcho(line);
                 break;
             case NoControl:
                 break;
             default:
                 warn(line.number, surplus(line.cmd.args, 0));
                 break;
+        }
+    }
+
+    void checkEcho(const CheckedLine& line) {
+        if (line.cmd.args.size() > 1) {
+            warn(line.number,
+                 Batch::tr("only '%1' is echoed: put the text in quotes").arg(line.cmd.arg(0)));
+        }
+        const QString name = leftOverName(line.cmd.arg(0));
+        if (!name.isEmpty() && !m_placeholders.contains(name)) {
+            error(line.number, aboutLeftOver(name));
         }
     }
 
@@ -181,6 +195,7 @@ class FormChecker {
     const Report& m_report;
     int m_remark = -1;  // line of the :rem_start that is open
     Open m_open;        // loops: name, line
+    QStringList m_placeholders;
 };
 
 }  // namespace

@@ -17,6 +17,9 @@ bool Verdict::take(const CmdLine& cmd, const Outcome& outcome, int line) {
     if (!counts(cmd, outcome)) {
         return false;
     }
+    if (!outcome.failed() && outcome.endsBatch) {
+        return true;  // neither
+    }
     if (!outcome.failed()) {
         ++m_done;
         m_warned += outcome.warnings.isEmpty() ? 0 : 1;

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/DebugLog.h"
+#include "files/FilePlaces.h"
 #include "files/WholeFile.h"
 #include "maps/AnalysisGrid.h"
 #include "maps/Analyzed2DRes.h"
@@ -243,9 +244,9 @@ EMPHeader readEMapHeader(QTextStream& stream) {
 EMapReading readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize,
                      Analyzed2DRes* map) {
     EMapReading reading;
-    QFile file(fileName);
+    QFile file(placeOf(fileName));
     // A pipe would be waited for, a device has no end.
-    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         debugFile("Can not open", fileName);
         reading.refusal = EMapRefusal::NoFile;
         return reading;

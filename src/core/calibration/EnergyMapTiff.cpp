@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/DebugLog.h"
+#include "files/FilePlaces.h"
 #include "files/OriginText.h"
 #include "files/WholeFile.h"
 #include "frames/TiffFile.h"
@@ -56,8 +57,8 @@ std::vector<double> shiftsIn(const FloatTiff& image, EMapReading* reading) {
 }  // namespace
 
 bool isTiffMap(const QString& fileName) {
-    QFile file(fileName);
-    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) {
+    QFile file(placeOf(fileName));
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
         return false;
     }
     const QByteArray start = file.read(2);
@@ -73,7 +74,7 @@ EMapReading readTiffMap(const QString& fileName, QSize* imageSize, Analyzed2DRes
     EMapReading reading;
     reading.ofAnyShape = true;
     FloatTiff image;
-    reading.why = readFloatTiff(fileName, &image);
+    reading.why = readFloatTiff(placeOf(fileName), &image);
     const OriginText origin = OriginText::fromText(image.description).value_or(OriginText());
     const QString source = origin.value(QStringLiteral("result"));
     if (!source.isEmpty() && source != kSource) {

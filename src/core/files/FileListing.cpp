@@ -6,6 +6,8 @@
 #include <QSet>
 #include <algorithm>
 
+#include "files/FilePlaces.h"
+
 namespace {
 
 int endOfDigits(const QString& s, int from) {
@@ -65,6 +67,12 @@ bool comesBefore(const QString& a, const QString& b) {
 QStringList listImageFiles(const QString& directory, const QStringList& patterns) {
     const QDir dir(directory);
     QStringList names = dir.entryList(patterns, QDir::Files, QDir::NoSort);
+    for (const QString& file : placedIn(directory)) {
+        const QString name = QFileInfo(file).fileName();
+        if (!names.contains(name) && (patterns.isEmpty() || QDir::match(patterns, name))) {
+            names << name;
+        }
+    }
     std::sort(names.begin(), names.end(), comesBefore);
     for (QString& name : names) {
         name = dir.filePath(name);

@@ -3,11 +3,37 @@
 #include <sys/stat.h>
 
 #include <QFile>
+#include <cstring>
+
+#include "files/Checksum.h"
+#include "files/FilePlaces.h"
+
+namespace {
+
+qint64 checksumOf(const QString& place) {
+    constexpr qint64 Piece = 1 << 20;
+    Checksum checksum;
+    QFile file(place);
+    file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    for (QByteArray bytes = file.read(Piece); !bytes.isEmpty(); bytes = file.read(Piece)) {
+        checksum.add(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    }
+    const Checksum::Value sum = checksum.value();
+    qint64 first = 0;
+    std::memcpy(&first, sum.data(), sizeof first);
+    return first;
+}
+
+}  // namespace
 
 FileStamp fileStamp(const QString& fileName) {
+    const QString place = placeOf(fileName);
     struct stat found {};
-    if (::stat(QFile::encodeName(fileName).constData(), &found) != 0) {
+    if (::stat(QFile::encodeName(place).constData(), &found) != 0) {
         return {};
+    }
+    if (isPlaced(fileName)) {
+        return {found.st_size, checksumOf(place)};
     }
     constexpr qint64 Second = 1000000000;  // ns
     return {found.st_size, qint64(found.st_mtim.tv_sec) * Second + found.st_mtim.tv_nsec};

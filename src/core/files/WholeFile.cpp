@@ -12,6 +12,7 @@
 #include <cstdio>
 
 #include "base/DebugLog.h"
+#include "files/FilePlaces.h"
 
 namespace {
 
@@ -120,6 +121,7 @@ Target targetAt(const QString& fileName) {
 bool openBeside(QSaveFile& file, QIODevice::OpenMode openMode) {
     // QSaveFile itself would put the file in the place of a device or a pipe.
     mode_t mode = 0;
+    file.setFileName(placeOf(file.fileName()));
     const QByteArray path = behindLinks(QFile::encodeName(file.fileName()));
     return whatStandsAt(path, &mode) != Old::Taken && file.open(openMode);
 }

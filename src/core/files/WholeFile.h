@@ -39,7 +39,7 @@ class WholeFile {
 enum class Target { Fine, NoFolder, FolderNotWritable, Taken };
 Target targetAt(const QString& fileName);
 
-/// Opens such a file for writing where it is written through Qt.
+/// Opens such a file for writing where it is written through Qt, at its placeOf().
 bool openBeside(QSaveFile& file, QIODevice::OpenMode mode = QIODevice::WriteOnly);
 
 /// Puts the new file in the place of the old one, with the debug line, unless any of it could not

@@ -18,7 +18,8 @@ DarkData::~DarkData() {
     m_thread.wait();
 }
 
-void DarkData::readHeadersOnly() {
+void DarkData::readHeadersOnly(const Describe& describe) {
+    m_describe = describe;
     m_reader.readHeadersOnly();
 }
 
@@ -109,6 +110,9 @@ const DarkFrame* DarkData::mean() {
 
 void DarkData::loadNext() {
     if (const auto request = m_loader.next()) {
+        if (m_describe) {
+            m_describe(request->fileName, request->frame);
+        }
         emit load(request->fileName, request->frame);
     } else if (!m_loader.isLoading()) {
         changeMean();

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QThread>
+#include <functional>
 
 #include "frames/DarkFrame.h"
 #include "frames/LoadTiff.h"
@@ -19,8 +20,10 @@ class DarkData : public QObject {
     /// Waits for the frame that is being read.
     ~DarkData() override;
 
+    /// Tells of a frame what its file cannot, or nothing.
+    using Describe = std::function<void(const QString& fileName, TiffData* frame)>;
     /// Frames come by their headers alone and have no mean.
-    void readHeadersOnly();
+    void readHeadersOnly(const Describe& describe);
     /// Counts are read when the mean is asked for.
     void readCountsWhenNeeded();
     /// Size of the images; -1 while there are none.
@@ -68,6 +71,7 @@ class DarkData : public QObject {
     StackLoader m_loader;
     QThread m_thread;
     LoadTiff m_reader;
+    Describe m_describe;
     int m_imageWidth = -1;
     int m_imageHeight = -1;
     QVector<StackLoader::Refused> m_refused;

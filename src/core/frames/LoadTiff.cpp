@@ -1,5 +1,6 @@
 #include "frames/LoadTiff.h"
 
+#include "files/FilePlaces.h"
 #include "frames/CountFile.h"
 #include "frames/FileState.h"
 #include "frames/FrameHeader.h"
@@ -23,9 +24,12 @@ void LoadTiff::loadHeader(const QString& fname, TiffData* data) const {
 void LoadTiff::loadTiff(const QString& fname, TiffData* data) {
     if (m_headersOnly || m_countsWhenNeeded) {
         loadHeader(fname, data);
-    } else if (!data->load(fname) && data->refusal.isEmpty()) {
+    } else if (!data->load(placeOf(fname)) && data->refusal.isEmpty()) {
         const QString refusal = frameHeader(fname).refusal;
         data->refusal = refusal.isEmpty() ? FrameHeader::tr("cannot be read") : refusal;
+    }
+    if (!data->fileName.isEmpty()) {
+        data->fileName = fname;
     }
     emit loaded(data);
 }

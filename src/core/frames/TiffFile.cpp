@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "files/FilePlaces.h"
 #include "files/WholeFile.h"
 #include "frames/FileState.h"
 #include "frames/RowMemory.h"
@@ -152,7 +153,7 @@ bool writeStrips(TIFF* tiff, const Pixels& image) {
 
 /// Writes beside the file and then takes its place, so that a failure leaves the old one whole.
 bool writeFile(const QString& name, const Pixels& image) {
-    for (const QByteArray& path : pathsOfFile(name)) {
+    for (const QByteArray& path : pathsOfFile(placeOf(name))) {
         WholeFile file(path);
         TiffHandle tiff(file.isMade() ? TIFFOpen(file.part().constData(), "wl") : nullptr);
         if (file.isTaken()) {

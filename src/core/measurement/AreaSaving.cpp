@@ -10,6 +10,7 @@
 #include "measurement/AreaSpectrum.h"
 #include "measurement/AreaValues.h"
 #include "measurement/Display.h"
+#include "measurement/Share.h"
 #include "measurement/Writing.h"
 #include "spectra/SpectrumFile.h"
 
@@ -63,7 +64,8 @@ Outcome saveAreaSpectrum(Measurement& measurement, const QString& fileName) {
         return judged;
     }
     AreaSpectrum area;
-    if (measurement.rehearsal() != nullptr) {
+    const bool isKept = measurement.share() == nullptr || measurement.share()->keeps(fileName);
+    if (measurement.rehearsal() != nullptr || !isKept) {
         area.spectrum = XafsSpectrum(Rehearsal::spectrumOf(measurement.source().energies()),
                                      measurement.sampleRule(), 0.0);
     } else {

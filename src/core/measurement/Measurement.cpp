@@ -62,7 +62,9 @@ void Measurement::rehearse() {
     m_standard.rehearsal = rehearsal();
     m_i1.rehearse(rehearsal());
     m_i0.rehearse(rehearsal());
-    m_dark.readHeadersOnly();
+    m_dark.readHeadersOnly([this](const QString& fileName, TiffData* frame) {
+        m_rehearsal->describe(fileName, frame);
+    });
 }
 
 void Measurement::readCountsWhenNeeded() {

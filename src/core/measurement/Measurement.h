@@ -19,6 +19,8 @@
 #include "measurement/SaturatedPixels.h"
 #include "measurement/WorkFolder.h"
 
+class Share;
+
 /// A measurement: its stacks, dark frames, standard, energy-shift map, references, results and all
 /// settings. It loads, calibrates, fits and deglitches on all cores, stoppable, and knows what each
 /// result was made from; Display.h and Saving.h show and save it. Windows are views of it and send
@@ -52,6 +54,9 @@ class Measurement : public QObject {
     /// what works on counts reads them. To be called before anything is loaded.
     void readCountsWhenNeeded();
     Rehearsal* rehearsal() const { return m_rehearsal.get(); }  ///< null: in earnest
+    /// From now on only a share of the batch is made, which is not owned; see Share.h.
+    void setShare(Share* share) { m_share = share; }
+    Share* share() const { return m_share; }  ///< null: all of it
 
     // Settings
     const Settings& settings() const { return m_settings; }
@@ -126,6 +131,8 @@ class Measurement : public QObject {
         return m_analysis ? m_analysis->run()->work : m_mapWork ? Work::Deglitch : Work::None;
     }
     bool isAtWork(Work work) const;
+    /// Rows of bins of the pass that runs: done, of how many. 0 of 0 without one.
+    QPair<int, int> rowsDone() const;
     Inputs inputs() const;  ///< what a run would work on that begins now
     Difference differenceOf(const Result& result) const;
     std::vector<Result*> results() const;  ///< that hold values; the map first
@@ -264,8 +271,10 @@ class Measurement : public QObject {
     void passEnded(RasterPass::Failure failure);
     std::shared_ptr<PartStore> partsOf(bool isMeanSearch, const BinRaster& raster, int columns,
                                        int valuesPerBin);
-    KeptRows keptRows(const BinRaster& raster);
-    KeptRows keptSums(const BinRaster& raster, int energies);
+    KeptRows keptRows(BinRaster* raster);
+    KeptRows keptSums(BinRaster* raster, int energies);
+    void shareOut(KeptRows* rows, BinRaster* raster);
+    void shareEnded();
     void takeRow(const KeptPass::Row& taken, const BinRaster& raster);
     void partsEnded();
 
@@ -282,6 +291,7 @@ class Measurement : public QObject {
     };
 
     std::unique_ptr<Rehearsal> m_rehearsal;
+    Share* m_share = nullptr;
     Settings m_settings;
     Stack m_i1{StackId::I1};
     Stack m_i0{StackId::I0};
@@ -325,6 +335,11 @@ class Measurement : public QObject {
     std::shared_ptr<WorkFolder> m_workFolder;
     std::shared_ptr<PartStore> m_parts;  // of the pass that runs
     Outcome m_aboutParts;                // of the run
+    struct SharedPass {
+        int toMake = 0;  // parts
+        bool ownsAny = false;
+    };
+    std::optional<SharedPass> m_sharedPass;  // that runs: no results come of it
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(Measurement::Changes)

@@ -58,6 +58,7 @@ void Measurement::beginMean() {
     const AbsorptionSource& frames = source();
     Run& run = *m_analysis->run();
     if (m_rehearsal) {
+        m_rehearsal->passOver();
         MeanSpectrum mean;
         mean.spectrum = Rehearsal::spectrumOf(frames.energies());
         run.mean = std::make_shared<const MeanSpectrum>(mean);
@@ -65,12 +66,12 @@ void Measurement::beginMean() {
         beginPass();
         return;
     }
-    const BinRaster raster = m_analysis->grid().raster();
+    BinRaster raster = m_analysis->grid().raster();
     m_search = MeanSearch{std::make_shared<RowSums>(), shiftsOf(m_map->image)};
-    m_job.start(frames, raster, 1,
-                meanEvaluators(std::max(1, m_threads), raster, frames.energyCount(),
-                               m_search->shiftAt, m_search->sums),
-                keptSums(raster, frames.energyCount()));
+    const auto evaluators = meanEvaluators(std::max(1, m_threads), raster, frames.energyCount(),
+                                           m_search->shiftAt, m_search->sums);
+    const KeptRows kept = keptSums(&raster, frames.energyCount());
+    m_job.start(frames, raster, 1, evaluators, kept);
 }
 
 /// Goes on with the pass that the mean spectrum was sought for; failed: there is no E0 to go by.

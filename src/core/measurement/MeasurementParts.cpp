@@ -1,7 +1,10 @@
 // Analyses whose rows are kept in a work folder.
 
+#include <utility>
+
 #include "absorption/AbsorptionSource.h"
 #include "measurement/Measurement.h"
+#include "measurement/Share.h"
 
 namespace {
 
@@ -76,15 +79,18 @@ std::shared_ptr<PartStore> Measurement::partsOf(bool isMeanSearch, const BinRast
     return m_parts;
 }
 
-KeptRows Measurement::keptRows(const BinRaster& raster) {
+/// Of a pass over a raster, which is left without rows where a share has nothing to make.
+KeptRows Measurement::keptRows(BinRaster* raster) {
     KeptRows rows;
-    rows.store = partsOf(false, raster, raster.columns, m_analysis->valuesPerBin());
+    rows.store = partsOf(false, *raster, raster->columns, m_analysis->valuesPerBin());
+    shareOut(&rows, raster);
     return rows;
 }
 
-KeptRows Measurement::keptSums(const BinRaster& raster, int energies) {
+KeptRows Measurement::keptSums(BinRaster* raster, int energies) {
     KeptRows rows;
-    rows.store = partsOf(true, raster, 1, energies + 2);
+    rows.store = partsOf(true, *raster, 1, energies + 2);
+    shareOut(&rows, raster);
     rows.toKeep = [sums = m_search->sums, energies,
                    values = std::vector<double>()](const RasterPass::Row& row) mutable {
         values = valuesOf(sums->rows[static_cast<std::size_t>(row.row)],
@@ -94,8 +100,56 @@ KeptRows Measurement::keptSums(const BinRaster& raster, int energies) {
     return rows;
 }
 
+/// Unless all parts are there, a share makes its own and no more.
+void Measurement::shareOut(KeptRows* rows, BinRaster* raster) {
+    m_sharedPass.reset();
+    if (m_share == nullptr || m_rehearsal) {
+        return;
+    }
+    PartStore* const store = rows->store.get();
+    if (store == nullptr) {  // which has been said
+        m_aboutParts.failures += std::exchange(m_aboutParts.warnings, {});
+    } else if (!store->changedInput().isEmpty()) {
+        m_aboutParts.failures << tr("changed since other parts of this were made: %1")
+                                     .arg(store->changedInput());
+    } else if (store->isComplete()) {
+        return;
+    }
+    m_sharedPass = SharedPass();
+    if (!m_aboutParts.failed()) {
+        const Share::Parts own = m_share->partsOf(store->cut().parts());
+        m_sharedPass->ownsAny = !own.isEmpty();
+        for (int part = own.first; part < own.end; ++part) {
+            const bool isThere = store->has(part) && store->read(part);
+            m_sharedPass->toMake += isThere ? 0 : 1;
+        }
+        rows->onlyMakes = [own](int part) { return part >= own.first && part < own.end; };
+    }
+    if (m_sharedPass->toMake == 0) {
+        raster->rows = 0;
+    }
+}
+
+/// The batch ends with a pass of which only parts have been made.
+void Measurement::shareEnded() {
+    const SharedPass pass = *std::exchange(m_sharedPass, std::nullopt);
+    Outcome outcome = std::exchange(m_aboutParts, {});
+    if (outcome.failed()) {
+        m_share->endFailed();
+    } else {
+        m_share->endPass(pass.toMake, pass.ownsAny);
+    }
+    outcome.endsBatch = true;
+    const std::unique_ptr<AreaAnalysis> analysis = std::move(m_analysis);
+    endAsStopped(analysis);
+    emit ended(analysis->run()->work, outcome);
+}
+
 void Measurement::takeRow(const KeptPass::Row& taken, const BinRaster& raster) {
     const RasterPass::Row& row = taken.row;
+    if (m_sharedPass) {
+        return;  // it is kept, no more
+    }
     if (!m_search) {
         m_saturated.take(row, raster, m_size, m_i1.size());
         m_analysis->run()->tally += row.tally;
@@ -111,6 +165,9 @@ void Measurement::takeRow(const KeptPass::Row& taken, const BinRaster& raster) {
 void Measurement::partsEnded() {
     if (m_parts) {
         m_aboutParts += m_parts->told();
+        if (m_sharedPass && !m_parts->writingFault().isEmpty()) {
+            m_aboutParts.failures += std::exchange(m_aboutParts.warnings, {});
+        }
         m_parts.reset();
     }
 }

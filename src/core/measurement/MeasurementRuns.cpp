@@ -15,6 +15,7 @@
 #include "measurement/FrameJudgement.h"
 #include "measurement/Measurement.h"
 #include "measurement/Revision.h"
+#include "measurement/Share.h"
 
 AnalysisGrid Measurement::grid() const {
     return AnalysisGrid::ofArea(m_size.width(), m_size.height(), m_settings.halfWidth,
@@ -228,6 +229,7 @@ void Measurement::beginPass() {
     m_analysis->begin();
     BinRaster raster = m_analysis->grid().raster();
     if (m_rehearsal) {
+        m_rehearsal->passOver();
         standIn();
         raster.rows = 0;
     }
@@ -235,8 +237,9 @@ void Measurement::beginPass() {
     m_saturated.begin();
     m_promised.change(bytesToFill());
     giveBackFreeMemory();
+    const KeptRows kept = keptRows(&raster);
     m_job.start(frames, raster, m_analysis->valuesPerBin(),
-                m_analysis->evaluators(std::max(1, m_threads), frames), keptRows(raster));
+                m_analysis->evaluators(std::max(1, m_threads), frames), kept);
 }
 
 /// Values in the place of those that a rehearsal does not work out.
@@ -274,6 +277,11 @@ void Measurement::rowsTaken() {
     emit progressed(working(), percentDone(percentOfPass()), 100.0);
 }
 
+QPair<int, int> Measurement::rowsDone() const {
+    return m_analysis ? QPair<int, int>(m_job.rowsTaken(), m_analysis->grid().raster().rows)
+                      : QPair<int, int>();
+}
+
 double Measurement::percentOfPass() const {
     AnalysisGrid at = m_analysis->grid();
     at.y = at.raster().y(m_job.rowsTaken() - 1);
@@ -290,6 +298,10 @@ void Measurement::notePercent() {
 void Measurement::passEnded(RasterPass::Failure failure) {
     Outcome broken;
     partsEnded();
+    if (m_sharedPass && failure == RasterPass::Failure::None) {
+        shareEnded();
+        return;
+    }
     if (m_search && failure == RasterPass::Failure::None) {
         broken = takeMean();
         if (!broken.failed()) {
@@ -309,6 +321,10 @@ void Measurement::passEnded(RasterPass::Failure failure) {
     outcome += broken.failed() ? broken : judgeAfter(run);
     if (failure == RasterPass::Failure::None && !m_search) {
         outcome.warnings += m_saturated.warnings(m_i1, m_i0);
+    }
+    if (std::exchange(m_sharedPass, std::nullopt)) {
+        m_share->endFailed();
+        outcome.endsBatch = true;
     }
     if (outcome.failed()) {
         if (!broken.failed()) {

@@ -10,10 +10,13 @@ struct [[nodiscard]] Outcome {
     QStringList notes;     ///< of what went well, such as "Saved fraction.tif"
     QStringList files;     ///< that were written, by the names given
     bool stopped = false;  ///< on purpose, before its end: what was done till then is kept
+    /// The batch ends here: what it is run for has been done, or what is to come would be
+    /// worthless. Without a failure its work has not been done as a whole, either.
+    bool endsBatch = false;
 
-    static Outcome failure(const QString& text) { return {{text}, {}, {}, {}, false}; }
-    static Outcome warning(const QString& text) { return {{}, {text}, {}, {}, false}; }
-    static Outcome note(const QString& text) { return {{}, {}, {text}, {}, false}; }
+    static Outcome failure(const QString& text) { return {{text}, {}, {}, {}, false, false}; }
+    static Outcome warning(const QString& text) { return {{}, {text}, {}, {}, false, false}; }
+    static Outcome note(const QString& text) { return {{}, {}, {text}, {}, false, false}; }
 
     bool failed() const { return !failures.isEmpty(); }
     /// What somebody should look at, failures first.
@@ -25,6 +28,7 @@ struct [[nodiscard]] Outcome {
         notes += other.notes;
         files += other.files;
         stopped = stopped || other.stopped;
+        endsBatch = endsBatch || other.endsBatch;
         return *this;
     }
 };

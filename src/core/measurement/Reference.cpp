@@ -6,15 +6,16 @@
 #include <QFileInfo>
 #include <algorithm>
 
+#include "files/FilePlaces.h"
 #include "measurement/Revision.h"
 #include "spectra/UsableRows.h"
 
 namespace {
 
 QByteArray digestOf(const QString& fileName) {
-    QFile file(fileName);
+    QFile file(placeOf(fileName));
     QCryptographicHash hash(QCryptographicHash::Sha256);
-    const bool isFile = QFileInfo(fileName).isFile();  // devices and pipes have no end
+    const bool isFile = QFileInfo(file).isFile();  // devices and pipes have no end
     return isFile && file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result().toHex()
                                                                            : QByteArray();
 }

@@ -6,39 +6,40 @@
 #include <algorithm>
 
 #include "files/FileListing.h"
+#include "files/FilePlaces.h"
 #include "frames/FrameHeader.h"
 #include "frames/TiffData.h"
 #include "maps/Analyzed2DRes.h"
 
-namespace {
-
-QString absolute(const QString& fileName) {
-    return QDir::cleanPath(QFileInfo(fileName).absoluteFilePath());
-}
-
-}  // namespace
-
 void Rehearsal::write(const QString& fileName, const Written& file) {
-    m_written.insert(absolute(fileName), file);
+    m_written.insert(identityOf(fileName), file);
 }
 
 const Rehearsal::Written* Rehearsal::find(const QString& fileName) const {
     if (m_written.isEmpty()) {
         return nullptr;
     }
-    const auto found = m_written.constFind(absolute(fileName));
-    return found == m_written.constEnd() ? nullptr : &*found;
+    const auto found = m_written.constFind(identityOf(fileName));
+    if (found == m_written.constEnd()) {
+        return nullptr;
+    }
+    m_readBack.insert(found.key());
+    return &*found;
 }
 
 QStringList Rehearsal::list(const QString& folder, const QStringList& patterns) const {
     QStringList files = listImageFiles(folder, patterns);
     const QDir dir(folder);
-    const QString path = absolute(folder);
+    const QString path = identityOf(folder);
     for (auto it = m_written.begin(); it != m_written.end(); ++it) {
         const QFileInfo info(it.key());
         const QString name = dir.filePath(info.fileName());
-        if (info.path() == path && !files.contains(name) &&
-            (patterns.isEmpty() || QDir::match(patterns, info.fileName()))) {
+        if (info.path() != path ||
+            !(patterns.isEmpty() || QDir::match(patterns, info.fileName()))) {
+            continue;
+        }
+        m_readBack.insert(it.key());
+        if (!files.contains(name)) {
             files << name;
         }
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QSet>
 #include <QSize>
 #include <QStringList>
 #include <vector>
@@ -41,6 +42,14 @@ class Rehearsal {
     /// in their middle. Without points for none.
     static Spectrum spectrumOf(const std::vector<double>& energies);
 
+    /// A pass over the bins of an area would have been made here.
+    void passOver() { ++m_passes; }
+    qint64 passes() const { return m_passes; }
+    /// The identities (see FilePlaces.h) of the files that would be there and were asked for.
+    const QSet<QString>& readBack() const { return m_readBack; }
+
   private:
-    QHash<QString, Written> m_written;  // by absolute path
+    QHash<QString, Written> m_written;  // by identity
+    mutable QSet<QString> m_readBack;
+    qint64 m_passes = 0;
 };

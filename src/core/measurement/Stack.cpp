@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "files/FilePlaces.h"
 #include "frames/EnergyFromName.h"
 #include "measurement/FrameJudgement.h"
 #include "measurement/Rehearsal.h"
@@ -99,7 +100,7 @@ void Stack::read(const QStringList& files) {
 QStringList Stack::withEnergies(const QStringList& files) {
     // Of a file that is not there the reader says more.
     const auto isThere = [this](const QString& file) {
-        return QFileInfo::exists(file) ||
+        return QFileInfo::exists(placeOf(file)) ||
                (m_rehearsal != nullptr && m_rehearsal->find(file) != nullptr);
     };
     const auto isNamed = [this](const QString& file) { return hasEnergy(file, m_loadNames); };

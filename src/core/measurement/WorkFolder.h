@@ -4,6 +4,7 @@
 #include <QString>
 #include <memory>
 
+#include "files/FilePlaces.h"
 #include "measurement/Outcome.h"
 #include "measurement/PartStore.h"
 #include "measurement/WorkKey.h"
@@ -23,10 +24,15 @@ class WorkFolder {
     std::shared_ptr<PartStore> parts(const WorkKey& key, const PartCut& cut, int columns,
                                      int valuesPerBin);
 
+    /// The run with this folder has written a file itself: what it holds tells which it is, for
+    /// another run of the batch will write it at another time.
+    void wrote(const QString& fileName) { m_written.put(fileName, fileName); }
+
   private:
     Outcome judgeFormat() const;
 
     QString m_path;
     QHash<QByteArray, int> m_asked;  // by job, how often
+    FilePlaces m_written;
     std::shared_ptr<WritingFault> m_fault = std::make_shared<WritingFault>();
 };

@@ -7,7 +7,9 @@
 #include <QFileInfo>
 #include <algorithm>
 
+#include "files/FilePlaces.h"
 #include "files/WholeFile.h"
+#include "measurement/Share.h"
 
 namespace {
 
@@ -16,7 +18,7 @@ class Writing {
 };
 
 bool lookUp(const QString& name, struct stat* found) {
-    return stat(QFile::encodeName(name).constData(), found) == 0;
+    return stat(QFile::encodeName(placeOf(name)).constData(), found) == 0;
 }
 
 /// Every file that the measurement as it stands was read from.
@@ -37,15 +39,24 @@ QStringList filesRead(const Inputs& inputs) {
     return names;
 }
 
+/// Of files that a rehearsal would have written there are only the names.
+bool isNamedAsOneOf(const QString& fileName, const QStringList& names) {
+    const QString last = QFileInfo(fileName).fileName();
+    return std::any_of(names.begin(), names.end(), [&](const QString& name) {
+        return name.endsWith(last) && identityOf(name) == identityOf(fileName);
+    });
+}
+
 /// By what they are, not by their names: links lead to the same file.
 bool isOneOf(const QString& fileName, const QStringList& names) {
     struct stat target {};
-    return lookUp(fileName, &target) &&
-           std::any_of(names.begin(), names.end(), [&target](const QString& name) {
-               struct stat other {};
-               return !name.isEmpty() && lookUp(name, &other) && other.st_dev == target.st_dev &&
-                      other.st_ino == target.st_ino;
-           });
+    return !lookUp(fileName, &target)
+               ? isNamedAsOneOf(fileName, names)
+               : std::any_of(names.begin(), names.end(), [&target](const QString& name) {
+                     struct stat other {};
+                     return !name.isEmpty() && lookUp(name, &other) &&
+                            other.st_dev == target.st_dev && other.st_ino == target.st_ino;
+                 });
 }
 
 QString whyNot(Target target) {
@@ -62,12 +73,12 @@ QString whyNot(Target target) {
     return QString();
 }
 
-Outcome unwritable(const QString& fileName, const QString& why = QString()) {
+}  // namespace
+
+Outcome unwritable(const QString& fileName, const QString& why) {
     const QString text = Writing::tr("cannot be written: %1").arg(fileName);
     return Outcome::failure(why.isEmpty() ? text : text + QStringLiteral(" (%1)").arg(why));
 }
-
-}  // namespace
 
 Outcome judgeTarget(const Measurement& measurement, const QString& fileName,
                     const QStringList& alsoRead) {
@@ -92,8 +103,14 @@ Outcome writeFile(const Measurement& measurement, const QString& fileName,
     }
     if (Rehearsal* rehearsal = measurement.rehearsal()) {
         rehearsal->write(fileName, written);
+    } else if (Share* share = measurement.share()) {
+        if (share->keeps(fileName) && !share->keep(fileName, writer)) {
+            return unwritable(fileName);
+        }
     } else if (!writer()) {
         return unwritable(fileName);
+    } else if (measurement.workFolder()) {
+        measurement.workFolder()->wrote(fileName);
     }
     Outcome done = Outcome::note(Writing::tr("Saved %1").arg(QFileInfo(fileName).fileName()));
     done.files << fileName;

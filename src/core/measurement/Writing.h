@@ -12,10 +12,14 @@
 Outcome judgeTarget(const Measurement& measurement, const QString& fileName,
                     const QStringList& alsoRead = {});
 
+/// Says that a file is not there, or the old one still.
+Outcome unwritable(const QString& fileName, const QString& why = QString());
+
 /// Writes a file through a writer, which returns whether it succeeded and leaves an older file
 /// whole where it did not. Not called, and failed, where judgeTarget() does. Done: notes the file
 /// and says "Saved NAME". In a rehearsal the writer is not called; the file counts as written, as
-/// what `written` says.
+/// what `written` says. For a share of a batch it is kept where a later line reads it,
+/// see Share.h, else left out.
 Outcome writeFile(const Measurement& measurement, const QString& fileName,
                   const std::function<bool()>& writer, const Rehearsal::Written& written = {},
                   const QStringList& alsoRead = {});

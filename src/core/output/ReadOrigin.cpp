@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <algorithm>
 
+#include "files/FilePlaces.h"
 #include "files/Hdf5File.h"
 #include "files/PictureFile.h"
 #include "files/PictureText.h"
@@ -70,8 +71,8 @@ QString textIn(QFile& file, QString* problem) {
 }  // namespace
 
 std::optional<OriginText> readOrigin(const QString& fileName, QString* whyNot) {
-    QFile file(fileName);
-    const QFileInfo info(fileName);
+    QFile file(placeOf(fileName));
+    const QFileInfo info(file);
     QString problem;
     std::optional<OriginText> origin;
     if (!info.exists()) {

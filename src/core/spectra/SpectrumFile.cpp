@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "base/DebugLog.h"
+#include "files/FilePlaces.h"
 #include "files/WholeFile.h"
 #include "spectra/Constants.h"
 #include "spectra/XafsSpectrum.h"
@@ -28,7 +29,7 @@ bool isFirstLineOf9809(const QString& line) {
 
 bool readSpectrumFile(const QString& fileName, XafsSpectrum* spectrum) {
     spectrum->clear();
-    QFile file(fileName);
+    QFile file(placeOf(fileName));
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         debugFile("Can not open", fileName);
         spectrum->setNot9809(1);

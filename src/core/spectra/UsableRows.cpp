@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/DebugLog.h"
+#include "files/FilePlaces.h"
 #include "spectra/SpectrumFile.h"
 
 namespace {
@@ -79,9 +80,9 @@ class Taking {
     explicit Taking(const QString& fileName) : m_fileName(fileName) {}
 
     TakenSpectrum take() {
-        QFile file(m_fileName);
+        QFile file(placeOf(m_fileName));
         // A pipe would be waited for, a device has no end.
-        if (!QFileInfo(m_fileName).isFile() || !file.open(QIODevice::ReadOnly)) {
+        if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
             debugFile("Can not open", m_fileName);
             m_taken.spectrum.setValid(false);
             m_taken.whyNot = Usable::tr("cannot be read: %1").arg(m_fileName);

@@ -4,7 +4,7 @@
 #include <QJsonObject>
 #include <utility>
 
-#include "base/Globals.h"
+#include "measurement/Share.h"
 #include "tarnwick-batch/Console.h"
 #include "tarnwick-batch/RunReport.h"
 
@@ -16,12 +16,12 @@ double secondsOf(const QElapsedTimer& timer) {
 
 }  // namespace
 
-BatchSession::BatchSession(Console* console, BatchText text, std::function<int()> lineInWork,
-                           const Options& options, QObject* parent)
+BatchSession::BatchSession(Console* console, BatchText text, const Options& options,
+                           QObject* parent)
     : QObject(parent),
       m_console(console),
       m_text(std::move(text)),
-      m_lineInWork(std::move(lineInWork)),
+      m_lineInWork([] { return -1; }),
       m_options(options) {
     m_sinceStart.start();
     m_sinceLine.start();
@@ -43,9 +43,14 @@ void BatchSession::commandDone(const CmdLine& cmd, const Outcome& outcome) {
     }
     m_console->clearBar();
     const int line = m_text.lineNumber(cmd.line);
+    m_lastLine = line;
     if (m_verdict.take(cmd, outcome, line)) {
         say(line, cmd, outcome);
         report(line, cmd, outcome);
+        if (m_options.stopsOnError && m_stoppedAt == 0 && isFailure(outcome)) {
+            m_stoppedAt = line;
+            emit stopAsked();
+        }
     }
     m_sinceLine.start();
 }
@@ -69,35 +74,58 @@ void BatchSession::report(int line, const CmdLine& cmd, const Outcome& outcome) 
         return;
     }
     const char* const word = outcome.failed()             ? "failed"
+                             : outcome.endsBatch          ? "part"
                              : outcome.warnings.isEmpty() ? "done"
                                                           : "warning";
-    m_options.report->add({{"line", line},
-                           {"command", cmd.command},
-                           {"arguments", QJsonArray::fromStringList(cmd.args)},
-                           {"outcome", word},
-                           {"reasons", QJsonArray::fromStringList(outcome.texts())},
-                           {"seconds", secondsOf(m_sinceLine)},
-                           {"files", QJsonArray::fromStringList(outcome.files)},
-                           {"notes", QJsonArray::fromStringList(outcome.notes)}});
+    add({{"line", line},
+         {"command", cmd.command},
+         {"arguments", QJsonArray::fromStringList(cmd.args)},
+         {"outcome", word},
+         {"reasons", QJsonArray::fromStringList(outcome.texts())},
+         {"seconds", secondsOf(m_sinceLine)},
+         {"files", QJsonArray::fromStringList(outcome.files)},
+         {"notes", QJsonArray::fromStringList(outcome.notes)}});
 }
 
-void BatchSession::progress(Work work, double done, double of) {
-    if (m_finished || !(of > 0.0)) {
-        return;
+void BatchSession::add(QJsonObject entry) {
+    if (!m_options.folder.isEmpty()) {
+        entry.insert(QStringLiteral("folder"), m_options.folder);
     }
-    const bool isLoad = work == Work::LoadI1 || work == Work::LoadI0;
-    const int part = toClampedInt(done, 0, isLoad ? 1 << 30 : 100);
-    const QString what = work == Work::LoadI1   ? QStringLiteral("I1")
-                         : work == Work::LoadI0 ? QStringLiteral("I0")
-                                                : QStringLiteral("Analysis");
-    m_console->showBar(what, done / of,
-                       isLoad ? QStringLiteral("%1/%2").arg(part).arg(toClampedInt(of, 0, 1 << 30))
-                              : QStringLiteral("%1 %").arg(part));
+    m_options.report->add(entry);
+}
+
+bool BatchSession::isFailure(const Outcome& outcome) const {
+    return outcome.failed() || (m_options.isStrict && !outcome.warnings.isEmpty());
 }
 
 void BatchSession::end() {
     const bool isGood = m_verdict.failed() == 0 && (m_verdict.warned() == 0 || !m_options.isStrict);
-    finish(verdict(), isGood ? AllDone : SomeFailed);
+    if (m_options.share == nullptr) {
+        finish(verdict(), isGood ? AllDone : SomeFailed);
+        return;
+    }
+    const int code = m_options.share->end() == Share::End::Waits ? OthersFirst : AllDone;
+    finish(shareText() + QStringLiteral("; ") + verdict(), isGood ? code : SomeFailed);
+}
+
+/// "part 3/5 of line 12: 13 parts made".
+QString BatchSession::shareText() const {
+    const Share& share = *m_options.share;
+    const QString part = QStringLiteral("part %1/%2").arg(share.number()).arg(share.of());
+    const QString where = QStringLiteral("%1 of line %2").arg(part).arg(m_lastLine);
+    switch (share.end()) {
+        case Share::End::NothingLeft:
+            return QStringLiteral("%1: nothing left to do").arg(part);
+        case Share::End::Failed:
+            return QStringLiteral("%1: failed").arg(where);
+        case Share::End::Waits:
+            return QStringLiteral("%1: made before, others must come first").arg(where);
+        case Share::End::Made:
+            break;
+    }
+    return QStringLiteral("%1: %2 made")
+        .arg(where, share.made() == 1 ? QStringLiteral("1 part")
+                                      : QStringLiteral("%1 parts").arg(share.made()));
 }
 
 void BatchSession::interrupt(int signalNumber) {
@@ -112,18 +140,23 @@ void BatchSession::finish(const QString& closing, int exitCode) {
         return;
     }
     m_finished = true;
+    m_seconds = secondsOf(m_sinceStart);
     m_console->clearBar();
     if (m_options.report != nullptr) {
-        m_options.report->add(
-            {{"totals", QJsonObject{{"done", m_verdict.done() - m_verdict.warned()},
+        add({{"totals", QJsonObject{{"done", m_verdict.done() - m_verdict.warned()},
                                     {"warning", m_verdict.warned()},
                                     {"failed", m_verdict.failed()},
-                                    {"seconds", secondsOf(m_sinceStart)},
+                                    {"seconds", m_seconds},
                                     {"exit", exitCode}}}});
     }
-    m_console->logLine(m_options.tellsTime ? closing + QStringLiteral("; %1 s").arg(
-                                                           secondsOf(m_sinceStart), 0, 'f', 2)
-                                           : closing);
+    if (m_stoppedAt > 0) {
+        m_console->logLine(
+            QStringLiteral("note: ended at line %1; when it is mended, go on with --from %1")
+                .arg(m_stoppedAt));
+    }
+    m_console->logLine(m_options.tellsTime
+                           ? closing + QStringLiteral("; %1 s").arg(m_seconds, 0, 'f', 2)
+                           : closing);
     emit finished(exitCode);
 }
 

@@ -6,8 +6,28 @@
 #include "base/Globals.h"
 
 namespace {
-constexpr int BarCells = 30;
+
+constexpr int MostCells = 30;
+constexpr int LeastCells = 8;
+
+QString timeOfDay() {
+    return QTime::currentTime().toString(QStringLiteral("HH:mm:ss.zzz "));
 }
+
+/// At most so wide: first the bar gives way, then the beginning.
+QString barText(const QString& what, double fraction, const QString& count, int width) {
+    const QString frame = QStringLiteral(" [] ");
+    const int cells =
+        qBound(LeastCells, width - what.size() - count.size() - frame.size(), MostCells);
+    const int filled = toClampedInt(fraction * cells, 0, cells);
+    const QString bar = QStringLiteral("%1 [%2%3] %4")
+                            .arg(what, QString(filled, QLatin1Char('#')),
+                                 QString(cells - filled, QLatin1Char('.')), count);
+    const QString cut = QStringLiteral("...");
+    return bar.size() <= width ? bar : cut + bar.right(qMax(0, width - cut.size()));
+}
+
+}  // namespace
 
 Console::Console(QIODevice* out, QIODevice* err, bool outIsTerminal, bool errIsTerminal)
     : m_out(out), m_err(err), m_outIsTerminal(outIsTerminal), m_errIsTerminal(errIsTerminal) {}
@@ -20,7 +40,7 @@ void Console::log(const QString& text) {
         return;
     }
     endLogLine();
-    writeOut(QTime::currentTime().toString(QStringLiteral("HH:mm:ss.zzz ")) + text);
+    writeOut(timeOfDay() + text);
 }
 
 void Console::logLine(const QString& line) {
@@ -28,6 +48,10 @@ void Console::logLine(const QString& line) {
     eraseBar();
     endLogLine();
     writeOut(line + QLatin1Char('\n'));
+}
+
+void Console::tell(const QString& line) {
+    logLine(m_tellsTimes ? timeOfDay() + line : line);
 }
 
 void Console::endLogLine() {
@@ -48,13 +72,11 @@ void Console::note(const QString& line) {
 }
 
 void Console::showBar(const QString& what, double fraction, const QString& count) {
-    if (!m_errIsTerminal && !m_outIsTerminal) {
+    if (!showsBar()) {
         return;
     }
-    const int filled = toClampedInt(fraction * BarCells, 0, BarCells);
-    const QString bar = QStringLiteral("%1 [%2%3] %4")
-                            .arg(what, QString(filled, QLatin1Char('#')),
-                                 QString(BarCells - filled, QLatin1Char('.')), count);
+    // The last column would move the cursor into the next line.
+    const QString bar = barText(what, fraction, count, (m_columns ? m_columns() : 80) - 1);
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (bar == m_bar) {
         return;

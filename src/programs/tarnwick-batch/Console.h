@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <mutex>
 
 class QIODevice;
@@ -19,14 +20,21 @@ class Console {
     /// From now on notes begin lines of their own in the log: both streams are one file.
     void shareLines() { m_sharesLines = true; }
 
+    /// How wide the terminal is, in columns; 80 without.
+    void setColumns(const std::function<int()>& columns) { m_columns = columns; }
+
     /// Adds to the log as it stands; a text need not end a line.
     void log(const QString& text);
     /// Adds a line of its own to the log.
     void logLine(const QString& line);
+    /// The same, with the time of day where the log tells it.
+    void tell(const QString& line);
     /// Writes a line of its own to err.
     void note(const QString& line);
 
-    /// Shows how far a piece of work is, fraction 0 to 1. Nothing without a terminal.
+    /// There is a terminal for a bar.
+    bool showsBar() const { return m_outIsTerminal || m_errIsTerminal; }
+    /// Shows how far a piece of work is, fraction 0 to 1, on one line of the terminal.
     void showBar(const QString& what, double fraction, const QString& count);
     void clearBar();
 
@@ -45,5 +53,6 @@ class Console {
     bool m_sharesLines = false;
     bool m_logInLine = false;     // the log's last text did not end its line
     bool m_cursorInLine = false;  // nor has anything else on the terminal ended it
-    QString m_bar;                // as drawn
+    std::function<int()> m_columns;
+    QString m_bar;  // as drawn
 };

@@ -16,28 +16,70 @@ QString takeThreads(const QString& value, RunnerOptions* options) {
     options->threads = value.toInt(&ok);
     return ok && options->threads >= 1 && options->threads <= MostThreads
                ? QString()
-               : QStringLiteral("--threads needs a number from 1 to 1024.");
+               : QStringLiteral("it needs a number from 1 to 1024");
 }
 
 QString takeFolder(const QString& value, RunnerOptions* options) {
     options->folders << value;
-    return value.isEmpty() ? QStringLiteral("-C needs a folder.") : QString();
+    return value.isEmpty() ? QStringLiteral("it needs a folder") : QString();
 }
 
-QString takeReport(const QString& value, RunnerOptions* options) {
-    options->report = QFileInfo(value).absoluteFilePath();
-    return value.isEmpty() ? QStringLiteral("--report needs a file.") : QString();
-}
-
-QString takeWork(const QString& value, RunnerOptions* options) {
-    options->work = QFileInfo(value).absoluteFilePath();
-    return value.isEmpty() ? QStringLiteral("--work needs a folder.") : QString();
+/// A file that is written, whatever folder is entered before.
+template <QString RunnerOptions::*File>
+QString takeFile(const QString& value, RunnerOptions* options) {
+    options->*File = value.isEmpty() ? value : QFileInfo(value).absoluteFilePath();
+    return value.isEmpty() ? QStringLiteral("it needs a file") : QString();
 }
 
 QString takeMemory(const QString& value, RunnerOptions* options) {
     const std::optional<quint64> size = sizeFromText(value);
     options->memory = size.value_or(0);
-    return size ? QString() : QStringLiteral("--memory needs a size, such as 512M or 4G.");
+    return size ? QString() : QStringLiteral("it needs a size, such as 512M or 4G");
+}
+
+QString takePart(const QString& value, RunnerOptions* options) {
+    const QStringList numbers = value.split(QLatin1Char('/'));
+    bool isPart = false;
+    bool isOf = false;
+    options->part = numbers.value(0).toInt(&isPart);
+    options->parts = numbers.value(1).toInt(&isOf);
+    return isPart && isOf && numbers.size() == 2 && options->part >= 1 &&
+                   options->part <= options->parts
+               ? QString()
+               : QStringLiteral("it needs two numbers I/N, I from 1 to N");
+}
+
+QString takeFolderOfParts(const QString& value, RunnerOptions* options) {
+    options->work = QFileInfo(value).absoluteFilePath();
+    return value.isEmpty() ? QStringLiteral("it needs a folder") : QString();
+}
+
+QString takeFrom(const QString& value, RunnerOptions* options) {
+    bool ok = false;
+    options->from = value.toInt(&ok);
+    return ok && options->from > 0 ? QString()
+                                   : QStringLiteral("it needs the number of a line, from 1");
+}
+
+QString takeProgress(const QString& value, RunnerOptions* options) {
+    bool ok = false;
+    options->progressSeconds = value.toDouble(&ok);
+    return ok && options->progressSeconds >= 0.0 && options->progressSeconds <= 1e6
+               ? QString()
+               : QStringLiteral("it needs a number of seconds, 0 for no such lines");
+}
+
+QString takeText(const QString& value, RunnerOptions* options) {
+    NamedText text;
+    QString problem = readNamedText(value, &text);
+    const auto& texts = options->texts;
+    if (problem.isEmpty() && std::any_of(texts.begin(), texts.end(), [&text](const NamedText& t) {
+            return t.name == text.name;
+        })) {
+        problem = QStringLiteral("%1 is given twice").arg(text.name);
+    }
+    options->texts << text;
+    return problem;
 }
 
 template <bool RunnerOptions::*Switch>
@@ -49,7 +91,8 @@ QString turnOn(const QString&, RunnerOptions* options) {
 std::vector<OptionRow> makeRows() {
     using O = RunnerOptions;
     const std::vector<Action> run{Action::Run};
-    const std::vector<Action> batch{Action::Run, Action::Check};
+    const std::vector<Action> check{Action::Run, Action::Check};
+    const std::vector<Action> batch{Action::Run, Action::Check, Action::Stages};
     return {
         {"check", "", "Check the batch without running it.", {}, nullptr, Action::Check},
         {"threads",
@@ -60,13 +103,41 @@ std::vector<OptionRow> makeRows() {
          takeThreads},
         {"memory", "SIZE",
          "Memory that the program may take, such as 512M or 4G (half of what the machine has). "
-         "What "
-         "is read at once fits into it; the results are the same for any size.",
-         batch, takeMemory},
+         "What is read at once fits into it; the results are the same for any size.",
+         check, takeMemory},
         {"C", "FOLDER",
-         "Run the batch in this folder. FILE is taken from where the program is started.", batch,
-         takeFolder},
+         "Run the batch in this folder, or in each of several, whose names follow one another or "
+         "each its own -C: FILE -C scan_*. FILE is taken from where the program is started.",
+         batch, takeFolder},
+        {"set", "NAME=TEXT",
+         "Put TEXT in the place of %NAME% in the batch, before its lines are read. May be given "
+         "several times.",
+         batch, takeText},
+        {"from", "LINE",
+         "Take the batch up at this line of the file: lines before it that save are left out, all "
+         "others are done again. In the body of a loop it begins at the outermost :for.",
+         check, takeFrom},
+        {"work", "DIR",
+         "Keep finished parts of analyses in this folder, and take from it those that are there "
+         "already: a run that was broken off goes on where it was. It is taken from where the "
+         "program is started.",
+         run, takeFolderOfParts},
+        {"part", "I/N",
+         "Make no more than share I of N of the first analysis whose parts are not all in the "
+         "folder of --work, and write nothing outside of it. Exit code 75: other shares must come "
+         "first.",
+         run, takePart},
+        {"stages",
+         "",
+         "Print how many analyses of the batch have to follow each other; a search for the mean "
+         "E0 is one of its own.",
+         {},
+         nullptr,
+         Action::Stages},
         {"strict", "", "A warning counts as a failure.", run, turnOn<&O::isStrict>},
+        {"stop-on-error", "",
+         "The first line that fails ends the batch. It can go on there with --from.", run,
+         turnOn<&O::stopsOnError>},
         {"times", "",
          "Put the time of day before each text of the log, and the time that all took behind the "
          "last.",
@@ -74,12 +145,16 @@ std::vector<OptionRow> makeRows() {
         {"report", "JSON",
          "Write what became of each line to this file, as JSON. It is taken from where the program "
          "is started.",
-         run, takeReport},
-        {"work", "DIR",
-         "Keep finished parts of analyses in this folder, and take from it those that are there "
-         "already: a run that was broken off goes on where it was. It is taken from where the "
-         "program is started.",
-         run, takeWork},
+         run, takeFile<&O::report>},
+        {"summary", "CSV",
+         "Write a table to this file, one row for each folder: its name, what became of the batch, "
+         "bins and mean fractions of the last fit, seconds. Without it several folders have the "
+         "table at the end of the log.",
+         run, takeFile<&O::summary>},
+        {"progress", "SECONDS",
+         "Tell every so many seconds (60) how far the batch is, where there is no terminal for a "
+         "bar; 0: do not.",
+         run, takeProgress},
         {"verbose", "", "Print debug lines on standard error.", run, turnOn<&O::isVerbose>},
         {"origin",
          "",

@@ -14,8 +14,9 @@ const char* const Description =
     "directory, or to the folder of -C.\n"
     "\n"
     "Exit code: 0 nothing failed, 1 a line failed (with --strict: or had a warning; with\n"
-    "--check: has an error; with --origin and --record: the file does not tell), 2 wrong\n"
-    "usage or unreadable batch file, 130 after Ctrl-C.";
+    "--check and --stages: has an error; with --origin and --record: the file does not\n"
+    "tell), 2 wrong usage or unreadable batch file, 75 with --part: other shares must\n"
+    "come first, 130 after Ctrl-C.";
 
 const QCommandLineOption& helpOption() {
     static const QCommandLineOption option({"h", "help"}, "Show this text.");
@@ -66,13 +67,72 @@ QString takeGiven(const QCommandLineParser& parser, const std::vector<const Opti
              isSwitch ? QStringList(QString()) : parser.values(QString::fromLatin1(row->name))) {
             const QString problem = row->take(value, options);
             if (!problem.isEmpty()) {
-                return problem;
+                return QStringLiteral("%1: %2.").arg(row->typed(), problem);
             }
         }
     }
     return asked.size() > 1 ? QStringLiteral("Only one of %1 can be asked for.")
                                   .arg(asked.join(QStringLiteral(" and ")))
                             : QString();
+}
+
+/// Each name that follows the folder of a -C is the folder of another one, as it must be for
+/// "-C scan_*".
+QStringList eachWithItsOption(const QStringList& args) {
+    const QString option = QStringLiteral("-C");
+    QStringList made;
+    for (int i = 0; i < args.size(); ++i) {
+        made << args.at(i);
+        if (args.at(i) == QLatin1String("--")) {
+            return made + args.mid(i + 1);
+        }
+        if (args.at(i) != option || i + 1 == args.size()) {
+            continue;
+        }
+        made << args.at(++i);  // whatever it looks like
+        while (i + 1 < args.size() && !args.at(i + 1).startsWith(QLatin1Char('-'))) {
+            made << option << args.at(++i);
+        }
+    }
+    return made;
+}
+
+/// The file that all is about.
+QString takeNames(QStringList files, RunnerOptions* options) {
+    if (files.isEmpty() && options->folders.size() > 1) {
+        files << options->folders.takeLast();  // "-C FOLDER FILE"
+    }
+    if (files.size() != 1) {
+        return files.isEmpty() ? QStringLiteral("No file given.")
+                               : QStringLiteral("More than one file given.");
+    }
+    options->file = files.first();
+    const QFileInfo file(options->file);
+    if (!options->report.isEmpty() && QFileInfo(options->report) == file) {
+        return QStringLiteral("The report would replace the batch file.");
+    }
+    if (!options->summary.isEmpty() && QFileInfo(options->summary) == file) {
+        return QStringLiteral("The summary would replace the batch file.");
+    }
+    return !options->report.isEmpty() && options->report == options->summary
+               ? QStringLiteral("Report and summary cannot be one file.")
+               : QString();
+}
+
+/// What does not go with stages or a share of them.
+QString aboutShare(const RunnerOptions& options) {
+    const bool isShare = options.part > 0;
+    if (isShare && options.work.isEmpty()) {
+        return QStringLiteral("--part needs --work.");
+    }
+    if (isShare && (options.from > 0 || !options.summary.isEmpty())) {
+        return QStringLiteral("--part goes neither with --from nor with --summary.");
+    }
+    return (isShare || options.action == RunnerOptions::Action::Stages) &&
+                   options.folders.size() > 1
+               ? QStringLiteral("%1 goes with one folder only.")
+                     .arg(QLatin1String(isShare ? "--part" : "--stages"))
+               : QString();
 }
 
 /// What is wrong with the command line, one line; empty: nothing.
@@ -92,16 +152,8 @@ QString takeAll(const QCommandLineParser& parser, RunnerOptions* options) {
             .arg((*stranger)->typed(),
                  asks == given.end() ? QStringLiteral("a run") : (*asks)->typed());
     }
-    const QStringList files = parser.positionalArguments();
-    if (files.size() != 1) {
-        return files.isEmpty() ? QStringLiteral("No file given.")
-                               : QStringLiteral("More than one file given.");
-    }
-    options->file = files.first();
-    if (!options->report.isEmpty() && QFileInfo(options->report) == QFileInfo(options->file)) {
-        return QStringLiteral("The report would replace the batch file.");
-    }
-    return QString();
+    const QString names = takeNames(parser.positionalArguments(), options);
+    return names.isEmpty() ? aboutShare(*options) : names;
 }
 
 }  // namespace
@@ -110,7 +162,7 @@ RunnerOptions RunnerOptions::parse(const QStringList& args) {
     QCommandLineParser parser;
     fill(&parser);
     RunnerOptions options;
-    if (!parser.parse(args)) {
+    if (!parser.parse(eachWithItsOption(args))) {
         options.action = Action::BadUsage;
         options.text = parser.errorText();
         return options;

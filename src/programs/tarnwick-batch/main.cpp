@@ -1,11 +1,10 @@
 // tarnwick-batch: a measurement without a window, driven by a batch file.
 
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <algorithm>
 #include <clocale>
@@ -14,17 +13,13 @@
 #include <cstring>
 #include <memory>
 
-#include "base/CleanEnd.h"
 #include "base/Globals.h"
 #include "base/Memory.h"
 #include "batch/BatchCheck.h"
-#include "batch/BatchRunner.h"
-#include "batch/CommandTables.h"
-#include "batch/LineCheck.h"
-#include "measurement/Writing.h"
-#include "tarnwick-batch/BatchSession.h"
+#include "tarnwick-batch/AskedBatch.h"
+#include "tarnwick-batch/BatchRuns.h"
+#include "tarnwick-batch/BatchStages.h"
 #include "tarnwick-batch/Console.h"
-#include "tarnwick-batch/RunReport.h"
 #include "tarnwick-batch/RunnerOptions.h"
 #include "tarnwick-batch/SavedOrigin.h"
 
@@ -64,104 +59,52 @@ bool isOneFile(int a, int b) {
            first.st_ino == second.st_ino;
 }
 
+/// Of the terminal that the bar is drawn on.
+int terminalColumns() {
+    struct winsize size {};
+    const int fd = isatty(STDERR_FILENO) == 1 ? STDERR_FILENO : STDOUT_FILENO;
+    return ioctl(fd, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
 QString counted(int n, const QString& what) {
     return QStringLiteral("%1 %2%3").arg(QString::number(n), what,
                                          n == 1 ? QString() : QStringLiteral("s"));
 }
 
-/// @param file as it is named in the findings
-int check(const QStringList& lines, const QString& file, const QString& path, Console& console) {
+/// In the current folder.
+int check(const AskedBatch& batch, const RunnerOptions& options, Console& console) {
     const char* const names[] = {"error", "warning", "note"};  // by kind
     int counts[] = {0, 0, 0};
-    const QVector<Finding> findings = checkBatch(lines, path);
+    const QVector<Finding> findings =
+        checkBatch(batch.lines, batch.file, DefaultCheckEffort, batch.start);
     for (const Finding& finding : findings) {
         const auto kind = static_cast<int>(finding.kind);
         ++counts[kind];
         console.logLine(QStringLiteral("%1:%2: %3: %4")
-                            .arg(file, QString::number(finding.line),
+                            .arg(options.file, QString::number(finding.line),
                                  QString::fromLatin1(names[kind]), finding.text));
     }
     console.logLine(QStringLiteral("%1: %2, %3")
-                        .arg(file, counted(counts[0], QStringLiteral("error")),
+                        .arg(options.file, counted(counts[0], QStringLiteral("error")),
                              counted(counts[1], QStringLiteral("warning"))));
     return counts[0] == 0 ? BatchSession::AllDone : BatchSession::SomeFailed;
 }
 
-/// The report in its place. It replaces no file that the measurement was read from.
-bool finishReport(RunReport* report, const Measurement& measurement, Console& console) {
-    const Outcome outcome =
-        writeFile(measurement, report->fileName(), [report] { return report->close(); });
-    for (const QString& failure : outcome.failures) {
-        console.note(QStringLiteral("tarnwick-batch: --report: ") + failure);
-    }
-    return !outcome.failed();
-}
-
-bool openWorkFolder(const QString& path, Measurement* measurement, Console& console) {
-    if (path.isEmpty()) {
-        return true;
-    }
-    const auto folder = std::make_shared<WorkFolder>();
-    const Outcome outcome = folder->open(path);
-    for (const QString& failure : outcome.failures) {
-        console.note(QStringLiteral("tarnwick-batch: --work: ") + failure);
-    }
-    measurement->setWorkFolder(folder);
-    return !outcome.failed();
-}
-
-int run(const BatchText& text, const QString& file, const RunnerOptions& options,
-        Console& console) {
-    std::unique_ptr<RunReport> report;
-    if (!options.report.isEmpty()) {
-        report = std::make_unique<RunReport>(options.report);
-        if (!report->open()) {
-            console.note(QStringLiteral("tarnwick-batch: cannot write ") + options.report);
-            return BatchSession::BadUsage;
+int checkAll(const AskedBatch& batch, const RunnerOptions& options, Console& console) {
+    const Folders folders(options.folders);
+    int worst = BatchSession::AllDone;
+    for (int i = 0; i < folders.count(); ++i) {
+        if (folders.areSeveral()) {
+            console.logLine(folders.place(i) + QStringLiteral(": ") + folders.name(i));
         }
+        if (folders.enter(i)) {
+            worst = std::max(worst, check(batch, options, console));
+            continue;
+        }
+        console.note(QStringLiteral("tarnwick-batch: cannot enter ") + folders.name(i));
+        worst = folders.areSeveral() ? BatchSession::SomeFailed : BatchSession::BadUsage;
     }
-    if (options.tellsTimes) {
-        console.tellTimes();
-    }
-    Measurement measurement;
-    measurement.readCountsWhenNeeded();
-    if (!openWorkFolder(options.work, &measurement, console)) {
-        return BatchSession::BadUsage;
-    }
-    measurement.setBatchFile(file);
-    if (options.threads > 0) {
-        measurement.setThreads(options.threads);
-    }
-    BatchRunner runner(measurement);
-    BatchDispatcher* dispatcher = runner.dispatcher();
-    BatchSession session(&console, text, [dispatcher] { return dispatcher->lineInWork(); },
-                         {options.isStrict, options.tellsTimes, report.get()});
-    QObject::connect(dispatcher, &BatchDispatcher::log, &session, &BatchSession::log);
-    QObject::connect(&runner, &BatchRunner::unknownCommand, &session, &BatchSession::unknown);
-    QObject::connect(&runner, &BatchRunner::commandDone, &session, &BatchSession::commandDone);
-    QObject::connect(&measurement, &Measurement::progressed, &session, &BatchSession::progress);
-    QObject::connect(dispatcher, &BatchDispatcher::ended, &session, &BatchSession::end);
-    const CleanEnd cleanEnd;
-    QObject::connect(&cleanEnd, &CleanEnd::requested, &session, &BatchSession::interrupt);
-    QObject::connect(&session, &BatchSession::finished, QCoreApplication::instance(),
-                     &QCoreApplication::exit, Qt::QueuedConnection);
-    runner.start(text.lines);
-    const int code = QCoreApplication::exec();
-    const bool isReported = !report || finishReport(report.get(), measurement, console);
-    return code == BatchSession::AllDone && !isReported ? BatchSession::SomeFailed : code;
-}
-
-/// Whether a batch has a line that draws letters, for which Qt needs more than a bare program.
-bool drawsLetters(const QString& fileName) {
-    QStringList lines;
-    if (!readBatchFile(fileName, &lines)) {
-        return false;
-    }
-    const QVector<CheckedLine> logical = logicalLines(BatchText::fromLines(lines));
-    return std::any_of(logical.begin(), logical.end(), [](const CheckedLine& line) {
-        const CommandRow* row = commandRow(line.command);
-        return row != nullptr && row->drawsLetters && !line.inRemark;
-    });
+    return worst;
 }
 
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
@@ -174,7 +117,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
         args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h"));
     const RunnerOptions options = asksForHelp ? RunnerOptions() : RunnerOptions::parse(args);
     if (!asksForHelp && options.action == RunnerOptions::Action::Run &&
-        drawsLetters(options.file)) {
+        AskedBatch::read(options).drawsLetters()) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         return std::make_unique<QGuiApplication>(argc, argv);
     }
@@ -212,24 +155,21 @@ int perform(const RunnerOptions& options, Console& console) {
         case RunnerOptions::Action::Record:
             return tell(options, console);
         case RunnerOptions::Action::Check:
+        case RunnerOptions::Action::Stages:
         case RunnerOptions::Action::Run:
             break;
     }
-    QStringList lines;
-    if (!readBatchFile(options.file, &lines)) {
-        console.note(QStringLiteral("tarnwick-batch: cannot open ") + options.file);
+    const AskedBatch batch = AskedBatch::read(options);
+    if (!batch.problem.isEmpty()) {
+        console.note(QStringLiteral("tarnwick-batch: ") + batch.problem);
         return BatchSession::BadUsage;
     }
-    const QString file = QFileInfo(options.file).absoluteFilePath();
-    for (const QString& folder : options.folders) {
-        if (!QDir::setCurrent(folder)) {
-            console.note(QStringLiteral("tarnwick-batch: cannot enter ") + folder);
-            return BatchSession::BadUsage;
-        }
+    if (options.action == RunnerOptions::Action::Stages) {
+        return printStages(batch, options, console);
     }
     return options.action == RunnerOptions::Action::Check
-               ? check(lines, options.file, file, console)
-               : run(BatchText::fromLines(lines), file, options, console);
+               ? checkAll(batch, options, console)
+               : BatchRuns(batch, options, console).run();
 }
 
 }  // namespace
@@ -245,6 +185,7 @@ int main(int argc, char** argv) {
     const bool plain = qgetenv("TERM") == "dumb";
     Console console(&out, &err, !plain && isatty(STDOUT_FILENO) == 1,
                     !plain && isatty(STDERR_FILENO) == 1);
+    console.setColumns(terminalColumns);
     if (isOneFile(STDOUT_FILENO, STDERR_FILENO)) {
         console.shareLines();
     }

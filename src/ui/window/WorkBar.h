@@ -3,8 +3,8 @@
 #include <QElapsedTimer>
 #include <QProgressBar>
 
+#include "base/TimeLeft.h"
 #include "measurement/Inputs.h"
-#include "window/TimeLeft.h"
 
 /// How far an analysis is and how long it still takes, in words on a bar; hidden while there is
 /// none.

@@ -1,4 +1,4 @@
-#include "window/TimeLeft.h"
+#include "base/TimeLeft.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "TestMain.h"
-#include "window/TimeLeft.h"
+#include "base/TimeLeft.h"
 
 class TestTimeLeft : public QObject {
     Q_OBJECT

@@ -1,0 +1,73 @@
+#include "measurement/Share.h"
+
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <cstdio>
+#include <utility>
+
+#include "files/FilePlaces.h"
+#include "files/WholeFile.h"
+
+namespace {
+
+/// Of a name and the bytes behind it; empty when they cannot be read.
+QByteArray digestOf(const QString& identity, const QString& place) {
+    QFile file(place);
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    hash.addData(identity.toUtf8() + '\0');
+    return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result().toHex()
+                                                                 : QByteArray();
+}
+
+/// The same time in whatever run the file was written: who looks whether it has changed meanwhile
+/// goes by that.
+bool setKeptTime(const QString& place) {
+    QFile file(place);
+    return file.open(QIODevice::ReadWrite) &&
+           file.setFileTime(QDateTime::fromSecsSinceEpoch(0, Qt::UTC),
+                            QFileDevice::FileModificationTime);
+}
+
+}  // namespace
+
+Share::Share(int number, int of, QString folder, QSet<QString> readBack)
+    : m_number(number), m_of(of), m_folder(std::move(folder)), m_readBack(std::move(readBack)) {}
+
+Share::Parts Share::partsOf(int count) const {
+    const auto border = [&](int number) {
+        return static_cast<int>(static_cast<long long>(count) * number / m_of);
+    };
+    return {border(m_number - 1), border(m_number)};
+}
+
+bool Share::keeps(const QString& fileName) const {
+    return m_readBack.contains(identityOf(fileName));
+}
+
+bool Share::keep(const QString& fileName, const std::function<bool()>& writer) {
+    const QString identity = identityOf(fileName);
+    const QString before = isPlaced(identity) ? placeOf(identity) : QString();
+    const QByteArray stem =
+        QCryptographicHash::hash(identity.toUtf8(), QCryptographicHash::Sha256).toHex();
+    QDir().mkpath(m_folder);
+    const WholeFile fresh(QFile::encodeName(QDir(m_folder).filePath(QString::fromLatin1(stem))));
+    const QString written = QFile::decodeName(fresh.part());
+    m_kept.put(identity, written);
+    const bool isWritten = fresh.isMade() && writer();
+    const QByteArray digest = isWritten ? digestOf(identity, written) : QByteArray();
+    const QString place = QDir(m_folder).filePath(QString::fromLatin1(digest));
+    // One that is there already may be read at this moment.
+    const bool isKept =
+        !digest.isEmpty() && setKeptTime(written) &&
+        (digestOf(identity, place) == digest ||
+         std::rename(fresh.part().constData(), QFile::encodeName(place).constData()) == 0);
+    m_kept.put(identity, isKept ? place : before);
+    return isKept;
+}
+
+void Share::endPass(int made, bool ownsAny) {
+    m_made = made;
+    m_end = made > 0 || !ownsAny ? End::Made : End::Waits;
+}

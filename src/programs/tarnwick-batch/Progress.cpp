@@ -1,0 +1,150 @@
+#include "tarnwick-batch/Progress.h"
+
+#include <cmath>
+
+#include "base/Numbers.h"
+#include "batch/CmdLine.h"
+#include "batch/LineItems.h"
+#include "tarnwick-batch/Console.h"
+
+namespace {
+
+constexpr int LeastMs = 10;
+constexpr int Many = 1 << 30;
+
+QString nameOf(Work work) {
+    switch (work) {
+        case Work::None:
+            return QString();
+        case Work::LoadI1:
+            return QStringLiteral("I1");
+        case Work::LoadI0:
+            return QStringLiteral("I0");
+        case Work::LoadDark:
+            return QStringLiteral("dark frames");
+        case Work::LoadFolder:
+            return QStringLiteral("folder");
+        case Work::Calibrate:
+            return QStringLiteral("calibration");
+        case Work::Fit:
+            return QStringLiteral("fit");
+        case Work::Residual:
+            return QStringLiteral("residual absorption");
+        case Work::Difference:
+            return QStringLiteral("difference");
+        case Work::Deglitch:
+            return QStringLiteral("deglitching");
+    }
+    return QString();
+}
+
+bool countsFiles(Work work) {
+    return work == Work::LoadI1 || work == Work::LoadI0 || work == Work::LoadDark ||
+           work == Work::LoadFolder;
+}
+
+QString leftText(double seconds) {
+    const auto rounded = [](double value) {
+        return QString::number(toClampedInt(std::ceil(value), 0, Many));
+    };
+    if (seconds < 90.0) {
+        return rounded(seconds) + QStringLiteral(" s left");
+    }
+    if (seconds < 90.0 * 60.0) {
+        return rounded(seconds / 60.0) + QStringLiteral(" min left");
+    }
+    return QString::number(seconds / 3600.0, 'f', 1) + QStringLiteral(" h left");
+}
+
+}  // namespace
+
+Progress::Progress(Console* console, double seconds) : m_console(console) {
+    if (seconds > 0.0 && !console->showsBar()) {
+        m_timer.setInterval(toClampedInt(seconds * 1000.0, LeastMs, Many));
+        m_timer.start();
+    }
+    connect(&m_timer, &QTimer::timeout, this, &Progress::tell);
+    m_clock.start();
+}
+
+void Progress::begin(const Batch& batch) {
+    m_batch = batch;
+    m_runs = true;
+    lineDone();
+}
+
+void Progress::lineDone() {
+    m_work = Work::None;
+}
+
+void Progress::end() {
+    m_runs = false;
+}
+
+void Progress::work(Work work, double done, double of) {
+    if (!m_runs || !(of > 0.0)) {
+        return;
+    }
+    const double fraction = done / of;
+    if (work != m_work || of != m_of || done < m_done) {
+        m_left.start();
+    }
+    m_work = work;
+    m_done = done;
+    m_of = of;
+    if (std::isfinite(fraction)) {
+        m_left.note(fraction, m_clock.elapsed());
+    }
+    m_console->showBar(head(), fraction, measure());
+}
+
+/// Where the batch is, and what it does there.
+QString Progress::head() const {
+    QStringList places;
+    if (!m_batch.place.isEmpty()) {
+        places << m_batch.place;
+    }
+    const int index = m_batch.lineInWork();
+    if (index >= 0 && index < m_batch.text.lines.size()) {
+        const SilentItems silent;
+        int start = m_batch.text.first.at(index);
+        places << QStringLiteral("line %1 (%2)")
+                      .arg(QString::number(m_batch.text.lineNumber(index)),
+                           CmdLine::parse(readLogicalLine(m_batch.text.lines, &start)).command);
+    }
+    const QString place = places.join(QStringLiteral(", "));
+    if (m_work == Work::None) {
+        return place;
+    }
+    return place.isEmpty() ? nameOf(m_work) : place + QStringLiteral(": ") + nameOf(m_work);
+}
+
+/// How far the work is.
+QString Progress::measure() const {
+    QStringList parts;
+    if (countsFiles(m_work)) {
+        parts << QStringLiteral("%1/%2")
+                     .arg(toClampedInt(m_done, 0, Many))
+                     .arg(toClampedInt(m_of, 0, Many));
+    } else {
+        parts << QStringLiteral("%1 %").arg(toClampedInt(100.0 * (m_done / m_of), 0, 100));
+        const QPair<int, int> rows = m_batch.rows ? m_batch.rows() : QPair<int, int>();
+        if (rows.second > 0) {
+            parts << QStringLiteral("row %1 of %2").arg(rows.first).arg(rows.second);
+        }
+    }
+    if (const std::optional<double> seconds = m_left.seconds()) {
+        parts << leftText(*seconds);
+    }
+    return parts.join(QStringLiteral(", "));
+}
+
+void Progress::tell() {
+    if (m_runs) {
+        QStringList parts{QStringLiteral("progress:"), head()};
+        if (m_work != Work::None) {
+            parts << measure();
+        }
+        m_console->tell(parts.join(QLatin1Char(' ')));
+    }
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPair>
+#include <QTimer>
+#include <functional>
+
+#include "base/TimeLeft.h"
+#include "batch/BatchText.h"
+#include "measurement/Inputs.h"
+
+class Console;
+
+/// Shows how far batches are, one after another: line, rows, per cent and the time left of the work
+/// that is under way; on a terminal by a bar, where there is none by a line of the log now and
+/// then.
+class Progress : public QObject {
+    Q_OBJECT
+
+  public:
+    /// A batch while it runs.
+    struct Batch {
+        QString place;  ///< put in front: "folder 3 of 12"; may be empty
+        BatchText text;
+        std::function<int()> lineInWork;        ///< index in text.lines
+        std::function<QPair<int, int>()> rows;  ///< of bins done, of how many; 0 of 0: unknown
+    };
+
+    /// seconds: between the lines where there is no terminal; 0: none.
+    Progress(Console* console, double seconds);
+
+    void begin(const Batch& batch);
+
+  public slots:
+    void work(Work work, double done, double of);
+    /// A line has been dealt with.
+    void lineDone();
+    /// The batch has ended: nothing is shown until another begins.
+    void end();
+
+  private:
+    QString head() const;
+    QString measure() const;
+    void tell();
+
+    Console* m_console;
+    QTimer m_timer;
+    Batch m_batch;
+    bool m_runs = false;
+    Work m_work = Work::None;  // None: the line has told nothing
+    double m_done = 0.0;
+    double m_of = 0.0;
+    QElapsedTimer m_clock;
+    TimeLeft m_left;
+};
