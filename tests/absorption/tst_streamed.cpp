@@ -15,6 +15,8 @@
 #include "frames/DarkFrame.h"
 #include "spectra/Lanes.h"
 
+Q_DECLARE_METATYPE(BinRaster)
+
 namespace {
 
 constexpr int Width = 37;
@@ -273,8 +275,6 @@ class TestStreamed : public QObject {
         }
     }
 };
-
-Q_DECLARE_METATYPE(BinRaster)
 
 TARNWICK_TEST_MAIN(QCoreApplication, TestStreamed)
 #include "tst_streamed.moc"

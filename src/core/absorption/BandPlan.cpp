@@ -15,7 +15,10 @@ constexpr int RowsAhead = 8;
 
 // Counts of a band that a core keeps near itself, and for which the calls of the system do not
 // show.
-constexpr quint64 BandBytes = quint64(1) << 19;
+constexpr quint64 BandBytes = quint64(1) << 20;
+
+// Of a frame, that the system reads ahead: as much as a disk likes to read at one place.
+constexpr quint64 AheadBytes = quint64(1) << 16;
 
 // Bands a thread, so that none has much left to do when the others have ended.
 constexpr int BandsEach = 8;
@@ -76,6 +79,9 @@ BandPlan BandPlan::of(const AbsorptionSource& source, const BinRaster& raster, i
         plan.rows *= 2;
     }
     setResults(&plan, false);
+    const quint64 each = cost.counts(1) / source.frames().size() + 1;
+    plan.ahead = static_cast<int>(
+        std::max<quint64>(quint64(plan.rows) * quint64(threads), AheadBytes / each));
     const quint64 left = memoryLeft();
     while (cost.all(plan) > left && (plan.rows > 1 || plan.threads > 1)) {
         (plan.rows > 1 ? plan.rows : plan.threads) /= 2;

@@ -11,7 +11,8 @@ struct BandPlan {
     bool reads = false;  ///< else all counts are in memory, and a band is a row
     int rows = 1;        ///< of bins in a band
     int threads = 1;     ///< that work at once
-    int results = 1;     ///< rows of results that may be finished before they are taken
+    int ahead = 1;    ///< rows of bins of which the system is told at once that they are read soon
+    int results = 1;  ///< rows of results that may be finished before they are taken
 
     /// Takes no more than memoryLeft(), but for one thread with one row, which has to be.
     static BandPlan of(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,

@@ -28,6 +28,7 @@ RasterPass::RasterPass(const AbsorptionSource& source, const BinRaster& raster, 
       m_slots(static_cast<std::size_t>(m_plan.results)),
       m_toMake(m_end - rows.first),
       m_begun(rows.first),
+      m_told(rows.first),
       m_taken(rows.first) {
     const auto threads = static_cast<std::size_t>(m_plan.threads);
     m_threads.reserve(threads);
@@ -101,7 +102,7 @@ void RasterPass::evaluateRows(const Evaluate& evaluate) {
     }
 }
 
-/// The rows that a thread is to work on next, and those that some thread will read after that.
+/// The rows that a thread is to work on next, and those to tell the system of, if any.
 bool RasterPass::nextBand(Rows* band, Rows* behind) {
     std::unique_lock<std::mutex> lock(m_mutex);
     const auto rows = [this] { return std::min(m_plan.rows, m_end - m_begun); };
@@ -114,10 +115,11 @@ bool RasterPass::nextBand(Rows* band, Rows* behind) {
     }
     *band = {m_begun, m_begun + rows()};
     m_begun = band->end;
-    // The band behind this one has been begun by another thread, or is about to be.
-    const int ahead = m_plan.rows * (m_plan.threads - 1);
-    behind->first = std::min(m_end, m_begun + ahead);
-    behind->end = std::min(m_end, behind->first + m_plan.rows);
+    *behind = {};
+    if (m_plan.reads && m_begun >= m_told - m_plan.ahead / 2) {
+        behind->first = std::max(m_told, m_begun);
+        m_told = behind->end = std::min(m_end, behind->first + m_plan.ahead);
+    }
     for (int row = band->first; row < band->end; ++row) {
         slotOf(row).row = row;
         slotOf(row).done = false;

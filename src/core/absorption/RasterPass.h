@@ -138,6 +138,7 @@ class RasterPass {
     std::vector<Slot> m_slots;  // a few rows ahead of the one to be taken next
     int m_toMake;               // rows
     int m_begun;                // rows that a thread has begun or done
+    int m_told;                 // rows of which the system knows that they will be read
     int m_taken;
     bool m_stopped = false;
     Failure m_failure = Failure::None;
