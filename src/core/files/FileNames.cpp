@@ -49,11 +49,13 @@ QString deepestFolder(const QStringList& files) {
 QString relativeTo(const QString& folder, const QString& file) {
     const QFileInfo info(file);
     QString name = QDir(folder).relativeFilePath(info.absoluteFilePath());
-    const QString realFolder = QFileInfo(folder).canonicalFilePath();
-    const QString realPlace = QFileInfo(info.absolutePath()).canonicalFilePath();
-    if (name.startsWith(QLatin1String("../")) && !realFolder.isEmpty() && !realPlace.isEmpty()) {
+    if (name.startsWith(QLatin1String("../"))) {
         // Seen from behind a link, ".." is not what stands before the link in the path.
-        name = QDir(realFolder).relativeFilePath(QDir(realPlace).filePath(info.fileName()));
+        const QString realFolder = QFileInfo(folder).canonicalFilePath();
+        const QString realPlace = QFileInfo(info.absolutePath()).canonicalFilePath();
+        if (!realFolder.isEmpty() && !realPlace.isEmpty()) {
+            name = QDir(realFolder).relativeFilePath(QDir(realPlace).filePath(info.fileName()));
+        }
     }
     // A name that begins with a colon stands for a resource of the program.
     return name.startsWith(QLatin1Char(':')) ? QStringLiteral("./") + name : name;
