@@ -227,8 +227,22 @@ class TestFramesJudged : public QObject {
                 put(Frame, tiff);
             };
         };
-        add("saturated", saturate(4), all, "warning", "I1: 0.13 % of the pixels are saturated");
-        add("hardly saturated", saturate(3), all, "done", "");
+        // tarnwick-batch says it where the counts are read first, the window of the load.
+        const QString twice = "LOAD\nanalyzer_set_ra_energy 7120\nanalyzer_exec_ra\nanalyzer_exec_ra";
+        add("saturated", saturate(4), twice.section('\n', 0, 2), "warning",
+            "^warning: I1: 0.13 % of the pixels are saturated[^\n]*$");
+        add("saturated, said once", saturate(4), twice, "done", "");
+        add("hardly saturated", saturate(3), twice, "done", "");
+        add("damaged", putDamaged, twice.section('\n', 0, 2), "failed",
+            "^failed: I1: [^ ]*i1-7305eV.tif: damaged: 0 of 8 rows can be decoded$");
+        add(
+            "damaged dark frame",
+            [] {
+                putDamaged();
+                QVERIFY(QFile::rename(Frame, "dark.tif"));
+            },
+            "load_dark_files dark.tif\nLOAD\nmove_position 3 3\nsave_spectra s.dat", "failed",
+            "^failed: dark: [^ ]*dark.tif: damaged: 0 of 8 rows can be decoded$");
     }
     void frames() { m_cases.judge(); }
 

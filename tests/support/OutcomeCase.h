@@ -7,6 +7,7 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <functional>
 
 #include "BatchRun.h"
@@ -82,7 +83,7 @@ class OutcomeCases {
         });
         inFolder(make, [&] { inWindow = runWindow(lines); });
         QCOMPARE(predicted, ended);
-        QCOMPARE(inWindow.texts.join('\n'), inBatch.texts.join('\n'));
+        QCOMPARE(inOneOrder(inWindow.texts), inOneOrder(inBatch.texts));
         QCOMPARE(inWindow.counts, inBatch.counts);
         const QString said = last.join('\n');
         QVERIFY2(verdictOf(last) == verdict, qPrintable(said));
@@ -159,6 +160,19 @@ class OutcomeCases {
         }
         return texts.first().startsWith("failed: ") ? QStringLiteral("failed")
                                                     : QStringLiteral("warning");
+    }
+
+    /// What counts tell is said of other lines where they are read when they are needed.
+    static QString inOneOrder(QStringList texts) {
+        static const QRegularExpression load("^failed: (I1|I0|dark): (?=.*can be decoded$)");
+        for (QString& text : texts) {
+            text.replace(load, "failed: ");
+        }
+        const auto isOfCounts = [](const QString& text) {
+            return text.contains("are saturated") || text.contains("can be decoded");
+        };
+        std::stable_partition(texts.begin(), texts.end(), isOfCounts);
+        return texts.join('\n');
     }
 
     /// What a program says of all lines in their order, and how many were done, done with a warning

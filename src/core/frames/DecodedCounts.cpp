@@ -25,11 +25,13 @@ class Share {
             return false;
         }
         m_kept += bytes;
+        promise();
         return true;
     }
     void giveBack(quint64 bytes) {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_kept -= bytes;
+        promise();
     }
     /// Waits until there is memory to work in.
     void begin(quint64 bytes) {
@@ -46,21 +48,31 @@ class Share {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_expected += bytes;
         m_greatest = std::max(m_greatest, work);
+        promise();
     }
     void expectNoMore(quint64 bytes) {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_expected -= bytes;
         m_greatest = m_expected == 0 ? 0 : m_greatest;
+        promise();
     }
     quint64 toCome() const {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        return m_expected == 0 ? 0
-                               : std::min(m_expected, most() - std::min(most(), m_kept)) +
-                                     std::max(m_greatest, std::min(most(), m_expected));
+        return coming();
     }
 
   private:
     static quint64 most() { return memoryLimit() / 8; }
+    quint64 coming() const {
+        return m_expected == 0 ? 0
+                               : std::min(m_expected, most() - std::min(most(), m_kept)) +
+                                     std::max(m_greatest, std::min(most(), m_expected));
+    }
+    /// So that nobody else plans with it.
+    void promise() {
+        m_promise.reset();
+        m_promise = std::make_unique<PromisedMemory>(coming());
+    }
 
     mutable std::mutex m_mutex;
     std::condition_variable m_ended;
@@ -68,6 +80,7 @@ class Share {
     quint64 m_working = 0;
     quint64 m_expected = 0;  // of frames that are not decoded yet
     quint64 m_greatest = 0;  // of the work on one of them
+    std::unique_ptr<PromisedMemory> m_promise;
 };
 
 Share& share() {

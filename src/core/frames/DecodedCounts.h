@@ -40,6 +40,6 @@ class DecodedCounts : public CountFile {
     quint64 m_offset = 0;
 };
 
-/// What the frames that are loaded and not yet decoded may still take of the memory, in bytes;
-/// 0: there are none.
+/// What the frames that are loaded and not yet decoded may still take of the memory, in bytes,
+/// which memoryLeft() has not; 0: there are none.
 quint64 memoryToDecode();
