@@ -108,6 +108,9 @@ class TestProgram : public QObject {
         row({"--strict", "--check", "b.bat"}, 2, "--strict does not go with --check");
         row({"--check", "--record", "b.bat"}, 2, "Only one of --check and --record");
         row({"-C", ".", "--origin", "b.bat"}, 2, "-C does not go with --origin");
+        row({"--work", "w", "--check", "b.bat"}, 2, "--work does not go with --check");
+        row({"--work", "", "b.bat"}, 2, "needs a folder");
+        row({"--work", "b.bat", "b.bat"}, 2, "is a file");
         row({"--report", "./b.bat", "b.bat"}, 2, "would replace the batch file");
         row({"--report", "nowhere/r.json", "b.bat"}, 2, "cannot write");
         row({"-x", "a.bat"}, 2, "");
