@@ -84,11 +84,18 @@ void ShiftedPack::fit(const double* y, const double* corrections, int count) {
     m_usedNormal = m_normal;
     m_usedRight = m_right;
     m_kernels.solve(m_terms, m_usedNormal.data(), m_usedRight.data(), m_coefficients.data());
+    const bool areInverted = m_withErrors && m_terms <= lanes::MostInverted;
+    bool isSingular[Count] = {};
+    if (areInverted) {
+        m_kernels.invert(m_terms, m_normal.data(), m_inverse.data(), isSingular);
+    }
     for (int l = 0; l < count; ++l) {
-        m_held[l] = 0;
         const int ofThese = m_bases.points.end[l] - m_bases.points.first[l];
-        if (m_withErrors || !m_solver.isMetBy(&m_coefficients[static_cast<std::size_t>(l)], Count,
-                                              m_terms, ofThese)) {
+        m_held[l] = 0;
+        m_freedom[l] = isSingular[l] ? 0 : ofThese - m_terms;
+        if ((m_withErrors && !areInverted) ||
+            !m_solver.isMetBy(&m_coefficients[static_cast<std::size_t>(l)], Count, m_terms,
+                              ofThese)) {
             solveAlone(l);
         }
     }

@@ -39,6 +39,9 @@ struct OwnBases {
     int terms() const { return leading + references; }
 };
 
+/// Terms that BasisKernels::invert() takes at most.
+constexpr int MostInverted = 10;
+
 struct BasisKernels {
     /// rows[(i * terms + r) * Count + l]: function r at energy i, wherever that is a point of any
     /// spectrum.
@@ -51,6 +54,10 @@ struct BasisKernels {
 
     /// Solves the equations of every spectrum as LuDecomposition does; both sides are used up.
     void (*solve)(int terms, double* normal, double* right, double* solution);
+
+    /// inverse, laid out as `normal`: of the matrix of every spectrum, as invertPositive() finds
+    /// it; NaN for one that is singular. isSingular: Count of them.
+    void (*invert)(int terms, const double* normal, double* inverse, bool* isSingular);
 
     /// The rows of Fits::response from those of the basis, with `inverse` laid out as `normal`: a
     /// number for each reference, then, with leading functions, their sum.

@@ -267,6 +267,80 @@ void solveEquations(int terms, double* normal, double* right, double* solution) 
     substituteOwn(normal, terms, right, solution);
 }
 
+/// Reciprocals of square roots.
+[[gnu::always_inline]] inline void perRoot(const Real& square, Real& result) {
+    double roots[Width];
+    store(roots, square);
+    for (double& root : roots) {
+        root = std::sqrt(root);
+    }
+    result = 1.0 / load(roots);
+}
+
+/// See decomposePositive() of LinearSolver.cpp. Takes those that are singular out of `regular`.
+[[gnu::always_inline]] inline void decomposeScaled(int n, const double* a, const Real* scale,
+                                                   Real* lower, Mask& regular) {
+    constexpr double LeastPivot = 1e-12;
+    for (int i = 0; i < n; ++i) {
+        for (int j = 0; j <= i; ++j) {
+            Real sum = load(a + (i * n + j) * Count) * scale[i] * scale[j];
+            for (int k = 0; k < j; ++k) {
+                sum -= lower[i * n + k] * lower[j * n + k];
+            }
+            if (i == j) {
+                regular &= sum >= LeastPivot;
+                perRoot(sum >= LeastPivot ? sum : Real{} + 1.0, lower[i * n + i]);
+            } else {
+                lower[i * n + j] = sum * lower[j * n + j];
+            }
+        }
+    }
+}
+
+/// As invertPositive(), for so many terms at most.
+[[gnu::always_inline]] inline void invertOf(int n, const double* a, double* inverse,
+                                            Mask& regular) {
+    Real scale[MostInverted], lower[MostInverted * MostInverted];
+    for (int i = 0; i < n; ++i) {
+        const Real square = load(a + (i * n + i) * Count);
+        const Mask usable = (square > 0.0) & (square <= LargestNumber);
+        regular &= usable;
+        perRoot(usable ? square : Real{} + 1.0, scale[i]);
+    }
+    decomposeScaled(n, a, scale, lower, regular);
+    for (int j = 0; j < n; ++j) {
+        for (int i = j + 1; i < n; ++i) {
+            Real sum = {};
+            for (int k = j; k < i; ++k) {
+                sum -= lower[i * n + k] * lower[k * n + j];
+            }
+            lower[i * n + j] = sum * lower[i * n + i];
+        }
+    }
+    const Real blank = Real{} + std::numeric_limits<double>::quiet_NaN();
+    for (int i = 0; i < n; ++i) {
+        for (int j = 0; j <= i; ++j) {
+            Real sum = {};
+            for (int k = i; k < n; ++k) {
+                sum += lower[k * n + i] * lower[k * n + j];
+            }
+            const Real value = regular ? sum * scale[i] * scale[j] : blank;
+            store(inverse + (i * n + j) * Count, value);
+            store(inverse + (j * n + i) * Count, value);
+        }
+    }
+}
+
+void invertMatrices(int terms, const double* normal, double* inverse, bool* isSingular) {
+    for (int l = 0; l < Count; l += Width) {
+        Mask regular = ~Mask{};
+        invertOf(terms, normal + l, inverse + l, regular);
+        for (int each = 0; each < Width; ++each) {
+            isSingular[l + each] = regular[each] == 0;
+        }
+    }
+}
+
 void responseRows(const double* rows, int terms, int leading, const Range& range,
                   const double* inverse, double* out) {
     const int stride = terms - leading + (leading > 0 ? 1 : 0);
@@ -292,4 +366,5 @@ void responseRows(const double* rows, int terms, int leading, const Range& range
     }
 }
 
-constexpr BasisKernels Bases = {basisRows, normalEquations, solveEquations, responseRows};
+constexpr BasisKernels Bases = {basisRows, normalEquations, solveEquations, invertMatrices,
+                                responseRows};
