@@ -114,6 +114,15 @@ class TestProgram : public QObject {
         row({"--report", "./b.bat", "b.bat"}, 2, "would replace the batch file");
         row({"--report", "nowhere/r.json", "b.bat"}, 2, "cannot write");
         row({"-x", "a.bat"}, 2, "");
+        for (const char* part : {"0/3", "4/3", "1/0", "-1/3", "1", "1/2/3", "a/b", "1/3x", ""}) {
+            row({"--work", "w", "--part", part, "b.bat"}, 2, "--part: it needs two numbers");
+        }
+        row({"--part", "1/2", "b.bat"}, 2, "--part needs --work");
+        row({"--part", "1/2", "--work", "w", "--from", "1", "b.bat"}, 2, "neither with --from");
+        row({"--part", "1/2", "--work", "w", "b.bat", "-C", ".", ".."}, 2, "one folder only");
+        row({"--stages", "--check", "b.bat"}, 2, "Only one of --check and --stages");
+        row({"--stages", "--work", "w", "b.bat"}, 2, "--work does not go with --stages");
+        row({"--stages", "nothing.bat"}, 2, "cannot open");
         row({"-C", "nowhere", "b.bat"}, 2, "cannot enter nowhere");
         row({"--origin", "nothing.tif"}, 1, "nothing.tif: there is no such file");
         row({"--record", "b.bat"}, 1, "b.bat: no origin in it");
