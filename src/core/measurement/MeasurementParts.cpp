@@ -110,8 +110,8 @@ void Measurement::shareOut(KeptRows* rows, BinRaster* raster) {
     if (store == nullptr) {  // which has been said
         m_aboutParts.failures += std::exchange(m_aboutParts.warnings, {});
     } else if (!store->changedInput().isEmpty()) {
-        m_aboutParts.failures << tr("changed since other parts of this were made: %1")
-                                     .arg(store->changedInput());
+        m_aboutParts.failures
+            << tr("changed since other parts of this were made: %1").arg(store->changedInput());
     } else if (store->isComplete()) {
         return;
     }

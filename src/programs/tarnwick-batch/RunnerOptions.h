@@ -25,7 +25,7 @@ struct RunnerOptions {
     QString work;              ///< where parts of analyses are kept; empty: nowhere
     int part = 0;              ///< whose share of `parts` is made; 0: all of the batch
     int parts = 0;
-    int from = 0;              ///< line of the file to go on from; 0: the first
+    int from = 0;                   ///< line of the file to go on from; 0: the first
     bool stopsOnError = false;      ///< the first line that fails ends the batch
     QString report;                 ///< tells of each line; empty: none
     QString summary;                ///< the table of all scans; empty: none
