@@ -8,6 +8,8 @@
 #include "batch/CmdLine.h"
 #include "batch/CommandTables.h"
 #include "batch/LineItems.h"
+#include "batch/NamedTexts.h"
+#include "batch/StartLine.h"
 
 class TestCmdLine : public QObject {
     Q_OBJECT
@@ -72,6 +74,9 @@ class TestCmdLine : public QObject {
             QCOMPARE(commandId(row.name), row.id);
             names.insert(QString(row.name).toUpper());
             QVERIFY(row.required <= int(row.args.size()));
+            const QString name = row.name;
+            const bool isForm = name.startsWith("saveDataCfg");
+            QCOMPARE(row.saves(), (name.contains("save") && !isForm) || name == "fit_spectrum");
         }
         QCOMPARE(names.size(), int(commandTable().size()));
     }
@@ -114,6 +119,73 @@ class TestCmdLine : public QObject {
         QCOMPARE(text.lineNumber(4), 8);
         QCOMPARE(text.lineNumber(5), 0);
         QCOMPARE(text.lineNumber(-1), 0);
+    }
+
+    void textsForNames_data() {
+        columns<QStringList, QString, QString, QStringList>("set", "line", "made", "unused");
+        using L = QStringList;
+        const auto row = [](const char* line, const L& set, const char* made,
+                            const L& unused = {}) {
+            QTest::newRow(line) << set << line << made << unused;
+        };
+        row("x %SCAN% a%SCAN%%B2%.tif", {"SCAN=7", "B2="}, "x 7 a7.tif");
+        row("x 50%AB%CD%EF%", {"CD=%EF%", "EF=1"}, "x 50%AB%EF%EF%", {"EF"});
+        row("x %EF%%CD%", {"CD=%EF%", "EF=\\1 $2"}, "x \\1 $2%EF%");
+        row("x %ab% %A% %r %1A% %SCAN", {"SCAN=a", "AB=b"}, "x %ab% %A% %r %1A% %SCAN",
+            {"SCAN", "AB"});
+    }
+
+    void textsForNames() {
+        QFETCH(QStringList, set);
+        QFETCH(QString, line);
+        QVector<NamedText> texts;
+        for (const QString& written : set) {
+            NamedText text;
+            QCOMPARE(readNamedText(written, &text), QString());
+            texts << text;
+        }
+        QStringList lines{"", line};
+        QTEST(replaceNamed(texts, &lines), "unused");
+        QTEST(lines.last(), "made");
+        NamedText text;
+        for (const char* bad : {"", "=1", "AB", "A=1", "aB=1", "A B=1", "_A=1", "2A=1", "AB\n=1",
+                                "%AB%=1", "AB=1\n", "AB=a\\", "AB=a\\ "}) {
+            QVERIFY2(!readNamedText(bad, &text).isEmpty(), bad);
+        }
+    }
+
+    /// Lines of the file are counted; loops are begun anew.
+    void whereABatchGoesOn() {
+        const BatchText text = BatchText::fromLines({"a",
+                                                     "",
+                                                     ":for i %i 1 2",
+                                                     "b \\",
+                                                     "c",
+                                                     ":for j %j 1 2",
+                                                     "d",
+                                                     ":next j",
+                                                     ":next i",
+                                                     ":for k %k 1 2",
+                                                     "e",
+                                                     ":for l %l 1 2",
+                                                     "f",
+                                                     ":next k",
+                                                     "g",
+                                                     ":next l",
+                                                     ":rem_start",
+                                                     ":for m %m 1 2",
+                                                     ":rem_end",
+                                                     "h",
+                                                     ":next m",
+                                                     ""});
+        const QVector<int> first{1,  3,  3,  3,  3,  3,  3,  3,  3,  10, 10,
+                                 10, 10, 10, 10, 10, 17, 18, 19, 20, 21};
+        for (int line = 1; line <= first.size(); ++line) {
+            const std::optional<int> start = startIndex(text, line);
+            QVERIFY(start);
+            QCOMPARE(text.lineNumber(*start), first.at(line - 1));
+        }
+        QVERIFY(!startIndex(text, 22) && !startIndex(text, 99) && !startIndex(BatchText(), 1));
     }
 
     void filesAreReadAsUtf8() {

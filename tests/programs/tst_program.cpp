@@ -124,6 +124,19 @@ class TestProgram : public QObject {
         row({"--stages", "--work", "w", "b.bat"}, 2, "--work does not go with --stages");
         row({"--stages", "nothing.bat"}, 2, "cannot open");
         row({"-C", "nowhere", "b.bat"}, 2, "cannot enter nowhere");
+        row({"b.bat", "-C", "."}, 0, "0 lines");
+        row({"-C", ".", "b.bat", "--check"}, 0, "0 errors");
+        row({"-C", "."}, 2, "No file given");
+        row({"-C", "", "b.bat"}, 2, "-C: it needs a folder");
+        row({"--set", "AB=1", "b.bat"}, 2, "--set: no %AB% in b.bat");
+        row({"--set", "AB=1", "--set", "AB=2", "b.bat"}, 2, "AB is given twice");
+        row({"--set", "a=1", "b.bat"}, 2, "--set: needs NAME=TEXT");
+        row({"--from", "1", "b.bat"}, 2, "nothing at line 1 of b.bat");
+        row({"--from", "0", "b.bat"}, 2, "--from: it needs");
+        row({"--progress", "nan", "b.bat"}, 2, "--progress: it needs");
+        row({"--summary", "b.bat", "b.bat"}, 2, "would replace the batch file");
+        row({"--summary", "r", "--report", "./r", "b.bat"}, 2, "cannot be one file");
+        row({"--summary", "nowhere/s.csv", "b.bat"}, 2, "cannot write");
         row({"--origin", "nothing.tif"}, 1, "nothing.tif: there is no such file");
         row({"--record", "b.bat"}, 1, "b.bat: no origin in it");
         row({"--version"}, 0, "tarnwick-batch ");
@@ -150,6 +163,149 @@ class TestProgram : public QObject {
         const Run result = runWith({"-C", "in here", batchOf({"calib_load_std foil.dat"})});
         QCOMPARE(result.verdict, QString("1 line done, 0 with a warning, 0 failed"));
         QCOMPARE(result.code, 0);
+    }
+
+    /// Each on its own: one fails, one cannot be entered, and the others are done.
+    void runsInSeveralFolders() {
+        QStringList lines = m_phantom->loadAndSetReferences();
+        lines += {"analyzer_exec_LCF", "analyzer_select_image_type 1", "analyzer_select_image 0",
+                  "calib_load_std %FOIL%.dat", "save_data_as_tiff m.tif"};
+        const QString failed = QString("scan_2: line %1: calib_load_std: ").arg(lines.size() - 1);
+        for (const char* folder : {"scan_1", "scan_2", "scan,3"}) {
+            QVERIFY(QDir(m_dir.path()).mkdir(folder));
+            if (folder != QString("scan_2")) {
+                QVERIFY(QFile::copy(m_phantom->file("a.dat"), file(folder) + "/f.dat"));
+            }
+        }
+        const QString batch = batchOf(lines);
+        const QStringList folders{"-C", "scan_1", "nowhere", "scan_2", "-C", "scan,3"};
+        const QStringList rest{"--set", "FOIL=f", "--report", "r.json"};
+        const Run result = runWith(QStringList{batch} + folders + rest);
+        QCOMPARE(result.code, 1);
+        QCOMPARE(result.verdict,
+                 QString("2 of 4 folders done, 0 with a warning, 2 failed: nowhere, scan_2"));
+        QVERIFY2(
+            result.problems.contains("cannot enter nowhere\n") && result.problems.contains(failed),
+            qPrintable(result.problems));
+        QCOMPARE(result.out.count(QRegularExpression("folder \\d of 4: (scan|nowhere)")), 4);
+        QVERIFY(QFile::exists(file("scan_1/m.tif")) && QFile::exists(file("scan,3/m.tif")));
+
+        QMap<QString, int> entries;
+        const QJsonArray told = QJsonDocument::fromJson(contentOf(file("r.json"))).array();
+        for (const QJsonValue& entry : told) {
+            ++entries[entry.toObject().value("folder").toString()];
+        }
+        const int each = lines.size() + 1;
+        QCOMPARE(
+            entries,
+            (QMap<QString, int>{
+                {"scan_1", each}, {"scan_2", each}, {"scan,3", each}, {"nowhere", 1}, {"", 1}}));
+
+        const Run same = runWith(QStringList{"--summary", "s.csv", "--strict", "--set", "FOIL=f"} +
+                                 folders + QStringList{"--", batch});
+        QCOMPARE(same.verdict, result.verdict);
+        const QByteArray table = contentOf(file("s.csv"));
+        QVERIFY(!same.out.contains("scan,outcome"));
+        double mean = 0.0;
+        for (int i = 0; i < 96; ++i) {
+            mean += fractionOfA(i % 12, i / 12) / 96.0;
+        }
+        const QStringList rows = QString::fromUtf8(table).trimmed().split('\n');
+        QCOMPARE(rows.size(), 5);
+        QCOMPARE(rows.at(0), QString("scan,outcome,bins,seconds,mean_fraction_1,mean_fraction_2"));
+        QVERIFY2(rows.at(1).startsWith("scan_1,done,96,"), table);
+        QCOMPARE(rows.at(2), QString("nowhere,failed,,0.00,,"));
+        QVERIFY2(rows.at(3).startsWith("scan_2,failed,96,"), table);
+        QVERIFY2(rows.at(4).startsWith("\"scan,3\",done,96,"), table);
+        for (const int at : {1, 3, 4}) {
+            const QStringList items = rows.at(at).split(',');
+            QVERIFY(std::abs(items.at(items.size() - 2).toDouble() - mean) < 2e-4);
+            QVERIFY(std::abs(items.last().toDouble() - (1.0 - mean)) < 2e-4);
+        }
+        QVERIFY(result.out.contains("scan,outcome,bins,seconds,mean_fraction_1,mean_fraction_2\n"));
+
+        // A summary of one folder names it, too, and spares what one of the folders has read.
+        const Run one = runWith(
+            {"-C", "scan_1", batchOf({"calib_load_std f.dat"}), "--summary", "scan_1/f.dat"});
+        QCOMPARE(one.code, 1);
+        QVERIFY2(one.problems.contains("was read from this file"), qPrintable(one.problems));
+        QCOMPARE(contentOf(file("scan_1/f.dat")), contentOf(m_phantom->file("a.dat")));
+    }
+
+    /// A name for which there is no text is no name of a file, but of one that is there.
+    void namesThatAreLeftOver() {
+        put(file("%E9%89.dat"), contentOf(m_phantom->file("a.dat")));
+        const QString batch = batchOf({":echo %AB%", "calib_load_std %E9%89.dat", "set_band_w %NN%",
+                                       ":for i %NN% 3 3", ":echo %NN%", "set_band_w %NN%",
+                                       "calib_save_map %OUT%%NN%.emp", ":next i"});
+        for (const QStringList& arguments : {QStringList{batch}, QStringList{"--check", batch}}) {
+            const Run result = runWith(arguments);
+            QCOMPARE(result.code, 1);
+            const QString said = result.out + result.problems;
+            QCOMPARE(said.count("stands for nothing"), 3);
+            for (const char* line : {"1:", "3:", "7:"}) {
+                QVERIFY2(said.contains(QRegularExpression(
+                             QString("^(line |b\\.bat:)%1.*stands for nothing").arg(line),
+                             QRegularExpression::MultilineOption)),
+                         qPrintable(said));
+            }
+        }
+    }
+
+    /// Ended at a failure, mended, and gone on with: what was saved before is left alone, what is
+    /// saved after is what one run saves.
+    void goesOnAfterAFailure() {
+        QStringList lines = m_phantom->loadAndSetReferences();
+        lines += {"analyzer_exec_LCF",         "analyzer_select_image 0",
+                  "saveDataCfg_save_as_float", "save_data_as_tiff before.tif",
+                  "calib_load_std mended.dat", "save_data_as_tiff after.tif",
+                  "save_record after.bat"};
+        const int at = lines.indexOf("calib_load_std mended.dat") + 1;
+        const QString number = QString::number(at);
+        const Run ended = runWith({"--stop-on-error", batchOf(lines)});
+        QCOMPARE(ended.code, 1);
+        QVERIFY2(ended.verdict.endsWith("1 failed: line " + number + " (calib_load_std)"),
+                 qPrintable(ended.out));
+        QVERIFY2(ended.out.contains("go on with --from " + number + "\n"), qPrintable(ended.out));
+        QVERIFY(QFile::exists(file("before.tif")) && !QFile::exists(file("after.tif")));
+        put(file("before.tif"), "kept");
+        QCOMPARE(runWith({"--check", "--from", number, "b.bat"}).code, 1);
+        QVERIFY(QFile::copy(m_phantom->file("a.dat"), file("mended.dat")));
+        QCOMPARE(runWith({"--check", "--from", number, "b.bat"}).code, 0);
+        const Run mended = runWith({"--from", number, "b.bat"});
+        QCOMPARE(mended.code, 0);
+        QCOMPARE(mended.out.count("note: left out"), 1);
+        QCOMPARE(contentOf(file("before.tif")), QByteArray("kept"));
+        const QByteArray after = contentOf(file("after.tif"));
+        const QByteArray record = contentOf(file("after.bat"));
+        QCOMPARE(run(lines).code, 0);
+        QCOMPARE(contentOf(file("after.tif")), after);
+        QCOMPARE(contentOf(file("after.bat")), record);
+    }
+
+    /// Where there is no terminal, lines of their own tell how far it is; none in a short batch.
+    void tellsHowFarItIs() {
+        QStringList lines = m_phantom->loadAndSetReferences();
+        lines += {":for i %i 1 200", ":echo \"half a line\"", "analyzer_exec_LCF", ":next i"};
+        const Run result = runWith({"--progress", "0.01", batchOf(lines)});
+        QCOMPARE(result.code, 0);
+        const QRegularExpression shape("^progress: line \\d+ \\([\\w:]+\\)(: \\S.*)?$");
+        int told = 0;
+        QStringList others;
+        for (const QString& line : result.out.split('\n')) {
+            if (line.contains("progress")) {
+                QVERIFY2(shape.match(line).hasMatch(), qPrintable(line));
+                ++told;
+            } else {
+                others << line;
+            }
+        }
+        QVERIFY(told > 0);
+        const QString quiet = runWith({"b.bat"}).out;
+        QCOMPARE(runWith({"--progress", "0", "b.bat"}).out, quiet);
+        QVERIFY(!quiet.contains("progress"));
+        // But for the ends of the lines that were broken for them the log is the same.
+        QCOMPARE(others.join(QString()), QString(quiet).remove('\n'));
     }
 
     void whatIsSaidToTheLetter() {

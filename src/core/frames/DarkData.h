@@ -35,6 +35,7 @@ class DarkData : public QObject {
 
     bool isLoading() const { return m_loader.isLoading(); }
     int filesLeft() const { return m_loader.total() - m_loader.done(); }
+    int filesDone() const { return m_loader.done(); }
     int loaded() const { return m_loader.frames().size(); }
     /// How many of the loaded frames have the images' size; all of them while there are no images.
     int fitting() const;

@@ -36,7 +36,11 @@ Measurement::Measurement()
             tellLoaded(Work::LoadDark, outcome);
         }
     });
-    connect(&m_dark, &DarkData::progressed, this, [this] { emit changed(AtWork); });
+    connect(&m_dark, &DarkData::progressed, this, [this] {
+        emit changed(AtWork);
+        const int done = m_dark.filesDone();
+        emit progressed(Work::LoadDark, done, done + m_dark.filesLeft());
+    });
     connect(&m_job, &RowJob::progressed, this, &Measurement::rowsTaken);
     connect(&m_job, &RowJob::finished, this, &Measurement::passEnded);
     connect(&m_mapJob, &MapJob::finished, this, &Measurement::mapProcessed);

@@ -56,7 +56,10 @@ void BatchSession::commandDone(const CmdLine& cmd, const Outcome& outcome) {
 }
 
 void BatchSession::say(int line, const CmdLine& cmd, const Outcome& outcome) {
-    const QString head = QStringLiteral("line %1: %2: ").arg(QString::number(line), cmd.command);
+    const QString folder =
+        m_options.folder.isEmpty() ? QString() : m_options.folder + QStringLiteral(": ");
+    const QString head =
+        folder + QStringLiteral("line %1: %2: ").arg(QString::number(line), cmd.command);
     for (const QString& failure : outcome.failures) {
         m_console->note(head + failure);
     }

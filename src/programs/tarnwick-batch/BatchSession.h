@@ -36,7 +36,7 @@ class BatchSession : public QObject {
         bool isStrict = false;         ///< a warning is a failure
         bool tellsTime = false;        ///< of all of it, with the verdict
         RunReport* report = nullptr;   ///< open; null: none
-        QString folder{};              ///< for the report of several; empty: the only one
+        QString folder{};              ///< said with each, of several; empty: the only one
         bool stopsOnError = false;     ///< what counts as a failure ends the batch
         const Share* share = nullptr;  ///< of the batch that is made; null: all of it
     };

@@ -133,7 +133,8 @@ QString Progress::measure() const {
             parts << QStringLiteral("row %1 of %2").arg(rows.first).arg(rows.second);
         }
     }
-    if (const std::optional<double> seconds = m_left.seconds()) {
+    const std::optional<double> seconds = m_left.seconds();
+    if (seconds && m_done < m_of) {
         parts << leftText(*seconds);
     }
     return parts.join(QStringLiteral(", "));

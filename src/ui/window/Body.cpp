@@ -204,7 +204,7 @@ void Body::connectMeasurement() {
                 if (work == Work::LoadI1 || work == Work::LoadI0) {
                     emit loadProgress(work == Work::LoadI1 ? 1 : 0, static_cast<int>(done),
                                       static_cast<int>(of));
-                } else {
+                } else if (work != Work::LoadDark) {
                     emit analysisProgress(done);
                 }
             });

@@ -160,6 +160,9 @@ void StatusLine::showProgress(Work work, double done, double of) {
         showSoon();
         return;
     }
+    if (work == Work::LoadDark) {
+        return;  // the line says how many there are
+    }
     const QString name = nameOfWork(work, m_measurement.settings().method);
     m_bar->showWork(work, name, 100.0 * done / of);
 }
