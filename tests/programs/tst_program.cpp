@@ -232,6 +232,20 @@ class TestProgram : public QObject {
         QCOMPARE(contentOf(file("scan_1/f.dat")), contentOf(m_phantom->file("a.dat")));
     }
 
+    void ctrlCEndsAllFolders() {
+        QProcess process;
+        start(&process, {batchOf({":for i %i 1 100000000", "set_band_w %i", ":next i"}), "-C", ".",
+                         ".", ".", "--summary", "ended.csv"});
+        QVERIFY(process.waitForReadyRead(60000));
+        ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(process.exitCode(), 128 + SIGINT);
+        const QByteArray out = process.readAllStandardOutput();
+        QVERIFY(out.contains("folder 1 of 3: .\n") && !out.contains("folder 2 of 3"));
+        QVERIFY(out.endsWith("\n0 of 3 folders done, 0 with a warning, 1 failed: .\n"));
+        QVERIFY(contentOf(file("ended.csv")).contains("\n.,failed,,"));
+    }
+
     /// A name for which there is no text is no name of a file, but of one that is there.
     void namesThatAreLeftOver() {
         put(file("%E9%89.dat"), contentOf(m_phantom->file("a.dat")));

@@ -58,6 +58,9 @@ QString readNamedText(const QString& written, NamedText* named) {
 }
 
 QStringList replaceNamed(const QVector<NamedText>& texts, QStringList* lines) {
+    if (texts.isEmpty()) {
+        return {};
+    }
     QSet<QString> used;
     for (QString& line : *lines) {
         line = lineWith(texts, line, &used);

@@ -52,6 +52,7 @@ BatchRuns::BatchRuns(const AskedBatch& batch, const RunnerOptions& options, Cons
       m_reportFile{QStringLiteral("--report"), options.report, {}},
       m_summaryFile{QStringLiteral("--summary"), options.summary, {}} {
     m_sinceStart.start();
+    QObject::connect(&m_cleanEnd, &CleanEnd::requested, &m_progress, &Progress::end);
 }
 
 int BatchRuns::run() {
@@ -170,10 +171,11 @@ int BatchRuns::converse(BatchSession* session, Measurement* measurement, int fol
     QObject::connect(&runner, &R::commandDone, session, &S::commandDone);
     QObject::connect(&runner, &R::commandDone, &m_progress, &Progress::lineDone);
     QObject::connect(measurement, &Measurement::progressed, &m_progress, &Progress::work);
+    // No line about the progress comes behind the verdict.
+    QObject::connect(dispatcher, &BatchDispatcher::ended, &m_progress, &Progress::end);
     QObject::connect(dispatcher, &BatchDispatcher::ended, session, &S::end);
     QObject::connect(session, &S::stopAsked, &runner, &R::stop);
     QObject::connect(&m_cleanEnd, &CleanEnd::requested, session, &S::interrupt);
-    QObject::connect(session, &S::finished, &m_progress, &Progress::end);
     QObject::connect(session, &S::finished, &loop, &QEventLoop::exit, Qt::QueuedConnection);
     runner.leaveOutSavesBefore(m_batch.start);
     runner.start(m_text.lines);

@@ -1,5 +1,6 @@
 #include "tarnwick-batch/Progress.h"
 
+#include <QTimer>
 #include <cmath>
 
 #include "base/Numbers.h"
@@ -59,29 +60,43 @@ QString leftText(double seconds) {
 }  // namespace
 
 Progress::Progress(Console* console, double seconds) : m_console(console) {
-    if (seconds > 0.0 && !console->showsBar()) {
-        m_timer.setInterval(toClampedInt(seconds * 1000.0, LeastMs, Many));
-        m_timer.start();
-    }
-    connect(&m_timer, &QTimer::timeout, this, &Progress::tell);
     m_clock.start();
+    if (seconds > 0.0 && !console->showsBar()) {
+        auto* timer = new QTimer;
+        timer->setInterval(toClampedInt(seconds * 1000.0, LeastMs, Many));
+        timer->moveToThread(&m_thread);
+        connect(timer, &QTimer::timeout, timer, [this] { tell(); });
+        connect(&m_thread, &QThread::started, timer, qOverload<>(&QTimer::start));
+        connect(&m_thread, &QThread::finished, timer, &QObject::deleteLater);
+        m_thread.start();
+    }
+}
+
+Progress::~Progress() {
+    m_thread.quit();
+    m_thread.wait();
 }
 
 void Progress::begin(const Batch& batch) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_batch = batch;
     m_runs = true;
-    lineDone();
+    m_work = Work::None;
 }
 
 void Progress::lineDone() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_work = Work::None;
 }
 
 void Progress::end() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_runs = false;
+    m_batch.lineInWork = [] { return -1; };  // who tells it goes
 }
 
 void Progress::work(Work work, double done, double of) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
     if (!m_runs || !(of > 0.0)) {
         return;
     }
@@ -92,6 +107,7 @@ void Progress::work(Work work, double done, double of) {
     m_work = work;
     m_done = done;
     m_of = of;
+    m_rows = m_batch.rows ? m_batch.rows() : QPair<int, int>();
     if (std::isfinite(fraction)) {
         m_left.note(fraction, m_clock.elapsed());
     }
@@ -128,9 +144,8 @@ QString Progress::measure() const {
                      .arg(toClampedInt(m_of, 0, Many));
     } else {
         parts << QStringLiteral("%1 %").arg(toClampedInt(100.0 * (m_done / m_of), 0, 100));
-        const QPair<int, int> rows = m_batch.rows ? m_batch.rows() : QPair<int, int>();
-        if (rows.second > 0) {
-            parts << QStringLiteral("row %1 of %2").arg(rows.first).arg(rows.second);
+        if (m_rows.second > 0) {
+            parts << QStringLiteral("row %1 of %2").arg(m_rows.first).arg(m_rows.second);
         }
     }
     const std::optional<double> seconds = m_left.seconds();
@@ -141,6 +156,7 @@ QString Progress::measure() const {
 }
 
 void Progress::tell() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_runs) {
         QStringList parts{QStringLiteral("progress:"), head()};
         if (m_work != Work::None) {

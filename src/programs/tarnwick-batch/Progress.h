@@ -3,8 +3,9 @@
 #include <QElapsedTimer>
 #include <QObject>
 #include <QPair>
-#include <QTimer>
+#include <QThread>
 #include <functional>
+#include <mutex>
 
 #include "base/TimeLeft.h"
 #include "batch/BatchText.h"
@@ -14,7 +15,7 @@ class Console;
 
 /// Shows how far batches are, one after another: line, rows, per cent and the time left of the work
 /// that is under way; on a terminal by a bar, where there is none by a line of the log now and
-/// then.
+/// then. The lines come from a thread of their own, as a long save keeps the program's.
 class Progress : public QObject {
     Q_OBJECT
 
@@ -23,12 +24,13 @@ class Progress : public QObject {
     struct Batch {
         QString place;  ///< put in front: "folder 3 of 12"; may be empty
         BatchText text;
-        std::function<int()> lineInWork;        ///< index in text.lines
+        std::function<int()> lineInWork;        ///< index in text.lines; asked from any thread
         std::function<QPair<int, int>()> rows;  ///< of bins done, of how many; 0 of 0: unknown
     };
 
     /// seconds: between the lines where there is no terminal; 0: none.
     Progress(Console* console, double seconds);
+    ~Progress() override;
 
     void begin(const Batch& batch);
 
@@ -45,12 +47,14 @@ class Progress : public QObject {
     void tell();
 
     Console* m_console;
-    QTimer m_timer;
+    QThread m_thread;  // of the timer
+    std::mutex m_mutex;
     Batch m_batch;
     bool m_runs = false;
     Work m_work = Work::None;  // None: the line has told nothing
     double m_done = 0.0;
     double m_of = 0.0;
+    QPair<int, int> m_rows;
     QElapsedTimer m_clock;
     TimeLeft m_left;
 };
