@@ -106,8 +106,8 @@ std::vector<OptionRow> makeRows() {
          "What is read at once fits into it; the results are the same for any size.",
          check, takeMemory},
         {"C", "FOLDER",
-         "Run the batch in this folder, or in each of several, whose names follow one another or "
-         "each its own -C: FILE -C scan_*. FILE is taken from where the program is started.",
+         "Run the batch in this folder, or in each of several: FILE -C scan_*, or a -C for each. "
+         "FILE is taken from where the program is started.",
          batch, takeFolder},
         {"set", "NAME=TEXT",
          "Put TEXT in the place of %NAME% in the batch, before its lines are read. May be given "
@@ -115,7 +115,8 @@ std::vector<OptionRow> makeRows() {
          batch, takeText},
         {"from", "LINE",
          "Take the batch up at this line of the file: lines before it that save are left out, all "
-         "others are done again. In the body of a loop it begins at the outermost :for.",
+         "others are done again (analyses from --work, where it is given). In the body of a loop "
+         "it begins at the outermost :for.",
          check, takeFrom},
         {"work", "DIR",
          "Keep finished parts of analyses in this folder, and take from it those that are there "

@@ -11,12 +11,12 @@ namespace {
 const char* const Description =
     "Runs a Tarnwick batch file to its end, without a display, or says how a saved\n"
     "result was made. File names in the batch are taken relative to the current\n"
-    "directory, or to the folder of -C.\n"
+    "directory, or to each folder of -C.\n"
     "\n"
-    "Exit code: 0 nothing failed, 1 a line failed (with --strict: or had a warning; with\n"
-    "--check and --stages: has an error; with --origin and --record: the file does not\n"
-    "tell), 2 wrong usage or unreadable batch file, 75 with --part: other shares must\n"
-    "come first, 130 after Ctrl-C.";
+    "Exit code: 0 nothing failed, 1 a line failed, or one of several folders (with\n"
+    "--strict: or had a warning; with --check and --stages: has an error; with --origin\n"
+    "and --record: the file does not tell), 2 wrong usage or unreadable batch file, 75\n"
+    "with --part: other shares must come first, 130 after Ctrl-C.";
 
 const QCommandLineOption& helpOption() {
     static const QCommandLineOption option({"h", "help"}, "Show this text.");
