@@ -1,7 +1,7 @@
 #include "tarnwick-batch/Progress.h"
 
-#include <QTimer>
 #include <cmath>
+#include <system_error>
 
 #include "base/Numbers.h"
 #include "batch/CmdLine.h"
@@ -62,19 +62,24 @@ QString leftText(double seconds) {
 Progress::Progress(Console* console, double seconds) : m_console(console) {
     m_clock.start();
     if (seconds > 0.0 && !console->showsBar()) {
-        auto* timer = new QTimer;
-        timer->setInterval(toClampedInt(seconds * 1000.0, LeastMs, Many));
-        timer->moveToThread(&m_thread);
-        connect(timer, &QTimer::timeout, timer, [this] { tell(); });
-        connect(&m_thread, &QThread::started, timer, qOverload<>(&QTimer::start));
-        connect(&m_thread, &QThread::finished, timer, &QObject::deleteLater);
-        m_thread.start();
+        const std::chrono::milliseconds interval(toClampedInt(seconds * 1000.0, LeastMs, Many));
+        try {
+            m_thread = std::thread([this, interval] { tellEvery(interval); });
+        } catch (const std::system_error&) {
+            // A batch can do without.
+        }
     }
 }
 
 Progress::~Progress() {
-    m_thread.quit();
-    m_thread.wait();
+    if (m_thread.joinable()) {
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_closes = true;
+        }
+        m_wake.notify_one();
+        m_thread.join();
+    }
 }
 
 void Progress::begin(const Batch& batch) {
@@ -155,8 +160,15 @@ QString Progress::measure() const {
     return parts.join(QStringLiteral(", "));
 }
 
+void Progress::tellEvery(std::chrono::milliseconds interval) {
+    std::unique_lock<std::mutex> lock(m_mutex);
+    while (!m_wake.wait_for(lock, interval, [this] { return m_closes; })) {
+        tell();
+    }
+}
+
+/// With the lock held.
 void Progress::tell() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_runs) {
         QStringList parts{QStringLiteral("progress:"), head()};
         if (m_work != Work::None) {

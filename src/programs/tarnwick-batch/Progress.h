@@ -3,9 +3,11 @@
 #include <QElapsedTimer>
 #include <QObject>
 #include <QPair>
-#include <QThread>
+#include <chrono>
+#include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <thread>
 
 #include "base/TimeLeft.h"
 #include "batch/BatchText.h"
@@ -44,11 +46,14 @@ class Progress : public QObject {
   private:
     QString head() const;
     QString measure() const;
+    void tellEvery(std::chrono::milliseconds interval);
     void tell();
 
     Console* m_console;
-    QThread m_thread;  // of the timer
-    std::mutex m_mutex;
+    std::thread m_thread;
+    std::mutex m_mutex;  // of all below
+    std::condition_variable m_wake;
+    bool m_closes = false;
     Batch m_batch;
     bool m_runs = false;
     Work m_work = Work::None;  // None: the line has told nothing
