@@ -70,8 +70,7 @@ class Share {
     }
     /// So that nobody else plans with it.
     void promise() {
-        m_promise.reset();
-        m_promise = std::make_unique<PromisedMemory>(coming());
+        m_promise.change(coming());
     }
 
     mutable std::mutex m_mutex;
@@ -80,7 +79,7 @@ class Share {
     quint64 m_working = 0;
     quint64 m_expected = 0;  // of frames that are not decoded yet
     quint64 m_greatest = 0;  // of the work on one of them
-    std::unique_ptr<PromisedMemory> m_promise;
+    PromisedMemory m_promise;
 };
 
 Share& share() {

@@ -7,8 +7,9 @@
 
 void LoadTiff::loadHeader(const QString& fname, TiffData* data) const {
     if (data->width == 0 && data->refusal.isEmpty()) {
-        const FileState state = m_countsWhenNeeded ? stateOfFile(fname) : FileState();
-        const FrameHeader header = frameHeader(fname);
+        const QString place = placeOf(fname);
+        const FileState state = m_countsWhenNeeded ? stateOfFile(place) : FileState();
+        const FrameHeader header = frameHeader(place);
         data->width = header.width;
         data->height = header.height;
         data->refusal = header.refusal;

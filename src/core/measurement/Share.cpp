@@ -1,5 +1,7 @@
 #include "measurement/Share.h"
 
+#include <unistd.h>
+
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
@@ -28,6 +30,14 @@ bool setKeptTime(const QString& place) {
     return file.open(QIODevice::ReadWrite) &&
            file.setFileTime(QDateTime::fromSecsSinceEpoch(0, Qt::UTC),
                             QFileDevice::FileModificationTime);
+}
+
+/// Puts a file in its place for good. Another share may have put the same there at this moment and
+/// read it by now: a link does not take its place as a renaming would.
+/// @param isThere whether what stands in its place is this
+bool settle(const QByteArray& part, const QByteArray& place, const std::function<bool()>& isThere) {
+    return ::link(part.constData(), place.constData()) == 0 || isThere() ||
+           std::rename(part.constData(), place.constData()) == 0;
 }
 
 }  // namespace
@@ -61,8 +71,9 @@ bool Share::keep(const QString& fileName, const std::function<bool()>& writer) {
     // One that is there already may be read at this moment.
     const bool isKept =
         !digest.isEmpty() && setKeptTime(written) &&
-        (digestOf(identity, place) == digest ||
-         std::rename(fresh.part().constData(), QFile::encodeName(place).constData()) == 0);
+        (digestOf(identity, place) == digest || settle(fresh.part(), QFile::encodeName(place), [&] {
+             return digestOf(identity, place) == digest;
+         }));
     m_kept.put(identity, isKept ? place : before);
     return isKept;
 }
