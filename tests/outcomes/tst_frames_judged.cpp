@@ -228,7 +228,8 @@ class TestFramesJudged : public QObject {
             };
         };
         // tarnwick-batch says it where the counts are read first, the window of the load.
-        const QString twice = "LOAD\nanalyzer_set_ra_energy 7120\nanalyzer_exec_ra\nanalyzer_exec_ra";
+        const QString twice =
+            "LOAD\nanalyzer_set_ra_energy 7120\nanalyzer_exec_ra\nanalyzer_exec_ra";
         add("saturated", saturate(4), twice.section('\n', 0, 2), "warning",
             "^warning: I1: 0.13 % of the pixels are saturated[^\n]*$");
         add("saturated, said once", saturate(4), twice, "done", "");

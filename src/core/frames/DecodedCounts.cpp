@@ -69,9 +69,7 @@ class Share {
                                      std::max(m_greatest, std::min(most(), m_expected));
     }
     /// So that nobody else plans with it.
-    void promise() {
-        m_promise.change(coming());
-    }
+    void promise() { m_promise.change(coming()); }
 
     mutable std::mutex m_mutex;
     std::condition_variable m_ended;

@@ -321,7 +321,7 @@ class Measurement : public QObject {
     std::shared_ptr<const Run> m_foundMean;  // the last that has found one
     RowJob m_job;
     SaturatedPixels m_saturated;  // met by it
-    PromisedMemory m_promised;  // to the results of the run under way
+    PromisedMemory m_promised;    // to the results of the run under way
     ShareOfTime m_eachRow;
     MapJob m_mapJob;
     std::optional<MapWork> m_mapWork;
