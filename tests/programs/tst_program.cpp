@@ -131,7 +131,7 @@ class TestProgram : public QObject {
         row({"--set", "AB=1", "b.bat"}, 2, "--set: no %AB% in b.bat");
         row({"--set", "AB=1", "--set", "AB=2", "b.bat"}, 2, "AB is given twice");
         row({"--set", "a=1", "b.bat"}, 2, "--set: needs NAME=TEXT");
-        row({"--from", "1", "b.bat"}, 2, "nothing at line 1 of b.bat");
+        row({"--from", "1", "b.bat"}, 2, "no command from line 1 of b.bat on");
         row({"--from", "0", "b.bat"}, 2, "--from: it needs");
         row({"--progress", "nan", "b.bat"}, 2, "--progress: it needs");
         row({"--summary", "b.bat", "b.bat"}, 2, "would replace the batch file");

@@ -222,7 +222,7 @@ class TestShares : public QObject {
         QCOMPARE(share(1, 2).code, 0);
         const Run again = share(1, 2);
         QCOMPARE(again.code, 75);
-        QVERIFY2(again.verdict.contains("others must come first"), qPrintable(again.verdict));
+        QVERIFY2(again.verdict.contains("other shares must come first"), qPrintable(again.verdict));
         // A part that is damaged is made again.
         const QString part = parts().first();
         const QByteArray whole = contentOf(part);

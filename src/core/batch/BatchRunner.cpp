@@ -73,7 +73,8 @@ void BatchRunner::run(const CmdLine& cmd) {
         return;
     }
     if (row->saves() && cmd.line < m_start) {
-        answer(cmd, Outcome::note(Batch::tr("left out: the batch is taken up further down")));
+        answer(cmd, Outcome::note(Batch::tr(
+                        "left out: it saves, and the batch is taken up at a later line")));
         return;
     }
     Outcome outcome = std::exchange(m_aboutRecord, {});

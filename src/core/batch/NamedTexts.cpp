@@ -79,6 +79,6 @@ QString leftOverName(const QString& text) {
 }
 
 QString aboutLeftOver(const QString& name) {
-    return Batch::tr("%1 stands for nothing: no text was given for it, and no loop has it")
+    return Batch::tr("%1 stands for nothing: --set gives no text for it, and no loop has it")
         .arg(name);
 }

@@ -59,9 +59,9 @@ std::shared_ptr<PartStore> Measurement::partsOf(bool isMeanSearch, const BinRast
     }
     const QString changed = changedSinceLoaded(run.inputs);
     if (!changed.isEmpty()) {
-        m_aboutParts.warnings
-            << tr("changed since it was loaded, so that no parts are taken or kept: %1")
-                   .arg(changed);
+        m_aboutParts.warnings << tr("%1: has changed since it was loaded, the work folder is not "
+                                    "used for this analysis")
+                                     .arg(changed);
         return nullptr;
     }
     QVector<XafsSpectrum> spectra;
@@ -110,8 +110,8 @@ void Measurement::shareOut(KeptRows* rows, BinRaster* raster) {
     if (store == nullptr) {  // which has been said
         m_aboutParts.failures += std::exchange(m_aboutParts.warnings, {});
     } else if (!store->changedInput().isEmpty()) {
-        m_aboutParts.failures
-            << tr("changed since other parts of this were made: %1").arg(store->changedInput());
+        m_aboutParts.failures << tr("changed since other parts of this analysis were made: %1")
+                                     .arg(store->changedInput());
     } else if (store->isComplete()) {
         return;
     }

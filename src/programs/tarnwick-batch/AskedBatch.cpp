@@ -23,7 +23,7 @@ AskedBatch AskedBatch::read(const RunnerOptions& options) {
         const auto start = startIndex(BatchText::fromLines(batch.lines), options.from);
         batch.start = start.value_or(0);
         batch.problem = start ? QString()
-                              : QStringLiteral("--from: there is nothing at line %1 of %2")
+                              : QStringLiteral("--from: no command from line %1 of %2 on")
                                     .arg(QString::number(options.from), options.file);
     }
     return batch;

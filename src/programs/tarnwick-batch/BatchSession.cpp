@@ -122,7 +122,7 @@ QString BatchSession::shareText() const {
         case Share::End::Failed:
             return QStringLiteral("%1: failed").arg(where);
         case Share::End::Waits:
-            return QStringLiteral("%1: made before, others must come first").arg(where);
+            return QStringLiteral("%1: made before, other shares must come first").arg(where);
         case Share::End::Made:
             break;
     }

@@ -18,7 +18,7 @@ int printStages(const AskedBatch& batch, const RunnerOptions& options, Console& 
                          .arg(options.file, QString::number(error.line), error.text));
     }
     if (!plan.errors.isEmpty()) {
-        console.note(QStringLiteral("tarnwick-batch: %1 has errors: its stages cannot be told")
+        console.note(QStringLiteral("tarnwick-batch: %1 has errors: its stages cannot be counted")
                          .arg(options.file));
         return BatchSession::SomeFailed;
     }
