@@ -901,6 +901,14 @@
         <source>too few arguments: which energy is taken off?</source>
         <translation>引数が足りません: 差し引くエネルギーを指定してください</translation>
     </message>
+    <message>
+        <source>left out: it saves, and the batch is taken up at a later line</source>
+        <translation>実行しません: 保存の行で、バッチはこれより後の行から再開されています</translation>
+    </message>
+    <message>
+        <source>%1 stands for nothing: --set gives no text for it, and no loop has it</source>
+        <translation>%1 に置き換える文字がありません: --set の指定になく、繰り返しの変数でもありません</translation>
+    </message>
 </context>
 <context>
     <name>BatchCtrl</name>
@@ -2603,6 +2611,30 @@ Folder</source>
         <source>%1-bit float, not 32-bit float</source>
         <translation>32 ビットではなく %1 ビットの浮動小数点です</translation>
     </message>
+    <message>
+        <source>%1: cannot be read: %2</source>
+        <translation>%1: 読み込めません: %2</translation>
+    </message>
+    <message>
+        <source>%1: has changed since it was loaded</source>
+        <translation>%1: 読み込みの後で変更されました</translation>
+    </message>
+    <message>
+        <source>%1: has gone since it was loaded</source>
+        <translation>%1: 読み込みの後でなくなりました</translation>
+    </message>
+    <message>
+        <source>%1: not enough memory</source>
+        <translation>%1: メモリが足りません</translation>
+    </message>
+    <message>
+        <source>%1: is shorter than when it was loaded</source>
+        <translation>%1: 読み込んだときより短くなっています</translation>
+    </message>
+    <message>
+        <source>the temporary file for decoded counts in %1: %2</source>
+        <translation>展開したカウントの一時ファイル (フォルダー %1): %2</translation>
+    </message>
 </context>
 <context>
     <name>FrameStrip</name>
@@ -3133,6 +3165,26 @@ Folder</source>
         <source>no bin of the area has its centre inside the shape</source>
         <translation>中心が図形の内側にあるビンが領域にありません</translation>
     </message>
+    <message>
+        <source>dark</source>
+        <translation>ダーク</translation>
+    </message>
+    <message>
+        <source>%1 of memory are needed, the limit is %2 (results: %3, counts: %4, the program and what it holds: %5)</source>
+        <translation>メモリが %1 必要ですが、上限は %2 です (結果 %3、カウント %4、プログラムと保持中のデータ %5)</translation>
+    </message>
+    <message>
+        <source>dark: %1</source>
+        <translation>ダーク: %1</translation>
+    </message>
+    <message>
+        <source>%1: has changed since it was loaded, the work folder is not used for this analysis</source>
+        <translation>%1: 読み込みの後で変更されました。この解析では作業フォルダーを使いません</translation>
+    </message>
+    <message>
+        <source>changed since other parts of this analysis were made: %1</source>
+        <translation>この解析のほかの部分が作られた後で変更されました: %1</translation>
+    </message>
 </context>
 <context>
     <name>MessageLine</name>
@@ -3210,6 +3262,25 @@ Folder</source>
     <message>
         <source>Failures and warnings since the start, the newest last</source>
         <translation>起動してからの失敗と警告です。新しいものほど下にあります</translation>
+    </message>
+</context>
+<context>
+    <name>PartStore</name>
+    <message>
+        <source>changed since parts were kept in %1: %2</source>
+        <translation>%1 に解析の部分を保存した後で変更されました: %2</translation>
+    </message>
+    <message>
+        <source>damaged and made again: %1</source>
+        <translation>壊れていたため作り直しました: %1</translation>
+    </message>
+    <message>
+        <source>%1 of %2 parts taken from %3</source>
+        <translation>%2 個の部分のうち %1 個を %3 から読み込みました</translation>
+    </message>
+    <message>
+        <source>no parts are kept in %1 any more (%2)</source>
+        <translation>これ以降、解析の部分は %1 に保存されません (%2)</translation>
     </message>
 </context>
 <context>
@@ -4065,6 +4136,12 @@ Folder</source>
             <numerusform>前のフレームと同じエネルギーのフレームが %n 枚あります</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <source>%1: the counts of %n frame(s) need %2 of memory, %3 are available: nothing was read</source>
+        <translation>
+            <numerusform>%1: フレーム %n 枚のカウントには %2 のメモリが必要ですが、使えるのは %3 です。何も読み込みませんでした</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>StatusLine</name>
@@ -4253,6 +4330,25 @@ Folder</source>
     <message>
         <source>Deglitching</source>
         <translation>グリッチ除去</translation>
+    </message>
+</context>
+<context>
+    <name>WorkFolder</name>
+    <message>
+        <source>the work folder is of another version of the program (format %2, not %3): %1</source>
+        <translation>別のバージョンのプログラムの作業フォルダーです (形式は %3 ではなく %2): %1</translation>
+    </message>
+    <message>
+        <source>the work folder is a file: %1</source>
+        <translation>作業フォルダーに指定されたのはファイルです: %1</translation>
+    </message>
+    <message>
+        <source>the work folder cannot be made: %1 (%2)</source>
+        <translation>作業フォルダーを作成できません: %1 (%2)</translation>
+    </message>
+    <message>
+        <source>the work folder cannot be written to: %1 (%2)</source>
+        <translation>作業フォルダーに書き込めません: %1 (%2)</translation>
     </message>
 </context>
 <context>
