@@ -19,18 +19,26 @@ std::size_t mostOpen() {
 
 }  // namespace
 
-OpenFiles::Lease::Lease(OpenFiles* files, const void* owner, int descriptor, int error)
-    : m_files(files), m_owner(owner), m_descriptor(descriptor), m_error(error) {}
+/// For one user more, if it is open.
+bool OpenFiles::Place::take() {
+    int users = m_users;
+    while (users != Closed && !m_users.compare_exchange_weak(users, users + 1)) {
+    }
+    return users != Closed;
+}
+
+OpenFiles::Lease::Lease(OpenFiles* files, Place* place, int descriptor, int error)
+    : m_files(files), m_place(place), m_descriptor(descriptor), m_error(error) {}
 
 OpenFiles::Lease::Lease(Lease&& other) noexcept
     : m_files(std::exchange(other.m_files, nullptr)),
-      m_owner(other.m_owner),
+      m_place(other.m_place),
       m_descriptor(other.m_descriptor),
       m_error(other.m_error) {}
 
 OpenFiles::Lease::~Lease() {
     if (m_files != nullptr && m_descriptor >= 0) {
-        m_files->giveBack(m_owner);
+        m_files->giveBack(m_place);
     }
 }
 
@@ -39,22 +47,25 @@ OpenFiles& OpenFiles::ofProcess() {
     return files;
 }
 
-void OpenFiles::erase(Entries::iterator entry) {
-    if (entry->descriptor >= 0) {
-        ::close(entry->descriptor);
+void OpenFiles::erase(Place* place) {
+    if (place->m_descriptor >= 0) {
+        ::close(place->m_descriptor);
     }
-    m_places.erase(entry->owner);
-    m_entries.erase(entry);
+    place->m_descriptor = -1;
+    place->m_isListed = false;
+    m_places.erase(place->m_entry);
 }
 
 /// Of those that nobody uses; false where there is none.
 bool OpenFiles::closeOldest() {
-    const auto oldest = std::find_if(m_entries.rbegin(), m_entries.rend(),
-                                     [](const Entry& entry) { return entry.users == 0; });
-    if (oldest == m_entries.rend()) {
+    const auto oldest = std::find_if(m_places.rbegin(), m_places.rend(), [](Place* place) {
+        int unused = 0;
+        return place->m_users.compare_exchange_strong(unused, Place::Closed);
+    });
+    if (oldest == m_places.rend()) {
         return false;
     }
-    erase(std::next(oldest).base());
+    erase(*oldest);
     return true;
 }
 
@@ -84,54 +95,62 @@ int OpenFiles::openNow(const FileState& file, int* error) {
     return descriptor;
 }
 
-OpenFiles::Lease OpenFiles::open(const void* owner, const FileState& file) {
+OpenFiles::Lease OpenFiles::open(Place* place, const FileState& file) {
+    if (place->take()) {
+        return {this, place, place->m_descriptor, 0};
+    }
     std::unique_lock<std::mutex> lock(m_mutex);
+    ++m_waiting;  // before it looks for one to close: see giveBack()
     const std::size_t most = mostOpen();
-    for (;;) {
-        const auto place = m_places.find(owner);
-        if (place != m_places.end() && place->second->descriptor >= 0) {
-            m_entries.splice(m_entries.begin(), m_entries, place->second);
-            ++place->second->users;
-            return {this, owner, place->second->descriptor, 0};
+    bool isOpen = false;
+    while (!(isOpen = place->take())) {
+        while (m_places.size() >= most && closeOldest()) {
         }
-        while (m_entries.size() >= most && closeOldest()) {
-        }
-        if (place == m_places.end() && m_entries.size() < most) {
+        if (!place->m_isListed && m_places.size() < most) {
             break;
         }
         m_changed.wait(lock);
     }
-    m_entries.push_front({owner, -1, 1});
-    const auto entry = m_entries.begin();
-    m_places[owner] = entry;
+    --m_waiting;
+    if (isOpen) {
+        return {this, place, place->m_descriptor, 0};
+    }
+    m_places.push_front(place);
+    place->m_entry = m_places.begin();
+    place->m_isListed = true;
     lock.unlock();
     int error = 0;
     const int descriptor = openNow(file, &error);
     lock.lock();
-    entry->descriptor = descriptor;
-    if (descriptor < 0) {
-        erase(entry);
+    place->m_descriptor = descriptor;
+    if (descriptor >= 0) {
+        place->m_users = 1;
+    } else {
+        erase(place);
     }
     m_changed.notify_all();
-    return {this, owner, descriptor, error};
+    return {this, place, descriptor, error};
 }
 
-void OpenFiles::giveBack(const void* owner) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    --m_places.at(owner)->users;
-    m_changed.notify_all();
+/// Who waits has said so before he looked at the users, so that one of the two sees the other.
+void OpenFiles::giveBack(Place* place) {
+    --place->m_users;
+    if (m_waiting > 0) {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_changed.notify_all();
+    }
 }
 
-void OpenFiles::forget(const void* owner) {
+void OpenFiles::forget(Place* place) {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    const auto place = m_places.find(owner);
-    if (place != m_places.end()) {
-        erase(place->second);
+    if (place->m_isListed) {
+        place->m_users = Place::Closed;
+        erase(place);
         m_changed.notify_all();
     }
 }
 
 std::size_t OpenFiles::count() const {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_entries.size();
+    return m_places.size();
 }

@@ -1,17 +1,35 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <list>
 #include <mutex>
-#include <unordered_map>
 
 #include "frames/FileState.h"
 
 /// Files that are read at places of them, some rows at a time. They stay open from one time to the
-/// next: those used last, and never more than half of what the process may have open
-/// (RLIMIT_NOFILE). Any thread may call any of it.
+/// next: those opened last, and never more than half of what the process may have open
+/// (RLIMIT_NOFILE). Any thread may call any of it; one that finds a file open waits for nobody.
 class OpenFiles {
   public:
+    /// One file of an owner, opened or not.
+    class Place {
+      public:
+        Place() = default;
+        Place(const Place&) = delete;
+        Place& operator=(const Place&) = delete;
+
+      private:
+        friend class OpenFiles;
+        static constexpr int Closed = -1;
+        bool take();
+
+        std::atomic<int> m_users{Closed};
+        int m_descriptor = -1;  // changes only while it is closed
+        bool m_isListed = false;
+        std::list<Place*>::iterator m_entry;
+    };
+
     /// A file that stays open for as long as this lives.
     class Lease {
       public:
@@ -26,10 +44,10 @@ class OpenFiles {
 
       private:
         friend class OpenFiles;
-        Lease(OpenFiles* files, const void* owner, int descriptor, int error);
+        Lease(OpenFiles* files, Place* place, int descriptor, int error);
 
         OpenFiles* m_files;
-        const void* m_owner;
+        Place* m_place;
         int m_descriptor;
         int m_error;
     };
@@ -37,31 +55,24 @@ class OpenFiles {
     /// Those of the process.
     static OpenFiles& ofProcess();
 
-    /// Opens a file, as long as it is what it was, or finds it open. Each owner has one file. Where
-    /// all that may be open are in use, waits for one of them.
-    Lease open(const void* owner, const FileState& file);
-    /// Before the owner goes; no lease of his is left.
-    void forget(const void* owner);
+    /// Opens a file, as long as it is what it was, or finds it open. Where all that may be open are
+    /// in use, waits for one of them.
+    Lease open(Place* place, const FileState& file);
+    /// Before the place goes; no lease of it is left.
+    void forget(Place* place);
 
     /// How many there are, never more than half of RLIMIT_NOFILE.
     std::size_t count() const;
 
   private:
-    struct Entry {
-        const void* owner;
-        int descriptor;  // -1 while it is being opened
-        int users;
-    };
-    using Entries = std::list<Entry>;
-
     OpenFiles() = default;
     bool closeOldest();
-    void erase(Entries::iterator entry);
+    void erase(Place* place);
     int openNow(const FileState& file, int* error);
-    void giveBack(const void* owner);
+    void giveBack(Place* place);
 
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
-    Entries m_entries;  // used last: first
-    std::unordered_map<const void*, Entries::iterator> m_places;
+    std::list<Place*> m_places;     // opened last, or being opened: first
+    std::atomic<int> m_waiting{0};  // for a file that nobody uses any more
 };

@@ -27,7 +27,7 @@ PlainCounts::PlainCounts(const QString& name, const FileState& state, const Fram
     : m_name(name), m_state(state), m_width(header.width), m_strips(header.plain) {}
 
 PlainCounts::~PlainCounts() {
-    OpenFiles::ofProcess().forget(this);
+    OpenFiles::ofProcess().forget(&m_place);
 }
 
 /// Calls run(offset, rows) for each piece of the file that these rows lie in, until one is false.
@@ -50,7 +50,7 @@ bool PlainCounts::forRuns(quint32 first, quint32 rows, Do run) const {
 }
 
 QString PlainCounts::read(quint32 first, quint32 rows, quint16* to) {
-    const OpenFiles::Lease file = OpenFiles::ofProcess().open(this, m_state);
+    const OpenFiles::Lease file = OpenFiles::ofProcess().open(&m_place, m_state);
     if (file.descriptor() < 0) {
         return textOf(m_name, file.error());
     }
@@ -73,7 +73,7 @@ QString PlainCounts::read(quint32 first, quint32 rows, quint16* to) {
 
 void PlainCounts::willRead(quint32 first, quint32 rows) {
 #ifdef POSIX_FADV_WILLNEED
-    const OpenFiles::Lease file = OpenFiles::ofProcess().open(this, m_state);
+    const OpenFiles::Lease file = OpenFiles::ofProcess().open(&m_place, m_state);
     if (file.descriptor() < 0) {
         return;
     }

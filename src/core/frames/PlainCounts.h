@@ -3,6 +3,7 @@
 #include "frames/CountFile.h"
 #include "frames/FileState.h"
 #include "frames/FrameHeader.h"
+#include "frames/OpenFiles.h"
 
 /// Counts that lie in a file as they are: read at their offsets, never mapped into memory.
 class PlainCounts : public CountFile {
@@ -23,4 +24,5 @@ class PlainCounts : public CountFile {
     const FileState m_state;
     const quint32 m_width;
     const PlainStrips m_strips;
+    OpenFiles::Place m_place;
 };
