@@ -78,6 +78,7 @@ struct Raster {
     qint64 count = 0;
 
     qint64 position(qint64 i) const { return first + step * i; }
+    bool isAll(qint64 size) const { return first == 0 && step == 1 && count == size; }
 };
 
 /// The positions of the values that are saved.
@@ -128,21 +129,26 @@ class SavedRows {
     SavedRows(const Analyzed2DRes& result, bool asAnalyzed)
         : at(positionsOf(result.grid(), asAnalyzed)),
           m_result(result),
+          m_isWhole(at.columns.isAll(result.grid().width) && at.rows.isAll(result.grid().height)),
           m_row(static_cast<std::size_t>(std::max<qint64>(0, at.columns.count))) {}
 
     /// Valid until the next call.
-    const std::vector<double>& row(qint64 row) {
+    const double* row(qint64 row) {
+        if (m_isWhole) {
+            return m_result.shown() + row * at.columns.count;
+        }
         for (qint64 column = 0; column < at.columns.count; ++column) {
             m_row[static_cast<std::size_t>(column)] =
                 m_result.shownValueAt(at.columns.position(column), at.rows.position(row));
         }
-        return m_row;
+        return m_row.data();
     }
 
     const Positions at;
 
   private:
     const Analyzed2DRes& m_result;
+    const bool m_isWhole;  // the rows are those of the map
     std::vector<double> m_row;
 };
 
@@ -162,32 +168,60 @@ double valueOf(quint64 key) {
     return value;
 }
 
-/// How many finite values have these upper bits, by the 16 bits below.
-std::vector<std::size_t> countByKey(SavedRows* rows, quint64 upper, int shift) {
-    std::vector<std::size_t> counts(std::size_t(1) << 16);
-    for (qint64 row = 0; row < rows->at.rows.count; ++row) {
-        for (const double value : rows->row(row)) {
-            const quint64 key = keyOf(value) >> shift;
-            if (key >> 16 == upper && std::isfinite(value)) {
-                ++counts[key & 0xFFFF];
+/// Calls take(key) for the finite values.
+template <class Take>
+void forKeys(SavedRows* rows, Take take) {
+    for (qint64 y = 0; y < rows->at.rows.count; ++y) {
+        const double* const values = rows->row(y);
+        for (qint64 x = 0; x < rows->at.columns.count; ++x) {
+            if (std::isfinite(values[x])) {
+                take(keyOf(values[x]));
             }
         }
     }
+}
+
+/// How many finite values have these upper bits, by the 16 bits below.
+using Counts = std::vector<std::size_t>;
+Counts countByKey(SavedRows* rows, quint64 upper, int shift) {
+    Counts counts(std::size_t(1) << 16);
+    forKeys(rows, [&counts, upper, shift](quint64 key) {
+        key >>= shift;
+        if (key >> 16 == upper) {
+            ++counts[key & 0xFFFF];
+        }
+    });
     return counts;
 }
 
 /// The finite value that has `place` others below it; some value where there are not as many.
-double valueInOrder(SavedRows* rows, std::size_t place) {
+/// @param counts of the 16 highest bits
+double valueInOrder(SavedRows* rows, std::size_t place, Counts counts) {
+    constexpr std::size_t Few = std::size_t(1) << 17;
     quint64 key = 0;
-    for (int shift = 48; shift >= 0; shift -= 16) {
-        const std::vector<std::size_t> counts = countByKey(rows, key, shift);
+    for (int shift = 48;; shift -= 16) {
         std::size_t step = 0;
         while (step + 1 < counts.size() && place >= counts[step]) {
             place -= counts[step++];
         }
         key = key << 16 | step;
+        if (shift == 0) {
+            return valueOf(key);
+        }
+        if (place < counts[step] && counts[step] <= Few) {
+            std::vector<quint64> left;
+            left.reserve(counts[step]);
+            forKeys(rows, [&left, key, shift](quint64 each) {
+                if (each >> shift == key) {
+                    left.push_back(each);
+                }
+            });
+            const auto wanted = left.begin() + static_cast<std::ptrdiff_t>(place);
+            std::nth_element(left.begin(), wanted, left.end());
+            return valueOf(*wanted);
+        }
+        counts = countByKey(rows, key, shift - 16);
     }
-    return valueOf(key);
 }
 
 }  // namespace
@@ -206,14 +240,14 @@ std::optional<int> stepsInTiff(const Analyzed2DRes& result, const TiffOptions& o
         return std::nullopt;
     }
     SavedRows rows(result, true);
-    const std::vector<std::size_t> counts = countByKey(&rows, 0, 48);
+    const Counts counts = countByKey(&rows, 0, 48);
     const std::size_t n = std::accumulate(counts.begin(), counts.end(), std::size_t(0));
     if (n == 0) {
         return std::nullopt;
     }
     const std::size_t outside = n / 20;  // on either side
-    double low = valueInOrder(&rows, outside);
-    double high = valueInOrder(&rows, n - 1 - outside);
+    double low = valueInOrder(&rows, outside, counts);
+    double high = valueInOrder(&rows, n - 1 - outside, counts);
     if (low == high) {
         return std::nullopt;
     }
@@ -274,7 +308,7 @@ bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
     file.write(headerText(header, result));
     file.write(asComments(origin));
     for (qint64 i = 0; i < rows.at.rows.count; ++i) {
-        file.write(rowText(rows.row(i).data(), rows.at.rows.position(i), rows.at.columns, options));
+        file.write(rowText(rows.row(i), rows.at.rows.position(i), rows.at.columns, options));
     }
     return putInPlace(file);
 }
