@@ -132,9 +132,13 @@ class Taking {
             }
             const auto count = std::count_if(points.begin(), points.end(),
                                              [](const Point& point) { return point.has_value(); });
+            const bool isAll = count == static_cast<std::ptrdiff_t>(points.size());
             if (count > most) {
                 most = count;
                 best = std::move(points);
+            }
+            if (isAll) {
+                break;  // no other way reads more
             }
         }
         const auto first = std::find_if(best.begin(), best.end(),
