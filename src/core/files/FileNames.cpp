@@ -10,6 +10,18 @@ QString besideBase(const QFileInfo& base, const QString& fileName) {
     return QDir(base.absolutePath()).filePath(fileName);
 }
 
+/// What follows the folder in a name that begins with it and has nothing to be cleaned; else empty.
+/// Most files are named like that, hundreds at a time, and QDir takes its time.
+QString plainlyBelow(const QString& folder, const QString& file) {
+    const bool isBelow = folder.startsWith(QLatin1Char('/')) && file.startsWith(folder) &&
+                         file.mid(folder.size(), 1) == QLatin1String("/");
+    const QString name = isBelow ? file.mid(folder.size() + 1) : QString();
+    const bool isPlain = !name.startsWith(QLatin1Char('.')) && !name.startsWith(QLatin1Char('/')) &&
+                         !name.startsWith(QLatin1Char(':')) && !name.endsWith(QLatin1Char('/')) &&
+                         !name.contains(QLatin1String("/.")) && !name.contains(QLatin1String("//"));
+    return isPlain ? name : QString();
+}
+
 }  // namespace
 
 QString taggedName(const QString& base, const QString& tag) {
@@ -27,7 +39,14 @@ QString withSuffix(const QString& base, const QString& defaultSuffix) {
 QString deepestFolder(const QStringList& files) {
     QStringList common;
     bool first = true;
+    QString last;
     for (const QString& file : files) {
+        const QString named = file.left(file.lastIndexOf(QLatin1Char('/')) + 1);
+        const bool isPlain = !file.midRef(named.size()).startsWith(QLatin1Char('.'));
+        if (isPlain && !last.isEmpty() && named == last) {
+            continue;  // the frames of a stack mostly lie together
+        }
+        last = isPlain ? named : QString();
         const QString folder = QDir::cleanPath(QFileInfo(file).absolutePath());
         // The root ends in the slash that stands between the others: "/" has one empty part.
         const QStringList parts =
@@ -47,8 +66,12 @@ QString deepestFolder(const QStringList& files) {
 }
 
 QString relativeTo(const QString& folder, const QString& file) {
+    QString name = plainlyBelow(folder, file);
+    if (!name.isEmpty()) {
+        return name;
+    }
     const QFileInfo info(file);
-    QString name = QDir(folder).relativeFilePath(info.absoluteFilePath());
+    name = QDir(folder).relativeFilePath(info.absoluteFilePath());
     if (name.startsWith(QLatin1String("../"))) {
         // Seen from behind a link, ".." is not what stands before the link in the path.
         const QString realFolder = QFileInfo(folder).canonicalFilePath();
