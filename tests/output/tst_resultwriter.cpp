@@ -1,5 +1,6 @@
 #include <QDir>
 #include <QImage>
+#include <QPainter>
 #include <QTemporaryDir>
 #include <cmath>
 #include <limits>
@@ -333,6 +334,17 @@ class TestResultWriter : public QObject {
         for (const QString& file : {name, tiff, picture, drawing}) {
             QCOMPARE(contentOf(file), QByteArray("the old one"));
         }
+    }
+
+    /// The same drawing is the same file at any time.
+    void aDrawingTellsNoTime() {
+        const QString name = path("line.pdf");
+        const auto line = [](QPainter& painter) { painter.drawLine(0, 0, 40, 30); };
+        QVERIFY(writeDrawing(name, QSize(50, 50), line));
+        const QByteArray pdf = contentOf(name);
+        QVERIFY(pdf.contains("/Creator (") && !pdf.contains("/CreationDate"));
+        const int xref = pdf.mid(pdf.lastIndexOf("startxref") + 9).trimmed().split('\n')[0].toInt();
+        QCOMPARE(pdf.mid(xref, 4), QByteArray("xref"));
     }
 
     void flatAndDarkWithoutPixels() {

@@ -1,5 +1,6 @@
 #include "files/PictureFile.h"
 
+#include <QBuffer>
 #include <QFileInfo>
 #include <QImage>
 #include <QImageWriter>
@@ -8,6 +9,7 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QSaveFile>
+#include <algorithm>
 
 #include "files/PictureResolution.h"
 #include "files/WholeFile.h"
@@ -21,13 +23,25 @@ QByteArray suffixOf(const QString& fileName) {
     return QFileInfo(fileName).suffix().toLower().toLatin1();
 }
 
+/// Blanks out when a PDF was made, which it need not say: the same drawing is the same file. The
+/// places of its objects stay.
+void forgetTime(QByteArray* pdf) {
+    const int from = pdf->lastIndexOf("/CreationDate (");
+    const int end = from < 0 ? -1 : pdf->indexOf(')', from);
+    if (end >= 0) {
+        std::fill(pdf->begin() + from, pdf->begin() + end + 1, ' ');
+    }
+}
+
 bool writePdf(const QString& fileName, const QSize& size,
               const std::function<void(QPainter&)>& paint) {
     QSaveFile file(fileName);
     if (!openBeside(file)) {
         return false;
     }
-    QPdfWriter writer(&file);
+    QBuffer pdf;
+    pdf.open(QIODevice::WriteOnly);
+    QPdfWriter writer(&pdf);
     writer.setResolution(PictureDotsPerInch);
     writer.setPageSize(QPageSize(QSizeF(size) * PointsPerInch / PictureDotsPerInch,
                                  QPageSize::Point, QString(), QPageSize::ExactMatch));
@@ -36,7 +50,11 @@ bool writePdf(const QString& fileName, const QSize& size,
     writer.setTitle(QFileInfo(fileName).completeBaseName());
     QPainter painter(&writer);
     paint(painter);
-    return painter.end() && putInPlace(file);
+    if (!painter.end()) {
+        return false;
+    }
+    forgetTime(&pdf.buffer());
+    return file.write(pdf.buffer()) == pdf.buffer().size() && putInPlace(file);
 }
 
 }  // namespace
