@@ -337,6 +337,7 @@ class Measurement : public QObject {
     Outcome m_aboutParts;                // of the run
     struct SharedPass {
         int toMake = 0;  // parts
+        int rows = 0;    // of these
         bool ownsAny = false;
     };
     std::optional<SharedPass> m_sharedPass;  // that runs: no results come of it

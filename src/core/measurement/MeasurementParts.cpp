@@ -120,8 +120,10 @@ void Measurement::shareOut(KeptRows* rows, BinRaster* raster) {
         const Share::Parts own = m_share->partsOf(store->cut().parts());
         m_sharedPass->ownsAny = !own.isEmpty();
         for (int part = own.first; part < own.end; ++part) {
-            const bool isThere = store->has(part) && store->read(part);
-            m_sharedPass->toMake += isThere ? 0 : 1;
+            if (!store->has(part) || !store->read(part)) {
+                ++m_sharedPass->toMake;
+                m_sharedPass->rows += store->cut().end(part) - store->cut().first(part);
+            }
         }
         rows->onlyMakes = [own](int part) { return part >= own.first && part < own.end; };
     }

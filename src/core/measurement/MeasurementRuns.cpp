@@ -278,11 +278,17 @@ void Measurement::rowsTaken() {
 }
 
 QPair<int, int> Measurement::rowsDone() const {
-    return m_analysis ? QPair<int, int>(m_job.rowsTaken(), m_analysis->grid().raster().rows)
-                      : QPair<int, int>();
+    if (!m_analysis) {
+        return {};
+    }
+    return {m_job.rowsTaken(),
+            m_sharedPass ? m_sharedPass->rows : m_analysis->grid().raster().rows};
 }
 
 double Measurement::percentOfPass() const {
+    if (m_sharedPass) {
+        return m_sharedPass->rows > 0 ? 100.0 * m_job.rowsTaken() / m_sharedPass->rows : 100.0;
+    }
     AnalysisGrid at = m_analysis->grid();
     at.y = at.raster().y(m_job.rowsTaken() - 1);
     return at.percent();
