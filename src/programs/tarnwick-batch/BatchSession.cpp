@@ -116,6 +116,9 @@ QString BatchSession::shareText() const {
     const Share& share = *m_options.share;
     const QString part = QStringLiteral("part %1/%2").arg(share.number()).arg(share.of());
     const QString where = QStringLiteral("%1 of line %2").arg(part).arg(m_lastLine);
+    if (m_stoppedAt > 0) {
+        return QStringLiteral("%1: ended at line %2").arg(part).arg(m_stoppedAt);
+    }
     switch (share.end()) {
         case Share::End::NothingLeft:
             return QStringLiteral("%1: nothing left to do").arg(part);
@@ -152,7 +155,7 @@ void BatchSession::finish(const QString& closing, int exitCode) {
                                     {"seconds", m_seconds},
                                     {"exit", exitCode}}}});
     }
-    if (m_stoppedAt > 0) {
+    if (m_stoppedAt > 0 && m_options.share == nullptr) {
         m_console->logLine(
             QStringLiteral("note: ended at line %1; when it is mended, go on with --from %1")
                 .arg(m_stoppedAt));
