@@ -379,6 +379,8 @@ class TestWorkFolder : public QObject {
         QTest::newRow("below a file") << "/../file" << QByteArray("x") << "cannot be made";
         QTest::newRow("another version")
             << "/tarnwick-work-folder" << QByteArray("7\n") << "another version";
+        QTest::newRow("no format")
+            << "/tarnwick-work-folder" << QByteArray("\x1b[2J") << "does not tell";
     }
 
     void foldersThatCannotBe() {

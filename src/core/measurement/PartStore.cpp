@@ -4,7 +4,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QHash>
+#include <QSet>
 #include <algorithm>
 #include <new>
 #include <system_error>
@@ -93,7 +93,7 @@ QString PartStore::fileOf(int part) const {
 }
 
 bool PartStore::has(int part) const {
-    return QFile::exists(fileOf(part)) && !m_damaged.contains(part);
+    return QFile::exists(fileOf(part)) && m_damaged.count(part) == 0;
 }
 
 bool PartStore::isComplete() const {
@@ -129,7 +129,7 @@ void PartStore::begin() {
 }
 
 std::optional<Part> PartStore::read(int part) {
-    if (m_damaged.contains(part)) {
+    if (m_damaged.count(part) > 0) {
         return std::nullopt;
     }
     Part::Fault fault = Part::Fault::None;
@@ -173,7 +173,7 @@ void PartStore::write(Part part) {
     }
     const int number = m_cut.partOf(part.form().rows.first);
     const auto work = [part = std::make_shared<Part>(std::move(part)), file = fileOf(number),
-                       isDamaged = m_damaged.contains(number)] {
+                       isDamaged = m_damaged.count(number) > 0] {
         return writePart(*part, file, isDamaged);
     };
     try {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QSet>
 #include <QString>
 #include <future>
 #include <memory>
 #include <optional>
+#include <set>
 
 #include "measurement/Outcome.h"
 #include "measurement/PartCut.h"
@@ -78,7 +78,7 @@ class PartStore {
     int m_valuesPerBin;
     std::shared_ptr<WritingFault> m_fault;
     QString m_changed;
-    QSet<int> m_damaged;
+    std::set<int> m_damaged;
     int m_taken = 0;
     int m_made = 0;
     std::future<QString> m_writing;

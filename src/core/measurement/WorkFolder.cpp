@@ -38,13 +38,18 @@ Outcome WorkFolder::judgeFormat() const {
     if (!file.open(QIODevice::ReadOnly)) {
         return {};
     }
-    const QString format = QString::fromLatin1(file.read(Digits).trimmed());
-    return format == QString::number(Format)
+    bool isNumber = false;
+    const int format = file.read(Digits).trimmed().toInt(&isNumber);
+    if (!isNumber) {
+        return Outcome::failure(
+            Texts::tr("the work folder does not tell its format: %1").arg(file.fileName()));
+    }
+    return format == Format
                ? Outcome()
                : Outcome::failure(
                      Texts::tr("the work folder is of another version of the program (format %2, "
                                "not %3): %1")
-                         .arg(m_path, format, QString::number(Format)));
+                         .arg(m_path, QString::number(format), QString::number(Format)));
 }
 
 Outcome WorkFolder::open(const QString& path) {
