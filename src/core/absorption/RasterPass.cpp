@@ -135,14 +135,17 @@ bool RasterPass::isLast() {
 
 /// What was made of files that are others now is worth nothing.
 bool RasterPass::areFilesTheSame() {
+    QString change;
     for (const TiffData* frame : m_source.frames()) {
-        const QString change = CountBand::isRead(frame) ? frame->countFile->change() : QString();
+        change = CountBand::isRead(frame) ? frame->countFile->change() : QString();
         if (!change.isEmpty()) {
-            fail(Failure::Read, change);
-            return false;
+            break;
         }
     }
-    return true;
+    if (!change.isEmpty()) {
+        fail(Failure::Read, change);
+    }
+    return change.isEmpty();
 }
 
 /// False where no more rows are wanted.
