@@ -123,7 +123,7 @@ void LaneFit::solve(int l) {
     for (std::size_t k = 0; k < m_coefficients.size(); ++k) {
         m_coefficients[k] = given[k * Count + lane];
     }
-    m_pack.held[l] = isPlain ? 0 : m_fit.solve(m_coefficients.data());
+    m_pack.held[l] = isPlain ? 0 : m_fit.solver().solve(m_coefficients.data());
     for (std::size_t k = 0; k < m_coefficients.size(); ++k) {
         m_solved[k * Count + lane] = m_coefficients[k];
     }

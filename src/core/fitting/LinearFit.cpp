@@ -1,6 +1,5 @@
 #include "fitting/LinearFit.h"
 
-#include <QDebug>
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -44,21 +43,6 @@ LinearFit::LinearFit(QVector<XafsSpectrum> references, const FitRule& rule)
     }
 }
 
-LinearFit::Series::Series(const XafsSpectrum& reference, const Spectrum& series)
-    : curve(series),
-      referenceIsShifted(reference.shiftOn()),
-      referenceShift(reference.shift()),
-      isShifted(series.shiftOn()),
-      shift(series.shift()) {}
-
-double LinearFit::Series::at(double e) const {
-    const double shifted = referenceIsShifted ? e + referenceShift : e;
-    if (std::isnan(shifted)) {
-        qDebug() << "nan EeV in XafsSpectrum::doubleNormalizedPreBase";
-    }
-    return curve.valueAt(isShifted ? shifted + shift : shifted);
-}
-
 int LinearFit::coefficientCount() const {
     return referenceCount() + leadingOf(m_rule);
 }
@@ -74,7 +58,7 @@ void LinearFit::commonRange(double* from, double* to) const {
 
 std::vector<lanes::Polyline> LinearFit::basisCurves() const {
     std::vector<lanes::Polyline> curves;
-    for (const Series& series : m_basisSeries) {
+    for (const ReferenceSeries& series : m_basisSeries) {
         lanes::Polyline line = series.curve.polyline();
         if (line.count == 0) {
             return {};
@@ -111,7 +95,7 @@ void LinearFit::prepare(const std::vector<double>& energies) {
             m_basis.push_back(1.0);
             m_basis.push_back(e);
         }
-        for (const Series& series : m_basisSeries) {
+        for (const ReferenceSeries& series : m_basisSeries) {
             m_basis.push_back(series.at(e));
         }
     }
@@ -201,7 +185,7 @@ void LinearFit::fit(const XafsSpectrum& sample) {
         }
         f += n;
     }
-    m_held = solve(right.data());
+    m_held = m_solver.solve(right.data());
     m_ratios.resize(static_cast<std::size_t>(m_references.size()));
     m_dMuts.resize(m_ratios.size());
     shares(right.data(), sample.dMut(), m_ratios.data(), m_dMuts.data());

@@ -5,7 +5,7 @@
 
 #include "fitting/Constraints.h"
 #include "fitting/FitRule.h"
-#include "spectra/CurveLookup.h"
+#include "fitting/ReferenceSeries.h"
 #include "spectra/XafsSpectrum.h"
 
 /// Fits spectra as linear combinations of references, by least squares over the energies that all
@@ -54,11 +54,9 @@ class LinearFit {
     const std::vector<double>& basis() const { return m_basis; }
     int coefficientCount() const;
     int referenceCount() const { return m_references.size(); }
-    /// Solves for the coefficients; right holds the sums of basis function times sample, and then
-    /// the coefficients. Returns which references are held at 0, see ConstrainedSolver.
-    unsigned solve(double* right) { return m_solver.solve(right); }
-    /// The decomposition is that of the last prepare().
+    /// Under the constraints of the fit, for the points of the last prepare().
     ConstrainedSolver& solver() { return m_solver; }
+    const ConstrainedSolver& solver() const { return m_solver; }
 
     // The same for spectra side by side, each with energies of its own.
 
@@ -67,8 +65,6 @@ class LinearFit {
     /// The basis function of each reference, valid as long as this; none where the energies of one
     /// do not ascend. With MLCF 1 and the energy come before them.
     std::vector<lanes::Polyline> basisCurves() const;
-    /// Under the constraints of the fit.
-    const ConstrainedSolver& solver() const { return m_solver; }
 
     // What errors rest on, with some references held at 0.
 
@@ -86,21 +82,9 @@ class LinearFit {
     void shares(const double* coefficients, double edgeJump, double* ratios, double* dMuts) const;
 
   private:
-    /// A series of a reference, with what is added to an energy to find its value.
-    struct Series {
-        CurveLookup curve;
-        bool referenceIsShifted;
-        double referenceShift;
-        bool isShifted;
-        double shift;
-
-        Series(const XafsSpectrum& reference, const Spectrum& series);
-        double at(double e) const;
-    };
-
     QVector<XafsSpectrum> m_references;
-    std::vector<Series> m_drawnSeries;  // what the fitted curve is made of
-    std::vector<Series> m_basisSeries;  // and the fit
+    std::vector<ReferenceSeries> m_drawnSeries;  // what the fitted curve is made of
+    std::vector<ReferenceSeries> m_basisSeries;  // and the fit
     FitRule m_rule;
 
     // Of the energies of the last sample.
