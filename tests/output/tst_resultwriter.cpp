@@ -172,10 +172,15 @@ class TestResultWriter : public QObject {
         wild[9] = std::numeric_limits<double>::infinity();
         QVector<double> few(100, 2.0);
         few[3] = 900.0;
+        QVector<double> close;
+        for (int i = 0; i < 160000; ++i) {
+            close << 1.0 + i * 1e-9;  // more than are put in order at once
+        }
         const TiffOptions own;
         const TiffOptions fixed{true, 0.0, 1000.0, false};
         const TiffOptions above{true, 0.5, 1.5, true};
         QTest::newRow("their own range") << even << own << 58915;  // 89 of 99
+        QTest::newRow("many close together") << close << own << 58981;
         QTest::newRow("a wild one") << wild << own << 60;
         QTest::newRow("a wide scale") << even << fixed << 58;
         QTest::newRow("a scale without width") << even << TiffOptions{true, 1.0, 1.0, false} << 0;
