@@ -14,6 +14,7 @@
 #include "FullDisk.h"
 #include "TestMain.h"
 #include "TinyStacks.h"
+#include "files/FileStamp.h"
 #include "frames/FrameReader.h"
 #include "frames/LoadTiff.h"
 #include "frames/TiffFile.h"
@@ -185,6 +186,20 @@ class TestTiffFile : public QObject {
 
   private slots:
     void initTestCase() { silenceTiffMessages(); }
+
+    /// Where both names are there, a change of the one that is read is seen.
+    void stampOfTheNameThatIsRead() {
+        QTemporaryDir dir;
+        const QString name = dir.filePath(QString::fromUtf8("é.tif"));
+        const auto data = counting(30 * 10);
+        QVERIFY(writeTiff(dir.filePath("small.tif"), 3, 1, data.data()));
+        QVERIFY(QFile::copy(dir.filePath("small.tif"), name));
+        QVERIFY(writeTiff(name, 30, 10, data.data()));
+        TiffData frame;
+        QVERIFY(frame.load(name));
+        QCOMPARE(frame.width, 30u);
+        QVERIFY(fileStamp(name).size >= 600);
+    }
 
     void whatIsWrittenIsRead_data() {
         QTest::addColumn<QString>("name");

@@ -3,10 +3,12 @@
 #include <sys/stat.h>
 
 #include <QFile>
+#include <algorithm>
 #include <cstring>
 
 #include "files/Checksum.h"
 #include "files/FilePlaces.h"
+#include "files/SystemPaths.h"
 
 namespace {
 
@@ -28,8 +30,12 @@ qint64 checksumOf(const QString& place) {
 
 FileStamp fileStamp(const QString& fileName) {
     const QString place = placeOf(fileName);
+    const std::vector<QByteArray> paths = pathsOfFile(place);
     struct stat found {};
-    if (::stat(QFile::encodeName(place).constData(), &found) != 0) {
+    const bool isThere = std::any_of(paths.begin(), paths.end(), [&](const QByteArray& path) {
+        return ::stat(path.constData(), &found) == 0;
+    });
+    if (!isThere) {
         return {};
     }
     if (isPlaced(fileName)) {

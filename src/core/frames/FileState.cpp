@@ -2,9 +2,9 @@
 
 #include <sys/stat.h>
 
-#include <QFile>
 #include <tuple>
 
+#include "files/SystemPaths.h"
 #include "frames/FrameHeader.h"
 
 namespace {
@@ -25,15 +25,6 @@ bool FileState::operator==(const FileState& other) const {
         return std::tie(s.device, s.number, s.size, s.seconds, s.nanoseconds);
     };
     return all(*this) == all(other);
-}
-
-std::vector<QByteArray> pathsOfFile(const QString& name) {
-    const QByteArray latin = name.toLatin1();
-    const QByteArray local = QFile::encodeName(name);
-    if (latin == local || QString::fromLatin1(latin) != name) {
-        return {local};
-    }
-    return {latin, local};
 }
 
 FileState stateOfFile(const QString& name) {

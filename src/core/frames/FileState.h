@@ -3,7 +3,6 @@
 #include <QByteArray>
 #include <QString>
 #include <QtGlobal>
-#include <vector>
 
 /// By what a file that somebody has changed is told from the one that it was.
 struct FileState {
@@ -26,7 +25,3 @@ FileState stateOf(int descriptor, const QByteArray& path);
 
 /// That a file is another than it was, with its name; empty where it is the same.
 QString changeOf(const QString& name, const FileState& before, const FileState& now);
-
-/// The names under which a frame's file is tried: as Latin-1 where that can hold it, then in the
-/// system's own encoding, which reaches what the first does not (a folder named in UTF-8).
-std::vector<QByteArray> pathsOfFile(const QString& name);

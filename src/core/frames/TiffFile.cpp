@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "files/FilePlaces.h"
+#include "files/SystemPaths.h"
 #include "files/WholeFile.h"
-#include "frames/FileState.h"
 #include "frames/RowMemory.h"
 #include "frames/TiffData.h"
 #include "frames/TiffHeader.h"
