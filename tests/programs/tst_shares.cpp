@@ -263,6 +263,10 @@ class TestShares : public QObject {
             QVERIFY2(one.verdict.contains(QString(said).replace("1/2", QString("%1/2").arg(i))),
                      qPrintable(one.verdict));
         }
+        const Run ended =
+            run("split", {"--work", file("work"), "--part", "1/2", "--stop-on-error"});
+        QCOMPARE(ended.code, 1);
+        QVERIFY2(ended.verdict.startsWith("part 1/2: ended at line"), qPrintable(ended.verdict));
     }
 
     void inputsThatChange() {
