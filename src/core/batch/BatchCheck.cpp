@@ -126,12 +126,15 @@ void checkLoops(const BatchText& text, Findings* findings) {
 
 }  // namespace
 
-QVector<Finding> checkBatch(const QStringList& lines, const QString& file, qint64 effort,
-                            int start) {
+QVector<Finding> checkBatch(const QStringList& lines, const QString& file, qint64 effort, int start,
+                            bool readsCountsWhenNeeded) {
     const BatchText text = BatchText::fromLines(lines);
     Findings findings;
     checkLoops(text, &findings);
     Measurement measurement;
+    if (readsCountsWhenNeeded) {
+        measurement.readCountsWhenNeeded();
+    }
     rehearse(measurement, text, file, &findings, effort, start);
     return std::move(findings).sorted();
 }

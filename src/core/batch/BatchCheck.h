@@ -29,8 +29,10 @@ constexpr qint64 DefaultCheckEffort = 100000;
 /// whatever the batch holds. Sorted by line. Needs an application object.
 /// @param file of the batch, which no line may replace; empty for none
 /// @param start index in BatchText before which lines that save are left out
+/// @param readsCountsWhenNeeded as the run will, so that what analyses need of memory is judged
 QVector<Finding> checkBatch(const QStringList& lines, const QString& file = QString(),
-                            qint64 effort = DefaultCheckEffort, int start = 0);
+                            qint64 effort = DefaultCheckEffort, int start = 0,
+                            bool readsCountsWhenNeeded = false);
 
 /// What a batch will do, as far as can be told before.
 struct BatchPlan {

@@ -10,6 +10,7 @@
 #include "measurement/AreaSpectrum.h"
 #include "measurement/AreaValues.h"
 #include "measurement/Display.h"
+#include "measurement/Room.h"
 #include "measurement/Share.h"
 #include "measurement/Writing.h"
 #include "spectra/SpectrumFile.h"
@@ -96,7 +97,10 @@ Outcome saveAreaSpectrum(Measurement& measurement, const QString& fileName) {
 
 Outcome saveStatistics(const Measurement& measurement, const QString& fileName) {
     QByteArray text("map,reference,n,mean,sd,median,min,max\n");
-    Outcome outcome;
+    Outcome outcome = judgeRoomForPixels(measurement, sizeof(double));  // the values of a map
+    if (outcome.failed()) {
+        return outcome;
+    }
     int maps = 0;
     for (const Result* result : measurement.results()) {
         if (result->tookPart()) {

@@ -9,6 +9,7 @@
 #include "measurement/MapDisplay.h"
 #include "measurement/Origin.h"
 #include "measurement/PlotSaving.h"
+#include "measurement/Room.h"
 #include "measurement/Writing.h"
 
 namespace {
@@ -135,6 +136,8 @@ Outcome saveComposite(const Measurement& measurement, const QString& fileName,
     Outcome outcome = judgeComposite(measurement, composite);
     outcome += outcome.failed() ? Outcome() : judgeLetters(measurement);
     outcome += outcome.failed() ? Outcome() : judgePictureName(fileName, isPictureName(fileName));
+    constexpr quint64 Bytes = 20;  // of a pixel: three colours, the picture, that with the legend
+    outcome += outcome.failed() ? Outcome() : judgeRoomForPixels(measurement, Bytes);
     if (outcome.failed()) {
         return outcome;
     }

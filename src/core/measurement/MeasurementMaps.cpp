@@ -7,6 +7,7 @@
 #include "measurement/Display.h"
 #include "measurement/Measurement.h"
 #include "measurement/Revision.h"
+#include "measurement/Room.h"
 
 QString Measurement::whyNotDeglitch() const {
     if (working() != Work::None) {
@@ -43,6 +44,9 @@ Outcome Measurement::deglitch(double factor, double ratio) {
     if (!whyNot.isEmpty()) {
         return Outcome::failure(whyNot);
     }
+    if (const Outcome room = judgeRoomForPixels(*this, sizeof(double)); room.failed()) {
+        return room;
+    }
     Result* target = deglitchTarget();
     m_settings.deglitchFactor = inField(factor);
     m_settings.deglitchRatio = inField(ratio);
@@ -64,6 +68,9 @@ Outcome Measurement::deglitch(double factor, double ratio) {
 Outcome Measurement::smoothMap() {
     if (m_map->image.grid().width <= 0) {
         return Outcome::failure(tr("there is no energy-shift map"));
+    }
+    if (const Outcome room = judgeRoomForPixels(*this, sizeof(double)); room.failed()) {
+        return room;
     }
     stopCalibration();
     const auto take = [this](const Processed& made) {

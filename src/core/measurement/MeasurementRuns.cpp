@@ -175,7 +175,8 @@ Outcome Measurement::start(Work work) {
     return begun;
 }
 
-/// Maps of the whole image that the run under way fills, and what it leaves behind of the fit's.
+/// Maps of the whole image that the run under way fills, and what it leaves behind of the fit's;
+/// parts that are on their way into a work folder.
 quint64 Measurement::bytesToFill() const {
     const Run& run = *m_analysis->run();
     const auto isFilled = [&](const Result* result) {
@@ -186,8 +187,13 @@ quint64 Measurement::bytesToFill() const {
     const std::vector<Result*> results = resultsOf(run.work);
     const auto maps = static_cast<quint64>(std::count_if(results.begin(), results.end(), isFilled));
     const bool isMasked = run.work == Work::Fit && run.inputs.errorMaps;
-    return (maps * sizeof(double) + (isMasked ? 1 : 0)) * quint64(m_size.width()) *
-           quint64(m_size.height());
+    const quint64 parts = m_workFolder && !m_rehearsal
+                              ? PartStore::bytesInMemory(PartCut(m_analysis->grid().raster()),
+                                                         m_analysis->grid().raster().columns,
+                                                         m_analysis->valuesPerBin())
+                              : 0;
+    return parts + (maps * sizeof(double) + (isMasked ? 1 : 0)) * quint64(m_size.width()) *
+                       quint64(m_size.height());
 }
 
 /// That of results that the run under way is about to empty.

@@ -152,13 +152,13 @@ void PartStore::giveUp(const QString& why) {
     }
 }
 
-quint64 PartStore::bytesInMemory() const {
+quint64 PartStore::bytesInMemory(const PartCut& cut, int columns, int valuesPerBin) {
     int rows = 0;
-    for (int part = 0; part < m_cut.parts(); ++part) {
-        rows = std::max(rows, m_cut.end(part) - m_cut.first(part));
+    for (int part = 0; part < cut.parts(); ++part) {
+        rows = std::max(rows, cut.end(part) - cut.first(part));
     }
-    const Part::Form any = form(0);
-    return 2 * static_cast<quint64>(rows) * any.valuesPerRow() * sizeof(double);
+    return 2 * static_cast<quint64>(rows) * static_cast<quint64>(columns) *
+           static_cast<quint64>(valuesPerBin) * sizeof(double);
 }
 
 void PartStore::write(Part part) {

@@ -60,7 +60,7 @@ class PartStore {
     int made() const { return m_made; }  ///< and given to write()
     /// What a pass whose rows are kept has in memory at most: a part in the making, one that is
     /// being written.
-    quint64 bytesInMemory() const;
+    static quint64 bytesInMemory(const PartCut& cut, int columns, int valuesPerBin);
     /// Why parts could not be written; empty: they could.
     const QString& writingFault() const { return m_fault->why; }
     /// What there is to say at the end: how many parts were taken, which were damaged, that they

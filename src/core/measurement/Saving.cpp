@@ -17,6 +17,7 @@
 #include "measurement/MapDisplay.h"
 #include "measurement/Origin.h"
 #include "measurement/PlotSaving.h"
+#include "measurement/Room.h"
 #include "measurement/Writing.h"
 #include "output/FlatDark.h"
 #include "output/ResultWriter.h"
@@ -193,9 +194,16 @@ Outcome savePicture(Measurement& measurement, const QString& fileName, const QIm
 
 }  // namespace
 
+// Of a pixel of a picture while it is made and written: its colours, and those in the order of the
+// file.
+constexpr quint64 PictureBytes = 8;
+
 Outcome saveImage(Measurement& measurement, const QString& fileName) {
     if (showsComposite(measurement)) {
         return saveComposite(measurement, fileName, measurement.settings().composite);
+    }
+    if (const Outcome room = judgeRoomForPixels(measurement, PictureBytes); room.failed()) {
+        return room;
     }
     QString problem;
     const QImage picture = shownPicture(measurement, &problem);
@@ -209,6 +217,10 @@ Outcome saveImageWithBar(Measurement& measurement, const QString& fileName) {
     if (const Outcome letters = judgeLetters(measurement); letters.failed()) {
         return letters;
     }
+    const quint64 each = PictureBytes + sizeof(QRgb);
+    if (const Outcome room = judgeRoomForPixels(measurement, each); room.failed()) {
+        return room;
+    }
     QString problem;
     const QImage picture = measurement.rehearsal() != nullptr
                                ? shownPicture(measurement)
@@ -217,7 +229,12 @@ Outcome saveImageWithBar(Measurement& measurement, const QString& fileName) {
 }
 
 Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
-    Outcome outcome;
+    // They stay.
+    const int pictures = Reference::KindCount * measurement.referenceCount();
+    Outcome outcome = judgeRoomForPixels(measurement, PictureBytes + 3 * quint64(pictures));
+    if (outcome.failed()) {
+        return outcome;
+    }
     for (int kind = 0; kind < Reference::KindCount; ++kind) {
         for (int i = 0; i < measurement.referenceCount(); ++i) {
             const Reference& reference = *measurement.references()[static_cast<std::size_t>(i)];
@@ -255,6 +272,10 @@ Outcome saveValues(const Measurement& measurement, Result& result, const QString
     }
     Result masked(result.id, result.reference);
     if (isMasked) {
+        const Outcome room = judgeRoomForPixels(measurement, sizeof(double));
+        if (room.failed()) {
+            return room;
+        }
         masked.run = result.run;
         masked.deglitched = result.deglitched;
         masked.isOfBefore = result.isOfBefore;

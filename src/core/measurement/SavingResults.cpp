@@ -1,11 +1,13 @@
 // All results in one file.
 
 #include <QCoreApplication>
+#include <algorithm>
 
 #include "files/Hdf5File.h"
 #include "measurement/Display.h"
 #include "measurement/Origin.h"
 #include "measurement/ResultParts.h"
+#include "measurement/Room.h"
 #include "measurement/Saving.h"
 #include "measurement/Writing.h"
 
@@ -35,6 +37,19 @@ Outcome judgement(const Measurement& measurement, const ResultPart& part) {
     return outcome;
 }
 
+/// While the file is made, in memory: all of its maps, and one more.
+quint64 bytesOf(const std::vector<ResultPart>& parts) {
+    quint64 values = 0;
+    quint64 most = 0;
+    for (const ResultPart& part : parts) {
+        const BinRaster raster = rasterOf(part.first());
+        const quint64 bins = quint64(raster.rows) * quint64(raster.columns);
+        values += bins * part.results.size();
+        most = std::max(most, bins);
+    }
+    return (values + most) * sizeof(double) + 2 * most;  // and the mask
+}
+
 NexusContent contentOf(Measurement& measurement, const std::vector<ResultPart>& parts) {
     OriginText origin = originOf(measurement, parts, QStringLiteral("save_results"));
     NexusContent content;
@@ -61,6 +76,10 @@ Outcome saveResults(Measurement& measurement, const QString& fileName) {
     if (!canUseHdf5()) {
         return Outcome::failure(
             SavingResults::tr("this program was installed without its module for HDF5 files"));
+    }
+    const Outcome room = judgeRoomFor(measurement, bytesOf(parts));
+    if (room.failed()) {
+        return room;
     }
     Outcome outcome = writeFile(
         measurement, fileName, [&] { return writeNexus(fileName, contentOf(measurement, parts)); });

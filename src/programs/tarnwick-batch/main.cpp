@@ -76,7 +76,7 @@ int check(const AskedBatch& batch, const RunnerOptions& options, Console& consol
     const char* const names[] = {"error", "warning", "note"};  // by kind
     int counts[] = {0, 0, 0};
     const QVector<Finding> findings =
-        checkBatch(batch.lines, batch.file, DefaultCheckEffort, batch.start);
+        checkBatch(batch.lines, batch.file, DefaultCheckEffort, batch.start, true);
     for (const Finding& finding : findings) {
         const auto kind = static_cast<int>(finding.kind);
         ++counts[kind];

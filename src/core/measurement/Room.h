@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include "measurement/Outcome.h"
+
+class Measurement;
+
+/// Failed, with the sizes: an action takes so many bytes more for a while than the limit leaves.
+/// Judged where frames are read when they are needed; else they have the memory, whatever it is.
+Outcome judgeRoomFor(const Measurement& measurement, quint64 bytes);
+
+/// The same for some bytes for each pixel of the image.
+Outcome judgeRoomForPixels(const Measurement& measurement, quint64 bytesEach);
