@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "absorption/BandPlan.h"
 #include "calibration/EnergyShift.h"
+#include "measurement/Room.h"
 
 namespace {
 
@@ -45,6 +47,11 @@ AreaSpectrum areaSpectrumOf(Measurement& measurement) {
         return area;
     }
     const BinRaster raster = measurement.grid().raster();
+    const Outcome room = judgeRoomFor(measurement, BandPlan::least(source, raster, 1));
+    if (room.failed()) {
+        area.problem = room.failures.first();
+        return area;
+    }
     const int threads = std::max(1, measurement.threads());
     const auto sums = std::make_shared<RowSums>();
     RasterPass pass(source, raster, 1,

@@ -192,7 +192,7 @@ quint64 Measurement::bytesToFill() const {
                                                          m_analysis->grid().raster().columns,
                                                          m_analysis->valuesPerBin())
                               : 0;
-    return parts + (maps * sizeof(double) + (isMasked ? 1 : 0)) * quint64(m_size.width()) *
+    return parts + (maps * sizeof(double) + (isMasked ? 2 : 0)) * quint64(m_size.width()) *
                        quint64(m_size.height());
 }
 
