@@ -126,7 +126,7 @@ class TestWorkFolder : public QObject {
 
     Ended run(Work work, const Change& change, bool keeps, int threads = 2) const {
         const auto m = measurementWith(change, threads);
-        m->setWorkFolder(keeps ? opened() : nullptr);
+        m->parts().setFolder(keeps ? opened() : nullptr);
         Ended ended;
         bool isOver = false;
         connect(m.get(), &Measurement::ended, m.get(), [&](Work, const Outcome& outcome) {
@@ -341,7 +341,7 @@ class TestWorkFolder : public QObject {
         int over = 0;
         for (int i = 0; i < 2; ++i) {
             both.push_back(measurementWith(none, 2));
-            both.back()->setWorkFolder(opened());
+            both.back()->parts().setFolder(opened());
             connect(both.back().get(), &Measurement::ended, this,
                     [&over](Work, const Outcome& outcome) { over += outcome.failed() ? 9 : 1; });
         }

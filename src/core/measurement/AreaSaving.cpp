@@ -65,7 +65,8 @@ Outcome saveAreaSpectrum(Measurement& measurement, const QString& fileName) {
         return judged;
     }
     AreaSpectrum area;
-    const bool isKept = measurement.share() == nullptr || measurement.share()->keeps(fileName);
+    const bool isKept =
+        measurement.parts().share() == nullptr || measurement.parts().share()->keeps(fileName);
     if (measurement.rehearsal() != nullptr || !isKept) {
         area.spectrum = XafsSpectrum(Rehearsal::spectrumOf(measurement.source().energies()),
                                      measurement.sampleRule(), 0.0);

@@ -16,10 +16,8 @@
 #include "measurement/Reference.h"
 #include "measurement/Rehearsal.h"
 #include "measurement/RowJob.h"
+#include "measurement/RunParts.h"
 #include "measurement/SaturatedPixels.h"
-#include "measurement/WorkFolder.h"
-
-class Share;
 
 /// A measurement: its stacks, dark frames, standard, energy-shift map, references, results and all
 /// settings. It loads, calibrates, fits and deglitches on all cores, stoppable, and knows what each
@@ -54,9 +52,9 @@ class Measurement : public QObject {
     /// what works on counts reads them. To be called before anything is loaded.
     void readCountsWhenNeeded();
     Rehearsal* rehearsal() const { return m_rehearsal.get(); }  ///< null: in earnest
-    /// From now on only a share of the batch is made, which is not owned; see Share.h.
-    void setShare(Share* share) { m_share = share; }
-    Share* share() const { return m_share; }  ///< null: all of it
+    /// How analyses are kept in a work folder and shared; to be set before they begin.
+    RunParts& parts() { return m_parts; }
+    const RunParts& parts() const { return m_parts; }
 
     // Settings
     const Settings& settings() const { return m_settings; }
@@ -213,9 +211,6 @@ class Measurement : public QObject {
     void setRecorder(const Recorder& recorder) { m_recorder = recorder; }
     RecordLines recordOf(const Result& result, const QString& savedBy) const;
     RecordLines recordOfResults(const QString& savedBy) const;  ///< of all that are current
-    /// Where parts of analyses are kept, and taken from; null: nowhere. Not while one runs.
-    void setWorkFolder(const std::shared_ptr<WorkFolder>& folder) { m_workFolder = folder; }
-    const std::shared_ptr<WorkFolder>& workFolder() const { return m_workFolder; }
     void askForWindow(Window window) { emit windowAsked(window); }
 
   signals:
@@ -269,14 +264,11 @@ class Measurement : public QObject {
     double percentOfPass() const;
     void notePercent();
     void passEnded(RasterPass::Failure failure);
-    std::shared_ptr<PartStore> partsOf(bool isMeanSearch, const BinRaster& raster, int columns,
-                                       int valuesPerBin);
+    KeyedWork keyedWork(bool isMeanSearch, const BinRaster& raster) const;
     KeptRows keptRows(BinRaster* raster);
     KeptRows keptSums(BinRaster* raster, int energies);
-    void shareOut(KeptRows* rows, BinRaster* raster);
     void shareEnded();
     void takeRow(const KeptPass::Row& taken, const BinRaster& raster);
-    void partsEnded();
 
     struct MeanSearch {
         std::shared_ptr<RowSums> sums;
@@ -291,7 +283,6 @@ class Measurement : public QObject {
     };
 
     std::unique_ptr<Rehearsal> m_rehearsal;
-    Share* m_share = nullptr;
     Settings m_settings;
     Stack m_i1{StackId::I1};
     Stack m_i0{StackId::I0};
@@ -332,15 +323,7 @@ class Measurement : public QObject {
     std::set<Work> m_overtaken;  // of these, somebody waits for one from before
     Recorder m_recorder;
     QString m_batchFile;
-    std::shared_ptr<WorkFolder> m_workFolder;
-    std::shared_ptr<PartStore> m_parts;  // of the pass that runs
-    Outcome m_aboutParts;                // of the run
-    struct SharedPass {
-        int toMake = 0;  // parts
-        int rows = 0;    // of these
-        bool ownsAny = false;
-    };
-    std::optional<SharedPass> m_sharedPass;  // that runs: no results come of it
+    RunParts m_parts;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(Measurement::Changes)

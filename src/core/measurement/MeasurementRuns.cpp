@@ -15,7 +15,6 @@
 #include "measurement/FrameJudgement.h"
 #include "measurement/Measurement.h"
 #include "measurement/Revision.h"
-#include "measurement/Share.h"
 
 AnalysisGrid Measurement::grid() const {
     return AnalysisGrid::ofArea(m_size.width(), m_size.height(), m_settings.halfWidth,
@@ -156,8 +155,7 @@ Outcome Measurement::start(Work work) {
         markOfBefore(work);
         return room;
     }
-    m_aboutParts = {};
-    m_parts.reset();
+    m_parts.begin();
     Run& run = *m_analysis->run();
     run.warnings = judged.warnings;
     if (run.inputs.e0.kind == EdgeChoice::Kind::Mean && hasCommonE0(run.inputs, work)) {
@@ -288,12 +286,13 @@ QPair<int, int> Measurement::rowsDone() const {
         return {};
     }
     return {m_job.rowsTaken(),
-            m_sharedPass ? m_sharedPass->rows : m_analysis->grid().raster().rows};
+            m_parts.isOfShare() ? m_parts.rowsToMake() : m_analysis->grid().raster().rows};
 }
 
 double Measurement::percentOfPass() const {
-    if (m_sharedPass) {
-        return m_sharedPass->rows > 0 ? 100.0 * m_job.rowsTaken() / m_sharedPass->rows : 100.0;
+    if (m_parts.isOfShare()) {
+        const int rows = m_parts.rowsToMake();
+        return rows > 0 ? 100.0 * m_job.rowsTaken() / rows : 100.0;
     }
     AnalysisGrid at = m_analysis->grid();
     at.y = at.raster().y(m_job.rowsTaken() - 1);
@@ -309,8 +308,8 @@ void Measurement::notePercent() {
 
 void Measurement::passEnded(RasterPass::Failure failure) {
     Outcome broken;
-    partsEnded();
-    if (m_sharedPass && failure == RasterPass::Failure::None) {
+    m_parts.passEnded();
+    if (m_parts.isOfShare() && failure == RasterPass::Failure::None) {
         shareEnded();
         return;
     }
@@ -329,14 +328,10 @@ void Measurement::passEnded(RasterPass::Failure failure) {
                                       ? tr("the system gives no thread")
                                       : tr("memory ran out"));
     }
-    Outcome outcome = std::exchange(m_aboutParts, {});
+    Outcome outcome = m_parts.end(failure == RasterPass::Failure::None);
     outcome += broken.failed() ? broken : judgeAfter(run);
     if (failure == RasterPass::Failure::None && !m_search) {
         outcome.warnings += m_saturated.warnings(m_i1, m_i0);
-    }
-    if (std::exchange(m_sharedPass, std::nullopt)) {
-        m_share->endFailed();
-        outcome.endsBatch = true;
     }
     if (outcome.failed()) {
         if (!broken.failed()) {

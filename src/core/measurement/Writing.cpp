@@ -103,14 +103,14 @@ Outcome writeFile(const Measurement& measurement, const QString& fileName,
     }
     if (Rehearsal* rehearsal = measurement.rehearsal()) {
         rehearsal->write(fileName, written);
-    } else if (Share* share = measurement.share()) {
+    } else if (Share* share = measurement.parts().share()) {
         if (share->keeps(fileName) && !share->keep(fileName, writer)) {
             return unwritable(fileName);
         }
     } else if (!writer()) {
         return unwritable(fileName);
-    } else if (measurement.workFolder()) {
-        measurement.workFolder()->wrote(fileName);
+    } else if (measurement.parts().folder()) {
+        measurement.parts().folder()->wrote(fileName);
     }
     Outcome done = Outcome::note(Writing::tr("Saved %1").arg(QFileInfo(fileName).fileName()));
     done.files << fileName;

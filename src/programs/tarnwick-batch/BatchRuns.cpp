@@ -121,10 +121,11 @@ int BatchRuns::runIn(int folder) {
         return BatchSession::BadUsage;
     }
     if (m_options.part > 0) {
-        share = std::make_unique<Share>(m_options.part, m_options.parts,
-                                        measurement.workFolder()->path() + QLatin1String("/kept"),
-                                        planOf(m_batch.lines, m_batch.file).readBack);
-        measurement.setShare(share.get());
+        share =
+            std::make_unique<Share>(m_options.part, m_options.parts,
+                                    measurement.parts().folder()->path() + QLatin1String("/kept"),
+                                    planOf(m_batch.lines, m_batch.file).readBack);
+        measurement.parts().setShare(share.get());
     }
     prepare(&measurement);
     BatchSession session(&m_console, m_text,
@@ -143,7 +144,7 @@ bool BatchRuns::openWorkFolder(Measurement* measurement) {
     for (const QString& failure : outcome.failures) {
         m_console.note(QStringLiteral("tarnwick-batch: --work: ") + failure);
     }
-    measurement->setWorkFolder(folder);
+    measurement->parts().setFolder(folder);
     setSpillFolder(m_options.work);
     return !outcome.failed();
 }

@@ -3177,14 +3177,6 @@ Folder</source>
         <source>dark: %1</source>
         <translation>ダーク: %1</translation>
     </message>
-    <message>
-        <source>%1: has changed since it was loaded, the work folder is not used for this analysis</source>
-        <translation>%1: 読み込みの後で変更されました。この解析では作業フォルダーを使いません</translation>
-    </message>
-    <message>
-        <source>changed since other parts of this analysis were made: %1</source>
-        <translation>この解析のほかの部分が作られた後で変更されました: %1</translation>
-    </message>
 </context>
 <context>
     <name>MessageLine</name>
@@ -3475,6 +3467,17 @@ Folder</source>
     <message>
         <source>Fitted %1 bins with %2 references in %3 s.</source>
         <translation>%1 ビンを参照スペクトル %2 個でフィットしました (%3 秒)。</translation>
+    </message>
+</context>
+<context>
+    <name>RunParts</name>
+    <message>
+        <source>%1: has changed since it was loaded, the work folder is not used for this analysis</source>
+        <translation>%1: 読み込みの後で変更されました。この解析では作業フォルダーを使いません</translation>
+    </message>
+    <message>
+        <source>changed since other parts of this analysis were made: %1</source>
+        <translation>この解析のほかの部分が作られた後で変更されました: %1</translation>
     </message>
 </context>
 <context>
