@@ -3,6 +3,7 @@
 # To be sourced; start_cluster, then end_cluster in any case.
 
 daemons=()
+node=''  # slurmd
 
 free_ports() {  # the first of two neighbours that nothing listens on
     local port=$((20000 + RANDOM % 20000)) used
@@ -43,6 +44,7 @@ SelectType=select/cons_tres
 SelectTypeParameters=CR_CPU_Memory
 SchedulerParameters=bf_interval=1,sched_interval=2,batch_sched_delay=0
 ReturnToService=2
+BatchStartTimeout=2
 KillWait=2
 NodeName=check NodeHostname=$host NodeAddr=127.0.0.1 CPUs=$(nproc) RealMemory=$1
 DefMemPerCPU=$(($1 / $(nproc)))
@@ -76,9 +78,34 @@ start_cluster() {  # MEGABYTES of the node
     wait_for 20 test -S "$cluster/munge.socket" || return 1
     slurmctld -D > "$cluster/slurmctld.out" 2>&1 &
     daemons+=($!)
-    slurmd -D -N check > "$cluster/slurmd.out" 2>&1 &
-    daemons+=($!)
+    start_node
     wait_for 60 node_is_idle
+}
+
+start_node() {
+    slurmd -D -N check > "$cluster/slurmd.out" 2>&1 &
+    node=$!
+}
+
+# As when the power fails: slurmd, what it has started for jobs, and the jobs.
+kill_node() {
+    local environ process
+    kill -KILL "$node"
+    for environ in /proc/[0-9]*/environ; do
+        process=${environ%/environ} process=${process#/proc/}
+        grep -q -z -x "SLURM_CONF=$SLURM_CONF" "$environ" 2> /dev/null || continue
+        if [ "$(cat "/proc/$process/comm")" = slurmstepd ] || grep -q -z '^SLURM_JOB_ID=' "$environ"; then
+            kill -KILL "$process"
+        fi
+    done 2> /dev/null
+    wait "$node" 2> /dev/null
+}
+
+# Has a node that came back say what runs on it. A job that began shortly before is not missed at once.
+node_is_missed() {
+    scontrol reconfigure
+    sleep 1
+    grep -q 'requeue.*due to node failure' "$cluster/slurmctld.log"
 }
 
 # Jobs first: what they run hangs on no daemon.
@@ -88,6 +115,7 @@ end_cluster() {
         timeout 10 scancel -u "$(id -un)" 2> /dev/null
         timeout 30 bash -c 'while [ -n "$(squeue -h 2> /dev/null)" ]; do sleep 0.5; done'
     fi
+    daemons+=(${node:+"$node"})
     for daemon in "${daemons[@]}"; do
         kill "$daemon" 2> /dev/null
     done
