@@ -185,7 +185,7 @@ quint64 Measurement::bytesToFill() const {
     const std::vector<Result*> results = resultsOf(run.work);
     const auto maps = static_cast<quint64>(std::count_if(results.begin(), results.end(), isFilled));
     const bool isMasked = run.work == Work::Fit && run.inputs.errorMaps;
-    const quint64 parts = m_workFolder && !m_rehearsal
+    const quint64 parts = m_parts.folder() && !m_rehearsal
                               ? PartStore::bytesInMemory(PartCut(m_analysis->grid().raster()),
                                                          m_analysis->grid().raster().columns,
                                                          m_analysis->valuesPerBin())
