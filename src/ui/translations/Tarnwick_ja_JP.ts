@@ -3177,6 +3177,10 @@ Folder</source>
         <source>dark: %1</source>
         <translation>ダーク: %1</translation>
     </message>
+    <message>
+        <source>%1 of memory are needed, the limit is %2 (this line: %3, the program and what it holds: %4)</source>
+        <translation>メモリが %1 必要ですが、上限は %2 です (この行 %3、プログラムと保持中のデータ %4)</translation>
+    </message>
 </context>
 <context>
     <name>MessageLine</name>
@@ -4352,6 +4356,10 @@ Folder</source>
     <message>
         <source>the work folder cannot be written to: %1 (%2)</source>
         <translation>作業フォルダーに書き込めません: %1 (%2)</translation>
+    </message>
+    <message>
+        <source>the work folder does not tell its format: %1</source>
+        <translation>作業フォルダーの形式が分かりません: %1</translation>
     </message>
 </context>
 <context>
