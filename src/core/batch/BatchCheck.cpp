@@ -154,3 +154,17 @@ BatchPlan planOf(const QStringList& lines, const QString& file) {
         plan.errors.end());
     return plan;
 }
+
+QSet<QString> readBackOf(const QStringList& lines, const QString& file) {
+    bool hasSaved = false;
+    for (const CheckedLine& line : logicalLines(BatchText::fromLines(lines))) {
+        const CommandRow* row = line.inRemark ? nullptr : commandRow(line.command);
+        // A round of a loop may read what the one before has saved.
+        const bool loops = line.control == ForControl && !line.inRemark;
+        if (loops || (hasSaved && row != nullptr && row->reads())) {
+            return planOf(lines, file).readBack;
+        }
+        hasSaved = hasSaved || (row != nullptr && row->saves());
+    }
+    return {};
+}

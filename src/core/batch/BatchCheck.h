@@ -46,3 +46,6 @@ struct BatchPlan {
 
 /// By a rehearsal of all rounds of all loops, see checkBatch().
 BatchPlan planOf(const QStringList& lines, const QString& file = QString());
+/// BatchPlan::readBack alone: without a rehearsal, which takes memory and time for each bin, where
+/// no line that reads stands behind one that saves.
+QSet<QString> readBackOf(const QStringList& lines, const QString& file = QString());

@@ -74,6 +74,14 @@ bool CommandRow::saves() const {
     return savesBeside || std::find(args.begin(), args.end(), ArgKind::OutFile) != args.end();
 }
 
+bool CommandRow::reads() const {
+    const bool loads = work == Work::LoadI1 || work == Work::LoadI0 || work == Work::LoadDark ||
+                       work == Work::LoadFolder;
+    return loads || std::any_of(args.begin(), args.end(), [](ArgKind kind) {
+               return kind == ArgKind::InFile || kind == ArgKind::Directory;
+           });
+}
+
 QString CommandRow::fileOf(const CmdLine& cmd) const {
     const auto file = std::find_if(args.begin(), args.end(), [](ArgKind kind) {
         return kind == ArgKind::InFile || kind == ArgKind::OutFile;

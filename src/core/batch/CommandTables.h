@@ -70,6 +70,8 @@ struct CommandRow {
 
     /// Writes files.
     bool saves() const;
+    /// Reads files, or looks for them.
+    bool reads() const;
     /// The file that a line of this command reads or writes; empty for none or several.
     QString fileOf(const CmdLine& cmd) const;
 };

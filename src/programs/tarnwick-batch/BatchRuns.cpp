@@ -124,7 +124,7 @@ int BatchRuns::runIn(int folder) {
         share =
             std::make_unique<Share>(m_options.part, m_options.parts,
                                     measurement.parts().folder()->path() + QLatin1String("/kept"),
-                                    planOf(m_batch.lines, m_batch.file).readBack);
+                                    readBackOf(m_batch.lines, m_batch.file));
         measurement.parts().setShare(share.get());
     }
     prepare(&measurement);
