@@ -155,16 +155,43 @@ BatchPlan planOf(const QStringList& lines, const QString& file) {
     return plan;
 }
 
-QSet<QString> readBackOf(const QStringList& lines, const QString& file) {
-    bool hasSaved = false;
-    for (const CheckedLine& line : logicalLines(BatchText::fromLines(lines))) {
+namespace {
+
+bool isAny(const QVector<CheckedLine>& lines, int first, int end,
+           bool (CommandRow::*does)() const) {
+    return std::any_of(lines.begin() + first, lines.begin() + end, [does](const CheckedLine& line) {
         const CommandRow* row = line.inRemark ? nullptr : commandRow(line.command);
-        // A round of a loop may read what the one before has saved.
-        const bool loops = line.control == ForControl && !line.inRemark;
-        if (loops || (hasSaved && row != nullptr && row->reads())) {
-            return planOf(lines, file).readBack;
-        }
-        hasSaved = hasSaved || (row != nullptr && row->saves());
+        return row != nullptr && (row->*does)();
+    });
+}
+
+/// The line behind the last :next of a loop; that behind its :for where there is none.
+int endOfLoop(const QVector<CheckedLine>& lines, int start) {
+    int end = start + 1;
+    for (int i = end; i < lines.size(); ++i) {
+        const bool ends = lines[i].control == NextControl && !lines[i].inRemark &&
+                          lines[i].cmd.arg(0) == lines[start].cmd.arg(0);
+        end = ends ? i + 1 : end;
     }
-    return {};
+    return end;
+}
+
+/// Whether a line may read what one before has saved: in a loop each line comes before each other.
+bool mayReadBack(const QVector<CheckedLine>& lines) {
+    for (int i = 0; i < lines.size(); ++i) {
+        const bool loops = lines[i].control == ForControl && !lines[i].inRemark;
+        const int end = loops ? endOfLoop(lines, i) : i + 1;
+        if (isAny(lines, i, end, &CommandRow::saves) &&
+            isAny(lines, i, loops ? end : lines.size(), &CommandRow::reads)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+QSet<QString> readBackOf(const QStringList& lines, const QString& file) {
+    return mayReadBack(logicalLines(BatchText::fromLines(lines))) ? planOf(lines, file).readBack
+                                                                  : QSet<QString>();
 }
