@@ -31,7 +31,7 @@ LinearFit::LinearFit(QVector<XafsSpectrum> references, const FitRule& rule)
       m_solver(constraintsOf(rule), leadingOf(rule)) {
     for (const XafsSpectrum& s : std::as_const(m_references)) {
         if (m_rule.referenceScale == FitRule::ReferenceScale::None) {
-            Spectrum values(s);
+            Spectrum values(static_cast<const Spectrum&>(s));  // its points alone
             values.setShiftOn(false);  // as a normalised series, which is moved as a whole
             m_drawnSeries.emplace_back(s, values);
             m_basisSeries.emplace_back(s, values);

@@ -354,7 +354,7 @@ Outcome saveAllMaps(const Measurement& measurement, const QString& fileName) {
 Outcome saveSpectra(Measurement& measurement, const QString& fileName,
                     const QVector<XafsSpectrum>& more) {
     if (measurement.sample().isEmpty()) {
-        const QString problem = measurement.sampleProblem();
+        const QString& problem = measurement.sampleProblem();
         return Outcome::failure(
             problem.isEmpty() ? Saving::tr("there is no spectrum at the position") : problem);
     }
