@@ -75,9 +75,7 @@ bool CommandRow::saves() const {
 }
 
 bool CommandRow::reads() const {
-    const bool loads = work == Work::LoadI1 || work == Work::LoadI0 || work == Work::LoadDark ||
-                       work == Work::LoadFolder;
-    return loads || std::any_of(args.begin(), args.end(), [](ArgKind kind) {
+    return isLoad(work) || std::any_of(args.begin(), args.end(), [](ArgKind kind) {
                return kind == ArgKind::InFile || kind == ArgKind::Directory;
            });
 }

@@ -28,6 +28,12 @@ enum class Work {
     Deglitch  ///< or smoothing of the energy map
 };
 
+/// Reads frames.
+constexpr bool isLoad(Work work) {
+    return work == Work::LoadI1 || work == Work::LoadI0 || work == Work::LoadDark ||
+           work == Work::LoadFolder;
+}
+
 /// A text file that was read as a whole.
 struct FileInput {
     QString name;  ///< as it was given; empty: none

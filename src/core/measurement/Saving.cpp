@@ -1,23 +1,16 @@
 #include "measurement/Saving.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFileInfo>
 #include <algorithm>
 #include <cmath>
 
 #include "calibration/EnergyMapTiff.h"
-#include "drawing/BarPicture.h"
 #include "files/FileNames.h"
-#include "files/PictureFile.h"
 #include "files/WholeFile.h"
 #include "measurement/CalibrationJudgement.h"
-#include "measurement/CompositeDisplay.h"
-#include "measurement/Display.h"
-#include "measurement/MapDisplay.h"
 #include "measurement/Origin.h"
-#include "measurement/PlotSaving.h"
 #include "measurement/Room.h"
+#include "measurement/SavedResult.h"
 #include "measurement/Writing.h"
 #include "output/FlatDark.h"
 #include "output/ResultWriter.h"
@@ -28,24 +21,6 @@ namespace {
 class Saving {
     Q_DECLARE_TR_FUNCTIONS(Saving)
 };
-
-/// What somebody should know of a result that has been saved.
-Outcome judgement(const Measurement& measurement, const Result& result) {
-    Outcome outcome;
-    if (result.run) {
-        result.run->saved = true;
-    }
-    if (result.run && result.run->state == Run::State::Stopped) {
-        outcome.warnings << Saving::tr("the result was %1").arg(stoppedText(*result.run));
-    }
-    const Difference difference = differenceWhenSaved(measurement, result);
-    if (difference != Difference::None) {
-        outcome.warnings << Saving::tr("the result is %1")
-                                .arg(QCoreApplication::translate("Difference",
-                                                                 differenceText(difference)));
-    }
-    return outcome;
-}
 
 QSize sizeInTiff(const TiffOptions& form, const AnalysisGrid& grid) {
     return form.asAnalyzed ? QSize(static_cast<int>(grid.columns()), static_cast<int>(grid.rows()))
@@ -135,11 +110,6 @@ Outcome judgeBlanks(const Settings& form, const Analyzed2DRes& masked) {
                                              .arg(values.size()));
 }
 
-Outcome noPart() {
-    return Outcome::failure(
-        Saving::tr("the reference took no part in the fit: its map holds no values"));
-}
-
 std::vector<double> energiesOf(const XafsSpectrum& spectrum) {
     std::vector<double> energies;
     for (int i = 0; i < spectrum.size(); ++i) {
@@ -147,119 +117,6 @@ std::vector<double> energiesOf(const XafsSpectrum& spectrum) {
     }
     return energies;
 }
-
-/// The name of a further file, relative where the one that was asked for is.
-QString asGiven(const QString& name, const QString& asked) {
-    const bool isOther = QFileInfo(asked).isRelative() && QFileInfo(name).isAbsolute();
-    return isOther ? QDir().relativeFilePath(name) : name;
-}
-
-QString originText(const Measurement& measurement, const Result& result, const char* savedBy) {
-    return originOf(measurement, result, QString::fromLatin1(savedBy)).toText();
-}
-
-Outcome writePictureFile(const Measurement& measurement, const QString& fileName,
-                         const QImage& picture, const QString& origin, const QString& asked) {
-    const QString name = asGiven(fileName, asked);
-    const Outcome whyNot = judgePictureName(name, isPictureName(fileName));
-    return whyNot.failed() ? whyNot : writeFile(measurement, name, [&] {
-        return writePicture(fileName, picture, origin);
-    });
-}
-
-/// @param problem why there is no picture, where that is known
-Outcome savePicture(Measurement& measurement, const QString& fileName, const QImage& picture,
-                    const char* savedBy, const QString& problem) {
-    if (picture.isNull()) {
-        return Outcome::failure(problem.isEmpty() ? Saving::tr("no image is shown") : problem);
-    }
-    if (measurement.frameKind() != FrameView::Kind::Counts) {
-        const Outcome view = measurement.judge(measurement.settings().frameView);
-        if (view.failed()) {
-            return view;
-        }
-    }
-    const Result* result = measurement.shownResult();
-    if (result != nullptr && !result->tookPart()) {
-        return noPart();
-    }
-    const QString origin =
-        result != nullptr ? originText(measurement, *result, savedBy) : QString();
-    Outcome outcome = writePictureFile(measurement, fileName, picture, origin, fileName);
-    if (result != nullptr && !outcome.failed()) {
-        outcome += judgement(measurement, *result);
-    }
-    return outcome;
-}
-
-}  // namespace
-
-// Of a pixel of a picture while it is made and written: its colours, and those in the order of the
-// file.
-constexpr quint64 PictureBytes = 8;
-
-Outcome saveImage(Measurement& measurement, const QString& fileName) {
-    if (showsComposite(measurement)) {
-        return saveComposite(measurement, fileName, measurement.settings().composite);
-    }
-    if (const Outcome room = judgeRoomForPixels(measurement, PictureBytes); room.failed()) {
-        return room;
-    }
-    QString problem;
-    const QImage picture = shownPicture(measurement, &problem);
-    return savePicture(measurement, fileName, picture, "save_image", problem);
-}
-
-Outcome saveImageWithBar(Measurement& measurement, const QString& fileName) {
-    if (showsComposite(measurement)) {
-        return saveComposite(measurement, fileName, measurement.settings().composite);
-    }
-    if (const Outcome letters = judgeLetters(measurement); letters.failed()) {
-        return letters;
-    }
-    const quint64 each = PictureBytes + sizeof(QRgb);
-    if (const Outcome room = judgeRoomForPixels(measurement, each); room.failed()) {
-        return room;
-    }
-    QString problem;
-    const QImage picture = measurement.rehearsal() != nullptr
-                               ? shownPicture(measurement)
-                               : withColorBar(shownWithBar(measurement, &problem));
-    return savePicture(measurement, fileName, picture, "save_image_with_bar", problem);
-}
-
-Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
-    // They stay.
-    const int pictures = Reference::KindCount * measurement.referenceCount();
-    Outcome outcome = judgeRoomForPixels(measurement, PictureBytes + 3 * quint64(pictures));
-    if (outcome.failed()) {
-        return outcome;
-    }
-    for (int kind = 0; kind < Reference::KindCount; ++kind) {
-        for (int i = 0; i < measurement.referenceCount(); ++i) {
-            const Reference& reference = *measurement.references()[static_cast<std::size_t>(i)];
-            const Result& result = reference.result(kind);
-            if (!reference.takesPart() || !result.tookPart() || result.image.img() == nullptr) {
-                continue;
-            }
-            const QString name = taggedName(fileName, QStringLiteral("%1-%2").arg(i).arg(kind));
-            const QString origin = originText(measurement, result, "save_image");
-            outcome += writePictureFile(measurement, name, pictureOf(measurement, result), origin,
-                                        fileName);
-            if (outcome.failed()) {
-                return outcome;  // for one reason, said once
-            }
-            const Outcome judged = judgement(measurement, result);
-            if (outcome.texts().isEmpty()) {
-                outcome += judged;  // once for all of them
-            }
-        }
-    }
-    return outcome.files.isEmpty() ? Outcome::failure(Saving::tr("there are no result images"))
-                                   : outcome;
-}
-
-namespace {
 
 /// All values, or those that the mask leaves.
 Outcome saveValues(const Measurement& measurement, Result& result, const QString& fileName,
@@ -286,7 +143,7 @@ Outcome saveValues(const Measurement& measurement, Result& result, const QString
         measurement, asGiven(fileName, asked),
         [&] { return writeData(measurement, fileName, saved); }, writtenAs(form, saved));
     if (!outcome.failed()) {
-        outcome += judgement(measurement, saved);
+        outcome += judgeSaved(measurement, saved);
         outcome += judgeForm(form, saved.image);
         if (isMasked ? measurement.rehearsal() == nullptr : saved.image.grid().inside != nullptr) {
             outcome += judgeBlanks(form, saved.image);
@@ -308,7 +165,8 @@ Outcome saveData(const Measurement& measurement, const QString& fileName) {
     if (!result->image.hasData()) {
         return Outcome::failure(Saving::tr("the selected result holds no values"));
     }
-    return result->tookPart() ? saveValues(measurement, *result, fileName, fileName) : noPart();
+    return result->tookPart() ? saveValues(measurement, *result, fileName, fileName)
+                              : mapWithoutValues();
 }
 
 Outcome saveAllMaps(const Measurement& measurement, const QString& fileName) {
@@ -406,7 +264,7 @@ Outcome saveMapAsTiff(const Measurement& measurement, const QString& fileName) {
         },
         {Rehearsal::Kind::TiffMap, QSize(map.image.grid().width, map.image.grid().height), {}});
     if (!outcome.failed()) {
-        outcome += judgement(measurement, map);
+        outcome += judgeSaved(measurement, map);
     }
     return outcome;
 }
@@ -431,7 +289,7 @@ Outcome saveMap(const Measurement& measurement, const QString& fileName) {
         writeFile(measurement, fileName, [&] { return writeEMap(fileName, map.image, info); },
                   {Rehearsal::Kind::Map, info.imageSize, {}});
     if (!outcome.failed()) {
-        outcome += judgement(measurement, map);
+        outcome += judgeSaved(measurement, map);
         if (!map.image.hasData()) {
             outcome.warnings << Saving::tr("there is no energy map: every shift in the file is 0");
         }

@@ -4,10 +4,10 @@
 #include <algorithm>
 
 #include "files/Hdf5File.h"
-#include "measurement/Display.h"
 #include "measurement/Origin.h"
 #include "measurement/ResultParts.h"
 #include "measurement/Room.h"
+#include "measurement/SavedResult.h"
 #include "measurement/Saving.h"
 #include "measurement/Writing.h"
 
@@ -16,26 +16,6 @@ namespace {
 class SavingResults {
     Q_DECLARE_TR_FUNCTIONS(SavingResults)
 };
-
-/// What somebody should know of the results of an analysis that have been saved.
-Outcome judgement(const Measurement& measurement, const ResultPart& part) {
-    Outcome outcome;
-    const Result& result = part.first();
-    if (result.run) {
-        result.run->saved = true;
-    }
-    if (result.run && result.run->state == Run::State::Stopped) {
-        outcome.warnings
-            << SavingResults::tr("%1: the result was %2").arg(part.name, stoppedText(*result.run));
-    }
-    const Difference difference = differenceWhenSaved(measurement, result);
-    if (difference != Difference::None) {
-        outcome.warnings << SavingResults::tr("%1: the result is %2")
-                                .arg(part.name, QCoreApplication::translate(
-                                                    "Difference", differenceText(difference)));
-    }
-    return outcome;
-}
 
 /// While the file is made, in memory: all of its maps, and one more.
 quint64 bytesOf(const std::vector<ResultPart>& parts) {
@@ -84,7 +64,7 @@ Outcome saveResults(Measurement& measurement, const QString& fileName) {
     Outcome outcome = writeFile(
         measurement, fileName, [&] { return writeNexus(fileName, contentOf(measurement, parts)); });
     for (const ResultPart& part : parts) {
-        outcome += outcome.failed() ? Outcome() : judgement(measurement, part);
+        outcome += outcome.failed() ? Outcome() : judgeSaved(measurement, part.first(), part.name);
     }
     return outcome;
 }
@@ -98,7 +78,7 @@ Outcome saveTable(const Measurement& measurement, const QString& fileName) {
     Outcome outcome =
         writeFile(measurement, fileName, [&] { return writeBinTable(fileName, table); });
     if (!outcome.failed()) {
-        outcome += judgement(measurement, parts.front());
+        outcome += judgeSaved(measurement, parts.front().first(), parts.front().name);
     }
     return outcome;
 }

@@ -1,15 +1,12 @@
 #include "tarnwick-batch/BatchRuns.h"
 
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
-
 #include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QSaveFile>
 #include <algorithm>
 
+#include "base/Memory.h"
 #include "batch/BatchCheck.h"
 #include "batch/BatchRunner.h"
 #include "files/WholeFile.h"
@@ -19,13 +16,6 @@
 #include "tarnwick-batch/Console.h"
 
 namespace {
-
-/// The next folder begins with the memory that the first one had.
-void giveMemoryBack() {
-#ifdef __GLIBC__
-    malloc_trim(0);
-#endif
-}
 
 bool writeText(const QString& fileName, const QString& text) {
     QSaveFile file(fileName);
@@ -96,7 +86,7 @@ int BatchRuns::runAll() {
             return code;  // somebody wants the program to end
         }
         isGood = isGood && code == BatchSession::AllDone;
-        giveMemoryBack();
+        giveBackFreeMemory();  // the next begins with what the first one had
     }
     return isGood ? BatchSession::AllDone : BatchSession::SomeFailed;
 }

@@ -39,11 +39,6 @@ QString nameOf(Work work) {
     return QString();
 }
 
-bool countsFiles(Work work) {
-    return work == Work::LoadI1 || work == Work::LoadI0 || work == Work::LoadDark ||
-           work == Work::LoadFolder;
-}
-
 QString leftText(double seconds) {
     const auto rounded = [](double value) {
         return QString::number(toClampedInt(std::ceil(value), 0, Many));
@@ -143,7 +138,7 @@ QString Progress::head() const {
 /// How far the work is.
 QString Progress::measure() const {
     QStringList parts;
-    if (countsFiles(m_work)) {
+    if (isLoad(m_work)) {
         parts << QStringLiteral("%1/%2")
                      .arg(toClampedInt(m_done, 0, Many))
                      .arg(toClampedInt(m_of, 0, Many));
