@@ -106,7 +106,7 @@ class Job:
     def written(self):
         """Contents by name."""
         return {file.name: file.read_bytes() for file in sorted(self.results.iterdir())
-                if not file.name.endswith(".part")}
+                if not file.name.endswith("part")}
 
 
 def parts_in(work):

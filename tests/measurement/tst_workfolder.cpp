@@ -399,17 +399,17 @@ class TestWorkFolder : public QObject {
     void whatKilledRunsLeaveBehind() {
         const Change none = [](Measurement&) {};
         (void)run(Work::Difference, none, true);
-        const QString some = m_folder + '/' + partsIn(m_folder).firstKey();
-        for (const char* name : {".old.part", ".new.part"}) {
-            ::put(some + name, "x");
-        }
-        QFile old(some + ".old.part");
+        const QFileInfo part(m_folder + '/' + partsIn(m_folder).firstKey());
+        const QString beside = part.path() + "/." + part.fileName();
+        ::put(beside + ".0123456789ab.tarnwick-part", "x");
+        ::put(beside + ".000000000000.tarnwick-part", "x");
+        QFile old(beside + ".0123456789ab.tarnwick-part");
         QVERIFY(old.open(QIODevice::ReadWrite));
         QVERIFY(old.setFileTime(QDateTime::currentDateTime().addDays(-2),
                                 QFileDevice::FileModificationTime));
         old.close();
         (void)run(Work::Difference, none, true);
-        QVERIFY(!old.exists() && QFile::exists(some + ".new.part"));
+        QVERIFY(!old.exists() && QFile::exists(beside + ".000000000000.tarnwick-part"));
     }
 };
 

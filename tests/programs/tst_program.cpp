@@ -462,7 +462,8 @@ class TestProgram : public QObject {
             (out + process.readAllStandardOutput()).trimmed().split('\n').last();
         QVERIFY2(verdict.startsWith("Interrupted at line ") && verdict.endsWith(", 0 failed"),
                  verdict.constData());
-        QCOMPARE(QDir(m_dir.path()).entryList({"*.part"}), QStringList());
+        QCOMPARE(QDir(m_dir.path()).entryList({"*part"}, QDir::Files | QDir::Hidden),
+                 QStringList());
         if (line.contains("whole.tif")) {
             TiffData saved;
             QVERIFY(saved.load(file("whole.tif")));

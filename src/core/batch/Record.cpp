@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
-#include <QSaveFile>
 
 #include "base/Globals.h"
 #include "batch/BatchText.h"
@@ -11,6 +10,7 @@
 #include "batch/CmdLine.h"
 #include "batch/CommandTables.h"
 #include "batch/RecordWriter.h"
+#include "files/WholeDevice.h"
 #include "files/WholeFile.h"
 #include "measurement/Display.h"
 #include "measurement/Origin.h"
@@ -247,8 +247,9 @@ Outcome saveRecord(const Measurement& measurement, const QString& fileName) {
     }
     const QByteArray text = (record.lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
     const Outcome outcome = writeFile(measurement, fileName, [&] {
-        QSaveFile file(fileName);
-        return openBeside(file) && file.write(text) == text.size() && putInPlace(file);
+        WholeDevice file(fileName);
+        return file.open() && file.write(text) == text.size() && file.putInPlace() &&
+               noteSaved(fileName);
     });
     if (outcome.failed()) {
         return outcome;

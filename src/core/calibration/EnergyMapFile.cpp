@@ -4,7 +4,6 @@
 #include <QDebug>
 #include <QFileInfo>
 #include <QRectF>
-#include <QSaveFile>
 #include <QTextStream>
 #include <cmath>
 #include <memory>
@@ -13,6 +12,7 @@
 
 #include "base/DebugLog.h"
 #include "files/FilePlaces.h"
+#include "files/WholeDevice.h"
 #include "files/WholeFile.h"
 #include "maps/AnalysisGrid.h"
 #include "maps/Analyzed2DRes.h"
@@ -304,8 +304,8 @@ bool writeEMap(const QString& fileName, const Analyzed2DRes& map, const EMapInfo
     if (info.imageSize.isEmpty()) {
         return false;
     }
-    QSaveFile file(fileName);
-    if (!openBeside(file)) {
+    WholeDevice file(fileName);
+    if (!file.open()) {
         debugFile("Can not open", fileName);
         return false;
     }
@@ -315,14 +315,11 @@ bool writeEMap(const QString& fileName, const Analyzed2DRes& map, const EMapInfo
     debugTimed(QStringLiteral("EMap Write Start : "));
     writeAngles(out, map, info);
     debugTimed(QStringLiteral("EMap Write End   : "));
-    out.flush();
-    // commit() alone does not notice when what was left in the buffer fails.
-    if (out.status() != QTextStream::Ok || !file.flush() || !file.commit()) {
+    if (!file.putInPlace(out)) {
         debugFile("Error on writing", fileName);
         return false;
     }
-    debugFile("Saved", fileName);
-    return true;
+    return noteSaved(fileName);
 }
 
 double edgeEnergyForMap(const Spectrum* standard, double panelEdgeEnergy) {

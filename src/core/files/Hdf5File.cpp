@@ -4,9 +4,9 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include "files/Hdf5Library.h"
+#include "files/WholeDevice.h"
 #include "files/WholeFile.h"
 
 namespace {
@@ -91,8 +91,9 @@ void Hdf5Writer::array(const QString& path, const std::vector<quint8>& values,
 bool Hdf5Writer::save(const QString& fileName) {
     // By our own hands: the library cannot be rid of a file that it fails to finish.
     return m_file->made && m_file->made->finish([&](const char* bytes, qint64 size) {
-        QSaveFile file(fileName);
-        return size > 0 && openBeside(file) && file.write(bytes, size) == size && putInPlace(file);
+        WholeDevice file(fileName);
+        return size > 0 && file.open() && file.write(bytes, size) == size && file.putInPlace() &&
+               noteSaved(fileName);
     });
 }
 

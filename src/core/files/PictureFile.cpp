@@ -8,10 +8,10 @@
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QSaveFile>
 #include <algorithm>
 
 #include "files/PictureResolution.h"
+#include "files/WholeDevice.h"
 #include "files/WholeFile.h"
 
 namespace {
@@ -35,8 +35,8 @@ void forgetTime(QByteArray* pdf) {
 
 bool writePdf(const QString& fileName, const QSize& size,
               const std::function<void(QPainter&)>& paint) {
-    QSaveFile file(fileName);
-    if (!openBeside(file)) {
+    WholeDevice file(fileName);
+    if (!file.open()) {
         return false;
     }
     QBuffer pdf;
@@ -54,7 +54,8 @@ bool writePdf(const QString& fileName, const QSize& size,
         return false;
     }
     forgetTime(&pdf.buffer());
-    return file.write(pdf.buffer()) == pdf.buffer().size() && putInPlace(file);
+    return file.write(pdf.buffer()) == pdf.buffer().size() && file.putInPlace() &&
+           noteSaved(fileName);
 }
 
 }  // namespace
@@ -76,8 +77,8 @@ bool writePicture(const QString& fileName, const QImage& picture, const QString&
     if (picture.isNull() || !isPictureName(fileName)) {
         return false;
     }
-    QSaveFile file(fileName);
-    if (!openBeside(file)) {
+    WholeDevice file(fileName);
+    if (!file.open()) {
         return false;
     }
     QImage withText = picture;
@@ -85,7 +86,7 @@ bool writePicture(const QString& fileName, const QImage& picture, const QString&
         withText.setText(originChunkKey(), origin);  // the writer's setText() folds line ends
     }
     QImageWriter writer(&file, format);
-    return writer.write(withText) && putInPlace(file);
+    return writer.write(withText) && file.putInPlace() && noteSaved(fileName);
 }
 
 bool writeDrawing(const QString& fileName, const QSize& size,

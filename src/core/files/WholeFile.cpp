@@ -1,134 +1,86 @@
 #include "files/WholeFile.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <QFile>
-#include <QRandomGenerator>
-#include <QSaveFile>
-#include <array>
+#include <QtGlobal>
 #include <cerrno>
-#include <cstdio>
+#include <utility>
 
 #include "base/DebugLog.h"
-#include "files/FilePlaces.h"
+#include "files/FileTarget.h"
+#include "files/FilesTogether.h"
 
 namespace {
 
-constexpr int MostLinks = 40;
-constexpr int MostTries = 100;
-constexpr int LongestName = 240;  // leaves room for what makes the name unique
-
-int endOfFolder(const QByteArray& path) {
-    return path.lastIndexOf('/') + 1;
-}
-
-/// What a link points to, also when that is not there yet; other names as they are.
-QByteArray behindLinks(QByteArray path) {
-    std::array<char, 4096> target{};
-    for (int i = 0; i < MostLinks; ++i) {
-        const ssize_t size = ::readlink(path.constData(), target.data(), target.size());
-        if (size <= 0) {
-            break;
-        }
-        const QByteArray next(target.data(), static_cast<int>(size));
-        path = next.startsWith('/') ? next : path.left(endOfFolder(path)) + next;
-    }
-    return path;
-}
-
-enum class Old { Nothing, File, Taken };
-
-/// What stands under a name: a file that may be written, with its permissions in *mode, or what
-/// is not ours to replace.
-Old whatStandsAt(const QByteArray& path, mode_t* mode) {
-    struct stat old {};
-    if (::stat(path.constData(), &old) != 0) {
-        return errno == ENOENT || errno == ENOTDIR ? Old::Nothing : Old::Taken;
-    }
-    *mode = old.st_mode & 07777;
-    const bool ours = S_ISREG(old.st_mode) && ::access(path.constData(), W_OK) == 0;
-    return ours ? Old::File : Old::Taken;
-}
-
-/// An empty file beside the other, with the permissions that a new file gets; empty on failure.
-QByteArray makeBeside(const QByteArray& path) {
-    const int folder = endOfFolder(path);
-    const QByteArray stem = path.left(folder) + path.mid(folder).left(LongestName) + '.';
-    for (int i = 0; i < MostTries; ++i) {
-        QByteArray name =
-            stem + QByteArray::number(QRandomGenerator::global()->generate(), 36) + ".part";
-        const int file =
-            ::open(name.constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);  // NOLINT
-        if (file >= 0) {
-            ::close(file);
-            return name;
-        }
-        if (errno != EEXIST) {
-            break;
-        }
-    }
-    return QByteArray();
-}
+constexpr std::size_t WritebackBytes = 8 << 20;
 
 }  // namespace
 
 WholeFile::WholeFile(const QByteArray& path) : m_path(behindLinks(path)) {
     mode_t mode = 0;
-    m_taken = whatStandsAt(m_path, &mode) == Old::Taken;
-    if (!m_taken) {
-        m_part = makeBeside(m_path);
+    const Standing standing = whatStandsAt(m_path, &mode);
+    m_isTaken = standing == Standing::Taken;
+    if (m_isTaken) {
+        m_error = EEXIST;
+        return;
     }
+    // What only some may read is not open to all while it is written.
+    m_file = UnfinishedFile(m_path, standing == Standing::File ? (mode & 0666) | 0600 : 0666);
+    m_error = isMade() ? 0 : errno;
 }
 
-WholeFile::~WholeFile() {
-    if (isMade()) {
-        ::unlink(m_part.constData());
+bool WholeFile::failed() {
+    m_error = errno != 0 ? errno : EIO;
+    return false;
+}
+
+bool WholeFile::write(const void* bytes, std::size_t size) {
+    const char* from = static_cast<const char*>(bytes);
+    for (std::size_t left = size; m_error == 0 && left > 0;) {
+        const ssize_t written = ::write(descriptor(), from, left);
+        if (written > 0) {
+            from += written;
+            left -= static_cast<std::size_t>(written);
+        } else if (written == 0 || errno != EINTR) {
+            return failed();
+        }
     }
+    m_notStarted += size;
+    if (m_error == 0 && m_notStarted >= WritebackBytes) {
+        startWriteback();
+        m_notStarted = 0;
+    }
+    return m_error == 0;
+}
+
+void WholeFile::startWriteback() const {
+    ::sync_file_range(descriptor(), 0, 0, SYNC_FILE_RANGE_WRITE);
 }
 
 bool WholeFile::putInPlace() {
-    mode_t mode = 0;
-    const Old old = whatStandsAt(m_path, &mode);
-    if (!isMade() || old == Old::Taken ||
-        (old == Old::File && ::chmod(m_part.constData(), mode) != 0)) {
+    if (!isMade() || m_error != 0) {
         return false;
     }
-    // Over an existing file in one step, which QFile::rename would refuse.
-    if (std::rename(m_part.constData(), m_path.constData()) != 0) {
+    if (FilesTogether* files = FilesTogether::inForce()) {
+        startWriteback();
+        files->take(std::move(m_file), m_path);
+        return true;
+    }
+    FinishedFile finished(std::move(m_file), m_path);
+    return finished.sync() && finished.replace() && syncFolder(folderOf(m_path)) ? true : failed();
+}
+
+bool WholeFile::putInPlaceUnsynced() {
+    if (!isMade() || m_error != 0) {
         return false;
     }
-    m_part.clear();
-    return true;
+    FinishedFile finished(std::move(m_file), m_path);
+    return finished.close() && finished.replace() ? true : failed();
 }
 
-Target targetAt(const QString& fileName) {
-    mode_t mode = 0;
-    const QByteArray path = behindLinks(QFile::encodeName(fileName));
-    const int end = endOfFolder(path);
-    const QByteArray folder = end > 0 ? path.left(end) : QByteArray("./");
-    struct stat found {};
-    if (::stat(folder.constData(), &found) != 0 || !S_ISDIR(found.st_mode)) {
-        return Target::NoFolder;
-    }
-    if (path.size() == end || whatStandsAt(path, &mode) == Old::Taken) {
-        return Target::Taken;
-    }
-    return ::access(folder.constData(), W_OK) == 0 ? Target::Fine : Target::FolderNotWritable;
-}
-
-bool openBeside(QSaveFile& file, QIODevice::OpenMode openMode) {
-    // QSaveFile itself would put the file in the place of a device or a pipe.
-    mode_t mode = 0;
-    file.setFileName(placeOf(file.fileName()));
-    const QByteArray path = behindLinks(QFile::encodeName(file.fileName()));
-    return whatStandsAt(path, &mode) != Old::Taken && file.open(openMode);
-}
-
-bool putInPlace(QSaveFile& file) {
-    // commit() alone does not notice when what was left in the buffer fails.
-    return file.flush() && file.commit() && noteSaved(file.fileName());
+QString WholeFile::whyNot() const {
+    return qt_error_string(m_error);
 }
 
 bool noteSaved(const QString& fileName) {

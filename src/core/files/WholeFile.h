@@ -1,50 +1,50 @@
 #pragma once
 
 #include <QByteArray>
-#include <QIODevice>
 #include <QString>
+#include <cstddef>
 
-class QSaveFile;
+#include "files/UnfinishedFile.h"
 
-// Files that appear whole or not at all: they are written beside the old one, under a name that no
-// other program has, and take its place at the end. Links are followed to what they point to,
-// permissions stay, and only a file is ever replaced: no device, pipe or folder, and no file that
-// the user may not write.
-
-/// Such a file for a writer that opens it by name. Names are those of the file system.
+/// A file that appears whole or not at all: it is written beside the old one, under a name that no
+/// other program has (see UnfinishedFile), and takes its place at the end, synced to the disk.
+/// Links are followed to what they point to; permissions stay, and owner and group where the user
+/// may; of a file with several names the others keep the old contents. Only a regular file that the
+/// user may write is ever replaced.
 class WholeFile {
   public:
-    /// Makes the empty new file, unless there is something that it could not replace.
+    /// Makes the empty new file, unless there is something that it could not replace. The path is
+    /// one of the file system.
     explicit WholeFile(const QByteArray& path);
-    /// Removes the new file where it was not put in place.
-    ~WholeFile();
-    WholeFile(const WholeFile&) = delete;
-    WholeFile& operator=(const WholeFile&) = delete;
 
-    bool isMade() const { return !m_part.isEmpty(); }
+    bool isMade() const { return m_file.isMade(); }
     /// Not made because of what stands there already.
-    bool isTaken() const { return m_taken; }
-    /// Where to write; the file is there and empty.
-    const QByteArray& part() const { return m_part; }
-    /// Puts the finished file, which is closed, in the place of the old one.
+    bool isTaken() const { return m_isTaken; }
+    /// Where the new file is until it is put in place.
+    const QByteArray& part() const { return m_file.path(); }
+    /// For writers of their own; at the end of what is written. A duplicate may be closed.
+    int descriptor() const { return m_file.descriptor(); }
+
+    /// Once it fails, for want of space or whatever, nothing more succeeds.
+    bool write(const void* bytes, std::size_t size);
+    /// Lets the system write to the disk what it has of the file, without waiting for it.
+    void startWriteback() const;
+    /// Puts the finished file in the place of the old one; with FilesTogether, when those are.
     bool putInPlace();
+    /// The same at once and without syncing: for what tells by itself whether it is whole.
+    bool putInPlaceUnsynced();
+    /// Why something failed, in the words of the system.
+    QString whyNot() const;
 
   private:
+    bool failed();
+
     QByteArray m_path;  // behind all links
-    QByteArray m_part;  // empty: nothing to remove
-    bool m_taken = false;
+    UnfinishedFile m_file;
+    std::size_t m_notStarted = 0;  // bytes since startWriteback()
+    int m_error = 0;
+    bool m_isTaken = false;
 };
-
-/// Whether a file could be put under a name, as far as can be told without writing it.
-enum class Target { Fine, NoFolder, FolderNotWritable, Taken };
-Target targetAt(const QString& fileName);
-
-/// Opens such a file for writing where it is written through Qt, at its placeOf().
-bool openBeside(QSaveFile& file, QIODevice::OpenMode mode = QIODevice::WriteOnly);
-
-/// Puts the new file in the place of the old one, with the debug line, unless any of it could not
-/// be written.
-bool putInPlace(QSaveFile& file);
 
 /// The debug line of a saved file; true.
 bool noteSaved(const QString& fileName);

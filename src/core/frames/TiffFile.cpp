@@ -1,6 +1,8 @@
 #include "frames/TiffFile.h"
 
+#include <fcntl.h>
 #include <tiffio.h>
+#include <unistd.h>
 
 #include <QFile>
 #include <QIODevice>
@@ -43,6 +45,7 @@ TiffHandle openTiff(const QString& name, const char* mode) {
 
 /// Pixels are folded into the extremes in pieces that are still in the processor's cache.
 constexpr quint64 PieceBytes = 256 * 1024;
+constexpr quint64 WritebackBytes = 32 * PieceBytes;
 
 /// Reads the rows of a sound file of the plainest kind (see PlainStrips) straight to where they
 /// belong: what is read here is what TIFFReadScanline() would have given for every row. False for
@@ -123,8 +126,19 @@ void fillPiece(const Pixels& image, quint64 place, std::vector<char>* piece) {
 #endif
 }
 
+/// On a descriptor of its own, which it closes.
+TiffHandle openToWrite(const WholeFile& file) {
+    const int descriptor = file.isMade() ? ::fcntl(file.descriptor(), F_DUPFD_CLOEXEC, 0) : -1;
+    TiffHandle tiff(descriptor < 0 ? nullptr
+                                   : TIFFFdOpen(descriptor, file.part().constData(), "wl"));
+    if (descriptor >= 0 && !tiff) {
+        ::close(descriptor);
+    }
+    return tiff;
+}
+
 /// A piece at a time: strips may be as large as the image.
-bool writeStrips(TIFF* tiff, const Pixels& image) {
+bool writeStrips(TIFF* tiff, const Pixels& image, const WholeFile& file) {
     uint32_t rowsPerStrip = 0;
     TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
     if (rowsPerStrip == 0 || image.isEmpty()) {
@@ -133,6 +147,7 @@ bool writeStrips(TIFF* tiff, const Pixels& image) {
     const quint64 rowCount = static_cast<quint64>(image.height);
     std::vector<char> piece;
     quint64 place = 0;
+    quint64 written = 0;
     uint32_t s = 0;
     for (quint64 r = 0; r < rowCount; r += rowsPerStrip, ++s) {
         const quint64 n = std::min<quint64>(rowsPerStrip, rowCount - r);
@@ -145,6 +160,10 @@ bool writeStrips(TIFF* tiff, const Pixels& image) {
             if (TIFFWriteRawStrip(tiff, s, piece.data(), bytes) != bytes) {
                 return false;
             }
+            written += piece.size();
+            if (written % WritebackBytes == 0) {
+                file.startWriteback();
+            }
         }
         place += image.stride * size;
     }
@@ -155,14 +174,14 @@ bool writeStrips(TIFF* tiff, const Pixels& image) {
 bool writeFile(const QString& name, const Pixels& image) {
     for (const QByteArray& path : pathsOfFile(placeOf(name))) {
         WholeFile file(path);
-        TiffHandle tiff(file.isMade() ? TIFFOpen(file.part().constData(), "wl") : nullptr);
         if (file.isTaken()) {
             return false;
         }
+        TiffHandle tiff = openToWrite(file);
         if (!tiff) {
             continue;
         }
-        const bool written = setTags(tiff.get(), image) && writeStrips(tiff.get(), image);
+        const bool written = setTags(tiff.get(), image) && writeStrips(tiff.get(), image, file);
         tiff.reset();
         return (written || image.isEmpty()) && file.putInPlace() && written;
     }

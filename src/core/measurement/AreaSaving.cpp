@@ -2,9 +2,9 @@
 
 #include <QCoreApplication>
 #include <QLocale>
-#include <QSaveFile>
 #include <cmath>
 
+#include "files/WholeDevice.h"
 #include "files/WholeFile.h"
 #include "maps/Statistics.h"
 #include "measurement/AreaSpectrum.h"
@@ -38,8 +38,9 @@ QByteArray lineOf(const Result& result, const Area& area) {
 }
 
 bool writeStatistics(const QString& fileName, const QByteArray& text) {
-    QSaveFile file(fileName);
-    return openBeside(file) && file.write(text) == text.size() && putInPlace(file);
+    WholeDevice file(fileName);
+    return file.open() && file.write(text) == text.size() && file.putInPlace() &&
+           noteSaved(fileName);
 }
 
 /// Another area is what they are made for.

@@ -121,35 +121,20 @@ bool Part::takeRest(const std::vector<char>& bytes) {
 
 QString Part::write(const QString& fileName) const {
     WholeFile whole(QFile::encodeName(fileName));
-    QFile file(QFile::decodeName(whole.part()));
-    if (!whole.isMade() || !file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-        return whole.isMade() ? file.errorString() : qt_error_string();
-    }
     const Header header = headerOf(m_form);
     const std::vector<char> behind = rest();
     Checksum checksum;
     const auto put = [&](const void* bytes, std::size_t size) {
         checksum.add(bytes, size);
-        return file.write(static_cast<const char*>(bytes), static_cast<qint64>(size)) ==
-               static_cast<qint64>(size);
+        return whole.write(bytes, size);
     };
-    bool ok = put(&header, sizeof header) &&
+    bool ok = whole.isMade() && put(&header, sizeof header) &&
               put(m_values.data(), m_values.size() * sizeof(double)) &&
               put(behind.data(), behind.size());
     const Checksum::Value sum = checksum.value();
-    ok = ok && put(sum.data(), sum.size());
-    QString why = file.errorString();
-    file.close();
-    // What a file system keeps back until a file is closed may fail only then.
-    if (ok && file.error() != QFileDevice::NoError) {
-        ok = false;
-        why = file.errorString();
-    }
-    if (ok && !whole.putInPlace()) {
-        ok = false;
-        why = qt_error_string();
-    }
-    return ok ? QString() : why;
+    // Not synced: the checksum tells whether it is whole.
+    ok = ok && put(sum.data(), sum.size()) && whole.putInPlaceUnsynced();
+    return ok ? QString() : whole.whyNot();
 }
 
 std::optional<Part> Part::read(const QString& fileName, const Form& form, Fault* fault) {

@@ -1,7 +1,6 @@
 #include "measurement/PartStore.h"
 
 #include <QCoreApplication>
-#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QSet>
@@ -10,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "files/LeftOver.h"
 #include "files/WholeFile.h"
 
 namespace {
@@ -46,13 +46,9 @@ QString changedSince(const QByteArray& manifest, const WorkKey& key) {
 /// Empty, else why not.
 QString writeWhole(const QString& fileName, const QByteArray& bytes) {
     WholeFile whole(QFile::encodeName(fileName));
-    QFile file(QFile::decodeName(whole.part()));
-    if (!whole.isMade() || !file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) ||
-        file.write(bytes) != bytes.size()) {
-        return qt_error_string();
-    }
-    file.close();
-    return whole.putInPlace() ? QString() : qt_error_string();
+    const bool isWritten = whole.write(bytes.constData(), static_cast<std::size_t>(bytes.size())) &&
+                           whole.putInPlace();
+    return isWritten ? QString() : whole.whyNot();
 }
 
 QString writePart(const Part& part, const QString& fileName, bool isDamaged) {
@@ -105,20 +101,8 @@ bool PartStore::isComplete() const {
     return true;
 }
 
-/// What runs that were killed have left behind.
-void PartStore::clean() const {
-    const QDateTime old = QDateTime::currentDateTime().addDays(-1);
-    const QFileInfoList files =
-        QDir(m_place.folder).entryInfoList({QStringLiteral("*.rows.*.part")}, QDir::Files);
-    for (const QFileInfo& file : files) {
-        if (file.lastModified() < old) {
-            QFile::remove(file.filePath());
-        }
-    }
-}
-
 void PartStore::begin() {
-    clean();
+    removeLeftOver(QFile::encodeName(m_place.folder));
     QFile file(m_place.manifest);
     const QByteArray text = manifestOf(m_key);
     const bool isThere = file.open(QIODevice::ReadOnly) && file.readAll() == text;

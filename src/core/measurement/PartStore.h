@@ -69,7 +69,6 @@ class PartStore {
 
   private:
     QString fileOf(int part) const;
-    void clean() const;
 
     Place m_place;
     WorkKey m_key;

@@ -169,7 +169,9 @@ Outcome saveData(const Measurement& measurement, const QString& fileName) {
                               : mapWithoutValues();
 }
 
-Outcome saveAllMaps(const Measurement& measurement, const QString& fileName) {
+namespace {
+
+Outcome writeAllMaps(const Measurement& measurement, const QString& fileName) {
     Outcome outcome;
     QVector<QPair<QString, QStringList>> warnings;  // with the maps that they are of
     int maps = 0;
@@ -204,10 +206,42 @@ Outcome saveAllMaps(const Measurement& measurement, const QString& fileName) {
                                  ? warning.first
                                  : QStringLiteral("%1: %2").arg(of, warning.first));
     }
+    return outcome;
+}
+
+}  // namespace
+
+Outcome saveAllMaps(const Measurement& measurement, const QString& fileName) {
+    const Outcome outcome = writeTogether([&] { return writeAllMaps(measurement, fileName); });
     return outcome.files.isEmpty() && !outcome.failed()
                ? Outcome::failure(Saving::tr("there are no maps"))
                : outcome;
 }
+
+namespace {
+
+Outcome writeSpectra(const Measurement& measurement, const QString& fileName,
+                     const QVector<XafsSpectrum>& spectra) {
+    Outcome outcome;
+    int number = 0;
+    for (const XafsSpectrum& spectrum : spectra) {
+        const QString name = number == 0 ? fileName : taggedName(fileName, QString::number(number));
+        ++number;
+        outcome += writeFile(
+            measurement, asGiven(name, fileName),
+            [&] {
+                return writeSpectrumFile(name, spectrum, measurement.settings().correctedSpectra) &&
+                       noteSaved(name);
+            },
+            {Rehearsal::Kind::Spectrum, {}, energiesOf(spectrum)});
+        if (outcome.failed()) {
+            break;
+        }
+    }
+    return outcome;
+}
+
+}  // namespace
 
 Outcome saveSpectra(Measurement& measurement, const QString& fileName,
                     const QVector<XafsSpectrum>& more) {
@@ -222,22 +256,7 @@ Outcome saveSpectra(Measurement& measurement, const QString& fileName,
         spectra << *standard;
     }
     spectra << more;
-    Outcome outcome;
-    int number = 0;
-    for (const XafsSpectrum& spectrum : qAsConst(spectra)) {
-        const QString name = number == 0 ? fileName : taggedName(fileName, QString::number(number));
-        ++number;
-        outcome += writeFile(
-            measurement, asGiven(name, fileName),
-            [&] {
-                return writeSpectrumFile(name, spectrum, measurement.settings().correctedSpectra) &&
-                       noteSaved(name);
-            },
-            {Rehearsal::Kind::Spectrum, {}, energiesOf(spectrum)});
-        if (outcome.failed()) {
-            break;
-        }
-    }
+    Outcome outcome = writeTogether([&] { return writeSpectra(measurement, fileName, spectra); });
     if (!outcome.failed() && measurement.lacksMeanE0()) {
         outcome.warnings << Saving::tr(
             "the E0 of the mean spectrum is not known before an analysis of the area (LCF or "
@@ -302,11 +321,13 @@ Outcome saveFlatDark(const Measurement& measurement) {
     if (size.isEmpty()) {
         return Outcome::failure(Saving::tr("no images are loaded"));
     }
-    Outcome outcome;
-    for (const FlatDark& file : FlatDarkFiles) {
-        outcome += writeFile(measurement, QLatin1String(file.name),
-                             [&] { return writeFlatDark(file, size.width(), size.height()); },
-                             {Rehearsal::Kind::Frame, size, {}});
-    }
-    return outcome;
+    return writeTogether([&] {
+        Outcome outcome;
+        for (const FlatDark& file : FlatDarkFiles) {
+            outcome += writeFile(measurement, QLatin1String(file.name),
+                                 [&] { return writeFlatDark(file, size.width(), size.height()); },
+                                 {Rehearsal::Kind::Frame, size, {}});
+        }
+        return outcome;
+    });
 }

@@ -95,13 +95,10 @@ Outcome saveImageWithBar(Measurement& measurement, const QString& fileName) {
     return savePicture(measurement, fileName, picture, "save_image_with_bar", problem);
 }
 
-Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
-    // They stay.
-    const int pictures = Reference::KindCount * measurement.referenceCount();
-    Outcome outcome = judgeRoomForPixels(measurement, PictureBytes + 3 * quint64(pictures));
-    if (outcome.failed()) {
-        return outcome;
-    }
+namespace {
+
+Outcome writeAllImages(const Measurement& measurement, const QString& fileName) {
+    Outcome outcome;
     for (int kind = 0; kind < Reference::KindCount; ++kind) {
         for (int i = 0; i < measurement.referenceCount(); ++i) {
             const Reference& reference = *measurement.references()[static_cast<std::size_t>(i)];
@@ -122,6 +119,20 @@ Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
             }
         }
     }
-    return outcome.files.isEmpty() ? Outcome::failure(Saving::tr("there are no result images"))
-                                   : outcome;
+    return outcome;
+}
+
+}  // namespace
+
+Outcome saveAllImages(const Measurement& measurement, const QString& fileName) {
+    // They stay.
+    const int pictures = Reference::KindCount * measurement.referenceCount();
+    Outcome outcome = judgeRoomForPixels(measurement, PictureBytes + 3 * quint64(pictures));
+    if (outcome.failed()) {
+        return outcome;
+    }
+    outcome += writeTogether([&] { return writeAllImages(measurement, fileName); });
+    return outcome.files.isEmpty() && !outcome.failed()
+               ? Outcome::failure(Saving::tr("there are no result images"))
+               : outcome;
 }

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "files/FilePlaces.h"
+#include "files/FilesTogether.h"
 #include "files/WholeFile.h"
 
 namespace {
@@ -65,7 +66,8 @@ bool Share::keep(const QString& fileName, const std::function<bool()>& writer) {
     const WholeFile fresh(QFile::encodeName(QDir(m_folder).filePath(QString::fromLatin1(stem))));
     const QString written = QFile::decodeName(fresh.part());
     m_kept.put(identity, written);
-    const bool isWritten = fresh.isMade() && writer();
+    FilesTogether now;  // not with the others of a line: what it holds gives the name
+    const bool isWritten = fresh.isMade() && writer() && now.finish();
     const QByteArray digest = isWritten ? digestOf(identity, written) : QByteArray();
     const QString place = QDir(m_folder).filePath(QString::fromLatin1(digest));
     // One that is there already may be read at this moment.

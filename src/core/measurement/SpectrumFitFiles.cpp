@@ -203,10 +203,13 @@ Outcome fitSpectrumFile(const Measurement& measurement, const QString& sample, c
     if (outcome.failed()) {
         return outcome;
     }
-    outcome += saveTable(measurement, fit, table);
-    if (!plot.isEmpty() && !outcome.failed()) {
-        outcome += savePlot(measurement, fit, plot);
-    }
+    outcome += writeTogether([&] {
+        Outcome files = saveTable(measurement, fit, table);
+        if (!plot.isEmpty() && !files.failed()) {
+            files += savePlot(measurement, fit, plot);
+        }
+        return files;
+    });
     if (!fit.isStandIn && !outcome.failed()) {
         outcome.notes += notesOf(fit);
     }

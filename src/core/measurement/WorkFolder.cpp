@@ -21,14 +21,11 @@ constexpr int Digits = 32;  // of a digest, in a name
 QString tryToWrite(const QString& folder, const QString& keep) {
     const QString name = keep.isEmpty() ? folder + QStringLiteral("/probe") : keep;
     WholeFile whole(QFile::encodeName(name));
-    QFile file(QFile::decodeName(whole.part()));
     const QByteArray text = QByteArray::number(Format) + '\n';
-    if (!whole.isMade() || !file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) ||
-        file.write(text) != text.size()) {
-        return qt_error_string();
-    }
-    file.close();
-    return keep.isEmpty() || whole.putInPlace() ? QString() : qt_error_string();
+    const bool isWritten = whole.isMade() &&
+                           whole.write(text.constData(), static_cast<std::size_t>(text.size())) &&
+                           (keep.isEmpty() || whole.putInPlace());
+    return isWritten ? QString() : whole.whyNot();
 }
 
 }  // namespace

@@ -8,7 +8,8 @@
 #include <algorithm>
 
 #include "files/FilePlaces.h"
-#include "files/WholeFile.h"
+#include "files/FileTarget.h"
+#include "files/FilesTogether.h"
 #include "measurement/Share.h"
 
 namespace {
@@ -73,6 +74,18 @@ QString whyNot(Target target) {
     return QString();
 }
 
+QString savedText(const QString& fileName) {
+    return Writing::tr("Saved %1").arg(QFileInfo(fileName).fileName());
+}
+
+/// What the writer finishes may be put in its place later, see writeTogether().
+bool write(const QString& fileName, const std::function<bool()>& writer) {
+    if (FilesTogether* files = FilesTogether::inForce()) {
+        files->callThem(fileName);
+    }
+    return writer();
+}
+
 }  // namespace
 
 Outcome unwritable(const QString& fileName, const QString& why) {
@@ -107,12 +120,24 @@ Outcome writeFile(const Measurement& measurement, const QString& fileName,
         if (share->keeps(fileName) && !share->keep(fileName, writer)) {
             return unwritable(fileName);
         }
-    } else if (!writer()) {
+    } else if (!write(fileName, writer)) {
         return unwritable(fileName);
     } else if (measurement.parts().folder()) {
         measurement.parts().folder()->wrote(fileName);
     }
-    Outcome done = Outcome::note(Writing::tr("Saved %1").arg(QFileInfo(fileName).fileName()));
+    Outcome done = Outcome::note(savedText(fileName));
     done.files << fileName;
     return done;
+}
+
+Outcome writeTogether(const std::function<Outcome()>& work) {
+    FilesTogether files;
+    Outcome outcome = work();
+    files.finish();
+    for (const QString& name : files.failures()) {
+        outcome.files.removeOne(name);
+        outcome.notes.removeOne(savedText(name));
+        outcome += unwritable(name);
+    }
+    return outcome;
 }

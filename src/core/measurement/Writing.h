@@ -12,6 +12,10 @@
 Outcome judgeTarget(const Measurement& measurement, const QString& fileName,
                     const QStringList& alsoRead = {});
 
+/// Lets `work` write several files, which are put in their places together at the end, so that they
+/// wait for the disk once. One that fails only then is a failure of its own; the others stay.
+Outcome writeTogether(const std::function<Outcome()>& work);
+
 /// Says that a file is not there, or the old one still.
 Outcome unwritable(const QString& fileName, const QString& why = QString());
 

@@ -1,10 +1,10 @@
 #include "output/BinTable.h"
 
-#include <QSaveFile>
 #include <array>
 #include <charconv>
 #include <cmath>
 
+#include "files/WholeDevice.h"
 #include "files/WholeFile.h"
 
 namespace {
@@ -22,8 +22,8 @@ void append(QByteArray* line, double value) {
 }  // namespace
 
 bool writeBinTable(const QString& fileName, const BinTable& table) {
-    QSaveFile file(fileName);
-    if (!openBeside(file)) {
+    WholeDevice file(fileName);
+    if (!file.open()) {
         return false;
     }
     QByteArray text("x,y");
@@ -44,5 +44,5 @@ bool writeBinTable(const QString& fileName, const BinTable& table) {
         file.write(text);
         text.clear();
     }
-    return putInPlace(file);
+    return file.putInPlace() && noteSaved(fileName);
 }

@@ -1,7 +1,6 @@
 #include "output/ColumnTable.h"
 
-#include <QSaveFile>
-
+#include "files/WholeDevice.h"
 #include "files/WholeFile.h"
 
 namespace {
@@ -16,8 +15,8 @@ QString inOneLine(QString text) {
 }  // namespace
 
 bool writeColumnTable(const QString& fileName, const ColumnTable& table) {
-    QSaveFile file(fileName);
-    if (!openBeside(file)) {
+    WholeDevice file(fileName);
+    if (!file.open()) {
         return false;
     }
     QString head;
@@ -36,5 +35,5 @@ bool writeColumnTable(const QString& fileName, const ColumnTable& table) {
         }
         file.write(text + '\n');
     }
-    return putInPlace(file);
+    return file.putInPlace() && noteSaved(fileName);
 }

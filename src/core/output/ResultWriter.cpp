@@ -1,12 +1,12 @@
 #include "output/ResultWriter.h"
 
-#include <QSaveFile>
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <numeric>
 
+#include "files/WholeDevice.h"
 #include "files/WholeFile.h"
 #include "frames/TiffFile.h"
 #include "maps/AnalysisGrid.h"
@@ -301,8 +301,8 @@ bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
         return false;
     }
     SavedRows rows(result, options.asAnalyzed);
-    QSaveFile file(fileName);
-    if (!openBeside(file)) {
+    WholeDevice file(fileName);
+    if (!file.open()) {
         return false;
     }
     file.write(headerText(header, result));
@@ -310,5 +310,5 @@ bool writeResultTable(const QString& fileName, const Analyzed2DRes& result,
     for (qint64 i = 0; i < rows.at.rows.count; ++i) {
         file.write(rowText(rows.row(i), rows.at.rows.position(i), rows.at.columns, options));
     }
-    return putInPlace(file);
+    return file.putInPlace() && noteSaved(fileName);
 }

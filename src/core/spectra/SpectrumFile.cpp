@@ -1,13 +1,12 @@
 #include "spectra/SpectrumFile.h"
 
 #include <QFile>
-#include <QSaveFile>
 #include <QTextStream>
 #include <cmath>
 
 #include "base/DebugLog.h"
 #include "files/FilePlaces.h"
-#include "files/WholeFile.h"
+#include "files/WholeDevice.h"
 #include "spectra/Constants.h"
 #include "spectra/XafsSpectrum.h"
 
@@ -98,8 +97,8 @@ void read9809(QTextStream& in, XafsSpectrum* spectrum) {
 }
 
 bool writeSpectrumFile(const QString& fileName, const XafsSpectrum& spectrum, bool corrected) {
-    QSaveFile file(fileName);
-    if (!openBeside(file, QIODevice::WriteOnly | QIODevice::Text)) {
+    WholeDevice file(fileName);
+    if (!file.open()) {
         return false;
     }
     QTextStream out(&file);
@@ -112,6 +111,5 @@ bool writeSpectrumFile(const QString& fileName, const XafsSpectrum& spectrum, bo
             << valueOr0(normalised, i) << '\t' << spectrum.value(i) << '\t'
             << valueOr0(spectrum.preEdge(), i) << '\t' << valueOr0(spectrum.postEdge(), i) << '\n';
     }
-    out.flush();
-    return out.status() == QTextStream::Ok && file.commit();
+    return file.putInPlace(out);
 }

@@ -3,12 +3,13 @@
 #include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <algorithm>
 
 #include "base/Memory.h"
 #include "batch/BatchCheck.h"
 #include "batch/BatchRunner.h"
+#include "files/FileTarget.h"
+#include "files/WholeDevice.h"
 #include "files/WholeFile.h"
 #include "frames/SpillFile.h"
 #include "measurement/Share.h"
@@ -18,9 +19,10 @@
 namespace {
 
 bool writeText(const QString& fileName, const QString& text) {
-    QSaveFile file(fileName);
+    WholeDevice file(fileName);
     const QByteArray bytes = text.toUtf8();
-    return openBeside(file) && file.write(bytes) == bytes.size() && putInPlace(file);
+    return file.open() && file.write(bytes) == bytes.size() && file.putInPlace() &&
+           noteSaved(fileName);
 }
 
 int countOf(const QVector<SummaryRow>& rows, const char* outcome) {

@@ -5,7 +5,7 @@
 #include "files/WholeFile.h"
 
 bool RunReport::open() {
-    return openBeside(m_file) && m_file.write("[") == 1;
+    return m_file.open() && m_file.write("[") == 1;
 }
 
 void RunReport::add(const QJsonObject& entry) {
@@ -15,5 +15,5 @@ void RunReport::add(const QJsonObject& entry) {
 }
 
 bool RunReport::close() {
-    return m_file.write("\n]\n") > 0 && putInPlace(m_file);
+    return m_file.write("\n]\n") > 0 && m_file.putInPlace() && noteSaved(fileName());
 }

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QString>
+
+#include "files/WholeDevice.h"
 
 /// Writes what a run did as a JSON array of objects, one a line of text: it grows on disk, not in
 /// memory, and takes the place of an older file as a whole when it is closed.
@@ -19,6 +20,6 @@ class RunReport {
     QString fileName() const { return m_file.fileName(); }
 
   private:
-    QSaveFile m_file;
+    WholeDevice m_file;
     bool m_isEmpty = true;
 };

@@ -8,7 +8,6 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QStatusBar>
 #include <QTextBlock>
 #include <QTextStream>
@@ -16,6 +15,7 @@
 
 #include "display/FolderMemory.h"
 #include "display/MessageLine.h"
+#include "files/WholeDevice.h"
 #include "files/WholeFile.h"
 #include "ui_BatchCtrl.h"
 
@@ -196,18 +196,14 @@ void BatchCtrl::save(QString fname) {
 }
 
 bool BatchCtrl::writeText(const QString& fname) const {
-    QSaveFile file(fname);
-    if (!openBeside(file, QIODevice::WriteOnly | QIODevice::Text)) {
+    WholeDevice file(fname);
+    if (!file.open()) {
         return false;
     }
     QTextStream out(&file);
     out.setCodec("UTF-8");
     out << editorText();
-    out.flush();
-    if (out.status() != QTextStream::Ok) {
-        file.cancelWriting();
-    }
-    return putInPlace(file);
+    return file.putInPlace(out) && noteSaved(fname);
 }
 
 void BatchCtrl::load(QString fname) {
