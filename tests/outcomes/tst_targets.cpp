@@ -74,10 +74,10 @@ bool saveBatch(const QString& name) {
 }
 
 bool runProgram(const char* option, const QString& name) {
+    const QTemporaryDir dir;
+    put(dir.filePath("a.bat"), "set_band_w 0\n");
     QProcess process;
-    process.start(TARNWICK_BATCH, {option, name, "-"});
-    process.write("clear\necho a\n");
-    process.closeWriteChannel();
+    process.start(TARNWICK_BATCH, {option, name, dir.filePath("a.bat")});
     return process.waitForFinished(60000) && process.exitCode() == 0;
 }
 

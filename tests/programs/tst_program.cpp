@@ -112,6 +112,7 @@ class TestProgram : public QObject {
         row({"--work", "", "b.bat"}, 2, "needs a folder");
         row({"--work", "b.bat", "b.bat"}, 2, "is a file");
         row({"--report", "./b.bat", "b.bat"}, 2, "would replace the batch file");
+        row({"--report", "r.json", "none.bat"}, 2, "none.bat");
         row({"--report", "nowhere/r.json", "b.bat"}, 2, "cannot write");
         row({"-x", "a.bat"}, 2, "");
         for (const char* part : {"0/3", "4/3", "1/0", "-1/3", "1", "1/2/3", "a/b", "1/3x", ""}) {

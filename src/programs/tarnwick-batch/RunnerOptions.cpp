@@ -1,9 +1,9 @@
 #include "tarnwick-batch/RunnerOptions.h"
 
 #include <QCommandLineParser>
-#include <QFileInfo>
 #include <algorithm>
 
+#include "files/FilePlaces.h"
 #include "tarnwick-batch/OptionRows.h"
 
 namespace {
@@ -107,14 +107,14 @@ QString takeNames(QStringList files, RunnerOptions* options) {
                                : QStringLiteral("More than one file given.");
     }
     options->file = files.first();
-    const QFileInfo file(options->file);
-    if (!options->report.isEmpty() && QFileInfo(options->report) == file) {
+    const QString file = identityOf(options->file);
+    if (!options->report.isEmpty() && identityOf(options->report) == file) {
         return QStringLiteral("The report would replace the batch file.");
     }
-    if (!options->summary.isEmpty() && QFileInfo(options->summary) == file) {
+    if (!options->summary.isEmpty() && identityOf(options->summary) == file) {
         return QStringLiteral("The summary would replace the batch file.");
     }
-    return !options->report.isEmpty() && options->report == options->summary
+    return !options->report.isEmpty() && identityOf(options->report) == identityOf(options->summary)
                ? QStringLiteral("Report and summary cannot be one file.")
                : QString();
 }
