@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Kills tarnwick-batch at random moments, goes on with --work, and compares all that is written.
 
-    kill_resume.py BATCH SAMPLES [--kills N] [--seed N]
+    kill_resume.py PROGRAM SAMPLES [--rounds N] [--seed N]
 
-BATCH is tarnwick-batch, SAMPLES tarnwick-samples. Exit code 1: a file differs from that of a run
+PROGRAM is tarnwick-batch, SAMPLES tarnwick-samples. Exit code 1: a file differs from that of a run
 that nobody disturbed, or is torn.
 """
 
@@ -147,9 +147,9 @@ class Check:
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("batch", type=pathlib.Path)
+    parser.add_argument("program", type=pathlib.Path)
     parser.add_argument("samples", type=pathlib.Path)
-    parser.add_argument("--kills", type=int, default=200)
+    parser.add_argument("--rounds", type=int, default=200)
     parser.add_argument("--seed", type=int, default=1)
     options = parser.parse_args()
     chance = random.Random(options.seed)
@@ -158,11 +158,11 @@ def main():
         subprocess.run([options.samples.resolve(), folder], check=True, stdout=subprocess.DEVNULL)
         for frame in (folder / "i1").iterdir():
             compress(frame)
-        job = Job(str(options.batch.resolve()), folder)
+        job = Job(str(options.program.resolve()), folder)
         work = pathlib.Path(temporary) / "work"
         check = Check(job, work)
         kills = runs = taken = 0
-        while kills < options.kills:
+        while kills < options.rounds:
             shutil.rmtree(work)
             job.empty()
             while True:
@@ -187,9 +187,9 @@ def main():
             if "damaged" in log:
                 print("resumed: a part was found damaged")
                 check.faults += 1
-    print(f"{kills} kills, {runs} runs brought to their end, {taken} parts taken by the last run of "
-          f"each, {len(check.outputs)} outputs, {len(check.parts)} parts: "
-          f"{check.faults} files torn or of another content")
+    print(f"work folders: {kills} kills, {runs} runs brought to their end, {taken} parts taken by "
+          f"the last run of each, {len(check.outputs)} outputs, {len(check.parts)} parts: "
+          f"{check.faults} faults")
     return 1 if check.faults else 0
 
 
