@@ -241,44 +241,50 @@ EMPHeader readEMapHeader(QTextStream& stream) {
     return header;
 }
 
-EMapReading readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize,
-                     Analyzed2DRes* map) {
+EMapReading readEMap(QIODevice& in, double edgeEnergy, QSize* imageSize, Analyzed2DRes* map) {
     EMapReading reading;
-    QFile file(placeOf(fileName));
-    // A pipe would be waited for, a device has no end.
-    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        debugFile("Can not open", fileName);
-        reading.refusal = EMapRefusal::NoFile;
-        return reading;
-    }
-    QTextStream stream(&file);
+    QTextStream stream(&in);
     stream.setCodec("UTF-8");
     const EMPHeader header = readEMapHeader(stream);
     const double edge = edgeEnergy > 0.0 ? edgeEnergy : header.stdEdgeEnergy;
     if (!header.ok || !sizeIsUsable(header)) {
         reading.refusal = EMapRefusal::NoMap;
-    } else if (!isUsable(edge, header.spacing)) {
+        return reading;
+    }
+    if (!isUsable(edge, header.spacing)) {
         reading.refusal = EMapRefusal::EdgeEnergy;
+        return reading;
     }
     QSize size = *imageSize;
-    if (reading.refusal == EMapRefusal::None &&
-        !fitsImage(QSize(header.width, header.height), &size)) {
+    if (!fitsImage(QSize(header.width, header.height), &size)) {
         reading.refusal = EMapRefusal::OtherSize;
         return reading;
     }
-    std::vector<double> shifts;
+    debugTimed(QStringLiteral("Start Reading EMP file "));
+    const std::vector<double> shifts =
+        readShifts(stream, edge, header.spacing, qint64(header.width) * header.height, &reading);
     if (reading.refusal == EMapRefusal::None) {
-        debugTimed(QStringLiteral("Start Reading EMP file "));
-        shifts = readShifts(stream, edge, header.spacing, qint64(header.width) * header.height,
-                            &reading);
+        *imageSize = size;
+        putShifts(map, gridOf(header), shifts);
+        debugTimed(QStringLiteral("End Reading EMP file   "));
     }
-    if (reading.refusal != EMapRefusal::None) {
+    return reading;
+}
+
+EMapReading readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize,
+                     Analyzed2DRes* map) {
+    QFile file(placeOf(fileName));
+    // A pipe would be waited for, a device has no end.
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        debugFile("Can not open", fileName);
+        EMapReading none;
+        none.refusal = EMapRefusal::NoFile;
+        return none;
+    }
+    const EMapReading reading = readEMap(file, edgeEnergy, imageSize, map);
+    if (reading.refusal != EMapRefusal::None && reading.refusal != EMapRefusal::OtherSize) {
         debugFile("Invalid Energy Map Data File : ", fileName);
-        return reading;
     }
-    *imageSize = size;
-    putShifts(map, gridOf(header), shifts);
-    debugTimed(QStringLiteral("End Reading EMP file   "));
     return reading;
 }
 

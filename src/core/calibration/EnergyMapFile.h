@@ -6,6 +6,7 @@
 
 struct AnalysisGrid;
 class Analyzed2DRes;
+class QIODevice;
 class QTextStream;
 class Spectrum;
 
@@ -79,6 +80,8 @@ void putShifts(Analyzed2DRes* map, const AnalysisGrid& grid, const std::vector<d
 /// with their number), or no numbers, are shifts of 0.
 EMapReading readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize,
                      Analyzed2DRes* map);
+/// The same of what lies in a device from its place on; a refusal has no debug line of its own.
+EMapReading readEMap(QIODevice& in, double edgeEnergy, QSize* imageSize, Analyzed2DRes* map);
 
 /// Why readEMap() would refuse the map when it were written; its shape apart.
 EMapRefusal refusalOf(const Analyzed2DRes& map, const EMapInfo& info);
