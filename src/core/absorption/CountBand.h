@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "base/LargeMemory.h"
+
 class AbsorptionSource;
 class CountFile;
 struct TiffData;
@@ -77,7 +79,7 @@ class CountBand {
 
     std::vector<Place> m_places;
     std::vector<Read> m_read;
-    std::vector<quint16> m_counts;
+    LargeVector<quint16> m_counts;
     qint64 m_first = 0;
     qint64 m_last = -1;
 };

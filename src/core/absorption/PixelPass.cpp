@@ -7,6 +7,7 @@
 
 #include "absorption/BinRowSpectra.h"
 #include "absorption/EnergyDifference.h"
+#include "base/LargeMemory.h"
 #include "base/RowShares.h"
 
 namespace {
@@ -114,8 +115,11 @@ bool PixelPass::run(int threads, const std::atomic<bool>& stop, PixelValues* out
     const auto pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     if (out->width != width || out->height != height) {
         *out = PixelValues();
-        out->values.reset(new (std::nothrow) double[pixels]);  // not cleared: it is all filled
+        if (mayTakeMemory(pixels * sizeof(double))) {
+            out->values.reset(new (std::nothrow) double[pixels]);  // not cleared: it is all filled
+        }
         if (!out->values) {
+            out->problem = lackOfMemory();
             return false;
         }
         out->width = width;
@@ -133,6 +137,8 @@ bool PixelPass::run(int threads, const std::atomic<bool>& stop, PixelValues* out
             fill(&rows, out, &own);
         } catch (const UnreadCounts& unread) {
             ownProblem = unread.problem;
+        } catch (const std::bad_alloc&) {
+            ownProblem = lackOfMemory();
         }
         const std::lock_guard<std::mutex> lock(mutex);
         problem = ownProblem.isEmpty() ? problem : ownProblem;

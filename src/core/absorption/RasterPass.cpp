@@ -7,6 +7,7 @@
 
 #include "absorption/AbsorptionSource.h"
 #include "absorption/RowEvaluation.h"
+#include "base/AddressSpace.h"
 #include "frames/CountFile.h"
 #include "frames/TiffData.h"
 
@@ -33,7 +34,7 @@ RasterPass::RasterPass(const AbsorptionSource& source, const BinRaster& raster, 
     const auto threads = static_cast<std::size_t>(m_plan.threads);
     m_threads.reserve(threads);
     try {
-        for (std::size_t i = 0; i < threads; ++i) {
+        for (std::size_t i = 0; i < threads && hasRoomForThread(); ++i) {
             m_threads.emplace_back([this, i] { work(m_evaluators[i]); });
         }
     } catch (const std::exception&) {

@@ -13,6 +13,8 @@
 #include <cmath>
 #include <limits>
 
+#include "base/AddressSpace.h"
+
 namespace {
 
 constexpr quint64 Unit = 1024;
@@ -85,14 +87,19 @@ quint64 difference(quint64 all, quint64 taken) {
     return all > taken ? all - taken : 0;
 }
 
+quint64 addressSpaceForArrays() {
+    const quint64 left = addressSpaceLeft();
+    return left == Unknown ? Unknown : difference(left, HeadRoom);
+}
+
 }  // namespace
 
 quint64 availableMemory() {
     const quint64 chosen = chosenLimit;
     const quint64 limit = std::min(cgroupLimit(), chosen > 0 ? chosen : Unknown);
     // A cgroup is taken for the program's own.
-    return std::min(machineAvailable(),
-                    limit == Unknown ? Unknown : difference(limit, residentMemory()));
+    return std::min({machineAvailable(), addressSpaceForArrays(),
+                     limit == Unknown ? Unknown : difference(limit, residentMemory())});
 }
 
 quint64 defaultMemoryLimit() {
@@ -119,7 +126,9 @@ quint64 residentMemory() {
 }
 
 quint64 memoryLeft() {
-    return difference(memoryLimit(), residentMemory() + promised);
+    // What is promised has its addresses already.
+    return std::min(addressSpaceForArrays(),
+                    difference(memoryLimit(), residentMemory() + promised));
 }
 
 void PromisedMemory::change(quint64 bytes) {
@@ -129,11 +138,11 @@ void PromisedMemory::change(quint64 bytes) {
 
 void keepNoFreeMemory() {
 #ifdef __GLIBC__
-    constexpr int Large = 1 << 20;  // bytes
-    constexpr int Parts = 2;
+    constexpr int Large = 1 << 20;                             // bytes
+    const int parts = addressSpaceLimit() == Unknown ? 2 : 1;  // each reserves 64 MB of addresses
     mallopt(M_MMAP_THRESHOLD, Large);
     mallopt(M_TRIM_THRESHOLD, Large);
-    mallopt(M_ARENA_MAX, Parts);
+    mallopt(M_ARENA_MAX, parts);
 #endif
 }
 

@@ -5,6 +5,8 @@
 #include <thread>
 #include <vector>
 
+#include "base/AddressSpace.h"
+
 namespace {
 constexpr int RowsAtATime = 8;
 }
@@ -21,10 +23,10 @@ bool RowShares::take(int* first, int* end) {
 void inThreads(int threads, const std::function<void()>& work) {
     std::vector<std::thread> others;
     try {
-        for (int i = 1; i < threads; ++i) {
+        for (int i = 1; i < threads && hasRoomForThread(); ++i) {
             others.emplace_back(work);
         }
-    } catch (const std::system_error&) {
+    } catch (const std::exception&) {
         // No thread: the rows are shared out among those that there are.
     }
     work();

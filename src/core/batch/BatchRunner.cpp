@@ -1,13 +1,16 @@
 #include "batch/BatchRunner.h"
 
+#include <new>
 #include <utility>
 
+#include "base/LargeMemory.h"
 #include "batch/Action.h"
 #include "batch/ArgumentCheck.h"
 #include "batch/BatchTexts.h"
 #include "batch/CommandTables.h"
 #include "batch/Record.h"
 #include "batch/UnknownWord.h"
+#include "measurement/Room.h"
 
 BatchRunner::BatchRunner(Measurement& measurement) : m_measurement(measurement) {
     m_dispatcher.moveToThread(&m_thread);
@@ -88,7 +91,10 @@ void BatchRunner::run(const CmdLine& cmd) {
     Action action{m_measurement, CommandArgs(cmd.args), m_digests, row->work, outcome};
     m_endedWith.reset();
     m_running = true;
-    row->run(action);
+    action.outcome += judgeAddresses(0);
+    if (!action.outcome.failed()) {
+        runRow(*row, &action);
+    }
     m_running = false;
     m_outcome = action.outcome;
     if (row->work != Work::None && !m_pacing.isWaitingFor(row->work)) {
@@ -103,6 +109,15 @@ void BatchRunner::run(const CmdLine& cmd) {
     m_pacing.take();
     forgetFailed(row->work, m_outcome);
     answer(cmd, m_outcome);
+}
+
+/// An array that it is refused is the end of the line, not of the program.
+void BatchRunner::runRow(const CommandRow& row, Action* action) {
+    try {
+        row.run(*action);
+    } catch (const std::bad_alloc&) {
+        action->outcome += Outcome::failure(lackOfMemory());
+    }
 }
 
 /// What an analysis that failed left, or found, must not pass for its result.

@@ -10,6 +10,9 @@
 #include "measurement/Measurement.h"
 #include "measurement/WindowSettings.h"
 
+struct Action;
+struct CommandRow;
+
 /// Runs batches on a measurement: owns the interpreter and its thread, carries out one line at a
 /// time and answers it once, when its work has ended.
 class BatchRunner : public QObject {
@@ -46,6 +49,7 @@ class BatchRunner : public QObject {
 
   private:
     void run(const CmdLine& cmd);
+    void runRow(const CommandRow& row, Action* action);
     void answer(const CmdLine& cmd, const Outcome& outcome);
     void forgetFailed(Work work, const Outcome& outcome);
     void workEnded(Work work, const Outcome& outcome);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/LargeMemory.h"
 #include "drawing/BarScale.h"
 #include "drawing/DrawText.h"
 #include "drawing/Letters.h"
@@ -138,7 +139,7 @@ QImage withColorBar(const BarPicture& parts) {
         return QImage();
     }
     const Layout layout(parts);
-    QImage image(layout.size, QImage::Format_RGB32);
+    QImage image = newPicture(layout.size, QImage::Format_RGB32);
     if (image.isNull()) {
         return QImage();  // no memory
     }

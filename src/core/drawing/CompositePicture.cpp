@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/LargeMemory.h"
 #include "drawing/BarPicture.h"
 #include "drawing/DrawText.h"
 #include "drawing/Letters.h"
@@ -47,7 +48,7 @@ constexpr int Blue = 2;
 
 /// The triangle in a square picture of its own, transparent around it.
 QImage triangle(int side, const CompositeNames& names) {
-    QImage picture(side, side, QImage::Format_ARGB32_Premultiplied);
+    QImage picture = newPicture({side, side}, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
     const double height = side - 1.0;
     for (int y = 0; y < side; ++y) {
@@ -78,7 +79,7 @@ QImage compositePicture(const CompositeMaps& composite) {
     if (first == maps.end()) {
         return QImage();
     }
-    QImage picture(first->width, first->height, QImage::Format_RGB32);
+    QImage picture = newPicture({first->width, first->height}, QImage::Format_RGB32);
     setPictureResolution(&picture);
     const double span = composite.high - composite.low;
     for (int y = 0; y < picture.height(); ++y) {
@@ -140,8 +141,9 @@ QImage withLegend(const CompositeParts& parts) {
                                  static_cast<int>(std::ceil(letters.width(parts.range))) + line});
     const QRectF map(line, 2.5 * line, size.width(), size.height());
     const int height = std::max(size.height(), 8 * line + 6 * line);
-    QImage image(static_cast<int>(map.right()) + 2 * line + legend,
-                 static_cast<int>(map.top()) + height + line, QImage::Format_RGB32);
+    QImage image = newPicture({static_cast<int>(map.right()) + 2 * line + legend,
+                               static_cast<int>(map.top()) + height + line},
+                              QImage::Format_RGB32);
     if (image.isNull()) {
         return QImage();  // no memory
     }

@@ -6,14 +6,18 @@
 #include <cstring>
 #include <vector>
 
+#include "base/LargeMemory.h"
 #include "files/PictureResolution.h"
 #include "frames/TiffData.h"
 
 QImage framePicture(const TiffData& frame, double low, double high, const ColorScale& colors) {
     const int width = static_cast<int>(frame.width);
     const int height = static_cast<int>(frame.height);
-    QImage picture(width, height,
-                   colors.isGrey ? QImage::Format_Grayscale8 : QImage::Format_RGB888);
+    QImage picture = newPicture({width, height},
+                                colors.isGrey ? QImage::Format_Grayscale8 : QImage::Format_RGB888);
+    if (picture.isNull()) {
+        return picture;
+    }
     setPictureResolution(&picture);
     const uchar* lowest = colors.at(0.0);
     picture.fill(QColor(lowest[0], lowest[1], lowest[2]));
@@ -76,7 +80,11 @@ QImage withGapsMarked(const QImage& picture, const double* values, int width, in
     if (!hasGap) {
         return picture;
     }
+    askForMemory(sizeof(QRgb) * quint64(width) * quint64(height));
     QImage marked = picture.convertToFormat(QImage::Format_RGB32);
+    if (marked.isNull()) {
+        throw NotEnoughMemory();
+    }
     for (int y = 0; y < height; ++y) {
         auto* line = reinterpret_cast<QRgb*>(marked.scanLine(y));
         for (int x = 0; x < width; ++x, ++values) {

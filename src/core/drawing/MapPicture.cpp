@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "base/LargeMemory.h"
 #include "base/RowShares.h"
 #include "files/PictureResolution.h"
 
@@ -76,7 +77,7 @@ class Lookup {
 }  // namespace
 
 QImage mapPicture(const ShownValues& map, const MapColoring& coloring, int threads) {
-    QImage picture(map.width, map.height, QImage::Format_RGB32);
+    QImage picture = newPicture({map.width, map.height}, QImage::Format_RGB32);
     if (picture.isNull()) {
         return picture;
     }

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <vector>
 
+#include "base/LargeMemory.h"
 #include "base/RowShares.h"
 #include "files/PictureResolution.h"
 
@@ -47,7 +48,8 @@ void paintColors(const double* values, int width, double low, double scale,
 QImage valuePicture(const double* values, int width, int height, double low, double high,
                     const ColorScale& colors, int threads) {
     const bool isGrey = colors.isGrey && colors.last < 256;
-    QImage picture(width, height, isGrey ? QImage::Format_Grayscale8 : QImage::Format_RGB888);
+    QImage picture =
+        newPicture({width, height}, isGrey ? QImage::Format_Grayscale8 : QImage::Format_RGB888);
     setPictureResolution(&picture);
     const double step = colors.steps / (high - low);
     const double scale = high > low && std::isfinite(step) ? step : 0.0;

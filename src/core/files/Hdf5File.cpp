@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include "base/LargeMemory.h"
 #include "files/Hdf5Library.h"
 #include "files/WholeDevice.h"
 #include "files/WholeFile.h"
@@ -27,9 +28,13 @@ void* openModule() {
     return nullptr;
 }
 
-/// Loaded once. Null: it is missing.
+/// Addresses that the module takes, with the libraries that it brings along.
+constexpr quint64 ModuleBytes = quint64(32) << 20;
+
+/// Loaded once. Null: it is missing. Throws NotEnoughMemory.
 const Hdf5Library* library() {
     static const Hdf5Library* const loaded = []() -> const Hdf5Library* {
+        askForMemory(ModuleBytes);
         void* const module = openModule();
         void* const symbol = module != nullptr ? dlsym(module, "tarnwickHdf5Library") : nullptr;
         return symbol != nullptr ? reinterpret_cast<Hdf5LibraryOf>(symbol)() : nullptr;

@@ -10,6 +10,7 @@
 #include <QPdfWriter>
 #include <algorithm>
 
+#include "base/LargeMemory.h"
 #include "files/PictureResolution.h"
 #include "files/WholeDevice.h"
 #include "files/WholeFile.h"
@@ -97,7 +98,10 @@ bool writeDrawing(const QString& fileName, const QSize& size,
     if (suffixOf(fileName) == "pdf") {
         return writePdf(fileName, size, paint);
     }
-    QImage picture(size * Magnification, QImage::Format_RGB32);
+    QImage picture = newPicture(size * Magnification, QImage::Format_RGB32);
+    if (picture.isNull()) {
+        return false;
+    }
     picture.fill(Qt::white);
     QPainter painter(&picture);
     painter.scale(Magnification, Magnification);

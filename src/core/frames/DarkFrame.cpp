@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/LargeMemory.h"
 #include "base/Numbers.h"
 #include "frames/CountFile.h"
 #include "frames/FrameSet.h"
@@ -27,6 +28,9 @@ DarkFrame::DarkFrame(const FrameSet& frames, int width, int height) {
         const TiffData& frame = *frames.at(i);
         if (!fits(frame, width, height)) {
             continue;
+        }
+        if (m_mean.empty()) {
+            askForMemory(sizeof(double) * quint64(width) * quint64(height));
         }
         m_mean.resize(columns * static_cast<std::size_t>(height), 0.0);
         if (frame.isInFile()) {

@@ -8,6 +8,7 @@
 #include <condition_variable>
 #include <new>
 
+#include "base/LargeMemory.h"
 #include "base/Memory.h"
 #include "frames/FrameReader.h"
 #include "frames/SpillFile.h"
@@ -157,7 +158,9 @@ QString DecodedCounts::decode() {
 QString DecodedCounts::keep(const TiffData& frame) {
     if (share().keep(bytes())) {
         // Memory of its own: that of the frame is part of a greater piece.
-        m_counts.reset(new (std::nothrow) quint16[std::size_t(m_width) * m_height]);
+        if (mayTakeMemory(bytes())) {
+            m_counts.reset(new (std::nothrow) quint16[std::size_t(m_width) * m_height]);
+        }
         quint16* to = m_counts.get();
         for (std::size_t y = 0; to != nullptr && y < m_height; ++y, to += m_width) {
             std::copy_n(frame.rows[y], m_width, to);

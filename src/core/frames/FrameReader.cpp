@@ -3,6 +3,7 @@
 #include <QIODevice>
 #include <new>
 
+#include "base/LargeMemory.h"
 #include "frames/TiffData.h"
 
 // The reader of each format, in a file of its own.
@@ -45,7 +46,7 @@ QString readFrame(QIODevice& in, TiffData* frame) {
     } catch (const std::bad_alloc&) {
         frame->clearRows();
         frame->dropPicture();
-        error = QStringLiteral("Not enough memory");
+        error = lackOfMemory();
     }
     frame->loaded = error.isEmpty();
     return error;

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <new>
 
+#include "base/LargeMemory.h"
+
 namespace {
 
 constexpr std::size_t LargePage = std::size_t(2) << 20;
@@ -22,7 +24,9 @@ std::size_t roundedUp(std::size_t bytes, std::size_t unit) {
 class Chunk {
   public:
     explicit Chunk(std::size_t bytes)
-        : m_bytes(bytes), m_memory(allocateRow(bytes + LargePage)), m_start(aligned(m_memory)) {
+        : m_bytes(bytes),
+          m_memory(mayTakeMemory(bytes + LargePage) ? allocateRow(bytes + LargePage) : nullptr),
+          m_start(aligned(m_memory)) {
 #ifdef MADV_HUGEPAGE
         // The end that would not fill a large page is left to small ones.
         if (m_start != nullptr && bytes >= LargePage) {
@@ -60,7 +64,7 @@ class Chunk {
 };
 
 std::shared_ptr<quint16> small(std::size_t bytes) {
-    auto* memory = static_cast<quint16*>(allocateRow(bytes));
+    auto* memory = mayTakeMemory(bytes) ? static_cast<quint16*>(allocateRow(bytes)) : nullptr;
     return memory != nullptr ? std::shared_ptr<quint16>(memory, freeRow) : nullptr;
 }
 

@@ -11,6 +11,7 @@
 
 #include "base/ColorMap.h"
 #include "base/DebugLog.h"
+#include "base/LargeMemory.h"
 #include "base/Numbers.h"
 #include "frames/FrameReader.h"
 #include "frames/RowMemory.h"
@@ -50,6 +51,7 @@ bool TiffData::load(const QString& name) {
     } catch (const std::bad_alloc&) {
         clearRows();
         dropPicture();
+        refusal = lackOfMemory();
     }
     return loaded;
 }
@@ -90,7 +92,7 @@ void TiffData::makeRows(std::size_t bytes) {
 }
 
 quint16* TiffData::appendRow(std::size_t bytes) {
-    auto* row = static_cast<quint16*>(allocateRow(bytes));
+    auto* row = mayTakeMemory(bytes) ? static_cast<quint16*>(allocateRow(bytes)) : nullptr;
     if (row != nullptr) {
         std::memset(row, 0, bytes);
         rows.push_back(row);
@@ -145,7 +147,8 @@ void TiffData::makeImage() {
     if (count == 0) {
         return;
     }
-    pixels = new (std::nothrow) uchar[count * bytesPerPixel];
+    pixels = mayTakeMemory(count * bytesPerPixel) ? new (std::nothrow) uchar[count * bytesPerPixel]
+                                                  : nullptr;
     if (pixels == nullptr) {
         return;
     }

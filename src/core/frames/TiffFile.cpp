@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/LargeMemory.h"
 #include "files/FilePlaces.h"
 #include "files/SystemPaths.h"
 #include "files/WholeFile.h"
@@ -256,7 +257,8 @@ QString readFrom(TiffHandle tiff, const Open& open, TiffData* frame) {
     const std::size_t rowBytes = (longest + 1) / 2 * 2;
     frame->makeRows(rowBytes);
     if (frame->rows.size() < height) {
-        return QStringLiteral("Not enough memory");
+        frame->refusal = lackOfMemory();
+        return frame->refusal;
     }
     const std::vector<StripRun>& runs = header.plain.runs;
     if (runs.empty() || !readPlain(tiff.get(), runs, frame)) {

@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "base/LargeMemory.h"
+
 namespace {
 
 void freeZeros(double* memory) {
@@ -37,6 +39,7 @@ std::shared_ptr<double> largeZeros(std::size_t bytes) {
 
 std::shared_ptr<double> allocateZeros(int size) {
     const std::size_t bytes = sizeof(double) * static_cast<std::size_t>(size);
+    askForMemory(bytes);
 #ifdef Q_OS_UNIX
     constexpr std::size_t WorthPages = std::size_t(1) << 18;
     if (bytes >= WorthPages) {

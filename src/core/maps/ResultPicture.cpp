@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "base/ColorMap.h"
+#include "base/LargeMemory.h"
 #include "files/PictureResolution.h"
 #include "maps/Analyzed2DRes.h"
 
@@ -84,6 +85,7 @@ void Analyzed2DRes::followUp() {
 
 void Analyzed2DRes::paint(const Picture& picture) const {
     const Range range = picture.range ? *picture.range : rangeInUse();
+    askForMemory(3 * quint64(picture.values.size()));
     m_pixels.resize(3 * static_cast<std::size_t>(picture.values.size()));
     paintRows(picture, range, 0, picture.height);
     wrapPixels(picture.width, picture.height);

@@ -1,9 +1,11 @@
 #include "measurement/FrameImages.h"
 
 #include <chrono>
-#include <system_error>
+#include <new>
 #include <utility>
 
+#include "base/AddressSpace.h"
+#include "base/LargeMemory.h"
 #include "drawing/ValuePicture.h"
 #include "measurement/Revision.h"
 
@@ -13,6 +15,16 @@ constexpr std::chrono::milliseconds Blink{40};
 }  // namespace
 
 void FrameImages::make() {
+    try {
+        makeImage();
+    } catch (const std::bad_alloc&) {
+        m_isMade = false;
+        m_made = FrameImage();
+        m_made.pixels.problem = lackOfMemory();
+    }
+}
+
+void FrameImages::makeImage() {
     const Request& request = *m_request;
     PixelValues pixels = std::move(m_made.pixels);
     m_made = FrameImage();
@@ -74,10 +86,14 @@ void FrameImages::start(const Key& key, const Request& request) {
             this, [this, generation] { ended(generation); }, Qt::QueuedConnection);
     };
     try {
-        m_thread = std::thread(work);
-    } catch (const std::system_error&) {
-        work();  // no thread: who asks waits
+        if (hasRoomForThread()) {
+            m_thread = std::thread(work);
+            return;
+        }
+    } catch (const std::exception&) {
+        m_thread = std::thread();
     }
+    work();  // no thread: who asks waits
 }
 
 const FrameImage* FrameImages::soon(const Key& key, const Ask& ask) {

@@ -71,6 +71,7 @@ class FrameImages : public QObject {
   private:
     void start(const Key& key, const Request& request);
     void make();
+    void makeImage();
     void takeOver();
     bool has(const Key& key) const { return m_key == key; }
     const FrameImage* last() const { return m_key ? &m_shown : nullptr; }

@@ -3,6 +3,8 @@
 #include <QElapsedTimer>
 #include <new>
 
+#include "base/AddressSpace.h"
+
 namespace {
 constexpr int TellMilliseconds = 40;  // as often as an eye follows
 }
@@ -10,7 +12,16 @@ constexpr int TellMilliseconds = 40;  // as often as an eye follows
 void MapJob::start(const Make& make) {
     stop();
     m_stopped = false;
-    m_thread = std::thread([this, make, generation = m_generation] { run(make, generation); });
+    const auto work = [this, make, generation = m_generation] { run(make, generation); };
+    try {
+        if (hasRoomForThread()) {
+            m_thread = std::thread(work);
+            return;
+        }
+    } catch (const std::exception&) {
+        m_thread = std::thread();
+    }
+    work();  // no thread: who asks waits
 }
 
 void MapJob::stop() {

@@ -260,6 +260,7 @@ class Measurement : public QObject {
     quint64 bytesToFill() const;
     quint64 bytesToFree() const;
     Outcome judgeRoom();
+    Outcome begin(Work work, const Outcome& judged);
     void rowsTaken();
     double percentOfPass() const;
     void notePercent();

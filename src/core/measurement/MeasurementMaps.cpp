@@ -123,7 +123,7 @@ void Measurement::mapProcessed(const std::optional<Processed>& made) {
     const MapWork work = *std::exchange(m_mapWork, std::nullopt);
     Outcome outcome;
     if (!made) {
-        outcome = Outcome::failure(tr("memory ran out"));
+        outcome = Outcome::failure(lackOfMemory());
     } else if (work.target->image.data() != work.values.constData()) {
         outcome = Outcome::failure(tr("the map has changed meanwhile"));
     } else {

@@ -3,10 +3,12 @@
 #include <QDebug>
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <utility>
 
 #include "absorption/AbsorptionSource.h"
 #include "absorption/BandPlan.h"
+#include "base/LargeMemory.h"
 #include "base/Memory.h"
 #include "calibration/EnergyShift.h"
 #include "measurement/CalibrationJudgement.h"
@@ -15,6 +17,7 @@
 #include "measurement/FrameJudgement.h"
 #include "measurement/Measurement.h"
 #include "measurement/Revision.h"
+#include "measurement/Room.h"
 
 AnalysisGrid Measurement::grid() const {
     return AnalysisGrid::ofArea(m_size.width(), m_size.height(), m_settings.halfWidth,
@@ -146,13 +149,28 @@ Outcome Measurement::start(Work work) {
         markOfBefore(work);
         return judged;
     }
+    const Outcome begun = begin(work, judged);
+    if (begun.failed()) {
+        m_promised.change(0);
+        m_analysis.reset();
+        m_newMap.reset();
+        markOfBefore(work);
+        return begun;
+    }
+    // Who is told may stop it at once.
+    emit changed(Changes(AtWork) | Results | Display);
+    if (working() == work) {
+        emit progressed(work, 0.0, 100.0);
+    }
+    return begun;  // its warnings come with its end
+}
+
+/// Failed: there is not enough memory for it.
+Outcome Measurement::begin(Work work, const Outcome& judged) try {
     source();  // with the dark frames of now
     m_analysis = makeAnalysis(work);
     const Outcome room = judgeRoom();
     if (room.failed()) {
-        m_analysis.reset();
-        m_newMap.reset();
-        markOfBefore(work);
         return room;
     }
     m_parts.begin();
@@ -163,14 +181,11 @@ Outcome Measurement::start(Work work) {
     } else {
         beginPass();
     }
-    // Who is told may stop it at once.
-    emit changed(Changes(AtWork) | Results | Display);
-    if (working() == work) {
-        emit progressed(work, 0.0, 100.0);
-    }
-    Outcome begun;  // its warnings come with its end
+    Outcome begun;
     begun.notes = judged.notes;
     return begun;
+} catch (const std::bad_alloc&) {
+    return Outcome::failure(lackOfMemory());
 }
 
 /// Maps of the whole image that the run under way fills, and what it leaves behind of the fit's;
@@ -208,8 +223,10 @@ quint64 Measurement::bytesToFree() const {
 Outcome Measurement::judgeRoom() {
     const quint64 counts =
         BandPlan::least(source(), m_analysis->grid().raster(), m_analysis->valuesPerBin());
-    if (counts == 0) {
-        return {};
+    const quint64 all = bytesToFill() + counts;
+    const Outcome addresses = judgeAddresses(all - std::min(all, bytesToFree()));
+    if (counts == 0 || addresses.failed()) {
+        return addresses;
     }
     giveBackFreeMemory();
     const quint64 held = residentMemory();
@@ -314,8 +331,12 @@ void Measurement::passEnded(RasterPass::Failure failure) {
         return;
     }
     if (m_search && failure == RasterPass::Failure::None) {
-        broken = takeMean();
-        if (!broken.failed()) {
+        try {
+            broken = takeMean();
+        } catch (const std::bad_alloc&) {
+            failure = RasterPass::Failure::Memory;
+        }
+        if (failure == RasterPass::Failure::None && !broken.failed()) {
             return;
         }
     }
@@ -326,7 +347,7 @@ void Measurement::passEnded(RasterPass::Failure failure) {
         broken = Outcome::failure(failure == RasterPass::Failure::Read ? ofLoad(m_job.problem())
                                   : failure == RasterPass::Failure::NoThread
                                       ? tr("the system gives no thread")
-                                      : tr("memory ran out"));
+                                      : lackOfMemory());
     }
     Outcome outcome = m_parts.end(failure == RasterPass::Failure::None);
     outcome += broken.failed() ? broken : judgeAfter(run);

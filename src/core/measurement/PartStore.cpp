@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/AddressSpace.h"
 #include "files/LeftOver.h"
 #include "files/WholeFile.h"
 
@@ -161,8 +162,9 @@ void PartStore::write(Part part) {
         return writePart(*part, file, isDamaged);
     };
     try {
-        m_writing = std::async(std::launch::async, work);
-    } catch (const std::system_error&) {
+        m_writing =
+            std::async(hasRoomForThread() ? std::launch::async : std::launch::deferred, work);
+    } catch (const std::exception&) {
         giveUp(work());  // no thread to be had
     }
 }

@@ -1,6 +1,7 @@
 #include "measurement/RowJob.h"
 
 #include <QElapsedTimer>
+#include <new>
 
 #include "absorption/AbsorptionSource.h"
 
@@ -17,8 +18,13 @@ void RowJob::start(const AbsorptionSource& source, const BinRaster& raster, int 
     m_rows = m_rowsTold = m_tells = 0;
     const auto ready = [this, generation = m_generation] { postTakeRows(generation); };
     if (raster.rows > 0 && raster.columns > 0) {
-        m_pass = std::make_unique<KeptPass>(source, raster, valuesPerBin, std::move(evaluators),
-                                            ready, kept);
+        try {
+            m_pass = std::make_unique<KeptPass>(source, raster, valuesPerBin, std::move(evaluators),
+                                                ready, kept);
+        } catch (const std::bad_alloc&) {
+            m_running = false;
+            throw;
+        }
     } else {
         ready();  // no bin lies inside the image
     }
@@ -43,6 +49,20 @@ void RowJob::takeRows(int generation) {
     if (generation != m_generation || !m_running) {
         return;
     }
+    std::optional<RasterPass::Failure> end;
+    try {
+        end = takeTurn(generation);
+    } catch (const std::bad_alloc&) {
+        end = RasterPass::Failure::Memory;
+    }
+    if (end && generation == m_generation) {
+        stop();
+        emit finished(*end);
+    }
+}
+
+/// Takes in what is there; nothing while more is to come.
+std::optional<RasterPass::Failure> RowJob::takeTurn(int generation) {
     bool pending = false;
     QElapsedTimer turn;
     turn.start();
@@ -62,19 +82,17 @@ void RowJob::takeRows(int generation) {
         emit progressed();
     }
     if (generation != m_generation) {
-        return;  // stopped by who was told
+        return std::nullopt;  // stopped by who was told
     }
     if (outOfTime) {
         postTakeRows(generation);
     }
     if (outOfTime || pending) {
-        return;
+        return std::nullopt;
     }
     if (m_pass) {
         m_pass->finish();
     }
-    const auto failure = m_pass ? m_pass->failure() : RasterPass::Failure::None;
     m_problem = m_pass ? m_pass->problem() : QString();
-    stop();
-    emit finished(failure);
+    return m_pass ? m_pass->failure() : RasterPass::Failure::None;
 }

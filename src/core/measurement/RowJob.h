@@ -4,6 +4,7 @@
 #include <QObject>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "measurement/KeptPass.h"
@@ -21,7 +22,7 @@ class RowJob : public QObject {
     explicit RowJob(Take take) : m_take(std::move(take)) {}
 
     /// Begins; finished() follows, in any case later than this call. What the evaluators and the
-    /// source read stays as it is until then, or until stop().
+    /// source read stays as it is until then, or until stop(). Throws std::bad_alloc: not begun.
     void start(const AbsorptionSource& source, const BinRaster& raster, int valuesPerBin,
                std::vector<RasterPass::Evaluate> evaluators, const KeptRows& kept = {});
     /// Ends the threads in mid-work; nothing is emitted any more.
@@ -40,6 +41,7 @@ class RowJob : public QObject {
   private:
     void postTakeRows(int generation);
     void takeRows(int generation);
+    std::optional<RasterPass::Failure> takeTurn(int generation);
     bool isTimeToTell() const;
 
     Take m_take;

@@ -6,7 +6,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
+#include <new>
 
+#include "base/LargeMemory.h"
 #include "files/FilePlaces.h"
 #include "files/FileTarget.h"
 #include "files/FilesTogether.h"
@@ -114,14 +116,23 @@ Outcome writeFile(const Measurement& measurement, const QString& fileName,
     if (judged.failed()) {
         return judged;
     }
+    QString lack;
+    const auto guarded = [&writer, &lack] {
+        try {
+            return writer();
+        } catch (const std::bad_alloc&) {
+            lack = lackOfMemory();
+            return false;
+        }
+    };
     if (Rehearsal* rehearsal = measurement.rehearsal()) {
         rehearsal->write(fileName, written);
     } else if (Share* share = measurement.parts().share()) {
-        if (share->keeps(fileName) && !share->keep(fileName, writer)) {
-            return unwritable(fileName);
+        if (share->keeps(fileName) && !share->keep(fileName, guarded)) {
+            return unwritable(fileName, lack);
         }
-    } else if (!write(fileName, writer)) {
-        return unwritable(fileName);
+    } else if (!write(fileName, guarded)) {
+        return unwritable(fileName, lack);
     } else if (measurement.parts().folder()) {
         measurement.parts().folder()->wrote(fileName);
     }

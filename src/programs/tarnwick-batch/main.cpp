@@ -13,8 +13,10 @@
 #include <cstring>
 #include <memory>
 
+#include "base/AddressSpace.h"
 #include "base/Globals.h"
 #include "base/Memory.h"
+#include "base/MemoryEnd.h"
 #include "batch/BatchCheck.h"
 #include "tarnwick-batch/AskedBatch.h"
 #include "tarnwick-batch/BatchRuns.h"
@@ -24,6 +26,10 @@
 #include "tarnwick-batch/SavedOrigin.h"
 
 namespace {
+
+/// Addresses that Qt takes for a picture with letters, from the first font on; without them its
+/// libraries end the program in their own way.
+constexpr quint64 LettersRoom = quint64(48) << 20;
 
 Console* debugConsole = nullptr;  // where debug lines go
 bool isVerbose = false;           // otherwise only what ends the program
@@ -119,9 +125,10 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     if (!asksForHelp && options.action == RunnerOptions::Action::Run &&
         AskedBatch::read(options).drawsLetters()) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
-        return std::make_unique<QGuiApplication>(argc, argv);
+        needAddressSpace(LettersRoom);
+        return std::make_unique<WithoutMemoryEnds<QGuiApplication>>(argc, argv);
     }
-    return std::make_unique<QCoreApplication>(argc, argv);
+    return std::make_unique<WithoutMemoryEnds<QCoreApplication>>(argc, argv);
 }
 
 /// Prints what a saved file tells, or why it does not.
@@ -175,8 +182,10 @@ int perform(const RunnerOptions& options, Console& console) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    prepareEnvironment();
+    prepareForLimit();
     keepNoFreeMemory();
+    endInOrderWithoutMemory("tarnwick-batch");
+    prepareEnvironment();
     initGlobals();
     QFile out;
     QFile err;

@@ -6,8 +6,10 @@
 #include <QTextStream>
 #include <QTranslator>
 
+#include "base/AddressSpace.h"
 #include "base/CleanEnd.h"
 #include "base/Globals.h"
+#include "base/MemoryEnd.h"
 #include "panels/BatchCtrl.h"
 #include "window/Body.h"
 #include "window/CommandLine.h"
@@ -18,6 +20,10 @@
 #include "window/WhatWasDone.h"
 
 namespace {
+
+/// Addresses that Qt takes for the window, with its fonts and its threads; without them its
+/// libraries end the program in their own way.
+constexpr quint64 WindowRoom = quint64(160) << 20;
 
 /// Answers on standard output, without a display.
 int tell(bool help, int argc, char** argv) {
@@ -34,12 +40,15 @@ int tell(bool help, int argc, char** argv) {
 }  // namespace
 
 int runTarnwick(int argc, char** argv) {
+    prepareForLimit();
+    endInOrderWithoutMemory("tarnwick");
     initGlobals();
     const CommandLine asked = readCommandLine(argc, argv);
     if (asked.help || asked.version) {
         return tell(asked.help, argc, argv);
     }
-    QApplication app(argc, argv);
+    needAddressSpace(WindowRoom);
+    WithoutMemoryEnds<QApplication> app(argc, argv);
     QIcon icon(QStringLiteral(":/tarnwick-48.png"));
     icon.addFile(QStringLiteral(":/tarnwick-128.png"));
     QApplication::setWindowIcon(icon);
