@@ -6,12 +6,14 @@
 #include <QRectF>
 #include <QTextStream>
 #include <cmath>
+#include <functional>
 #include <memory>
 #include <new>
 #include <vector>
 
 #include "base/DebugLog.h"
 #include "files/FilePlaces.h"
+#include "files/InputFile.h"
 #include "files/WholeDevice.h"
 #include "files/WholeFile.h"
 #include "maps/AnalysisGrid.h"
@@ -241,7 +243,10 @@ EMPHeader readEMapHeader(QTextStream& stream) {
     return header;
 }
 
-EMapReading readEMap(QIODevice& in, double edgeEnergy, QSize* imageSize, Analyzed2DRes* map) {
+namespace {
+
+EMapReading readFrom(QIODevice& in, double edgeEnergy, QSize* imageSize, Analyzed2DRes* map,
+                     const std::function<bool()>& isAsOpened) {
     EMapReading reading;
     QTextStream stream(&in);
     stream.setCodec("UTF-8");
@@ -263,6 +268,10 @@ EMapReading readEMap(QIODevice& in, double edgeEnergy, QSize* imageSize, Analyze
     debugTimed(QStringLiteral("Start Reading EMP file "));
     const std::vector<double> shifts =
         readShifts(stream, edge, header.spacing, qint64(header.width) * header.height, &reading);
+    if (!isAsOpened()) {
+        reading.refusal = EMapRefusal::NoFile;
+        reading.why = InputFile::changedText();
+    }
     if (reading.refusal == EMapRefusal::None) {
         *imageSize = size;
         putShifts(map, gridOf(header), shifts);
@@ -271,17 +280,24 @@ EMapReading readEMap(QIODevice& in, double edgeEnergy, QSize* imageSize, Analyze
     return reading;
 }
 
+}  // namespace
+
+EMapReading readEMap(QIODevice& in, double edgeEnergy, QSize* imageSize, Analyzed2DRes* map) {
+    return readFrom(in, edgeEnergy, imageSize, map, [] { return true; });
+}
+
 EMapReading readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize,
                      Analyzed2DRes* map) {
-    QFile file(placeOf(fileName));
-    // A pipe would be waited for, a device has no end.
-    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    InputFile file(placeOf(fileName));
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         debugFile("Can not open", fileName);
         EMapReading none;
         none.refusal = EMapRefusal::NoFile;
+        none.why = file.isNoFile() ? file.whyNot() : QString();
         return none;
     }
-    const EMapReading reading = readEMap(file, edgeEnergy, imageSize, map);
+    const EMapReading reading =
+        readFrom(file, edgeEnergy, imageSize, map, [&file] { return !file.hasChanged(); });
     if (reading.refusal != EMapRefusal::None && reading.refusal != EMapRefusal::OtherSize) {
         debugFile("Invalid Energy Map Data File : ", fileName);
     }

@@ -57,7 +57,7 @@ struct EMapReading {
     qint64 noNumbers = 0;     ///< texts in place of values
     bool goesOn = false;      ///< more follows than belongs to the map
     bool ofAnyShape = false;  ///< the file's kind takes images that are not square
-    QString why;              ///< of NoMap, in one phrase; empty: nothing more is known
+    QString why;              ///< of NoFile or NoMap, in one phrase; empty: nothing more is known
 };
 
 /// Whether a shift, in eV, can be one; false for what is no number.

@@ -10,6 +10,7 @@
 
 #include "base/DebugLog.h"
 #include "files/FilePlaces.h"
+#include "files/InputFile.h"
 #include "files/OriginText.h"
 #include "files/WholeFile.h"
 #include "frames/TiffFile.h"
@@ -57,8 +58,8 @@ std::vector<double> shiftsIn(const FloatTiff& image, EMapReading* reading) {
 }  // namespace
 
 bool isTiffMap(const QString& fileName) {
-    QFile file(placeOf(fileName));
-    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
+    InputFile file(placeOf(fileName));
+    if (!file.open(QIODevice::ReadOnly)) {
         return false;
     }
     const QByteArray start = file.read(2);

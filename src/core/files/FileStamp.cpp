@@ -2,12 +2,12 @@
 
 #include <sys/stat.h>
 
-#include <QFile>
 #include <algorithm>
 #include <cstring>
 
 #include "files/Checksum.h"
 #include "files/FilePlaces.h"
+#include "files/InputFile.h"
 #include "files/SystemPaths.h"
 
 namespace {
@@ -15,7 +15,7 @@ namespace {
 qint64 checksumOf(const QString& place) {
     constexpr qint64 Piece = 1 << 20;
     Checksum checksum;
-    QFile file(place);
+    InputFile file(place);
     file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
     for (QByteArray bytes = file.read(Piece); !bytes.isEmpty(); bytes = file.read(Piece)) {
         checksum.add(bytes.constData(), static_cast<std::size_t>(bytes.size()));

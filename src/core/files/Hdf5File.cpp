@@ -1,12 +1,14 @@
 #include "files/Hdf5File.h"
 
 #include <dlfcn.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFileInfo>
 
 #include "base/LargeMemory.h"
 #include "files/Hdf5Library.h"
+#include "files/InputFile.h"
 #include "files/WholeDevice.h"
 #include "files/WholeFile.h"
 
@@ -111,5 +113,14 @@ bool isHdf5(const QByteArray& start) {
 }
 
 std::optional<QString> hdf5Text(const QString& fileName, const QString& path, qint64 mostBytes) {
-    return library() != nullptr ? library()->text(fileName, path, mostBytes) : std::nullopt;
+    const int file = openInput(QFile::encodeName(fileName));
+    if (file < 0) {
+        return std::nullopt;
+    }
+    // The library opens by name: that of what has been opened, whatever has the other one now.
+    const QString opened = QStringLiteral("/proc/self/fd/%1").arg(file);
+    const auto text =
+        library() != nullptr ? library()->text(opened, path, mostBytes) : std::nullopt;
+    ::close(file);
+    return text;
 }

@@ -1,8 +1,5 @@
 #include "frames/DecodedCounts.h"
 
-#include <fcntl.h>
-
-#include <QFile>
 #include <algorithm>
 #include <cerrno>
 #include <condition_variable>
@@ -10,6 +7,7 @@
 
 #include "base/LargeMemory.h"
 #include "base/Memory.h"
+#include "files/InputFile.h"
 #include "frames/FrameReader.h"
 #include "frames/SpillFile.h"
 #include "frames/TiffData.h"
@@ -126,19 +124,23 @@ DecodedCounts::~DecodedCounts() {
 
 /// From an open file that is not mapped into memory: one that is cut meanwhile ends early.
 QString DecodedCounts::decodeInto(TiffData* frame) const {
-    QFile file;
-    const int descriptor = ::open(m_state.path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0 ||
-        !file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
-        return errno == ENOENT
-                   ? changeOf(m_name, m_state, stateNow(m_state))
-                   : FrameHeader::tr("%1: cannot be read: %2").arg(m_name, qt_error_string(errno));
+    InputFile file;
+    if (!file.openAt({m_state.path}, QIODevice::ReadOnly)) {
+        const QString changed = change();
+        return changed.isEmpty()
+                   ? FrameHeader::tr("%1: cannot be read: %2").arg(m_name, file.whyNot())
+                   : changed;
     }
-    const QString changed = changeOf(m_name, m_state, stateOf(descriptor, m_state.path));
-    if (!changed.isEmpty()) {
-        return changed;
+    const auto changed = [&] {
+        return changeOf(m_name, m_state, stateOf(file.handle(), m_state.path));
+    };
+    if (const QString before = changed(); !before.isEmpty()) {
+        return before;
     }
     const QString error = readFrame(file, frame);
+    if (const QString since = changed(); !since.isEmpty()) {
+        return since;
+    }
     const QString why = error.isEmpty() ? frame->refusal : error;
     if (!why.isEmpty()) {
         return QStringLiteral("%1: %2").arg(m_name, why);

@@ -1,22 +1,16 @@
 #include "frames/FrameHeader.h"
 
-#include <QFileInfo>
-
 #include "files/FilePlaces.h"
+#include "files/InputFile.h"
 #include "frames/FrameReader.h"
 
 FrameHeader frameHeader(const QString& fileName) {
     FrameHeader header;
     const QString place = placeOf(fileName);
-    const QFileInfo info(place);
-    if (info.exists() && !info.isFile()) {
-        header.refusal = FrameHeader::tr("a folder or a device, not a file");
-        return header;
-    }
-    QFile file(place);
+    InputFile file(place);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        header.refusal =
-            file.exists() ? FrameHeader::tr("cannot be opened") : FrameHeader::tr("no such file");
+        header.refusal = file.isMissing() || file.isNoFile() ? file.whyNot()
+                                                             : FrameHeader::tr("cannot be opened");
         return header;
     }
     const QByteArray mark = file.read(FrameMagicBytes);

@@ -1,10 +1,10 @@
 #include "frames/ImgFile.h"
 
-#include <QFile>
 #include <QtEndian>
 #include <algorithm>
 
 #include "base/DebugLog.h"
+#include "files/InputFile.h"
 #include "frames/FrameHeader.h"
 #include "frames/TiffData.h"
 
@@ -105,7 +105,7 @@ bool readImgComment(QIODevice& in, int length, TiffData* frame) {
 int TiffData::readImgHeader(const QString& name) {
     width = 0;
     height = 0;
-    QFile file(name);
+    InputFile file(name);
     if (!file.open(QIODevice::ReadOnly)) {
         debugFile("Can not open", name);
         return 0;
@@ -151,7 +151,7 @@ bool TiffData::readImg(const QString& name) {
     }
     clearRows();
     fileName = name;
-    QFile file(name);
+    InputFile file(name);
     if (!file.open(QIODevice::ReadOnly)) {
         debugFile("Can not open (2)", name);
         return false;

@@ -1,12 +1,13 @@
 #include "frames/OpenFiles.h"
 
-#include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <utility>
+
+#include "files/InputFile.h"
 
 namespace {
 
@@ -72,7 +73,7 @@ bool OpenFiles::closeOldest() {
 /// Without the lock: a file system may take its time.
 int OpenFiles::openNow(const FileState& file, int* error) {
     const auto tryIt = [&file, error] {
-        const int descriptor = ::open(file.path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        const int descriptor = openInput(file.path);
         *error = descriptor < 0 ? errno : 0;
         return descriptor;
     };

@@ -1,7 +1,5 @@
 #include "frames/TiffData.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QImage>
 #include <algorithm>
 #include <cstring>
@@ -13,6 +11,7 @@
 #include "base/DebugLog.h"
 #include "base/LargeMemory.h"
 #include "base/Numbers.h"
+#include "files/InputFile.h"
 #include "frames/FrameReader.h"
 #include "frames/RowMemory.h"
 
@@ -27,11 +26,9 @@ bool TiffData::load(const QString& name) {
     loaded = false;
     refusal.clear();
     remarks.clear();
-    const QFileInfo info(name);
-    QFile file(name);
-    // A pipe would be waited for. Unbuffered: two bytes do not need the first 16 KB.
-    if ((info.exists() && !info.isFile()) ||
-        !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+    InputFile file(name);
+    // Unbuffered: two bytes do not need the first 16 KB.
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         debugFile("Can not open (1)", name);
         return false;
     }
@@ -57,7 +54,7 @@ bool TiffData::load(const QString& name) {
 }
 
 bool TiffData::readThrough(const FrameReader& reader, const QString& name) {
-    QFile file(name);
+    InputFile file(name);
     if (!file.open(QIODevice::ReadOnly)) {
         debugFile("Can not open", name);
         return false;

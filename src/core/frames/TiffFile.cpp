@@ -4,7 +4,8 @@
 #include <tiffio.h>
 #include <unistd.h>
 
-#include <QFile>
+#include <unistd.h>
+
 #include <QIODevice>
 #include <algorithm>
 #include <cstring>
@@ -16,6 +17,7 @@
 
 #include "base/LargeMemory.h"
 #include "files/FilePlaces.h"
+#include "files/InputFile.h"
 #include "files/SystemPaths.h"
 #include "files/WholeFile.h"
 #include "frames/RowMemory.h"
@@ -36,10 +38,15 @@ using TiffHandle = std::unique_ptr<TIFF, CloseTiff>;
 TiffHandle openTiff(const QString& name, const char* mode) {
     TiffHandle tiff;
     for (const QByteArray& path : pathsOfFile(name)) {
-        tiff.reset(TIFFOpen(path.constData(), mode));
+        const int file = openInput(path);
+        if (file < 0) {
+            continue;
+        }
+        tiff.reset(TIFFFdOpen(file, path.constData(), mode));
         if (tiff) {
             break;
         }
+        ::close(file);
     }
     return tiff;
 }
@@ -305,8 +312,15 @@ struct Device {
     }
     static int map(thandle_t handle, void** base, toff_t* bytes) {
         Device* const self = of(handle);
-        self->io->seek(0);
-        self->whole = self->io->readAll();
+        try {
+            self->io->seek(0);
+            self->whole = self->io->readAll();
+        } catch (const std::bad_alloc&) {
+            self->whole.clear();
+        }
+        if (self->whole.isEmpty()) {
+            return 0;  // too long for it
+        }
         *base = self->whole.data();
         *bytes = static_cast<toff_t>(self->whole.size());
         return 1;
@@ -314,22 +328,29 @@ struct Device {
     static void unmap(thandle_t handle, void*, toff_t) { of(handle)->whole.clear(); }
 };
 
+TiffHandle openDevice(Device* device, const char* mode) {
+    device->place = 0;
+    return TiffHandle(TIFFClientOpen("device", mode, device, Device::read, Device::write,
+                                     Device::seek, Device::close, Device::size, Device::map,
+                                     Device::unmap));
+}
+
 }  // namespace
 
-// Mapping a file into memory costs more than reading it once, but the reader of rows finds out by
-// it which strips are whole: "m", without, is tried first.
+// The reader of rows finds out which strips are whole only where all of the file is in memory. It
+// is never mapped there: what is cut meanwhile would end the program.
 
 bool TiffData::readTiff(const QString& name) {
-    const Open open = [&name](const char* mode) { return openTiff(name, mode); };
-    TiffHandle tiff = open("rm");
-    if (!tiff) {
-        tiff = open("r");
-    }
-    if (!tiff) {
+    InputFile file;
+    if (!file.openAt(pathsOfFile(name), QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         return false;
     }
     fileName = name;
-    return readFrom(std::move(tiff), open, this).isEmpty();
+    const bool isRead = readTiffFrom(file, this).isEmpty();
+    if (isRead && file.hasChanged()) {
+        refusal = InputFile::changedText();
+    }
+    return isRead && refusal != InputFile::changedText();
 }
 
 FrameHeader headerOfTiff(const QString& name) {
@@ -344,12 +365,7 @@ FrameHeader headerOfTiff(const QString& name) {
 
 QString readTiffFrom(QIODevice& in, TiffData* frame) {
     Device device{&in, 0, {}};
-    const Open open = [&device](const char* mode) {
-        device.place = 0;
-        return TiffHandle(TIFFClientOpen("device", mode, &device, Device::read, Device::write,
-                                         Device::seek, Device::close, Device::size, Device::map,
-                                         Device::unmap));
-    };
+    const Open open = [&device](const char* mode) { return openDevice(&device, mode); };
     TiffHandle tiff = open("rm");
     return tiff ? readFrom(std::move(tiff), open, frame) : QStringLiteral("Not a TIFF image");
 }
@@ -385,7 +401,11 @@ bool writeFloatTiff(const QString& name, const QSize& size, const FillFloats& fi
 }
 
 QString readFloatTiff(const QString& name, FloatTiff* image) {
-    const TiffHandle tiff = openTiff(name, "rm");
+    InputFile file;
+    Device device{&file, 0, {}};
+    const TiffHandle tiff = file.openAt(pathsOfFile(name), QIODevice::ReadOnly)
+                                ? openDevice(&device, "rm")
+                                : TiffHandle();
     if (!tiff) {
         return FrameHeader::tr("a TIFF file without an image");
     }
@@ -408,6 +428,9 @@ QString readFloatTiff(const QString& name, FloatTiff* image) {
                 .arg(y)
                 .arg(header.height);
         }
+    }
+    if (file.hasChanged()) {
+        return InputFile::changedText();
     }
     *image = std::move(read);
     return QString();

@@ -10,6 +10,7 @@
 
 #include "files/FileListing.h"
 #include "files/FilePlaces.h"
+#include "files/InputFile.h"
 #include "frames/EnergyFromName.h"
 #include "frames/FrameHeader.h"
 #include "measurement/Measurement.h"
@@ -67,7 +68,7 @@ QString whyNoReference(const Measurement& m, const QString& file, const FolderCo
                    : FolderContents::tr("saved by this program");
     }
     if (contents.besideFrames) {
-        QFile text(placeOf(file));
+        InputFile text(placeOf(file));
         const bool isOwn = text.open(QIODevice::ReadOnly) &&
                            text.readLine(80).startsWith("###Tarnwick::XafsSpectrum");
         if (isOwn || readOrigin(file).has_value()) {

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "files/Checksum.h"
+#include "files/InputFile.h"
 #include "files/WholeFile.h"
 
 namespace {
@@ -138,9 +139,9 @@ QString Part::write(const QString& fileName) const {
 }
 
 std::optional<Part> Part::read(const QString& fileName, const Form& form, Fault* fault) {
-    QFile file(fileName);
+    InputFile file(fileName);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        *fault = file.exists() ? Fault::Damaged : Fault::Missing;
+        *fault = file.isMissing() ? Fault::Missing : Fault::Damaged;
         return std::nullopt;
     }
     *fault = Fault::Damaged;

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "base/AddressSpace.h"
+#include "files/InputFile.h"
 #include "files/LeftOver.h"
 #include "files/WholeFile.h"
 
@@ -71,7 +72,7 @@ PartStore::PartStore(const Place& place, const WorkKey& key, const PartCut& cut,
       m_columns(columns),
       m_valuesPerBin(valuesPerBin),
       m_fault(std::move(fault)) {
-    QFile manifest(m_place.manifest);
+    InputFile manifest(m_place.manifest);
     if (manifest.open(QIODevice::ReadOnly)) {
         m_changed = changedSince(manifest.readAll(), m_key);
     }
@@ -104,7 +105,7 @@ bool PartStore::isComplete() const {
 
 void PartStore::begin() {
     removeLeftOver(QFile::encodeName(m_place.folder));
-    QFile file(m_place.manifest);
+    InputFile file(m_place.manifest);
     const QByteArray text = manifestOf(m_key);
     const bool isThere = file.open(QIODevice::ReadOnly) && file.readAll() == text;
     if (isThere || !m_fault->why.isEmpty()) {

@@ -2,22 +2,21 @@
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
-#include <QFile>
 #include <QFileInfo>
 #include <algorithm>
 
 #include "files/FilePlaces.h"
+#include "files/InputFile.h"
 #include "measurement/Revision.h"
 #include "spectra/UsableRows.h"
 
 namespace {
 
 QByteArray digestOf(const QString& fileName) {
-    QFile file(placeOf(fileName));
+    InputFile file(placeOf(fileName));
     QCryptographicHash hash(QCryptographicHash::Sha256);
-    const bool isFile = QFileInfo(file).isFile();  // devices and pipes have no end
-    return isFile && file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result().toHex()
-                                                                           : QByteArray();
+    return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result().toHex()
+                                                                 : QByteArray();
 }
 
 struct Texts {

@@ -11,13 +11,14 @@
 
 #include "files/FilePlaces.h"
 #include "files/FilesTogether.h"
+#include "files/InputFile.h"
 #include "files/WholeFile.h"
 
 namespace {
 
 /// Of a name and the bytes behind it; empty when they cannot be read.
 QByteArray digestOf(const QString& identity, const QString& place) {
-    QFile file(place);
+    InputFile file(place);
     QCryptographicHash hash(QCryptographicHash::Sha256);
     hash.addData(identity.toUtf8() + '\0');
     return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result().toHex()

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "files/InputFile.h"
 #include "files/WholeFile.h"
 
 namespace {
@@ -31,7 +32,7 @@ QString tryToWrite(const QString& folder, const QString& keep) {
 }  // namespace
 
 Outcome WorkFolder::judgeFormat() const {
-    QFile file(m_path + QLatin1String(FormatFile));
+    InputFile file(m_path + QLatin1String(FormatFile));
     if (!file.open(QIODevice::ReadOnly)) {
         return {};
     }

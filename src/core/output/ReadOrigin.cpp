@@ -1,11 +1,10 @@
 #include "output/ReadOrigin.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <algorithm>
 
 #include "files/FilePlaces.h"
 #include "files/Hdf5File.h"
+#include "files/InputFile.h"
 #include "files/PictureFile.h"
 #include "files/PictureText.h"
 #include "frames/TiffFile.h"
@@ -71,22 +70,19 @@ QString textIn(QFile& file, QString* problem) {
 }  // namespace
 
 std::optional<OriginText> readOrigin(const QString& fileName, QString* whyNot) {
-    QFile file(placeOf(fileName));
-    const QFileInfo info(file);
+    InputFile file(placeOf(fileName));
     QString problem;
     std::optional<OriginText> origin;
-    if (!info.exists()) {
+    if (file.open(QIODevice::ReadOnly)) {
+        const QString text = textIn(file, &problem);
+        origin = problem.isEmpty() ? OriginText::fromText(text, &problem) : std::nullopt;
+    } else if (!file.isMissing()) {
+        problem = file.whyNot();
+    } else {
         // A TIFF file may have its name in Latin-1, whatever the system's encoding.
         const QString text = tiffDescription(fileName);
         problem = QStringLiteral("there is no such file");
         origin = text.isEmpty() ? std::nullopt : OriginText::fromText(text, &problem);
-    } else if (!info.isFile()) {  // reading a pipe might never end
-        problem = QStringLiteral("not a file");
-    } else if (!file.open(QIODevice::ReadOnly)) {
-        problem = file.errorString();
-    } else {
-        const QString text = textIn(file, &problem);
-        origin = problem.isEmpty() ? OriginText::fromText(text, &problem) : std::nullopt;
     }
     if (whyNot && !origin) {
         *whyNot = problem;

@@ -1,11 +1,11 @@
 #include "spectra/SpectrumFile.h"
 
-#include <QFile>
 #include <QTextStream>
 #include <cmath>
 
 #include "base/DebugLog.h"
 #include "files/FilePlaces.h"
+#include "files/InputFile.h"
 #include "files/WholeDevice.h"
 #include "spectra/Constants.h"
 #include "spectra/XafsSpectrum.h"
@@ -28,7 +28,7 @@ bool isFirstLineOf9809(const QString& line) {
 
 bool readSpectrumFile(const QString& fileName, XafsSpectrum* spectrum) {
     spectrum->clear();
-    QFile file(placeOf(fileName));
+    InputFile file(placeOf(fileName));
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         debugFile("Can not open", fileName);
         spectrum->setNot9809(1);

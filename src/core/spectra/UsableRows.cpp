@@ -1,7 +1,6 @@
 #include "spectra/UsableRows.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QRegularExpression>
 #include <QTextCodec>
 #include <QTextStream>
@@ -13,6 +12,7 @@
 
 #include "base/DebugLog.h"
 #include "files/FilePlaces.h"
+#include "files/InputFile.h"
 #include "spectra/SpectrumFile.h"
 
 namespace {
@@ -80,12 +80,14 @@ class Taking {
     explicit Taking(const QString& fileName) : m_fileName(fileName) {}
 
     TakenSpectrum take() {
-        QFile file(placeOf(m_fileName));
-        // A pipe would be waited for, a device has no end.
-        if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
+        InputFile file(placeOf(m_fileName));
+        if (!file.open(QIODevice::ReadOnly)) {
             debugFile("Can not open", m_fileName);
             m_taken.spectrum.setValid(false);
             m_taken.whyNot = Usable::tr("cannot be read: %1").arg(m_fileName);
+            if (file.isNoFile()) {
+                refuse(file.whyNot());
+            }
             return m_taken;
         }
         if (!isText(file.peek(4096))) {
@@ -93,6 +95,10 @@ class Taking {
             return m_taken;
         }
         const QByteArray content = file.readAll();
+        if (file.hasChanged()) {
+            refuse(InputFile::changedText());
+            return m_taken;
+        }
         QTextCodec* utf8 = QTextCodec::codecForName("UTF-8");
         QString text = QTextCodec::codecForUtfText(content, utf8)->toUnicode(content);
         text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
