@@ -169,6 +169,7 @@ int BatchRuns::converse(BatchSession* session, Measurement* measurement, int fol
     QObject::connect(dispatcher, &BatchDispatcher::ended, session, &S::end);
     QObject::connect(session, &S::stopAsked, &runner, &R::stop);
     QObject::connect(&m_cleanEnd, &CleanEnd::requested, session, &S::interrupt);
+    QObject::connect(session, &S::lastWordsChanged, &m_cleanEnd, &CleanEnd::setLastWords);
     QObject::connect(session, &S::finished, &loop, &QEventLoop::exit, Qt::QueuedConnection);
     runner.leaveOutSavesBefore(m_batch.start);
     runner.start(m_text.lines);

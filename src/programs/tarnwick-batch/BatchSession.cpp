@@ -30,6 +30,7 @@ BatchSession::BatchSession(Console* console, BatchText text, const Options& opti
 void BatchSession::log(const QString& text) {
     if (!m_finished) {
         m_console->log(text);
+        changeLastWords();
     }
 }
 
@@ -52,6 +53,7 @@ void BatchSession::commandDone(const CmdLine& cmd, const Outcome& outcome) {
             emit stopAsked();
         }
     }
+    changeLastWords();
     m_sinceLine.start();
 }
 
@@ -134,11 +136,19 @@ QString BatchSession::shareText() const {
                                       : QStringLiteral("%1 parts").arg(share.made()));
 }
 
-void BatchSession::interrupt(int signalNumber) {
+QString BatchSession::interrupted() const {
     const int line = m_text.lineNumber(m_lineInWork());
-    const QString where = line > 0 ? QStringLiteral("Interrupted at line %1: ").arg(line)
-                                   : QStringLiteral("Interrupted: ");
-    finish(where + verdict(), SignalBase + signalNumber);
+    return line > 0 ? QStringLiteral("Interrupted at line %1: ").arg(line)
+                    : QStringLiteral("Interrupted: ");
+}
+
+void BatchSession::interrupt(int signalNumber) {
+    finish(interrupted() + verdict(), SignalBase + signalNumber);
+}
+
+/// Without the lines that failed, which may be many.
+void BatchSession::changeLastWords() {
+    emit lastWordsChanged((interrupted() + counts() + QLatin1Char('\n')).toUtf8());
 }
 
 void BatchSession::finish(const QString& closing, int exitCode) {
@@ -146,6 +156,7 @@ void BatchSession::finish(const QString& closing, int exitCode) {
         return;
     }
     m_finished = true;
+    emit lastWordsChanged({});
     m_seconds = secondsOf(m_sinceStart);
     m_console->clearBar();
     if (m_options.report != nullptr) {
@@ -166,10 +177,17 @@ void BatchSession::finish(const QString& closing, int exitCode) {
     emit finished(exitCode);
 }
 
+QString BatchSession::counts() const {
+    return m_verdict.lines() == 0
+               ? QStringLiteral("0 lines")
+               : QStringLiteral("%1 done, %2 with a warning, %3 failed")
+                     .arg(m_verdict.done() == 1 ? QStringLiteral("1 line")
+                                                : QStringLiteral("%1 lines").arg(m_verdict.done()))
+                     .arg(m_verdict.warned())
+                     .arg(m_verdict.failed());
+}
+
 QString BatchSession::verdict() const {
-    if (m_verdict.lines() == 0) {
-        return QStringLiteral("0 lines");
-    }
     QStringList named;
     const auto& failures = m_verdict.failures();
     for (auto it = failures.begin(); it != failures.end(); ++it) {
@@ -179,11 +197,6 @@ QString BatchSession::verdict() const {
         }
         named.append(name + QLatin1Char(')'));
     }
-    const QString text =
-        QStringLiteral("%1 done, %2 with a warning, %3 failed")
-            .arg(m_verdict.done() == 1 ? QStringLiteral("1 line")
-                                       : QStringLiteral("%1 lines").arg(m_verdict.done()))
-            .arg(m_verdict.warned())
-            .arg(m_verdict.failed());
-    return named.isEmpty() ? text : text + QLatin1String(": ") + named.join(QLatin1String(", "));
+    return named.isEmpty() ? counts()
+                           : counts() + QLatin1String(": ") + named.join(QLatin1String(", "));
 }

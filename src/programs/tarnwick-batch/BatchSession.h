@@ -67,6 +67,8 @@ class BatchSession : public QObject {
   signals:
     /// Emitted once, after the verdict has been written.
     void finished(int exitCode);
+    /// What is to be said if the program ends before the verdict; empty: nothing any more.
+    void lastWordsChanged(const QByteArray& text);
     /// No further line shall be read.
     void stopAsked();
 
@@ -76,6 +78,9 @@ class BatchSession : public QObject {
     void add(QJsonObject entry);
     bool isFailure(const Outcome& outcome) const;
     QString shareText() const;
+    QString interrupted() const;
+    QString counts() const;
+    void changeLastWords();
     void finish(const QString& closing, int exitCode);
 
     Console* m_console;

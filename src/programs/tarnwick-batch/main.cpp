@@ -8,12 +8,12 @@
 #include <QGuiApplication>
 #include <algorithm>
 #include <clocale>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 
 #include "base/AddressSpace.h"
+#include "base/CleanEnd.h"
 #include "base/Globals.h"
 #include "base/Memory.h"
 #include "base/MemoryEnd.h"
@@ -53,8 +53,8 @@ void prepareEnvironment() {
     if (!locale || std::strcmp(locale, "C") == 0 || std::strcmp(locale, "POSIX") == 0) {
         qputenv("LC_ALL", "C.UTF-8");
     }
-    // A reader of the log that goes away does not end the batch.
-    std::signal(SIGPIPE, SIG_IGN);
+    // Nor does a reader of the log that goes away end the batch.
+    letWritesFail();
 }
 
 /// As after "> log 2>&1".
