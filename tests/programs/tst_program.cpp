@@ -1,3 +1,5 @@
+#include <sys/resource.h>
+
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -9,6 +11,7 @@
 #include <csignal>
 #include <memory>
 
+#include "DeadFile.h"
 #include "Files.h"
 #include "Phantom.h"
 #include "TestMain.h"
@@ -470,6 +473,58 @@ class TestProgram : public QObject {
             QVERIFY(saved.load(file("whole.tif")));
             QCOMPARE(int(saved.rows.size()), 8);
         }
+    }
+
+    void interruptedWhereAFileDoesNotAnswer_data() {
+        columns<QString>("line");
+        QTest::newRow("in the thread of a reader") << "load_I1_files NEW dead";
+        QTest::newRow("in the thread of the measurement") << "calib_load_std dead";
+    }
+
+    void interruptedWhereAFileDoesNotAnswer() {
+        QFETCH(QString, line);
+        put(file("dead"), "II*");
+        const DeadFile dead(file("dead"));
+        if (!dead.isDead()) {
+            QSKIP("no leases on this file system");
+        }
+        QProcess process;
+        start(&process, {batchOf({":echo begun", line, ":echo \"not reached\""})});
+        QByteArray out;
+        while (!out.contains("dead")) {
+            QVERIFY2(process.waitForReadyRead(60000), out.constData());
+            out += process.readAllStandardOutput();
+        }
+        QVERIFY(!process.waitForFinished(500));
+        ::kill(static_cast<pid_t>(process.processId()), SIGTERM);
+        QVERIFY(process.waitForFinished(30000));  // the file is back later
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 128 + SIGTERM);
+        out += process.readAllStandardOutput();
+        QVERIFY2(out.endsWith("\nInterrupted at line 2: 1 line done, 0 with a warning, 0 failed\n"),
+                 out.constData());
+    }
+
+    /// The system's signal for a file that grows too large would end the program.
+    void aLimitOfTheFilesFailsTheLine() {
+        class : public QProcess {
+            void setupChildProcess() override {
+                const rlimit small{200, 200};
+                setrlimit(RLIMIT_FSIZE, &small);
+                std::signal(SIGXFSZ, SIG_DFL);
+            }
+        } process;
+        put(file("old.tif"), "old");
+        start(&process, {batchOf(m_phantom->loadAndSetReferences() +
+                                 QStringList{"save_data_as_tiff old.tif", "save_record old.bat"})});
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 1);
+        const QByteArray said = process.readAllStandardError();
+        QVERIFY2(said.contains("save_data_as_tiff: ") && said.contains("save_record: "),
+                 said.constData());
+        QCOMPARE(contentOf(file("old.tif")), QByteArray("old"));
+        QCOMPARE(QDir(m_dir.path()).entryList({"*.part", "old.bat"}), QStringList());
     }
 };
 

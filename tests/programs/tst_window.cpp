@@ -4,6 +4,7 @@
 #include <csignal>
 #include <memory>
 
+#include "DeadFile.h"
 #include "Files.h"
 #include "Phantom.h"
 #include "TestMain.h"
@@ -109,6 +110,23 @@ class TestWindow : public QObject {
         start(&process, {"-b", "run.bat", "-x"});
         QVERIFY2(comes(&process, moment), m_output.constData());
         end(&process, number);
+    }
+
+    void closesWhereAFileDoesNotAnswer() {
+        write("dead", {"II*"});
+        const DeadFile dead(m_dir.filePath("dead"));
+        if (!dead.isDead()) {
+            QSKIP("no leases on this file system");
+        }
+        write("wait.bat", {":echo begun", "load_I1_files NEW dead"});
+        QProcess process;
+        start(&process, {"-b", "wait.bat", "-x"});
+        QVERIFY2(comes(&process, "echo begun"), m_output.constData());
+        QVERIFY(!process.waitForFinished(500));
+        ::kill(static_cast<pid_t>(process.processId()), SIGTERM);
+        QVERIFY(process.waitForFinished(30000));  // the file is back later
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 0);
     }
 
   private:

@@ -42,6 +42,7 @@ int tell(bool help, int argc, char** argv) {
 int runTarnwick(int argc, char** argv) {
     prepareForLimit();
     endInOrderWithoutMemory("tarnwick");
+    letWritesFail();
     initGlobals();
     const CommandLine asked = readCommandLine(argc, argv);
     if (asked.help || asked.version) {
@@ -70,9 +71,9 @@ int runTarnwick(int argc, char** argv) {
     if (!commandLine.execute) {
         Remembered::shared().keep();
     }
+    CleanEnd cleanEnd;
     Body body;
     QObject::connect(&body, SIGNAL(finishing()), &app, SLOT(closeAllWindows()));
-    const CleanEnd cleanEnd;
     // Who ends the program from outside can not be asked.
     QObject::connect(&cleanEnd, &CleanEnd::requested, body.whatWasDone(),
                      &WhatWasDone::closeAtOnce);
@@ -90,5 +91,7 @@ int runTarnwick(int argc, char** argv) {
     if (commandLine.execute) {
         body.batchCtrl()->dispatchLines(body.batchCtrl()->editorLines(Qt::SkipEmptyParts));
     }
-    return QApplication::exec();
+    const int code = QApplication::exec();
+    cleanEnd.expectEnd(code);
+    return code;
 }
