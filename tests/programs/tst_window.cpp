@@ -1,3 +1,4 @@
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -112,13 +113,25 @@ class TestWindow : public QObject {
         end(&process, number);
     }
 
+    void closesWhereAFileDoesNotAnswer_data() {
+        columns<QString, int>("line", "code");
+        // The first one tells the size of all.
+        QTest::newRow("in the thread of a reader")
+            << "load_I1_files NEW " +
+                   m_phantom->file(QDir(m_phantom->dir()).entryList({"i1-*.tif"}).first()) + " dead"
+            << 0;
+        QTest::newRow("in that of the window") << "load_I1_files NEW dead" << 128 + SIGTERM;
+    }
+
     void closesWhereAFileDoesNotAnswer() {
+        QFETCH(QString, line);
+        QFETCH(int, code);
         write("dead", {"II*"});
         const DeadFile dead(m_dir.filePath("dead"));
         if (!dead.isDead()) {
             QSKIP("no leases on this file system");
         }
-        write("wait.bat", {":echo begun", "load_I1_files NEW dead"});
+        write("wait.bat", {":echo begun", line});
         QProcess process;
         start(&process, {"-b", "wait.bat", "-x"});
         QVERIFY2(comes(&process, "echo begun"), m_output.constData());
@@ -126,7 +139,7 @@ class TestWindow : public QObject {
         ::kill(static_cast<pid_t>(process.processId()), SIGTERM);
         QVERIFY(process.waitForFinished(30000));  // the file is back later
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(process.exitCode(), 0);
+        QCOMPARE(process.exitCode(), code);
     }
 
   private:
