@@ -1,6 +1,7 @@
 #include "TestMain.h"
 #include "batch/BatchDispatcher.h"
 #include "batch/BatchPacing.h"
+#include "batch/ForLoops.h"
 
 /// Stands for the main window: notes what it is told to execute and answers at once.
 class Executor : public QObject {

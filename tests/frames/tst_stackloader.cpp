@@ -14,7 +14,7 @@ class TestStackLoader : public QObject {
         QCOMPARE(first->fileName, QString("a"));
         QVERIFY(!loader.next());
         first->frame->loaded = true;
-        QCOMPARE(loader.arrived(first->frame).get(), first->frame);
+        QCOMPARE(loader.arrived(first->frame.get()), first->frame);
         QCOMPARE(loader.next()->fileName, QString("b"));
         QCOMPARE(loader.total(), 2);
     }
@@ -22,10 +22,10 @@ class TestStackLoader : public QObject {
     void unreadableFramesAreDroppedAndNamed() {
         StackLoader loader;
         loader.enqueue({"bad", "good"});
-        QVERIFY(!loader.arrived(loader.next()->frame));
+        QVERIFY(!loader.arrived(loader.next()->frame.get()));
         const auto good = loader.next();
         good->frame->loaded = true;
-        QVERIFY(loader.arrived(good->frame));
+        QVERIFY(loader.arrived(good->frame.get()));
         const auto refused = loader.takeRefused();
         QVERIFY(refused.size() == 1 && refused.first().fileName == "bad");
         QVERIFY(loader.takeRefused().isEmpty());
@@ -41,11 +41,11 @@ class TestStackLoader : public QObject {
         QVERIFY(!loader.next());
         QCOMPARE(loader.total(), 1);
         stale->frame->loaded = true;
-        QVERIFY(!loader.arrived(stale->frame));
+        QVERIFY(!loader.arrived(stale->frame.get()));
         const auto fresh = loader.next();
         QCOMPARE(fresh->fileName, QString("new"));
         fresh->frame->loaded = true;
-        QVERIFY(loader.arrived(fresh->frame));
+        QVERIFY(loader.arrived(fresh->frame.get()));
         QVERIFY(!loader.isLoading());
         QVERIFY(loader.takeRefused().isEmpty());
     }
@@ -59,8 +59,8 @@ class TestStackLoader : public QObject {
         const auto b = loader.next();
         QVERIFY(a && b && !loader.next());
         a->frame->loaded = true;
-        QVERIFY(!loader.arrived(b->frame));  // not its turn
-        QVERIFY(loader.arrived(a->frame));
+        QVERIFY(!loader.arrived(b->frame.get()));  // not its turn
+        QVERIFY(loader.arrived(a->frame.get()));
         const auto c = loader.next();
         loader.stop();
         QVERIFY(!loader.isLoading() && !loader.next());
@@ -70,12 +70,12 @@ class TestStackLoader : public QObject {
         QCOMPARE(loader.total(), 1);
         for (const auto& stale : {b, c}) {
             stale->frame->loaded = true;
-            QVERIFY(!loader.arrived(stale->frame));
+            QVERIFY(!loader.arrived(stale->frame.get()));
         }
         const auto e = loader.next();
         QCOMPARE(e->fileName, QString("e"));
         e->frame->loaded = true;
-        QVERIFY(loader.arrived(e->frame));
+        QVERIFY(loader.arrived(e->frame.get()));
         QVERIFY(!loader.isLoading());
     }
 };

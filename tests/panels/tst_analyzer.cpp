@@ -9,9 +9,9 @@
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTemporaryDir>
-#include <QThread>
 #include <QWheelEvent>
 #include <cmath>
+#include <thread>
 
 #include "Controls.h"
 #include "Edges.h"
@@ -203,12 +203,11 @@ class TestAnalyzer : public QObject {
         bool used = false;
         double shift = -1.0;
         m_analyzer->setLCFStd(0, false, m_second, 9.0, "0");
-        std::unique_ptr<QThread> other(QThread::create([&] {
+        std::thread other([&] {
             used = panel(0)->fitInput().used;
             shift = panel(0)->fitInput().spectrum.shift();
-        }));
-        other->start();
-        other->wait();
+        });
+        other.join();
         QVERIFY(used);
         QCOMPARE(shift, 0.0);
         QVERIFY(!panel(0)->fitInput().used);  // the live values on the panel's own thread

@@ -1,104 +1,79 @@
 #include "batch/BatchDispatcher.h"
 
-#include <QDebug>
-#include <utility>
+#include "batch/BatchInterpreter.h"
 
-#include "batch/BatchText.h"
-#include "batch/BatchTexts.h"
-#include "batch/CommandTables.h"
-#include "batch/LineCheck.h"
+namespace {
+
+/// Tells in the dispatcher's thread what the interpreter has to say.
+class Telling {
+  public:
+    Telling(BatchDispatcher* dispatcher, const Inbox& inbox)
+        : m_dispatcher(dispatcher), m_inbox(inbox.slit()), m_thread(std::this_thread::get_id()) {}
+
+    template <typename Tell>
+    void operator()(const Tell& tell) const {
+        if (std::this_thread::get_id() == m_thread) {
+            tell(m_dispatcher);
+        } else {
+            m_inbox.post([tell, dispatcher = m_dispatcher] { tell(dispatcher); });
+        }
+    }
+
+  private:
+    BatchDispatcher* m_dispatcher;
+    Inbox::Slit m_inbox;
+    std::thread::id m_thread;
+};
+
+}  // namespace
 
 BatchDispatcher::BatchDispatcher(QObject* parent) : QObject(parent) {
     qRegisterMetaType<CmdLine>("CmdLine");
+    using D = BatchDispatcher;
+    const Telling tell(this, m_inbox);
+    BatchInterpreter::Listener listener;
+    listener.execCmd = [tell](const CmdLine& cmd, bool inRem) {
+        tell([cmd, inRem](D* d) { emit d->execCmd(cmd, inRem); });
+    };
+    listener.log = [tell](const QString& text) { tell([text](D* d) { emit d->log(text); }); };
+    listener.started = [tell] { tell([](D* d) { emit d->started(); }); };
+    listener.ended = [tell] { tell([](D* d) { emit d->ended(); }); };
+    m_interpreter = std::make_shared<BatchInterpreter>(std::move(listener));
+}
+
+BatchDispatcher::~BatchDispatcher() = default;
+
+int BatchDispatcher::lineInWork() const {
+    return m_interpreter->lineInWork();
+}
+
+void BatchDispatcher::leaveLoops() {
+    m_interpreter->leaveLoops();
+}
+
+void BatchDispatcher::ask(const std::function<void(BatchInterpreter&)>& what) {
+    if (!m_inBackground) {
+        what(*m_interpreter);
+        return;
+    }
+    const auto asked = [interpreter = m_interpreter, what] { what(*interpreter); };
+    if (!m_thread.run(asked)) {
+        m_inbox.post(asked);
+    }
+}
+
+void BatchDispatcher::execNextLine() {
+    ask([](BatchInterpreter& interpreter) { interpreter.next(); });
 }
 
 void BatchDispatcher::doDispatchCmds(const QStringList& cmdList) {
-    m_running = true;
-    m_open = true;
-    if (cmdList != m_lines) {
-        m_lines = cmdList;
-    }
-    m_problems = problemsOfForm(m_lines, m_inRem);
-    m_current = 0;
-    m_loops.clear();
-    emit started();
-    execNextLine();
+    ask([cmdList](BatchInterpreter& interpreter) { interpreter.start(cmdList); });
 }
 
 void BatchDispatcher::batchStop() {
-    m_running = false;
-    m_inRem = false;
+    ask([](BatchInterpreter& interpreter) { interpreter.stop(); });
 }
 
 void BatchDispatcher::finishBatchExec() {
     execNextLine();
-}
-
-void BatchDispatcher::execNextLine() {
-    if (!m_running || m_current < 0 || m_current >= m_lines.size()) {
-        // Once: an answer that comes without a batch, such as that to a user's own load, ends none.
-        if (std::exchange(m_open, false)) {
-            emit ended();
-        }
-        return;
-    }
-    CmdLine cmd = CmdLine::parse(readLogicalLine(m_lines, &m_current));
-    cmd.line = m_current;
-    m_lineInWork = m_current;
-    const int control = controlId(cmd.command);
-    if (control == RemEndControl) {
-        m_inRem = false;
-    } else if (control == RemStartControl) {
-        m_inRem = true;
-    }
-    if (!m_inRem || control == RemStartControl) {
-        cmd.problems = m_problems.value(m_current);
-    }
-    if (!m_inRem) {
-        switch (control) {
-            case ForControl:
-                doFor(cmd);
-                break;
-            case NextControl:
-                doNext(cmd);
-                break;
-            case EchoControl:
-                doEcho(cmd);
-                break;
-            default:
-                break;
-        }
-        if (commandId(cmd.command) != NoCommand) {
-            if (!m_loops.substitute(&cmd.args)) {
-                cmd.problems.warnings << Batch::tr("endless substitution of a loop variable");
-            }
-            emit log(QStringLiteral("%1 : %2\n").arg(cmd.command, cmd.args.join(QLatin1Char(' '))));
-        }
-    }
-    // Before the line is handed out: a direct answer must find the next line.
-    ++m_current;
-    emit execCmd(cmd, m_inRem);
-}
-
-void BatchDispatcher::doFor(const CmdLine& cmd) {
-    const ForLoop& loop = m_loops.begin(cmd.args, m_current);
-    emit log(QStringLiteral("for %1 : %2 = %3\n").arg(loop.name, loop.placeholder, loop.value));
-}
-
-void BatchDispatcher::doNext(const CmdLine& cmd) {
-    const QString name = cmd.arg(0);
-    ForLoop loop;
-    if (m_followsLoops && m_loops.step(name)) {
-        m_current = m_loops.find(name)->forLine;
-    }
-    if (const ForLoop* found = m_loops.find(name)) {
-        loop = *found;
-    }
-    emit log(QStringLiteral("next %1 : %2 = %3\n").arg(loop.name, loop.placeholder, loop.value));
-}
-
-void BatchDispatcher::doEcho(const CmdLine& cmd) {
-    const QString text = QStringLiteral("echo %1").arg(cmd.arg(0));
-    qDebug().noquote() << text;
-    emit log(text);
 }

@@ -1,29 +1,37 @@
 #pragma once
 
-#include <QHash>
 #include <QObject>
 #include <QStringList>
-#include <atomic>
+#include <functional>
+#include <memory>
 
+#include "base/Inbox.h"
+#include "base/Worker.h"
 #include "batch/CmdLine.h"
-#include "batch/ForLoops.h"
 
-/// The interpreter of the batch language. Reads the lines of a batch one at a time, carries out the
-/// control words, fills loop variables into the arguments of commands and hands every line to the
-/// BatchRunner, which answers with finishBatchExec(); only then is the next line read. Lives in a
-/// thread of its own; everything that it is told and tells goes through signals.
+class BatchInterpreter;
+
+/// The interpreter of the batch language as a QObject: hands lines to the BatchRunner, which
+/// answers with finishBatchExec(); see BatchInterpreter. Its signals come in the thread that it
+/// lives in.
 class BatchDispatcher : public QObject {
     Q_OBJECT
 
   public:
     explicit BatchDispatcher(QObject* parent = nullptr);
+    ~BatchDispatcher() override;
+
+    /// From now on lines are read in a thread of its own, or by the event loop where there is none
+    /// to be had: signals come later than the slot that they answer. Before the first batch;
+    /// without it they come before the slot returns.
+    void readInBackground() { m_inBackground = true; }
 
     /// Index of the last physical line of the line that was handed out last; -1 before any.
     /// May be asked from any thread.
-    int lineInWork() const { return m_lineInWork.load(); }
+    int lineInWork() const;
 
     /// From now on the bodies of loops are not run again. May be called from any thread.
-    void leaveLoops() { m_followsLoops = false; }
+    void leaveLoops();
 
   signals:
     void execCmd(CmdLine cmd, bool inRem);
@@ -40,17 +48,10 @@ class BatchDispatcher : public QObject {
     void finishBatchExec();
 
   private:
-    void doFor(const CmdLine& cmd);
-    void doNext(const CmdLine& cmd);
-    void doEcho(const CmdLine& cmd);
+    void ask(const std::function<void(BatchInterpreter&)>& what);
 
-    bool m_running = false;
-    bool m_open = false;  // a batch whose end has not been told
-    bool m_inRem = false;
-    QStringList m_lines;
-    int m_current = 0;
-    ForLoops m_loops;
-    QHash<int, Outcome> m_problems;  // of form, by the last physical line
-    std::atomic<int> m_lineInWork{-1};
-    std::atomic<bool> m_followsLoops{true};
+    bool m_inBackground = false;
+    std::shared_ptr<BatchInterpreter> m_interpreter;
+    Inbox m_inbox;
+    Worker m_thread;  // goes first
 };

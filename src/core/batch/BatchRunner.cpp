@@ -13,7 +13,7 @@
 #include "measurement/Room.h"
 
 BatchRunner::BatchRunner(Measurement& measurement) : m_measurement(measurement) {
-    m_dispatcher.moveToThread(&m_thread);
+    m_dispatcher.readInBackground();
     connect(this, &BatchRunner::linesAsked, &m_dispatcher, &BatchDispatcher::doDispatchCmds);
     connect(this, &BatchRunner::stopAsked, &m_dispatcher, &BatchDispatcher::batchStop);
     connect(this, &BatchRunner::finishBatchExec, &m_dispatcher, &BatchDispatcher::finishBatchExec);
@@ -30,7 +30,6 @@ BatchRunner::BatchRunner(Measurement& measurement) : m_measurement(measurement) 
     measurement.setRecorder([](const Measurement& m, const Result* result, const QString& savedBy) {
         return result != nullptr ? recordOf(m, *result, savedBy) : recordOfResults(m);
     });
-    m_thread.start(QThread::InheritPriority);
 }
 
 BatchRunner::~BatchRunner() {
@@ -38,8 +37,6 @@ BatchRunner::~BatchRunner() {
     m_dispatcher.disconnect(this);
     disconnect(&m_dispatcher);
     m_measurement.disconnect(this);
-    m_thread.quit();
-    m_thread.wait();
 }
 
 void BatchRunner::start(const QStringList& lines) {

@@ -2,7 +2,6 @@
 
 #include <QHash>
 #include <QObject>
-#include <QThread>
 #include <optional>
 
 #include "batch/BatchDispatcher.h"
@@ -13,7 +12,7 @@
 struct Action;
 struct CommandRow;
 
-/// Runs batches on a measurement: owns the interpreter and its thread, carries out one line at a
+/// Runs batches on a measurement: owns the interpreter, carries out one line at a
 /// time and answers it once, when its work has ended.
 class BatchRunner : public QObject {
     Q_OBJECT
@@ -55,7 +54,6 @@ class BatchRunner : public QObject {
     void workEnded(Work work, const Outcome& outcome);
 
     Measurement& m_measurement;
-    QThread m_thread;
     BatchDispatcher m_dispatcher;
     BatchPacing m_pacing;
     WindowSettings m_window;

@@ -3,13 +3,14 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
-#include <QReadWriteLock>
+#include <mutex>
+#include <shared_mutex>
 #include <utility>
 
 namespace {
 
 struct Places {
-    QReadWriteLock lock;
+    std::shared_mutex lock;
     QHash<QString, QString> of;  // by identity
 };
 
@@ -31,18 +32,18 @@ QString identityOf(const QString& fileName) {
 }
 
 QString placeOf(const QString& fileName) {
-    const QReadLocker locker(&places().lock);
+    const std::shared_lock<std::shared_mutex> locker(places().lock);
     return places().of.isEmpty() ? fileName : places().of.value(identityOf(fileName), fileName);
 }
 
 bool isPlaced(const QString& fileName) {
-    const QReadLocker locker(&places().lock);
+    const std::shared_lock<std::shared_mutex> locker(places().lock);
     return !places().of.isEmpty() && places().of.contains(identityOf(fileName));
 }
 
 QStringList placedIn(const QString& folder) {
     QStringList files;
-    const QReadLocker locker(&places().lock);
+    const std::shared_lock<std::shared_mutex> locker(places().lock);
     if (!places().of.isEmpty()) {
         const QString path = identityOf(folder);
         for (auto it = places().of.begin(); it != places().of.end(); ++it) {
@@ -55,7 +56,7 @@ QStringList placedIn(const QString& folder) {
 }
 
 FilePlaces::~FilePlaces() {
-    const QWriteLocker locker(&places().lock);
+    const std::lock_guard<std::shared_mutex> locker(places().lock);
     for (const QString& identity : std::as_const(m_identities)) {
         places().of.remove(identity);
     }
@@ -63,7 +64,7 @@ FilePlaces::~FilePlaces() {
 
 void FilePlaces::put(const QString& fileName, const QString& place) {
     const QString identity = identityOf(fileName);
-    const QWriteLocker locker(&places().lock);
+    const std::lock_guard<std::shared_mutex> locker(places().lock);
     if (place.isEmpty()) {
         m_identities.remove(identity);
         places().of.remove(identity);

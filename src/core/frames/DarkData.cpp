@@ -7,15 +7,7 @@
 #include "frames/FrameHeader.h"
 
 DarkData::DarkData() {
-    m_reader.moveToThread(&m_thread);
-    connect(this, &DarkData::load, &m_reader, &LoadTiff::loadTiff);
     connect(&m_reader, &LoadTiff::loaded, this, &DarkData::arrived);
-    m_thread.start(QThread::InheritPriority);
-}
-
-DarkData::~DarkData() {
-    m_thread.quit();
-    m_thread.wait();
 }
 
 void DarkData::readHeadersOnly(const Describe& describe) {
@@ -111,16 +103,17 @@ const DarkFrame* DarkData::mean() {
 void DarkData::loadNext() {
     if (const auto request = m_loader.next()) {
         if (m_describe) {
-            m_describe(request->fileName, request->frame);
+            m_describe(request->fileName, request->frame.get());
         }
-        emit load(request->fileName, request->frame);
+        emit load(request->fileName, request->frame.get());
+        m_reader.load(request->fileName, request->frame);
     } else if (!m_loader.isLoading()) {
         changeMean();
     }
 }
 
 void DarkData::arrived(TiffData* data) {
-    std::unique_ptr<TiffData> frame = m_loader.arrived(data);
+    std::shared_ptr<TiffData> frame = m_loader.arrived(data);
     if (frame && isRefused(*frame)) {
         m_refused.append({frame->fileName, FrameHeader::tr("%1 x %2 pixels, the images %3 x %4")
                                                .arg(frame->width)

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <QThread>
 #include <functional>
 
 #include "frames/DarkFrame.h"
@@ -17,8 +16,6 @@ class DarkData : public QObject {
 
   public:
     DarkData();
-    /// Waits for the frame that is being read.
-    ~DarkData() override;
 
     /// Tells of a frame what its file cannot, or nothing.
     using Describe = std::function<void(const QString& fileName, TiffData* frame)>;
@@ -70,7 +67,6 @@ class DarkData : public QObject {
     void changeMean();
 
     StackLoader m_loader;
-    QThread m_thread;
     LoadTiff m_reader;
     Describe m_describe;
     int m_imageWidth = -1;

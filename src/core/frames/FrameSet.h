@@ -5,7 +5,7 @@
 
 #include "frames/TiffData.h"
 
-/// An ordered list of frames that it owns, in the order in which they arrived.
+/// An ordered list of frames in the order in which they arrived.
 class FrameSet {
   public:
     int size() const { return static_cast<int>(m_frames.size()); }
@@ -13,11 +13,11 @@ class FrameSet {
     /// Null out of range.
     TiffData* at(int i);
     const TiffData* at(int i) const;
-    void append(std::unique_ptr<TiffData> frame) { m_frames.push_back(std::move(frame)); }
+    void append(std::shared_ptr<TiffData> frame) { m_frames.push_back(std::move(frame)); }
     void clear() { m_frames.clear(); }
 
   private:
-    std::vector<std::unique_ptr<TiffData>> m_frames;
+    std::vector<std::shared_ptr<TiffData>> m_frames;
 };
 
 /// Indices of the frames in order of energy, those of equal energy in order of arrival; what has no

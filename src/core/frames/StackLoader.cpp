@@ -36,12 +36,12 @@ std::optional<StackLoader::Request> StackLoader::next() {
     if (m_queue.isEmpty() || static_cast<int>(m_underWay.size()) >= m_atOnce) {
         return std::nullopt;
     }
-    m_underWay.push_back({m_queue.dequeue(), std::make_unique<TiffData>(), false});
+    m_underWay.push_back({m_queue.dequeue(), std::make_shared<TiffData>(), false});
     m_underWay.back().frame->stamp = fileStamp(m_underWay.back().fileName);
-    return Request{m_underWay.back().fileName, m_underWay.back().frame.get()};
+    return Request{m_underWay.back().fileName, m_underWay.back().frame};
 }
 
-std::unique_ptr<TiffData> StackLoader::arrived(const TiffData* frame) {
+std::shared_ptr<TiffData> StackLoader::arrived(const TiffData* frame) {
     if (m_underWay.empty() || frame == nullptr || frame != m_underWay.front().frame.get()) {
         return nullptr;
     }
@@ -55,7 +55,7 @@ std::unique_ptr<TiffData> StackLoader::arrived(const TiffData* frame) {
         m_refused.append({returned.fileName, returned.frame->refusal});
         return nullptr;
     }
-    return std::move(returned.frame);
+    return returned.frame;
 }
 
 QVector<StackLoader::Refused> StackLoader::takeRefused() {

@@ -20,10 +20,10 @@ class StackLoader {
     /// At most so many frames are under way: with two the reader always has its next one.
     explicit StackLoader(int atOnce = 1) : m_atOnce(atOnce) {}
 
-    /// A file to read and the empty frame to read it into; the frame stays owned by the loader.
+    /// A file to read and the empty frame to read it into.
     struct Request {
         QString fileName;
-        TiffData* frame;
+        std::shared_ptr<TiffData> frame;  ///< lives as long as the reader wants it to
     };
 
     /// Deletes every frame, empties the queue and forgets what was left out.
@@ -47,7 +47,7 @@ class StackLoader {
     /// Takes the frame back from the reader. The result is the frame when it is to be appended;
     /// empty when it could not be read, holds no counts (TiffData::refusal) or is not wanted any
     /// more.
-    std::unique_ptr<TiffData> arrived(const TiffData* frame);
+    std::shared_ptr<TiffData> arrived(const TiffData* frame);
 
     /// Whether frames are still to come.
     bool isLoading() const { return done() < total(); }
@@ -63,7 +63,7 @@ class StackLoader {
   private:
     struct UnderWay {
         QString fileName;
-        std::unique_ptr<TiffData> frame;
+        std::shared_ptr<TiffData> frame;
         bool isStale;
     };
 

@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <cmath>
+#include <thread>
 #include <utility>
 
 #include "absorption/AbsorptionSource.h"
@@ -17,7 +18,7 @@
 Measurement::Measurement()
     : m_map(std::make_unique<Result>(ResultId::Shift)),
       m_results({ResultFamily::Fit, ResultFamily::Residual, ResultFamily::Difference}),
-      m_threads(QThread::idealThreadCount()),
+      m_threads(static_cast<int>(std::thread::hardware_concurrency())),
       m_job([this](const KeptPass::Row& row, const BinRaster& raster) { takeRow(row, raster); }) {
     connectStack(m_i1);
     connectStack(m_i0);

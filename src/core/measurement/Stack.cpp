@@ -46,15 +46,7 @@ double frameEnergy(const QString& fileName, const NamePattern& names, int before
 }
 
 Stack::Stack(StackId id) : m_id(id), m_revision(nextRevision()) {
-    m_reader.moveToThread(&m_thread);
-    connect(this, &Stack::load, &m_reader, &LoadTiff::loadTiff);
     connect(&m_reader, &LoadTiff::loaded, this, &Stack::loaded);
-    m_thread.start(QThread::InheritPriority);
-}
-
-Stack::~Stack() {
-    m_thread.quit();
-    m_thread.wait();
 }
 
 void Stack::rehearse(const Rehearsal* rehearsal) {
@@ -151,9 +143,10 @@ bool Stack::request() {
     while (const auto next = m_loader.next()) {
         requested = true;
         if (m_rehearsal != nullptr) {
-            m_rehearsal->describe(next->fileName, next->frame);
+            m_rehearsal->describe(next->fileName, next->frame.get());
         }
-        emit load(next->fileName, next->frame);
+        emit load(next->fileName, next->frame.get());
+        m_reader.load(next->fileName, next->frame);
     }
     return requested;
 }
@@ -165,7 +158,7 @@ void Stack::loadNext() {
 }
 
 void Stack::loaded(TiffData* data) {
-    std::unique_ptr<TiffData> frame = m_loader.arrived(data);
+    std::shared_ptr<TiffData> frame = m_loader.arrived(data);
     request();  // the reader goes on while this frame is taken in and shown
     const QSize wanted = imageSize();
     const QSize size = frame ? sizeOf(*frame) : wanted;

@@ -2,7 +2,6 @@
 
 #include <QObject>
 #include <QSize>
-#include <QThread>
 #include <QVector>
 #include <algorithm>
 
@@ -19,7 +18,7 @@ double frameEnergy(const QString& fileName, const NamePattern& names, int before
 
 class Rehearsal;
 
-/// One stack of frames in order of arrival, with the thread that reads them. It takes no file that
+/// One stack of frames in order of arrival, and who reads them. It takes no file that
 /// holds anything but 16-bit counts, none of another size than its first frame, and none without an
 /// energy in its name where others have one.
 class Stack : public QObject {
@@ -36,8 +35,6 @@ class Stack : public QObject {
     };
 
     explicit Stack(StackId id);
-    /// Waits for the frame that is being read.
-    ~Stack() override;
 
     StackId id() const { return m_id; }
     /// "I1" or "I0".
@@ -112,6 +109,5 @@ class Stack : public QObject {
     bool m_energies = false;  // some of its names, or of those before, have one
     QStringList m_leftOut;
     int m_refused = 0;
-    QThread m_thread;
     LoadTiff m_reader;
 };

@@ -26,7 +26,7 @@ void PointBuffer::drop(Block* block) {
 
 bool PointBuffer::ownsRoomFor(int n) const {
     // Acquire: whoever shared the points has finished reading them before they are written again.
-    return m_block && m_block->capacity >= n && m_block->ref.loadAcquire() == 1;
+    return m_block && m_block->capacity >= n && m_block->ref.load(std::memory_order_acquire) == 1;
 }
 
 void PointBuffer::reserve(int n) {

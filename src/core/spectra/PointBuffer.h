@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QAtomicInt>
+#include <QtGlobal>
+#include <atomic>
 #include <utility>
 
 /// One point of a curve: energy in eV and value.
@@ -16,7 +17,7 @@ class PointBuffer {
     PointBuffer() = default;
     PointBuffer(const PointBuffer& other) : m_block(other.m_block) {
         if (m_block) {
-            m_block->ref.ref();
+            m_block->ref.fetch_add(1, std::memory_order_relaxed);
         }
     }
     PointBuffer& operator=(PointBuffer other) {
@@ -24,7 +25,7 @@ class PointBuffer {
         return *this;
     }
     ~PointBuffer() {
-        if (m_block && !m_block->ref.deref()) {
+        if (m_block && m_block->ref.fetch_sub(1, std::memory_order_acq_rel) == 1) {
             drop(m_block);
         }
     }
@@ -41,7 +42,7 @@ class PointBuffer {
 
   private:
     struct alignas(16) Block {
-        QAtomicInt ref{1};
+        std::atomic<int> ref{1};
         int size = 0;
         int capacity = 0;
         Spoint* points() { return reinterpret_cast<Spoint*>(this + 1); }

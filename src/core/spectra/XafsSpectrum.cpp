@@ -29,13 +29,13 @@ void XafsSpectrum::Results::operator delete(void* memory, std::size_t bytes) {
 }
 
 XafsSpectrum::Results* XafsSpectrum::share() const {
-    m_results->ref.ref();
+    m_results->ref.fetch_add(1, std::memory_order_relaxed);
     livecounts::addSpectra(SpectraInResults);
     return m_results;
 }
 
 void XafsSpectrum::release(Results* results) {
-    if (results->ref.deref()) {
+    if (results->ref.fetch_sub(1, std::memory_order_acq_rel) > 1) {
         livecounts::addSpectra(-SpectraInResults);
     } else {
         delete results;
@@ -106,7 +106,7 @@ void XafsSpectrum::normalise(int backgroundType, Debug debug) {
     }
     m_backgroundType = backgroundType;
     // Acquire: whoever shared the results has finished reading them before they are made anew.
-    if (m_results->ref.loadAcquire() != 1) {
+    if (m_results->ref.load(std::memory_order_acquire) != 1) {
         auto* const own = new Results(*m_results);
         release(m_results);
         m_results = own;

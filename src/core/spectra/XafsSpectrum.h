@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QAtomicInt>
 #include <QMetaType>
+#include <atomic>
 #include <cstddef>
 #include <optional>
 
@@ -81,7 +81,7 @@ class XafsSpectrum : public Spectrum {
   private:
     /// What the last normalisation has made.
     struct Results {
-        QAtomicInt ref{1};
+        std::atomic<int> ref{1};
         BgCurve preEdge;
         BgCurve postEdge;
         double midE = 0.0;

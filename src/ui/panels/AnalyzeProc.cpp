@@ -50,14 +50,14 @@ bool AnalyzeProc::isPreparedFor(const QVector<LCFReference*>& panels, const FitR
 
 void AnalyzeProc::prepareFor(const QVector<LCFReference*>& panels, const FitRule& rule) {
     m_revisions.clear();
-    m_usedPanels.clear();
+    m_made.usedPanels.clear();
     QVector<XafsSpectrum> references;
     for (int r = 0; r < panels.size(); ++r) {
         const LCFReference::FitInput& input = panels.at(r)->fitInput();
         m_revisions.push_back(input.revision);
         if (input.used) {
             references.append(input.spectrum);
-            m_usedPanels.push_back(r);
+            m_made.usedPanels.push_back(r);
         }
     }
     m_preparedRule = rule;
@@ -67,24 +67,32 @@ void AnalyzeProc::prepareFor(const QVector<LCFReference*>& panels, const FitRule
 }
 
 void AnalyzeProc::evaluateErrors(const XafsSpectrum& sample) {
-    m_values.clear();
-    m_hadCounts = m_counts != nullptr;
+    m_made.values.clear();
+    m_made.hadCounts = m_counts != nullptr;
     if (m_errors == nullptr) {
         return;
     }
     const FitValues places(m_fit->referenceCount(), true);
-    m_values.resize(static_cast<std::size_t>(places.count()));
-    std::copy(m_dMuts.begin(), m_dMuts.end(), m_values.begin());
-    std::copy(m_ratios.begin(), m_ratios.end(), m_values.begin() + places.ratio(0));
+    m_made.values.resize(static_cast<std::size_t>(places.count()));
+    std::copy(m_made.dMuts.begin(), m_made.dMuts.end(), m_made.values.begin());
+    std::copy(m_made.ratios.begin(), m_made.ratios.end(), m_made.values.begin() + places.ratio(0));
     m_errors->take(0, *m_fit, sample);
-    m_errors->evaluate(1, m_hadCounts ? &m_counts->counts() : nullptr, m_values.data());
+    m_errors->evaluate(1, m_made.hadCounts ? &m_counts->counts() : nullptr, m_made.values.data());
 }
 
 void AnalyzeProc::analyze(const XafsSpectrum& sample, const QVector<LCFReference*>& panels,
                           XafsSpectrum* fitted, LinearFit::Method method) {
-    m_ratios.clear();
-    m_dMuts.clear();
-    m_values.clear();
+    fit(sample, panels, fitted, method);
+    report(panels);
+}
+
+void AnalyzeProc::fit(const XafsSpectrum& sample, const QVector<LCFReference*>& panels,
+                      XafsSpectrum* fitted, LinearFit::Method method) {
+    m_made.isFit = false;
+    m_made.leavesPanels = true;
+    m_made.ratios.clear();
+    m_made.dMuts.clear();
+    m_made.values.clear();
     if (sample.isEmpty() || panels.size() < 2) {
         return;
     }
@@ -94,22 +102,29 @@ void AnalyzeProc::analyze(const XafsSpectrum& sample, const QVector<LCFReference
         prepareFor(panels, rule);
     }
     m_fit->fit(sample);
-    m_ratios = m_fit->ratios();
-    m_dMuts = m_fit->dMuts();
+    m_made.ratios = m_fit->ratios();
+    m_made.dMuts = m_fit->dMuts();
     evaluateErrors(sample);
 
-    // Drawn from the shares that the panels hold: the new ones, or with contAccess the old.
+    // Drawn from the shares that the panels will hold: the new ones, or with contAccess the old.
+    m_made.leavesPanels = m_contAccess;
     m_shares.clear();
-    for (std::size_t u = 0; u < m_usedPanels.size(); ++u) {
-        LCFReference* panel = panels.at(m_usedPanels[u]);
-        if (m_contAccess) {
-            m_shares.push_back(panel->fitInput().storedRatio);
-        } else {
-            panel->setRatio(m_ratios[u]);
-            panel->setDMut(m_dMuts[u]);
-            m_shares.push_back(m_ratios[u]);
-        }
+    for (std::size_t u = 0; u < m_made.usedPanels.size(); ++u) {
+        LCFReference* panel = panels.at(m_made.usedPanels[u]);
+        m_shares.push_back(m_made.leavesPanels ? panel->fitInput().storedRatio : m_made.ratios[u]);
     }
     *fitted = m_fit->fittedCurve(m_shares);
-    emit finished();
+    m_made.isFit = true;
+}
+
+void AnalyzeProc::report(const QVector<LCFReference*>& panels) {
+    m_found = m_made;
+    for (std::size_t u = 0; u < m_found.usedPanels.size() && !m_found.leavesPanels; ++u) {
+        LCFReference* panel = panels.at(m_found.usedPanels[u]);
+        panel->setRatio(m_found.ratios[u]);
+        panel->setDMut(m_found.dMuts[u]);
+    }
+    if (m_found.isFit) {
+        emit finished();
+    }
 }

@@ -71,7 +71,8 @@ Analyzer::Analyzer(Measurement& measurement, QWidget* parent)
     connectOptions();
     connectMaps();
     connectMeasurement();
-    startWorker();
+    connect(this, &Analyzer::analyzeSpectrum0, this, &Analyzer::fitInBackground);
+    connect(m_worker.get(), &AnalyzeProc::finished, this, &Analyzer::analyzeSpectrumFinished);
     followReferences();
     showSettings();
     showFitNumbers();
@@ -89,8 +90,8 @@ QAbstractButton* Analyzer::kindButton(int kind) const {
 
 Analyzer::~Analyzer() {
     disconnect(m_worker.get(), nullptr, this, nullptr);
-    m_thread.quit();
-    m_thread.wait();
+    // A fit reads what belongs to this, and comes to its end.
+    m_thread.end(std::chrono::hours(1));
 }
 
 void Analyzer::connectControls() {

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <QFrame>
-#include <QThread>
 #include <QVector>
 #include <memory>
 #include <optional>
 
+#include "base/Inbox.h"
+#include "base/Worker.h"
 #include "display/Panel.h"
 #include "measurement/Measurement.h"
 
@@ -121,7 +122,8 @@ class Analyzer : public Panel<QFrame> {
     void connectNumber(QLineEdit* field, double Settings::*number);
     void connectEnergy(QLineEdit* field, double Settings::*energy);
     void connectMeasurement();
-    void startWorker();
+    void fitInBackground(const XafsSpectrum& sample, const QVector<LCFReference*>& panels,
+                         XafsSpectrum* fitted, bool isMlcf);
     void showChanges(Measurement::Changes what);
     void showSettings();
     void showOptions();
@@ -162,7 +164,7 @@ class Analyzer : public Panel<QFrame> {
     ReferenceFiles* m_files = nullptr;
     std::unique_ptr<XafsView> m_view;
     std::unique_ptr<AnalyzeProc> m_worker;
-    QThread m_thread;
+    Inbox m_inbox;
 
     bool m_busy = false;
     int m_fitsOut = 0;
@@ -178,4 +180,5 @@ class Analyzer : public Panel<QFrame> {
         bool isSample;
     };
     std::optional<Waiting> m_waiting;
+    Worker m_thread;  // of the fitter
 };

@@ -13,12 +13,21 @@
 #include "panels/LCFReference.h"
 #include "ui_Analyzer.h"
 
-void Analyzer::startWorker() {
-    qRegisterMetaType<QVector<LCFReference*>>("QVector<LCFReference*>");
-    m_worker->moveToThread(&m_thread);
-    connect(this, &Analyzer::analyzeSpectrum0, m_worker.get(), &AnalyzeProc::analyzeSpectrum0);
-    connect(m_worker.get(), &AnalyzeProc::finished, this, &Analyzer::analyzeSpectrumFinished);
-    m_thread.start(QThread::InheritPriority);
+/// Or by the event loop, where there is no thread to be had.
+void Analyzer::fitInBackground(const XafsSpectrum& sample, const QVector<LCFReference*>& panels,
+                               XafsSpectrum* fitted, bool isMlcf) {
+    if (sample.isEmpty() || panels.size() < 2) {
+        m_worker->analyzeSpectrum0(sample, panels, fitted, isMlcf);  // there is none
+        return;
+    }
+    const LinearFit::Method method = isMlcf ? LinearFit::Mlcf : LinearFit::Lcf;
+    const auto fit = [this, sample, panels, fitted, method] {
+        m_worker->fit(sample, panels, fitted, method);
+        m_inbox.post([this, panels] { m_worker->report(panels); });
+    };
+    if (!m_thread.run(fit)) {
+        m_inbox.post(fit);
+    }
 }
 
 void Analyzer::showReferences() {

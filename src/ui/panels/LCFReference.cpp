@@ -153,16 +153,14 @@ const LCFReference::FitInput& LCFReference::fitInput() {
 void LCFReference::setRatio(double ratio) {
     m_ratio = ratio;
     const QString text = QString::asprintf("%5.2f", ratio * 100.0);
-    QMetaObject::invokeMethod(this, [this, text] { showFromStart(m_ui->R, text); });
+    showFromStart(m_ui->R, text);
 }
 
 void LCFReference::setDMut(double dMut) {
     const QString text = fieldText(dMut);
-    QMetaObject::invokeMethod(this, [this, dMut, text] {
-        m_dMut = dMut;
-        showInRoom(m_ui->T, dMut);
-        setOwnToolTip(m_ui->T, m_toolTipOfT + QLatin1String("\n") + text);
-    });
+    m_dMut = dMut;
+    showInRoom(m_ui->T, dMut);
+    setOwnToolTip(m_ui->T, m_toolTipOfT + QLatin1String("\n") + text);
 }
 
 bool LCFReference::eventFilter(QObject* watched, QEvent* event) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QFrame>
-#include <atomic>
 #include <memory>
 
 #include "measurement/Measurement.h"
@@ -13,8 +12,7 @@ class LCFReference;
 /// One row of the analyzer panel: a reference of a measurement, with its background and energy
 /// offset, and what the last fit under the cursor has found for it.
 ///
-/// The fitter's thread reads nothing but the frozen fit input and calls nothing but fitInput(),
-/// setRatio() and setDMut().
+/// The fitter's thread calls nothing but fitInput().
 class LCFReference : public QFrame {
     Q_OBJECT
 
@@ -58,7 +56,7 @@ class LCFReference : public QFrame {
     /// The frozen state; on the panel's own thread the present one.
     const FitInput& fitInput();
 
-    /// Share and edge jump of the last fit: stored at once, shown by the panel's thread.
+    /// Share and edge jump of the last fit.
     void setRatio(double ratio);
     void setDMut(double dMut);
     /// Shows the errors of the last fit, one sigma; NaN: not known.
@@ -102,7 +100,7 @@ class LCFReference : public QFrame {
     QString m_toolTipOfR;
     QString m_toolTipOfT;
     quint64 m_shown = 0;  // revision of what the controls show
-    std::atomic<double> m_ratio{0.0};
+    double m_ratio = 0.0;
     double m_dMut = 0.0;  // all digits of what its field shows
     FitInput m_frozen;
 };

@@ -1,0 +1,52 @@
+#include "base/Inbox.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <deque>
+#include <mutex>
+#include <utility>
+
+struct Inbox::Slit::Shared {
+    std::mutex mutex;
+    Inbox* inbox = nullptr;  // null once it is gone
+    std::deque<Call> calls;
+};
+
+Inbox::Inbox(QObject* parent) : QObject(parent) {
+    m_slit.m_shared = std::make_shared<Slit::Shared>();
+    m_slit.m_shared->inbox = this;
+}
+
+Inbox::~Inbox() {
+    std::deque<Call> dropped;  // without the lock
+    const std::lock_guard<std::mutex> lock(m_slit.m_shared->mutex);
+    m_slit.m_shared->inbox = nullptr;
+    dropped.swap(m_slit.m_shared->calls);
+}
+
+void Inbox::Slit::post(Call call) const {
+    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    if (m_shared->inbox != nullptr) {
+        m_shared->calls.push_back(std::move(call));
+        // With the lock held: the inbox can not go meanwhile.
+        QCoreApplication::postEvent(m_shared->inbox, new QEvent(QEvent::User));
+    }
+}
+
+bool Inbox::event(QEvent* event) {
+    if (event->type() != QEvent::User) {
+        return QObject::event(event);
+    }
+    Call call;
+    {
+        const std::lock_guard<std::mutex> lock(m_slit.m_shared->mutex);
+        if (!m_slit.m_shared->calls.empty()) {
+            call = std::move(m_slit.m_shared->calls.front());
+            m_slit.m_shared->calls.pop_front();
+        }
+    }
+    if (call) {
+        call();  // may destroy this
+    }
+    return true;
+}
