@@ -35,6 +35,12 @@ bool readSpectrumFile(const QString& fileName, XafsSpectrum* spectrum) {
         spectrum->setValid(false);
         return false;
     }
+    readSpectrum(file, spectrum);
+    return true;
+}
+
+void readSpectrum(QIODevice& file, XafsSpectrum* spectrum) {
+    spectrum->clear();
     const bool is9809 = isFirstLineOf9809(QString::fromUtf8(file.readLine()));
     file.seek(0);
     QTextStream in(&file);
@@ -46,7 +52,6 @@ bool readSpectrumFile(const QString& fileName, XafsSpectrum* spectrum) {
     } else {
         readPlain(in, spectrum);
     }
-    return true;
 }
 
 void readPlain(QTextStream& in, XafsSpectrum* spectrum) {
@@ -98,9 +103,10 @@ void read9809(QTextStream& in, XafsSpectrum* spectrum) {
 
 bool writeSpectrumFile(const QString& fileName, const XafsSpectrum& spectrum, bool corrected) {
     WholeDevice file(fileName);
-    if (!file.open()) {
-        return false;
-    }
+    return file.open() && writeSpectrum(file, spectrum, corrected) && file.putInPlace();
+}
+
+bool writeSpectrum(QIODevice& file, const XafsSpectrum& spectrum, bool corrected) {
     QTextStream out(&file);
     out.setCodec("UTF-8");
     out << "###Tarnwick::XafsSpectrum\n";
@@ -111,5 +117,6 @@ bool writeSpectrumFile(const QString& fileName, const XafsSpectrum& spectrum, bo
             << valueOr0(normalised, i) << '\t' << spectrum.value(i) << '\t'
             << valueOr0(spectrum.preEdge(), i) << '\t' << valueOr0(spectrum.postEdge(), i) << '\n';
     }
-    return file.putInPlace(out);
+    out.flush();
+    return out.status() == QTextStream::Ok;
 }

@@ -4,6 +4,7 @@
 
 #include "spectra/PointBuffer.h"
 
+class QIODevice;
 class QTextStream;
 class XafsSpectrum;
 
@@ -14,6 +15,8 @@ class XafsSpectrum;
 /// (not9809). False when the file cannot be opened (one debug line; the spectrum is then empty and
 /// not valid); a file without any data line counts as read. The caller normalises.
 bool readSpectrumFile(const QString& fileName, XafsSpectrum* spectrum);
+/// The same of a device that can seek and is open as text, from its beginning.
+void readSpectrum(QIODevice& file, XafsSpectrum* spectrum);
 
 /// Whether a file's first line is that of the 9809 format.
 bool isFirstLineOf9809(const QString& line);
@@ -42,3 +45,4 @@ Row9809 rowOf9809(const QString& line, double dSpacing);
 /// less the energy correction if asked for. False when the file cannot be written, which leaves an
 /// existing one as it was.
 bool writeSpectrumFile(const QString& fileName, const XafsSpectrum& spectrum, bool corrected);
+bool writeSpectrum(QIODevice& file, const XafsSpectrum& spectrum, bool corrected);

@@ -90,6 +90,10 @@ class Taking {
             }
             return m_taken;
         }
+        return take(file);
+    }
+
+    TakenSpectrum take(QIODevice& file) {
         if (!isText(file.peek(4096))) {
             refuse(Usable::tr("not a text file"));
             return m_taken;
@@ -238,4 +242,8 @@ class Taking {
 
 TakenSpectrum takeSpectrumFile(const QString& fileName) {
     return Taking(fileName).take();
+}
+
+TakenSpectrum takeSpectrum(QIODevice& file, const QString& fileName) {
+    return Taking(fileName).take(file);
 }

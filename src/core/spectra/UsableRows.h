@@ -4,6 +4,8 @@
 
 #include "spectra/XafsSpectrum.h"
 
+class QIODevice;
+
 // What a file of a single spectrum holds for somebody who works with it: a reference, a standard.
 // readSpectrumFile() takes every line for a point; here only what can be one counts.
 
@@ -31,3 +33,5 @@ struct TakenSpectrum {
 /// Not taken are files that cannot be opened (one debug line) or are no text, fewer than five
 /// energies, energies that must be keV, and the 9809 format without its d-spacing or "Offset" line.
 TakenSpectrum takeSpectrumFile(const QString& fileName);
+/// The same of an open device, from its place on; the name is for the texts.
+TakenSpectrum takeSpectrum(QIODevice& file, const QString& fileName);
