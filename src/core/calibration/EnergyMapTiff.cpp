@@ -55,6 +55,31 @@ std::vector<double> shiftsIn(const FloatTiff& image, EMapReading* reading) {
     return shifts;
 }
 
+/// @param why the image could not be read; empty: it was
+EMapReading readImage(const FloatTiff& image, const QString& why, QSize* imageSize,
+                      Analyzed2DRes* map) {
+    EMapReading reading;
+    reading.ofAnyShape = true;
+    const OriginText origin = OriginText::fromText(image.description).value_or(OriginText());
+    const QString source = origin.value(QStringLiteral("result"));
+    reading.why = source.isEmpty() || source == kSource ? why : source;
+    if (!reading.why.isEmpty()) {
+        reading.refusal = EMapRefusal::NoMap;
+        return reading;
+    }
+    QSize size = *imageSize;
+    if (!fitsImage(image.size, &size)) {
+        reading.refusal = EMapRefusal::OtherSize;
+        return reading;
+    }
+    const std::vector<double> shifts = shiftsIn(image, &reading);
+    if (reading.refusal == EMapRefusal::None) {
+        *imageSize = size;
+        putShifts(map, gridOf(image.size, origin), shifts);
+    }
+    return reading;
+}
+
 }  // namespace
 
 bool isTiffMap(const QString& fileName) {
@@ -72,34 +97,19 @@ bool isTiffMapName(const QString& fileName) {
 }
 
 EMapReading readTiffMap(const QString& fileName, QSize* imageSize, Analyzed2DRes* map) {
-    EMapReading reading;
-    reading.ofAnyShape = true;
     FloatTiff image;
-    reading.why = readFloatTiff(placeOf(fileName), &image);
-    const OriginText origin = OriginText::fromText(image.description).value_or(OriginText());
-    const QString source = origin.value(QStringLiteral("result"));
-    if (!source.isEmpty() && source != kSource) {
-        reading.why = source;
-    }
-    if (!reading.why.isEmpty()) {
-        reading.refusal = EMapRefusal::NoMap;
-    }
-    QSize size = *imageSize;
-    if (reading.refusal == EMapRefusal::None && !fitsImage(image.size, &size)) {
-        reading.refusal = EMapRefusal::OtherSize;
-        return reading;
-    }
-    std::vector<double> shifts;
-    if (reading.refusal == EMapRefusal::None) {
-        shifts = shiftsIn(image, &reading);
-    }
-    if (reading.refusal != EMapRefusal::None) {
+    const QString why = readFloatTiff(placeOf(fileName), &image);
+    const EMapReading reading = readImage(image, why, imageSize, map);
+    if (reading.refusal != EMapRefusal::None && reading.refusal != EMapRefusal::OtherSize) {
         debugFile("Invalid Energy Map Data File : ", fileName);
-        return reading;
     }
-    *imageSize = size;
-    putShifts(map, gridOf(image.size, origin), shifts);
     return reading;
+}
+
+EMapReading readTiffMap(QIODevice& in, QSize* imageSize, Analyzed2DRes* map) {
+    FloatTiff image;
+    const QString why = readFloatTiff(in, &image);
+    return readImage(image, why, imageSize, map);
 }
 
 EMapRefusal refusalOfTiff(const Analyzed2DRes& map) {

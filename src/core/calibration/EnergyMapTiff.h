@@ -16,6 +16,8 @@ bool isTiffMapName(const QString& fileName);
 /// shift; the reading tells how many there are. Otherwise as readEMap(), for any shape, and without
 /// any edge energy.
 EMapReading readTiffMap(const QString& fileName, QSize* imageSize, Analyzed2DRes* map);
+/// The same of a device that can seek; a refusal has no debug line of its own.
+EMapReading readTiffMap(QIODevice& in, QSize* imageSize, Analyzed2DRes* map);
 
 /// Why readTiffMap() would refuse the map when it were written.
 EMapRefusal refusalOfTiff(const Analyzed2DRes& map);

@@ -335,6 +335,51 @@ TiffHandle openDevice(Device* device, const char* mode) {
                                      Device::unmap));
 }
 
+QString noTiff() {
+    return FrameHeader::tr("a TIFF file without an image");
+}
+
+FrameHeader headerIn(TIFF* tiff) {
+    if (tiff != nullptr) {
+        return tiffHeader(tiff);
+    }
+    FrameHeader header;
+    header.refusal = noTiff();
+    return header;
+}
+
+QString readFloats(TIFF* tiff, FloatTiff* image) {
+    if (tiff == nullptr) {
+        return noTiff();
+    }
+    const FrameHeader header = floatTiffHeader(tiff);
+    if (!header.refusal.isEmpty()) {
+        return header.refusal;
+    }
+    FloatTiff read;
+    read.size = QSize(static_cast<int>(header.width), static_cast<int>(header.height));
+    read.description = descriptionIn(tiff);
+    try {
+        read.values.resize(static_cast<std::size_t>(header.width) * header.height);
+    } catch (const std::bad_alloc&) {
+        return FrameHeader::tr("too large an image");
+    }
+    for (quint32 y = 0; y < header.height; ++y) {
+        float* const row = read.values.data() + static_cast<std::size_t>(y) * header.width;
+        if (TIFFReadScanline(tiff, row, y, 0) != 1) {
+            return FrameHeader::tr("damaged: %1 of %2 rows can be decoded")
+                .arg(y)
+                .arg(header.height);
+        }
+    }
+    *image = std::move(read);
+    return QString();
+}
+
+QString descriptionOf(TIFF* tiff) {
+    return tiff != nullptr ? descriptionIn(tiff) : QString();
+}
+
 }  // namespace
 
 // The reader of rows finds out which strips are whole only where all of the file is in memory. It
@@ -354,13 +399,12 @@ bool TiffData::readTiff(const QString& name) {
 }
 
 FrameHeader headerOfTiff(const QString& name) {
-    const TiffHandle tiff = openTiff(name, "rm");
-    if (tiff) {
-        return tiffHeader(tiff.get());
-    }
-    FrameHeader header;
-    header.refusal = FrameHeader::tr("a TIFF file without an image");
-    return header;
+    return headerIn(openTiff(name, "rm").get());
+}
+
+FrameHeader readTiffHeader(QIODevice& in) {
+    Device device{&in, 0, {}};
+    return headerIn(openDevice(&device, "rm").get());
 }
 
 QString readTiffFrom(QIODevice& in, TiffData* frame) {
@@ -402,43 +446,32 @@ bool writeFloatTiff(const QString& name, const QSize& size, const FillFloats& fi
 
 QString readFloatTiff(const QString& name, FloatTiff* image) {
     InputFile file;
-    Device device{&file, 0, {}};
-    const TiffHandle tiff = file.openAt(pathsOfFile(name), QIODevice::ReadOnly)
-                                ? openDevice(&device, "rm")
-                                : TiffHandle();
-    if (!tiff) {
-        return FrameHeader::tr("a TIFF file without an image");
-    }
-    const FrameHeader header = floatTiffHeader(tiff.get());
-    if (!header.refusal.isEmpty()) {
-        return header.refusal;
+    if (!file.openAt(pathsOfFile(name), QIODevice::ReadOnly)) {
+        return noTiff();
     }
     FloatTiff read;
-    read.size = QSize(static_cast<int>(header.width), static_cast<int>(header.height));
-    read.description = descriptionIn(tiff.get());
-    try {
-        read.values.resize(static_cast<std::size_t>(header.width) * header.height);
-    } catch (const std::bad_alloc&) {
-        return FrameHeader::tr("too large an image");
-    }
-    for (quint32 y = 0; y < header.height; ++y) {
-        float* const row = read.values.data() + static_cast<std::size_t>(y) * header.width;
-        if (TIFFReadScanline(tiff.get(), row, y, 0) != 1) {
-            return FrameHeader::tr("damaged: %1 of %2 rows can be decoded")
-                .arg(y)
-                .arg(header.height);
-        }
-    }
-    if (file.hasChanged()) {
+    const QString problem = readFloatTiff(file, &read);
+    if (problem.isEmpty() && file.hasChanged()) {
         return InputFile::changedText();
     }
-    *image = std::move(read);
-    return QString();
+    if (problem.isEmpty()) {
+        *image = std::move(read);
+    }
+    return problem;
+}
+
+QString readFloatTiff(QIODevice& in, FloatTiff* image) {
+    Device device{&in, 0, {}};
+    return readFloats(openDevice(&device, "rm").get(), image);
 }
 
 QString tiffDescription(const QString& name) {
-    const TiffHandle tiff = openTiff(name, "rm");
-    return tiff ? descriptionIn(tiff.get()) : QString();
+    return descriptionOf(openTiff(name, "rm").get());
+}
+
+QString tiffDescription(QIODevice& in) {
+    Device device{&in, 0, {}};
+    return descriptionOf(openDevice(&device, "rm").get());
 }
 
 bool writeConstTiff(const QString& name, quint32 width, quint32 height, quint16 value) {

@@ -6,6 +6,10 @@
 #include <functional>
 #include <vector>
 
+#include "frames/FrameHeader.h"
+
+class QIODevice;
+
 /// Writes width x height 16-bit values, row after row, as an uncompressed single-channel TIFF.
 ///
 /// Rows per strip is the image's width, and after each strip the place in the data moves on by
@@ -47,9 +51,16 @@ bool writeFloatTiff(const QString& name, const QSize& size, const FillFloats& fi
 /// then.
 QString readFloatTiff(const QString& name, FloatTiff* image);
 
+/// The same of a device that can seek.
+QString readFloatTiff(QIODevice& in, FloatTiff* image);
+
+/// The header of a frame in a device that can seek, see frameHeader().
+FrameHeader readTiffHeader(QIODevice& in);
+
 /// The description in a TIFF file, of which no pixel is read; empty where there is none, or where
 /// the file cannot be opened as TIFF.
 QString tiffDescription(const QString& name);
+QString tiffDescription(QIODevice& in);
 
 /// A frame whose every pixel holds the value, also when taller than wide.
 bool writeConstTiff(const QString& name, quint32 width, quint32 height, quint16 value);
