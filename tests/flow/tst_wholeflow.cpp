@@ -20,8 +20,8 @@ double fractionOfA(int x, int y) {
 
 }  // namespace
 
-using Action = std::function<void(Body&)>;
-Q_DECLARE_METATYPE(Action)
+using Act = std::function<void(Body&)>;
+Q_DECLARE_METATYPE(Act)
 
 /// Batches on a small measurement: they give what is known of it, and whatever is wrong in them and
 /// whatever a user does meanwhile, each line is answered once, in its turn, up to the end.
@@ -33,7 +33,7 @@ class TestWholeFlow : public QObject {
     QStringList m_lines;
 
     /// Does something once in the middle of the first analysis.
-    void during(Body& body, const Action& action) {
+    void during(Body& body, const Act& action) {
         auto* once = new QObject(&body);
         connect(&body, &Body::analysisProgress, once, [&body, once, action](double percent) {
             if (percent > 0.0 && percent < 100.0) {
@@ -116,10 +116,10 @@ class TestWholeFlow : public QObject {
 
     void whateverHappens_data() {
         // problems: "what" is one
-        columns<Action, int>("action", "problems");
+        columns<Act, int>("action", "problems");
         const QString i1 = m_large->file("i1-7000_000eV.tif");
         const QString i0 = m_large->file("i0-7000_000eV.tif");
-        const auto row = [](const char* name, int problems, const Action& action) {
+        const auto row = [](const char* name, int problems, const Act& action) {
             QTest::newRow(name) << action << problems;
         };
         row("nothing", 1, [](Body&) {});
@@ -145,7 +145,7 @@ class TestWholeFlow : public QObject {
     }
 
     void whateverHappens() {
-        QFETCH(Action, action);
+        QFETCH(Act, action);
         QFETCH(int, problems);
         Body body;
         BatchRun batch(body);

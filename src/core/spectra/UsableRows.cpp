@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -90,16 +91,16 @@ class Taking {
             }
             return m_taken;
         }
-        return take(file);
+        return take(file, [&file] { return !file.hasChanged(); });
     }
 
-    TakenSpectrum take(QIODevice& file) {
+    TakenSpectrum take(QIODevice& file, const std::function<bool()>& isAsOpened) {
         if (!isText(file.peek(4096))) {
             refuse(Usable::tr("not a text file"));
             return m_taken;
         }
         const QByteArray content = file.readAll();
-        if (file.hasChanged()) {
+        if (!isAsOpened()) {
             refuse(InputFile::changedText());
             return m_taken;
         }
@@ -245,5 +246,5 @@ TakenSpectrum takeSpectrumFile(const QString& fileName) {
 }
 
 TakenSpectrum takeSpectrum(QIODevice& file, const QString& fileName) {
-    return Taking(fileName).take(file);
+    return Taking(fileName).take(file, [] { return true; });
 }

@@ -6,6 +6,7 @@
 
 #include "base/CleanEnd.h"
 #include "batch/BatchText.h"
+#include "files/UnfinishedFile.h"
 #include "tarnwick-batch/AskedBatch.h"
 #include "tarnwick-batch/BatchSession.h"
 #include "tarnwick-batch/Folders.h"
@@ -50,7 +51,7 @@ class BatchRuns {
     BatchText m_text;
     Folders m_folders;
     QElapsedTimer m_sinceStart;
-    CleanEnd m_cleanEnd;
+    CleanEnd m_cleanEnd{removeUnfinishedFiles};
     Progress m_progress;
     RunReport m_report;
     LateFile m_reportFile;

@@ -18,6 +18,7 @@
 #include "base/Memory.h"
 #include "base/MemoryEnd.h"
 #include "batch/BatchCheck.h"
+#include "files/UnfinishedFile.h"
 #include "tarnwick-batch/AskedBatch.h"
 #include "tarnwick-batch/BatchRuns.h"
 #include "tarnwick-batch/BatchStages.h"
@@ -185,6 +186,7 @@ int main(int argc, char** argv) {
     prepareForLimit();
     keepNoFreeMemory();
     endInOrderWithoutMemory("tarnwick-batch");
+    beforeEndWithoutMemory(removeUnfinishedFiles);
     prepareEnvironment();
     initGlobals();
     QFile out;

@@ -10,6 +10,7 @@
 #include "base/CleanEnd.h"
 #include "base/Globals.h"
 #include "base/MemoryEnd.h"
+#include "files/UnfinishedFile.h"
 #include "panels/BatchCtrl.h"
 #include "window/Body.h"
 #include "window/CommandLine.h"
@@ -42,6 +43,7 @@ int tell(bool help, int argc, char** argv) {
 int runTarnwick(int argc, char** argv) {
     prepareForLimit();
     endInOrderWithoutMemory("tarnwick");
+    beforeEndWithoutMemory(removeUnfinishedFiles);
     letWritesFail();
     initGlobals();
     const CommandLine asked = readCommandLine(argc, argv);
@@ -71,7 +73,7 @@ int runTarnwick(int argc, char** argv) {
     if (!commandLine.execute) {
         Remembered::shared().keep();
     }
-    CleanEnd cleanEnd;
+    CleanEnd cleanEnd(removeUnfinishedFiles);
     Body body;
     QObject::connect(&body, SIGNAL(finishing()), &app, SLOT(closeAllWindows()));
     // Who ends the program from outside can not be asked.
