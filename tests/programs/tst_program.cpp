@@ -436,6 +436,27 @@ class TestProgram : public QObject {
         QVERIFY(worstError(fractions, [](int x, int y) { return 1.0 - fractionOfA(x, y); }) < 2e-4);
     }
 
+    /// What is written at the end of a run that does not come.
+    void killed() {
+        put(file("r.json"), "old");
+        QProcess process;
+        start(&process, {"--report", file("r.json"), "--summary", file("s.csv"),
+                         batchOf(QStringList{":for i %i 1 1000000", "set_band_w %i", ":next i"})});
+        QByteArray out;
+        while (out.count("next i") < 3) {
+            QVERIFY2(process.waitForReadyRead(60000), out.constData());
+            out += process.readAllStandardOutput();
+        }
+        process.kill();
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(contentOf(file("r.json")), QByteArray("old"));
+        QVERIFY(!QFile::exists(file("s.csv")));
+        for (const QString& left :
+             QDir(m_dir.path()).entryList({"*part"}, QDir::Files | QDir::Hidden)) {
+            QVERIFY(left.startsWith(".r.json.") && QFile::remove(file(left)));
+        }
+    }
+
     void interrupted_data() {
         columns<int, QString>("number", "line");
         QTest::newRow("while it loads")

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <QtGlobal>
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -38,18 +39,18 @@ bool WholeFile::failed() {
 bool WholeFile::write(const void* bytes, std::size_t size) {
     const char* from = static_cast<const char*>(bytes);
     for (std::size_t left = size; m_error == 0 && left > 0;) {
-        const ssize_t written = ::write(descriptor(), from, left);
+        const ssize_t written = ::write(descriptor(), from, std::min(left, WritebackBytes));
         if (written > 0) {
             from += written;
             left -= static_cast<std::size_t>(written);
+            m_notStarted += static_cast<std::size_t>(written);
         } else if (written == 0 || errno != EINTR) {
             return failed();
         }
-    }
-    m_notStarted += size;
-    if (m_error == 0 && m_notStarted >= WritebackBytes) {
-        startWriteback();
-        m_notStarted = 0;
+        if (m_notStarted >= WritebackBytes) {
+            startWriteback();
+            m_notStarted = 0;
+        }
     }
     return m_error == 0;
 }
