@@ -438,9 +438,9 @@ class TestProgram : public QObject {
 
     /// What is written at the end of a run that does not come.
     void killed() {
-        put(file("r.json"), "old");
+        put(file("killed.json"), "old");
         QProcess process;
-        start(&process, {"--report", file("r.json"), "--summary", file("s.csv"),
+        start(&process, {"--report", file("killed.json"), "--summary", file("killed.csv"),
                          batchOf(QStringList{":for i %i 1 1000000", "set_band_w %i", ":next i"})});
         QByteArray out;
         while (out.count("next i") < 3) {
@@ -449,11 +449,11 @@ class TestProgram : public QObject {
         }
         process.kill();
         QVERIFY(process.waitForFinished(60000));
-        QCOMPARE(contentOf(file("r.json")), QByteArray("old"));
-        QVERIFY(!QFile::exists(file("s.csv")));
+        QCOMPARE(contentOf(file("killed.json")), QByteArray("old"));
+        QVERIFY(!QFile::exists(file("killed.csv")));
         for (const QString& left :
              QDir(m_dir.path()).entryList({"*part"}, QDir::Files | QDir::Hidden)) {
-            QVERIFY(left.startsWith(".r.json.") && QFile::remove(file(left)));
+            QVERIFY(left.startsWith(".killed.json.") && QFile::remove(file(left)));
         }
     }
 

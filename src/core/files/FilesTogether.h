@@ -57,6 +57,8 @@ class FilesTogether {
         QString name;
     };
 
+    std::vector<char> syncAll();
+
     FilesTogether* m_outer;
     QString m_name;
     std::vector<Entry> m_files;
