@@ -1,13 +1,20 @@
+#include <QBuffer>
+#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <cmath>
 
+#include <sys/resource.h>
+
 #include "DebugLines.h"
 #include "Files.h"
 #include "FullDisk.h"
+#include "SameBits.h"
 #include "TestMain.h"
+#include "base/Limits.h"
 #include "calibration/EnergyMapFile.h"
+#include "calibration/NumberScan.h"
 #include "maps/AnalysisGrid.h"
 #include "maps/Analyzed2DRes.h"
 #include "spectra/Spectrum.h"
@@ -225,6 +232,151 @@ class TestEnergyMapFile : public QObject {
             QVERIFY(std::abs(map.valueAt(2, 2)) < 1e-9);
         } else {
             QCOMPARE(map.valueAt(2, 2), shiftOf(0.9, 7112.5, 3.13553));
+        }
+    }
+
+    /// Not one array of its size beside the map, and one line for all that is missing.
+    void aShortMapTakesTheMemoryOfItsPixels() {
+        const auto mostResident = [] {
+            rusage use{};
+            getrusage(RUSAGE_SELF, &use);
+            return qint64(use.ru_maxrss) * 1024;
+        };
+        constexpr int Size = 4096;
+        const qint64 pixels = qint64(Size) * Size;
+        const QString name = written(goodHeader(Size), "0.001 0");
+        Analyzed2DRes map;
+        QSize none(-1, -1);
+        const DebugLines debug;
+        const qint64 before = mostResident();
+        const EMapReading reading = readEMap(name, 0.0, &none, &map);
+        const qint64 taken = mostResident() - before;
+        QVERIFY2(taken < pixels * 3 / 2 * qint64(sizeof(double)), QByteArray::number(taken));
+        QVERIFY(reading.refusal == EMapRefusal::None);
+        QCOMPARE(reading.missing, pixels - 2);
+        QCOMPARE(debug.all().filter("run out!"),
+                 QStringList(QStringLiteral("run out! %1").arg(pixels - 2)));
+        QCOMPARE(map.valueAt(0, 0), shiftOf(0.001, 7112.5, 3.13553));
+        QCOMPARE(map.valueAt(Size - 1, Size - 1), shiftOf(0.0, 7112.5, 3.13553));
+        QCOMPARE(map.dataMin(), std::min(map.valueAt(0, 0), map.valueAt(1, 0)));
+    }
+
+    void numbersAreThoseOfQt() {
+        QStringList texts = {"inf",
+                             "-inf",
+                             "+inf",
+                             "nan",
+                             "NaN",
+                             "-nan",
+                             "infinity",
+                             "1e5",
+                             "1E5",
+                             "0x10",
+                             "+1",
+                             "-0",
+                             "+-1",
+                             "1,5",
+                             "1.",
+                             ".5",
+                             ".",
+                             "-.",
+                             "e5",
+                             "1e",
+                             "1e+",
+                             "1e400",
+                             "-1e400",
+                             "1e-400",
+                             "4.9e-324",
+                             "2e-324",
+                             "1e-310",
+                             "0e999",
+                             "1d5",
+                             "1_0",
+                             "1f",
+                             "",
+                             "0.1",
+                             "00017",
+                             "1e0005",
+                             "1.7e308",
+                             "9007199254740993",
+                             "123456789012345678901234567890.5",
+                             QString::fromUtf8("１"),
+                             QString::fromUtf8("−1"),
+                             "1\u00e9"};
+        texts << QString(3000, '7') << "0." + QString(5000, '0') + "1" << QString("1") + QChar(0);
+        QRandomGenerator random(1);
+        const QString letters("0123456789012345678901234567890123456789....--++eEeE,xnaif");
+        for (int i = 0; i < 60000; ++i) {
+            QString text;
+            for (int n = 1 + random.bounded(i % 2 == 0 ? 6 : 40); n > 0; --n) {
+                text += letters[random.bounded(letters.size())];
+            }
+            texts << text << QString::number(random.generateDouble() - 0.5, 'g', i % 20);
+        }
+        for (const QString& text : texts) {
+            bool expectedIs = false;
+            const double expected = text.toDouble(&expectedIs);
+            bool is = !expectedIs;
+            const double found = numberIn(text, &is);
+            QVERIFY2(is == expectedIs && same(found, expected), qPrintable(text));
+        }
+    }
+
+    /// The same texts as the stream's own, wherever its pieces end.
+    void textsAreThoseOfTheStream_data() {
+        columns<QByteArray>("start");
+        QTest::newRow("plain") << QByteArray();
+        QTest::newRow("marked") << QByteArray("\xef\xbb\xbf");
+        QTest::newRow("not of UTF-8") << QByteArray("\xff\xc3 1 \xe2\x80 2 ");
+        QTest::newRow("blanks of all kinds") << QByteArray(
+            "1\r\n2\t3\v4\f5\xc2\xa0"
+            "6\xe2\x80\x83"
+            "7\xe3\x80\x80 8\xe2\x80\xa8");
+        QTest::newRow("of two bytes") << QByteArray("\xff\xfe");
+    }
+    void textsAreThoseOfTheStream() {
+        QFETCH(QByteArray, start);
+        QByteArray text = start;
+        for (int i = 0; text.size() < 200000; ++i) {
+            text += QByteArray::number(1.0 / (i + 1), 'g', i % 17) + QByteArray(1 + i % 3, ' ');
+        }
+        const auto read = [&](auto all) {
+            QBuffer buffer(&text);
+            buffer.open(QIODevice::ReadOnly);
+            QTextStream stream(&buffer);
+            stream.setCodec("UTF-8");
+            return all(stream);
+        };
+        const auto expected = read([](QTextStream& stream) {
+            std::vector<double> values;
+            for (stream.skipWhiteSpace(); !stream.atEnd(); stream.skipWhiteSpace()) {
+                QString item;
+                stream >> item;
+                values.push_back(item.toDouble());
+            }
+            return values;
+        });
+        const auto found = read([](QTextStream& stream) {
+            std::vector<double> values;
+            bool is = false;
+            for (NumberScan scan(stream); !scan.isAtEnd();) {
+                values.push_back(scan.next(&is));
+            }
+            return values;
+        });
+        QVERIFY(!found.empty() && found == expected);
+    }
+
+    void aTextWithoutEndIsNoNumber() {
+        QByteArray text(Limits::LongestNumber, '0');
+        text += " " + text + "0 7";
+        QTextStream stream(text);
+        NumberScan scan(stream);
+        for (const bool expected : {true, false, true}) {
+            bool is = !expected;
+            const double value = scan.next(&is);
+            QCOMPARE(value, scan.isAtEnd() ? 7.0 : 0.0);
+            QCOMPARE(is, expected);
         }
     }
 

@@ -2,20 +2,21 @@
 
 #include <QDateTime>
 #include <QDebug>
-#include <QFileInfo>
 #include <QRectF>
 #include <QTextStream>
+#include <algorithm>
 #include <cmath>
-#include <functional>
 #include <memory>
 #include <new>
 #include <vector>
 
 #include "base/DebugLog.h"
+#include "base/Limits.h"
+#include "calibration/NumberScan.h"
 #include "files/FilePlaces.h"
 #include "files/InputFile.h"
 #include "files/WholeDevice.h"
-#include "files/WholeFile.h"
+#include "frames/FrameHeader.h"
 #include "maps/AnalysisGrid.h"
 #include "maps/Analyzed2DRes.h"
 #include "spectra/Spectrum.h"
@@ -23,8 +24,7 @@
 
 namespace {
 
-constexpr qint64 kMostPixels = qint64(1) << 28;
-constexpr qint64 kLongestLine = 1 << 16;  // of a header; keeps a foreign binary file out of memory
+constexpr qint64 kLeastOfValue = 2;  // bytes, with the blank
 constexpr double kHalfHeight = 0.5;
 constexpr int kRisingEdge = 0;
 constexpr double kLeastSpacing = 0.1;  // angstrom; crystals and multilayers lie far inside
@@ -71,16 +71,28 @@ QString firstItem(const QString& line, QLatin1String label) {
     return line.mid(label.size()).simplified().section(QLatin1Char(' '), 0, 0);
 }
 
-/// Whether a map of this size can be held. The memory is tried before the present map is given up.
-bool sizeIsUsable(const EMPHeader& header) {
+/// Whether a map of this size can be held, of which a file holds so many values at the most. The
+/// memory is tried before the present map is given up.
+bool sizeIsUsable(const EMPHeader& header, qint64 valuesInFile) {
     const qint64 pixels = qint64(header.width) * header.height;
-    if (header.width < 0 || header.height < 0 || pixels > kMostPixels) {
+    if (header.width < 0 || header.height < 0 || pixels > Limits::MostPixels) {
         return false;
     }
-    constexpr size_t kArrays = 3;  // the values, as read and in the map, and the processed ones
-    const std::unique_ptr<double[]> trial(new (std::nothrow) double[size_t(pixels) * kArrays]);
+    const auto values = size_t(pixels + std::min(pixels, valuesInFile));
+    const std::unique_ptr<double[]> trial(new (std::nothrow) double[values]);
     return trial != nullptr;
 }
+
+/// What the angles of a file are, as changes of energy.
+struct ShiftOfAngle {
+    double edgeEnergy;  // eV
+    double spacing;     // angstrom
+    double angle0 = braggAngle(edgeEnergy, spacing);
+
+    double operator()(double angle) const {
+        return edgeEnergy - energyOfAngle(angle + angle0, spacing);
+    }
+};
 
 AnalysisGrid gridOf(const EMPHeader& header) {
     // In doubles, since corners from a file may lie farther apart than an integer holds.
@@ -95,23 +107,16 @@ bool isUsable(double edgeEnergy, double spacing) {
            std::isfinite(edgeEnergy) && braggAngle(edgeEnergy, spacing) > 0.0;
 }
 
-/// The shifts that belong to the angles behind a header, row by row; what the file says too little
-/// or too much is noted in *reading. Stops at a shift that cannot be.
-std::vector<double> readShifts(QTextStream& stream, double edgeEnergy, double spacing,
-                               qint64 pixels, EMapReading* reading) {
-    const double angle0 = braggAngle(edgeEnergy, spacing);
-    const auto shiftOf = [&](double angle) {
-        return edgeEnergy - energyOfAngle(angle + angle0, spacing);
-    };
+/// The shifts that belong to the angles behind a header, as many as there are, row by row; what the
+/// file says too little or too much is noted in *reading. Stops at a shift that cannot be.
+std::vector<double> readShifts(QTextStream& stream, const ShiftOfAngle& shiftOf, qint64 pixels,
+                               EMapReading* reading) {
     std::vector<double> shifts;
-    shifts.reserve(size_t(pixels));
-    QString item;
+    NumberScan numbers(stream);
     // Each row ends with a blank, so white space may be all that is left.
-    for (stream.skipWhiteSpace(); qint64(shifts.size()) < pixels && !stream.atEnd();
-         stream.skipWhiteSpace()) {
-        stream >> item;
+    while (qint64(shifts.size()) < pixels && !numbers.isAtEnd()) {
         bool isNumber = false;
-        const double shift = shiftOf(item.toDouble(&isNumber));
+        const double shift = shiftOf(numbers.next(&isNumber));
         reading->noNumbers += isNumber ? 0 : 1;
         if (!isUsableShift(shift)) {
             reading->refusal = EMapRefusal::Shift;
@@ -119,11 +124,10 @@ std::vector<double> readShifts(QTextStream& stream, double edgeEnergy, double sp
         }
         shifts.push_back(shift);
     }
-    reading->goesOn = !stream.atEnd();
+    reading->goesOn = !numbers.isAtEnd();
     reading->missing = pixels - qint64(shifts.size());
     if (reading->missing > 0) {
         qDebug() << "run out!" << reading->missing;
-        shifts.resize(size_t(pixels), shiftOf(0.0));
     }
     return shifts;
 }
@@ -195,12 +199,17 @@ bool fitsImage(const QSize& size, QSize* imageSize) {
     return true;
 }
 
-void putShifts(Analyzed2DRes* map, const AnalysisGrid& grid, const std::vector<double>& shifts) {
+void putShifts(Analyzed2DRes* map, const AnalysisGrid& grid, const std::vector<double>& shifts,
+               double missing) {
     map->startOver(grid);
+    const auto width = static_cast<size_t>(grid.width);
+    std::vector<double> row(width);
     for (int y = 0; y < grid.height; ++y) {
-        for (int x = 0; x < grid.width; ++x) {
-            map->setData(x, y, 0, 0, shifts[size_t(y) * size_t(grid.width) + size_t(x)]);
-        }
+        const size_t first = std::min(size_t(y) * width, shifts.size());
+        const auto here = shifts.begin() + static_cast<std::ptrdiff_t>(first);
+        const auto end = here + static_cast<std::ptrdiff_t>(std::min(width, shifts.size() - first));
+        std::fill(std::copy(here, end, row.begin()), row.end(), missing);
+        map->setRow(0, 1, y, 0, 0, row.data(), 1, grid.width);
     }
     map->updateExtremes();
     map->genImg();
@@ -211,7 +220,7 @@ EMPHeader readEMapHeader(QTextStream& stream) {
     if (stream.atEnd()) {
         return header;
     }
-    const QString tag = stream.readLine(kLongestLine);
+    const QString tag = stream.readLine(Limits::LongestHeaderLine);
     if (!tag.startsWith(kShortTag) && !tag.startsWith(kTag)) {
         qDebug() << "Not a emp file.";
         return header;
@@ -220,7 +229,7 @@ EMPHeader readEMapHeader(QTextStream& stream) {
     bool energySeen = false;
     bool spacingSeen = false;
     while (!stream.atEnd()) {
-        const QString line = stream.readLine(kLongestLine);
+        const QString line = stream.readLine(Limits::LongestHeaderLine);
         if (line.startsWith(kDataFollows)) {
             break;
         }
@@ -245,60 +254,78 @@ EMPHeader readEMapHeader(QTextStream& stream) {
 
 namespace {
 
-EMapReading readFrom(QIODevice& in, double edgeEnergy, QSize* imageSize, Analyzed2DRes* map,
-                     const std::function<bool()>& isAsOpened) {
+/// What a file holds, once nothing is against it.
+struct EMapContent {
+    AnalysisGrid grid;
+    QSize size;
+    std::vector<double> shifts;
+    double missing = 0.0;  ///< the shift where it ends too early
+};
+
+EMapReading readContent(QIODevice& in, double edgeEnergy, const QSize& imageSize,
+                        EMapContent* content) {
     EMapReading reading;
     QTextStream stream(&in);
     stream.setCodec("UTF-8");
     const EMPHeader header = readEMapHeader(stream);
     const double edge = edgeEnergy > 0.0 ? edgeEnergy : header.stdEdgeEnergy;
-    if (!header.ok || !sizeIsUsable(header)) {
+    content->size = imageSize;
+    if (!header.ok) {
         reading.refusal = EMapRefusal::NoMap;
-        return reading;
-    }
-    if (!isUsable(edge, header.spacing)) {
+    } else if (!sizeIsUsable(header, in.size() / kLeastOfValue)) {
+        reading.refusal = EMapRefusal::NoMap;
+        reading.why = FrameHeader::tr("too large an image");
+    } else if (!isUsable(edge, header.spacing)) {
         reading.refusal = EMapRefusal::EdgeEnergy;
-        return reading;
-    }
-    QSize size = *imageSize;
-    if (!fitsImage(QSize(header.width, header.height), &size)) {
+    } else if (!fitsImage(QSize(header.width, header.height), &content->size)) {
         reading.refusal = EMapRefusal::OtherSize;
-        return reading;
-    }
-    debugTimed(QStringLiteral("Start Reading EMP file "));
-    const std::vector<double> shifts =
-        readShifts(stream, edge, header.spacing, qint64(header.width) * header.height, &reading);
-    if (!isAsOpened()) {
-        reading.refusal = EMapRefusal::NoFile;
-        reading.why = InputFile::changedText();
-    }
-    if (reading.refusal == EMapRefusal::None) {
-        *imageSize = size;
-        putShifts(map, gridOf(header), shifts);
-        debugTimed(QStringLiteral("End Reading EMP file   "));
+    } else {
+        debugTimed(QStringLiteral("Start Reading EMP file "));
+        const ShiftOfAngle shiftOf{edge, header.spacing};
+        content->grid = gridOf(header);
+        content->missing = shiftOf(0.0);
+        content->shifts =
+            readShifts(stream, shiftOf, qint64(header.width) * header.height, &reading);
     }
     return reading;
+}
+
+void takeContent(const EMapContent& content, QSize* imageSize, Analyzed2DRes* map) {
+    *imageSize = content.size;
+    putShifts(map, content.grid, content.shifts, content.missing);
+    debugTimed(QStringLiteral("End Reading EMP file   "));
 }
 
 }  // namespace
 
 EMapReading readEMap(QIODevice& in, double edgeEnergy, QSize* imageSize, Analyzed2DRes* map) {
-    return readFrom(in, edgeEnergy, imageSize, map, [] { return true; });
+    EMapContent content;
+    const EMapReading reading = readContent(in, edgeEnergy, *imageSize, &content);
+    if (reading.refusal == EMapRefusal::None) {
+        takeContent(content, imageSize, map);
+    }
+    return reading;
 }
 
 EMapReading readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize,
                      Analyzed2DRes* map) {
+    EMapReading reading;
     InputFile file(placeOf(fileName));
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         debugFile("Can not open", fileName);
-        EMapReading none;
-        none.refusal = EMapRefusal::NoFile;
-        none.why = file.isNoFile() ? file.whyNot() : QString();
-        return none;
+        reading.refusal = EMapRefusal::NoFile;
+        reading.why = file.isNoFile() ? file.whyNot() : QString();
+        return reading;
     }
-    const EMapReading reading =
-        readFrom(file, edgeEnergy, imageSize, map, [&file] { return !file.hasChanged(); });
-    if (reading.refusal != EMapRefusal::None && reading.refusal != EMapRefusal::OtherSize) {
+    EMapContent content;
+    reading = readContent(file, edgeEnergy, *imageSize, &content);
+    if (reading.refusal != EMapRefusal::OtherSize && file.hasChanged()) {
+        reading.refusal = EMapRefusal::NoFile;
+        reading.why = InputFile::changedText();
+    }
+    if (reading.refusal == EMapRefusal::None) {
+        takeContent(content, imageSize, map);
+    } else if (reading.refusal != EMapRefusal::OtherSize) {
         debugFile("Invalid Energy Map Data File : ", fileName);
     }
     return reading;

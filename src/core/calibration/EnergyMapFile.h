@@ -67,8 +67,9 @@ bool isUsableShift(double shift);
 /// one debug line.
 bool fitsImage(const QSize& size, QSize* imageSize);
 
-/// Makes a map of shifts, row by row, as many as the pixels of the grid.
-void putShifts(Analyzed2DRes* map, const AnalysisGrid& grid, const std::vector<double>& shifts);
+/// Makes a map of shifts, row by row; pixels of the grid beyond them get the one that is missing.
+void putShifts(Analyzed2DRes* map, const AnalysisGrid& grid, const std::vector<double>& shifts,
+               double missing = 0.0);
 
 /// Replaces @p map by the one in the file. The angles become shifts with @p edgeEnergy (eV) when it
 /// is above 0, else with the file's own edge energy, and with the file's d-spacing.
