@@ -496,6 +496,20 @@ class TestProgram : public QObject {
         }
     }
 
+    void takesItsBatchFromAPipe() {
+        for (const char* name : {"-", "/dev/stdin"}) {
+            QProcess process;
+            start(&process, {name});
+            process.write(":echo begun\nset_band_w 1\nset_band_w x\n");
+            process.closeWriteChannel();
+            QVERIFY(process.waitForFinished(60000));
+            QCOMPARE(process.exitCode(), 1);
+            QVERIFY(process.readAllStandardOutput().endsWith(
+                "2 lines done, 0 with a warning, 1 failed: line 3 (set_band_w)\n"));
+        }
+        QCOMPARE(runWith({"/dev/zero"}).code, 2);
+    }
+
     void interruptedWhereAFileDoesNotAnswer_data() {
         columns<QString>("line");
         QTest::newRow("in the thread of a reader") << "load_I1_files NEW dead";

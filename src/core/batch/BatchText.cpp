@@ -5,6 +5,23 @@
 
 #include "batch/LineItems.h"
 
+namespace {
+
+/// False where there is no end, or none in sight, as of a device.
+bool readToEnd(QIODevice* device, QByteArray* content) {
+    constexpr int MostBytes = 1 << 26;
+    constexpr qint64 Piece = 1 << 16;
+    for (QByteArray piece = device->read(Piece); !piece.isEmpty(); piece = device->read(Piece)) {
+        if (content->size() + piece.size() > MostBytes) {
+            return false;
+        }
+        content->append(piece);
+    }
+    return true;
+}
+
+}  // namespace
+
 QString readLogicalLine(const QStringList& lines, int* index) {
     QString line = lines.value(*index);
     while (hasContinuation(line) && *index + 1 < lines.size()) {
@@ -16,10 +33,11 @@ QString readLogicalLine(const QStringList& lines, int* index) {
 
 bool readBatchFile(const QString& fileName, QStringList* lines) {
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    QByteArray content;
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text) || !readToEnd(&file, &content)) {
         return false;
     }
-    QTextStream in(&file);
+    QTextStream in(content);
     in.setCodec("UTF-8");
     lines->clear();
     QString line;

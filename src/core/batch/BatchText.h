@@ -11,7 +11,8 @@
 /// when *index is outside the list.
 QString readLogicalLine(const QStringList& lines, int* index);
 
-/// Reads a batch file (UTF-8) into its lines, without line ends. False if it cannot be opened.
+/// Reads a batch file (UTF-8), which may be a pipe, into its lines, without line ends. False if it
+/// cannot be opened or does not end within 64 MB.
 bool readBatchFile(const QString& fileName, QStringList* lines);
 
 /// A batch as it is dispatched unattended: blank lines dropped, since they would be reported as

@@ -10,8 +10,10 @@
 
 AskedBatch AskedBatch::read(const RunnerOptions& options) {
     AskedBatch batch;
-    batch.file = QFileInfo(options.file).absoluteFilePath();
-    if (!readBatchFile(options.file, &batch.lines)) {
+    const QString file =
+        options.file == QLatin1String("-") ? QStringLiteral("/dev/stdin") : options.file;
+    batch.file = QFileInfo(file).absoluteFilePath();
+    if (!readBatchFile(file, &batch.lines)) {
         batch.problem = QStringLiteral("cannot open ") + options.file;
         return batch;
     }

@@ -36,9 +36,10 @@ void fill(QCommandLineParser* parser) {
     }
     parser->addOption(helpOption());
     parser->addOption(versionOption());
-    parser->addPositionalArgument(QStringLiteral("FILE"),
-                                  QStringLiteral("The batch file, or the saved result."),
-                                  QStringLiteral("FILE"));
+    parser->addPositionalArgument(
+        QStringLiteral("FILE"),
+        QStringLiteral("The batch file (- is standard input), or the saved result."),
+        QStringLiteral("FILE"));
 }
 
 /// The rows whose options are given.

@@ -114,6 +114,12 @@ int checkAll(const AskedBatch& batch, const RunnerOptions& options, Console& con
     return worst;
 }
 
+/// Read once: a pipe has it only once.
+const AskedBatch& askedBatch(const RunnerOptions& options) {
+    static const AskedBatch batch = AskedBatch::read(options);
+    return batch;
+}
+
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     QStringList args;
     for (int i = 0; i < argc; ++i) {
@@ -124,7 +130,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
         args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h"));
     const RunnerOptions options = asksForHelp ? RunnerOptions() : RunnerOptions::parse(args);
     if (!asksForHelp && options.action == RunnerOptions::Action::Run &&
-        AskedBatch::read(options).drawsLetters()) {
+        askedBatch(options).drawsLetters()) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         needAddressSpace(LettersRoom);
         return std::make_unique<WithoutMemoryEnds<QGuiApplication>>(argc, argv);
@@ -167,7 +173,7 @@ int perform(const RunnerOptions& options, Console& console) {
         case RunnerOptions::Action::Run:
             break;
     }
-    const AskedBatch batch = AskedBatch::read(options);
+    const AskedBatch& batch = askedBatch(options);
     if (!batch.problem.isEmpty()) {
         console.note(QStringLiteral("tarnwick-batch: ") + batch.problem);
         return BatchSession::BadUsage;
