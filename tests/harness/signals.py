@@ -104,9 +104,9 @@ class Check(common.Part):
         subprocess.run([sys.argv[2], self.samples[name], *options], check=True,
                        stdout=subprocess.DEVNULL)
 
-    def batch(self, sample, text):
+    def batch(self, sample, text, band=1):
         self.place.job.write_text(text.format(
-            sample=self.samples.get(sample), many=self.root / "many", band=1))
+            sample=self.samples.get(sample), many=self.root / "many", band=band))
         return str(self.place.job)
 
     def told(self, name, command, marker=None, spread=0.5, codes=None, said="Interrupted", **how):
@@ -232,7 +232,7 @@ class Check(common.Part):
         work = self.root / "work"
         shutil.rmtree(work, ignore_errors=True)
         return self.told(name, [self.program, "--work", str(work), *options, self.batch(
-            "large", LOAD + FIT)], b"analyzer_exec_LCF :", spread=0.8)
+            "large", LOAD + FIT, 0)], b"analyzer_exec_LCF :", spread=0.3)
 
     def cluster(self):
         work = self.root / "work"
@@ -241,7 +241,7 @@ class Check(common.Part):
         # It runs a group of its own, and gives 143 for a hang-up, too.
         return self.told("tarnwick-slurm --local", [
             str(program), "--local", "--work", str(work), "--parts", "4",
-            self.batch("large", LOAD + FIT)], spread=2.0, codes=["told", 143, 0], said=None)
+            self.batch("large", LOAD + FIT, 0)], spread=2.0, codes=["told", 143, 0], said=None)
 
     def dead_file(self):
         """A file that nobody gets to open: it is leased to us. None: not on this file system."""
