@@ -16,6 +16,7 @@
 #include "files/FilePlaces.h"
 #include "files/InputFile.h"
 #include "files/WholeDevice.h"
+#include "files/WholeFile.h"
 #include "frames/FrameHeader.h"
 #include "maps/AnalysisGrid.h"
 #include "maps/Analyzed2DRes.h"
