@@ -32,6 +32,9 @@ namespace {
 /// libraries end the program in their own way.
 constexpr quint64 LettersRoom = quint64(48) << 20;
 
+/// Addresses for the threads that read and interpret, whatever the batch, and what they begin with.
+constexpr quint64 RunRoom = quint64(20) << 20;
+
 Console* debugConsole = nullptr;  // where debug lines go
 bool isVerbose = false;           // otherwise only what ends the program
 
@@ -173,6 +176,7 @@ int perform(const RunnerOptions& options, Console& console) {
         case RunnerOptions::Action::Run:
             break;
     }
+    needAddressSpace(RunRoom);
     const AskedBatch& batch = askedBatch(options);
     if (!batch.problem.isEmpty()) {
         console.note(QStringLiteral("tarnwick-batch: ") + batch.problem);
