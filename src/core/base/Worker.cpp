@@ -7,6 +7,8 @@
 #include <system_error>
 #include <utility>
 
+#include "base/AddressSpace.h"
+
 namespace {
 std::atomic<int> left{0};
 }
@@ -41,7 +43,8 @@ void Worker::work(const std::shared_ptr<Shared>& shared) {
 }
 
 bool Worker::begin() {
-    if (m_isOver) {
+    if (m_isOver || !hasRoomForThread()) {
+        m_isOver = true;
         return false;
     }
     auto shared = std::make_shared<Shared>();
