@@ -1,3 +1,8 @@
+# Accesses inside of libraries that are not built with the sanitizer are not looked at; what it is
+# told besides is in the file.
+set(TSAN_ENVIRONMENT
+    "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/tsan.supp:ignore_noninstrumented_modules=1:history_size=4")
+
 # tarnwick_test(NAME LABEL SOURCE LIBRARIES...): one QtTest program under CTest, on the offscreen
 # platform (no display is needed). A case that hangs ends after four minutes.
 function(tarnwick_test name label source)
@@ -9,6 +14,6 @@ function(tarnwick_test name label source)
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES
         LABELS ${label}
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QTEST_FUNCTION_TIMEOUT=240000;ASAN_OPTIONS=detect_leaks=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/lsan.supp:print_suppressions=0"
+        ENVIRONMENT "${TSAN_ENVIRONMENT};QT_QPA_PLATFORM=offscreen;QTEST_FUNCTION_TIMEOUT=240000;ASAN_OPTIONS=detect_leaks=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/lsan.supp:print_suppressions=0"
         TIMEOUT 600)
 endfunction()

@@ -171,6 +171,29 @@ class TestHouse : public QObject {
         QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join('\n')));
     }
 
+    // What the thread sanitizer does not see is not there: threads share by std::mutex, std::atomic
+    // and Inbox.
+    void threadsAreThoseOfTheStandardLibrary() {
+        static const QRegularExpression name(
+            "^(QtConcurrent.*|QThread.*|Q.*Mutex.*|QAtomic.*|QReadWriteLock|QReadLocker|"
+            "QWaitCondition|"
+            "QSemaphore|QRunnable|QFuture.*)$");
+        static const QRegularExpression call("Qt::(Blocking)?QueuedConnection|moveToThread");
+        QStringList wrong;
+        for (const QString& path : sourcesBelow(src() + "core")) {
+            const QString file = path.mid(src().size());
+            for (const QString& include : includesOf(path).angled) {
+                if (include.section('/', -1).contains(name)) {
+                    wrong.append(file + " includes " + include);
+                }
+            }
+            if (QString::fromUtf8(contentOf(path)).contains(call)) {
+                wrong.append(file + " posts by Qt");
+            }
+        }
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join('\n')));
+    }
+
     // What is shown needs a window or a screen, and the core has neither.
     void librariesStayBehindTheirWalls() {
         static const QRegularExpression name("^(QPixmap|QIcon|qpixmap\\.h|qicon\\.h)$");

@@ -14,11 +14,12 @@
 class Worker {
   public:
     using Work = std::function<void()>;
-    /// So long an end waits for the piece of work that is under way.
+    /// So long an end waits for the piece of work that is under way; all of them together, when it
+    /// does not come back.
     static constexpr std::chrono::milliseconds Patience{2000};
 
     Worker() = default;
-    ~Worker() { end(); }
+    ~Worker() { end(isAnyLeft() ? std::chrono::milliseconds(0) : Patience); }
     Worker(const Worker&) = delete;
     Worker& operator=(const Worker&) = delete;
 

@@ -82,8 +82,7 @@ void FrameImages::start(const Key& key, const Request& request) {
             m_hasEnded = true;
         }
         m_ended.notify_all();
-        QMetaObject::invokeMethod(
-            this, [this, generation] { ended(generation); }, Qt::QueuedConnection);
+        m_inbox.post([this, generation] { ended(generation); });
     };
     try {
         if (hasRoomForThread()) {

@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "absorption/PixelPass.h"
+#include "base/Inbox.h"
 #include "measurement/FrameView.h"
 
 /// What an I1 frame shows in place of its counts, one number a pixel.
@@ -77,6 +78,7 @@ class FrameImages : public QObject {
     const FrameImage* last() const { return m_key ? &m_shown : nullptr; }
     void ended(int generation);
 
+    Inbox m_inbox;
     std::optional<Key> m_key;  // of m_shown
     FrameImage m_shown;
     Key m_wanted{};

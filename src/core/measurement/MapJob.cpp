@@ -34,14 +34,11 @@ void MapJob::stop() {
 
 void MapJob::run(const Make& make, int generation) {
     const auto post = [this, generation](const std::function<void()>& action) {
-        QMetaObject::invokeMethod(
-            this,
-            [this, generation, action] {
-                if (generation == m_generation) {
-                    action();
-                }
-            },
-            Qt::QueuedConnection);
+        m_inbox.post([this, generation, action] {
+            if (generation == m_generation) {
+                action();
+            }
+        });
     };
     QElapsedTimer sinceTold;
     sinceTold.start();

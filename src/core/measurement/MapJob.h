@@ -7,9 +7,11 @@
 #include <optional>
 #include <thread>
 
+#include "base/Inbox.h"
 #include "maps/Deglitch.h"
 
-/// Works something out from the values of a map in a thread of its own.
+/// Works something out from the values of a map in a thread of its own; where there is none to be
+/// had, in that of its caller.
 class MapJob : public QObject {
     Q_OBJECT
 
@@ -32,6 +34,7 @@ class MapJob : public QObject {
   private:
     void run(const Make& make, int generation);
 
+    Inbox m_inbox;
     std::thread m_thread;
     std::atomic<bool> m_stopped{false};
     int m_generation = 0;  // of calls that are still on their way

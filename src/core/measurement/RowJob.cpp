@@ -31,8 +31,7 @@ void RowJob::start(const AbsorptionSource& source, const BinRaster& raster, int 
 }
 
 void RowJob::postTakeRows(int generation) {
-    QMetaObject::invokeMethod(
-        this, [this, generation] { takeRows(generation); }, Qt::QueuedConnection);
+    m_inbox.post([this, generation] { takeRows(generation); });
 }
 
 void RowJob::stop() {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "base/Inbox.h"
 #include "measurement/KeptPass.h"
 
 /// A pass over the bins of an area on several threads whose rows are taken in on the thread of this
@@ -44,6 +45,7 @@ class RowJob : public QObject {
     std::optional<RasterPass::Failure> takeTurn(int generation);
     bool isTimeToTell() const;
 
+    Inbox m_inbox;  // outlives the threads of the pass
     Take m_take;
     std::unique_ptr<KeptPass> m_pass;
     bool m_running = false;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -17,6 +18,7 @@
 #include "base/Globals.h"
 #include "base/Memory.h"
 #include "base/MemoryEnd.h"
+#include "base/Worker.h"
 #include "batch/BatchCheck.h"
 #include "files/UnfinishedFile.h"
 #include "tarnwick-batch/AskedBatch.h"
@@ -223,5 +225,8 @@ int main(int argc, char** argv) {
     }
     const int code = perform(options, console);
     qInstallMessageHandler(nullptr);
+    if (Worker::isAnyLeft()) {
+        std::_Exit(code);  // all is written; the reader may use what is destroyed from here on
+    }
     return code;
 }

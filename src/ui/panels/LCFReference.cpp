@@ -4,7 +4,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalBlocker>
-#include <QThread>
 #include <cmath>
 
 #include "base/Numbers.h"
@@ -144,7 +143,7 @@ void LCFReference::freezeFitInput() {
 }
 
 const LCFReference::FitInput& LCFReference::fitInput() {
-    if (QThread::currentThread() == thread()) {
+    if (std::this_thread::get_id() == m_home) {
         freezeFitInput();
     }
     return m_frozen;

@@ -2,6 +2,7 @@
 
 #include <QFrame>
 #include <memory>
+#include <thread>
 
 #include "measurement/Measurement.h"
 
@@ -102,5 +103,6 @@ class LCFReference : public QFrame {
     quint64 m_shown = 0;  // revision of what the controls show
     double m_ratio = 0.0;
     double m_dMut = 0.0;  // all digits of what its field shows
+    const std::thread::id m_home = std::this_thread::get_id();
     FitInput m_frozen;
 };
