@@ -14,7 +14,7 @@ namespace {
 
 /// The lines of a table from where its origin begins up to its values, without their "#". A table
 /// that ends before its values has lost lines of its origin, so that none of it counts.
-QString textInTable(QFile& file) {
+QString textInTable(QIODevice& file) {
     constexpr qint64 LongestLine = 1 << 16;  // so much is set aside for each
     QString text;
     qint64 left = OriginText::mostBytes;
@@ -53,13 +53,14 @@ QString textInHdf5(const QString& fileName, QString* problem) {
     return *origin + QLatin1Char('\n') + *record;
 }
 
-QString textIn(QFile& file, QString* problem) {
+QString textIn(QIODevice& file, QString* problem) {
     const QByteArray start = file.peek(8);
     if (isHdf5(start)) {
-        return textInHdf5(file.fileName(), problem);
+        const auto* const named = qobject_cast<QFileDevice*>(&file);
+        return named != nullptr ? textInHdf5(named->fileName(), problem) : QString();
     }
     if (isTiff(start)) {
-        return tiffDescription(file.fileName());
+        return tiffDescription(file);
     }
     if (start == "\x89PNG\r\n\x1a\n") {
         return pngText(file, originChunkKey());
@@ -74,15 +75,28 @@ std::optional<OriginText> readOrigin(const QString& fileName, QString* whyNot) {
     QString problem;
     std::optional<OriginText> origin;
     if (file.open(QIODevice::ReadOnly)) {
-        const QString text = textIn(file, &problem);
-        origin = problem.isEmpty() ? OriginText::fromText(text, &problem) : std::nullopt;
-    } else if (!file.isMissing()) {
+        return readOrigin(file, whyNot);
+    }
+    if (!file.isMissing()) {
         problem = file.whyNot();
     } else {
         // A TIFF file may have its name in Latin-1, whatever the system's encoding.
         const QString text = tiffDescription(fileName);
         problem = QStringLiteral("there is no such file");
         origin = text.isEmpty() ? std::nullopt : OriginText::fromText(text, &problem);
+    }
+    if (whyNot && !origin) {
+        *whyNot = problem;
+    }
+    return origin;
+}
+
+std::optional<OriginText> readOrigin(QIODevice& in, QString* whyNot) {
+    QString problem;
+    const QString text = textIn(in, &problem);
+    std::optional<OriginText> origin;
+    if (problem.isEmpty()) {
+        origin = OriginText::fromText(text, &problem);
     }
     if (whyNot && !origin) {
         *whyNot = problem;
