@@ -193,7 +193,7 @@ class TestFitsJudged : public QObject {
         add(
             "no spectrum", [] { put("s.dat", "7000 1\n7100 2\n"); }, fit + "s.dat x.dat", "failed",
             "2 usable point.*s.dat");
-        add("a device", {}, fit + "/dev/zero x.dat", "failed", "cannot be read: /dev/zero$");
+        add("a device", {}, fit + "/dev/zero x.dat", "failed", "not taken, not a file: /dev/zero$");
         add("no edge", putLine, fit + "s.dat x.dat", "warning", "warning: no edge: s.dat");
         add("too few", {}, "REFS\nanalyzer_set_LCF_std 0 1 -600 a.dat 0\nfit_spectrum b.dat x.dat",
             "failed", "0 of \\d+ energies of the spectrum .*needs 4: a.dat covers");
