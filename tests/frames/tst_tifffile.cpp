@@ -1,3 +1,4 @@
+#include <sys/resource.h>
 #include <tiffio.h>
 
 #include <QBuffer>
@@ -8,12 +9,14 @@
 #include <climits>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <numeric>
 
 #include "Files.h"
 #include "FullDisk.h"
 #include "TestMain.h"
 #include "TinyStacks.h"
+#include "base/Limits.h"
 #include "files/FileStamp.h"
 #include "frames/FrameReader.h"
 #include "frames/LoadTiff.h"
@@ -160,6 +163,39 @@ void putForeign(const QString& name, const Foreign& how) {
         }
     }
     TIFFClose(tiff);
+}
+
+/// A file of a directory of entries with one value each, and what follows it.
+QByteArray tiffWith(const std::map<quint32, quint32>& tags, const QByteArray& behind) {
+    QByteArray out("II\x2a\0\x08\0\0\0", 8);
+    const auto put = [&](quint32 v, int bytes) {
+        for (int i = 0; i < bytes; ++i) {
+            out.append(static_cast<char>(v >> 8 * i));
+        }
+    };
+    put(static_cast<quint32>(tags.size()), 2);
+    for (const auto& [number, value] : tags) {
+        const bool isArray = value > 0xFFFFFF00;  // below that many entries lie behind, 4096 each
+        put(number, 2);
+        put(4, 2);
+        put(isArray ? 64 : 1, 4);
+        put(isArray ? value - 0xFFFFFF00 : value, 4);
+    }
+    put(0, 4);
+    return out + behind;
+}
+
+/// A frame of the greatest size, as its header says.
+std::map<quint32, quint32> greatest(quint32 compression, quint32 bits = 16) {
+    return {{256, 16384}, {257, 16384}, {258, bits}, {259, compression},       {262, 1}, {273, 134},
+            {277, 1},     {278, 16384}, {279, 40},   {339, bits == 32 ? 3 : 1}};
+}
+
+/// The most that the program has had in memory until now.
+qint64 mostResident() {
+    rusage use{};
+    getrusage(RUSAGE_SELF, &use);
+    return qint64(use.ru_maxrss) * 1024;
 }
 
 /// The rows as libtiff gives them one by one; those that it can not read are 0.
@@ -329,6 +365,106 @@ class TestTiffFile : public QObject {
             QVERIFY(frame.rows.empty());
             QCOMPARE(frame.boxSum(0, 0, 5, 5), 0.0);
         }
+    }
+
+    /// What a header claims takes no memory that its file does not prove.
+    void claimsAreHeldAgainstTheFile_data() {
+        columns<QByteArray, QString>("file", "refusal");
+        const QByteArray few(40, '\x01');
+        const auto claim = [&](quint32 compression) {
+            return tiffWith(greatest(compression), few);
+        };
+        const auto truncated = [](int rows) {
+            return QStringLiteral("truncated: %1 of 16384 rows").arg(rows);
+        };
+        QTest::newRow("plain") << claim(COMPRESSION_NONE) << truncated(0);
+        QTest::newRow("deflate") << claim(COMPRESSION_ADOBE_DEFLATE) << truncated(1);
+        QTest::newRow("LZW") << claim(COMPRESSION_LZW) << truncated(1);
+        QTest::newRow("PackBits") << claim(COMPRESSION_PACKBITS) << truncated(0);
+        QTest::newRow("by its own strips")
+            << claim(COMPRESSION_LZMA) << "damaged: 0 of 16384 rows can be decoded";
+        QTest::newRow("8 bits") << tiffWith(greatest(COMPRESSION_NONE, 8), few)
+                                << "8 bits a sample, not 16";
+        QTest::newRow("floats, of unbounded compression")
+            << tiffWith(greatest(COMPRESSION_LZMA, 32), few) << "32-bit float, not 16-bit counts";
+        auto tiled = greatest(COMPRESSION_NONE);
+        tiled.insert({{322, 16384}, {323, 16384}, {324, 134}, {325, 40}});
+        QTest::newRow("tiled") << tiffWith(tiled, few) << "tiled, not in rows";
+        auto wide = greatest(COMPRESSION_NONE);
+        wide[256] = quint32(Limits::LongestSide) + 1;
+        wide[257] = 1;
+        QTest::newRow("too wide") << tiffWith(wide, few) << "too large an image";
+        // 64 strips, each in the same place: a sound one of 8 MB.
+        auto shared = greatest(COMPRESSION_ADOBE_DEFLATE);
+        shared[273] = 0xFFFFFF00 + 134;
+        shared[278] = 256;
+        shared[279] = 0xFFFFFF00 + 134;
+        const QByteArray strip = qCompress(QByteArray(16384 * 256 * 2, 0), 9).mid(4);
+        QByteArray place;  // as far behind as it is long
+        for (int i = 0; i < 4; ++i) {
+            place += static_cast<char>(strip.size() >> 8 * i);
+        }
+        const QByteArray places = place.repeated(64);
+        QTest::newRow("strips over each other")
+            << tiffWith(shared, places + QByteArray(strip.size() - 134 - places.size(), 0) + strip)
+            << "its strips lie over each other";
+    }
+    void claimsAreHeldAgainstTheFile() {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, refusal);
+        QTemporaryDir dir;
+        const QString name = dir.filePath("a.tif");
+        put(name, file);
+        const qint64 before = mostResident();
+        TiffData frame;
+        QVERIFY(!frame.load(name));
+        QVERIFY(frame.rows.empty());
+        QVERIFY(frame.refusal.isEmpty() || frame.refusal == refusal);
+        QBuffer device(&file);
+        QVERIFY(device.open(QIODevice::ReadOnly));
+        QVERIFY(!readFrame(device, &frame).isEmpty());
+        FloatTiff image;
+        QVERIFY(!readFloatTiff(name, &image).isEmpty());
+        // One that shows as it is decoded only is taken by its header.
+        const QString byHeader = frameHeader(name).refusal;
+        QVERIFY2(byHeader == refusal || refusal.startsWith("damaged"), qPrintable(byHeader));
+        const qint64 taken = mostResident() - before;
+        QVERIFY2(taken < 3 * qint64(Limits::SmallImage), QByteArray::number(taken));
+    }
+
+    /// The densest that there is of each kind is no claim: a large frame of zeros.
+    void denseFramesLoad_data() {
+        columns<int>("compression");
+        QTest::newRow("deflate") << COMPRESSION_ADOBE_DEFLATE;
+        QTest::newRow("LZW") << COMPRESSION_LZW;
+        QTest::newRow("PackBits") << COMPRESSION_PACKBITS;
+    }
+    void denseFramesLoad() {
+        QFETCH(int, compression);
+        QTemporaryDir dir;
+        const QString name = dir.filePath("a.tif");
+        constexpr quint32 Width = 8192;
+        const quint32 height = quint32(Limits::SmallImage / Width / 2 + 100);
+        TIFF* tiff = TIFFOpen(name.toLatin1().constData(), "w");
+        QVERIFY(tiff != nullptr);
+        for (const auto& [tag, value] : std::map<quint32, quint32>{{TIFFTAG_IMAGEWIDTH, Width},
+                                                                   {TIFFTAG_IMAGELENGTH, height},
+                                                                   {TIFFTAG_ROWSPERSTRIP, height},
+                                                                   {TIFFTAG_BITSPERSAMPLE, 16}}) {
+            TIFFSetField(tiff, tag, value);
+        }
+        TIFFSetField(tiff, TIFFTAG_COMPRESSION, compression);
+        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+        std::vector<quint16> row(Width);
+        for (quint32 y = 0; y < height; ++y) {
+            QCOMPARE(TIFFWriteScanline(tiff, row.data(), y, 0), 1);
+        }
+        TIFFClose(tiff);
+        TiffData frame;
+        QVERIFY2(frame.load(name), qPrintable(frame.refusal));
+        QCOMPARE(frame.refusal, QString());
+        QCOMPARE(frameHeader(name).refusal, QString());
+        QCOMPARE(frame.max, 0u);
     }
 
     void rowsAreThoseOfLibtiff_data() {

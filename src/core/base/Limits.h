@@ -11,6 +11,10 @@ namespace Limits {
 /// that arrays with an element for each pixel are std::vector or MapValues.
 constexpr qint64 MostPixels = qint64(1) << 28;
 
+/// Pixels of a row and of a column: a row of a table has up to 100 columns of 25 bytes for each, in
+/// one of Qt's byte arrays. Corners of areas reach as far.
+constexpr qint64 LongestSide = 1 << 20;
+
 /// Pixels that the narrowest row counts as: a row costs memory of its own.
 constexpr quint64 SmallestRow = 32;
 
@@ -33,8 +37,12 @@ constexpr quint64 MostOfPackBits = 64;
 constexpr quint64 LeastForTiff = quint64(64) << 20;
 constexpr quint64 MostForTiff = quint64(8) * quint64(MostPixels);
 
-/// Characters of a line of a file's header: longer ones are of foreign binary files.
-constexpr qint64 LongestHeaderLine = 1 << 16;
+/// Characters of a line in a text file: longer ones are of foreign binary files, and are cut.
+constexpr qint64 LongestLine = 1 << 16;
+
+/// Bytes of a text file that is read whole, as spectra are: a hundred times those of the longest
+/// scan. Its text, split into lines, takes ten times as much.
+constexpr qint64 LargestText = qint64(64) << 20;
 
 /// Characters of a number in a file: the longest double in full has 767 digits.
 constexpr qint64 LongestNumber = 1 << 16;

@@ -221,7 +221,7 @@ EMPHeader readEMapHeader(QTextStream& stream) {
     if (stream.atEnd()) {
         return header;
     }
-    const QString tag = stream.readLine(Limits::LongestHeaderLine);
+    const QString tag = stream.readLine(Limits::LongestLine);
     if (!tag.startsWith(kShortTag) && !tag.startsWith(kTag)) {
         qDebug() << "Not a emp file.";
         return header;
@@ -230,7 +230,7 @@ EMPHeader readEMapHeader(QTextStream& stream) {
     bool energySeen = false;
     bool spacingSeen = false;
     while (!stream.atEnd()) {
-        const QString line = stream.readLine(Limits::LongestHeaderLine);
+        const QString line = stream.readLine(Limits::LongestLine);
         if (line.startsWith(kDataFollows)) {
             break;
         }

@@ -22,8 +22,9 @@ struct FrameHeader {
     Q_DECLARE_TR_FUNCTIONS(FrameHeader)
 
   public:
-    quint32 width = 0;   ///< pixels a row; 0 where the file does not tell
-    quint32 height = 0;  ///< rows
+    quint32 width = 0;     ///< pixels a row; 0 where the file does not tell
+    quint32 height = 0;    ///< rows
+    quint64 rowsHeld = 0;  ///< of these, as many as the file can hold, whatever it claims
     /// Why no stack takes the file, in one phrase such as "32-bit float, not 16-bit counts". Empty:
     /// nothing but a strip that cannot be decoded keeps a stack from taking it.
     QString refusal;

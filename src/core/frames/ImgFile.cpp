@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/DebugLog.h"
+#include "base/Limits.h"
 #include "files/InputFile.h"
 #include "frames/FrameHeader.h"
 #include "frames/TiffData.h"
@@ -47,7 +48,8 @@ int commentLength(const char* head) {
 /// The counts from the device's place; width and height are known.
 QString readCounts(QIODevice& in, TiffData* frame) {
     const quint64 pixels = static_cast<quint64>(frame->width) * frame->height;
-    if (frame->height > TiffData::maxPixels || pixels > TiffData::maxPixels) {
+    if (std::max(frame->width, frame->height) > Limits::LongestSide ||
+        pixels > quint64(Limits::MostPixels)) {
         return QStringLiteral("Too large an image");
     }
     const quint64 left = static_cast<quint64>(std::max<qint64>(0, in.size() - in.pos()));

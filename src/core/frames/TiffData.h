@@ -52,7 +52,8 @@ struct TiffData {
     bool readImg(const QString& name);
 
     /// Reads a TIFF file as one sample of 16 bits a pixel, whatever its tags say. What a damaged
-    /// file does not hold reads as 0; frames above maxPixels are refused.
+    /// file does not hold reads as 0; frames above Limits::MostPixels are refused, and large ones
+    /// of which the file holds less than half.
     bool readTiff(const QString& name);
 
     /// The picture, made when it is first asked for: most frames of a stack are never looked at,
@@ -84,9 +85,6 @@ struct TiffData {
     /// Widens min and max with the first `width` counts of a row, and counts those at 65535.
     void foldIn(const quint16* row) { foldIn(row, width); }
     void foldIn(const quint16* counts, std::size_t n);
-
-    /// Frames larger than this are taken for damaged headers.
-    static constexpr quint64 maxPixels = quint64(1) << 28;
 
   private:
     bool readThrough(const FrameReader& reader, const QString& name);

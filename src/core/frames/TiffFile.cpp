@@ -4,8 +4,6 @@
 #include <tiffio.h>
 #include <unistd.h>
 
-#include <unistd.h>
-
 #include <QIODevice>
 #include <algorithm>
 #include <cstring>
@@ -16,12 +14,14 @@
 #include <vector>
 
 #include "base/LargeMemory.h"
+#include "base/Limits.h"
 #include "files/FilePlaces.h"
 #include "files/InputFile.h"
 #include "files/SystemPaths.h"
 #include "files/WholeFile.h"
 #include "frames/RowMemory.h"
 #include "frames/TiffData.h"
+#include "frames/TiffDevice.h"
 #include "frames/TiffHeader.h"
 
 // Of the row in FrameReader.cpp.
@@ -29,27 +29,6 @@ QString readTiffFrom(QIODevice& in, TiffData* frame);
 FrameHeader headerOfTiff(const QString& name);
 
 namespace {
-
-struct CloseTiff {
-    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
-};
-using TiffHandle = std::unique_ptr<TIFF, CloseTiff>;
-
-TiffHandle openTiff(const QString& name, const char* mode) {
-    TiffHandle tiff;
-    for (const QByteArray& path : pathsOfFile(name)) {
-        const int file = openInput(path);
-        if (file < 0) {
-            continue;
-        }
-        tiff.reset(TIFFFdOpen(file, path.constData(), mode));
-        if (tiff) {
-            break;
-        }
-        ::close(file);
-    }
-    return tiff;
-}
 
 /// Pixels are folded into the extremes in pieces that are still in the processor's cache.
 constexpr quint64 PieceBytes = 256 * 1024;
@@ -227,7 +206,8 @@ namespace {
 using Open = std::function<TiffHandle(const char* mode)>;
 
 /// Reads whatever can be read of a frame that has its rows; a file that is gone gives zeros.
-/// Returns the number of rows that were read.
+/// Returns the number of rows that were read. Memory is handed out as rows are filled: the frame is
+/// left without rows where more of it than what isTooLittle() allows would be zeros.
 quint32 readByRow(TIFF* tiff, std::size_t lineBytes, std::size_t rowBytes, TiffData* frame) {
     frame->startCounts();
     quint32 rowsRead = 0;
@@ -236,6 +216,10 @@ quint32 readByRow(TIFF* tiff, std::size_t lineBytes, std::size_t rowBytes, TiffD
         quint16* const row = frame->rows[y];
         const bool isRead = tiff != nullptr && TIFFReadScanline(tiff, row, y, 0) == 1;
         rowsRead += isRead ? 1 : 0;
+        if (!isRead && isTooLittle(rowsRead, y + quint64(1), rowBytes)) {
+            frame->clearRows();
+            return rowsRead;
+        }
         const std::size_t filled = isRead ? lineBytes : 0;
         std::memset(reinterpret_cast<char*>(row) + filled, 0, rowBytes - filled);
         frame->foldIn(row);
@@ -262,6 +246,9 @@ QString readFrom(TiffHandle tiff, const Open& open, TiffData* frame) {
     const std::size_t longest =
         std::max(static_cast<std::size_t>(lineBytes), static_cast<std::size_t>(width) * 2);
     const std::size_t rowBytes = (longest + 1) / 2 * 2;
+    if (isTooLittle(header.rowsHeld, height, rowBytes)) {
+        return header.refusal;
+    }
     frame->makeRows(rowBytes);
     if (frame->rows.size() < height) {
         frame->refusal = lackOfMemory();
@@ -278,61 +265,7 @@ QString readFrom(TiffHandle tiff, const Open& open, TiffData* frame) {
         }
     }
     frame->dropPicture();
-    return QString();
-}
-
-/// A device as libtiff sees a file. Its place is kept here: not every device can be put beyond its
-/// end, as files can.
-struct Device {
-    QIODevice* io;
-    quint64 place = 0;
-    QByteArray whole;  // what has been "mapped into memory"
-
-    static Device* of(thandle_t handle) { return static_cast<Device*>(handle); }
-    static tmsize_t read(thandle_t handle, void* data, tmsize_t bytes) {
-        Device* const self = of(handle);
-        if (self->place >= size(handle) || !self->io->seek(static_cast<qint64>(self->place))) {
-            return 0;
-        }
-        const qint64 n = self->io->read(static_cast<char*>(data), bytes);
-        self->place += static_cast<quint64>(std::max<qint64>(0, n));
-        return static_cast<tmsize_t>(n);
-    }
-    static tmsize_t write(thandle_t, void*, tmsize_t) { return -1; }
-    static toff_t seek(thandle_t handle, toff_t offset, int whence) {
-        Device* const self = of(handle);
-        self->place = whence == SEEK_CUR   ? self->place + offset
-                      : whence == SEEK_END ? size(handle) + offset
-                                           : offset;
-        return self->place;
-    }
-    static int close(thandle_t) { return 0; }
-    static toff_t size(thandle_t handle) {
-        return static_cast<toff_t>(std::max<qint64>(0, of(handle)->io->size()));
-    }
-    static int map(thandle_t handle, void** base, toff_t* bytes) {
-        Device* const self = of(handle);
-        try {
-            self->io->seek(0);
-            self->whole = self->io->readAll();
-        } catch (const std::bad_alloc&) {
-            self->whole.clear();
-        }
-        if (self->whole.isEmpty()) {
-            return 0;  // too long for it
-        }
-        *base = self->whole.data();
-        *bytes = static_cast<toff_t>(self->whole.size());
-        return 1;
-    }
-    static void unmap(thandle_t handle, void*, toff_t) { of(handle)->whole.clear(); }
-};
-
-TiffHandle openDevice(Device* device, const char* mode) {
-    device->place = 0;
-    return TiffHandle(TIFFClientOpen("device", mode, device, Device::read, Device::write,
-                                     Device::seek, Device::close, Device::size, Device::map,
-                                     Device::unmap));
+    return frame->rows.empty() ? frame->refusal : QString();
 }
 
 QString noTiff() {
@@ -360,12 +293,15 @@ QString readFloats(TIFF* tiff, FloatTiff* image) {
     read.size = QSize(static_cast<int>(header.width), static_cast<int>(header.height));
     read.description = descriptionIn(tiff);
     try {
-        read.values.resize(static_cast<std::size_t>(header.width) * header.height);
+        // Memory is handed out as rows are filled.
+        read.values.reserve(static_cast<std::size_t>(header.width) * header.height);
     } catch (const std::bad_alloc&) {
         return FrameHeader::tr("too large an image");
     }
     for (quint32 y = 0; y < header.height; ++y) {
-        float* const row = read.values.data() + static_cast<std::size_t>(y) * header.width;
+        const std::size_t first = read.values.size();
+        read.values.resize(first + header.width);
+        float* const row = read.values.data() + first;
         if (TIFFReadScanline(tiff, row, y, 0) != 1) {
             return FrameHeader::tr("damaged: %1 of %2 rows can be decoded")
                 .arg(y)
@@ -403,12 +339,12 @@ FrameHeader headerOfTiff(const QString& name) {
 }
 
 FrameHeader readTiffHeader(QIODevice& in) {
-    Device device{&in, 0, {}};
+    TiffDevice device{&in};
     return headerIn(openDevice(&device, "rm").get());
 }
 
 QString readTiffFrom(QIODevice& in, TiffData* frame) {
-    Device device{&in, 0, {}};
+    TiffDevice device{&in};
     const Open open = [&device](const char* mode) { return openDevice(&device, mode); };
     TiffHandle tiff = open("rm");
     return tiff ? readFrom(std::move(tiff), open, frame) : QStringLiteral("Not a TIFF image");
@@ -431,7 +367,7 @@ bool writeTiff(const QString& name, quint32 width, int height, const quint16* da
 bool writeFloatTiff(const QString& name, const QSize& size, const FillFloats& fill,
                     const QString& origin) {
     const auto pixels = static_cast<quint64>(size.width()) * static_cast<quint64>(size.height());
-    if (size.isEmpty() || pixels > TiffData::maxPixels) {
+    if (size.isEmpty() || pixels > quint64(Limits::MostPixels)) {
         return false;
     }
     const quint64 rowBytes = static_cast<quint64>(size.width()) * sizeof(float);
@@ -461,7 +397,7 @@ QString readFloatTiff(const QString& name, FloatTiff* image) {
 }
 
 QString readFloatTiff(QIODevice& in, FloatTiff* image) {
-    Device device{&in, 0, {}};
+    TiffDevice device{&in};
     return readFloats(openDevice(&device, "rm").get(), image);
 }
 
@@ -470,14 +406,14 @@ QString tiffDescription(const QString& name) {
 }
 
 QString tiffDescription(QIODevice& in) {
-    Device device{&in, 0, {}};
+    TiffDevice device{&in};
     return descriptionOf(openDevice(&device, "rm").get());
 }
 
 bool writeConstTiff(const QString& name, quint32 width, quint32 height, quint16 value) {
     // Long enough for the doubled step between strips, so that tall frames are right as well.
     const quint64 count = 2 * static_cast<quint64>(width) * height;
-    if (count > 2 * TiffData::maxPixels) {
+    if (count > 2 * quint64(Limits::MostPixels)) {
         return false;
     }
     const auto fill = [value](quint64, std::size_t n, quint16* to) { std::fill_n(to, n, value); };

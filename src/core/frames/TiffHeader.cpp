@@ -3,13 +3,13 @@
 #include <tiffio.h>
 
 #include <algorithm>
+#include <cstring>
 
-#include "frames/TiffData.h"
+#include "base/Limits.h"
 
 namespace {
 
-/// Pixels that the narrowest row counts as against TiffData::maxPixels: it costs memory of its own.
-constexpr quint64 SmallestRow = 32;
+constexpr auto MostPixels = static_cast<quint64>(Limits::MostPixels);
 
 int tagOf(TIFF* tiff, uint32_t tag) {
     uint16_t value = 0;
@@ -49,14 +49,38 @@ QString kindOtherThanFloat(TIFF* tiff) {
     return bits == 32 ? QString() : FrameHeader::tr("%1-bit float, not 32-bit float").arg(bits);
 }
 
+/// How many bytes of an image a byte of a strip can hold; 0: that shows as it is decoded.
+quint64 mostOf(int compression) {
+    switch (compression) {
+        case COMPRESSION_NONE:
+            return 1;
+        case COMPRESSION_ADOBE_DEFLATE:
+        case COMPRESSION_DEFLATE:
+            return Limits::MostOfDeflate;
+        case COMPRESSION_LZW:
+            return Limits::MostOfLzw;
+        case COMPRESSION_PACKBITS:
+            return Limits::MostOfPackBits;
+        default:
+            return 0;
+    }
+}
+
 /// What the strips of a file hold.
 struct Strips {
-    quint64 rows = 0;       ///< a compressed strip is there as a whole or not
+    quint64 rows = 0;       ///< at the most; a compressed strip is there as a whole or not
+    quint64 bytes = 0;      ///< in the file, of all strips
     bool isBeyond = false;  ///< one is to end behind the file's end
+    bool isShared = false;  ///< they lie over each other: in all they are longer than the file
 };
 
-Strips stripsInFile(TIFF* tiff, quint64 rowBytes, quint32 height, bool isPlain) {
+Strips stripsInFile(TIFF* tiff, quint64 rowBytes, quint32 height) {
+    const int compression = tagOf(tiff, TIFFTAG_COMPRESSION);
+    const quint64 most = mostOf(compression);
     const quint64 fileBytes = TIFFGetSizeProc(tiff)(TIFFClientdata(tiff));
+    const auto rowsIn = [&](quint64 bytes) {
+        return bytes <= ~quint64(0) / most ? bytes * most / rowBytes : height;
+    };
     uint32_t rowsPerStrip = 0;
     TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
     Strips found;
@@ -67,17 +91,30 @@ Strips stripsInFile(TIFF* tiff, quint64 rowBytes, quint32 height, bool isPlain) 
         if (offset == 0 || bytes == 0 || offset >= fileBytes) {
             continue;
         }
-        const quint64 rows = std::min<quint64>(rowsPerStrip, height - y);
         const quint64 left = fileBytes - offset;
         found.isBeyond = found.isBeyond || bytes > left;
-        found.rows +=
-            isPlain ? std::min(rows, std::min(bytes, left) / rowBytes) : (bytes <= left ? rows : 0);
+        if (bytes > left && compression != COMPRESSION_NONE) {
+            continue;
+        }
+        const quint64 held = std::min(bytes, left);
+        const quint64 rows = std::min<quint64>(rowsPerStrip, height - y);
+        found.bytes += held;
+        found.rows += most > 0 ? std::min(rows, rowsIn(held)) : rows;
     }
+    found.isShared = found.bytes > fileBytes;
     return found;
 }
 
-/// @param kind what is wrong with the samples, which should have so many bytes a pixel
-QString refusalOf(TIFF* tiff, quint32 width, quint32 height, const QString& kind, quint64 bytes) {
+Strips stripsOf(TIFF* tiff, quint32 width, quint32 height) {
+    const bool isInRows =
+        width > 0 && height > 0 && !isTooLarge(tiff, width, height) && TIFFIsTiled(tiff) == 0;
+    return isInRows ? stripsInFile(tiff, static_cast<quint64>(TIFFScanlineSize(tiff)), height)
+                    : Strips();
+}
+
+/// @param kind what is wrong with the samples
+QString refusalOf(TIFF* tiff, quint32 width, quint32 height, const QString& kind,
+                  const Strips& strips) {
     if (width == 0 || height == 0) {
         return FrameHeader::tr("an image without pixels");
     }
@@ -94,13 +131,16 @@ QString refusalOf(TIFF* tiff, quint32 width, quint32 height, const QString& kind
     if (TIFFIsCODECConfigured(static_cast<uint16_t>(compression)) == 0) {
         return FrameHeader::tr("a compression that is not known (%1)").arg(compression);
     }
-    const Strips strips =
-        stripsInFile(tiff, width * bytes, height, compression == COMPRESSION_NONE);
     if (strips.rows < height) {
         return FrameHeader::tr("truncated: %1 of %2 rows").arg(strips.rows).arg(height);
     }
-    return strips.isBeyond ? FrameHeader::tr("a strip is announced longer than the file")
-                           : QString();
+    if (strips.isBeyond) {
+        return FrameHeader::tr("a strip is announced longer than the file");
+    }
+    const auto bytes = static_cast<quint64>(TIFFScanlineSize(tiff)) * height;
+    return strips.isShared && bytes > Limits::SmallImage
+               ? FrameHeader::tr("its strips lie over each other")
+               : QString();
 }
 
 QStringList remarksOn(TIFF* tiff) {
@@ -119,11 +159,13 @@ QStringList remarksOn(TIFF* tiff) {
     return remarks;
 }
 
-FrameHeader headerOf(TIFF* tiff, const QString& kind, quint64 bytes) {
+FrameHeader headerOf(TIFF* tiff, const QString& kind) {
     FrameHeader header;
     TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &header.height);
     TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &header.width);
-    header.refusal = refusalOf(tiff, header.width, header.height, kind, bytes);
+    const Strips strips = stripsOf(tiff, header.width, header.height);
+    header.rowsHeld = strips.isShared ? 0 : strips.rows;
+    header.refusal = refusalOf(tiff, header.width, header.height, kind, strips);
     header.remarks = remarksOn(tiff);
     return header;
 }
@@ -167,14 +209,18 @@ std::vector<StripRun> plainRuns(TIFF* tiff, quint32 width, quint32 height) {
 
 bool isTooLarge(TIFF* tiff, quint32 width, quint32 height) {
     const tmsize_t lineBytes = TIFFScanlineSize(tiff);
-    const quint64 rowCost = std::max<quint64>(width, SmallestRow);
-    return height > 0 &&
-           (lineBytes <= 0 || lineBytes > 0x7FFFFFFF || rowCost * height > TiffData::maxPixels ||
-            static_cast<quint64>(lineBytes) * height > 8 * TiffData::maxPixels);
+    const quint64 rowCost = std::max<quint64>(width, Limits::SmallestRow);
+    return height > 0 && (lineBytes <= 0 || lineBytes > 0x7FFFFFFF || width > Limits::LongestSide ||
+                          height > Limits::LongestSide || rowCost * height > MostPixels ||
+                          static_cast<quint64>(lineBytes) * height > 8 * MostPixels);
+}
+
+bool isTooLittle(quint64 held, quint64 rows, quint64 rowBytes) {
+    return rows * rowBytes > Limits::SmallImage && rows > Limits::MostClaimed * held;
 }
 
 FrameHeader tiffHeader(TIFF* tiff) {
-    FrameHeader header = headerOf(tiff, kindOfSamples(tiff), sizeof(quint16));
+    FrameHeader header = headerOf(tiff, kindOfSamples(tiff));
     if (!isTooLarge(tiff, header.width, header.height)) {
         header.plain = {plainRuns(tiff, header.width, header.height), TIFFIsByteSwapped(tiff) != 0};
     }
@@ -182,11 +228,15 @@ FrameHeader tiffHeader(TIFF* tiff) {
 }
 
 FrameHeader floatTiffHeader(TIFF* tiff) {
-    return headerOf(tiff, kindOtherThanFloat(tiff), sizeof(float));
+    return headerOf(tiff, kindOtherThanFloat(tiff));
 }
 
 QString descriptionIn(TIFF* tiff) {
     const char* text = nullptr;
-    return TIFFGetField(tiff, TIFFTAG_IMAGEDESCRIPTION, &text) == 1 ? QString::fromUtf8(text)
-                                                                    : QString();
+    if (TIFFGetField(tiff, TIFFTAG_IMAGEDESCRIPTION, &text) != 1) {
+        return QString();
+    }
+    const std::size_t bytes = strnlen(text, Limits::LongestOrigin + 1);
+    return bytes <= Limits::LongestOrigin ? QString::fromUtf8(text, static_cast<int>(bytes))
+                                          : QString();
 }
