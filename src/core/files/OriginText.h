@@ -18,8 +18,6 @@ struct OriginText {
     static QString compositeKey() { return QStringLiteral("composite"); }
     /// The name of the entry that says why there is no record.
     static QString recordKey() { return QStringLiteral("record"); }
-    /// The largest text that is looked for in a file, in bytes.
-    static constexpr qint64 mostBytes = 32 * 1024 * 1024;
 
     /// The first entry of that key; empty where there is none.
     QString value(const QString& key) const;

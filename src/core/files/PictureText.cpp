@@ -4,14 +4,13 @@
 #include <QImage>
 #include <QtEndian>
 
-#include "files/OriginText.h"
+#include "base/Limits.h"
 
 namespace {
 
 constexpr int SignatureBytes = 8;
 constexpr int FrameBytes = 12;  // length, kind and check sum around the data of a chunk
 constexpr int HeadBytes = SignatureBytes + FrameBytes + 13;  // up to the end of the first chunk
-constexpr int MostChunks = 100000;
 
 /// What Qt reads in a picture of one pixel with that chunk: it takes text from whole pictures only,
 /// and libpng keeps what is packed into it from growing without end.
@@ -35,14 +34,14 @@ bool isText(const QByteArray& kind) {
 QString pngText(QIODevice& file, const QString& key) {
     const QByteArray keyAndEnd = key.toLatin1() + '\0';
     qint64 place = HeadBytes;
-    for (int i = 0; i < MostChunks && file.seek(place); ++i) {
+    for (int i = 0; i < Limits::MostChunks && file.seek(place); ++i) {
         const QByteArray head = file.peek(8 + keyAndEnd.size());
         const QByteArray kind = head.mid(4, 4);
         if (kind.size() < 4 || kind == "IEND") {
             break;
         }
         const qint64 bytes = qFromBigEndian<quint32>(head.constData()) + qint64(FrameBytes);
-        if (isText(kind) && head.mid(8) == keyAndEnd && bytes <= OriginText::mostBytes) {
+        if (isText(kind) && head.mid(8) == keyAndEnd && bytes <= Limits::LongestOrigin) {
             const QByteArray chunk = file.read(bytes);
             return chunk.size() == bytes ? textOf(chunk, key) : QString();
         }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/Limits.h"
 #include "files/FilePlaces.h"
 #include "files/Hdf5File.h"
 #include "files/InputFile.h"
@@ -15,11 +16,10 @@ namespace {
 /// The lines of a table from where its origin begins up to its values, without their "#". A table
 /// that ends before its values has lost lines of its origin, so that none of it counts.
 QString textInTable(QIODevice& file) {
-    constexpr qint64 LongestLine = 1 << 16;  // so much is set aside for each
     QString text;
-    qint64 left = OriginText::mostBytes;
+    qint64 left = Limits::LongestOrigin;
     while (left > 1 && !file.atEnd()) {
-        const QByteArray raw = file.readLine(std::min(left, LongestLine));
+        const QByteArray raw = file.readLine(std::min(left, Limits::LongestLine));
         if (!raw.startsWith('#')) {
             return text;
         }
@@ -44,8 +44,8 @@ QString textInHdf5(const QString& fileName, QString* problem) {
         *problem = QStringLiteral("not readable without the module for HDF5 files");
         return QString();
     }
-    const auto origin = hdf5Text(fileName, nexusOriginPath(), OriginText::mostBytes);
-    const auto record = hdf5Text(fileName, nexusRecordPath(), OriginText::mostBytes);
+    const auto origin = hdf5Text(fileName, nexusOriginPath(), Limits::LongestOrigin);
+    const auto record = hdf5Text(fileName, nexusRecordPath(), Limits::LongestOrigin);
     if (!origin || !record) {
         *problem = QStringLiteral("a damaged HDF5 file");
         return QString();

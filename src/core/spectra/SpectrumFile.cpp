@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/DebugLog.h"
+#include "base/Limits.h"
 #include "files/FilePlaces.h"
 #include "files/InputFile.h"
 #include "files/WholeDevice.h"
@@ -41,7 +42,7 @@ bool readSpectrumFile(const QString& fileName, XafsSpectrum* spectrum) {
 
 void readSpectrum(QIODevice& file, XafsSpectrum* spectrum) {
     spectrum->clear();
-    const bool is9809 = isFirstLineOf9809(QString::fromUtf8(file.readLine()));
+    const bool is9809 = isFirstLineOf9809(QString::fromUtf8(file.readLine(Limits::LongestLine)));
     file.seek(0);
     QTextStream in(&file);
     in.setCodec("UTF-8");
@@ -56,7 +57,7 @@ void readSpectrum(QIODevice& file, XafsSpectrum* spectrum) {
 
 void readPlain(QTextStream& in, XafsSpectrum* spectrum) {
     while (!in.atEnd()) {
-        const QStringList items = itemsOf(in.readLine());
+        const QStringList items = itemsOf(in.readLine(Limits::LongestLine));
         if (items.size() >= 2 && !items.first().startsWith(QLatin1Char('#'))) {
             spectrum->append(items.at(0).toDouble(), items.at(1).toDouble());
         }
@@ -67,7 +68,7 @@ double readHeaderOf9809(QTextStream& in, bool* isWhole) {
     double d = 0.0;
     *isWhole = false;
     while (!in.atEnd() && !*isWhole) {
-        const QStringList items = itemsOf(in.readLine());
+        const QStringList items = itemsOf(in.readLine(Limits::LongestLine));
         for (int i = 1; i < items.size(); ++i) {
             if (items.at(i - 1) == QLatin1String("D=")) {
                 d = items.at(i).toDouble();
@@ -94,7 +95,7 @@ void read9809(QTextStream& in, XafsSpectrum* spectrum) {
     bool isWhole = false;
     const double d = readHeaderOf9809(in, &isWhole);
     while (!in.atEnd()) {
-        const Row9809 row = rowOf9809(in.readLine(), d);
+        const Row9809 row = rowOf9809(in.readLine(Limits::LongestLine), d);
         if (row.isPoint) {
             spectrum->append(row.point.x, row.point.y);
         }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/DebugLog.h"
+#include "base/Limits.h"
 #include "files/FilePlaces.h"
 #include "files/InputFile.h"
 #include "spectra/SpectrumFile.h"
@@ -97,6 +98,10 @@ class Taking {
     TakenSpectrum take(QIODevice& file, const std::function<bool()>& isAsOpened) {
         if (!isText(file.peek(4096))) {
             refuse(Usable::tr("not a text file"));
+            return m_taken;
+        }
+        if (file.size() > Limits::LargestText) {
+            refuse(Usable::tr("longer than any spectrum"));
             return m_taken;
         }
         const QByteArray content = file.readAll();
