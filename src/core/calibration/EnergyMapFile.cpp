@@ -212,7 +212,6 @@ void putShifts(Analyzed2DRes* map, const AnalysisGrid& grid, const std::vector<d
         std::fill(std::copy(here, end, row.begin()), row.end(), missing);
         map->setRow(0, 1, y, 0, 0, row.data(), 1, grid.width);
     }
-    map->updateExtremes();
     map->genImg();
 }
 
