@@ -1,7 +1,10 @@
 #pragma once
 
 #include <QtGlobal>
+#include <functional>
 #include <new>
+
+#include "base/LargeMemory.h"
 
 class QEvent;
 class QObject;
@@ -23,15 +26,23 @@ void beforeEndWithoutMemory(void (*action)() noexcept);
 void needAddressSpace(quint64 bytes) noexcept;
 
 /// A Qt application whose slots may run out of memory: exceptions do not get into Qt's event loop.
+/// What was refused an array fails and is said by `refused`, if there is one; else the program
+/// ends.
 template <class Application>
 class WithoutMemoryEnds : public Application {
   public:
     using Application::Application;
-    bool notify(QObject* receiver, QEvent* event) override {
-        try {
-            return Application::notify(receiver, event);
-        } catch (const std::bad_alloc&) {
+    std::function<void()> refused;
+
+    bool notify(QObject* receiver, QEvent* event) override try {
+        return Application::notify(receiver, event);
+    } catch (const NotEnoughMemory&) {
+        if (!refused) {
             endWithoutMemory();
         }
+        refused();
+        return true;
+    } catch (const std::bad_alloc&) {
+        endWithoutMemory();
     }
 };

@@ -1,5 +1,6 @@
 #include "frames/FrameCounts.h"
 
+#include "base/LargeMemory.h"
 #include "frames/CountFile.h"
 #include "frames/FrameHeader.h"
 
@@ -15,7 +16,7 @@ FrameCounts::FrameCounts(TiffData* frame) : m_frame(frame) {
     m_copy->energy = frame->energy;
     m_copy->makeRows(std::size_t(frame->width) * sizeof(quint16));
     if (m_copy->rows.size() < m_copy->height) {
-        m_problem = FrameHeader::tr("%1: not enough memory").arg(frame->fileName);
+        m_problem = QStringLiteral("%1: %2").arg(frame->fileName, lackOfMemory());
         return;
     }
     m_problem = frame->countFile->read(0, frame->height, m_copy->rows.front());

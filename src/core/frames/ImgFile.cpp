@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/DebugLog.h"
+#include "base/LargeMemory.h"
 #include "base/Limits.h"
 #include "files/InputFile.h"
 #include "frames/FrameHeader.h"
@@ -59,7 +60,7 @@ QString readCounts(QIODevice& in, TiffData* frame) {
     frame->startCounts();
     frame->makeRows(static_cast<std::size_t>(frame->width) * 2);
     if (frame->rows.size() < frame->height) {
-        return QStringLiteral("Not enough memory");
+        return lackOfMemory();
     }
     const qint64 rowBytes = static_cast<qint64>(frame->width) * 2;
     for (quint16* row : frame->rows) {

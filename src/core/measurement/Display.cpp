@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/LargeMemory.h"
 #include "base/Numbers.h"
 #include "drawing/FramePicture.h"
 #include "drawing/ValuePicture.h"
@@ -59,7 +60,10 @@ QImage pictureOf(const FrameCounts& counts, const Settings& settings) {
     }
     TiffData& frame = counts.frame();
     const ViewRange& range = settings.viewRange;
-    if (!range.fixed && frame.picture() != nullptr && settings.views.frames.isStated()) {
+    if (!range.fixed && settings.views.frames.isStated() && frame.width > 0 && frame.height > 0) {
+        if (frame.picture() == nullptr) {
+            throw NotEnoughMemory();
+        }
         return counts.isCopy() ? frame.picture()->copy() : *frame.picture();
     }
     return framePicture(frame, range.fixed ? range.low : frame.min,

@@ -3,6 +3,7 @@
 #include <QMainWindow>
 #include <memory>
 
+#include "base/LargeMemory.h"
 #include "batch/BatchRunner.h"
 #include "calibration/EnergyMapFile.h"
 
@@ -36,6 +37,8 @@ class Body : public QMainWindow {
     BatchDispatcher* dispatcher() { return m_runner.dispatcher(); }
     WhatWasDone* whatWasDone() const { return m_record; }
     Layout* layoutOfWindows() const { return m_layout; }
+    /// Says that an action was refused memory.
+    void tellLack() { say(Outcome::failure(lackOfMemory())); }
 
   signals:
     void loadI1(QString fname, TiffData* data);

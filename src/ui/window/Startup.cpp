@@ -76,6 +76,8 @@ int runTarnwick(int argc, char** argv) {
     CleanEnd cleanEnd(removeUnfinishedFiles);
     Body body;
     QObject::connect(&body, SIGNAL(finishing()), &app, SLOT(closeAllWindows()));
+    // From here on an action that is refused memory fails; others end the program.
+    app.refused = [&body] { body.tellLack(); };
     // Who ends the program from outside can not be asked.
     QObject::connect(&cleanEnd, &CleanEnd::requested, body.whatWasDone(),
                      &WhatWasDone::closeAtOnce);
