@@ -193,7 +193,7 @@ class TestMemory : public QObject {
                 run.failures.isEmpty() || run.failures.join('\n').contains("not enough memory: "),
                 qPrintable(QString("request %1: %2").arg(nth).arg(run.failures.join('\n'))));
         }
-        QVERIFY2(nth > 30, qPrintable(QString::number(nth)));
+        QVERIFY2(nth > 20, qPrintable(QString::number(nth)));
     }
 
     void anyLimitEndsInOrder_data() {

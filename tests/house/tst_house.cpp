@@ -41,6 +41,7 @@ const QHash<QString, Rooms>& table() {
         {"panels", core + Rooms{"display"}},
         {"window", core + Rooms{"display", "panels"}},
         {"translations", {}},
+        {"both", {"base"}},
         {"tarnwick", core + Rooms{"window"}},
         {"tarnwick-batch", core},
         {"tarnwick-slurm", {}},

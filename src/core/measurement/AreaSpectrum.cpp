@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "absorption/BandPlan.h"
+#include "base/LargeMemory.h"
 #include "calibration/EnergyShift.h"
 #include "measurement/Room.h"
 
@@ -63,6 +64,9 @@ AreaSpectrum areaSpectrumOf(Measurement& measurement) {
         saturated.take(row, raster, measurement.imageSize(), measurement.stack(StackId::I1).size());
     }
     area.problem = measurement.ofLoad(pass.problem());
+    if (pass.failed() && area.problem.isEmpty()) {
+        area.problem = lackOfMemory();
+    }
     if (!pass.failed()) {
         area.aboutCounts =
             saturated.warnings(measurement.stack(StackId::I1), measurement.stack(StackId::I0));

@@ -5,6 +5,7 @@
 
 #include "absorption/AbsorptionSource.h"
 #include "absorption/MeanSpectrum.h"
+#include "base/LargeMemory.h"
 #include "calibration/EnergyShift.h"
 #include "measurement/Origin.h"
 #include "measurement/ResultParts.h"
@@ -68,6 +69,9 @@ MeanSpectrum meanOfArea(Measurement& measurement, const BinRaster& raster, const
         source, raster, 1,
         meanEvaluators(measurement.threads(), raster, source.energyCount(), shiftAt, sums));
     while (pass.take().values != nullptr) {
+    }
+    if (pass.failed() && pass.problem().isEmpty()) {
+        throw NotEnoughMemory();  // the file would lack it without a word
     }
     return pass.failed() ? MeanSpectrum() : meanOf(*sums, source.energies());
 }
