@@ -1,13 +1,17 @@
 #include <sys/resource.h>
 #include <tiffio.h>
+#include <unistd.h>
 
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <algorithm>
+#include <atomic>
 #include <random>
 #include <thread>
 
+#include "DebugLines.h"
 #include "Files.h"
 #include "FullDisk.h"
 #include "TestMain.h"
@@ -234,6 +238,40 @@ class TestCountFile : public QObject {
         for (quint32 y = 0; problem.isEmpty() && y < Height; ++y) {
             QVERIFY(std::equal(before.rows[y], before.rows[y] + Width, &counts[y * Width]));
         }
+    }
+
+    /// Read as a whole: it is whole or refused, whatever becomes of the file.
+    void cutWhileItIsLoaded() {
+        const DebugLines unseen;
+        const QString name = m_dir.filePath("i1-7112eV.tif");
+        putFrame(name, {"wl", COMPRESSION_LZW, 6}, 1);
+        const QByteArray content = contentOf(name);
+        TiffData whole(0);
+        QVERIFY(whole.load(name) && whole.refusal.isEmpty());
+        std::atomic<bool> isOver{false};
+        QFile file(name);
+        QVERIFY(file.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+        std::thread cutter([&] {
+            while (!isOver) {
+                const bool isCut = file.resize(100) && file.seek(0);
+                isOver = isOver || !isCut || file.write(content) != content.size();
+            }
+        });
+        int taken = 0;
+        bool isSame = true;
+        for (int i = 0; i < 2000 && !isOver; ++i) {
+            TiffData frame(0);
+            if (frame.load(name) && frame.refusal.isEmpty()) {
+                ++taken;
+                for (std::size_t y = 0; y < Height; ++y) {
+                    isSame =
+                        isSame && std::equal(frame.rows[y], frame.rows[y] + Width, whole.rows[y]);
+                }
+            }
+        }
+        isOver = true;
+        cutter.join();
+        QVERIFY(taken > 0 && isSame);
     }
 
     /// Counts that cannot be decoded, or put anywhere, and rows that there are not.

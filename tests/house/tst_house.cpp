@@ -134,6 +134,22 @@ class TestHouse : public QObject {
         QCOMPARE(wrong, QStringList());
     }
 
+    /// Else a pipe or a device under the name of an input is waited for.
+    void inputsAreOpenedInOneWay() {
+        static const QRegularExpression others(
+            "\\bQFile \\w+[({;]|ifstream|\\bfopen\\(|TIFFOpen\\(|QImageReader");
+        QStringList wrong;
+        for (const QString& path : sourcesBelow(src() + "core/")) {
+            const QString file = path.mid(src().size() + 5);
+            static const QStringList allowed{"base/Memory.cpp", "batch/BatchText.cpp",
+                                             "drawing/Letters.cpp", "measurement/Share.cpp"};
+            if (!allowed.contains(file) && others.match(contentOf(path)).hasMatch()) {
+                wrong << file;
+            }
+        }
+        QCOMPARE(wrong, QStringList());
+    }
+
     void filesIncludeDownwardsOnly() {
         QStringList wrong;
         int checked = 0;

@@ -9,6 +9,7 @@
 
 #include "batch/BatchText.h"
 #include "batch/Record.h"
+#include "files/InputFile.h"
 #include "panels/BatchCtrl.h"
 #include "window/Remembered.h"
 #include "window/SaveDialogs.h"
@@ -64,7 +65,7 @@ void WhatWasDone::remember(const QString& fileName) {
 void WhatWasDone::open(const QString& fileName) {
     QStringList lines;
     const QFileInfo info(fileName);
-    if (!readBatchFile(fileName, &lines)) {
+    if (!InputFile(fileName).open(QIODevice::ReadOnly) || !readBatchFile(fileName, &lines)) {
         emit said(Outcome::failure(tr("cannot be read: %1").arg(fileName)), fileName);
         return;
     }
