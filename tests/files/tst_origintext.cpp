@@ -27,7 +27,7 @@ class TestOriginText : public QObject {
         row("Tarnwick origin 1\n\na\n", "/a");
         row("Tarnwick origin 1\nk =  v = w \n", "k| v = w ;");
         row("Tarnwick origin 1\nk =\nl = \n", "k|;l|;");
-        row("Tarnwick origin 1\r\nk = v\r\n\r\na \\\r\nb\r\n\r\n", "k|v;/a \\/b");
+        row("Tarnwick origin 1\r\nk = v\r\r\n\r\na \\\r\nb\r\n\r\n", "k|v;/a \\/b");
         row("Tarnwick origin 1  \nk = v\n \na\n\nb\n  ~\n~~", "k|v;/a//b");
         row("", "no origin in it");
         row("Another origin 1\n", "no origin in it");

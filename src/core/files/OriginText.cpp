@@ -29,7 +29,7 @@ bool isEmptyLine(const QString& line) {
 QStringList linesOf(const QString& text) {
     QStringList lines = text.split(QLatin1Char('\n'));
     for (QString& line : lines) {
-        if (line.endsWith(QLatin1Char('\r'))) {
+        while (line.endsWith(QLatin1Char('\r'))) {
             line.chop(1);
         }
     }
