@@ -33,7 +33,11 @@ void compare(const FrameHeader& header, const TiffData& frame, bool isRead) {
         return;
     }
     require(header.width > 0 && header.height > 0, "a header that is taken has a size");
-    require(isRead, "a header that is taken belongs to a frame that is read");
+    require(isRead || !frame.refusal.isEmpty(), "a header that is taken is read, or damaged");
+    require(isRead || frame.rows.empty(), "a frame that is refused has no rows");
+    if (!isRead) {
+        return;
+    }
     require(frame.width == header.width && frame.height == header.height, "one size");
     require(frame.remarks == header.remarks, "the same remarks");
     quint64 rows = 0;
