@@ -26,7 +26,8 @@ QStringList filesBelow(const QString& dir, const QStringList& patterns) {
 }
 
 QStringList documents() {
-    return QStringList{Root + "README.md", Root + "CONTRIBUTING.md", Root + "samples/README.md"} +
+    return QStringList{Root + "README.md", Root + "CONTRIBUTING.md", Root + "SECURITY.md",
+                       Root + "samples/README.md"} +
            filesBelow("docs", {"*.md"});
 }
 
