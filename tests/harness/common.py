@@ -5,6 +5,7 @@ import pathlib
 import random
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -150,6 +151,7 @@ class Part:
         parser.add_argument("--rounds", type=int, default=rounds)
         parser.add_argument("--seed", type=int, default=1)
         options = parser.parse_args()
+        signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))  # what is mounted is unmounted
         self.program = str(options.program.resolve())
         self.rounds = options.rounds
         self.chance = random.Random(options.seed)

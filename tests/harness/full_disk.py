@@ -17,6 +17,10 @@ OLD = b"older content\n"  # no more than a block: replacing it makes no room
 BLOCK = 1024
 
 
+class NoDisk(Exception):
+    """This user or this machine may not mount one."""
+
+
 class SmallDisk:
     """A file system of 4 MB where the program writes, while it is entered."""
 
@@ -31,8 +35,11 @@ class SmallDisk:
         for command in (["mkfs.ext4", "-q", "-F", "-b", str(BLOCK), "-m", "0", "-O",
                          "^has_journal", self.image],
                         ["mount", "-o", "loop", self.image, self.folder]):
-            subprocess.run(command, check=True, stdout=subprocess.DEVNULL,
-                           env={**os.environ, "PATH": os.environ["PATH"] + ":/usr/sbin:/sbin"})
+            try:
+                subprocess.run(command, check=True, capture_output=True,
+                               env={**os.environ, "PATH": os.environ["PATH"] + ":/usr/sbin:/sbin"})
+            except (OSError, subprocess.CalledProcessError) as error:
+                raise NoDisk(error) from error
         return self
 
     def __exit__(self, *_):
@@ -114,15 +121,15 @@ def main():
         for name in NAMES:
             limited(part, Kind(name), wanted[name], largest[name])
     disks = 0
-    if os.geteuid() == 0:
-        part.place.empty()
+    part.place.empty()
+    try:
         with SmallDisk(part):
             for _ in range(part.rounds):
                 for name in NAMES:
                     small_disk(part, Kind(name), wanted[name], largest[name])
                     disks += 2
-    else:
-        print("full disk: only by a limit of the size of files; a file system needs root")
+    except NoDisk as reason:
+        print(f"full disk: only by limits of the size of files, no file system: {reason}")
     return part.end(f"full disk: {len(NAMES)} kinds, {4 * part.rounds * len(NAMES)} limits, "
                     f"{disks} full file systems")
 
