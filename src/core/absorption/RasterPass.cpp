@@ -8,6 +8,7 @@
 #include "absorption/AbsorptionSource.h"
 #include "absorption/RowEvaluation.h"
 #include "base/AddressSpace.h"
+#include "base/OneThread.h"
 #include "frames/CountFile.h"
 #include "frames/TiffData.h"
 
@@ -26,11 +27,16 @@ RasterPass::RasterPass(const AbsorptionSource& source, const BinRaster& raster, 
       m_evaluators(std::move(evaluators)),
       m_plan(BandPlan::of(source, raster, valuesPerBin, static_cast<int>(m_evaluators.size()))),
       m_ready(std::move(ready)),
-      m_slots(static_cast<std::size_t>(m_plan.results)),
+      m_slots(static_cast<std::size_t>(usesOneThread() ? std::max(1, rows.end - rows.first)
+                                                       : m_plan.results)),
       m_toMake(m_end - rows.first),
       m_begun(rows.first),
       m_told(rows.first),
       m_taken(rows.first) {
+    if (usesOneThread()) {
+        work(m_evaluators.front());
+        return;
+    }
     const auto threads = static_cast<std::size_t>(m_plan.threads);
     m_threads.reserve(threads);
     try {

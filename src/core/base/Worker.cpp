@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/AddressSpace.h"
+#include "base/OneThread.h"
 
 namespace {
 std::atomic<int> left{0};
@@ -43,8 +44,8 @@ void Worker::work(const std::shared_ptr<Shared>& shared) {
 }
 
 bool Worker::begin() {
-    if (m_isOver || !hasRoomForThread()) {
-        m_isOver = true;
+    m_isOver = m_isOver || usesOneThread() || !hasRoomForThread();
+    if (m_isOver) {
         return false;
     }
     auto shared = std::make_shared<Shared>();

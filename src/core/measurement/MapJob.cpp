@@ -4,6 +4,7 @@
 #include <new>
 
 #include "base/AddressSpace.h"
+#include "base/OneThread.h"
 
 namespace {
 constexpr int TellMilliseconds = 40;  // as often as an eye follows
@@ -14,7 +15,7 @@ void MapJob::start(const Make& make) {
     m_stopped = false;
     const auto work = [this, make, generation = m_generation] { run(make, generation); };
     try {
-        if (hasRoomForThread()) {
+        if (!usesOneThread() && hasRoomForThread()) {
             m_thread = std::thread(work);
             return;
         }
