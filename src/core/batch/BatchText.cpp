@@ -1,5 +1,6 @@
 #include "batch/BatchText.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QTextStream>
 
@@ -37,14 +38,21 @@ bool readBatchFile(const QString& fileName, QStringList* lines) {
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text) || !readToEnd(&file, &content)) {
         return false;
     }
-    QTextStream in(content);
+    QBuffer buffer(&content);
+    buffer.open(QIODevice::ReadOnly);
+    *lines = readBatchLines(&buffer);
+    return true;
+}
+
+QStringList readBatchLines(QIODevice* device) {
+    QTextStream in(device);
     in.setCodec("UTF-8");
-    lines->clear();
+    QStringList lines;
     QString line;
     while (in.readLineInto(&line)) {
-        lines->append(line);
+        lines.append(line);
     }
-    return true;
+    return lines;
 }
 
 BatchText BatchText::fromLines(const QStringList& all) {

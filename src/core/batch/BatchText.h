@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <QVector>
 
+class QIODevice;
+
 // The text of a batch: physical lines, logical lines, files.
 
 /// Reads the logical line that starts at lines[*index]: while a line ends in a backslash, the next
@@ -14,6 +16,8 @@ QString readLogicalLine(const QStringList& lines, int* index);
 /// Reads a batch file (UTF-8), which may be a pipe, into its lines, without line ends. False if it
 /// cannot be opened or does not end within 64 MB.
 bool readBatchFile(const QString& fileName, QStringList* lines);
+/// The same from a device that is open for reading as text.
+QStringList readBatchLines(QIODevice* device);
 
 /// A batch as it is dispatched unattended: blank lines dropped, since they would be reported as
 /// unknown commands. A line of blanks that ends a continued line stays.
