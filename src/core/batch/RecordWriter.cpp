@@ -133,11 +133,8 @@ void RecordWriter::digest(const FileInput& file) {
 
 bool RecordWriter::energyIsKept(const Stack::File& file, const QString& relative,
                                 int before) const {
-    thread_local QRegularExpression expression;
-    if (expression.pattern() != file.names.pattern) {
-        expression.setPattern(file.names.pattern);
-    }
-    const double found = numberFromName(relative, expression).value_or(before - 1);
+    const double found =
+        numberFromName(relative, expressionOf(file.names.pattern)).value_or(before - 1);
     return found * file.names.factor() == file.energy;
 }
 

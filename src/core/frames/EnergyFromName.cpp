@@ -17,6 +17,14 @@ bool goesOn(const QString& text, int i, int direction) {
 
 }  // namespace
 
+const QRegularExpression& expressionOf(const QString& pattern) {
+    thread_local QRegularExpression expression;
+    if (expression.pattern() != pattern) {
+        expression.setPattern(pattern);
+    }
+    return expression;
+}
+
 bool cutsNumber(const QString& path, const QRegularExpression& pattern) {
     const QRegularExpressionMatch match =
         pattern.isValid() ? pattern.match(path) : QRegularExpressionMatch();

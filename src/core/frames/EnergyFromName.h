@@ -11,6 +11,10 @@
 std::optional<double> numberFromName(const QString& path, const QRegularExpression& pattern,
                                      QString* matched = nullptr);
 
+/// The expression of a pattern, which may be none. Compiled once for all files of a stack; valid in
+/// this thread until the next call.
+const QRegularExpression& expressionOf(const QString& pattern);
+
 /// Whether what the pattern finds is a part of a longer number in the path, such as the "5eV" of
 /// "7112.5eV": a digit, or a point or comma with a digit beyond it, stands beside its own digits.
 bool cutsNumber(const QString& path, const QRegularExpression& pattern);

@@ -2,7 +2,6 @@
 
 #include <QFileInfo>
 #include <QMap>
-#include <QRegularExpression>
 #include <algorithm>
 #include <set>
 
@@ -34,7 +33,7 @@ Files those(const Files& files, Is is) {
 }
 
 bool isCut(const Stack::File& file) {
-    return !file.isNumbered && cutsNumber(file.path, QRegularExpression(file.names.pattern));
+    return !file.isNumbered && cutsNumber(file.path, expressionOf(file.names.pattern));
 }
 
 bool isAbsurd(const Stack::File& file) {

@@ -2,7 +2,6 @@
 
 #include <QDebug>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <algorithm>
 #include <utility>
 
@@ -14,28 +13,19 @@
 
 namespace {
 
-/// Compiled once, not for every file of a stack.
-const QRegularExpression& expressionOf(const NamePattern& names) {
-    thread_local QRegularExpression expression;
-    if (expression.pattern() != names.pattern) {
-        expression.setPattern(names.pattern);
-    }
-    return expression;
-}
-
 QSize sizeOf(const TiffData& frame) {
     return QSize(static_cast<int>(frame.width), static_cast<int>(frame.height));
 }
 
 bool hasEnergy(const QString& fileName, const NamePattern& names) {
-    return numberFromName(fileName, expressionOf(names)).has_value();
+    return numberFromName(fileName, expressionOf(names.pattern)).has_value();
 }
 
 }  // namespace
 
 double frameEnergy(const QString& fileName, const NamePattern& names, int before) {
     QString matched;
-    const std::optional<double> found = numberFromName(fileName, expressionOf(names), &matched);
+    const std::optional<double> found = numberFromName(fileName, expressionOf(names.pattern), &matched);
     if (found) {
         qDebug().noquote() << "match captured" << matched;
     }
