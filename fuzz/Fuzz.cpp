@@ -1,6 +1,6 @@
 #include "Fuzz.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
@@ -27,8 +27,12 @@ int logLines() {
 }
 
 void require(bool holds, const char* property) {
+    require(holds, property, QString());
+}
+
+void require(bool holds, const char* property, const QString& of) {
     if (!holds) {
-        std::fprintf(stderr, "==ERROR: does not hold: %s\n", property);
+        std::fprintf(stderr, "==ERROR: does not hold: %s %s\n", property, qPrintable(of));
         std::abort();
     }
 }
@@ -38,7 +42,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
     static char name[] = "fuzz";
     static char* argv[] = {name, nullptr};
     initGlobals();
-    static const QCoreApplication application(argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    static const QGuiApplication application(argc, argv);
     qInstallMessageHandler(countLine);
     return 0;
 }

@@ -1,0 +1,86 @@
+#include "batch/BatchTargets.h"
+
+#include <cmath>
+#include <cstdlib>
+
+#include "Fuzz.h"
+#include "base/OneThread.h"
+#include "batch/BatchExecution.h"
+
+namespace {
+
+/// Maps, too, are among what a batch finds.
+void putMaps(const TinyFolder& folder) {
+    Measurement measurement;
+    BatchExecution made(folder);
+    made.run(measurement,
+             QStringList(loadingLines())
+                 << QStringLiteral("calib_load_std foil.dat") << QStringLiteral("calib_exec")
+                 << QStringLiteral("calib_save_map shift.emp")
+                 << QStringLiteral("calib_save_map shift.tif"),
+             MostRounds);
+    for (const AnsweredLine& answer : made.answers()) {
+        require(!answer.outcome.failed(), "the first batch does its work:",
+                answer.text + answer.outcome.failures.join(QLatin1Char(' ')));
+    }
+}
+
+TinyFolder* makeFolder() {
+    useOneThread();
+    auto* folder = new TinyFolder;
+    std::atexit([] { tinyFolder().remove(); });
+    putMaps(*folder);
+    folder->keep();
+    folder->leave();
+    return folder;
+}
+
+}  // namespace
+
+const QStringList& loadingLines() {
+    static const QStringList lines{QStringLiteral("load_I1_files_of_pattern NEW i1 *.tif"),
+                                   QStringLiteral("load_I0_files_of_pattern NEW i0 *.tif"),
+                                   QStringLiteral("set_band_w 0"),
+                                   QStringLiteral("set_band_h 0"),
+                                   QStringLiteral("analyzer_set_LCF_std 0 1 0 a.dat 0"),
+                                   QStringLiteral("analyzer_set_LCF_std 1 1 0 b.dat 0")};
+    return lines;
+}
+
+TinyFolder& tinyFolder() {
+    static TinyFolder* const folder = makeFolder();
+    return *folder;
+}
+
+void checkSettings(const Settings& s) {
+    for (const double number : {s.e0.energy,
+                                s.ranges.preStart,
+                                s.ranges.preEnd,
+                                s.ranges.postStart,
+                                s.ranges.postEnd,
+                                s.mask,
+                                s.differenceFrom,
+                                s.differenceTo,
+                                s.raEnergy,
+                                s.raFactor,
+                                s.dMutMin,
+                                s.dMutMax,
+                                s.ratioMin,
+                                s.ratioMax,
+                                s.tiff.scaleMin,
+                                s.tiff.scaleMax,
+                                s.viewRange.low,
+                                s.viewRange.high,
+                                s.absorptionRange.low,
+                                s.absorptionRange.high,
+                                s.differenceRange.low,
+                                s.differenceRange.high,
+                                s.frameView.from,
+                                s.frameView.to.value_or(0.0)}) {
+        require(std::isfinite(number), "settings are numbers");
+    }
+    for (const MapView& view : s.views.of) {
+        require(std::isfinite(view.range.low) && std::isfinite(view.range.high),
+                "ranges are numbers");
+    }
+}

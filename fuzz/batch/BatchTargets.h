@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QByteArray>
+#include <QStringList>
+
+#include "batch/TinyFolder.h"
+#include "measurement/Measurement.h"
+
+// What the targets over the batch language share.
+
+/// The folder of all executions; made by the first call, with the application object and all that
+/// is of the whole program.
+TinyFolder& tinyFolder();
+
+/// Lines that are handed out before loops are left.
+constexpr int MostRounds = 100;
+
+/// Lines that load the measurement.
+const QStringList& loadingLines();
+
+/// Ends the program where a setting holds what no line may set: a number that is none.
+void checkSettings(const Settings& settings);
