@@ -177,6 +177,8 @@ class TestFrames : public QObject {
         QCOMPARE(number("Fe-7112eV.tif", ""), 0.0);
         QCOMPARE(number("Fe.tif"), -1.0);
         QCOMPARE(number("Fe-7112eV.tif", "["), -1.0);
+        QCOMPARE(number("Fe-nan.tif", "nan"), 0.0);  // frames are put in order of their energies
+        QCOMPARE(number("Fe-1e999eV.tif", "[\\de]+"), 0.0);
     }
 
     void units() {

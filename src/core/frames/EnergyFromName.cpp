@@ -1,6 +1,11 @@
 #include "frames/EnergyFromName.h"
 
+#include <cmath>
+
 namespace {
+
+// Of eV, also when it is one of keV; far beyond any energy.
+constexpr double LargestNumber = 1e300;
 
 bool isDigit(const QString& text, int i) {
     return i >= 0 && i < text.size() && text.at(i) >= QLatin1Char('0') &&
@@ -48,5 +53,6 @@ std::optional<double> numberFromName(const QString& path, const QRegularExpressi
     number.replace(QLatin1Char('_'), QLatin1Char('.'));
     number.remove(QStringLiteral("KEV"));
     number.remove(QStringLiteral("EV"));
-    return number.toDouble();
+    const double value = number.toDouble();
+    return std::abs(value) <= LargestNumber ? value : 0.0;  // "nan" and "1e999" are none, either
 }

@@ -6,8 +6,8 @@
 
 /// The number that a regular expression finds in a file's path (the whole path is searched): the
 /// matched text in capitals with "_" for the decimal point and without "KEV" and "EV"; 0 for text
-/// that is no number. Empty when the pattern does not match or is none. *matched gets the text as
-/// it stands in the path.
+/// that is no finite number. Empty when the pattern does not match or is none. *matched gets the
+/// text as it stands in the path.
 std::optional<double> numberFromName(const QString& path, const QRegularExpression& pattern,
                                      QString* matched = nullptr);
 
