@@ -7,6 +7,14 @@
 #include "base/OneThread.h"
 #include "batch/BatchExecution.h"
 
+// A batch takes thousands of small pieces of memory: where each came from is not kept, and those
+// that are free again are watched for one or two batches. A finding is run again with the usual
+// options.
+extern "C" const char* __asan_default_options();
+extern "C" const char* __asan_default_options() {
+    return "malloc_context_size=0:quarantine_size_mb=1";
+}
+
 namespace {
 
 /// Maps, too, are among what a batch finds.
