@@ -63,6 +63,9 @@ void makeAgain(RecordWriter& writer, const Measurement& measurement, const Resul
         return;
     }
     writer.inputs(result.run->inputs, result.run->work);
+    if (result.run->work == Work::Fit && !result.run->inputs.errorMaps) {
+        writer.mask(measurement.settings());  // behind such a fit no mask is taken
+    }
     if (result.run->work == Work::Difference) {
         execDifference(writer, result.run->inputs);
     } else {
@@ -176,7 +179,8 @@ void presentSettings(RecordWriter& w, const Measurement& m) {
         w.line(QStringLiteral("show_frame"), {text(m.frame())});
     }
     const QPoint at(toPixel(m.position().x()), toPixel(m.position().y()));
-    if (QRect(QPoint(0, 0), m.imageSize()).contains(at)) {
+    // A rectangle of no image, of -1 x -1 pixels, holds (-1, -1).
+    if (!m.imageSize().isEmpty() && QRect(QPoint(0, 0), m.imageSize()).contains(at)) {
         w.line(QStringLiteral("move_position"), {text(at.x()), text(at.y())});
     }
 }
