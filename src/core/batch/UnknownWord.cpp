@@ -2,6 +2,7 @@
 
 #include <QStringList>
 #include <algorithm>
+#include <cstdlib>
 #include <vector>
 
 #include "batch/BatchTexts.h"
@@ -41,6 +42,9 @@ QString nearest(const QString& word) {
     QString best;
     int least = 4;
     for (const QString& name : qAsConst(known)) {
+        if (std::abs(word.size() - name.size()) >= least) {
+            continue;  // they differ by more than that
+        }
         const int d = distance(word.toLower(), name.toLower());
         if (d < least && d * 2 <= name.size()) {
             least = d;
