@@ -46,6 +46,7 @@ void doAgain(const TinyFolder& folder, const Measurement& first, const QStringLi
     Measurement second;
     second.readCountsWhenNeeded();
     BatchExecution again(folder);
+    again.leaveOutLetters();
     again.run(second, record, 100 * MostRounds);
     for (const AnsweredLine& answer : again.answers()) {
         require(!answer.outcome.failed(), "a line of a record does its work:",
@@ -67,6 +68,7 @@ void fuzz(const QByteArray& input) {
     TinyFolder& folder = tinyFolder();
     folder.enter();
     BatchExecution execution(folder);
+    execution.leaveOutLetters();
     {
         Measurement measurement;
         measurement.readCountsWhenNeeded();

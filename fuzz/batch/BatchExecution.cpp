@@ -50,6 +50,11 @@ void BatchExecution::run(Measurement& measurement, const QStringList& lines, int
             dispatcher->leaveLoops();
             m_isWhole = false;
         }
+        const CommandRow* row = commandRow(commandId(cmd.command));
+        if (m_leavesOutLetters && row != nullptr && row->drawsLetters) {
+            cmd.command = QStringLiteral(":rem_end");
+            m_isWhole = false;
+        }
         confine(&cmd.args, cmd.command);
         runner.execCmd(cmd, inRem);
     });

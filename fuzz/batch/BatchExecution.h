@@ -21,6 +21,8 @@ class BatchExecution {
   public:
     explicit BatchExecution(const TinyFolder& folder) : m_folder(folder) {}
 
+    /// Lines that draw letters are answered without being carried out.
+    void leaveOutLetters() { m_leavesOutLetters = true; }
     /// @param rounds of lines that are handed out before loops are left
     void run(Measurement& measurement, const QStringList& lines, int rounds);
 
@@ -37,6 +39,7 @@ class BatchExecution {
     QVector<AnsweredLine> m_answers;
     QSet<QString> m_written;
     bool m_isWhole = true;
+    bool m_leavesOutLetters = false;
 };
 
 /// The lines of a text as those of a batch file.

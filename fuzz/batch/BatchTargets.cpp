@@ -60,6 +60,23 @@ TinyFolder& tinyFolder() {
     return *folder;
 }
 
+void runBatch(const QByteArray& input, bool draws) {
+    TinyFolder& folder = tinyFolder();
+    folder.enter();
+    BatchExecution execution(folder);
+    if (!draws) {
+        execution.leaveOutLetters();
+    }
+    {
+        Measurement measurement;
+        measurement.readCountsWhenNeeded();
+        execution.run(measurement, linesOf(input), MostRounds);
+        checkSettings(measurement.settings());
+    }
+    folder.putBack(execution.written());
+    folder.leave();
+}
+
 void checkSettings(const Settings& s) {
     for (const double number : {s.e0.energy,
                                 s.ranges.preStart,

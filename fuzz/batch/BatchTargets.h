@@ -13,10 +13,15 @@
 TinyFolder& tinyFolder();
 
 /// Lines that are handed out before loops are left.
-constexpr int MostRounds = 100;
+constexpr int MostRounds = 50;
 
 /// Lines that load the measurement.
 const QStringList& loadingLines();
+
+/// Runs a batch in the folder: each line is answered once, the batch ends, nothing is written but
+/// what is said, and no setting holds what is no number.
+/// @param draws lines that draw letters, which take a hundred times as long as others
+void runBatch(const QByteArray& input, bool draws);
 
 /// Ends the program where a setting holds what no line may set: a number that is none.
 void checkSettings(const Settings& settings);

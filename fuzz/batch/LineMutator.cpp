@@ -21,6 +21,8 @@ namespace {
 
 using Random = std::minstd_rand;
 
+constexpr std::size_t LongestBatch = 800;
+
 int below(Random& random, int end) {
     return static_cast<int>(random() % static_cast<unsigned>(std::max(1, end)));
 }
@@ -175,6 +177,8 @@ void change(Random& random, QList<QByteArray>* lines) {
 
 extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t most, unsigned seed) {
     Random random(seed);
+    most = std::min(most, LongestBatch);
+    size = std::min(size, most);
     if (below(random, 4) == 0) {
         return LLVMFuzzerMutate(data, size, most);
     }
