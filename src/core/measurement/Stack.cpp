@@ -25,7 +25,8 @@ bool hasEnergy(const QString& fileName, const NamePattern& names) {
 
 double frameEnergy(const QString& fileName, const NamePattern& names, int before) {
     QString matched;
-    const std::optional<double> found = numberFromName(fileName, expressionOf(names.pattern), &matched);
+    const std::optional<double> found =
+        numberFromName(fileName, expressionOf(names.pattern), &matched);
     if (found) {
         qDebug().noquote() << "match captured" << matched;
     }
