@@ -21,17 +21,22 @@ bool isName(ArgKind kind) {
 
 }  // namespace
 
-void BatchExecution::confine(QStringList* args, const QString& command) {
-    const CommandRow* row = commandRow(commandId(command));
+/// Keeps the names of a line in the folder.
+void BatchExecution::confine(CmdLine* cmd) {
+    const CommandRow* row = commandRow(commandId(cmd->command));
     if (row == nullptr || row->args.empty()) {
         return;
     }
-    for (int i = 0; i < args->size(); ++i) {
+    if (m_leavesOutLetters && row->drawsLetters) {
+        cmd->command = QStringLiteral(":rem_end");
+        m_isWhole = false;
+    }
+    for (int i = 0; i < cmd->args.size(); ++i) {
         const auto kind = std::min(static_cast<std::size_t>(i), row->args.size() - 1);
         if (isName(row->args[kind])) {
-            const QString inside = m_folder.confined(args->at(i));
-            m_isWhole = m_isWhole && inside == args->at(i);
-            (*args)[i] = inside;
+            const QString inside = m_folder.confined(cmd->args.at(i));
+            m_isWhole = m_isWhole && inside == cmd->args.at(i);
+            cmd->args[i] = inside;
         }
     }
 }
@@ -50,12 +55,7 @@ void BatchExecution::run(Measurement& measurement, const QStringList& lines, int
             dispatcher->leaveLoops();
             m_isWhole = false;
         }
-        const CommandRow* row = commandRow(commandId(cmd.command));
-        if (m_leavesOutLetters && row != nullptr && row->drawsLetters) {
-            cmd.command = QStringLiteral(":rem_end");
-            m_isWhole = false;
-        }
-        confine(&cmd.args, cmd.command);
+        confine(&cmd);
         runner.execCmd(cmd, inRem);
     });
     QObject::connect(

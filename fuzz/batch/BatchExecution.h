@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QVector>
 
+#include "batch/CmdLine.h"
 #include "batch/TinyFolder.h"
 #include "measurement/Measurement.h"
 
@@ -27,13 +28,14 @@ class BatchExecution {
     void run(Measurement& measurement, const QStringList& lines, int rounds);
 
     const QVector<AnsweredLine>& answers() const { return m_answers; }
-    /// All rounds of loops were run, and no name was changed to stay in the folder.
+    /// All rounds of loops were run, no line was left out and no name changed to stay in the
+    /// folder.
     bool isWhole() const { return m_isWhole; }
     /// Absolute paths of the files said to be written, since the start.
     const QSet<QString>& written() const { return m_written; }
 
   private:
-    void confine(QStringList* args, const QString& command);
+    void confine(CmdLine* cmd);
 
     const TinyFolder& m_folder;
     QVector<AnsweredLine> m_answers;
