@@ -232,7 +232,7 @@ class Window(Batch):
         self.until = self.last.exists
 
     def command(self):
-        return [self.program, "-x", "-b", "job.bat", "-e"]
+        return [self.program, "-b", "job.bat", "-x", "-e"]
 
 
 def try_all(batch, quick, seconds):
