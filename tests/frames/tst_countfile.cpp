@@ -254,7 +254,9 @@ class TestCountFile : public QObject {
         std::thread cutter([&] {
             while (!isOver) {
                 const bool isCut = file.resize(100) && file.seek(0);
-                isOver = isOver || !isCut || file.write(content) != content.size();
+                if (!isCut || file.write(content) != content.size()) {
+                    isOver = true;
+                }
             }
         });
         int taken = 0;
