@@ -26,7 +26,8 @@ class Somebody {
         }
         m_i1 = listImageFiles(phantom.dir(), {"i1-*.tif"});
         m_i0 = listImageFiles(phantom.dir(), {"i0-*.tif"});
-        m_dark = phantom.writeDarkFrames(Side, Side, [](int x, int y) { return 100 + x % 3 + y % 2; });
+        m_dark =
+            phantom.writeDarkFrames(Side, Side, [](int x, int y) { return 100 + x % 3 + y % 2; });
     }
 
     Measurement& measurement() { return m_measurement; }
