@@ -2516,10 +2516,6 @@ Folder</source>
         <translation>開けません</translation>
     </message>
     <message>
-        <source>no such file</source>
-        <translation>ファイルがありません</translation>
-    </message>
-    <message>
         <source>an empty file</source>
         <translation>空のファイルです</translation>
     </message>
@@ -2584,10 +2580,6 @@ Folder</source>
         <translation>途中で切れています: %2 行中 %1 行</translation>
     </message>
     <message>
-        <source>a folder or a device, not a file</source>
-        <translation>ファイルではなくフォルダーまたはデバイスです</translation>
-    </message>
-    <message>
         <source>a strip is announced longer than the file</source>
         <translation>ストリップの長さがファイルを超えています</translation>
     </message>
@@ -2624,16 +2616,16 @@ Folder</source>
         <translation>%1: 読み込みの後でなくなりました</translation>
     </message>
     <message>
-        <source>%1: not enough memory</source>
-        <translation>%1: メモリが足りません</translation>
-    </message>
-    <message>
         <source>%1: is shorter than when it was loaded</source>
         <translation>%1: 読み込んだときより短くなっています</translation>
     </message>
     <message>
         <source>the temporary file for decoded counts in %1: %2</source>
         <translation>展開したカウントの一時ファイル (フォルダー %1): %2</translation>
+    </message>
+    <message>
+        <source>its strips lie over each other</source>
+        <translation>ストリップどうしが重なっています</translation>
     </message>
 </context>
 <context>
@@ -2842,6 +2834,21 @@ Folder</source>
     <message>
         <source>No image</source>
         <translation>画像がありません</translation>
+    </message>
+</context>
+<context>
+    <name>InputFile</name>
+    <message>
+        <source>not a file</source>
+        <translation>ファイルではありません</translation>
+    </message>
+    <message>
+        <source>no such file</source>
+        <translation>ファイルがありません</translation>
+    </message>
+    <message>
+        <source>has changed while it was read</source>
+        <translation>読み込み中に変更されました</translation>
     </message>
 </context>
 <context>
@@ -3180,6 +3187,25 @@ Folder</source>
     <message>
         <source>%1 of memory are needed, the limit is %2 (this line: %3, the program and what it holds: %4)</source>
         <translation>メモリが %1 必要ですが、上限は %2 です (この行 %3、プログラムと保持中のデータ %4)</translation>
+    </message>
+    <message>
+        <source>%1 of memory are needed, the limit of the system is %2 (this line: %3, the program and what it holds: %4)</source>
+        <translation>メモリが %1 必要ですが、システムの上限は %2 です (この行 %3、プログラムと保持中のデータ %4)</translation>
+    </message>
+</context>
+<context>
+    <name>Memory</name>
+    <message>
+        <source>memory ran out</source>
+        <translation>メモリが足りません</translation>
+    </message>
+    <message>
+        <source>not enough memory: %1 more are needed</source>
+        <translation>メモリが足りません: あと %1 必要です</translation>
+    </message>
+    <message>
+        <source>not enough memory: %1 more are needed, %2 are left of the limit of %3</source>
+        <translation>メモリが足りません: あと %1 必要ですが、上限 %3 の残りは %2 です</translation>
     </message>
 </context>
 <context>
@@ -3723,14 +3749,6 @@ Folder</source>
 <context>
     <name>SavingResults</name>
     <message>
-        <source>%1: the result was %2</source>
-        <translation>%1: 結果は %2されています</translation>
-    </message>
-    <message>
-        <source>%1: the result is %2</source>
-        <translation>%1: 注意: %2です</translation>
-    </message>
-    <message>
         <source>there are no results to save</source>
         <translation>保存する解析結果がありません</translation>
     </message>
@@ -3859,6 +3877,10 @@ Folder</source>
         <translation>
             <numerusform>エネルギーと値のない %n 行を読み飛ばしました: %1</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>longer than any spectrum</source>
+        <translation>スペクトルとしては長すぎます</translation>
     </message>
 </context>
 <context>
