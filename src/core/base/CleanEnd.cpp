@@ -151,8 +151,8 @@ struct CleanEnd::Handlers {
         std::optional<Clock::time_point> end;
         while (!isOver) {
             const timespec left = timeTo(end.value_or(Clock::now()));
-            const int number = end ? sigtimedwait(&watched, nullptr, &left)
-                                   : sigwaitinfo(&watched, nullptr);
+            const int number =
+                end ? sigtimedwait(&watched, nullptr, &left) : sigwaitinfo(&watched, nullptr);
             if (number < 0 && errno == EAGAIN) {
                 endByForce();
             }
