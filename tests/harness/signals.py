@@ -122,7 +122,7 @@ class Check(common.Part):
                 break
             time.sleep(0.002)
         time.sleep(self.chance.uniform(0.0, spread))
-        if process.poll() is not None and marker:
+        if process.poll() is not None and marker and 0 not in (codes or []):
             self.fault(f"{name}: had ended before: {reader.text[-300:].decode()}")
             return 0.0
         begin = time.monotonic()
@@ -232,7 +232,8 @@ class Check(common.Part):
         work = self.root / "work"
         shutil.rmtree(work, ignore_errors=True)
         return self.told(name, [self.program, "--work", str(work), *options, self.batch(
-            "large", LOAD + FIT, 0)], b"analyzer_exec_LCF :", spread=0.3)
+            "large", LOAD + "analyzer_set_error_maps 1\n" + FIT, 0)], b"analyzer_exec_LCF :",
+            spread=0.1)
 
     def cluster(self):
         work = self.root / "work"
@@ -241,7 +242,8 @@ class Check(common.Part):
         # It runs a group of its own, and gives 143 for a hang-up, too.
         return self.told("tarnwick-slurm --local", [
             str(program), "--local", "--work", str(work), "--parts", "4",
-            self.batch("large", LOAD + FIT, 0)], spread=2.0, codes=["told", 143, 0], said=None)
+            self.batch("large", LOAD + FIT, 0)], b"at once", spread=1.0,
+            codes=["told", 143, 0], said=None)
 
     def dead_file(self):
         """A file that nobody gets to open: it is leased to us. None: not on this file system."""
