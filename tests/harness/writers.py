@@ -43,14 +43,30 @@ def look(part, path, allowed, counts):
         part.fault(f"{path.name} of {len(data)} bytes: {wrong}")
 
 
+def version(path):
+    try:
+        now = path.stat()
+    except FileNotFoundError:
+        return None
+    return now.st_ino, now.st_mtime_ns
+
+
 def race(part, number, allowed, counts, looks):
-    """So many looks while so many runs write."""
-    writers = [start(part, n) for n in range(number)]
+    """So many looks while so many runs write: at what is new since the last look, or any."""
     paths = [path for name, path in part.place.files().items() if name in allowed]
+    seen = {path: version(path) for path in paths}
+    writers = [start(part, n) for n in range(number)]
     end, runs = counts["looks"] + looks, number
     until = time.monotonic() + 600
+    begun = False
     while counts["looks"] < end and time.monotonic() < until:
-        look(part, part.chance.choice(paths), allowed, counts)
+        new = [path for path in paths if version(path) != seen[path]]
+        begun = begun or bool(new)
+        if begun:
+            path = part.chance.choice(new or paths)
+            seen[path] = version(path)
+            counts["versions"] += bool(new)
+            look(part, path, allowed, counts)
         time.sleep(0.0005)
         for at, process in enumerate(writers):
             if process.poll() is not None:
@@ -70,13 +86,16 @@ def main():
         ended(part, start(part, number))
         for file, content in part.place.contents().items():
             allowed.setdefault(file, []).append(content)
-    counts = {"looks": 0, "torn": 0, "runs": 0}
+    counts = {"looks": 0, "versions": 0, "torn": 0, "runs": 0}
     for number in (2, 4):
         race(part, number, allowed, counts, part.rounds // 2)
     for name in set(part.place.files()) - set(allowed):
         part.fault(f"{name} stays")
+    if counts["looks"] < part.rounds // 2 * 2:
+        part.fault("the looks took too long")
     return part.end(f"writers: {len(NAMES)} kinds, two and four writers, {counts['runs']} runs of "
-                    f"20 saves each, {counts['looks']} looks, {counts['torn']} torn")
+                    f"20 saves each, {counts['looks']} looks at "
+                    f"{counts['versions']} versions, {counts['torn']} torn")
 
 
 if __name__ == "__main__":
