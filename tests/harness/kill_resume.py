@@ -187,6 +187,7 @@ def main():
             if "damaged" in log:
                 print("resumed: a part was found damaged")
                 check.faults += 1
+            print(f"{kills} kills, {runs} runs brought to their end: {check.faults} faults", flush=True)
     print(f"work folders: {kills} kills, {runs} runs brought to their end, {taken} parts taken by "
           f"the last run of each, {len(check.outputs)} outputs, {len(check.parts)} parts: "
           f"{check.faults} faults")

@@ -79,6 +79,8 @@ def main():
         cleaned += len(strays) - len(left)
         for name in left:
             part.fault(f"{kind.name}: {name} stays for ever")
+        if kills % 50 == 0:
+            print(f"{kills} kills, {cleaned} temporaries cleaned: {part.faults} faults", flush=True)
     return part.end(f"kills: {len(NAMES)} kinds, {kills} kills, {cleaned} temporaries cleaned")
 
 
