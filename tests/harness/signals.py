@@ -109,7 +109,8 @@ class Check(common.Part):
             sample=self.samples.get(sample), many=self.root / "many", band=band))
         return str(self.place.job)
 
-    def told(self, name, command, marker=None, spread=0.5, codes=None, said="Interrupted", **how):
+    def told(self, name, command, marker=None, spread=0.5, codes=None, said="Interrupted",
+             twice=False, **how):
         """Starts it, tells it to end at some moment after the marker, and judges how it does."""
         number = SIGNALS[self.turn % len(SIGNALS)]
         self.turn += 1
@@ -127,6 +128,9 @@ class Check(common.Part):
             return 0.0
         begin = time.monotonic()
         process.send_signal(number)
+        if twice:  # which ends it at once, whatever it writes
+            time.sleep(self.chance.uniform(0.0, 0.01))
+            process.send_signal(number)
         try:
             code = process.wait(timeout=common.END)
         except subprocess.TimeoutExpired:
@@ -168,6 +172,10 @@ class Check(common.Part):
             word = begun.split(" ")[0].encode() + b" :"
             yield name, lambda n=name, s=sample, t=before + work, w=word: self.told(
                 n, self.options_of(n) + [self.batch(s, t)], w)
+            if "results/" in work:
+                yield name + ", told twice", lambda n=name, s=sample, t=before + work, w=word: (
+                    self.told(n, [self.program, self.batch(s, t)], w, codes=["told", "killed"],
+                              twice=True))
         yield from self.other_phases()
 
     def options_of(self, name):
