@@ -242,9 +242,7 @@ def try_all(batch, quick, seconds):
         return 1
     batch.seconds = seconds if batch.until is None else min(seconds, 24)
     faults = 0
-    version = [batch.program, "--version"] if not isinstance(batch, Window) else None
-    least = smallest(batch.program, batch.folder) if version else 150
-    for mib in steps(least, quick):
+    for mib in steps(smallest(batch.program, batch.folder), quick):
         wrong, code, said = batch.judge(mib)
         last = next((line for line in reversed(said.splitlines()) if MESSAGE.search(line)), "")
         print(f"{batch.name}: {mib} MiB: " +
