@@ -141,7 +141,7 @@ class Check(common.Part):
         subprocess.run([self.program, "make.bat"], cwd=self.source, check=True,
                        stdout=subprocess.DEVNULL)
         self.folder = self.place.out
-        self.counts = {"failed": 0, "whole": 0}
+        self.counts = {"failed": 0, "whole": 0, "window": 0}
         self.kept = {}  # what is written when an input is as it was, and when it is left out
 
     def lay_out(self, energy_map):
@@ -191,7 +191,7 @@ class Check(common.Part):
                 self.fault(f"{what}: {file} is none of those that it can be")
         if code == 0 and not common_to_all:
             self.fault(f"{what}: done, with outputs of more than one state")
-        self.counts["whole" if code == 0 else "failed"] += 1
+        self.counts["window" if windowed else "whole" if code == 0 else "failed"] += 1
 
     def disturbed(self, command, act, seconds, early=0.0):
         moment = self.chance.uniform(early, max(early, seconds))
@@ -285,18 +285,23 @@ class Check(common.Part):
         self.judge(what, 1 if code == 0 else code, said, "", variants, True)
 
     def flicker(self, kind):
-        """The file is written, cut and replaced all the time."""
+        """The file is written, cut and replaced all the time, also by another one."""
         pattern, energy_map = INPUTS[kind]
         self.lay_out(energy_map)
         files = sorted(self.folder.glob(pattern))
         path = files[len(files) // 2]  # the one that change() left out
         content = path.read_bytes()
+        other = files[0].read_bytes() if len(files) > 1 else content
+        variants = [*self.kept[kind][0],
+                    self.changed_before(energy_map, lambda: replace(path, other))]
+        self.lay_out(energy_map)
         over = threading.Event()
+        pause = self.chance.choice((0.004, 0.04, 0.2))  # seconds at most
 
         def change():
-            while not over.wait(self.chance.uniform(0.0, 0.004)):
+            while not over.wait(self.chance.uniform(0.0, pause)):
                 if self.chance.random() < 0.5:
-                    replace(path, content)
+                    replace(path, self.chance.choice((content, other)))
                 elif self.chance.random() < 0.5:
                     os.truncate(path, self.chance.randrange(len(content)))
                 else:
@@ -309,7 +314,7 @@ class Check(common.Part):
         thread.join()
         if path.suffix == ".tif":
             # A TIFF that is cut is refused, so that it counts whole or not at all.
-            self.judge(f"{kind}, flickering", code, said, path.name, self.kept[kind][0])
+            self.judge(f"{kind}, flickering", code, said, path.name, variants)
             return
         # Text may be cut at the end of a line, and is another text then.
         if code not in (0, 1) or (code == 1 and path.name not in said):
@@ -368,7 +373,7 @@ def main():
         print(f"{kind}: {check.faults - faults} faults", flush=True)
     check.told()
     return check.end(f"{runs} inputs changed while they were read, {check.counts['whole']} runs whole, "
-                     f"{check.counts['failed']} failed by name")
+                     f"{check.counts['failed']} failed by name, {check.counts['window']} in the window")
 
 
 if __name__ == "__main__":
