@@ -1,7 +1,10 @@
 #include <hdf5.h>
+#include <sys/stat.h>
 
 #include <QTemporaryDir>
+#include <cerrno>
 #include <cmath>
+#include <functional>
 #include <limits>
 
 #include "Files.h"
@@ -90,7 +93,11 @@ class Reader {
     hid_t m_file;
 };
 
+/// Makes a file lead to another one of that name.
+using Lead = std::function<void(hid_t file, const char* other)>;
+
 }  // namespace
+Q_DECLARE_METATYPE(Lead)
 
 class TestNexusFile : public QObject {
     Q_OBJECT
@@ -189,6 +196,47 @@ class TestNexusFile : public QObject {
         content.origin = "of another program";
         QVERIFY(writeNexus(path("a.h5"), content));
         QCOMPARE(whyNot(contentOf(path("a.h5"))), QString("no origin in it"));
+    }
+
+    // Nobody writes to the FIFO: who opened it would wait for ever.
+    void otherFilesAreNotOpened_data() {
+        QTest::addColumn<Lead>("lead");
+        const auto putText = [](hid_t file, hid_t creation) {
+            const hsize_t one = 1;
+            const hid_t type = H5Tcopy(H5T_C_S1);
+            H5Tset_size(type, 8);
+            const hid_t links = H5Pcreate(H5P_LINK_CREATE);
+            H5Pset_create_intermediate_group(links, 1);
+            H5Dclose(H5Dcreate2(file, "/entry/process/origin/data", type,
+                                H5Screate_simple(1, &one, nullptr), links, creation, H5P_DEFAULT));
+        };
+        QTest::newRow("link") << Lead([](hid_t file, const char* other) {
+            H5Lcreate_external(other, "/entry", file, "entry", H5P_DEFAULT, H5P_DEFAULT);
+        });
+        QTest::newRow("values") << Lead([putText](hid_t file, const char* other) {
+            const hid_t creation = H5Pcreate(H5P_DATASET_CREATE);
+            H5Pset_external(creation, other, 0, 8);
+            putText(file, creation);
+        });
+        QTest::newRow("virtual") << Lead([putText](hid_t file, const char* other) {
+            const hsize_t one = 1;
+            const hid_t space = H5Screate_simple(1, &one, nullptr);
+            const hid_t creation = H5Pcreate(H5P_DATASET_CREATE);
+            H5Pset_virtual(creation, space, other, "/text", space);
+            putText(file, creation);
+        });
+    }
+    void otherFilesAreNotOpened() {
+        QFETCH(Lead, lead);
+        const QByteArray other = QFile::encodeName(path("fifo"));
+        QVERIFY(mkfifo(other.constData(), 0600) == 0 || errno == EEXIST);
+        const hid_t file = H5Fcreate(QFile::encodeName(path("o.h5")).constData(), H5F_ACC_TRUNC,
+                                     H5P_DEFAULT, H5P_DEFAULT);
+        lead(file, other.constData());
+        QVERIFY(H5Fclose(file) >= 0);
+        QString whyNot;
+        QVERIFY(!readOrigin(path("o.h5"), &whyNot));
+        QCOMPARE(whyNot, QString("no origin in it"));
     }
 
     void tableOfBins() {

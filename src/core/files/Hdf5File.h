@@ -50,5 +50,6 @@ class Hdf5Writer {
 bool isHdf5(const QByteArray& start);
 
 /// A text as Hdf5Writer::text() writes it. Empty where there is no such text of at most that many
-/// bytes; nothing for a file that is none or is damaged.
+/// bytes in the file itself: no other file is opened. Nothing for a file that is none or is
+/// damaged.
 std::optional<QString> hdf5Text(const QString& fileName, const QString& path, qint64 mostBytes);

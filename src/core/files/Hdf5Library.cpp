@@ -206,13 +206,32 @@ bool FileInMemory::finish(const std::function<bool(const char* bytes, qint64 siz
     return take(*static_cast<const char* const*>(memory), size);
 }
 
+/// Other files are not followed: one that a damaged or strange file names may wait for ever.
+herr_t followNoFile(const char*, const char*, const char*, const char*, unsigned*, hid_t, void*) {
+    return -1;
+}
+
+hid_t openDataset(hid_t file, const QString& path) {
+    const Properties access(H5Pcreate(H5P_DATASET_ACCESS));
+    H5Pset_elink_cb(access, followNoFile, nullptr);
+    return H5Dopen2(file, path.toUtf8().constData(), access);
+}
+
+/// Whether the values lie in the file itself, in one piece.
+bool isInFile(hid_t dataset) {
+    const Properties creation(H5Dget_create_plist(dataset));
+    const H5D_layout_t layout = H5Pget_layout(creation);
+    return (layout == H5D_CONTIGUOUS || layout == H5D_COMPACT) &&
+           H5Pget_external_count(creation) == 0;
+}
+
 std::optional<QString> textOf(const QString& fileName, const QString& path, qint64 mostBytes) {
     const FileHandle file(openToRead(fileName));
     if (!file.isGood()) {
         return std::nullopt;
     }
-    const Dataset dataset(H5Dopen2(file, path.toUtf8().constData(), H5P_DEFAULT));
-    if (!dataset.isGood()) {
+    const Dataset dataset(openDataset(file, path));
+    if (!dataset.isGood() || !isInFile(dataset)) {
         return QString();
     }
     const Type type(H5Dget_type(dataset));
