@@ -12,7 +12,7 @@ namespace {
 
 /// A short file's map is made in full, as large as its header says: large ones would cost the time
 /// of all others. Their limits are tested in tests/calibration.
-constexpr qint64 MostPixels = 1 << 16;
+constexpr qint64 MostPixels = 1 << 20;
 
 bool isSmall(QIODevice& file) {
     QTextStream stream(&file);

@@ -12,6 +12,7 @@
 #include "FullDisk.h"
 #include "SameBits.h"
 #include "TestMain.h"
+#include "base/LargeMemory.h"
 #include "base/Limits.h"
 #include "calibration/EnergyMapFile.h"
 #include "calibration/NumberScan.h"
@@ -150,6 +151,20 @@ class TestEnergyMapFile : public QObject {
         QCOMPARE(map.valueAt(2, 1), before);
         QCOMPARE(map.grid().width, 3);
         QCOMPARE(imageSize, QSize(3, 3));
+    }
+
+    void lackOfMemoryLeavesTheMap() {
+        const QString name = written(goodHeader(3), "0 0 0 \n");
+        Analyzed2DRes map;
+        fill(&map, 3, 3);
+        const double before = map.valueAt(2, 1);
+        QSize imageSize(3, 3);
+        refuseMemory(1);
+        const EMapReading reading = readEMap(name, 0.0, &imageSize, &map);
+        refuseMemory(0);
+        QVERIFY(reading.refusal == EMapRefusal::NoMap);
+        QVERIFY2(reading.why.contains("not enough memory"), qPrintable(reading.why));
+        QCOMPARE(map.valueAt(2, 1), before);
     }
 
     void aMissingFileIsSaidOnce() {

@@ -6,11 +6,10 @@
 #include <QTextStream>
 #include <algorithm>
 #include <cmath>
-#include <memory>
-#include <new>
 #include <vector>
 
 #include "base/DebugLog.h"
+#include "base/LargeMemory.h"
 #include "base/Limits.h"
 #include "calibration/NumberScan.h"
 #include "files/FilePlaces.h"
@@ -72,16 +71,15 @@ QString firstItem(const QString& line, QLatin1String label) {
     return line.mid(label.size()).simplified().section(QLatin1Char(' '), 0, 0);
 }
 
-/// Whether a map of this size can be held, of which a file holds so many values at the most. The
-/// memory is tried before the present map is given up.
-bool sizeIsUsable(const EMPHeader& header, qint64 valuesInFile) {
+/// Why a map of this size cannot be held, of which a file holds so many values at the most; empty
+/// if it can. Asked before the present map is given up.
+QString refusalOfSize(const EMPHeader& header, qint64 valuesInFile) {
     const qint64 pixels = qint64(header.width) * header.height;
     if (header.width < 0 || header.height < 0 || pixels > Limits::MostPixels) {
-        return false;
+        return FrameHeader::tr("too large an image");
     }
-    const auto values = size_t(pixels + std::min(pixels, valuesInFile));
-    const std::unique_ptr<double[]> trial(new (std::nothrow) double[values]);
-    return trial != nullptr;
+    const auto values = quint64(pixels + std::min(pixels, valuesInFile));
+    return mayTakeMemory(values * sizeof(double)) ? QString() : lackOfMemory();
 }
 
 /// What the angles of a file are, as changes of energy.
@@ -108,11 +106,11 @@ bool isUsable(double edgeEnergy, double spacing) {
            std::isfinite(edgeEnergy) && braggAngle(edgeEnergy, spacing) > 0.0;
 }
 
-/// The shifts that belong to the angles behind a header, as many as there are, row by row; what the
-/// file says too little or too much is noted in *reading. Stops at a shift that cannot be.
-std::vector<double> readShifts(QTextStream& stream, const ShiftOfAngle& shiftOf, qint64 pixels,
-                               EMapReading* reading) {
-    std::vector<double> shifts;
+/// Appends the shifts that belong to the angles behind a header, as many as there are, row by row;
+/// what the file says too little or too much is noted in *reading. Stops at a shift that cannot be.
+void readShifts(QTextStream& stream, const ShiftOfAngle& shiftOf, qint64 pixels,
+                std::vector<double>* to, EMapReading* reading) {
+    std::vector<double>& shifts = *to;
     NumberScan numbers(stream);
     // Each row ends with a blank, so white space may be all that is left.
     while (qint64(shifts.size()) < pixels && !numbers.isAtEnd()) {
@@ -121,7 +119,7 @@ std::vector<double> readShifts(QTextStream& stream, const ShiftOfAngle& shiftOf,
         reading->noNumbers += isNumber ? 0 : 1;
         if (!isUsableShift(shift)) {
             reading->refusal = EMapRefusal::Shift;
-            return shifts;
+            return;
         }
         shifts.push_back(shift);
     }
@@ -130,7 +128,6 @@ std::vector<double> readShifts(QTextStream& stream, const ShiftOfAngle& shiftOf,
     if (reading->missing > 0) {
         qDebug() << "run out!" << reading->missing;
     }
-    return shifts;
 }
 
 void writeHeader(QTextStream& out, const AnalysisGrid& grid, const EMapInfo& info) {
@@ -269,12 +266,12 @@ EMapReading readContent(QIODevice& in, double edgeEnergy, const QSize& imageSize
     stream.setCodec("UTF-8");
     const EMPHeader header = readEMapHeader(stream);
     const double edge = edgeEnergy > 0.0 ? edgeEnergy : header.stdEdgeEnergy;
+    const qint64 valuesInFile = in.size() / kLeastOfValue;
     content->size = imageSize;
     if (!header.ok) {
         reading.refusal = EMapRefusal::NoMap;
-    } else if (!sizeIsUsable(header, in.size() / kLeastOfValue)) {
+    } else if (!(reading.why = refusalOfSize(header, valuesInFile)).isEmpty()) {
         reading.refusal = EMapRefusal::NoMap;
-        reading.why = FrameHeader::tr("too large an image");
     } else if (!isUsable(edge, header.spacing)) {
         reading.refusal = EMapRefusal::EdgeEnergy;
     } else if (!fitsImage(QSize(header.width, header.height), &content->size)) {
@@ -284,8 +281,9 @@ EMapReading readContent(QIODevice& in, double edgeEnergy, const QSize& imageSize
         const ShiftOfAngle shiftOf{edge, header.spacing};
         content->grid = gridOf(header);
         content->missing = shiftOf(0.0);
-        content->shifts =
-            readShifts(stream, shiftOf, qint64(header.width) * header.height, &reading);
+        const qint64 pixels = qint64(header.width) * header.height;
+        content->shifts.reserve(size_t(std::min(pixels, valuesInFile)));
+        readShifts(stream, shiftOf, pixels, &content->shifts, &reading);
     }
     return reading;
 }
