@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <thread>
 
@@ -15,6 +16,7 @@
 #include "FullDisk.h"
 #include "TestMain.h"
 #include "files/FilesTogether.h"
+#include "files/InputFile.h"
 #include "files/LeftOver.h"
 #include "files/WholeDevice.h"
 #include "files/WholeFile.h"
@@ -70,6 +72,17 @@ class TestWholeFile : public QObject {
     }
 
     /// Between the begin and the end of the writing.
+    void namesHaveNoZero() {
+        put(path("x"), "old");
+        QVERIFY(!write(path(QByteArray("x\0.tif", 6)), "new"));
+        QCOMPARE(::symlink("x", path("link").constData()), 0);
+        QVERIFY(!write(path(QByteArray("link\0.tif", 9)), "new"));
+        QCOMPARE(contentOf(path("x")), QByteArray("old"));
+        QCOMPARE(names(), QStringList({"link", "x"}));
+        QCOMPARE(openInput(path(QByteArray("x\0.tif", 6))), -1);
+        QCOMPARE(errno, ENOENT);
+    }
+
     void whatComesMeanwhile() {
         const auto writeWhile = [&](const auto& happens) {
             WholeFile file(path("file"));

@@ -58,7 +58,7 @@ QByteArray folderOf(const QByteArray& path) {
 QByteArray behindLinks(const QByteArray& path) {
     QByteArray behind = absolute(path);
     std::array<char, PATH_MAX> target{};
-    for (int i = 0; i < MostLinks; ++i) {
+    for (int i = 0; i < MostLinks && !behind.contains('\0'); ++i) {
         const ssize_t size = ::readlink(behind.constData(), target.data(), target.size());
         if (size <= 0) {
             break;
@@ -70,6 +70,9 @@ QByteArray behindLinks(const QByteArray& path) {
 }
 
 Standing whatStandsAt(const QByteArray& path, mode_t* mode) {
+    if (path.contains('\0')) {
+        return Standing::Taken;  // the system would take what is before it for the name
+    }
     struct stat old {};
     if (::lstat(path.constData(), &old) != 0) {
         return errno == ENOENT || errno == ENOTDIR ? Standing::Nothing : Standing::Taken;

@@ -28,6 +28,9 @@ int openInput(const QByteArray& path) {
     // Looked at before, for opening alone does something to some devices, and again when it is
     // open, for another may have come in its place. Never waits: neither the opening nor, as of the
     // system's own files, the reading.
+    if (path.contains('\0')) {
+        return refused(ENOENT);  // the system would open what is before it
+    }
     struct stat found {};
     if (::stat(path.constData(), &found) != 0) {
         return -1;
