@@ -133,6 +133,10 @@ class TestEnergyMapFile : public QObject {
         QTest::newRow("absurd spacing") << with(3, "e9") << invalid;
         QTest::newRow("spacing that is no number") << with(3, "x") << invalid;
         QTest::newRow("edge energy in keV") << with(2, "e-3") << invalid;
+        QStringList hugeEdge = goodHeader(3);
+        hugeEdge[2] = "Std Edge Energy [eV]    : 89e79";
+        hugeEdge[3] = "Spacing [nm]            : 3.13553";
+        QTest::newRow("edge that rounds away") << hugeEdge << invalid;
         QTest::newRow("endless shift") << with(12, "\n0 nan 0") << invalid;
         QTest::newRow("shift of 1100 eV") << with(12, "\n0 0 3") << invalid;
     }

@@ -284,6 +284,9 @@ EMapReading readContent(QIODevice& in, double edgeEnergy, const QSize& imageSize
         const qint64 pixels = qint64(header.width) * header.height;
         content->shifts.reserve(size_t(std::min(pixels, valuesInFile)));
         readShifts(stream, shiftOf, pixels, &content->shifts, &reading);
+        if (reading.missing > 0 && !isUsableShift(content->missing)) {
+            reading.refusal = EMapRefusal::Shift;  // an edge beyond what a double resolves to 1 eV
+        }
     }
     return reading;
 }
