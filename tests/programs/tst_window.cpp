@@ -120,7 +120,7 @@ class TestWindow : public QObject {
             << "load_I1_files NEW " +
                    m_phantom->file(QDir(m_phantom->dir()).entryList({"i1-*.tif"}).first()) + " dead"
             << 0;
-        QTest::newRow("in that of the window") << "load_I1_files NEW dead" << 128 + SIGTERM;
+        QTest::newRow("in that of the window") << "calib_load_std dead" << 128 + SIGTERM;
     }
 
     void closesWhereAFileDoesNotAnswer() {

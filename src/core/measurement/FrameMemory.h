@@ -17,5 +17,6 @@ struct FramesToRead {
 quint64 countBytes(const QSize& size, qint64 frames);
 
 /// Failed, with the sizes: the frames do not fit into what there is. Looks at one file of each
-/// load, at the headers of all only where those seem not to fit.
+/// load, at the headers of all only where those seem not to fit. Files from one on that does not
+/// answer within Worker::Patience are taken to fit: their reader meets the same.
 Outcome judgeMemory(const QVector<FramesToRead>& loads, quint64 available);
