@@ -31,19 +31,19 @@ class TestStackLoader : public QObject {
         QVERIFY(loader.takeRefused().isEmpty());
     }
 
-    /// A frame on its way when the stack is cleared must not turn up in the new stack.
+    /// A frame on its way when the stack is cleared must neither turn up in the new stack nor hold
+    /// it up.
     void clearingDropsTheFrameUnderWay() {
         StackLoader loader;
         loader.enqueue({"old1", "old2"});
         const auto stale = loader.next();
         loader.clear();
         loader.enqueue({"new"});
-        QVERIFY(!loader.next());
         QCOMPARE(loader.total(), 1);
-        stale->frame->loaded = true;
-        QVERIFY(!loader.arrived(stale->frame.get()));
         const auto fresh = loader.next();
         QCOMPARE(fresh->fileName, QString("new"));
+        stale->frame->loaded = true;
+        QVERIFY(!loader.arrived(stale->frame.get()));
         fresh->frame->loaded = true;
         QVERIFY(loader.arrived(fresh->frame.get()));
         QVERIFY(!loader.isLoading());
@@ -68,12 +68,12 @@ class TestStackLoader : public QObject {
         QCOMPARE(loader.total(), 1);
         loader.enqueue({"e"});
         QCOMPARE(loader.total(), 1);
+        const auto e = loader.next();
+        QCOMPARE(e->fileName, QString("e"));
         for (const auto& stale : {b, c}) {
             stale->frame->loaded = true;
             QVERIFY(!loader.arrived(stale->frame.get()));
         }
-        const auto e = loader.next();
-        QCOMPARE(e->fileName, QString("e"));
         e->frame->loaded = true;
         QVERIFY(loader.arrived(e->frame.get()));
         QVERIFY(!loader.isLoading());

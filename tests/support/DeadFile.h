@@ -24,6 +24,8 @@ class DeadFile {
 
     /// False where the file system knows no leases.
     bool isDead() const { return m_isDead; }
+    /// Somebody waits to open it, or has waited.
+    bool isAwaited() const { return ::fcntl(m_file, F_GETLEASE) != F_WRLCK; }
 
   private:
     void (*m_handler)(int);

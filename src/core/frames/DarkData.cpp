@@ -37,6 +37,7 @@ void DarkData::setImageSize(int width, int height) {
 
 void DarkData::replace(const QStringList& files) {
     m_loader.clear();
+    m_reader.drop();
     m_refused.clear();
     m_saidUnused = false;
     m_loader.enqueue(files);
@@ -46,6 +47,7 @@ void DarkData::replace(const QStringList& files) {
 
 void DarkData::clear() {
     m_loader.clear();
+    m_reader.drop();
     m_refused.clear();
     m_saidUnused = false;
     changeMean();

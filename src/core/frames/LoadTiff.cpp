@@ -41,12 +41,33 @@ void LoadTiff::loadTiff(const QString& fname, TiffData* data) {
 }
 
 void LoadTiff::load(const QString& fname, const std::shared_ptr<TiffData>& data) {
-    const auto tell = [this, data] { emit loaded(data.get()); };
-    const bool isThread = m_thread.run([fname, data, tell, what = m_what, inbox = m_inbox.slit()] {
-        read(fname, data.get(), what);
-        inbox.post(tell);
-    });
-    if (!isThread) {
-        m_inbox.post([this, fname, data] { loadTiff(fname, data.get()); });
+    ++m_underWay;
+    const auto tell = [this, data, wanted = m_wanted] {
+        if (*wanted) {
+            --m_underWay;
+            emit loaded(data.get());
+        }
+    };
+    const auto work = [=, wanted = m_wanted, what = m_what, inbox = m_inbox.slit()] {
+        if (*wanted) {
+            read(fname, data.get(), what);
+            inbox.post(tell);
+        }
+    };
+    if (!m_thread->run(work)) {
+        m_inbox.post(work);
     }
+}
+
+void LoadTiff::drop() {
+    constexpr std::chrono::milliseconds ForAFrame{100};
+    if (m_underWay == 0) {
+        return;
+    }
+    m_underWay = 0;
+    *m_wanted = false;
+    m_wanted = std::make_shared<std::atomic<bool>>(true);
+    m_thread->end(ForAFrame);
+    m_thread = std::make_unique<Worker>();
+    m_inbox.post([this] { emit loaded(nullptr); });
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <atomic>
 #include <memory>
 
 #include "base/Inbox.h"
@@ -25,9 +26,13 @@ class LoadTiff : public QObject {
     /// Reads in the background; loaded() follows, later than this call, in the order of the calls.
     /// The frame is the reader's until then.
     void load(const QString& fname, const std::shared_ptr<TiffData>& data);
+    /// Nobody waits for the frames under way any more, nor do those that are asked for from here
+    /// on, whether or not these files ever answer. In place of them loaded() follows once, with
+    /// null.
+    void drop();
 
   signals:
-    /// Emitted whether or not the frame could be read (see TiffData::loaded).
+    /// Emitted whether or not the frame could be read (see TiffData::loaded); null after drop().
     void loaded(TiffData* data);
 
   public slots:
@@ -40,6 +45,8 @@ class LoadTiff : public QObject {
     static void readHeader(const QString& fname, TiffData* data, What what);
 
     What m_what = What::Counts;
+    int m_underWay = 0;
+    std::shared_ptr<std::atomic<bool>> m_wanted = std::make_shared<std::atomic<bool>>(true);
     Inbox m_inbox;
-    Worker m_thread;  // goes first
+    std::unique_ptr<Worker> m_thread = std::make_unique<Worker>();  // goes first
 };

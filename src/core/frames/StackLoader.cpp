@@ -1,6 +1,5 @@
 #include "frames/StackLoader.h"
 
-#include <algorithm>
 #include <utility>
 
 void StackLoader::clear() {
@@ -12,9 +11,7 @@ void StackLoader::clear() {
 
 void StackLoader::stop() {
     m_queue.clear();
-    for (UnderWay& item : m_underWay) {
-        item.isStale = true;
-    }
+    m_underWay.clear();
 }
 
 void StackLoader::enqueue(const QStringList& files) {
@@ -26,17 +23,11 @@ void StackLoader::enqueue(const QStringList& files) {
     }
 }
 
-int StackLoader::total() const {
-    const auto wanted = std::count_if(m_underWay.begin(), m_underWay.end(),
-                                      [](const UnderWay& item) { return !item.isStale; });
-    return m_done + m_queue.size() + static_cast<int>(wanted);
-}
-
 std::optional<StackLoader::Request> StackLoader::next() {
     if (m_queue.isEmpty() || static_cast<int>(m_underWay.size()) >= m_atOnce) {
         return std::nullopt;
     }
-    m_underWay.push_back({m_queue.dequeue(), std::make_shared<TiffData>(), false});
+    m_underWay.push_back({m_queue.dequeue(), std::make_shared<TiffData>()});
     m_underWay.back().frame->stamp = fileStamp(m_underWay.back().fileName);
     return Request{m_underWay.back().fileName, m_underWay.back().frame};
 }
@@ -47,9 +38,6 @@ std::shared_ptr<TiffData> StackLoader::arrived(const TiffData* frame) {
     }
     UnderWay returned = std::move(m_underWay.front());
     m_underWay.pop_front();
-    if (returned.isStale) {
-        return nullptr;
-    }
     ++m_done;
     if (!returned.frame->loaded || !returned.frame->refusal.isEmpty()) {
         m_refused.append({returned.fileName, returned.frame->refusal});

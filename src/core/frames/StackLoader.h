@@ -13,8 +13,7 @@
 /// One stack of frames and the files that are still to be read into it.
 ///
 /// A frame is with the reader from next() until arrived(); frames return in the order in which they
-/// went. One that was under way when the stack was cleared or the loading stopped is dropped on its
-/// return, and the queue goes on.
+/// went. One that is under way when the stack is cleared or the loading stopped is not waited for.
 class StackLoader {
   public:
     /// At most so many frames are under way: with two the reader always has its next one.
@@ -32,7 +31,7 @@ class StackLoader {
     /// Appends files to the queue; a queue that had run empty starts a new count.
     void enqueue(const QStringList& files);
 
-    /// Drops the files that are still to be read, and those under way on their return.
+    /// Drops the files that are still to be read, and those under way.
     void stop();
 
     /// The next file to read; nothing while enough frames are under way or when the queue is empty.
@@ -52,7 +51,7 @@ class StackLoader {
     /// Whether frames are still to come.
     bool isLoading() const { return done() < total(); }
     int done() const { return m_done; }
-    int total() const;
+    int total() const { return m_done + m_queue.size() + static_cast<int>(m_underWay.size()); }
 
     /// The files that were left out since the last call.
     QVector<Refused> takeRefused();
@@ -64,7 +63,6 @@ class StackLoader {
     struct UnderWay {
         QString fileName;
         std::shared_ptr<TiffData> frame;
-        bool isStale;
     };
 
     int m_atOnce;

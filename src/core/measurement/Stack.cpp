@@ -56,6 +56,7 @@ bool Stack::isInFiles() const {
 void Stack::clear() {
     emit changing();
     m_loader.clear();
+    m_reader.drop();
     m_files.clear();
     m_leftOut.clear();
     m_before = 0;
@@ -127,6 +128,7 @@ Outcome Stack::takeOutcome() {
 
 void Stack::stop() {
     m_loader.stop();
+    m_reader.drop();
 }
 
 bool Stack::request() {
