@@ -71,15 +71,16 @@ QString firstItem(const QString& line, QLatin1String label) {
     return line.mid(label.size()).simplified().section(QLatin1Char(' '), 0, 0);
 }
 
-/// Why a map of this size cannot be held, of which a file holds so many values at the most; empty
-/// if it can. Asked before the present map is given up.
-QString refusalOfSize(const EMPHeader& header, qint64 valuesInFile) {
+/// Whether there may be a map of this size.
+bool sizeIsUsable(const EMPHeader& header) {
+    return header.width >= 0 && header.height >= 0 &&
+           qint64(header.width) * header.height <= Limits::MostPixels;
+}
+
+/// Whether there is memory for such a map, of which a file holds so many values at the most.
+bool sizeIsHeld(const EMPHeader& header, qint64 valuesInFile) {
     const qint64 pixels = qint64(header.width) * header.height;
-    if (header.width < 0 || header.height < 0 || pixels > Limits::MostPixels) {
-        return FrameHeader::tr("too large an image");
-    }
-    const auto values = quint64(pixels + std::min(pixels, valuesInFile));
-    return mayTakeMemory(values * sizeof(double)) ? QString() : lackOfMemory();
+    return mayTakeMemory(quint64(pixels + std::min(pixels, valuesInFile)) * sizeof(double));
 }
 
 /// What the angles of a file are, as changes of energy.
@@ -270,8 +271,12 @@ EMapReading readContent(QIODevice& in, double edgeEnergy, const QSize& imageSize
     content->size = imageSize;
     if (!header.ok) {
         reading.refusal = EMapRefusal::NoMap;
-    } else if (!(reading.why = refusalOfSize(header, valuesInFile)).isEmpty()) {
+    } else if (!sizeIsUsable(header)) {
         reading.refusal = EMapRefusal::NoMap;
+        reading.why = FrameHeader::tr("too large an image");
+    } else if (!sizeIsHeld(header, valuesInFile)) {
+        reading.refusal = EMapRefusal::NoFile;
+        reading.why = lackOfMemory();
     } else if (!isUsable(edge, header.spacing)) {
         reading.refusal = EMapRefusal::EdgeEnergy;
     } else if (!fitsImage(QSize(header.width, header.height), &content->size)) {
