@@ -4,16 +4,16 @@
 #include <QFile>
 #include <QTextStream>
 
+#include "base/Limits.h"
 #include "batch/LineItems.h"
 
 namespace {
 
 /// False where there is no end, or none in sight, as of a device.
 bool readToEnd(QIODevice* device, QByteArray* content) {
-    constexpr int MostBytes = 1 << 26;
     constexpr qint64 Piece = 1 << 16;
     for (QByteArray piece = device->read(Piece); !piece.isEmpty(); piece = device->read(Piece)) {
-        if (content->size() + piece.size() > MostBytes) {
+        if (content->size() + piece.size() > Limits::LargestText) {
             return false;
         }
         content->append(piece);
