@@ -372,8 +372,9 @@ def main():
                 check.flicker(kind)
         print(f"{kind}: {check.faults - faults} faults", flush=True)
     check.told()
-    return check.end(f"{runs} inputs changed while they were read, {check.counts['whole']} runs whole, "
-                     f"{check.counts['failed']} failed by name, {check.counts['window']} in the window")
+    return check.end(f"{runs} inputs changed while they were read, {check.counts['whole']} runs "
+                     f"whole, {check.counts['failed']} failed by name, {check.counts['window']} "
+                     "in the window")
 
 
 if __name__ == "__main__":
