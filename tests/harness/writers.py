@@ -9,11 +9,12 @@ import structure
 from common import NAMES, OPTIONS, Part, comparable, every_kind
 
 SHIFTS = ("0.1", "0.2")  # of the writers: two versions of what a fit makes
+SAVES = 5  # of each kind in a run
 
 
 def start(part, number):
     job = part.root / f"writer-{number}.bat"
-    job.write_text(every_kind(20, SHIFTS[number % 2]))
+    job.write_text(every_kind(SAVES, SHIFTS[number % 2]))
     options = [option for _, words in OPTIONS for option in words]
     return subprocess.Popen([part.program, *options, str(job)], cwd=part.place.out, text=True,
                             stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
@@ -94,7 +95,7 @@ def main():
     if counts["looks"] < part.rounds // 2 * 2:
         part.fault("the looks took too long")
     return part.end(f"writers: {len(NAMES)} kinds, two and four writers, {counts['runs']} runs of "
-                    f"20 saves each, {counts['looks']} looks at "
+                    f"{SAVES} saves each, {counts['looks']} looks at "
                     f"{counts['versions']} versions, {counts['torn']} torn")
 
 
