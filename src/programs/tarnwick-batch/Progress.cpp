@@ -162,10 +162,11 @@ void Progress::tellEvery(std::chrono::milliseconds interval) {
     }
 }
 
-/// With the lock held.
+/// With the lock held. Between two lines there is nothing to tell.
 void Progress::tell() {
-    if (m_runs) {
-        QStringList parts{QStringLiteral("progress:"), head()};
+    const QString where = m_runs ? head() : QString();
+    if (!where.isEmpty()) {
+        QStringList parts{QStringLiteral("progress:"), where};
         if (m_work != Work::None) {
             parts << measure();
         }
