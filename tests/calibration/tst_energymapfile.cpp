@@ -166,7 +166,7 @@ class TestEnergyMapFile : public QObject {
         refuseMemory(1);
         const EMapReading reading = readEMap(name, 0.0, &imageSize, &map);
         refuseMemory(0);
-        QVERIFY(reading.refusal == EMapRefusal::NoMap);
+        QVERIFY(reading.refusal == EMapRefusal::NoFile);
         QVERIFY2(reading.why.contains("not enough memory"), qPrintable(reading.why));
         QCOMPARE(map.valueAt(2, 1), before);
     }
