@@ -59,7 +59,7 @@ class Somebody {
                 look();
                 break;
             case 8:
-                m_measurement.deglitch(1.0 + number(3), 0.1);
+                static_cast<void>(m_measurement.deglitch(1.0 + number(3), 0.1));
                 break;
             case 9:
                 number(3) == 0 ? m_runner.stop() : m_runner.start(batch());
@@ -123,12 +123,12 @@ class Somebody {
 
     void changeReferences() {
         if (m_measurement.referenceCount() < 3) {
-            m_measurement.addReference();
+            static_cast<void>(m_measurement.addReference());
         }
         const QString file = m_phantom.file(number(2) == 0 ? "a.dat" : "b.dat");
         if (m_measurement.referenceCount() > 0) {
             m_measurement.change(number(m_measurement.referenceCount()),
-                                 [&](Reference& r) { r.read(file); });
+                                 [&](Reference& r) { static_cast<void>(r.read(file)); });
         }
     }
 
@@ -143,7 +143,7 @@ class Somebody {
 
     void start() {
         const Work works[] = {Work::Calibrate, Work::Fit, Work::Fit, Work::Residual};
-        m_measurement.start(works[number(4)]);
+        static_cast<void>(m_measurement.start(works[number(4)]));
     }
 
     QStringList batch() const {

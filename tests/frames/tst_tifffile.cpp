@@ -324,7 +324,8 @@ class TestTiffFile : public QObject {
         const QString name = dir.filePath("a.tif");
         QVERIFY(writeOnesTiff(name, 50, 50));
         const QByteArray old = contentOf(name);
-        for (const rlim_t bytes : {1000, 5010}) {  // within the pixels, within the directory
+        for (const rlim_t bytes :
+             {rlim_t(1000), rlim_t(5010)}) {  // within the pixels, within the directory
             bool written = true;
             {
                 const FullDisk full(bytes);

@@ -73,13 +73,13 @@ class TestWorker : public QObject {
     void theEndDropsWhatHasNotBegun() {
         Gate gate;
         bool ran = false;
-        auto held = std::make_shared<int>(1);
+        auto heldByWork = std::make_shared<int>(1);
         Worker worker;
         worker.run([&] { gate.pass(); });
-        worker.run([&ran, held] { ran = true; });
+        worker.run([&ran, heldByWork] { ran = true; });
         gate.awaitArrival();
         QVERIFY(!worker.end(std::chrono::milliseconds(1)));
-        QCOMPARE(held.use_count(), 1L);
+        QCOMPARE(heldByWork.use_count(), 1L);
         QVERIFY(Worker::isAnyLeft());
         gate.open();
         QTRY_VERIFY(!Worker::isAnyLeft());
