@@ -20,7 +20,6 @@ import threading
 import time
 
 import common
-import kill_resume
 import structure
 
 JOB = """\
@@ -135,7 +134,7 @@ class Check(common.Part):
             counts = bytes(i if at % 2 == 0 else 0 for at in range(end - 8))
             (dark / f"dark-{i}.tif").write_bytes(raw[:8] + counts + raw[end:])
         for frame in self.source.glob("foil/*.tif"):
-            kill_resume.compress(frame)
+            common.compress(frame)
         (self.source / "make.bat").write_text(
             "\n".join(JOB.splitlines()[:7]) + "\ncalib_save_map map.emp\ncalib_save_map map.tif\n")
         subprocess.run([self.program, "make.bat"], cwd=self.source, check=True,

@@ -9,6 +9,7 @@ import signal
 import subprocess
 import sys
 import tempfile
+import zlib
 
 import structure
 
@@ -107,6 +108,22 @@ def comparable(name, data):
     if name == "summary.csv":
         return re.sub(rb"^((?:[^,\n]*,){3})[0-9.]+", rb"\1", data, flags=re.M)
     return data
+
+
+def compress(file):
+    """Deflates the counts of a frame that is one strip between the header and the directory."""
+    frame = file.read_bytes()
+    directory = int.from_bytes(frame[4:8], "little")
+    counts = zlib.compress(frame[8:directory])
+    counts += bytes(len(counts) % 2)
+    entries = bytearray(frame[directory:])
+    for at in range(2, len(entries) - 4, 12):
+        tag = int.from_bytes(entries[at:at + 2], "little")
+        value = {259: 8, 279: len(counts)}.get(tag)  # compression, bytes of the strip
+        if value is not None:
+            entries[at + 8:at + 12] = value.to_bytes(4, "little")
+    place = (8 + len(counts)).to_bytes(4, "little")
+    file.write_bytes(frame[:4] + place + counts + entries)
 
 
 class Place:

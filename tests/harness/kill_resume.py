@@ -17,7 +17,8 @@ import subprocess
 import sys
 import tempfile
 import time
-import zlib
+
+import common
 
 JOB = """\
 load_I0_files_of_pattern NEW i0 *.tif
@@ -66,22 +67,6 @@ save_results results/difference.nxs
 
 MOST_KILLS = 15  # of one run: with all parts there, decoding and saving alone may outlast a moment
 MEMORY = "64M"  # too little for the compressed frames: they are decoded into the work folder
-
-
-def compress(file):
-    """Deflates the counts of a frame that is one strip between the header and the directory."""
-    frame = file.read_bytes()
-    directory = int.from_bytes(frame[4:8], "little")
-    counts = zlib.compress(frame[8:directory])
-    counts += bytes(len(counts) % 2)
-    entries = bytearray(frame[directory:])
-    for at in range(2, len(entries) - 4, 12):
-        tag = int.from_bytes(entries[at:at + 2], "little")
-        value = {259: 8, 279: len(counts)}.get(tag)  # compression, bytes of the strip
-        if value is not None:
-            entries[at + 8:at + 12] = value.to_bytes(4, "little")
-    place = (8 + len(counts)).to_bytes(4, "little")
-    file.write_bytes(frame[:4] + place + counts + entries)
 
 
 class Job:
@@ -158,7 +143,7 @@ def main():
         folder = pathlib.Path(temporary) / "sample"
         subprocess.run([options.samples.resolve(), folder], check=True, stdout=subprocess.DEVNULL)
         for frame in (folder / "i1").iterdir():
-            compress(frame)
+            common.compress(frame)
         job = Job(str(options.program.resolve()), folder)
         work = pathlib.Path(temporary) / "work"
         check = Check(job, work)

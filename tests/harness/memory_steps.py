@@ -20,7 +20,8 @@ import subprocess
 import sys
 import tempfile
 import time
-import zlib
+
+import common
 
 MIB = 1 << 20
 MOST = 1200  # MiB
@@ -66,22 +67,6 @@ BATCHES = [
     ("compressed", "256x192", 30, True, 2, ["--threads", "4"]),
     ("large", "2048x2048", 20, False, 12, ["--threads", "2"]),
 ]
-
-
-def compress(file):
-    """Deflates the counts of a frame that is one strip between the header and the directory."""
-    frame = file.read_bytes()
-    directory = int.from_bytes(frame[4:8], "little")
-    counts = zlib.compress(frame[8:directory], 1)
-    counts += bytes(len(counts) % 2)
-    entries = bytearray(frame[directory:])
-    for at in range(2, len(entries) - 4, 12):
-        tag = int.from_bytes(entries[at:at + 2], "little")
-        value = {259: 8, 279: len(counts)}.get(tag)  # compression, bytes of the strip
-        if value is not None:
-            entries[at + 8:at + 12] = value.to_bytes(4, "little")
-    place = (8 + len(counts)).to_bytes(4, "little")
-    file.write_bytes(frame[:4] + place + counts + entries)
 
 
 def limited(mib):
@@ -163,7 +148,7 @@ class Batch:
         shutil.rmtree(folder / "foil")
         if compressed:
             for frame in (folder / "i1").iterdir():
-                compress(frame)
+                common.compress(frame)
         self.results = folder / "results"
         (folder / "job.bat").write_text(ANALYSIS.format(band=band))
         self.before = None

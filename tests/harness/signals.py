@@ -19,7 +19,6 @@ import threading
 import time
 
 import common
-import kill_resume
 import structure
 
 QUIET = 2.2     # seconds until it has ended on a quiet machine; two where something does not answer
@@ -91,7 +90,7 @@ class Check(common.Part):
         self.make("large", "--size", "700x700", "--energies", "20")
         self.make("packed", "--size", "300x300", "--energies", "60")
         for frame in self.samples["packed"].glob("i[01]/*.tif"):
-            kill_resume.compress(frame)
+            common.compress(frame)
         many = self.root / "many" / "i1"
         many.mkdir(parents=True)
         frame = next(self.place.sample.glob("i1/*.tif"))
