@@ -81,6 +81,10 @@ quint64 addressSpaceLimit() {
     return std::min(limitOf(RLIMIT_AS), limitOf(RLIMIT_DATA));
 }
 
+bool isAddressSpaceLimited() {
+    return addressSpaceLimit() != Unlimited;
+}
+
 quint64 addressSpaceLeft() {
     const quint64 all = limitOf(RLIMIT_AS);
     const quint64 data = limitOf(RLIMIT_DATA);
@@ -92,7 +96,7 @@ quint64 addressSpaceLeft() {
 }
 
 void prepareForLimit() {
-    if (addressSpaceLimit() == Unlimited) {
+    if (!isAddressSpaceLimited()) {
         return;
     }
     touchStack();

@@ -2,13 +2,13 @@
 
 #include <QtGlobal>
 
-// Address space that the system lets the program have (RLIMIT_AS, RLIMIT_DATA: "ulimit -v",
-// "prlimit
-// --as", many queues of clusters). Where it is used up an allocation fails, whatever memory the
+// Address space that the system lets the program have (RLIMIT_AS, RLIMIT_DATA: "ulimit -v" of a
+// shell, many queues of clusters). Where it is used up an allocation fails, whatever memory the
 // machine has. Sizes are in bytes; none of these takes memory itself.
 
 /// The lesser of the limits; the greatest number where there is none.
 quint64 addressSpaceLimit();
+bool isAddressSpaceLimited();
 
 /// What is left of it now; the greatest number where there is no limit.
 quint64 addressSpaceLeft();

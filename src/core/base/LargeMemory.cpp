@@ -1,6 +1,7 @@
 #include "base/LargeMemory.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 #include <atomic>
 
 #include "base/AddressSpace.h"
@@ -29,21 +30,24 @@ bool note(quint64 needed, quint64 left) noexcept {
     return false;
 }
 
+/// The greatest number where there is no limit, or nearly.
+quint64 freeNow() noexcept {
+    const quint64 left = addressSpaceLeft();
+    return left - std::min(left, HeadRoom);
+}
+
 }  // namespace
 
 bool mayTakeMemory(quint64 bytes) noexcept {
     if (isPlanted()) {
         return note(bytes, addressSpaceLeft());
     }
-    if (bytes < AskedFrom || addressSpaceLimit() == ~quint64(0)) {
+    if (bytes < AskedFrom || bytes <= freeNow()) {
         return true;
     }
-    if (addressSpaceLeft() < HeadRoom || addressSpaceLeft() - HeadRoom < bytes) {
-        giveBackFreeMemory();
-    }
-    const quint64 left = addressSpaceLeft();
-    const quint64 free = left > HeadRoom ? left - HeadRoom : 0;
-    return bytes <= free ? true : note(bytes, free);
+    giveBackFreeMemory();
+    const quint64 free = freeNow();
+    return bytes <= free || note(bytes, free);
 }
 
 void askForMemory(quint64 bytes) {
@@ -57,7 +61,7 @@ QString lackOfMemory() {
     if (needed == 0) {
         return QCoreApplication::translate("Memory", "memory ran out");
     }
-    if (addressSpaceLimit() == ~quint64(0)) {
+    if (!isAddressSpaceLimited()) {
         return QCoreApplication::translate("Memory", "not enough memory: %1 more are needed")
             .arg(sizeText(needed));
     }

@@ -121,7 +121,7 @@ void endWithoutMemory() noexcept {
     line.add(programName);
     line.add(": out of memory: ");
     const quint64 limit = addressSpaceLimit();
-    if (limit == ~quint64(0)) {
+    if (!isAddressSpaceLimited()) {
         line.add("the system gives no more");
     } else {
         line.add(needed > 0 ? "" : "more than ");

@@ -1,14 +1,11 @@
 #include "files/FileStamp.h"
 
-#include <sys/stat.h>
-
-#include <algorithm>
 #include <cstring>
 
 #include "files/Checksum.h"
 #include "files/FilePlaces.h"
+#include "files/FileState.h"
 #include "files/InputFile.h"
-#include "files/SystemPaths.h"
 
 namespace {
 
@@ -30,17 +27,13 @@ qint64 checksumOf(const QString& place) {
 
 FileStamp fileStamp(const QString& fileName) {
     const QString place = placeOf(fileName);
-    const std::vector<QByteArray> paths = pathsOfFile(place);
-    struct stat found {};
-    const bool isThere = std::any_of(paths.begin(), paths.end(), [&](const QByteArray& path) {
-        return ::stat(path.constData(), &found) == 0;
-    });
-    if (!isThere) {
+    const FileState state = stateOfFile(place);
+    if (state.size < 0) {
         return {};
     }
     if (isPlaced(fileName)) {
-        return {found.st_size, checksumOf(place)};
+        return {state.size, checksumOf(place)};
     }
     constexpr qint64 Second = 1000000000;  // ns
-    return {found.st_size, qint64(found.st_mtim.tv_sec) * Second + found.st_mtim.tv_nsec};
+    return {state.size, state.seconds * Second + state.nanoseconds};
 }

@@ -77,7 +77,7 @@ bool InputFile::openAt(const std::vector<QByteArray>& paths, OpenMode mode) {
     if (descriptor < 0 || !QFile::open(descriptor, mode, AutoCloseHandle)) {
         return false;
     }
-    m_opened = now();
+    m_opened = stateOf(handle(), {});
     return true;
 }
 
@@ -94,18 +94,9 @@ bool InputFile::isNoFile() const {
 }
 
 bool InputFile::hasChanged() const {
-    const State state = now();
-    return state.size != m_opened.size || state.seconds != m_opened.seconds ||
-           state.nanoseconds != m_opened.nanoseconds;
+    return !(stateOf(handle(), {}) == m_opened);
 }
 
 QString InputFile::changedText() {
     return Texts::tr("has changed while it was read");
-}
-
-InputFile::State InputFile::now() const {
-    struct stat found {};
-    return ::fstat(handle(), &found) == 0
-               ? State{found.st_size, found.st_mtim.tv_sec, found.st_mtim.tv_nsec}
-               : State{-1, 0, 0};
 }

@@ -5,6 +5,8 @@
 #include <QString>
 #include <vector>
 
+#include "files/FileState.h"
+
 // What a measurement is read from is a file: a folder, pipe, socket or device is never opened, for
 // who reads one may wait for ever. What was looked at is what is read, whatever takes its name.
 
@@ -34,14 +36,7 @@ class InputFile : public QFile {
     static QString changedText();
 
   private:
-    struct State {
-        qint64 size = 0;
-        qint64 seconds = 0;
-        qint64 nanoseconds = 0;
-    };
-    State now() const;
-
     QString m_name;  // which a file forgets that is opened by its descriptor
-    State m_opened;
+    FileState m_opened;
     int m_error = 0;
 };

@@ -3,8 +3,8 @@
 #include <memory>
 #include <mutex>
 
+#include "files/FileState.h"
 #include "frames/CountFile.h"
-#include "frames/FileState.h"
 
 struct FrameHeader;
 struct TiffData;

@@ -1,8 +1,8 @@
 #include "frames/LoadTiff.h"
 
 #include "files/FilePlaces.h"
+#include "files/FileState.h"
 #include "frames/CountFile.h"
-#include "frames/FileState.h"
 #include "frames/FrameHeader.h"
 
 void LoadTiff::readHeader(const QString& fname, TiffData* data, What what) {

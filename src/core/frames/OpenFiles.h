@@ -5,7 +5,7 @@
 #include <list>
 #include <mutex>
 
-#include "frames/FileState.h"
+#include "files/FileState.h"
 
 /// Files that are read at places of them, some rows at a time. They stay open from one time to the
 /// next: those opened last, and never more than half of what the process may have open

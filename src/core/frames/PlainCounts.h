@@ -1,7 +1,7 @@
 #pragma once
 
+#include "files/FileState.h"
 #include "frames/CountFile.h"
-#include "frames/FileState.h"
 #include "frames/FrameHeader.h"
 #include "frames/OpenFiles.h"
 

@@ -7,7 +7,7 @@
 #include "measurement/Measurement.h"
 
 Outcome judgeAddresses(quint64 bytes) {
-    if (addressSpaceLimit() == ~quint64(0)) {
+    if (!isAddressSpaceLimited()) {
         return {};
     }
     giveBackFreeMemory();

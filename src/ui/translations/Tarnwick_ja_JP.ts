@@ -2212,6 +2212,17 @@ Folder</source>
     </message>
 </context>
 <context>
+    <name>FileState</name>
+    <message>
+        <source>%1: has gone since it was loaded</source>
+        <translation>%1: 読み込みの後でなくなりました</translation>
+    </message>
+    <message>
+        <source>%1: has changed since it was loaded</source>
+        <translation>%1: 読み込みの後で変更されました</translation>
+    </message>
+</context>
+<context>
     <name>FitJudgement</name>
     <message>
         <source>%1 to %2 eV</source>

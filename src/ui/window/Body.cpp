@@ -7,6 +7,7 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
+#include "base/LargeMemory.h"
 #include "batch/CommandTables.h"
 #include "display/CheckedButtons.h"
 #include "display/ColorBar.h"
@@ -324,6 +325,10 @@ void Body::connectSaving() {
         numberIn(field);
         connect(field, &QLineEdit::editingFinished, this, [field] { numberIn(field); });
     }
+}
+
+void Body::tellLack() {
+    say(Outcome::failure(lackOfMemory()));
 }
 
 void Body::say(const Outcome& outcome, const QString& file) {

@@ -3,7 +3,6 @@
 #include <QMainWindow>
 #include <memory>
 
-#include "base/LargeMemory.h"
 #include "batch/BatchRunner.h"
 #include "calibration/EnergyMapFile.h"
 
@@ -38,7 +37,7 @@ class Body : public QMainWindow {
     WhatWasDone* whatWasDone() const { return m_record; }
     Layout* layoutOfWindows() const { return m_layout; }
     /// Says that an action was refused memory.
-    void tellLack() { say(Outcome::failure(lackOfMemory())); }
+    void tellLack();
 
   signals:
     void loadI1(QString fname, TiffData* data);

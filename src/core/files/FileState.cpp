@@ -1,13 +1,17 @@
-#include "frames/FileState.h"
+#include "files/FileState.h"
 
 #include <sys/stat.h>
 
+#include <QCoreApplication>
 #include <tuple>
 
 #include "files/SystemPaths.h"
-#include "frames/FrameHeader.h"
 
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(FileState)
+};
 
 FileState stateFrom(const struct stat& found, const QByteArray& path) {
     return {path,
@@ -57,6 +61,6 @@ QString changeOf(const QString& name, const FileState& before, const FileState& 
     if (now == before) {
         return QString();
     }
-    return now.size < 0 ? FrameHeader::tr("%1: has gone since it was loaded").arg(name)
-                        : FrameHeader::tr("%1: has changed since it was loaded").arg(name);
+    return now.size < 0 ? Texts::tr("%1: has gone since it was loaded").arg(name)
+                        : Texts::tr("%1: has changed since it was loaded").arg(name);
 }
