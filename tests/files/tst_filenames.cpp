@@ -21,6 +21,7 @@ class TestFileNames : public QObject {
         row("/d/res.", "/d/res-1-0.", "/d/res.tif");
         row("/d.x/res", "/d.x/res-1-0.", "/d.x/res.tif");
         row("/res.png", "/res-1-0.png", "/res.png");
+        row("/d/:res.png", "/d/:res-1-0.png", "/d/:res.png");
         row("res.png", here + "/res-1-0.png", here + "/res.png");
     }
 
@@ -44,6 +45,7 @@ class TestFileNames : public QObject {
         QTest::newRow("not clean") << L{"/d/./x/../a", "/d//b"} << "/d" << L{"a", "b"};
         QTest::newRow("relative") << L{"a", "b/c"} << here << L{"a", "b/c"};
         QTest::newRow("colon") << L{"/d/:a"} << "/d" << L{"./:a"};
+        QTest::newRow("colon beside") << L{"/d/e/b", "/d/:a"} << "/d" << L{"e/b", "./:a"};
     }
 
     void folders() {

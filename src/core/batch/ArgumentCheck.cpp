@@ -7,6 +7,7 @@
 #include "batch/BatchTexts.h"
 #include "batch/CommandTables.h"
 #include "batch/NamedTexts.h"
+#include "files/FileNames.h"
 #include "measurement/SettingWords.h"
 #include "measurement/Settings.h"
 #include "spectra/Units.h"
@@ -147,4 +148,14 @@ Outcome judgeArguments(const CommandRow& row, const QStringList& args) {
                                 .arg(args.mid(kinds).join(QLatin1Char(' ')));
     }
     return outcome;
+}
+
+QStringList withTypedNames(const CommandRow& row, QStringList args) {
+    for (int i = 0; i < args.size() && !row.args.empty(); ++i) {
+        const ArgKind kind = row.args[std::min(static_cast<std::size_t>(i), row.args.size() - 1)];
+        if (kind == ArgKind::InFile || kind == ArgKind::OutFile || kind == ArgKind::Directory) {
+            args[i] = typedFileName(args.at(i));
+        }
+    }
+    return args;
 }

@@ -85,7 +85,8 @@ void BatchRunner::run(const CmdLine& cmd) {
         return;
     }
     m_pacing.wait(cmd, row->work);
-    Action action{m_measurement, CommandArgs(cmd.args), m_digests, row->work, outcome};
+    Action action{m_measurement, CommandArgs(withTypedNames(*row, cmd.args)), m_digests, row->work,
+                  outcome};
     m_endedWith.reset();
     m_running = true;
     action.outcome += judgeAddresses(0);

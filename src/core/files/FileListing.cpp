@@ -6,6 +6,7 @@
 #include <QSet>
 #include <algorithm>
 
+#include "files/FileNames.h"
 #include "files/FilePlaces.h"
 
 namespace {
@@ -75,7 +76,7 @@ QStringList listImageFiles(const QString& directory, const QStringList& patterns
     }
     std::sort(names.begin(), names.end(), comesBefore);
     for (QString& name : names) {
-        name = dir.filePath(name);
+        name = fileIn(directory, name);
     }
     return names;
 }

@@ -5,11 +5,6 @@
 
 namespace {
 
-// A QDir joins the parts, so that a file in the root directory gets one slash, not two.
-QString besideBase(const QFileInfo& base, const QString& fileName) {
-    return QDir(base.absolutePath()).filePath(fileName);
-}
-
 /// What follows the folder in a name that begins with it and has nothing to be cleaned; else empty.
 /// Most files are named like that, hundreds at a time, and QDir takes its time.
 QString plainlyBelow(const QString& folder, const QString& file) {
@@ -24,16 +19,27 @@ QString plainlyBelow(const QString& folder, const QString& file) {
 
 }  // namespace
 
+QString typedFileName(const QString& name) {
+    return name.startsWith(QLatin1Char(':')) ? QLatin1String("./") + name : name;
+}
+
+QString fileIn(const QString& folder, const QString& name) {
+    // A QDir joins the parts, so that a file in the root directory gets one slash, not two. It
+    // would take a colon for the beginning of an absolute path.
+    const QString file = QDir(folder).filePath(QLatin1Char('_') + name);
+    return file.left(file.size() - name.size() - 1) + name;
+}
+
 QString taggedName(const QString& base, const QString& tag) {
     const QFileInfo info(base);
-    return besideBase(
-        info, info.completeBaseName() + QLatin1Char('-') + tag + QLatin1Char('.') + info.suffix());
+    return fileIn(info.absolutePath(), info.completeBaseName() + QLatin1Char('-') + tag +
+                                           QLatin1Char('.') + info.suffix());
 }
 
 QString withSuffix(const QString& base, const QString& defaultSuffix) {
     const QFileInfo info(base);
     const QString suffix = info.suffix().isEmpty() ? defaultSuffix : info.suffix();
-    return besideBase(info, info.completeBaseName() + QLatin1Char('.') + suffix);
+    return fileIn(info.absolutePath(), info.completeBaseName() + QLatin1Char('.') + suffix);
 }
 
 QString deepestFolder(const QStringList& files) {
@@ -77,9 +83,8 @@ QString relativeTo(const QString& folder, const QString& file) {
         const QString realFolder = QFileInfo(folder).canonicalFilePath();
         const QString realPlace = QFileInfo(info.absolutePath()).canonicalFilePath();
         if (!realFolder.isEmpty() && !realPlace.isEmpty()) {
-            name = QDir(realFolder).relativeFilePath(QDir(realPlace).filePath(info.fileName()));
+            name = QDir(realFolder).relativeFilePath(fileIn(realPlace, info.fileName()));
         }
     }
-    // A name that begins with a colon stands for a resource of the program.
-    return name.startsWith(QLatin1Char(':')) ? QStringLiteral("./") + name : name;
+    return typedFileName(name);
 }

@@ -3,6 +3,13 @@
 #include <QString>
 #include <QStringList>
 
+/// A name as somebody typed it, so that it means the same file to Qt as to the system: a colon at
+/// its beginning would name what is built into the program. Other names stay as they are.
+QString typedFileName(const QString& name);
+
+/// The path of a file or folder of this name, which has no folder of its own, in @p folder.
+QString fileIn(const QString& folder, const QString& name);
+
 /// The name of one file out of several that are saved together: directory of @p base (made
 /// absolute), its complete base name, "-", @p tag, "." and its suffix. "/d/res.png" with tag "1-0"
 /// gives "/d/res-1-0.png"; a base without a suffix gives a name that ends in ".".

@@ -7,6 +7,8 @@
 #include <shared_mutex>
 #include <utility>
 
+#include "files/FileNames.h"
+
 namespace {
 
 struct Places {
@@ -28,7 +30,7 @@ QString identityOf(const QString& fileName) {
         return file;
     }
     const QString folder = QFileInfo(info.path()).canonicalFilePath();
-    return folder.isEmpty() ? info.filePath() : QDir(folder).filePath(info.fileName());
+    return folder.isEmpty() ? info.filePath() : fileIn(folder, info.fileName());
 }
 
 QString placeOf(const QString& fileName) {

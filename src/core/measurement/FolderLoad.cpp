@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "files/FileListing.h"
+#include "files/FileNames.h"
 #include "files/FilePlaces.h"
 #include "files/InputFile.h"
 #include "frames/EnergyFromName.h"
@@ -241,7 +242,7 @@ FolderListing listingOf(const Measurement& measurement, const QString& folder) {
     std::sort(names.begin(), names.end(), comesBefore);
     QSet<QString> known{QFileInfo(folder).canonicalFilePath()};
     for (const QString& name : names) {
-        const QString path = QDir(folder).filePath(name);
+        const QString path = fileIn(folder, name);
         const QString place = QFileInfo(path).canonicalFilePath();
         if (!known.contains(place)) {  // a link may lead to where one is already
             known.insert(place);

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "files/FileListing.h"
+#include "files/FileNames.h"
 #include "files/FilePlaces.h"
 #include "frames/FrameHeader.h"
 #include "frames/TiffData.h"
@@ -29,11 +30,10 @@ const Rehearsal::Written* Rehearsal::find(const QString& fileName) const {
 
 QStringList Rehearsal::list(const QString& folder, const QStringList& patterns) const {
     QStringList files = listImageFiles(folder, patterns);
-    const QDir dir(folder);
     const QString path = identityOf(folder);
     for (auto it = m_written.begin(); it != m_written.end(); ++it) {
         const QFileInfo info(it.key());
-        const QString name = dir.filePath(info.fileName());
+        const QString name = fileIn(folder, info.fileName());
         if (info.path() != path ||
             !(patterns.isEmpty() || QDir::match(patterns, info.fileName()))) {
             continue;

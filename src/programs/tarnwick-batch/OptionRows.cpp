@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/Memory.h"
+#include "files/FileNames.h"
 
 namespace {
 
@@ -20,14 +21,14 @@ QString takeThreads(const QString& value, RunnerOptions* options) {
 }
 
 QString takeFolder(const QString& value, RunnerOptions* options) {
-    options->folders << value;
+    options->folders << typedFileName(value);
     return value.isEmpty() ? QStringLiteral("it needs a folder") : QString();
 }
 
 /// A file that is written, whatever folder is entered before.
 template <QString RunnerOptions::*File>
 QString takeFile(const QString& value, RunnerOptions* options) {
-    options->*File = value.isEmpty() ? value : QFileInfo(value).absoluteFilePath();
+    options->*File = value.isEmpty() ? value : QFileInfo(typedFileName(value)).absoluteFilePath();
     return value.isEmpty() ? QStringLiteral("it needs a file") : QString();
 }
 
@@ -50,7 +51,7 @@ QString takePart(const QString& value, RunnerOptions* options) {
 }
 
 QString takeFolderOfParts(const QString& value, RunnerOptions* options) {
-    options->work = QFileInfo(value).absoluteFilePath();
+    options->work = QFileInfo(typedFileName(value)).absoluteFilePath();
     return value.isEmpty() ? QStringLiteral("it needs a folder") : QString();
 }
 

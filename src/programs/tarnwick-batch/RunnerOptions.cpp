@@ -3,6 +3,7 @@
 #include <QCommandLineParser>
 #include <algorithm>
 
+#include "files/FileNames.h"
 #include "files/FilePlaces.h"
 #include "tarnwick-batch/OptionRows.h"
 
@@ -107,7 +108,7 @@ QString takeNames(QStringList files, RunnerOptions* options) {
         return files.isEmpty() ? QStringLiteral("No file given.")
                                : QStringLiteral("More than one file given.");
     }
-    options->file = files.first();
+    options->file = typedFileName(files.first());
     const QString file = identityOf(options->file);
     if (!options->report.isEmpty() && identityOf(options->report) == file) {
         return QStringLiteral("The report would replace the batch file.");

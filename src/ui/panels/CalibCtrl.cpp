@@ -1,13 +1,13 @@
 #include "panels/CalibCtrl.h"
 
 #include <QButtonGroup>
-#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QSignalBlocker>
 
 #include "display/Availability.h"
 #include "display/FolderMemory.h"
+#include "files/FileNames.h"
 #include "panels/WhyNot.h"
 #include "spectra/Background.h"
 #include "spectra/Units.h"
@@ -22,8 +22,7 @@ QString withMapSuffix(const QString& fileName) {
     if (info.suffix() == kMapSuffix) {
         return fileName;
     }
-    return QDir(info.absolutePath())
-        .filePath(info.completeBaseName() + QLatin1Char('.') + kMapSuffix);
+    return fileIn(info.absolutePath(), info.completeBaseName() + QLatin1Char('.') + kMapSuffix);
 }
 
 /// The buttons of a group stand in the order of the kinds.
