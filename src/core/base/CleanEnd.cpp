@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <pthread.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <QSocketNotifier>
@@ -39,19 +40,25 @@ timespec timeTo(Clock::time_point end) {
 
 /// Where a signal goes that a handler was called for.
 struct Route {
-    std::atomic<bool> isToThread{false};
-    pthread_t thread{};
+    std::atomic<pid_t> thread{0};  ///< that waits for signals; 0: none
     std::atomic<int> pipe{-1};
 };
 Route route;
 static_assert(std::atomic<int>::is_always_lock_free, "read in a signal handler");
 
+/// A handler may call so late that the thread has ended, which the system bears, unlike
+/// pthread_kill().
+void tellThread(pid_t thread, int number) {
+    syscall(SYS_tgkill, getpid(), thread, number);
+}
+
 // Of threads that were there before and do not block the signals. A handler may do next to nothing.
 extern "C" void noteSignal(int number) {
     const int savedErrno = errno;
     const int fd = route.pipe;
-    if (route.isToThread) {
-        pthread_kill(route.thread, number);
+    const pid_t thread = route.thread;
+    if (thread != 0) {
+        tellThread(thread, number);
     } else if (fd >= 0) {
         const auto byte = static_cast<unsigned char>(number);
         const ssize_t written = write(fd, &byte, 1);
@@ -87,6 +94,7 @@ struct CleanEnd::Handlers {
     sigset_t watched{};
     sigset_t maskBefore{};
     std::array<struct sigaction, Signals.size()> before{};
+    pthread_t thread{};
     bool isWatched = false;
     std::atomic<bool> isOver{false};
     std::atomic<int> code{-1};  // to end with; -1: none yet
@@ -115,7 +123,6 @@ struct CleanEnd::Handlers {
             }
         }
         watch();
-        route.isToThread = isWatched;
         route.pipe = pipe[1];
         struct sigaction action {};
         action.sa_handler = noteSignal;
@@ -134,7 +141,7 @@ struct CleanEnd::Handlers {
         pthread_attr_t attributes;
         isWatched = pthread_attr_init(&attributes) == 0 &&
                     pthread_attr_setstacksize(&attributes, Stack) == 0 &&
-                    pthread_create(&route.thread, &attributes, run, this) == 0;
+                    pthread_create(&thread, &attributes, run, this) == 0;
         pthread_attr_destroy(&attributes);
         if (!isWatched) {
             pthread_sigmask(SIG_SETMASK, &maskBefore, nullptr);
@@ -142,6 +149,7 @@ struct CleanEnd::Handlers {
     }
 
     static void* run(void* self) {
+        route.thread = static_cast<pid_t>(syscall(SYS_gettid));
         static_cast<Handlers*>(self)->wait();
         return nullptr;
     }
@@ -200,14 +208,14 @@ struct CleanEnd::Handlers {
     void restore() {
         if (isWatched) {
             isOver = true;
-            pthread_kill(route.thread, News);
-            pthread_join(route.thread, nullptr);
+            pthread_kill(thread, News);
+            pthread_join(thread, nullptr);
             // What came too late for anybody is not left to end the program now.
             const timespec now{};
             while (sigtimedwait(&watched, nullptr, &now) > 0) {
             }
         }
-        route.isToThread = false;
+        route.thread = 0;
         route.pipe = -1;
         for (std::size_t i = 0; i < Signals.size(); ++i) {
             sigaction(Signals[i], &before[i], nullptr);
@@ -255,7 +263,7 @@ void CleanEnd::setLastWords(const QByteArray& text) {
 void CleanEnd::expectEnd(int exitCode) {
     m_handlers->code = exitCode;
     if (m_handlers->isWatched) {
-        pthread_kill(route.thread, News);
+        pthread_kill(m_handlers->thread, News);
     }
 }
 
