@@ -51,14 +51,15 @@ class TestWorker : public QObject {
 
   private slots:
     void workIsDoneInOrderAndAnswersToo() {
-        std::vector<int> done;
+        std::vector<int> done(100);  // a place each: the worker goes on while answers are read
+        int next = 0;
         std::vector<int> told;
         Inbox inbox;
         Worker worker;
         const auto ours = std::this_thread::get_id();
         for (int i = 0; i < 100; ++i) {
             QVERIFY(worker.run([&, i] {
-                done.push_back(std::this_thread::get_id() == ours ? -1 : i);
+                done[std::size_t(i)] = std::this_thread::get_id() == ours ? -1 : next++;
                 inbox.post([&, i] { told.push_back(done.at(std::size_t(i))); });
             }));
         }
