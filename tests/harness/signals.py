@@ -23,6 +23,7 @@ import structure
 
 QUIET = 2.2     # seconds until it has ended on a quiet machine; two where something does not answer
 PATIENCE = 3.0  # times as long on a busy one
+TRIES = 6       # to meet one at work
 SIGNALS = [signal.SIGTERM, signal.SIGINT, signal.SIGHUP]
 
 LOAD = """\
@@ -109,10 +110,28 @@ class Check(common.Part):
         return str(self.place.job)
 
     def told(self, name, command, marker=None, spread=0.5, codes=None, said="Interrupted",
-             twice=False, **how):
+             twice=False, before=lambda: None, **how):
         """Starts it, tells it to end at some moment after the marker, and judges how it does."""
         number = SIGNALS[self.turn % len(SIGNALS)]
         self.turn += 1
+        for _ in range(TRIES):
+            before()
+            process, reader = self.at_work(command, marker, spread, how)
+            if process.poll() is None or not marker or 0 in (codes or []):
+                break
+            spread /= 2  # a fast machine was through with it
+        else:
+            self.fault(f"{name}: had always ended before: {reader.text[-300:].decode()}")
+            return 0.0
+        begin = time.monotonic()
+        process.send_signal(number)
+        if twice:  # which ends it at once, whatever it writes
+            time.sleep(self.chance.uniform(0.0, 0.01))
+            process.send_signal(number)
+        return self.judged(name, process, reader, number, begin, codes, said)
+
+    def at_work(self, command, marker, spread, how):
+        """Some moment after it has said the marker."""
         process = subprocess.Popen(command, cwd=self.place.out, stdout=subprocess.PIPE,
                                    stderr=subprocess.DEVNULL, **how)
         reader = Reader(process.stdout)
@@ -122,14 +141,10 @@ class Check(common.Part):
                 break
             time.sleep(0.002)
         time.sleep(self.chance.uniform(0.0, spread))
-        if process.poll() is not None and marker and 0 not in (codes or []):
-            self.fault(f"{name}: had ended before: {reader.text[-300:].decode()}")
-            return 0.0
-        begin = time.monotonic()
-        process.send_signal(number)
-        if twice:  # which ends it at once, whatever it writes
-            time.sleep(self.chance.uniform(0.0, 0.01))
-            process.send_signal(number)
+        return process, reader
+
+    def judged(self, name, process, reader, number, begin, codes, said):
+        """Whether it ends as it should after this signal; the seconds that it took."""
         try:
             code = process.wait(timeout=common.END)
         except subprocess.TimeoutExpired:
@@ -235,22 +250,21 @@ class Check(common.Part):
             self.program, "--summary", str(self.place.results / "summary.csv"), str(self.place.job),
             "-C", *names], b"folder 3 of", said=None)
 
+    def without_parts(self):
+        shutil.rmtree(self.root / "work", ignore_errors=True)
+
     def kept(self, name, options):
-        work = self.root / "work"
-        shutil.rmtree(work, ignore_errors=True)
-        return self.told(name, [self.program, "--work", str(work), *options, self.batch(
-            "large", LOAD + "analyzer_set_error_maps 1\n" + FIT, 0)], b"analyzer_exec_LCF :",
-            spread=0.1)
+        return self.told(name, [self.program, "--work", str(self.root / "work"), *options,
+            self.batch("large", LOAD + "analyzer_set_error_maps 1\n" + FIT, 0)],
+            b"analyzer_exec_LCF :", spread=0.1, before=self.without_parts)
 
     def cluster(self):
-        work = self.root / "work"
-        shutil.rmtree(work, ignore_errors=True)
         program = pathlib.Path(self.program).with_name("tarnwick-slurm")
         # It runs a group of its own, and gives 143 for a hang-up, too.
         return self.told("tarnwick-slurm --local", [
-            str(program), "--local", "--work", str(work), "--parts", "4",
+            str(program), "--local", "--work", str(self.root / "work"), "--parts", "4",
             self.batch("large", LOAD + FIT, 0)], b"at once", spread=1.0,
-            codes=["told", 143, 0], said=None)
+            codes=["told", 143, 0], said=None, before=self.without_parts)
 
     def dead_file(self):
         """A file that nobody gets to open: it is leased to us. None: not on this file system."""
