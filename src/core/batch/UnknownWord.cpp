@@ -1,32 +1,52 @@
 #include "batch/UnknownWord.h"
 
 #include <QStringList>
+#include <QVarLengthArray>
 #include <algorithm>
 #include <cstdlib>
-#include <vector>
+#include <numeric>
 
 #include "batch/BatchTexts.h"
 #include "batch/CommandTables.h"
 
 namespace {
 
-/// Number of single-character changes between two words.
-int distance(const QString& a, const QString& b) {
-    std::vector<int> row(static_cast<std::size_t>(b.size()) + 1);
-    for (std::size_t j = 0; j < row.size(); ++j) {
-        row[j] = static_cast<int>(j);
-    }
-    for (int i = 0; i < a.size(); ++i) {
+/// Number of single-character changes between two words, or some number from `most` on where it is
+/// not below that.
+int distance(const QString& from, const QString& to, int most) {
+    const QChar* const a = from.constData();
+    const QChar* const b = to.constData();
+    const int width = to.size();
+    QVarLengthArray<int, 64> cells(width + 1);
+    int* const row = cells.data();
+    std::iota(row, row + width + 1, 0);
+    for (int i = 0; i < from.size(); ++i) {
         int diagonal = row[0];
-        row[0] = i + 1;
-        for (int j = 0; j < b.size(); ++j) {
-            const auto k = static_cast<std::size_t>(j);
-            const int changed = diagonal + (a.at(i) == b.at(j) ? 0 : 1);
-            diagonal = row[k + 1];
-            row[k + 1] = std::min({changed, diagonal + 1, row[k] + 1});
+        int left = i + 1;
+        int least = left;
+        row[0] = left;
+        for (int j = 0; j < width; ++j) {
+            const int changed = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            left = std::min(changed, std::min(diagonal, left) + 1);
+            row[j + 1] = left;
+            least = std::min(least, left);
+        }
+        if (least >= most) {
+            return least;  // no row below has less
         }
     }
-    return row.back();
+    return row[width];
+}
+
+/// What a line may begin with, in lower case.
+QStringList knownWords() {
+    QStringList known{QStringLiteral(":for"), QStringLiteral(":next"), QStringLiteral(":echo"),
+                      QStringLiteral(":rem_start"), QStringLiteral(":rem_end")};
+    for (const CommandRow& row : commandTable()) {
+        known.append(QString::fromLatin1(row.name));
+    }
+    return known;
 }
 
 /// The known word that is nearest; empty where none is near.
@@ -34,18 +54,15 @@ QString nearest(const QString& word) {
     if (word.size() > 60) {
         return QString();
     }
-    QStringList known{QStringLiteral(":for"), QStringLiteral(":next"), QStringLiteral(":echo"),
-                      QStringLiteral(":rem_start"), QStringLiteral(":rem_end")};
-    for (const CommandRow& row : commandTable()) {
-        known.append(QString::fromLatin1(row.name));
-    }
+    static const QStringList known = knownWords();
+    const QString lower = word.toLower();
     QString best;
     int least = 4;
-    for (const QString& name : qAsConst(known)) {
+    for (const QString& name : known) {
         if (std::abs(word.size() - name.size()) >= least) {
             continue;  // they differ by more than that
         }
-        const int d = distance(word.toLower(), name.toLower());
+        const int d = distance(lower, name.toLower(), least);
         if (d < least && d * 2 <= name.size()) {
             least = d;
             best = name;

@@ -99,5 +99,6 @@ BinRaster AnalysisGrid::raster() const {
 }
 
 double AnalysisGrid::percent() const {
-    return y1 == y0 ? 0.0 : (static_cast<double>(y) - y0) / (static_cast<double>(y1) - y0) * 100.0;
+    // Bins may be higher than the area: their rows lie below its end.
+    return y1 == y0 ? 0.0 : std::clamp((double(y) - y0) / (double(y1) - y0), 0.0, 1.0) * 100.0;
 }
