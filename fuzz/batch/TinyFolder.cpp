@@ -2,6 +2,8 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/inotify.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,7 +23,11 @@ namespace {
 
 constexpr int Side = 5;
 
-const double Energies[] = {7020, 7080, 7105, 7111, 7120, 7160, 7200};
+/// What a program can do to the files of a folder.
+constexpr unsigned Touches = IN_CREATE | IN_DELETE | IN_DELETE_SELF | IN_MODIFY | IN_CLOSE_WRITE |
+                             IN_MOVED_FROM | IN_MOVED_TO | IN_MOVE_SELF | IN_ATTRIB;
+
+const double Energies[] = {7020, 7105, 7111, 7120, 7200};
 
 double muOf(double energy, double edge) {
     return 0.2 + 0.8 * (0.5 + std::atan((energy - edge) / 3.0) / 3.14159265);
@@ -52,8 +58,7 @@ void putText(const QString& name, const QByteArray& text) {
 
 void putCurve(const QString& name, double edge) {
     QByteArray text;
-    for (const double energy :
-         {7000, 7060, 7090, 7103, 7106, 7109, 7112, 7115, 7118, 7124, 7140, 7180, 7220}) {
+    for (const double energy : {7000, 7090, 7103, 7107, 7110, 7113, 7120, 7150, 7220}) {
         text += QByteArray::number(energy) + ' ' + QByteArray::number(muOf(energy, edge)) + '\n';
     }
     putText(name, text);
@@ -64,7 +69,7 @@ void putFrames() {
         putFrame(QStringLiteral("i1/s-%1eV.tif").arg(energy), Side,
                  [&](int x, int y) { return 60000.0 * std::exp(-muOf(energy, edgeAt(x, y))); });
     }
-    for (const double energy : {Energies[0], Energies[6]}) {
+    for (const double energy : {Energies[0], Energies[4]}) {
         putFrame(QStringLiteral("i0/b-%1eV.tif").arg(energy), Side,
                  [&](int x, int) { return 60000.0 - 100.0 * x; });
     }
@@ -80,7 +85,8 @@ qint64 changeOf(const struct stat& found) {
 
 }  // namespace
 
-TinyFolder::TinyFolder() : m_home(open(".", O_PATH | O_CLOEXEC)) {
+TinyFolder::TinyFolder()
+    : m_home(open(".", O_PATH | O_CLOEXEC)), m_touches(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
     const QString memory = QStringLiteral("/dev/shm");
     m_path = QFile::encodeName(QFileInfo(memory).isWritable() ? memory : QDir::tempPath());
     m_path += "/tarnwick-fuzz-XXXXXX";
@@ -129,6 +135,24 @@ void TinyFolder::keep() {
         }
     }
     m_names.sort();
+    m_folders.insert(m_path);
+    for (const QByteArray& folder : qAsConst(m_folders)) {
+        require(m_touches < 0 || inotify_add_watch(m_touches, folder.constData(), Touches) >= 0,
+                "a folder can be watched");
+    }
+}
+
+/// Whether something was done to the files since they were put back. Where the system does not
+/// tell, it may have been.
+bool TinyFolder::isTouched() const {
+    int bytes = 0;
+    return m_touches < 0 || ioctl(m_touches, FIONREAD, &bytes) != 0 || bytes > 0;
+}
+
+void TinyFolder::forgetTouches() const {
+    char events[4096];
+    while (m_touches >= 0 && read(m_touches, events, sizeof(events)) > 0) {
+    }
 }
 
 QString TinyFolder::confined(const QString& name) const {
@@ -170,6 +194,9 @@ void TinyFolder::forFiles(const QByteArray& folder, const Take& take) const {
 }
 
 bool TinyFolder::isChanged() const {
+    if (!isTouched()) {
+        return false;
+    }
     bool isAnother = false;
     forFiles(m_path, [&](const QByteArray& path, const struct stat& found) {
         const auto kept = m_files.find(path);
@@ -179,6 +206,9 @@ bool TinyFolder::isChanged() const {
 }
 
 void TinyFolder::putBack(const QSet<QString>& written) {
+    if (!isTouched()) {
+        return;
+    }
     int there = 0;
     forFiles(m_path, [&](const QByteArray& path, const struct stat& found) {
         const auto isSaid = [&] { return written.contains(QFile::decodeName(path)); };
@@ -197,4 +227,5 @@ void TinyFolder::putBack(const QSet<QString>& written) {
         }
     });
     require(there == m_files.size(), "no file is taken away");
+    forgetTouches();
 }

@@ -42,9 +42,12 @@ class TinyFolder {
 
     template <typename Take>
     void forFiles(const QByteArray& folder, const Take& take) const;
+    bool isTouched() const;
+    void forgetTouches() const;
     void note(const QByteArray& path, const QByteArray& content);
 
     int m_home;
+    int m_touches;  // what was done below the folder, as inotify has it; -1: not known
     QByteArray m_path;
     QStringList m_names;
     QHash<QByteArray, Kept> m_files;  // by absolute path

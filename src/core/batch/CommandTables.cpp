@@ -58,8 +58,9 @@ const std::vector<CommandRow>& commandTable() {
 const CommandRow* commandRow(int id) {
     const auto& rows = tables().rows;
     const auto row =
-        std::find_if(rows.begin(), rows.end(), [id](const CommandRow& r) { return r.id == id; });
-    return row == rows.end() ? nullptr : &*row;
+        std::lower_bound(rows.begin(), rows.end(), id,
+                         [](const CommandRow& r, int wanted) { return r.id < wanted; });
+    return row == rows.end() || row->id != id ? nullptr : &*row;
 }
 
 int controlId(const QString& name) {
