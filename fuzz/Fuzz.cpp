@@ -41,8 +41,6 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
     static int argc = 1;
     static char name[] = "fuzz";
     static char* argv[] = {name, nullptr};
-    // The code that patterns are turned into takes longer to make than short texts to search.
-    qputenv("QT_ENABLE_REGEXP_JIT", "0");
     initGlobals();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     static const QGuiApplication application(argc, argv);

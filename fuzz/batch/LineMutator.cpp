@@ -179,7 +179,7 @@ extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t mos
     Random random(seed);
     most = std::min(most, LongestBatch);
     size = std::min(size, most);
-    if (below(random, 4) == 0) {
+    if (below(random, 8) == 0) {
         return LLVMFuzzerMutate(data, size, most);
     }
     QList<QByteArray> lines =
