@@ -114,20 +114,23 @@ class TestWindow : public QObject {
     }
 
     void closesWhereAFileDoesNotAnswer_data() {
-        columns<QString, int>("line", "code");
+        QTest::addColumn<QString>("line");
         // The first one tells the size of all.
         QTest::newRow("in the thread of a reader")
             << "load_I1_files NEW " +
-                   m_phantom->file(QDir(m_phantom->dir()).entryList({"i1-*.tif"}).first()) + " dead"
-            << 0;
-        QTest::newRow("in that of the window") << "calib_load_std dead" << 128 + SIGTERM;
+                   m_phantom->file(QDir(m_phantom->dir()).entryList({"i1-*.tif"}).first()) +
+                   " dead-7105eV.txt";
+        for (const char* line : {"calib_load_std dead-7105eV.txt", "calib_load_map dead-7105eV.txt",
+                                 "analyzer_set_LCF_std 0 1 0 dead-7105eV.txt",
+                                 "fit_spectrum dead-7105eV.txt t.dat", "open_folder ."}) {
+            QTest::newRow(line) << QString(line);
+        }
     }
 
     void closesWhereAFileDoesNotAnswer() {
         QFETCH(QString, line);
-        QFETCH(int, code);
-        write("dead", {"II*"});
-        const DeadFile dead(m_dir.filePath("dead"));
+        write("dead-7105eV.txt", {"II*"});
+        const DeadFile dead(m_dir.filePath("dead-7105eV.txt"));
         if (!dead.isDead()) {
             QSKIP("no leases on this file system");
         }
@@ -135,11 +138,12 @@ class TestWindow : public QObject {
         QProcess process;
         start(&process, {"-b", "wait.bat", "-x"});
         QVERIFY2(comes(&process, "echo begun"), m_output.constData());
+        QTRY_VERIFY_WITH_TIMEOUT(dead.isAwaited(), 30000);
         QVERIFY(!process.waitForFinished(500));
         ::kill(static_cast<pid_t>(process.processId()), SIGTERM);
         QVERIFY(process.waitForFinished(30000));  // the file is back later
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(process.exitCode(), code);
+        QCOMPARE(process.exitCode(), 0);
     }
 
   private:

@@ -6,6 +6,10 @@
 #include <mutex>
 #include <utility>
 
+namespace {
+thread_local InboxPause* pause = nullptr;
+}
+
 struct Inbox::Slit::Shared {
     std::mutex mutex;
     Inbox* inbox = nullptr;  // null once it is gone
@@ -37,6 +41,10 @@ bool Inbox::event(QEvent* event) {
     if (event->type() != QEvent::User) {
         return QObject::event(event);
     }
+    if (pause != nullptr) {
+        pause->m_woken.emplace_back(this);
+        return true;
+    }
     Call call;
     {
         const std::lock_guard<std::mutex> lock(m_slit.m_shared->mutex);
@@ -49,4 +57,17 @@ bool Inbox::event(QEvent* event) {
         call();  // may destroy this
     }
     return true;
+}
+
+InboxPause::InboxPause() {
+    pause = this;
+}
+
+InboxPause::~InboxPause() {
+    pause = nullptr;
+    for (const QPointer<Inbox>& inbox : m_woken) {
+        if (inbox) {
+            QCoreApplication::postEvent(inbox, new QEvent(QEvent::User));
+        }
+    }
 }

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <functional>
 #include <memory>
 #include <utility>
+#include <vector>
 
 /// What other threads want done in the thread that this lives in: calls are carried out by its
 /// event loop, one an event, in the order in which they were posted.
@@ -40,4 +42,18 @@ class Inbox : public QObject {
 
   private:
     Slit m_slit;
+};
+
+/// While one lives, the inboxes of its thread carry nothing out; they do it later, each in its
+/// order. For who waits in the midst of something, with an event loop. One at a time.
+class InboxPause {
+  public:
+    InboxPause();
+    ~InboxPause();
+    InboxPause(const InboxPause&) = delete;
+    InboxPause& operator=(const InboxPause&) = delete;
+
+  private:
+    friend class Inbox;
+    std::vector<QPointer<Inbox>> m_woken;
 };

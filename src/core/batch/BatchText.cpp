@@ -6,6 +6,7 @@
 
 #include "base/Limits.h"
 #include "batch/LineItems.h"
+#include "files/Answer.h"
 
 namespace {
 
@@ -33,12 +34,18 @@ QString readLogicalLine(const QStringList& lines, int* index) {
 }
 
 bool readBatchFile(const QString& fileName, QStringList* lines) {
-    QFile file(fileName);
-    QByteArray content;
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text) || !readToEnd(&file, &content)) {
+    auto read = answerOf(fileName, [fileName] {
+        QFile file(fileName);
+        std::optional<QByteArray> content(std::in_place);
+        if (!file.open(QIODevice::ReadOnly | QIODevice::Text) || !readToEnd(&file, &*content)) {
+            content.reset();
+        }
+        return content;
+    });
+    if (!read || !*read) {
         return false;
     }
-    QBuffer buffer(&content);
+    QBuffer buffer(&**read);
     buffer.open(QIODevice::ReadOnly);
     *lines = readBatchLines(&buffer);
     return true;

@@ -14,7 +14,7 @@ class QIODevice;
 QString readLogicalLine(const QStringList& lines, int* index);
 
 /// Reads a batch file (UTF-8), which may be a pipe, into its lines, without line ends. False if it
-/// cannot be opened or does not end within 64 MB.
+/// cannot be opened, does not end within 64 MB or is given up, see AnswerWait.
 bool readBatchFile(const QString& fileName, QStringList* lines);
 /// The same from a device that is open for reading as text.
 QStringList readBatchLines(QIODevice* device);

@@ -12,6 +12,7 @@
 #include "base/LargeMemory.h"
 #include "base/Limits.h"
 #include "calibration/NumberScan.h"
+#include "files/Answer.h"
 #include "files/FilePlaces.h"
 #include "files/InputFile.h"
 #include "files/WholeDevice.h"
@@ -304,6 +305,13 @@ void takeContent(const EMapContent& content, QSize* imageSize, Analyzed2DRes* ma
 
 }  // namespace
 
+EMapReading EMapReading::noFile(const QString& why) {
+    EMapReading reading;
+    reading.refusal = EMapRefusal::NoFile;
+    reading.why = why;
+    return reading;
+}
+
 EMapReading readEMap(QIODevice& in, double edgeEnergy, QSize* imageSize, Analyzed2DRes* map) {
     EMapContent content;
     const EMapReading reading = readContent(in, edgeEnergy, *imageSize, &content);
@@ -313,28 +321,37 @@ EMapReading readEMap(QIODevice& in, double edgeEnergy, QSize* imageSize, Analyze
     return reading;
 }
 
-EMapReading readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize,
-                     Analyzed2DRes* map) {
-    EMapReading reading;
+namespace {
+
+std::pair<EMapReading, EMapContent> mapIn(const QString& fileName, double edgeEnergy,
+                                          const QSize& imageSize) {
     InputFile file(placeOf(fileName));
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         debugFile("Can not open", fileName);
-        reading.refusal = EMapRefusal::NoFile;
-        reading.why = file.isNoFile() ? file.whyNot() : QString();
-        return reading;
+        return {EMapReading::noFile(file.isNoFile() ? file.whyNot() : QString()), {}};
     }
     EMapContent content;
-    reading = readContent(file, edgeEnergy, *imageSize, &content);
+    EMapReading reading = readContent(file, edgeEnergy, imageSize, &content);
     if (reading.refusal != EMapRefusal::OtherSize && file.hasChanged()) {
-        reading.refusal = EMapRefusal::NoFile;
-        reading.why = InputFile::changedText();
+        reading = EMapReading::noFile(InputFile::changedText());
     }
-    if (reading.refusal == EMapRefusal::None) {
-        takeContent(content, imageSize, map);
-    } else if (reading.refusal != EMapRefusal::OtherSize) {
+    if (reading.refusal != EMapRefusal::None && reading.refusal != EMapRefusal::OtherSize) {
         debugFile("Invalid Energy Map Data File : ", fileName);
     }
-    return reading;
+    return {reading, std::move(content)};
+}
+
+}  // namespace
+
+EMapReading readEMap(const QString& fileName, double edgeEnergy, QSize* imageSize,
+                     Analyzed2DRes* map) {
+    const auto found = answerOf(fileName, [fileName, edgeEnergy, size = *imageSize] {
+        return mapIn(fileName, edgeEnergy, size);
+    });
+    if (found && found->first.refusal == EMapRefusal::None) {
+        takeContent(found->second, imageSize, map);
+    }
+    return found ? found->first : EMapReading::noFile(givenUpText());
 }
 
 EMapRefusal refusalOf(const Analyzed2DRes& map, const EMapInfo& info) {

@@ -58,6 +58,8 @@ struct EMapReading {
     bool goesOn = false;      ///< more follows than belongs to the map
     bool ofAnyShape = false;  ///< the file's kind takes images that are not square
     QString why;              ///< of NoFile or NoMap, in one phrase; empty: nothing more is known
+
+    static EMapReading noFile(const QString& why);
 };
 
 /// Whether a shift, in eV, can be one; false for what is no number.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/DebugLog.h"
+#include "files/Answer.h"
 #include "files/FilePlaces.h"
 #include "files/InputFile.h"
 #include "files/OriginText.h"
@@ -83,12 +84,11 @@ EMapReading readImage(const FloatTiff& image, const QString& why, QSize* imageSi
 }  // namespace
 
 bool isTiffMap(const QString& fileName) {
-    InputFile file(placeOf(fileName));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return false;
-    }
-    const QByteArray start = file.read(2);
-    return start == "II" || start == "MM";
+    const auto start = answerOf(fileName, [fileName] {
+        InputFile file(placeOf(fileName));
+        return file.open(QIODevice::ReadOnly) ? file.read(2) : QByteArray();
+    });
+    return start == QByteArray("II") || start == QByteArray("MM");
 }
 
 bool isTiffMapName(const QString& fileName) {
@@ -97,9 +97,15 @@ bool isTiffMapName(const QString& fileName) {
 }
 
 EMapReading readTiffMap(const QString& fileName, QSize* imageSize, Analyzed2DRes* map) {
-    FloatTiff image;
-    const QString why = readFloatTiff(placeOf(fileName), &image);
-    const EMapReading reading = readImage(image, why, imageSize, map);
+    const auto read = answerOf(fileName, [fileName] {
+        FloatTiff image;
+        const QString why = readFloatTiff(placeOf(fileName), &image);
+        return std::pair(std::move(image), why);
+    });
+    if (!read) {
+        return EMapReading::noFile(givenUpText());
+    }
+    const EMapReading reading = readImage(read->first, read->second, imageSize, map);
     if (reading.refusal != EMapRefusal::None && reading.refusal != EMapRefusal::OtherSize) {
         debugFile("Invalid Energy Map Data File : ", fileName);
     }

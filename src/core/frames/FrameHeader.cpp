@@ -1,10 +1,13 @@
 #include "frames/FrameHeader.h"
 
+#include "files/Answer.h"
 #include "files/FilePlaces.h"
 #include "files/InputFile.h"
 #include "frames/FrameReader.h"
 
-FrameHeader frameHeader(const QString& fileName) {
+namespace {
+
+FrameHeader headerIn(const QString& fileName) {
     FrameHeader header;
     const QString place = placeOf(fileName);
     InputFile file(place);
@@ -21,4 +24,15 @@ FrameHeader frameHeader(const QString& fileName) {
     header.refusal =
         mark.isEmpty() ? FrameHeader::tr("an empty file") : FrameHeader::tr("neither TIFF nor IMG");
     return header;
+}
+
+}  // namespace
+
+FrameHeader frameHeader(const QString& fileName) {
+    auto header = answerOf(fileName, [fileName] { return headerIn(fileName); });
+    if (!header) {
+        header.emplace();
+        header->refusal = givenUpText();
+    }
+    return *std::move(header);
 }

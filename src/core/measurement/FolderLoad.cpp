@@ -8,6 +8,7 @@
 #include <QSet>
 #include <algorithm>
 
+#include "files/Answer.h"
 #include "files/FileListing.h"
 #include "files/FileNames.h"
 #include "files/FilePlaces.h"
@@ -69,9 +70,11 @@ QString whyNoReference(const Measurement& m, const QString& file, const FolderCo
                    : FolderContents::tr("saved by this program");
     }
     if (contents.besideFrames) {
-        InputFile text(placeOf(file));
-        const bool isOwn = text.open(QIODevice::ReadOnly) &&
-                           text.readLine(80).startsWith("###Tarnwick::XafsSpectrum");
+        const auto start = answerOf(file, [file] {
+            InputFile text(placeOf(file));
+            return text.open(QIODevice::ReadOnly) ? text.readLine(80) : QByteArray();
+        });
+        const bool isOwn = start && start->startsWith("###Tarnwick::XafsSpectrum");
         if (isOwn || readOrigin(file).has_value()) {
             return FolderContents::tr("saved by this program");
         }
@@ -98,7 +101,9 @@ void judgeSpectra(const Measurement& m, FolderContents* contents) {
         }
         const QString name = QFileInfo(file).fileName();
         const QString text = why.contains(name) ? why : QStringLiteral("%1: %2").arg(name, why);
-        (contents->besideFrames ? contents->outcome.notes : contents->outcome.warnings)
+        // Anything may lie beside frames; what has not answered nobody knows.
+        const bool isOther = contents->besideFrames && !why.contains(givenUpText());
+        (isOther ? contents->outcome.notes : contents->outcome.warnings)
             << FolderContents::tr("no reference: %1").arg(text);
     }
     contents->references = references;

@@ -181,14 +181,18 @@ Outcome Measurement::loadMap(const QString& fileName) {
     QSize size = m_size;
     auto loaded = std::make_unique<Result>(ResultId::Shift);
     const Rehearsal::Written* written = m_rehearsal ? m_rehearsal->find(fileName) : nullptr;
-    const EMapReading reading =
-        written != nullptr    ? Rehearsal::readMap(*written, &size, &loaded->image)
-        : isTiffMap(fileName) ? readTiffMap(fileName, &size, &loaded->image)
+    EMapReading reading = written != nullptr ? Rehearsal::readMap(*written, &size, &loaded->image)
+                          : isTiffMap(fileName)
+                              ? readTiffMap(fileName, &size, &loaded->image)
                               : readEMap(fileName, edgeEnergy(), &size, &loaded->image);
+    MapInput input;
+    if (reading.refusal == EMapRefusal::None) {
+        input.file = fileInput(fileName);
+        const bool isThere = written != nullptr || !input.file.sha256.isEmpty();
+        reading.refusal = isThere ? EMapRefusal::None : EMapRefusal::NoFile;
+    }
     if (reading.refusal == EMapRefusal::None) {
         stopCalibration();
-        MapInput input;
-        input.file = fileInput(fileName);
         input.edgeEnergy = m_settings.edgeEnergy;
         input.revision = nextRevision();
         m_map = std::move(loaded);

@@ -5,6 +5,7 @@
 #include <QSet>
 #include <algorithm>
 
+#include "files/Answer.h"
 #include "files/FileListing.h"
 #include "files/OriginText.h"
 #include "frames/TiffFile.h"
@@ -96,7 +97,11 @@ NewFrames newFramesOf(const Stack& stack, const Stack& other) {
                      [&shape](const Shape& s) { return s.letters == shape.letters; });
         const bool isOfOther =
             otherPaths.contains(file) || (others.contains(name) && !own.contains(name));
-        if (alike.isEmpty() || isOfOther || OriginText::beginsIn(tiffDescription(file))) {
+        if (alike.isEmpty() || isOfOther) {
+            continue;
+        }
+        const auto text = answerOf(file, [file = file] { return tiffDescription(file); });
+        if (!text || OriginText::beginsIn(*text)) {
             continue;
         }
         (isOfAnotherNumber(shape, alike) ? found.otherwise : found.files) << file;

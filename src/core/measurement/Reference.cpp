@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <algorithm>
 
+#include "files/Answer.h"
 #include "files/FilePlaces.h"
 #include "files/InputFile.h"
 #include "measurement/Revision.h"
@@ -13,10 +14,13 @@
 namespace {
 
 QByteArray digestOf(const QString& fileName) {
-    InputFile file(placeOf(fileName));
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result().toHex()
-                                                                 : QByteArray();
+    const auto read = [fileName] {
+        InputFile file(placeOf(fileName));
+        QCryptographicHash hash(QCryptographicHash::Sha256);
+        return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result().toHex()
+                                                                     : QByteArray();
+    };
+    return answerOf(fileName, read).value_or(QByteArray());
 }
 
 struct Texts {
@@ -60,15 +64,24 @@ FileInput fileInput(const QString& fileName) {
 }
 
 Outcome NormalisedFile::read(const QString& fileName, int background) {
-    forget();
     const TakenSpectrum taken = take(fileName, rehearsal);
-    spectrum = taken.spectrum;
-    whyNot = taken.whyNot;
-    if (!whyNot.isEmpty()) {
-        return Outcome::failure(whyNot);
+    const bool standsIn = rehearsal != nullptr && rehearsal->find(fileName) != nullptr;
+    FileInput input;
+    QString why = taken.whyNot;
+    if (why.isEmpty()) {
+        input = fileInput(fileName);
+        // It has been there a moment ago.
+        why = input.sha256.isEmpty() && !standsIn ? Texts::tr("cannot be read: %1").arg(fileName)
+                                                  : QString();
     }
-    file = fileInput(fileName);
-    isStandIn = rehearsal != nullptr && rehearsal->find(fileName) != nullptr;
+    forget();
+    whyNot = why;
+    if (!why.isEmpty()) {
+        return Outcome::failure(why);
+    }
+    spectrum = taken.spectrum;
+    file = input;
+    isStandIn = standsIn;
     warnings = taken.warnings;
     normalise(background);
     Outcome outcome;

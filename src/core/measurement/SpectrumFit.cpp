@@ -165,8 +165,10 @@ SpectrumFit fitSpectrum(const Measurement& measurement, const QString& fileName)
     file.rehearsal = measurement.rehearsal();
     file.ranges = fit.inputs.ranges;
     const Outcome taken = file.read(fileName, fit.inputs.background);
-    fit.sample = taken.failed() ? fileInput(fileName) : file.file;
+    fit.sample = file.file;
     if (taken.failed()) {
+        fit.sample.name = fileName;
+        fit.sample.path = QFileInfo(fileName).absoluteFilePath();
         fit.outcome = taken;
         return fit;
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/Limits.h"
+#include "files/Answer.h"
 #include "files/FilePlaces.h"
 #include "files/Hdf5File.h"
 #include "files/InputFile.h"
@@ -70,7 +71,9 @@ QString textIn(QIODevice& file, QString* problem) {
 
 }  // namespace
 
-std::optional<OriginText> readOrigin(const QString& fileName, QString* whyNot) {
+namespace {
+
+std::optional<OriginText> originIn(const QString& fileName, QString* whyNot) {
     InputFile file(placeOf(fileName));
     QString problem;
     std::optional<OriginText> origin;
@@ -85,10 +88,24 @@ std::optional<OriginText> readOrigin(const QString& fileName, QString* whyNot) {
         problem = QStringLiteral("there is no such file");
         origin = text.isEmpty() ? std::nullopt : OriginText::fromText(text, &problem);
     }
-    if (whyNot && !origin) {
+    if (!origin) {
         *whyNot = problem;
     }
     return origin;
+}
+
+}  // namespace
+
+std::optional<OriginText> readOrigin(const QString& fileName, QString* whyNot) {
+    const auto read = answerOf(fileName, [fileName] {
+        QString why;
+        auto origin = originIn(fileName, &why);
+        return std::pair(std::move(origin), why);
+    });
+    if (whyNot && !(read && read->first)) {
+        *whyNot = read ? read->second : givenUpText();
+    }
+    return read ? read->first : std::nullopt;
 }
 
 std::optional<OriginText> readOrigin(QIODevice& in, QString* whyNot) {

@@ -13,6 +13,7 @@
 
 #include "base/DebugLog.h"
 #include "base/Limits.h"
+#include "files/Answer.h"
 #include "files/FilePlaces.h"
 #include "files/InputFile.h"
 #include "spectra/SpectrumFile.h"
@@ -247,7 +248,12 @@ class Taking {
 }  // namespace
 
 TakenSpectrum takeSpectrumFile(const QString& fileName) {
-    return Taking(fileName).take();
+    auto taken = answerOf(fileName, [fileName] { return Taking(fileName).take(); });
+    if (!taken) {
+        taken.emplace();
+        taken->whyNot = Usable::tr("not taken, %1: %2").arg(givenUpText(), fileName);
+    }
+    return *std::move(taken);
 }
 
 TakenSpectrum takeSpectrum(QIODevice& file, const QString& fileName) {

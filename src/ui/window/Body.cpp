@@ -32,6 +32,7 @@
 #include "window/DarkControl.h"
 #include "window/Docks.h"
 #include "window/Fields.h"
+#include "window/FileWait.h"
 #include "window/FolderOpening.h"
 #include "window/FrameStrip.h"
 #include "window/ImagePane.h"
@@ -109,6 +110,7 @@ Body::Body(QWidget* parent)
     m_dialogs = new SaveDialogs(this);
     m_spectrumFit = std::make_unique<SpectrumFitWindow>(m_measurement, m_dialogs);
     m_status = new StatusLine(m_measurement, *m_messages, this);
+    new FileWait(this, m_panels->batch->findChild<QAbstractButton*>(QStringLiteral("Stop")));
     m_image = new ImagePane(m_measurement, *m_ui, this);
     m_ui->frameStrip->follow(m_measurement, m_ui->dispA,
                              {m_panels->spectrum.get(), m_panels->analyzer->view()});

@@ -9,6 +9,7 @@
 
 #include "batch/BatchText.h"
 #include "batch/Record.h"
+#include "files/Answer.h"
 #include "files/InputFile.h"
 #include "panels/BatchCtrl.h"
 #include "window/Remembered.h"
@@ -65,7 +66,9 @@ void WhatWasDone::remember(const QString& fileName) {
 void WhatWasDone::open(const QString& fileName) {
     QStringList lines;
     const QFileInfo info(fileName);
-    if (!InputFile(fileName).open(QIODevice::ReadOnly) || !readBatchFile(fileName, &lines)) {
+    const auto isFile =
+        answerOf(fileName, [fileName] { return InputFile(fileName).open(QIODevice::ReadOnly); });
+    if (!isFile.value_or(false) || !readBatchFile(fileName, &lines)) {
         emit said(Outcome::failure(tr("cannot be read: %1").arg(fileName)), fileName);
         return;
     }
