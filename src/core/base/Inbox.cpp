@@ -7,7 +7,7 @@
 #include <utility>
 
 namespace {
-thread_local InboxPause* pause = nullptr;
+thread_local InboxPause* ofThisThread = nullptr;
 }
 
 struct Inbox::Slit::Shared {
@@ -41,8 +41,8 @@ bool Inbox::event(QEvent* event) {
     if (event->type() != QEvent::User) {
         return QObject::event(event);
     }
-    if (pause != nullptr) {
-        pause->m_woken.emplace_back(this);
+    if (ofThisThread != nullptr) {
+        ofThisThread->m_woken.emplace_back(this);
         return true;
     }
     Call call;
@@ -60,11 +60,11 @@ bool Inbox::event(QEvent* event) {
 }
 
 InboxPause::InboxPause() {
-    pause = this;
+    ofThisThread = this;
 }
 
 InboxPause::~InboxPause() {
-    pause = nullptr;
+    ofThisThread = nullptr;
     for (const QPointer<Inbox>& inbox : m_woken) {
         if (inbox) {
             QCoreApplication::postEvent(inbox, new QEvent(QEvent::User));
