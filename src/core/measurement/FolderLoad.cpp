@@ -146,9 +146,7 @@ FrameHeader headerOf(const Measurement& m, const QString& file) {
     FrameHeader header;
     header.width = static_cast<quint32>(would->size.width());
     header.height = static_cast<quint32>(would->size.height());
-    if (would->kind != Kind::Frame) {
-        header.refusal = FrameHeader::tr("cannot be read");
-    }
+    header.refusal = Rehearsal::whyNoFrame(*would);
     return header;
 }
 

@@ -47,13 +47,25 @@ QStringList Rehearsal::list(const QString& folder, const QStringList& patterns) 
     return files;
 }
 
+QString Rehearsal::whyNoFrame(const Written& file) {
+    switch (file.kind) {
+        case Kind::Frame:
+            return QString();
+        case Kind::TiffMap:
+        case Kind::FloatTiff:
+            return FrameHeader::tr("%1-bit float, not 16-bit counts").arg(32);
+        default:
+            return FrameHeader::tr("neither TIFF nor IMG");
+    }
+}
+
 void Rehearsal::describe(const QString& fileName, TiffData* frame) const {
     const Written* written = find(fileName);
     if (written != nullptr && written->kind == Kind::Frame) {
         frame->width = static_cast<quint32>(written->size.width());
         frame->height = static_cast<quint32>(written->size.height());
     } else if (written != nullptr) {
-        frame->refusal = FrameHeader::tr("cannot be read");
+        frame->refusal = whyNoFrame(*written);
     }
 }
 

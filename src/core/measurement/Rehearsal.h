@@ -15,7 +15,7 @@ struct TiffData;
 /// would end: frames are read by their headers, nothing is analysed and nothing is written.
 class Rehearsal {
   public:
-    enum class Kind { Frame, Spectrum, Map, TiffMap, Other };
+    enum class Kind { Frame, Spectrum, Map, TiffMap, FloatTiff, Other };
 
     /// A file that would be there.
     struct Written {
@@ -30,6 +30,9 @@ class Rehearsal {
 
     /// listImageFiles() with the files that would be there.
     QStringList list(const QString& folder, const QStringList& patterns) const;
+
+    /// Why no stack would take the file, as FrameHeader tells it; empty: it would.
+    static QString whyNoFrame(const Written& file);
 
     /// Gives a frame the size of one that would be there, or why the file would be no frame;
     /// nothing for a file that is what stands on the disk.

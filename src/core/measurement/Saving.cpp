@@ -57,8 +57,11 @@ Rehearsal::Written writtenAs(const Settings& form, const Result& result) {
     if (form.dataForm == DataForm::Tiff) {
         return {Rehearsal::Kind::Frame, size, {}};
     }
-    const bool isMap = form.dataForm == DataForm::FloatTiff && result.id == ResultId::Shift;
-    return isMap ? Rehearsal::Written{Rehearsal::Kind::TiffMap, size, {}} : Rehearsal::Written();
+    if (form.dataForm == DataForm::FloatTiff) {
+        const bool isMap = result.id == ResultId::Shift;
+        return {isMap ? Rehearsal::Kind::TiffMap : Rehearsal::Kind::FloatTiff, size, {}};
+    }
+    return {};
 }
 
 /// What the head of a result's table says of where it comes from.
