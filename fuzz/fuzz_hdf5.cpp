@@ -24,7 +24,7 @@ const QString& fileWith(const QByteArray& input) {
 }  // namespace
 
 void fuzz(const QByteArray& input) {
-    require(canUseHdf5(), "the module for HDF5 files is there");
+    require(whyNoHdf5().isEmpty(), "the module for HDF5 files is there");
     QString whyNot;
     const auto origin = readOrigin(fileWith(input), &whyNot);
     require(origin.has_value() == whyNot.isEmpty(), "an origin or a reason");

@@ -137,6 +137,24 @@ class TestFramesInFiles : public QObject {
         }
     }
 
+    /// A file of results without the mean spectrum says so.
+    void resultsWithoutTheirCounts() {
+        Measurement m;
+        m.readCountsWhenNeeded();
+        QVERIFY(load(&m).texts().isEmpty());
+        QVERIFY(!run(&m).failed());
+        const QString name = files("i1-*.tif").at(7);
+        const QByteArray content = contentOf(name);
+        put(name, content.chopped(7));
+        const Outcome saved = saveResults(m, m_phantom.file("r.nxs"));
+        put(name, content);
+        QVERIFY2(!saved.failed(), qPrintable(saved.texts().join('\n')));
+        const QString warnings = saved.warnings.join('\n');
+        QVERIFY2(warnings.contains("mean spectrum") && warnings.contains(name),
+                 qPrintable(warnings));
+        QVERIFY(QFileInfo::exists(m_phantom.file("r.nxs")));
+    }
+
     /// Frames that do not fit into memory fail with the sizes, and all stays as it was; frames
     /// whose counts stay in their files need none.
     void memory() {

@@ -326,6 +326,26 @@ class TestProgram : public QObject {
         QCOMPARE(others.join(QString()), QString(quiet).remove('\n'));
     }
 
+    /// A module that is damaged is not one that was left out.
+    void whyThereIsNoHdf5() {
+        const QString program = file("bin/tarnwick-batch");
+        QVERIFY(QDir(m_dir.path()).mkpath("bin") && QFile::copy(TARNWICK_BATCH, program));
+        put(file("r.nxs"), "\x89HDF\r\n\x1a\n");
+        const auto told = [&] {
+            QProcess process;
+            process.start(program, {"--origin", file("r.nxs")});
+            return process.waitForFinished(60000) ? QString(process.readAllStandardError())
+                                                  : QString();
+        };
+        const QString without = told();
+        QVERIFY2(without.contains("without its module"), qPrintable(without));
+        QVERIFY(QDir(m_dir.path()).mkpath("modules"));
+        put(file("modules/tarnwick_hdf5.so"), "no library");
+        const QString damaged = told();
+        QVERIFY2(damaged.contains("cannot be loaded: ") && damaged.contains("tarnwick_hdf5.so"),
+                 qPrintable(damaged));
+    }
+
     void whatIsSaidToTheLetter() {
         const Run result =
             run({"", "# note", "set_band_h \\", " 3", QString::fromUtf8("calib_load_std 鉄.dat")});

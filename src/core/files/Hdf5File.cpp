@@ -3,8 +3,11 @@
 #include <dlfcn.h>
 #include <unistd.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <atomic>
+#include <mutex>
 
 #include "base/LargeMemory.h"
 #include "files/Hdf5Library.h"
@@ -14,9 +17,13 @@
 
 namespace {
 
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(SavingResults)
+};
+
 /// Where the module is, seen from the folder of the program: installed, in a folder with the name
-/// of the program, and in a build.
-void* openModule() {
+/// of the program, and in a build. Empty: nowhere.
+QString modulePath() {
     const QFileInfo program(QFileInfo(QStringLiteral("/proc/self/exe")).canonicalFilePath());
     for (const QString& folder :
          {QStringLiteral(TARNWICK_LIBRARIES "/%1/modules").arg(program.fileName()),
@@ -24,24 +31,51 @@ void* openModule() {
         const QString path = QDir::cleanPath(program.path() + QLatin1Char('/') + folder) +
                              QStringLiteral("/tarnwick_hdf5.so");
         if (QFileInfo::exists(path)) {
-            return dlopen(QFile::encodeName(path).constData(), RTLD_NOW | RTLD_LOCAL);
+            return path;
         }
     }
-    return nullptr;
+    return QString();
 }
 
 /// Addresses that the module takes, with the libraries that it brings along.
 constexpr quint64 ModuleBytes = quint64(32) << 20;
 
-/// Loaded once. Null: it is missing. Throws NotEnoughMemory.
-const Hdf5Library* library() {
-    static const Hdf5Library* const loaded = []() -> const Hdf5Library* {
-        askForMemory(ModuleBytes);
-        void* const module = openModule();
-        void* const symbol = module != nullptr ? dlsym(module, "tarnwickHdf5Library") : nullptr;
-        return symbol != nullptr ? reinterpret_cast<Hdf5LibraryOf>(symbol)() : nullptr;
-    }();
-    return loaded;
+/// Null: *whyNot says why. Throws NotEnoughMemory.
+const Hdf5Library* load(QString* whyNot) {
+    askForMemory(ModuleBytes);
+    const QString path = modulePath();
+    if (path.isEmpty()) {
+        *whyNot = Texts::tr("this program was installed without its module for HDF5 files");
+        return nullptr;
+    }
+    void* const module = dlopen(QFile::encodeName(path).constData(), RTLD_NOW | RTLD_LOCAL);
+    void* const symbol = module != nullptr ? dlsym(module, "tarnwickHdf5Library") : nullptr;
+    if (symbol == nullptr) {
+        *whyNot = Texts::tr("the module for HDF5 files cannot be loaded: %1")
+                      .arg(QString::fromLocal8Bit(dlerror()));
+        return nullptr;
+    }
+    return reinterpret_cast<Hdf5LibraryOf>(symbol)();
+}
+
+/// A text is being read: the library is not to be asked for anything else.
+std::atomic<bool> isReading{false};
+
+/// Loaded once. Null: *whyNot says why. Throws NotEnoughMemory.
+const Hdf5Library* library(QString* whyNot = nullptr) {
+    static std::mutex mutex;
+    static const Hdf5Library* loaded = nullptr;
+    const std::lock_guard<std::mutex> lock(mutex);
+    QString why;
+    if (isReading) {
+        why = Texts::tr("a file that does not answer is still being read");
+    } else if (loaded == nullptr) {
+        loaded = load(&why);
+    }
+    if (whyNot != nullptr) {
+        *whyNot = why;
+    }
+    return why.isEmpty() ? loaded : nullptr;
 }
 
 }  // namespace
@@ -104,8 +138,10 @@ bool Hdf5Writer::save(const QString& fileName) {
     });
 }
 
-bool canUseHdf5() {
-    return library() != nullptr;
+QString whyNoHdf5() {
+    QString whyNot;
+    library(&whyNot);
+    return whyNot;
 }
 
 bool isHdf5(const QByteArray& start) {
@@ -113,14 +149,16 @@ bool isHdf5(const QByteArray& start) {
 }
 
 std::optional<QString> hdf5Text(const QString& fileName, const QString& path, qint64 mostBytes) {
-    const int file = openInput(QFile::encodeName(fileName));
+    const Hdf5Library* const loaded = library();
+    const int file = loaded != nullptr ? openInput(QFile::encodeName(fileName)) : -1;
     if (file < 0) {
         return std::nullopt;
     }
     // The library opens by name: that of what has been opened, whatever has the other one now.
     const QString opened = QStringLiteral("/proc/self/fd/%1").arg(file);
-    const auto text =
-        library() != nullptr ? library()->text(opened, path, mostBytes) : std::nullopt;
+    isReading = true;
+    const auto text = loaded->text(opened, path, mostBytes);
+    isReading = false;
     ::close(file);
     return text;
 }

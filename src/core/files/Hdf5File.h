@@ -8,10 +8,11 @@
 #include <vector>
 
 // HDF5 files. Only Hdf5Library.cpp knows the library, which prints nothing of its own and is loaded
-// when it is first needed. To be used from one thread.
+// when it is first needed. To be used from one thread at a time.
 
-/// Whether there is the library; where not, nothing is written or read.
-bool canUseHdf5();
+/// Why nothing is written or read: its module is not there, cannot be loaded (with the system's
+/// reason), or is held by the reading of a file that has been given up. Empty: it can be used.
+QString whyNoHdf5();
 
 /// Makes a HDF5 file in memory and writes it whole or not at all. Paths begin with "/"; the groups
 /// above an object are made first. The same calls give the same bytes: no times, no names of files.

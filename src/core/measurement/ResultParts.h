@@ -40,10 +40,11 @@ NexusMaps mapsOf(const ResultPart& part);
 
 /// What belongs to the first part that a run made: the mean spectrum of its area over the bins with
 /// counts at all energies, at the frames' energies less the mean energy shift (the energies alone
-/// where other frames or shifts are at hand now), and the references of the fit as it compared
+/// where other frames or shifts are at hand now, and with a warning where counts cannot be read),
+/// and the references of the fit as it compared
 /// them, but for those that have been changed since.
-std::vector<NexusSpectrum> spectraOf(Measurement& measurement,
-                                     const std::vector<ResultPart>& parts);
+std::vector<NexusSpectrum> spectraOf(Measurement& measurement, const std::vector<ResultPart>& parts,
+                                     QStringList* warnings);
 
 /// The results of the fit as columns: fraction_r, fraction_error_r, jump_r, jump_error_r for its
 /// references r from 1, then R, chi2_reduced, sum and jump (the total one), as far as they were

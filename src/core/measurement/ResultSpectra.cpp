@@ -62,7 +62,9 @@ quint64 revisionOf(const std::shared_ptr<const MapInput>& map) {
 }
 
 /// Of the bins of a run whose frames and energy shifts are still those of now; null shifts: none.
-MeanSpectrum meanOfArea(Measurement& measurement, const BinRaster& raster, const ShiftAt& shiftAt) {
+/// Counts that cannot be read leave it out, with a warning.
+MeanSpectrum meanOfArea(Measurement& measurement, const BinRaster& raster, const ShiftAt& shiftAt,
+                        QStringList* warnings) {
     const AbsorptionSource& source = measurement.source();
     const auto sums = std::make_shared<RowSums>();
     RasterPass pass(
@@ -73,11 +75,16 @@ MeanSpectrum meanOfArea(Measurement& measurement, const BinRaster& raster, const
     if (pass.failed() && pass.problem().isEmpty()) {
         throw NotEnoughMemory();  // the file would lack it without a word
     }
+    if (pass.failed()) {
+        *warnings
+            << Measurement::tr("the mean spectrum of the area is left out: %1").arg(pass.problem());
+    }
     return pass.failed() ? MeanSpectrum() : meanOf(*sums, source.energies());
 }
 
 /// Adds the mean of the area that a run went over, where what it worked on is at hand.
-void addMean(Measurement& measurement, const Result& result, NexusSpectrum* spectrum) {
+void addMean(Measurement& measurement, const Result& result, NexusSpectrum* spectrum,
+             QStringList* warnings) {
     const Inputs& then = result.run->inputs;
     const Inputs now = measurement.inputs();
     const bool isShifted = result.run->work != Work::Calibrate && then.map != nullptr;
@@ -88,7 +95,7 @@ void addMean(Measurement& measurement, const Result& result, NexusSpectrum* spec
     }
     const MeanSpectrum mean = meanOfArea(
         measurement, result.image.grid().raster(),
-        isShifted ? shiftsOf(measurement.map().image) : [](int, int) { return 0.0; });
+        isShifted ? shiftsOf(measurement.map().image) : [](int, int) { return 0.0; }, warnings);
     if (mean.bins == 0) {
         return;
     }
@@ -104,8 +111,8 @@ void addMean(Measurement& measurement, const Result& result, NexusSpectrum* spec
 
 }  // namespace
 
-std::vector<NexusSpectrum> spectraOf(Measurement& measurement,
-                                     const std::vector<ResultPart>& parts) {
+std::vector<NexusSpectrum> spectraOf(Measurement& measurement, const std::vector<ResultPart>& parts,
+                                     QStringList* warnings) {
     std::vector<NexusSpectrum> spectra;
     const auto withRun = std::find_if(parts.begin(), parts.end(), [](const ResultPart& part) {
         return part.first().run != nullptr;
@@ -115,7 +122,7 @@ std::vector<NexusSpectrum> spectraOf(Measurement& measurement,
     }
     const Run& run = *withRun->first().run;
     spectra.push_back(frameEnergies(run.inputs));
-    addMean(measurement, withRun->first(), &spectra.back());
+    addMean(measurement, withRun->first(), &spectra.back(), warnings);
     const auto count = std::min(run.inputs.references.size(), measurement.references().size());
     for (std::size_t i = 0; run.work == Work::Fit && i < count; ++i) {
         const ReferenceInput& used = run.inputs.references[i];

@@ -30,14 +30,15 @@ quint64 bytesOf(const std::vector<ResultPart>& parts) {
     return (values + most) * sizeof(double) + 2 * most;  // and the mask
 }
 
-NexusContent contentOf(Measurement& measurement, const std::vector<ResultPart>& parts) {
+NexusContent contentOf(Measurement& measurement, const std::vector<ResultPart>& parts,
+                       QStringList* warnings) {
     OriginText origin = originOf(measurement, parts, QStringLiteral("save_results"));
     NexusContent content;
     content.version = QStringLiteral(TARNWICK_VERSION);
     for (const ResultPart& part : parts) {
         content.parts.push_back(mapsOf(part));
     }
-    content.spectra = spectraOf(measurement, parts);
+    content.spectra = spectraOf(measurement, parts, warnings);
     for (const QString& line : qAsConst(origin.record)) {
         content.record += line + QLatin1Char('\n');
     }
@@ -53,16 +54,19 @@ Outcome saveResults(Measurement& measurement, const QString& fileName) {
     if (parts.empty()) {
         return Outcome::failure(SavingResults::tr("there are no results to save"));
     }
-    if (!canUseHdf5()) {
-        return Outcome::failure(
-            SavingResults::tr("this program was installed without its module for HDF5 files"));
+    const QString whyNot = whyNoHdf5();
+    if (!whyNot.isEmpty()) {
+        return Outcome::failure(whyNot);
     }
     const Outcome room = judgeRoomFor(measurement, bytesOf(parts));
     if (room.failed()) {
         return room;
     }
-    Outcome outcome = writeFile(
-        measurement, fileName, [&] { return writeNexus(fileName, contentOf(measurement, parts)); });
+    QStringList warnings;
+    Outcome outcome = writeFile(measurement, fileName, [&] {
+        return writeNexus(fileName, contentOf(measurement, parts, &warnings));
+    });
+    outcome.warnings += outcome.failed() ? QStringList() : warnings;
     for (const ResultPart& part : parts) {
         outcome += outcome.failed() ? Outcome() : judgeSaved(measurement, part.first(), part.name);
     }

@@ -41,8 +41,9 @@ bool isTiff(const QByteArray& start) {
 
 /// Origin and record of a results file, put together.
 QString textInHdf5(const QString& fileName, QString* problem) {
-    if (!canUseHdf5()) {
-        *problem = QStringLiteral("not readable without the module for HDF5 files");
+    const QString whyNot = whyNoHdf5();
+    if (!whyNot.isEmpty()) {
+        *problem = QStringLiteral("not readable: ") + whyNot;
         return QString();
     }
     const auto origin = hdf5Text(fileName, nexusOriginPath(), Limits::LongestOrigin);
