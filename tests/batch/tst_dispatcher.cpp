@@ -1,4 +1,5 @@
 #include "TestMain.h"
+#include "base/Limits.h"
 #include "batch/BatchDispatcher.h"
 #include "batch/BatchPacing.h"
 #include "batch/ForLoops.h"
@@ -128,7 +129,7 @@ class TestDispatcher : public QObject {
         Executor body(&dispatcher);
         emit body.dispatch({":for i ab bbaa 3", "save_image abb"});
         QCOMPARE(body.cmds.size(), 2);
-        QVERIFY(body.cmds.at(1).arg(0).size() <= 3 + 2 * ForLoops::MaxReplacements);
+        QVERIFY(body.cmds.at(1).arg(0).size() <= 3 + 2 * Limits::MostReplacements);
     }
 
     void handsOutOneLineAtATime() {

@@ -111,6 +111,12 @@ class TestAreaShape : public QObject {
         box.insert(4, 2, 6);
         QCOMPARE(outlineOf(box), (QVector<QPoint>{{6, 3}, {6, 5}, {2, 5}, {2, 3}}));
         QVERIFY(outlineOf(PixelSet(Image)).isEmpty());
+        box.insert(0, 0, 1);
+        box.insert(6, 0, 1);
+        const QVector<QPoint> three{{1, 0}, {1, 1}, {0, 1}, {0, 0}, {1, 0}, {6, 3}, {6, 5}, {2, 5},
+                                    {2, 3}, {6, 3}, {1, 6}, {1, 7}, {0, 7}, {0, 6}, {1, 6}, {6, 3}};
+        QCOMPARE(outlineOf(box, 16), three);
+        QVERIFY(outlineOf(box, 15).isEmpty());
     }
 
     void statistics() {

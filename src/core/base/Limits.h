@@ -41,14 +41,43 @@ constexpr quint64 MostForTiff = quint64(8) * quint64(MostPixels);
 constexpr qint64 LongestLine = 1 << 16;
 
 /// Bytes of a text file that is read whole, as spectra are: a hundred times those of the longest
-/// scan. Its text, split into lines, takes ten times as much.
+/// scan. Its text, split into lines, takes MemoryOfText times as much.
 constexpr qint64 LargestText = qint64(64) << 20;
+constexpr quint64 MemoryOfText = 10;
 
 /// Characters of a number in a file: the longest double in full has 767 digits.
 constexpr qint64 LongestNumber = 1 << 16;
 
 /// Bytes of the origin and record of a saved result, in any kind of file.
 constexpr qint64 LongestOrigin = qint64(32) << 20;
+
+/// Bytes that a value of an energy map takes in its file at the least, with its blank: a header is
+/// held against them.
+constexpr qint64 LeastOfMapValue = 2;
+
+/// Corners and vertices of an area lie no further from 0 than this, as far as a side is long: what
+/// is worked out from them in whole numbers stays within 64 bits.
+constexpr int LargestCoordinate = 1 << 20;
+
+/// Vertices of the area that a threshold makes, in one of Qt's arrays of 512 MB: a map of so many
+/// pixels that is nothing but noise has fewer.
+constexpr qint64 MostVertices = qint64(1) << 26;
+
+/// Vertices of an area in a record or origin, 14 bytes each: more are made by a threshold alone and
+/// are not written.
+constexpr int MostWrittenVertices = 10000;
+
+/// Replacements of loop variables in one argument of a line, and its length in characters, at which
+/// filling them in gives up: a variable may hold itself, or others many times.
+constexpr int MostReplacements = 10000;
+constexpr int LongestArgument = 1 << 20;
+
+/// What a number in the name of a frame may be: in eV also when it is one of keV, and far beyond
+/// any energy.
+constexpr double LargestInName = 1e300;
+
+/// Threads that an option may ask for: more cores than any machine has.
+constexpr int MostThreads = 1024;
 
 /// Chunks of a picture that are looked through for its origin.
 constexpr int MostChunks = 100000;

@@ -1,5 +1,6 @@
 // Commands for the area: its shapes, and what is saved of it.
 
+#include "base/Limits.h"
 #include "batch/CommandRows.h"
 #include "measurement/AreaSaving.h"
 #include "measurement/AreaValues.h"
@@ -24,7 +25,7 @@ void take(Action& a, const Area& area) {
 /// Failed: one of the numbers lies far outside any image.
 bool judgeNumbers(Action& a) {
     for (int i = 0; i < a.args.count(); ++i) {
-        if (std::abs(a.args.real(i)) > LargestCoordinate) {
+        if (std::abs(a.args.real(i)) > Limits::LargestCoordinate) {
             a.fail(Batch::tr("%1 lies far outside any image").arg(a.args.text(i)));
             return false;
         }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/Limits.h"
 #include "batch/LineItems.h"
 
 const ForLoop& ForLoops::begin(const QStringList& args, int forLine) {
@@ -49,7 +50,7 @@ bool ForLoops::step(const QString& name) {
 bool ForLoops::substitute(QStringList* args) const {
     bool plain = true;
     for (QString& arg : *args) {
-        int left = MaxReplacements;
+        int left = Limits::MostReplacements;
         for (const ForLoop& loop : m_loops) {
             const QString& placeholder = loop.placeholder;
             if (placeholder.isEmpty()) {
@@ -58,7 +59,7 @@ bool ForLoops::substitute(QStringList* args) const {
             const bool holdsItself = loop.value.contains(placeholder);
             int at = arg.indexOf(placeholder);
             plain = plain && !(holdsItself && at >= 0);
-            while (at >= 0 && left > 0 && arg.size() < MaxLength) {
+            while (at >= 0 && left > 0 && arg.size() < Limits::LongestArgument) {
                 arg.replace(at, placeholder.size(), loop.value);
                 --left;
                 at = arg.indexOf(placeholder, holdsItself ? at + loop.value.size() : 0);

@@ -18,11 +18,6 @@ struct ForLoop {
 /// its last value until a :for of the same name replaces it.
 class ForLoops {
   public:
-    /// Replacements in one argument after which substitution gives up.
-    static constexpr int MaxReplacements = 10000;
-    /// Length of an argument, in characters, at which substitution gives up.
-    static constexpr int MaxLength = 1 << 20;
-
     void clear() { m_loops.clear(); }
 
     /// :for with these arguments, read at line forLine. Replaces a record of the same name; the
@@ -39,8 +34,9 @@ class ForLoops {
     /// Replaces the placeholders in every argument, loop by loop in order, rescanning from the
     /// start of the argument after each replacement. What would never end is bounded: an empty
     /// placeholder replaces nothing, a value that holds its own placeholder is filled in by one
-    /// pass from left to right, and after MaxReplacements, or beyond MaxLength, an argument stays
-    /// as it is. Returns false if one of the latter two took effect.
+    /// pass from left to right, and after Limits::MostReplacements, or beyond
+    /// Limits::LongestArgument, an argument stays as it is. Returns false if one of the latter two
+    /// took effect.
     bool substitute(QStringList* args) const;
 
   private:

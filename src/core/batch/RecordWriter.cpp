@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 #include <cmath>
 
+#include "base/Limits.h"
 #include "batch/BatchLine.h"
 #include "files/FileNames.h"
 #include "frames/EnergyFromName.h"
@@ -257,7 +258,7 @@ void RecordWriter::references(const std::vector<ReferenceInput>& references) {
 void RecordWriter::area(const Inputs& in) {
     const bool isWhole = in.area.within(AnySize, AnySize).isEmpty();  // or of no image
     const Area area = isWhole ? Area() : in.area.clipped(in.size);
-    if (area.vertices.size() > MostWrittenVertices && !m_failure) {
+    if (area.vertices.size() > Limits::MostWrittenVertices && !m_failure) {
         m_failure = RecordLines::none(
             QT_TRANSLATE_NOOP("Record", "the area has too many vertices for a batch: %1"),
             number(area.vertices.size()));

@@ -25,7 +25,6 @@
 
 namespace {
 
-constexpr qint64 kLeastOfValue = 2;  // bytes, with the blank
 constexpr double kHalfHeight = 0.5;
 constexpr int kRisingEdge = 0;
 constexpr double kLeastSpacing = 0.1;  // angstrom; crystals and multilayers lie far inside
@@ -268,7 +267,7 @@ EMapReading readContent(QIODevice& in, double edgeEnergy, const QSize& imageSize
     stream.setCodec("UTF-8");
     const EMPHeader header = readEMapHeader(stream);
     const double edge = edgeEnergy > 0.0 ? edgeEnergy : header.stdEdgeEnergy;
-    const qint64 valuesInFile = in.size() / kLeastOfValue;
+    const qint64 valuesInFile = in.size() / Limits::LeastOfMapValue;
     content->size = imageSize;
     if (!header.ok) {
         reading.refusal = EMapRefusal::NoMap;

@@ -2,10 +2,9 @@
 
 #include <cmath>
 
-namespace {
+#include "base/Limits.h"
 
-// Of eV, also when it is one of keV; far beyond any energy.
-constexpr double LargestNumber = 1e300;
+namespace {
 
 bool isDigit(const QString& text, int i) {
     return i >= 0 && i < text.size() && text.at(i) >= QLatin1Char('0') &&
@@ -54,5 +53,6 @@ std::optional<double> numberFromName(const QString& path, const QRegularExpressi
     number.remove(QStringLiteral("KEV"));
     number.remove(QStringLiteral("EV"));
     const double value = number.toDouble();
-    return std::abs(value) <= LargestNumber ? value : 0.0;  // "nan" and "1e999" are none, either
+    return std::abs(value) <= Limits::LargestInName ? value
+                                                    : 0.0;  // "nan" and "1e999" are none, either
 }

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
+
+#include "base/LargeMemory.h"
 
 namespace {
 
@@ -99,17 +102,20 @@ class Outlines {
           m_seen(static_cast<std::size_t>(m_area.width()) *
                  static_cast<std::size_t>(m_area.height())) {}
 
-    /// Every outline has an upper side; the walk along it begins at its first one.
-    QVector<QVector<QPoint>> all() {
-        QVector<QVector<QPoint>> loops;
-        for (int y = m_area.top(); y <= m_area.bottom(); ++y) {
+    /// One behind the other, joined. Every outline has an upper side; the walk along it begins at
+    /// its first one. Stops beyond so many vertices.
+    std::vector<QPoint> all(std::size_t most) {
+        for (int y = m_area.top(); y <= m_area.bottom() && m_outline.size() <= most; ++y) {
             for (int x = m_area.left(); x <= m_area.right(); ++x) {
                 if (m_pixels.contains(x, y) && !m_pixels.contains(x, y - 1) && !seen(x, y)) {
-                    loops.append(walk({x, y}));
+                    add({x, y});
                 }
             }
         }
-        return loops;
+        for (std::size_t i = m_firsts.size(); i > 2; --i) {
+            m_outline.push_back(m_firsts[i - 2]);
+        }
+        return std::move(m_outline);
     }
 
   private:
@@ -119,9 +125,21 @@ class Outlines {
                       static_cast<std::size_t>(x - m_area.left())];
     }
 
-    QVector<QPoint> walk(const QPoint& start) {
+    /// An outline ends where it has begun, but for a single one.
+    void add(const QPoint& start) {
+        if (m_firsts.size() == 1) {
+            m_outline.push_back(m_firsts.front());
+        }
+        const std::size_t first = m_outline.size();
+        walk(start);
+        m_firsts.push_back(m_outline[first]);
+        if (m_firsts.size() > 1) {
+            m_outline.push_back(m_firsts.back());
+        }
+    }
+
+    void walk(const QPoint& start) {
         constexpr QPoint Steps[] = {{1, 0}, {0, 1}, {-1, 0}, {0, -1}};
-        QVector<QPoint> corners;
         QPoint at = start;
         int way = 0;
         do {
@@ -139,31 +157,26 @@ class Outlines {
             const bool right = m_pixels.contains(onRight.x(), onRight.y());
             const int turn = !right ? 1 : left ? 3 : 0;
             if (turn != 0) {
-                corners.append(at);
+                m_outline.push_back(at);
                 way = (way + turn) % 4;
             }
         } while (at != start || way != 0);
-        return corners;
     }
 
     const PixelSet& m_pixels;
     QRect m_area;
     std::vector<bool> m_seen;  // upper sides that have been walked
+    std::vector<QPoint> m_outline;
+    std::vector<QPoint> m_firsts;  // of each
 };
 
 }  // namespace
 
-QVector<QPoint> outlineOf(const PixelSet& pixels) {
-    const QVector<QVector<QPoint>> loops = Outlines(pixels).all();
-    QVector<QPoint> outline;
-    for (const QVector<QPoint>& loop : loops) {
-        outline += loop;
-        if (loops.size() > 1) {
-            outline.append(loop.first());
-        }
+QVector<QPoint> outlineOf(const PixelSet& pixels, qint64 most) {
+    const std::vector<QPoint> outline = Outlines(pixels).all(static_cast<std::size_t>(most));
+    if (static_cast<qint64>(outline.size()) > most) {
+        return {};
     }
-    for (int i = loops.size() - 2; i > 0; --i) {
-        outline.append(loops.at(i).first());
-    }
-    return outline;
+    askForMemory(outline.size() * sizeof(QPoint));
+    return QVector<QPoint>(outline.begin(), outline.end());
 }

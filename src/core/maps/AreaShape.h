@@ -3,16 +3,14 @@
 #include <QPoint>
 #include <QVector>
 
+#include "base/Limits.h"
 #include "maps/PixelSet.h"
 
 // Which pixels lie in a shape. A pixel (x, y) does where its middle, (x + 0.5, y + 0.5), does;
 // corners and vertices are whole pixels, so that pixel n reaches from n to n + 1. All that follows
-// is worked out in whole numbers as long as coordinates stay below LargestCoordinate.
+// is worked out in whole numbers as long as coordinates stay below Limits::LargestCoordinate.
 
 enum class AreaShape { Rectangle, Ellipse, Polygon };
-
-/// Vertices and corners lie no further from 0 than this.
-constexpr int LargestCoordinate = 1 << 20;
 
 /// The pixels of the image whose middle lies in the ellipse that touches the sides of the box, or
 /// on it.
@@ -28,5 +26,6 @@ QRect boundsOf(const QVector<QPoint>& vertices);
 
 /// A closed polygon that holds exactly these pixels by the rule above, whatever their shape: the
 /// outlines of their parts and holes one after the other, joined by lines that are walked there
-/// and back. Empty for none.
-QVector<QPoint> outlineOf(const PixelSet& pixels);
+/// and back. Empty for none, and where it would have more vertices than that. Throws
+/// NotEnoughMemory.
+QVector<QPoint> outlineOf(const PixelSet& pixels, qint64 most = Limits::MostVertices);

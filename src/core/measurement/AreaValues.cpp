@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <cmath>
 
+#include "base/Limits.h"
 #include "measurement/ResultParts.h"
 
 namespace {
@@ -73,6 +74,13 @@ Outcome thresholdArea(const Measurement& measurement, ResultId id, int reference
         return Outcome::failure(AreaValues::tr("no bin of the map lies from %1 to %2")
                                     .arg(fieldText(low), fieldText(high)));
     }
-    *area = Area::polygon(outlineOf(pixels));
+    const QVector<QPoint> outline = outlineOf(pixels);
+    if (outline.isEmpty()) {
+        return Outcome::failure(
+            AreaValues::tr("the area from %1 to %2 would have more than %3 corners")
+                .arg(fieldText(low), fieldText(high))
+                .arg(Limits::MostVertices));
+    }
+    *area = Area::polygon(outline);
     return {};
 }

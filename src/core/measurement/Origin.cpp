@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QLocale>
 
+#include "base/Limits.h"
 #include "files/FileNames.h"
 #include "measurement/Display.h"
 #include "measurement/MapDisplay.h"
@@ -26,7 +27,7 @@ QString timesText(int times) {
 /// What is selected in the area; of a shape with very many vertices, their digest.
 QString shapeText(const Area& area) {
     const QString numbers = areaNumbers(area).join(QLatin1Char(' '));
-    if (area.vertices.size() <= MostWrittenVertices) {
+    if (area.vertices.size() <= Limits::MostWrittenVertices) {
         return shapeWord(area.shape) + QLatin1Char(' ') + numbers;
     }
     const QByteArray digest =

@@ -33,8 +33,6 @@ std::optional<EdgeChoice> edgeOfWord(const QString& word);
 QString shapeWord(AreaShape shape);
 /// The numbers behind it: x0 y0 x1 y1, or x and y of every vertex.
 QStringList areaNumbers(const Area& area);
-/// More vertices than that are not written into records and origins.
-constexpr int MostWrittenVertices = 10000;
 
 /// jump or none.
 QString scaleWord(FitRule::ReferenceScale scale);

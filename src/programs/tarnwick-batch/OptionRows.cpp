@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <algorithm>
 
+#include "base/Limits.h"
 #include "base/Memory.h"
 #include "files/FileNames.h"
 
@@ -10,12 +11,10 @@ namespace {
 
 using Action = RunnerOptions::Action;
 
-constexpr int MostThreads = 1024;
-
 QString takeThreads(const QString& value, RunnerOptions* options) {
     bool ok = false;
     options->threads = value.toInt(&ok);
-    return ok && options->threads >= 1 && options->threads <= MostThreads
+    return ok && options->threads >= 1 && options->threads <= Limits::MostThreads
                ? QString()
                : QStringLiteral("it needs a number from 1 to 1024");
 }
