@@ -10,6 +10,7 @@
 #include "TestMain.h"
 #include "TinyStacks.h"
 #include "base/Inbox.h"
+#include "base/LargeMemory.h"
 #include "panels/BatchCtrl.h"
 #include "window/Body.h"
 
@@ -86,6 +87,18 @@ class TestFileWait : public QObject {
         QTRY_VERIFY(doneBefore >= (closes ? 1 : 2));  // not in the midst; a load goes on behind it
         QTRY_COMPARE(body.isVisible(), !closes);
         QTRY_COMPARE(body.measurement().settings().halfWidth == 1, goesOn);
+    }
+
+    /// As if the window's thread had read it.
+    void memoryThatIsRefusedThereIsRefusedHere() {
+        Body body;
+        put(m_dir.filePath("std.dat"), "7000 1\n7001 1\n7002 2\n7003 3\n7004 3\n7005 3\n");
+        refuseMemory(1);
+        QVERIFY_EXCEPTION_THROWN(body.measurement().loadStandard(m_dir.filePath("std.dat")),
+                                 NotEnoughMemory);
+        QVERIFY(hasRefusedMemory());
+        refuseMemory(0);
+        QVERIFY(!body.measurement().loadStandard(m_dir.filePath("std.dat")).failed());
     }
 };
 

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QTextStream>
 
+#include "base/LargeMemory.h"
 #include "base/Limits.h"
 #include "batch/LineItems.h"
 #include "files/Answer.h"
@@ -42,7 +43,8 @@ bool readBatchFile(const QString& fileName, QStringList* lines) {
         }
         return content;
     });
-    if (!read || !*read) {
+    if (!read || !*read ||
+        !mayTakeMemory(Limits::MemoryOfText * static_cast<quint64>((*read)->size()))) {
         return false;
     }
     QBuffer buffer(&**read);

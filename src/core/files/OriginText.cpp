@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "base/LargeMemory.h"
+#include "base/Limits.h"
+
 namespace {
 
 const QLatin1String FirstWords("Tarnwick origin ");
@@ -89,8 +92,9 @@ QString OriginText::toText() const {
 }
 
 std::optional<OriginText> OriginText::fromText(const QString& text, QString* whyNot) {
-    const QStringList lines = linesOf(text);
-    QString problem = problemOfFirst(lines.value(0));
+    const bool hasRoom = mayTakeMemory(Limits::MemoryOfText * static_cast<quint64>(text.size()));
+    const QStringList lines = hasRoom ? linesOf(text) : QStringList();
+    QString problem = hasRoom ? problemOfFirst(lines.value(0)) : lackOfMemory();
     OriginText origin;
     int i = 1;
     for (; problem.isEmpty() && i < lines.size() && !isEmptyLine(lines.at(i)); ++i) {

@@ -84,6 +84,7 @@ bool writePicture(const QString& fileName, const QImage& picture, const QString&
     }
     QImage withText = picture;
     if (!origin.isEmpty() && format == "png") {
+        askForMemory(static_cast<quint64>(picture.sizeInBytes()));  // a copy
         withText.setText(originChunkKey(), origin);  // the writer's setText() folds line ends
     }
     QImageWriter writer(&file, format);

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <new>
 
+#include "base/LargeMemory.h"
 #include "base/Limits.h"
 #include "files/InputFile.h"
 #include "files/SystemPaths.h"
@@ -56,6 +57,7 @@ struct Calls {
     static int map(thandle_t handle, void** base, toff_t* bytes) {
         TiffDevice* const self = of(handle);
         try {
+            askForMemory(size(handle));
             self->io->seek(0);
             self->whole = self->io->readAll();
         } catch (const std::bad_alloc&) {

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "base/AddressSpace.h"
+#include "base/Limits.h"
 #include "files/InputFile.h"
 #include "files/LeftOver.h"
 #include "files/WholeFile.h"
@@ -74,7 +75,7 @@ PartStore::PartStore(const Place& place, const WorkKey& key, const PartCut& cut,
       m_fault(std::move(fault)) {
     InputFile manifest(m_place.manifest);
     if (manifest.open(QIODevice::ReadOnly)) {
-        m_changed = changedSince(manifest.readAll(), m_key);
+        m_changed = changedSince(manifest.read(Limits::LargestText), m_key);
     }
 }
 
@@ -107,7 +108,8 @@ void PartStore::begin() {
     removeLeftOver(QFile::encodeName(m_place.folder));
     InputFile file(m_place.manifest);
     const QByteArray text = manifestOf(m_key);
-    const bool isThere = file.open(QIODevice::ReadOnly) && file.readAll() == text;
+    const bool isThere =
+        file.open(QIODevice::ReadOnly) && file.size() == text.size() && file.readAll() == text;
     if (isThere || !m_fault->why.isEmpty()) {
         return;
     }

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr int Piece = 1 << 20;  // bytes written at once: a row of bins may be longer than 2 GB
+
 void append(QByteArray* line, double value) {
     if (std::isnan(value)) {  // which may have a sign
         line->append("nan");
@@ -40,9 +42,11 @@ bool writeBinTable(const QString& fileName, const BinTable& table) {
                 append(&text, values.value(column, row));
             }
             text += '\n';
+            if (text.size() > Piece || column + 1 == raster.columns) {
+                file.write(text);
+                text.clear();
+            }
         }
-        file.write(text);
-        text.clear();
     }
     return file.putInPlace() && noteSaved(fileName);
 }

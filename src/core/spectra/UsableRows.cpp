@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/DebugLog.h"
+#include "base/LargeMemory.h"
 #include "base/Limits.h"
 #include "files/Answer.h"
 #include "files/FilePlaces.h"
@@ -105,6 +106,7 @@ class Taking {
             refuse(Usable::tr("longer than any spectrum"));
             return m_taken;
         }
+        askForMemory(Limits::MemoryOfText * static_cast<quint64>(file.size()));
         const QByteArray content = file.readAll();
         if (!isAsOpened()) {
             refuse(InputFile::changedText());

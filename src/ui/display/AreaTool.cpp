@@ -1,7 +1,7 @@
 #include "display/AreaTool.h"
 
-#include <QHash>
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "maps/AnalysisGrid.h"
@@ -29,28 +29,28 @@ int within(int by, int low, int end, int size) {
     return std::clamp(by, -std::max(0, low), std::max(0, size - end));
 }
 
+/// The same for both ways along a line.
+std::array<int, 4> endsOf(const QLine& line) {
+    const std::array<int, 4> there{line.x1(), line.y1(), line.x2(), line.y2()};
+    const std::array<int, 4> back{line.x2(), line.y2(), line.x1(), line.y1()};
+    return std::min(there, back);
+}
+
 /// The lines of a polygon but for those that are walked there and back.
-QVector<QLine> linesAround(const QVector<QPoint>& vertices) {
-    QHash<QPair<QPair<int, int>, QPair<int, int>>, int> walked;
-    QVector<QLine> all;
+std::vector<QLine> linesAround(const QVector<QPoint>& vertices) {
+    std::vector<std::array<int, 4>> all;
+    all.reserve(static_cast<std::size_t>(vertices.size()));
     for (int i = 0; i < vertices.size(); ++i) {
-        const QPoint& a = vertices.at(i);
-        const QPoint& b = vertices.at(i + 1 < vertices.size() ? i + 1 : 0);
-        auto ends = qMakePair(qMakePair(a.x(), a.y()), qMakePair(b.x(), b.y()));
-        if (ends.second < ends.first) {
-            std::swap(ends.first, ends.second);
-        }
-        ++walked[ends];
-        all.append({QPoint(ends.first.first, ends.first.second),
-                    QPoint(ends.second.first, ends.second.second)});
+        all.push_back(endsOf({vertices.at(i), vertices.at(i + 1 < vertices.size() ? i + 1 : 0)}));
     }
-    QVector<QLine> lines;
-    for (const QLine& line : qAsConst(all)) {
-        const auto ends =
-            qMakePair(qMakePair(line.x1(), line.y1()), qMakePair(line.x2(), line.y2()));
-        if (walked.value(ends) % 2 == 1) {
-            lines.append(line);
+    std::sort(all.begin(), all.end());
+    std::vector<QLine> lines;
+    for (auto line = all.begin(); line != all.end();) {
+        const auto next = std::find_if(line, all.end(), [&](const auto& o) { return o != *line; });
+        if ((next - line) % 2 == 1) {
+            lines.emplace_back((*line)[0], (*line)[1], (*line)[2], (*line)[3]);
         }
+        line = next;
     }
     return lines;
 }
@@ -96,7 +96,8 @@ bool AreaTool::set(const Area& area) {
 /// Keeps what painting and the mouse ask for at every move.
 void AreaTool::note() {
     m_pixels = m_area.pixels(m_size);
-    m_lines = m_area.shape == AreaShape::Polygon ? linesAround(m_area.vertices) : QVector<QLine>();
+    m_lines =
+        m_area.shape == AreaShape::Polygon ? linesAround(m_area.vertices) : std::vector<QLine>();
     m_bins = AnalysisGrid::ofArea(m_size.width(), m_size.height(), m_halfWidth, m_halfHeight, box(),
                                   m_pixels)
                  .raster()

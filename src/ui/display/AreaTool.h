@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QLine>
 #include <QPointF>
+#include <vector>
 
 #include "measurement/Area.h"
 
@@ -61,6 +62,7 @@ class AreaTool {
     bool handleMoved(const QPoint& to);
     void note();
     void paintOutline(QPainter& painter, const ChCoord& coord, const QColor& color) const;
+    void paintLines(QPainter& painter, const ChCoord& coord) const;
     void paintDrawing(QPainter& painter, const ChCoord& coord, const QColor& color,
                       const QRectF& inside) const;
     QString sizeText() const;
@@ -72,7 +74,7 @@ class AreaTool {
     int m_halfHeight = 0;
     int m_bins = 0;  // in the area
     std::shared_ptr<const PixelSet> m_pixels;
-    QVector<QLine> m_lines;  // around a polygon
+    std::vector<QLine> m_lines;  // around a polygon
     AreaShape m_chosen = AreaShape::Rectangle;
     bool m_isDrawing = false;
     QVector<QPoint> m_vertices;  // of the polygon being drawn

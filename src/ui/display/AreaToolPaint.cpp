@@ -9,9 +9,9 @@
 
 namespace {
 
-constexpr double HandleSize = 6.0;  // of screen pixels
-constexpr int MostOutlined = 5000;  // lines with a dark edge; more of them take their time
-const QColor Light(255, 225, 225);  // red is hard to read on dark pictures
+constexpr double HandleSize = 6.0;          // of screen pixels
+constexpr std::size_t MostOutlined = 5000;  // lines with a dark edge; more of them take their time
+const QColor Light(255, 225, 225);          // red is hard to read on dark pictures
 
 class AreaTexts {
     Q_DECLARE_TR_FUNCTIONS(AreaTool)
@@ -44,18 +44,26 @@ void AreaTool::paintOutline(QPainter& painter, const ChCoord& coord, const QColo
     const QRectF corners(
         onScreen(coord, QPointF(std::min(m_area.x0, m_area.x1), std::min(m_area.y0, m_area.y1))),
         onScreen(coord, QPointF(std::max(m_area.x0, m_area.x1), std::max(m_area.y0, m_area.y1))));
-    QVector<QLineF> lines;
-    for (const QLine& line : m_lines) {
-        lines.append({onScreen(coord, line.p1()), onScreen(coord, line.p2())});
-    }
     for (const QPen& pen : {QPen(QColor(0, 0, 0, 90), 3), QPen(color, 1)}) {
         painter.setPen(pen);
         if (m_area.shape == AreaShape::Rectangle) {
             painter.drawRect(corners);
         } else if (m_area.shape == AreaShape::Ellipse) {
             painter.drawEllipse(corners);
-        } else if (pen.width() == 1 || lines.size() <= MostOutlined) {
+        } else if (pen.width() == 1 || m_lines.size() <= MostOutlined) {
+            paintLines(painter, coord);
+        }
+    }
+}
+
+/// Some at a time: there may be more than one of Qt's arrays holds.
+void AreaTool::paintLines(QPainter& painter, const ChCoord& coord) const {
+    QVector<QLineF> lines;
+    for (std::size_t i = 0; i < m_lines.size(); ++i) {
+        lines.append({onScreen(coord, m_lines[i].p1()), onScreen(coord, m_lines[i].p2())});
+        if (static_cast<std::size_t>(lines.size()) == MostOutlined || i + 1 == m_lines.size()) {
             painter.drawLines(lines);
+            lines.clear();
         }
     }
 }

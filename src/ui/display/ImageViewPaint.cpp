@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/Globals.h"
+#include "base/LargeMemory.h"
 #include "display/ImageView.h"
 #include "display/Outlined.h"
 #include "drawing/DrawText.h"
@@ -35,6 +36,24 @@ void ImageView::paintImage(QPainter* p, const QImage& picture) const {
     }
 }
 
+namespace {
+
+/// Its pixels are those of the picture, unless they are of a table.
+QImage partOf(const QImage& picture, const QRect& part) {
+    const bool hasBytes = picture.depth() % 8 == 0 && picture.colorCount() == 0;
+    if (part == picture.rect()) {
+        return picture;
+    }
+    if (!hasBytes) {
+        return picture.copy(part);
+    }
+    const auto left = static_cast<std::ptrdiff_t>(part.left()) * (picture.depth() / 8);
+    return {picture.constScanLine(part.top()) + left, part.width(), part.height(),
+            picture.bytesPerLine(), picture.format()};
+}
+
+}  // namespace
+
 void ImageView::paintReduced(QPainter* p, const QImage& picture) const {
     const QRect part = m_visible.toAlignedRect() & picture.rect();
     const QRect target = onScreen(QRectF(part)).toRect();
@@ -45,9 +64,12 @@ void ImageView::paintReduced(QPainter* p, const QImage& picture) const {
         m_reduced.image.size() != target.size()) {
         m_reduced.key = picture.cacheKey();
         m_reduced.part = part;
-        const QImage seen = part == picture.rect() ? picture : picture.copy(part);
-        m_reduced.image =
-            seen.scaled(target.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        const QImage seen = partOf(picture, part);
+        // To be smooth it becomes one of four bytes a pixel before.
+        const quint64 pixels = quint64(part.width()) * quint64(part.height());
+        const bool isSmooth = picture.depth() == 32 || mayTakeMemory(4 * pixels);
+        m_reduced.image = seen.scaled(target.size(), Qt::IgnoreAspectRatio,
+                                      isSmooth ? Qt::SmoothTransformation : Qt::FastTransformation);
     }
     p->drawImage(target.topLeft(), m_reduced.image);
 }
