@@ -13,6 +13,7 @@
 #include <QTextStream>
 #include <utility>
 
+#include "base/LargeMemory.h"
 #include "display/FolderMemory.h"
 #include "display/MessageLine.h"
 #include "files/WholeDevice.h"
@@ -210,6 +211,11 @@ void BatchCtrl::load(QString fname) {
     QStringList lines;
     if (!readBatchFile(fname, &lines)) {
         sayOwn(Outcome::failure(tr("cannot be read: %1").arg(fname)), fname);
+        return;
+    }
+    constexpr quint64 BytesOfLine = 512;  // in the editor, beside its letters
+    if (!mayTakeMemory(BytesOfLine * static_cast<quint64>(lines.size()))) {
+        sayOwn(Outcome::failure(lackOfMemory()), fname);
         return;
     }
     m_ui->BatchCmds->clear();
