@@ -46,8 +46,8 @@ TinyFolder* makeFolder() {
 }  // namespace
 
 const QStringList& loadingLines() {
-    static const QStringList lines{QStringLiteral("load_I1_files_of_pattern NEW i1 *.tif"),
-                                   QStringLiteral("load_I0_files_of_pattern NEW i0 *.tif"),
+    static const QStringList lines{QStringLiteral("load_I1_files_of_pattern NEW i1"),
+                                   QStringLiteral("load_I0_files NEW i0/b-7020eV.tif"),
                                    QStringLiteral("set_band_w 0"),
                                    QStringLiteral("set_band_h 0"),
                                    QStringLiteral("analyzer_set_LCF_std 0 1 0 a.dat 0"),

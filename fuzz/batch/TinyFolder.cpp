@@ -27,7 +27,7 @@ constexpr int Side = 5;
 constexpr unsigned Touches = IN_CREATE | IN_DELETE | IN_DELETE_SELF | IN_MODIFY | IN_CLOSE_WRITE |
                              IN_MOVED_FROM | IN_MOVED_TO | IN_MOVE_SELF | IN_ATTRIB;
 
-const double Energies[] = {7020, 7105, 7111, 7120, 7200};
+const double Energies[] = {7020, 7105, 7111, 7200};
 
 double muOf(double energy, double edge) {
     return 0.2 + 0.8 * (0.5 + std::atan((energy - edge) / 3.0) / 3.14159265);
@@ -58,7 +58,7 @@ void putText(const QString& name, const QByteArray& text) {
 
 void putCurve(const QString& name, double edge) {
     QByteArray text;
-    for (const double energy : {7000, 7090, 7103, 7107, 7110, 7113, 7120, 7150, 7220}) {
+    for (const double energy : {7000, 7095, 7105, 7110, 7115, 7140, 7220}) {
         text += QByteArray::number(energy) + ' ' + QByteArray::number(muOf(energy, edge)) + '\n';
     }
     putText(name, text);
@@ -69,7 +69,7 @@ void putFrames() {
         putFrame(QStringLiteral("i1/s-%1eV.tif").arg(energy), Side,
                  [&](int x, int y) { return 60000.0 * std::exp(-muOf(energy, edgeAt(x, y))); });
     }
-    for (const double energy : {Energies[0], Energies[4]}) {
+    for (const double energy : {Energies[0], Energies[3]}) {
         putFrame(QStringLiteral("i0/b-%1eV.tif").arg(energy), Side,
                  [&](int x, int) { return 60000.0 - 100.0 * x; });
     }
@@ -156,6 +156,12 @@ void TinyFolder::forgetTouches() const {
 }
 
 QString TinyFolder::confined(const QString& name) const {
+    // The current folder is this one or below it.
+    const QChar first = name.isEmpty() ? QChar() : name.at(0);
+    const bool isPlain = first.isLetterOrNumber() || first == QLatin1Char('"');
+    if (isPlain && !name.contains(QLatin1String("..")) && !name.contains(QChar(0))) {
+        return name;
+    }
     const auto isInside = [root = QFile::decodeName(m_path)](const QString& given) {
         const QString path = QDir::cleanPath(QDir::current().absoluteFilePath(given));
         return path == root || path.startsWith(root + QLatin1Char('/'));

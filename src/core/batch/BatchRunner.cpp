@@ -8,6 +8,7 @@
 #include "batch/ArgumentCheck.h"
 #include "batch/BatchTexts.h"
 #include "batch/CommandTables.h"
+#include "batch/LineItems.h"
 #include "batch/Record.h"
 #include "batch/UnknownWord.h"
 #include "measurement/Room.h"
@@ -59,7 +60,8 @@ void BatchRunner::execCmd(const CmdLine& cmd, bool inRem) {
 }
 
 void BatchRunner::run(const CmdLine& cmd) {
-    const CommandRow* row = commandRow(commandId(CmdLine::parse(cmd.command).command));
+    int place = 0;
+    const CommandRow* row = commandRow(commandId(takeItemAt(cmd.command, &place)));
     if (row == nullptr) {
         Outcome outcome = cmd.problems;
         if (controlId(cmd.command) == NoControl) {
