@@ -13,7 +13,7 @@
 TinyFolder& tinyFolder();
 
 /// Lines that are handed out before loops are left.
-constexpr int MostRounds = 20;
+constexpr int MostRounds = 16;
 
 /// Lines that load the measurement.
 const QStringList& loadingLines();

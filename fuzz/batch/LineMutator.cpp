@@ -21,7 +21,7 @@ namespace {
 
 using Random = std::minstd_rand;
 
-constexpr std::size_t LongestBatch = 320;
+constexpr std::size_t LongestBatch = 240;
 
 int below(Random& random, int end) {
     return static_cast<int>(random() % static_cast<unsigned>(std::max(1, end)));

@@ -48,6 +48,8 @@ class TestBatchCheck : public QObject {
         row("words", "load_I1_file NEW a.tif|# note||:fro i %i 1 2|qwertyuiop",
             "E1 unknown command (did you mean load_I1_files?)|E2 '#' does not start a comment|"
             "E4 unknown command (did you mean :for?)|E5 unknown command");
+        row("a word that is longer in lower case", "load_I1_filesZ|" + QString(20, QChar(0x130)),
+            "E1 unknown command (did you mean load_I1_files?)|E2 unknown command");
         row("files that would be there",
             load +
                 "move_position 2 2|save_spectra out/s.dat|"

@@ -69,11 +69,13 @@ class TestAnalysisGrid : public QObject {
         QVERIFY(!nothing.isInsideImage(nothing.x, nothing.y));
     }
 
-    void percentOfAnAreaOfNoHeightIsZero() {
+    void percentStaysBetweenItsEnds() {
         AnalysisGrid grid = AnalysisGrid::ofArea(10, 8, 0, 0, QRectF(0, 2, 10, 4));
         grid.y = 3;
         QCOMPARE(grid.percent(), 25.0);
         QCOMPARE(AnalysisGrid::ofArea(10, 8, 0, 0, QRectF(0, 2, 10, 0)).percent(), 0.0);
+        // The first row of bins that are higher than the area lies below its end.
+        QCOMPARE(AnalysisGrid::ofArea(10, 8, 0, 4, QRectF(0, 2, 10, 1)).percent(), 100.0);
     }
 };
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/AddressSpace.h"
+#include "base/OneThread.h"
 
 namespace {
 constexpr int RowsAtATime = 8;
@@ -23,7 +24,7 @@ bool RowShares::take(int* first, int* end) {
 void inThreads(int threads, const std::function<void()>& work) {
     std::vector<std::thread> others;
     try {
-        for (int i = 1; i < threads && hasRoomForThread(); ++i) {
+        for (int i = 1; i < threads && !usesOneThread() && hasRoomForThread(); ++i) {
             others.emplace_back(work);
         }
     } catch (const std::exception&) {

@@ -57,8 +57,7 @@ struct AnalysisGrid {
         return isInsideImage(px, py) && !isLeftOut(px, py);
     }
 
-    /// Per cent of the rows that lie behind the current one, 0.00 to 100.00; 0.00 for an area of no
-    /// height.
+    /// Per cent of the rows that lie behind the current one, at most 100; 0.00 for no height.
     double percent() const;
 };
 

@@ -194,10 +194,12 @@ Counts countByKey(SavedRows* rows, quint64 upper, int shift) {
     return counts;
 }
 
+/// As many numbers as are sorted at once.
+constexpr std::size_t Few = std::size_t(1) << 17;
+
 /// The finite value that has `place` others below it; some value where there are not as many.
 /// @param counts of the 16 highest bits
 double valueInOrder(SavedRows* rows, std::size_t place, Counts counts) {
-    constexpr std::size_t Few = std::size_t(1) << 17;
     quint64 key = 0;
     for (int shift = 48;; shift -= 16) {
         std::size_t step = 0;
@@ -224,6 +226,32 @@ double valueInOrder(SavedRows* rows, std::size_t place, Counts counts) {
     }
 }
 
+double valueInOrder(std::vector<quint64>* keys, std::size_t place) {
+    const auto wanted = keys->begin() + static_cast<std::ptrdiff_t>(place);
+    std::nth_element(keys->begin(), wanted, keys->end());
+    return valueOf(*wanted);
+}
+
+/// The values that a twentieth of the finite ones lies below, and above; none without such a value.
+std::optional<TiffRange> middleOf(const Analyzed2DRes& result) {
+    constexpr std::size_t Share = 20;
+    SavedRows rows(result, true);
+    if (result.grid().pointCount() <= static_cast<qint64>(Few)) {
+        std::vector<quint64> keys;
+        forKeys(&rows, [&keys](quint64 key) { keys.push_back(key); });
+        const std::size_t outside = keys.size() / Share;
+        return keys.empty()
+                   ? std::nullopt
+                   : std::optional<TiffRange>({valueInOrder(&keys, outside),
+                                               valueInOrder(&keys, keys.size() - 1 - outside)});
+    }
+    const Counts counts = countByKey(&rows, 0, 48);
+    const std::size_t n = std::accumulate(counts.begin(), counts.end(), std::size_t(0));
+    return n == 0 ? std::nullopt
+                  : std::optional<TiffRange>({valueInOrder(&rows, n / Share, counts),
+                                              valueInOrder(&rows, n - 1 - n / Share, counts)});
+}
+
 }  // namespace
 
 TiffRange rangeInTiff(const Analyzed2DRes& result, const TiffOptions& options) {
@@ -239,18 +267,12 @@ std::optional<int> stepsInTiff(const Analyzed2DRes& result, const TiffOptions& o
     if (!result.hasData()) {
         return std::nullopt;
     }
-    SavedRows rows(result, true);
-    const Counts counts = countByKey(&rows, 0, 48);
-    const std::size_t n = std::accumulate(counts.begin(), counts.end(), std::size_t(0));
-    if (n == 0) {
+    const std::optional<TiffRange> middle = middleOf(result);
+    if (!middle || middle->low == middle->high) {
         return std::nullopt;
     }
-    const std::size_t outside = n / 20;  // on either side
-    double low = valueInOrder(&rows, outside, counts);
-    double high = valueInOrder(&rows, n - 1 - outside, counts);
-    if (low == high) {
-        return std::nullopt;
-    }
+    double low = middle->low;
+    double high = middle->high;
     const TiffRange range = rangeInTiff(result, options);
     if (options.asAnalyzed && range.low < range.high) {  // values beyond are cut
         low = std::clamp(low, range.low, range.high);
