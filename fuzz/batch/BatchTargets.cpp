@@ -8,8 +8,8 @@
 #include "batch/BatchExecution.h"
 
 // A batch takes thousands of small pieces of memory: where each came from is not kept, and those
-// that are free again are watched for one or two batches. A finding is run again with the usual
-// options.
+// that are free again are watched for one or two batches, as in ../run. A finding is run again with
+// the usual options.
 extern "C" const char* __asan_default_options();
 extern "C" const char* __asan_default_options() {
     return "malloc_context_size=0:quarantine_size_mb=1";

@@ -58,7 +58,7 @@ void putText(const QString& name, const QByteArray& text) {
 
 void putCurve(const QString& name, double edge) {
     QByteArray text;
-    for (const double energy : {7000, 7095, 7105, 7110, 7115, 7140, 7220}) {
+    for (const double energy : {7000, 7105, 7110, 7115, 7220}) {
         text += QByteArray::number(energy) + ' ' + QByteArray::number(muOf(energy, edge)) + '\n';
     }
     putText(name, text);

@@ -1,7 +1,6 @@
 #include "batch/RecordWriter.h"
 
 #include <QLocale>
-#include <QRegularExpression>
 #include <cmath>
 
 #include "base/Limits.h"
@@ -39,21 +38,15 @@ QStringList rangesArgs(const BackgroundRanges& r) {
 
 QStringList namesArgs(const QString& stack, const NamePattern& names) {
     // A batch takes no pattern that is none; it finds nothing, and so does this one.
-    const bool isValid = QRegularExpression(names.pattern).isValid();
+    const bool isValid = expressionOf(names.pattern).isValid();
     return {stack, isValid ? names.pattern : QStringLiteral("(?!)"), names.unit()};
 }
 
-}  // namespace
-
-QStringList edgeEnergyArgs(const QString& text) {
-    bool ok = false;
-    const double energy = text.toDouble(&ok);
-    return ok && std::isfinite(energy) ? QStringList{text} : QStringList();
-}
-
-RecordWriter::RecordWriter(const QString& folder) : m_folder(folder) {
-    const auto atStart = [this](const char* key, const char* command, const QStringList& args) {
-        assume(QString::fromLatin1(key), joined(QString::fromLatin1(command), args));
+/// What is in force before the first line, by its keys.
+QHash<QString, QString> startOfBatch() {
+    QHash<QString, QString> state;
+    const auto atStart = [&state](const char* key, const char* command, const QStringList& args) {
+        state[QString::fromLatin1(key)] = joined(QString::fromLatin1(command), args);
     };
     const Settings s;
     atStart("pattern I1", "set_energy_pattern", namesArgs(QStringLiteral("I1"), s.names[1]));
@@ -96,11 +89,27 @@ RecordWriter::RecordWriter(const QString& folder) : m_folder(folder) {
     atStart("frame view", "set_frame_view", {"counts"});
     for (const ResultKind& kind : ResultKinds) {
         const QString name = QString::fromLatin1(kind.name);
-        assume(QStringLiteral("range ") + name, rangeWord(MapRange().kind));
-        assume(QStringLiteral("colours ") + name, colorWords(ViewColors()).join(QLatin1Char(' ')));
+        state[QStringLiteral("range ") + name] = rangeWord(MapRange().kind);
+        state[QStringLiteral("colours ") + name] = colorWords(ViewColors()).join(QLatin1Char(' '));
     }
     atStart("frame colours", "set_colour_map", {"frames", "stated"});
+    return state;
 }
+
+const QHash<QString, QString>& stateAtStart() {
+    static const QHash<QString, QString> state = startOfBatch();
+    return state;
+}
+
+}  // namespace
+
+QStringList edgeEnergyArgs(const QString& text) {
+    bool ok = false;
+    const double energy = text.toDouble(&ok);
+    return ok && std::isfinite(energy) ? QStringList{text} : QStringList();
+}
+
+RecordWriter::RecordWriter(const QString& folder) : m_folder(folder), m_atStart(stateAtStart()) {}
 
 void RecordWriter::put(const QString& key, const QString& command, const QStringList& args) {
     const QString wanted = joined(command, args);

@@ -51,7 +51,8 @@ class RecordWriter {
     /// What is in force under a key without a line of its own.
     void assume(const QString& key, const QString& value) { m_inForce[key] = value; }
     bool isInForce(const QString& key, const QString& value) const {
-        return m_inForce.value(key) == value;
+        const auto since = m_inForce.constFind(key);
+        return (since != m_inForce.constEnd() ? *since : m_atStart.value(key)) == value;
     }
 
   private:
@@ -67,7 +68,8 @@ class RecordWriter {
     QString m_folder;
     QStringList m_lines;
     std::optional<RecordLines> m_failure;
-    QHash<QString, QString> m_inForce;
+    const QHash<QString, QString>& m_atStart;  // of every batch
+    QHash<QString, QString> m_inForce;         // since then
     QVector<QPair<QString, QByteArray>> m_digests;
     int m_references = 0;
 };
