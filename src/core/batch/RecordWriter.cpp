@@ -179,7 +179,10 @@ void RecordWriter::stack(const char* name, const StackInputs& stack) {
                 QT_TRANSLATE_NOOP("Record", "the energy of %1 stands in the name of its folder"),
                 fileName(file.path));
         }
-        if (!group.isEmpty() && !(group.last().names == file.names)) {
+        // Of what is loaded together either all have an energy in their name or none has.
+        const bool isAnother = !group.isEmpty() && (!(group.last().names == file.names) ||
+                                                    group.last().isNumbered != file.isNumbered);
+        if (isAnother) {
             loadGroup(name, first, group);
             first = false;
             group.clear();
