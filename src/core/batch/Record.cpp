@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
+#include <algorithm>
+#include <vector>
 
 #include "base/Globals.h"
 #include "batch/BatchText.h"
@@ -13,6 +15,7 @@
 #include "files/WholeDevice.h"
 #include "files/WholeFile.h"
 #include "measurement/Display.h"
+#include "measurement/FitJudgement.h"
 #include "measurement/Origin.h"
 #include "measurement/Writing.h"
 #include "spectra/Units.h"
@@ -130,6 +133,32 @@ QStringList makeCurrent(RecordWriter& writer, const Measurement& measurement) {
     return leftOut;
 }
 
+/// Whether frames have the energies of a difference between them; without frames any will do.
+bool holds(const StackInputs& frames, const FrameView& view) {
+    std::vector<double> energies;
+    for (const Stack::File& file : frames.files) {
+        energies.push_back(file.energy);
+    }
+    std::sort(energies.begin(), energies.end());
+    if (energies.empty() || !(view.from > 0.0)) {
+        return true;
+    }
+    const bool isLowest = view.from == energies.front();
+    const double other = isLowest ? energies.back() : energies.front();
+    return !judgeDifference(energies, view.from, view.to.value_or(other)).failed();
+}
+
+/// A difference that was set before these frames came, and is none of theirs, is no line: it would
+/// fail.
+void presentFrameView(RecordWriter& w, const Measurement& m, Settings s) {
+    if (!holds(m.inputs().i1, s.frameView)) {
+        const FrameView::Kind kind = s.frameView.kind;
+        s.frameView = FrameView();
+        s.frameView.kind = kind == FrameView::Kind::Absorption ? kind : FrameView::Kind::Counts;
+    }
+    w.frameView(s);
+}
+
 void presentSettings(RecordWriter& w, const Measurement& m) {
     const Settings& s = m.settings();
     const auto text = [](int n) { return QString::number(n); };
@@ -157,7 +186,7 @@ void presentSettings(RecordWriter& w, const Measurement& m) {
     w.put(QStringLiteral("each row"), QStringLiteral("analyzer_set_disp_on_time"),
           {s.showsEachRow ? QStringLiteral("1") : QStringLiteral("0")});
     w.viewRange(s.viewRange);
-    w.frameView(s);
+    presentFrameView(w, m, s);
     w.views(s.views);
     w.put(QStringLiteral("axes"), QStringLiteral("set_plot_axes"),
           {text(s.plotOrdinate),
@@ -224,8 +253,11 @@ RecordLines recordOf(const Measurement& measurement, const Result& result, const
 
 RecordLines recordOf(const Measurement& measurement) {
     RecordWriter writer(originFolder(measurement.inputs()));
-    const QStringList leftOut = makeCurrent(writer, measurement);
+    QStringList leftOut = makeCurrent(writer, measurement);
     presentSettings(writer, measurement);
+    if (!holds(measurement.inputs().i1, measurement.settings().frameView)) {
+        leftOut << QStringLiteral("left out: a difference of energies outside those of the frames");
+    }
     return withRemark(writer, leftOut);
 }
 
