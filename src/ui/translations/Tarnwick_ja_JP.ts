@@ -658,6 +658,10 @@
         <source>no bin of the map lies from %1 to %2</source>
         <translation>値が %1 ～ %2 のビンがマップにありません</translation>
     </message>
+    <message>
+        <source>the area from %1 to %2 would have more than %3 corners</source>
+        <translation>%1 ～ %2 の領域は頂点が %3 個を超えます</translation>
+    </message>
 </context>
 <context>
     <name>Batch</name>
@@ -2223,6 +2227,21 @@ Folder</source>
     </message>
 </context>
 <context>
+    <name>FileWait</name>
+    <message>
+        <source>Give Up</source>
+        <translation>あきらめる</translation>
+    </message>
+    <message>
+        <source>Go on without the file (Esc)</source>
+        <translation>このファイルなしで続けます (Esc)</translation>
+    </message>
+    <message>
+        <source>Waiting for %1</source>
+        <translation>%1 の応答を待っています</translation>
+    </message>
+</context>
+<context>
     <name>FitJudgement</name>
     <message>
         <source>%1 to %2 eV</source>
@@ -2861,6 +2880,10 @@ Folder</source>
         <source>has changed while it was read</source>
         <translation>読み込み中に変更されました</translation>
     </message>
+    <message>
+        <source>has not answered, given up</source>
+        <translation>応答がないため中止しました</translation>
+    </message>
 </context>
 <context>
     <name>LCFReference</name>
@@ -3203,6 +3226,10 @@ Folder</source>
         <source>%1 of memory are needed, the limit of the system is %2 (this line: %3, the program and what it holds: %4)</source>
         <translation>メモリが %1 必要ですが、システムの上限は %2 です (この行 %3、プログラムと保持中のデータ %4)</translation>
     </message>
+    <message>
+        <source>the mean spectrum of the area is left out: %1</source>
+        <translation>領域の平均スペクトルは省かれました: %1</translation>
+    </message>
 </context>
 <context>
     <name>Memory</name>
@@ -3368,6 +3395,10 @@ Folder</source>
     <message>
         <source>no spectrum: %1</source>
         <translation>スペクトルではありません: %1</translation>
+    </message>
+    <message>
+        <source>cannot be read: %1</source>
+        <translation>読み込めません: %1</translation>
     </message>
 </context>
 <context>
@@ -3770,6 +3801,14 @@ Folder</source>
     <message>
         <source>this program was installed without its module for HDF5 files</source>
         <translation>このプログラムには HDF5 ファイル用のモジュールがインストールされていません</translation>
+    </message>
+    <message>
+        <source>the module for HDF5 files cannot be loaded: %1</source>
+        <translation>HDF5 ファイル用のモジュールを読み込めません: %1</translation>
+    </message>
+    <message>
+        <source>a file that does not answer is still being read</source>
+        <translation>応答しないファイルをまだ読み込んでいます</translation>
     </message>
 </context>
 <context>
