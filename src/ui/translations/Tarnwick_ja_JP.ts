@@ -3228,7 +3228,7 @@ Folder</source>
     </message>
     <message>
         <source>the mean spectrum of the area is left out: %1</source>
-        <translation>領域の平均スペクトルは省かれました: %1</translation>
+        <translation>領域の平均スペクトルは除外しました: %1</translation>
     </message>
 </context>
 <context>
