@@ -1,13 +1,11 @@
 #include "batch/BatchExecution.h"
 
-#include <QBuffer>
 #include <QCoreApplication>
 #include <QDir>
 #include <algorithm>
 
 #include "Fuzz.h"
 #include "batch/BatchRunner.h"
-#include "batch/BatchText.h"
 #include "batch/CommandTables.h"
 
 namespace {
@@ -75,11 +73,4 @@ void BatchExecution::run(Measurement& measurement, const QStringList& lines, int
         QCoreApplication::sendPostedEvents();
     }
     require(open < 0, "every line is answered:", lines.value(open));
-}
-
-QStringList linesOf(const QByteArray& text) {
-    QBuffer buffer;
-    buffer.setData(text);
-    buffer.open(QIODevice::ReadOnly | QIODevice::Text);
-    return BatchText::fromLines(readBatchLines(&buffer)).lines;
 }

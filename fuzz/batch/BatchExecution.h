@@ -43,6 +43,3 @@ class BatchExecution {
     bool m_isWhole = true;
     bool m_leavesOutLetters = false;
 };
-
-/// The lines of a text as those of a batch file.
-QStringList linesOf(const QByteArray& text);

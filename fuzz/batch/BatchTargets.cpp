@@ -1,11 +1,13 @@
 #include "batch/BatchTargets.h"
 
+#include <QBuffer>
 #include <cmath>
 #include <cstdlib>
 
 #include "Fuzz.h"
 #include "base/OneThread.h"
 #include "batch/BatchExecution.h"
+#include "batch/BatchText.h"
 
 // A batch takes thousands of small pieces of memory: where each came from is not kept, and those
 // that are free again are watched for one or two batches, as in ../run. A finding is run again with
@@ -52,6 +54,21 @@ const QStringList& loadingLines() {
                                    QStringLiteral("set_band_h 0"),
                                    QStringLiteral("analyzer_set_LCF_std 0 1 0 a.dat 0"),
                                    QStringLiteral("analyzer_set_LCF_std 1 1 0 b.dat 0")};
+    return lines;
+}
+
+QStringList linesOf(const QByteArray& input) {
+    QBuffer buffer;
+    buffer.setData(input);
+    buffer.open(QIODevice::ReadOnly | QIODevice::Text);
+    QStringList lines;
+    for (const QString& line : BatchText::fromLines(readBatchLines(&buffer)).lines) {
+        if (line == QLatin1String(Loading)) {
+            lines << loadingLines();
+        } else {
+            lines << line;
+        }
+    }
     return lines;
 }
 

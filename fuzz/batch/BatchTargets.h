@@ -15,8 +15,15 @@ TinyFolder& tinyFolder();
 /// Lines that are handed out before loops are left.
 constexpr int MostRounds = 16;
 
+/// The line of an input that stands for loadingLines(), so that short batches work with frames,
+/// too.
+constexpr char Loading[] = "LOAD";
+
 /// Lines that load the measurement.
 const QStringList& loadingLines();
+
+/// The lines of an input as those of a batch file.
+QStringList linesOf(const QByteArray& input);
 
 /// Runs a batch in the folder: each line is answered once, the batch ends, nothing is written but
 /// what is said, and no setting holds what is no number.

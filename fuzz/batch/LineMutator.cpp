@@ -21,7 +21,7 @@ namespace {
 
 using Random = std::minstd_rand;
 
-constexpr std::size_t LongestBatch = 240;
+constexpr std::size_t LongestBatch = 110;
 
 int below(Random& random, int end) {
     return static_cast<int>(random() % static_cast<unsigned>(std::max(1, end)));
@@ -135,22 +135,23 @@ void changeArgument(Random& random, QByteArray* line) {
     *line = items.join(' ');
 }
 
-/// Nothing but loops and words goes without frames.
+/// Nothing but loops and words goes without frames. Now and then some of them only.
 void load(Random& random, QList<QByteArray>* lines) {
-    for (const QString& line : loadingLines()) {
-        if (below(random, 12) != 0 && !lines->contains(line.toUtf8())) {
-            lines->prepend(line.toUtf8());
-        }
+    if (lines->contains(Loading)) {
+        return;
     }
+    if (below(random, 6) != 0) {
+        lines->prepend(Loading);
+        return;
+    }
+    const QStringList& all = loadingLines();
+    lines->prepend(all.at(below(random, all.size())).toUtf8());
 }
 
-/// A line to change; seldom one that loads, for without frames most others fail.
+/// A line to change; seldom the one that loads, for without frames most others fail.
 int lineToChange(Random& random, const QList<QByteArray>& lines) {
-    const auto loads = [&lines](int at) {
-        return loadingLines().contains(QString::fromUtf8(lines.at(at)));
-    };
     int at = below(random, lines.size());
-    for (int i = 0; i < 3 && loads(at); ++i) {
+    for (int i = 0; i < 3 && lines.at(at) == Loading; ++i) {
         at = below(random, lines.size());
     }
     return at;
