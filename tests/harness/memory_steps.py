@@ -221,13 +221,14 @@ class Window(Batch):
 
 
 def try_all(batch, quick, seconds):
-    """Faults that were found."""
+    """Limits that were tried, and those of them with a fault."""
     batch.seconds = seconds
     if not batch.prepare():
-        return 1
+        return 0, 1
     batch.seconds = seconds if batch.until is None else min(seconds, 24)
-    faults = 0
+    tried = faults = 0
     for mib in steps(smallest(batch.program, batch.folder), quick):
+        tried += 1
         wrong, code, said = batch.judge(mib)
         last = next((line for line in reversed(said.splitlines()) if MESSAGE.search(line)), "")
         print(f"{batch.name}: {mib} MiB: " +
@@ -237,7 +238,7 @@ def try_all(batch, quick, seconds):
             for line in said.splitlines()[-3:]:
                 print(f"    {line[:200]}", flush=True)
         faults += 1 if wrong else 0
-    return faults
+    return tried, faults
 
 
 def main():
@@ -252,7 +253,7 @@ def main():
     program = str(options.program.resolve())
     samples = str(options.samples.resolve())
     window = options.window or options.program.resolve().parent / "tarnwick"
-    faults = 0
+    tried = faults = 0
     for row in BATCHES + ([None] if window.exists() else []):
         name = row[0] if row else "window"
         if options.only and options.only not in name:
@@ -261,8 +262,9 @@ def main():
             folder = pathlib.Path(temporary).resolve() / "sample"
             batch = (Batch((program, samples), folder, row) if row else
                      Window((str(window.resolve()), samples), folder, BATCHES[0]))
-            faults += try_all(batch, options.quick, options.seconds)
-    print(f"{faults} limits at which the end is not in order")
+            counts = try_all(batch, options.quick, options.seconds)
+            tried, faults = tried + counts[0], faults + counts[1]
+    print(f"{tried} limits of address space: {faults} faults")
     return 1 if faults else 0
 
 

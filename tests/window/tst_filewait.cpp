@@ -94,8 +94,9 @@ class TestFileWait : public QObject {
         Body body;
         put(m_dir.filePath("std.dat"), "7000 1\n7001 1\n7002 2\n7003 3\n7004 3\n7005 3\n");
         refuseMemory(1);
-        QVERIFY_EXCEPTION_THROWN(body.measurement().loadStandard(m_dir.filePath("std.dat")),
-                                 NotEnoughMemory);
+        QVERIFY_EXCEPTION_THROWN(
+            static_cast<void>(body.measurement().loadStandard(m_dir.filePath("std.dat"))),
+            NotEnoughMemory);
         QVERIFY(hasRefusedMemory());
         refuseMemory(0);
         QVERIFY(!body.measurement().loadStandard(m_dir.filePath("std.dat")).failed());

@@ -33,8 +33,12 @@ void Inbox::Slit::post(Call call) const {
     if (m_shared->inbox != nullptr) {
         m_shared->calls.push_back(std::move(call));
         // With the lock held: the inbox can not go meanwhile.
-        QCoreApplication::postEvent(m_shared->inbox, new QEvent(QEvent::User));
+        m_shared->inbox->wake();
     }
+}
+
+void Inbox::wake() {
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User));
 }
 
 bool Inbox::event(QEvent* event) {
@@ -67,7 +71,7 @@ InboxPause::~InboxPause() {
     ofThisThread = nullptr;
     for (const QPointer<Inbox>& inbox : m_woken) {
         if (inbox) {
-            QCoreApplication::postEvent(inbox, new QEvent(QEvent::User));
+            inbox->wake();
         }
     }
 }

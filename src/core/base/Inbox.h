@@ -41,6 +41,9 @@ class Inbox : public QObject {
     bool event(QEvent* event) override;
 
   private:
+    friend class InboxPause;
+    void wake();
+
     Slit m_slit;
 };
 
