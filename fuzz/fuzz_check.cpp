@@ -6,8 +6,8 @@
 #include "batch/BatchTargets.h"
 #include "batch/BatchText.h"
 
-// The check of a batch beside its run: what is said of a line is what the run says, nothing is
-// written, and the list that tarnwick-batch prints has an error for each line that fails.
+// The check of a batch beside its run: the same lines fail, nothing is written, and the list that
+// tarnwick-batch prints has an error for each line that fails.
 
 namespace {
 
@@ -19,7 +19,8 @@ bool isOfCounts(const QString& failure) {
                                         "no finite",
                                         "the range",
                                         "memory",
-                                        "there is nothing to"};
+                                        "there is nothing to",
+                                        "no bin of the"};
     return std::any_of(std::begin(texts), std::end(texts),
                        [&](const char* text) { return failure.contains(QLatin1String(text)); });
 }
@@ -38,7 +39,8 @@ void compare(const QVector<AnsweredLine>& checked, const QVector<AnsweredLine>& 
             })) {
             return;
         }
-        require(expected.failures == came.failures, "a line fails as the check says:",
+        // In other words where a line has written over what another reads.
+        require(expected.failed() == came.failed(), "a line fails as the check says:",
                 run.at(i).text + QStringLiteral(" | ") +
                     expected.failures.join(QStringLiteral("; ")) + QStringLiteral(" | ") +
                     came.failures.join(QStringLiteral("; ")));
