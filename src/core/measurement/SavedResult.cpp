@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include "files/FileNames.h"
 #include "measurement/Display.h"
 #include "measurement/Origin.h"
 
@@ -41,5 +42,5 @@ Outcome mapWithoutValues() {
 
 QString asGiven(const QString& name, const QString& asked) {
     const bool isOther = QFileInfo(asked).isRelative() && QFileInfo(name).isAbsolute();
-    return isOther ? QDir().relativeFilePath(name) : name;
+    return isOther ? typedFileName(QDir().relativeFilePath(name)) : name;
 }
