@@ -180,8 +180,12 @@ void RecordWriter::stack(const char* name, const StackInputs& stack) {
                 fileName(file.path));
         }
         // Of what is loaded together either all have an energy in their name or none has.
+        const auto hasEnergy = [this](const Stack::File& each) {
+            return numberFromName(fileName(each.path), expressionOf(each.names.pattern))
+                .has_value();
+        };
         const bool isAnother = !group.isEmpty() && (!(group.last().names == file.names) ||
-                                                    group.last().isNumbered != file.isNumbered);
+                                                    hasEnergy(group.last()) != hasEnergy(file));
         if (isAnother) {
             loadGroup(name, first, group);
             first = false;
